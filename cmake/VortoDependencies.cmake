@@ -1,0 +1,7 @@
+find_package(PkgConfig REQUIRED)
+find_package(ICU REQUIRED COMPONENTS uc i18n)
+find_package(Imath REQUIRED)
+pkg_check_modules(plist REQUIRED IMPORTED_TARGET libplist-2.0)
+pkg_check_modules(hwy REQUIRED IMPORTED_TARGET libhwy)
+pkg_check_modules(egl REQUIRED IMPORTED_TARGET egl)
+pkg_check_modules(drm REQUIRED IMPORTED_TARGET libdrm)
