@@ -1,5 +1,6 @@
 # The front door. Each target installs what it needs, builds, and runs; see README.md.
-.PHONY: all demo test bench asan format format-check tidy clean
+.PHONY: all demo test bench asan fuzz install package format tidy clean
+PREFIX ?= /usr/local
 
 all:
 	@scripts/install-dependencies
@@ -25,11 +26,23 @@ bench:
 	@cmake --build --preset bench
 	@scripts/bench build/bench
 
+fuzz:
+	@scripts/install-dependencies clang libclang-rt-14-dev
+	@scripts/fuzz build/fuzz
+
+install: all
+	@cmake --install build/release --prefix "$(DESTDIR)$(PREFIX)"
+
+package: all
+	@scripts/install-dependencies dpkg-dev file
+	@cpack --config build/release/CPackConfig.cmake -B build/package
+
 format:
 	@scripts/check-format --fix
 
-format-check:
-	@scripts/check-format
+tidy: all
+	@scripts/install-dependencies clang-tidy
+	@scripts/check-tidy build/release
 
 clean:
 	rm -rf build out

@@ -25,7 +25,7 @@ endfunction()
 
 function(vorto_assemble target)
   vorto_link_rooms(${target} ${VORTO_ROOMS})
-  target_link_libraries(${target} PRIVATE vorto_settings)
+  target_link_libraries(${target} PRIVATE vorto_settings PUBLIC Imath::Imath)
   target_include_directories(${target} INTERFACE $<BUILD_INTERFACE:${CMAKE_SOURCE_DIR}> $<INSTALL_INTERFACE:include/vorto>)
   set_target_properties(${target} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
   if(NOT VORTO_SANITIZE)

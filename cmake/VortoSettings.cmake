@@ -23,3 +23,7 @@ endif()
 
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
+
+# One place for libraries under every prefix; programs find them, and their plug-ins, relative to themselves.
+set(CMAKE_INSTALL_LIBDIR lib CACHE STRING "Folder of the libraries below the prefix")
+set(CMAKE_INSTALL_RPATH $ORIGIN/../lib:$ORIGIN)

@@ -1,0 +1,27 @@
+#include "Platform/QuartzComposer/QCPlugIn.h"
+
+// The smallest plug-in that somebody outside could write.
+namespace {
+
+PropertyList attributes() {
+  PropertyList generator;
+  generator.set("outputImagePort", PropertyList::string("outputImage"));
+  PropertyList protocols;
+  protocols.set("generator", generator);
+  PropertyList result;
+  result.set("protocols", protocols);
+  return result;
+}
+
+class Nothing : public QCPatch {
+ public:
+  Nothing() : QCPatch(::attributes()) { addOutputPort<QCImagePort>("outputImage"); }
+};
+
+void registerNodes(GFNodeManager& manager) {
+  manager.registerNodeWithName("Nothing", attributes(), [] { return std::make_shared<Nothing>(); });
+}
+
+}  // namespace
+
+QC_PLUGIN_ENTRY(registerNodes)
