@@ -14,9 +14,13 @@ class QCPatch;
 // A named value on a patch. Observers may watch the key paths "value" and "__rawValue__"; both are announced around
 // every change.
 //
-// Attributes (a dictionary, all optional): "name" (what people read), "minimum", "maximum", "default" (numbers and
-// indexes), "menu" (an array of strings, one per index). Nothing clamps a value to its range on the way in; hosts
-// check.
+// Attributes (a dictionary, all optional): "name" (what people read), "minimum", "maximum" (numbers and indexes),
+// "default" (numbers, booleans, indexes, strings and colors: the initial value, in the form of stateValue(); one that
+// does not fit is passed over), "menu" (an array of strings, one per index). Nothing clamps a value to its range on the
+// way in; hosts check.
+//
+// Numbers, booleans and indexes convert into one another where nothing is lost but precision: a number port stores
+// reals, a boolean port asks whether the number is not zero, an index port takes whole numbers only.
 class TARN_EXPORT QCPort : public NSObject {
  public:
   explicit QCPort(std::string key, PropertyList attributes = {});
@@ -30,6 +34,7 @@ class TARN_EXPORT QCPort : public NSObject {
   // "number", "boolean", "index", "string", "color", "image", "object"
   virtual const char* kind() const = 0;
 
+  // Null in image and object ports that are empty; other ports always hold a value.
   NSObjectRef value() const { return value_; }
   NSObjectRef rawValue() const { return value_; }  // the stored object itself, which editors change in place
   // Stores what acceptedValue() makes of it, between willChangeValue() and didChangeValue(); false, with the old value
@@ -45,21 +50,34 @@ class TARN_EXPORT QCPort : public NSObject {
   // False, with the cause in *reason (which may be null) and the old value kept, when the state does not fit the port.
   virtual bool setStateValue(const PropertyList& state, std::string* reason);
 
+  // Whether values of another port can flow into this one.
+  virtual bool takesValuesOf(const QCPort& source) const;
+  // A new port of this class with another key and other attributes, for a patch that publishes a port of an inner one.
+  // Null when the port was not made by addInputPort() or addOutputPort(), or its class cannot be made from a key and
+  // attributes alone.
+  std::shared_ptr<QCPort> portWithKey(std::string key, PropertyList attributes) const;
+
  protected:
+  // For constructors: the attribute "default" where it fits, else the fallback. Nothing is announced.
+  void setInitialValue(NSObjectRef fallback);
+  // The value of that state, or nothing when there is none.
+  virtual NSObjectRef valueFromState(const PropertyList& state) const;
   // What is stored for a value: the value, a converted one, or nothing to refuse.
   virtual std::optional<NSObjectRef> acceptedValue(const NSObjectRef& value) const = 0;
 
  private:
   friend class QCPatch;
+  using Maker = std::shared_ptr<QCPort> (*)(std::string key, PropertyList attributes);
   std::string key_;
   PropertyList attributes_;
   QCPatch* node_ = nullptr;
+  Maker maker_ = nullptr;
   NSObjectRef value_;
 };
 
 class TARN_EXPORT QCNumberPort : public QCPort {
  public:
-  using QCPort::QCPort;
+  explicit QCNumberPort(std::string key, PropertyList attributes = {});
   std::string className() const override { return "QCNumberPort"; }
   const char* kind() const override { return "number"; }
   double doubleValue() const;  // 0 until set or given a default
@@ -71,7 +89,7 @@ class TARN_EXPORT QCNumberPort : public QCPort {
 
 class TARN_EXPORT QCBooleanPort : public QCPort {
  public:
-  using QCPort::QCPort;
+  explicit QCBooleanPort(std::string key, PropertyList attributes = {});
   std::string className() const override { return "QCBooleanPort"; }
   const char* kind() const override { return "boolean"; }
   bool booleanValue() const;
@@ -84,7 +102,7 @@ class TARN_EXPORT QCBooleanPort : public QCPort {
 // A choice: a whole number from 0. Numbers that are not whole, or negative, or above 4294967295 are refused.
 class TARN_EXPORT QCIndexPort : public QCPort {
  public:
-  using QCPort::QCPort;
+  explicit QCIndexPort(std::string key, PropertyList attributes = {});
   std::string className() const override { return "QCIndexPort"; }
   const char* kind() const override { return "index"; }
   std::uint32_t indexValue() const;
@@ -96,7 +114,7 @@ class TARN_EXPORT QCIndexPort : public QCPort {
 
 class TARN_EXPORT QCStringPort : public QCPort {
  public:
-  using QCPort::QCPort;
+  explicit QCStringPort(std::string key, PropertyList attributes = {});
   std::string className() const override { return "QCStringPort"; }
   const char* kind() const override { return "string"; }
   std::string stringValue() const;
@@ -109,14 +127,14 @@ class TARN_EXPORT QCStringPort : public QCPort {
 // State: an array of four reals, red, green, blue, alpha.
 class TARN_EXPORT QCColorPort : public QCPort {
  public:
-  using QCPort::QCPort;
+  explicit QCColorPort(std::string key, PropertyList attributes = {});
   std::string className() const override { return "QCColorPort"; }
   const char* kind() const override { return "color"; }
   std::shared_ptr<QCColor> colorValue() const;  // opaque black until set
   std::optional<PropertyList> stateValue() const override;
-  bool setStateValue(const PropertyList& state, std::string* reason) override;
 
  protected:
+  NSObjectRef valueFromState(const PropertyList& state) const override;
   std::optional<NSObjectRef> acceptedValue(const NSObjectRef& value) const override;
 };
 
@@ -133,7 +151,7 @@ class TARN_EXPORT QCImagePort : public QCPort {
   std::optional<NSObjectRef> acceptedValue(const NSObjectRef& value) const override;
 };
 
-// Carries QCObjects of one class and of its subclasses; anything else is refused.
+// Carries QCObjects of one class and of its subclasses, by the class table; anything else is refused.
 class TARN_EXPORT QCObjectPort : public QCPort {
  public:
   using QCPort::QCPort;
@@ -141,8 +159,9 @@ class TARN_EXPORT QCObjectPort : public QCPort {
   const char* kind() const override { return "object"; }
   virtual std::string objectClass() const;  // "QCObject" here
   std::optional<PropertyList> stateValue() const override;
-  // Makes an objectClass() through the class table and gives it the state.
+  // Makes an objectClass() through the class table and gives it the state; what that throws becomes the reason.
   bool setStateValue(const PropertyList& state, std::string* reason) override;
+  bool takesValuesOf(const QCPort& source) const override;  // object ports of the same class or of one below it
 
  protected:
   std::optional<NSObjectRef> acceptedValue(const NSObjectRef& value) const override;
