@@ -1,0 +1,85 @@
+#pragma once
+
+#include "Platform/Visibility.h"
+#include "TarnCore/TCImage.h"
+
+#include <cstddef>
+#include <cstdint>
+
+// An image buffer: a rectangle of pixels of one pixel format (VortoPixelFormat) in page-aligned memory of its own,
+// which is also published under a memory entry so that another process can map the same pixels (TCBitmapSharing.h).
+//
+// States. Empty: `data` is null, every operation on pixels does nothing. Holding: `data` is memory that the bitmap owns
+// together with its entry. Unmapped: `memoryEntry` alone is there. Fresh memory is zero.
+//
+// Sizes are 32-bit and wrap. Whatever they come to, no operation reads or writes outside the memory that was allocated
+// (`allocSize` bytes at `data`): it does what its rule says up to the end of the allocation and stops there. Callers
+// check sizes in 64 bits before they make a bitmap. Whoever changes the public fields by hand keeps them true.
+//
+// Nothing throws. Failures are printed on standard error with the system's code and leave the bitmap empty.
+// One bitmap is used by one thread at a time.
+class TARN_EXPORT VortoBitmap : public VortoImage {
+ public:
+  std::uint32_t formatCode = 0;
+  std::uint32_t allocSize = 0;    // bytes reserved, also when reserving them failed; 0 when none ever were
+  std::uint32_t memoryEntry = 0;  // the name of the memory entry (a mach_port_t); 0 when none
+  bool flag = false;              // left to hosts; nothing here reads or sets it
+
+  VortoBitmap();  // empty
+  VortoBitmap(std::uint32_t width, std::uint32_t height, std::uint32_t bitsPerChannel, std::uint32_t channels,
+              std::uint32_t formatCode, std::uint32_t rowPadding);
+  VortoBitmap(const VortoBitmap& source);                     // with memory of its own, as clone()
+  VortoBitmap& operator=(const VortoBitmap& other) = delete;  // clone() for a new size, copy() for pixels alone
+  ~VortoBitmap() override;
+
+  // Reserve memory for the descriptor, with the slack that every bitmap has; what was held is released first. A failure
+  // calls the guarantee callback once with the size, if there is one, and tries once more.
+  void allocateMemory();
+  void deallocateMemory();  // memory and entry; allocSize stays
+
+  // Map the entry of a bitmap that has no `data`, and undo it; the pixels live as long as the entry does.
+  void mapIntoMemory();
+  void unmapFromMemory();
+
+  void clear();  // empty, of no size and of code 0; rowPadding stays
+
+  // Copies pixels in from memory laid out as this bitmap is: rows with their padding, or getSize() bytes when there is
+  // none. `source` must hold that many; null is left alone.
+  void setData(const void* source);
+
+  // Called with the size in bytes when memory is short, to free some elsewhere; its result is ignored. One for the
+  // process; null switches it off. Set it before other threads make bitmaps.
+  static void setGuaranteeMemoryCallback(bool (*callback)(unsigned int));
+
+  // Becomes a bitmap of the source's size and format (with its own row padding) with the source's getSize() bytes.
+  // Cloning itself does nothing.
+  void clone(const VortoBitmap& source);
+
+  // Takes the source's pixels; this bitmap was made in the right size and format before. With equal channel counts
+  // getSize() bytes are taken as they are, whatever the source holds; YUV8 and ARGB8 are converted into each other; any
+  // other pair does nothing.
+  void copy(const VortoBitmap& source);
+
+  // Between YUV8 and ARGB8 (the names notwithstanding), in video range after BT.601, in integers; alpha becomes 255 one
+  // way and is ignored the other. Row padding is ignored. Other formats do nothing. A last pixel without a partner is
+  // dropped on the way to YUV8.
+  static void convertYUVtoRGBA(VortoBitmap* destination, const VortoBitmap* source);
+  static void convertRGBAtoYUV(VortoBitmap* destination, const VortoBitmap* source);
+
+  // The bytes that may be touched at `data`.
+  std::size_t accessibleBytes() const { return data ? allocSize : 0; }
+
+ private:
+  static bool (*_guaranteeMemory)(unsigned int);
+};
+
+// A bitmap of a format known at compile time; TCPixel.h has the pixel types and names the nine that exist.
+template <class Pixel, std::uint32_t bits, std::uint32_t channelCount, std::uint32_t code>
+class TARN_EXPORT VortoBitmap_t : public VortoBitmap {
+ public:
+  VortoBitmap_t(std::uint32_t w, std::uint32_t h) : VortoBitmap(w, h, bits, channelCount, code, 0) {}
+};
+
+// A new bitmap of the format, which the caller deletes; null for code 3 and for codes above 9. It is empty when there
+// was no memory for it.
+TARN_EXPORT VortoBitmap* TCCreateBitmap(std::uint32_t width, std::uint32_t height, std::uint32_t formatCode);
