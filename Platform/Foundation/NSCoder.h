@@ -24,6 +24,15 @@ class TARN_EXPORT NSCoder {
   virtual NSObjectRef decodeObjectForKey(std::string_view key) = 0;  // null when there is no such key
   virtual bool containsValueForKey(std::string_view key) const = 0;
 
+  // Numbers under a key; keyed archives hold them in place, other coders take them as NSNumber objects. Decoding takes
+  // both forms, and answers 0 or false when there is no such key.
+  virtual void encodeBool(bool value, std::string_view key);
+  virtual void encodeInt(std::int64_t value, std::string_view key);
+  virtual void encodeDouble(double value, std::string_view key);
+  virtual bool decodeBoolForKey(std::string_view key);
+  virtual std::int64_t decodeIntForKey(std::string_view key);
+  virtual double decodeDoubleForKey(std::string_view key);
+
   const std::string& error() const { return error_; }  // empty while all went well
   void fail(std::string_view reason);                  // only the first reason is kept
 

@@ -116,7 +116,8 @@ class TARN_EXPORT NSDictionary : public NSObject {
   Entries entries_;
 };
 
-// The object form of a list, and back. Back gives nothing when the graph holds an object that is no property-list
-// value, or is nested deeper than PropertyListMaximumDepth.
+// The object form of a list, and back; a uid has no object form and gives null. Back gives nothing when the graph holds
+// an object that is no property-list value, or passes the limits of PropertyList.h (an object that several others share
+// counts as often as it is referred to).
 TARN_EXPORT NSObjectRef NSObjectFromPropertyList(const PropertyList& list);
 TARN_EXPORT std::optional<PropertyList> NSPropertyListFromObject(const NSObject* object);

@@ -14,8 +14,10 @@
 
 // A property list: the value that documents, bundles and states are made of.
 //
-// A value type: copies are deep and independent. An integer and a real are different values even when they are
-// numerically equal; reals keep every bit (-0.0, 17 digits). A dictionary keeps the order in which its keys were added.
+// A value type: copies are deep and independent. Copying, comparing and destroying recurse with the nesting, so that
+// whoever builds a list keeps to PropertyListMaximumDepth; what is read from bytes is bounded by it. An integer and a
+// real are different values even when they are numerically equal; reals keep every bit (-0.0, 17 digits). A dictionary
+// keeps the order in which its keys were added.
 class TARN_EXPORT PropertyList {
  public:
   enum class Type { Boolean, Integer, Real, String, Data, Date, Uid, Array, Dictionary };
@@ -106,7 +108,7 @@ class TARN_EXPORT PropertyList {
   };
   struct DateValue {
     double seconds;
-    bool operator==(const DateValue&) const = default;
+    bool operator==(const DateValue& other) const;  // bit for bit, like reals
   };
   struct UidValue {
     std::uint64_t value;
@@ -120,20 +122,35 @@ class TARN_EXPORT PropertyList {
 
 enum class PropertyListFormat { Xml, Binary };
 
-// The deepest nesting that is read or written; a deeper list is refused with a reason.
+// The limits of what is read and written; a list beyond one of them is refused with a reason. Values are counted as
+// often as they are referred to: a binary list may store one value and refer to it from many places.
 inline constexpr int PropertyListMaximumDepth = 512;
+inline constexpr std::uint64_t PropertyListMaximumValues = std::uint64_t{1} << 21;
+inline constexpr std::uint64_t PropertyListMaximumBytes = std::uint64_t{1} << 28;  // of the file, and of its contents
 
-// Reads a property list, XML or binary, told apart by its first bytes. Nothing on a malformed, truncated or too deeply
-// nested list, with the cause in *reason (which may be null).
+// Reads a property list, XML (UTF-8) or binary ("bplist00"), told apart by its first bytes. Nothing on a malformed,
+// truncated or too large list, with the cause in *reason (which may be null).
+//
+// - Dictionaries keep the order of the bytes; of equal keys the last wins, in the place of the first.
+// - In XML an integer lies in -2^63 to 2^64 - 1; a real is decimal, "nan", "infinity" or "inf" with an optional sign; a
+//   date is YYYY-MM-DDTHH:MM:SSZ; a dictionary whose only entry is "CF$UID" with an integer of 0 to 2^32 - 1 is a uid.
+// - A document type that declares entities of its own is refused.
+// - Text with a NUL in it is refused.
 TARN_EXPORT std::optional<PropertyList> PropertyListFromBytes(std::span<const std::uint8_t> bytes, std::string* reason,
                                                               PropertyListFormat* format = nullptr);
-// The bytes of a list; nothing, with the cause, when it cannot be written (nested too deeply).
+// The bytes of a list; nothing, with the cause, when it cannot be written: beyond the limits, text with a NUL or that
+// is no UTF-8, in XML also text with control characters (other than tab, newline and return), which XML cannot hold.
+//
+// XML reals have the fewest digits that read back as the same value; NaN is written "nan" and loses its payload, which
+// binary keeps; dates lose fractions of a second in XML, and must lie in the years 1 to 9999.
 TARN_EXPORT std::optional<PropertyList::Bytes> PropertyListToBytes(const PropertyList& list, PropertyListFormat format,
                                                                    std::string* reason);
 
-// Reads a whole file; the reason does not repeat the path.
+// Reads a whole regular file of at most PropertyListMaximumBytes; anything else (a folder, a pipe, a device) is refused
+// without waiting for it. The reason does not repeat the path.
 TARN_EXPORT std::optional<PropertyList::Bytes> NSReadFile(const std::string& path, std::string* reason);
-// Writes beside the target and renames, so that a failure leaves an existing file as it was.
+// Writes beside the target and renames, so that a failure leaves an existing file as it was. An existing file keeps its
+// permissions; a symbolic link stays, and the file that it leads to is replaced. Only regular files are replaced.
 TARN_EXPORT bool NSWriteFile(const std::string& path, std::span<const std::uint8_t> bytes, std::string* reason);
 TARN_EXPORT std::optional<PropertyList> PropertyListFromFile(const std::string& path, std::string* reason,
                                                              PropertyListFormat* format = nullptr);
