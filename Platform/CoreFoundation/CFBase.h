@@ -14,7 +14,6 @@ using CFTypeRef = const void*;  // any object of this room
 using CFAllocatorRef = const struct CFAllocatorObject*;
 using CFIndex = long;  // counts and positions; negative ones are always out of bounds
 using CFOptionFlags = unsigned long;
-using Boolean = unsigned char;
 using UniChar = unsigned short;  // one UTF-16 unit
 
 inline constexpr CFAllocatorRef kCFAllocatorDefault = nullptr;  // the only allocator; the argument is not looked at

@@ -90,7 +90,7 @@ TARN_EXPORT void CFStringGetCharacters(CFStringRef string, CFRange range, UniCha
 TARN_EXPORT const UniChar* CFStringGetCharactersPtr(CFStringRef string);
 // Writes the text and a terminating 0. False when the text cannot be expressed in the encoding or does not fit into
 // `bufferSize` bytes with its terminator; the buffer then holds the empty C string.
-TARN_EXPORT Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex bufferSize, CFStringEncoding encoding);
+TARN_EXPORT bool CFStringGetCString(CFStringRef string, char* buffer, CFIndex bufferSize, CFStringEncoding encoding);
 
 TARN_EXPORT void CFStringInsert(CFMutableStringRef string, CFIndex position, CFStringRef inserted);
 TARN_EXPORT void CFStringAppend(CFMutableStringRef string, CFStringRef appended);
