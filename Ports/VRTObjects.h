@@ -10,13 +10,14 @@ class VRTChannelGradient;
 class VRTChannelHistogram;
 
 // Base of the parameter values: coding and copying go through the state value, so a copy never shares channels with its
-// source.
+// source. A state that does not fit leaves the object as it was.
 class TARN_EXPORT VRTObject : public QCObject {
  public:
   std::string className() const override { return "VRTObject"; }
   // A new object of the same class made from the state value; null when there is none.
   NSObjectRef copyWithZone() const override;
-  // The state under the key "state", or without a key when the coder has none.
+  // The state under the key "state", or without a key when the coder has none. Nothing is thrown here: a state that
+  // would make initWithStateValue() throw fails the coder with the reason.
   void encodeWithCoder(NSCoder& coder) const override;
   bool initWithCoder(NSCoder& coder) override;
 };
@@ -41,8 +42,9 @@ class TARN_EXPORT VRTGradient : public VRTObject {
   void getGradientFloat(float* out, std::uint32_t samples) const;
 
   std::optional<PropertyList> stateValue() const override;
-  // Missing arrays keep the default samples; samples are neither sorted nor named. Throws std::out_of_range for an
-  // array that ends within a group. Anything that is not a dictionary with arrays is refused.
+  // Missing arrays keep the default samples; samples are neither sorted nor named; an entry that is no number reads as
+  // 0. Anything that is not a dictionary with arrays is refused. An array that ends within a group throws
+  // std::out_of_range, the one exception of this framework.
   bool initWithStateValue(const PropertyList& state) override;
 
  private:
@@ -81,7 +83,9 @@ class TARN_EXPORT VRTHistogram : public VRTObject {
   std::unique_ptr<VRTChannelHistogram> _kxChannelHistogram;
 };
 
-// Any archivable object, as one parameter. State: data that holds a keyed archive of the object.
+// Any archivable object, as one parameter. State: data that holds a keyed archive of the object, which is null in a new
+// one. A value that cannot be archived has no state, nor has opaque data nested more than 32 deep, which is not read
+// either. What the archive names must be in the class table.
 class TARN_EXPORT VRTOpaqueData : public VRTObject {
  public:
   VRTOpaqueData();

@@ -1,0 +1,30 @@
+#include "Effects/Support/MixRow.h"
+#include "Effects/Support/PixelLayout.h"
+#include "Effects/Support/TransitionPatch.h"
+#include "Platform/QuartzComposer/QCPlugIn.h"
+
+namespace vorto::effects {
+namespace {
+
+class DissolvePatch : public TransitionPatch {
+ public:
+  static PropertyList description() { return describe("Dissolve", "Fades from one image to the other."); }
+  DissolvePatch() : TransitionPatch(description()) {}
+
+ private:
+  void mix(const VortoBitmap& a, const VortoBitmap& b, double time, VortoBitmap& out) override {
+    withLayout(out.formatCode, [&](auto layout) {
+      using Channel = typename decltype(layout)::Channel;
+      const MixWeight<Channel> weight = mixWeight<Channel>(time);
+      const std::size_t count = std::size_t{out.width} * layout.channels;
+      for (std::size_t y = 0; y < out.height; ++y) {
+        mixRow(rowOf<Channel>(a, y), rowOf<Channel>(b, y), rowOf<Channel>(out, y), count, weight);
+      }
+    });
+  }
+};
+
+}  // namespace
+}  // namespace vorto::effects
+
+QC_PLUGIN_ENTRY(&vorto::effects::registerEffect<vorto::effects::DissolvePatch>)

@@ -1,0 +1,66 @@
+#include "Effects/GradientMap/GradientMapKernel.h"
+#include "Effects/Support/EffectPatch.h"
+#include "Effects/Support/PixelLayout.h"
+#include "Platform/QuartzComposer/QCPlugIn.h"
+#include "Ports/VRTObjects.h"
+#include "Ports/VRTPorts.h"
+
+namespace vorto::effects {
+namespace {
+
+template <class Layout, class Table>
+void mapRows(const VortoBitmap& in, VortoBitmap& out, const Table& table) {
+  using Channel = typename Layout::Channel;
+  for (std::size_t y = 0; y < in.height; ++y) {
+    if constexpr (std::is_same_v<Layout, RGBAFloat>) {
+      gradientMapFloatRow(rowOf<Channel>(in, y), rowOf<Channel>(out, y), in.width, table.data());
+    } else {
+      gradientMapRow<Layout>(rowOf<Channel>(in, y), rowOf<Channel>(out, y), in.width, table.data());
+    }
+  }
+}
+
+class GradientMapPatch : public EffectPatch {
+ public:
+  static PropertyList description() {
+    return effectAttributes("Gradient Map",
+                            "Colors an image by its brightness: shadows take the left end of the gradient, highlights "
+                            "the right end. The gradient's opacity fades the image out.",
+                            "filter", {{"inputImagePort", "inputImage"}, {"outputImagePort", "outputImage"}});
+  }
+
+  GradientMapPatch() : EffectPatch(description()) {
+    image_ = addInputPort<QCImagePort>("inputImage", portAttributes("Image"));
+    gradient_ = addInputPort<VRTGradientPort>("inputGradient", portAttributes("Gradient"));
+    gradient_->setValue(VRTGradient::gradient());
+  }
+
+ private:
+  BitmapRef render(std::string& reason) override {
+    const BitmapRef in = inputBitmap(*image_, reason);
+    if (!in) return nullptr;
+    const auto gradient = std::dynamic_pointer_cast<VRTGradient>(gradient_->value());
+    if (!gradient) return in;  // a port that was emptied maps nothing
+    auto out = makeBitmap(in->width, in->height, in->formatCode, reason);
+    if (!out) return nullptr;
+    withLayout(in->formatCode, [&](auto layout) {
+      using Layout = decltype(layout);
+      if constexpr (std::is_same_v<Layout, RGBAFloat>) {
+        mapRows<Layout>(*in, *out, floatGradientTable(*gradient));
+      } else if constexpr (std::is_same_v<Layout, RGBA16>) {
+        mapRows<Layout>(*in, *out, roundedGradientTable<std::uint16_t>(*gradient));
+      } else {
+        mapRows<Layout>(*in, *out, byteGradientTable(*gradient));
+      }
+    });
+    return out;
+  }
+
+  std::shared_ptr<QCImagePort> image_;
+  std::shared_ptr<VRTGradientPort> gradient_;
+};
+
+}  // namespace
+}  // namespace vorto::effects
+
+QC_PLUGIN_ENTRY(&vorto::effects::registerEffect<vorto::effects::GradientMapPatch>)

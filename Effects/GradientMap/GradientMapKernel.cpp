@@ -1,0 +1,66 @@
+#include "Effects/GradientMap/GradientMapKernel.h"
+
+#include "Effects/Support/PixelLayout.h"
+
+#include <algorithm>
+
+namespace vorto::effects {
+namespace {
+
+// The weights in 65536ths; they add up to 65536, so that the luma of a grey is the grey.
+constexpr std::uint32_t redWeight = 13933;
+constexpr std::uint32_t greenWeight = 46871;
+constexpr std::uint32_t blueWeight = 4732;
+
+template <class Layout>
+std::uint32_t weightedSum(const typename Layout::Channel* pixel) {
+  return redWeight * pixel[Layout::red] + greenWeight * pixel[Layout::green] + blueWeight * pixel[Layout::blue];
+}
+
+// Luma is linear, so that the luma of the straight color is that of the premultiplied one over alpha, rounded once.
+template <class Channel>
+std::size_t straightLuma(std::uint32_t sum, Channel alpha) {
+  const std::uint64_t scaled = std::uint64_t{sum} * full<Channel> + std::uint64_t{alpha} * 32768;
+  return std::min(static_cast<std::uint32_t>(scaled >> 16) / alpha, full<Channel>);
+}
+
+}  // namespace
+
+template <class Layout>
+void gradientMapRow(const typename Layout::Channel* in, typename Layout::Channel* out, std::size_t count,
+                    const GradientEntry<typename Layout::Channel>* table) {
+  using Channel = typename Layout::Channel;
+  for (std::size_t i = 0; i < count; ++i, in += Layout::channels, out += Layout::channels) {
+    const Channel alpha = in[Layout::alpha];
+    const std::uint32_t sum = weightedSum<Layout>(in);
+    if (alpha == full<Channel>) {
+      storeEntry<Layout>(table[(sum + 32768) >> 16], alpha, out);
+    } else if (alpha != 0) {
+      storeEntry<Layout>(table[straightLuma(sum, alpha)], alpha, out);
+    } else {
+      std::fill_n(out, Layout::channels, Channel{0});
+    }
+  }
+}
+
+template void gradientMapRow<RGBA8>(const std::uint8_t*, std::uint8_t*, std::size_t,
+                                    const GradientEntry<std::uint8_t>*);
+template void gradientMapRow<ARGB8>(const std::uint8_t*, std::uint8_t*, std::size_t,
+                                    const GradientEntry<std::uint8_t>*);
+template void gradientMapRow<RGBA16>(const std::uint16_t*, std::uint16_t*, std::size_t,
+                                     const GradientEntry<std::uint16_t>*);
+
+void gradientMapFloatRow(const float* in, float* out, std::size_t count, const GradientEntry<float>* table) {
+  for (std::size_t i = 0; i < count; ++i, in += RGBAFloat::channels, out += RGBAFloat::channels) {
+    const float alpha = in[RGBAFloat::alpha];
+    if (alpha > 0) {
+      const float luma =
+          (0.2126F * in[RGBAFloat::red] + 0.7152F * in[RGBAFloat::green] + 0.0722F * in[RGBAFloat::blue]) / alpha;
+      storeEntry<RGBAFloat>(gradientEntryAt(table, luma), alpha, out);
+    } else {
+      std::fill_n(out, RGBAFloat::channels, 0.0F);
+    }
+  }
+}
+
+}  // namespace vorto::effects

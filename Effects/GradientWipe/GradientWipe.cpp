@@ -1,0 +1,69 @@
+#include "Effects/GradientWipe/WipeWeights.h"
+#include "Effects/Support/MixRow.h"
+#include "Effects/Support/PixelLayout.h"
+#include "Effects/Support/Ramp.h"
+#include "Effects/Support/TransitionPatch.h"
+#include "Platform/QuartzComposer/QCPlugIn.h"
+#include "Ports/VRTObjects.h"
+#include "Ports/VRTPorts.h"
+
+namespace vorto::effects {
+namespace {
+
+constexpr double defaultSoftness = 0.1;
+
+// Black to white in a straight line: an even wipe from the first edge to the last.
+std::shared_ptr<VRTGradient> evenGradient() {
+  constexpr double linear = 1;
+  PropertyList samples = PropertyList::array();
+  for (const double place : {0.0, 1.0}) {
+    for (const double entry : {place, 0.5, linear, place, place, place}) samples.append(PropertyList::real(entry));
+  }
+  PropertyList state;
+  state.set("rgbSamples", std::move(samples));
+  auto gradient = VRTGradient::gradient();
+  gradient->initWithStateValue(state);
+  return gradient;
+}
+
+class GradientWipePatch : public TransitionPatch {
+ public:
+  static PropertyList description() {
+    return describe("Gradient Wipe",
+                    "Reveals the second image along a direction, where the gradient is dark first and where it is "
+                    "bright last.");
+  }
+
+  GradientWipePatch() : TransitionPatch(description()) {
+    gradient_ = addInputPort<VRTGradientPort>("inputGradient", portAttributes("Shape"));
+    gradient_->setValue(evenGradient());
+    angle_ = addInputPort<QCNumberPort>("inputAngle", numberAttributes("Angle", -360, 360, 0));
+    softness_ = addInputPort<QCNumberPort>("inputSoftness", numberAttributes("Softness", 0, 1, defaultSoftness));
+  }
+
+ private:
+  void mix(const VortoBitmap& a, const VortoBitmap& b, double time, VortoBitmap& out) override {
+    const auto held = std::dynamic_pointer_cast<VRTGradient>(gradient_->value());
+    const auto table = floatGradientTable(held ? *held : *evenGradient());
+    const double softness = std::clamp(finiteOr(softness_->doubleValue(), defaultSoftness), 0.0, 1.0);
+    const Ramp ramp = Ramp::across(out.width, out.height, finiteOr(angle_->doubleValue(), 0));
+    withLayout(out.formatCode, [&](auto layout) {
+      using Channel = typename decltype(layout)::Channel;
+      const auto weights = wipeWeights<Channel>(table, time, softness);
+      std::vector<MixWeight<Channel>> row(out.width);
+      for (std::size_t y = 0; y < out.height; ++y) {
+        wipeRow(ramp.rowStart(static_cast<double>(y)), ramp.perColumn, weights.data(), row.data(), row.size());
+        mixPixels(rowOf<Channel>(a, y), rowOf<Channel>(b, y), rowOf<Channel>(out, y), row.size(), row.data());
+      }
+    });
+  }
+
+  std::shared_ptr<VRTGradientPort> gradient_;
+  std::shared_ptr<QCNumberPort> angle_;
+  std::shared_ptr<QCNumberPort> softness_;
+};
+
+}  // namespace
+}  // namespace vorto::effects
+
+QC_PLUGIN_ENTRY(&vorto::effects::registerEffect<vorto::effects::GradientWipePatch>)

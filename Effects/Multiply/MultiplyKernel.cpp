@@ -1,0 +1,42 @@
+#include "Effects/Multiply/MultiplyKernel.h"
+
+#include "Effects/Support/Arithmetic.h"
+#include "Effects/Support/PixelLayout.h"
+
+namespace vorto::effects {
+namespace {
+
+// For alpha the formula is "over" as well, since F * B + F * (1 - B) + B * (1 - F) is F + B - F * B.
+template <class Channel>
+Channel multiplied(Channel background, Channel foreground, Channel backgroundAlpha, Channel foregroundAlpha) {
+  if constexpr (std::is_same_v<Channel, float>) {
+    return foreground * background + foreground * (1 - backgroundAlpha) + background * (1 - foregroundAlpha);
+  } else {
+    using Wide = std::conditional_t<sizeof(Channel) == 1, std::uint32_t, std::uint64_t>;
+    const Wide sum = Wide{foreground} * (Wide{background} + full<Channel> - backgroundAlpha) +
+                     Wide{background} * (full<Channel> - foregroundAlpha);
+    const Wide rounded = (sum + full<Channel> / 2) / full<Channel>;
+    return static_cast<Channel>(std::min<Wide>(rounded, full<Channel>));
+  }
+}
+
+}  // namespace
+
+template <class Layout>
+void multiplyRow(const typename Layout::Channel* background, const typename Layout::Channel* foreground,
+                 typename Layout::Channel* out, std::size_t count) {
+  for (std::size_t i = 0; i < count * Layout::channels; i += Layout::channels) {
+    const auto backgroundAlpha = background[i + Layout::alpha];
+    const auto foregroundAlpha = foreground[i + Layout::alpha];
+    for (int c = 0; c < Layout::channels; ++c) {
+      out[i + c] = multiplied(background[i + c], foreground[i + c], backgroundAlpha, foregroundAlpha);
+    }
+  }
+}
+
+template void multiplyRow<RGBA8>(const std::uint8_t*, const std::uint8_t*, std::uint8_t*, std::size_t);
+template void multiplyRow<ARGB8>(const std::uint8_t*, const std::uint8_t*, std::uint8_t*, std::size_t);
+template void multiplyRow<RGBA16>(const std::uint16_t*, const std::uint16_t*, std::uint16_t*, std::size_t);
+template void multiplyRow<RGBAFloat>(const float*, const float*, float*, std::size_t);
+
+}  // namespace vorto::effects

@@ -1,0 +1,37 @@
+#include "Effects/Over/OverKernel.h"
+
+#include "Effects/Support/Arithmetic.h"
+#include "Effects/Support/PixelLayout.h"
+
+namespace vorto::effects {
+namespace {
+
+template <class Channel>
+Channel over(Channel background, Channel foreground, Channel uncovered) {
+  if constexpr (std::is_same_v<Channel, float>) {
+    return foreground + background * uncovered;
+  } else {
+    const std::uint32_t sum = std::uint32_t{foreground} + product(background, uncovered);
+    return static_cast<Channel>(std::min(sum, full<Channel>));
+  }
+}
+
+}  // namespace
+
+template <class Layout>
+void overRow(const typename Layout::Channel* background, const typename Layout::Channel* foreground,
+             typename Layout::Channel* out, std::size_t count) {
+  using Channel = typename Layout::Channel;
+  constexpr Channel one = std::is_same_v<Channel, float> ? Channel{1} : std::numeric_limits<Channel>::max();
+  for (std::size_t i = 0; i < count * Layout::channels; i += Layout::channels) {
+    const auto uncovered = static_cast<Channel>(one - foreground[i + Layout::alpha]);
+    for (int c = 0; c < Layout::channels; ++c) out[i + c] = over(background[i + c], foreground[i + c], uncovered);
+  }
+}
+
+template void overRow<RGBA8>(const std::uint8_t*, const std::uint8_t*, std::uint8_t*, std::size_t);
+template void overRow<ARGB8>(const std::uint8_t*, const std::uint8_t*, std::uint8_t*, std::size_t);
+template void overRow<RGBA16>(const std::uint16_t*, const std::uint16_t*, std::uint16_t*, std::size_t);
+template void overRow<RGBAFloat>(const float*, const float*, float*, std::size_t);
+
+}  // namespace vorto::effects

@@ -1,0 +1,100 @@
+#include "Effects/Support/Bitmaps.h"
+
+#include "Effects/Support/PixelLayout.h"
+#include "Platform/QuartzComposer/QCPort.h"
+#include "Ports/VRTImage.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace vorto::effects {
+namespace {
+
+// What a bitmap may hold: its size with the slack that it adds is a 32-bit count of bytes.
+constexpr std::uint64_t maximumBytes = 0xFFFFFFFFULL - 65536;
+
+bool isOurLayout(std::uint32_t formatCode) {
+  return withLayout(formatCode, [](auto) {});
+}
+
+std::uint64_t bytesPerPixel(std::uint32_t formatCode) {
+  std::uint64_t bytes = 0;
+  withLayout(formatCode, [&](auto layout) { bytes = sizeof(typename decltype(layout)::Channel) * layout.channels; });
+  return bytes;
+}
+
+bool holdsItsPixels(const VortoBitmap& bitmap) {
+  const std::uint64_t pixelBytes = bytesPerPixel(bitmap.formatCode);
+  if (std::uint64_t{bitmap.bitsPerChannel} / 8 * bitmap.channels != pixelBytes) return false;
+  const std::uint64_t stride = bitmap.width * pixelBytes + bitmap.rowPadding;
+  if (bitmap.width == 0 || bitmap.height == 0) return true;
+  return bitmap.data && stride <= bitmap.allocSize && bitmap.height <= bitmap.allocSize / stride;
+}
+
+}  // namespace
+
+BitmapRef inputBitmap(const QCImagePort& port, std::string& reason) {
+  if (!port.imageValue()) return nullptr;
+  BitmapRef bitmap = VRTImage::bitmapOfPort(port);
+  if (!bitmap) {
+    reason = port.key() + " holds an image without a bitmap";
+  } else if (!isOurLayout(bitmap->formatCode)) {
+    reason =
+        port.key() + ": effects take 8-bit RGBA or ARGB, 16-bit RGBA or float RGBA, not " + describeBitmap(*bitmap);
+  } else if (!holdsItsPixels(*bitmap)) {
+    reason = port.key() + ": not all pixels of " + describeBitmap(*bitmap) + " are in memory";
+  }
+  return reason.empty() ? bitmap : nullptr;
+}
+
+std::shared_ptr<VortoBitmap> makeBitmap(std::uint64_t width, std::uint64_t height, std::uint32_t formatCode,
+                                        std::string& reason) {
+  const std::string size = std::to_string(width) + " x " + std::to_string(height);
+  if (!isOurLayout(formatCode)) {
+    reason = "effects do not make images of format " + std::to_string(formatCode);
+    return nullptr;
+  }
+  const std::uint64_t stride = std::min<std::uint64_t>(width, maximumBytes) * bytesPerPixel(formatCode);
+  if (stride != 0 && (stride > maximumBytes || height > maximumBytes / stride)) {
+    reason = "an image of " + size + " pixels is larger than 4 GiB";
+    return nullptr;
+  }
+  std::shared_ptr<VortoBitmap> bitmap(
+      TCCreateBitmap(static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height), formatCode));
+  if (!bitmap || !holdsItsPixels(*bitmap)) {
+    reason = "no memory for an image of " + size + " pixels";
+    return nullptr;
+  }
+  return bitmap;
+}
+
+BitmapRef fittedBitmap(const BitmapRef& bitmap, std::uint32_t width, std::uint32_t height, std::string& reason) {
+  if (bitmap->width == width && bitmap->height == height) return bitmap;
+  auto fitted = makeBitmap(width, height, bitmap->formatCode, reason);
+  if (!fitted) return nullptr;
+  const std::size_t pixelBytes = bytesPerPixel(bitmap->formatCode);
+  const std::size_t taken = std::min(bitmap->width, width) * pixelBytes;
+  for (std::size_t y = 0; y < height; ++y) {
+    auto* row = rowOf<std::uint8_t>(*fitted, y);
+    const std::size_t copied = y < bitmap->height ? taken : 0;
+    if (copied) std::memcpy(row, rowOf<std::uint8_t>(*bitmap, y), copied);
+    std::memset(row + copied, 0, width * pixelBytes - copied);
+  }
+  return fitted;
+}
+
+std::string describeBitmap(const VortoBitmap& bitmap) {
+  static constexpr const char* layouts[] = {
+      "RGBA, 8-bit",      "ARGB, 8-bit", "YCbCr 4:2:2, 8-bit",          "ARGB, 8-bit, no alpha",
+      "RGBA, 16-bit",     "RGB, 16-bit", "luminance and alpha, 16-bit", "luminance, 16-bit",
+      "RGBA, half float", "RGBA, float",
+  };
+  const char* layout = bitmap.formatCode < std::size(layouts) ? layouts[bitmap.formatCode] : "unknown layout";
+  return std::to_string(bitmap.width) + " x " + std::to_string(bitmap.height) + " " + layout;
+}
+
+std::size_t rowBytes(const VortoBitmap& bitmap) {
+  return std::size_t{bitmap.width} * bytesPerPixel(bitmap.formatCode) + bitmap.rowPadding;
+}
+
+}  // namespace vorto::effects

@@ -1,0 +1,44 @@
+#include "Effects/Support/BlendModePatch.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace vorto::effects {
+
+PropertyList BlendModePatch::describe(const std::string& name, const std::string& description) {
+  return effectAttributes(name, description, "blendMode",
+                          {{"inputBackgroundImagePort", "inputBackgroundImage"},
+                           {"inputForegroundImagePort", "inputForegroundImage"},
+                           {"outputImagePort", "outputImage"}});
+}
+
+BlendModePatch::BlendModePatch(PropertyList attributes) : EffectPatch(std::move(attributes)) {
+  background_ = addInputPort<QCImagePort>("inputBackgroundImage", portAttributes("Background"));
+  foreground_ = addInputPort<QCImagePort>("inputForegroundImage", portAttributes("Foreground"));
+}
+
+BitmapRef BlendModePatch::render(std::string& reason) {
+  const BitmapRef background = inputBitmap(*background_, reason);
+  const BitmapRef foreground = reason.empty() ? inputBitmap(*foreground_, reason) : nullptr;
+  if (!background || !foreground) return nullptr;
+  if (background->formatCode != foreground->formatCode) {
+    reason = "the images differ in layout: " + describeBitmap(*background) + " and " + describeBitmap(*foreground);
+    return nullptr;
+  }
+  auto out = makeBitmap(background->width, background->height, background->formatCode, reason);
+  if (!out || out->width == 0) return out;
+  const std::size_t covered = std::min(background->width, foreground->width);
+  const std::size_t coveredRows = std::min(background->height, foreground->height);
+  const std::size_t pixelBytes = std::size_t{out->bitsPerChannel} / 8 * out->channels;
+  for (std::size_t y = 0; y < out->height; ++y) {
+    const auto* behind = rowOf<std::uint8_t>(*background, y);
+    auto* row = rowOf<std::uint8_t>(*out, y);
+    const std::size_t blended = y < coveredRows ? covered : 0;
+    if (blended) blendRow(out->formatCode, behind, rowOf<std::uint8_t>(*foreground, y), row, blended);
+    const std::size_t done = blended * pixelBytes;
+    std::memcpy(row + done, behind + done, out->width * pixelBytes - done);
+  }
+  return out;
+}
+
+}  // namespace vorto::effects

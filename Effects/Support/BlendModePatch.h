@@ -1,0 +1,28 @@
+#pragma once
+
+#include "Effects/Support/EffectPatch.h"
+
+#include <cstddef>
+
+namespace vorto::effects {
+
+// A blend mode: a foreground laid on a background. The result has the size of the background; the foreground lies at
+// its upper left corner, what sticks out is cut off, and where it does not reach the background shows. Both images must
+// have the same layout.
+class BlendModePatch : public EffectPatch {
+ public:
+  static PropertyList describe(const std::string& name, const std::string& description);
+  explicit BlendModePatch(PropertyList attributes);
+
+ protected:
+  // Blends `count` pixels; the rows do not overlap.
+  virtual void blendRow(std::uint32_t formatCode, const void* background, const void* foreground, void* out,
+                        std::size_t count) = 0;
+
+ private:
+  BitmapRef render(std::string& reason) final;
+  std::shared_ptr<QCImagePort> background_;
+  std::shared_ptr<QCImagePort> foreground_;
+};
+
+}  // namespace vorto::effects

@@ -1,0 +1,42 @@
+#include "Effects/Support/GeneratorPatch.h"
+
+#include "Effects/Support/PixelLayout.h"
+
+#include <array>
+
+namespace vorto::effects {
+namespace {
+
+constexpr std::array<std::uint32_t, 3> formatOfDepth{formatRGBA8, formatRGBA16, formatRGBAFloat};
+constexpr int largestEdge = 65536;
+
+}  // namespace
+
+PropertyList GeneratorPatch::describe(const std::string& name, const std::string& description) {
+  return effectAttributes(name, description, "generator", {{"outputImagePort", "outputImage"}});
+}
+
+void GeneratorPatch::addSizePorts() {
+  width_ = addInputPort<QCIndexPort>("inputWidth", indexAttributes("Width", 1, largestEdge, 1920));
+  height_ = addInputPort<QCIndexPort>("inputHeight", indexAttributes("Height", 1, largestEdge, 1080));
+  depth_ = addInputPort<QCIndexPort>("inputDepth", menuAttributes("Depth", {"8-bit", "16-bit", "Float"}, 0));
+}
+
+BitmapRef GeneratorPatch::render(std::string& reason) {
+  const std::uint32_t width = width_->indexValue();
+  const std::uint32_t height = height_->indexValue();
+  const std::uint32_t depth = depth_->indexValue();
+  if (width == 0 || height == 0) {
+    reason = "an image of " + std::to_string(width) + " x " + std::to_string(height) + " pixels is empty";
+    return nullptr;
+  }
+  if (depth >= formatOfDepth.size()) {
+    reason = "inputDepth: there is no depth " + std::to_string(depth);
+    return nullptr;
+  }
+  auto out = makeBitmap(width, height, formatOfDepth[depth], reason);
+  if (out) fill(*out);
+  return out;
+}
+
+}  // namespace vorto::effects

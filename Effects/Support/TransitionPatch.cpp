@@ -1,0 +1,36 @@
+#include "Effects/Support/TransitionPatch.h"
+
+namespace vorto::effects {
+
+PropertyList TransitionPatch::describe(const std::string& name, const std::string& description) {
+  return effectAttributes(name, description, "transition",
+                          {{"inputImageAPort", "inputImageA"},
+                           {"inputImageBPort", "inputImageB"},
+                           {"inputTimePort", "inputTime"},
+                           {"outputImagePort", "outputImage"}});
+}
+
+TransitionPatch::TransitionPatch(PropertyList attributes) : EffectPatch(std::move(attributes)) {
+  imageA_ = addInputPort<QCImagePort>("inputImageA", portAttributes("From"));
+  imageB_ = addInputPort<QCImagePort>("inputImageB", portAttributes("To"));
+  time_ = addInputPort<QCNumberPort>("inputTime", numberAttributes("Time", 0, 1, 0));
+}
+
+BitmapRef TransitionPatch::render(std::string& reason) {
+  const BitmapRef a = inputBitmap(*imageA_, reason);
+  BitmapRef b = reason.empty() ? inputBitmap(*imageB_, reason) : nullptr;
+  if (!a || !b) return nullptr;
+  if (a->formatCode != b->formatCode) {
+    reason = "the images differ in layout: " + describeBitmap(*a) + " and " + describeBitmap(*b);
+    return nullptr;
+  }
+  const double time = time_->doubleValue();
+  if (!(time > 0)) return a;
+  b = fittedBitmap(b, a->width, a->height, reason);
+  if (!b || time >= 1) return b;
+  auto out = makeBitmap(a->width, a->height, a->formatCode, reason);
+  if (out && out->width != 0 && out->height != 0) mix(*a, *b, time, *out);
+  return out;
+}
+
+}  // namespace vorto::effects

@@ -1,0 +1,58 @@
+#include "Ports/VRTPorts.h"
+
+#include "Platform/QuartzComposer/QCPatch.h"
+
+#include <map>
+#include <utility>
+
+namespace {
+
+std::map<std::string, VRTParameterViewFactory>& factories() {
+  static std::map<std::string, VRTParameterViewFactory> table;
+  return table;
+}
+
+NSTarnView* makeParameterView(const char* portClass, QCObjectPort& port) {
+  const auto entry = factories().find(portClass);
+  if (entry == factories().end()) return nullptr;
+  const VRTParameterViewFactory factory = entry->second;  // a factory may register others while it runs
+  return factory(port);
+}
+
+// Ports are made by patches, which give them their keys; the class table only knows their kinship.
+const NSClassRegistration gradientPortClass("VRTGradientPort", "QCObjectPort", {});
+const NSClassRegistration histogramPortClass("VRTHistogramPort", "QCObjectPort", {});
+const NSClassRegistration opaqueDataPortClass("VRTOpaqueDataPort", "QCObjectPort", {});
+
+}  // namespace
+
+ParameterView::~ParameterView() = default;
+
+VRTOpaqueDataViewing::~VRTOpaqueDataViewing() = default;
+
+void VRTRegisterParameterViewFactory(const std::string& portClass, VRTParameterViewFactory factory) {
+  if (factory) {
+    factories()[portClass] = std::move(factory);
+  } else {
+    factories().erase(portClass);
+  }
+}
+
+NSTarnView* VRTGradientPort::setupParameterView() {
+  return makeParameterView("VRTGradientPort", *this);
+}
+
+void VRTGradientPort::resetParameterView(NSTarnView*) {}
+
+NSTarnView* VRTHistogramPort::setupParameterView() {
+  return makeParameterView("VRTHistogramPort", *this);
+}
+
+void VRTHistogramPort::resetParameterView(NSTarnView*) {}
+
+NSTarnView* VRTOpaqueDataPort::setupParameterView() {
+  auto* viewing = dynamic_cast<VRTOpaqueDataViewing*>(node());
+  return viewing ? viewing->viewForOpaqueDataPort(this) : nullptr;
+}
+
+void VRTOpaqueDataPort::resetParameterView(NSTarnView*) {}
