@@ -25,27 +25,32 @@ class TARN_EXPORT GFNodeManager : public NSObject {
   std::string className() const override { return "GFNodeManager"; }
 
   static std::shared_ptr<GFNodeManager> managerForNodeNamespace(std::string_view nodeNamespace);  // null when none
-  // Call once on an object that std::make_shared made.
+  // Call once on an object that std::make_shared made; false for an empty namespace, and the second time.
   virtual bool initWithNamespace(const std::string& nodeNamespace);
   const std::string& nodeNamespace() const;
 
-  // False, with nothing changed, when the name is empty or taken.
+  // False, with nothing changed, when the name is empty or taken (the first stays), the attributes are no dictionary or
+  // there is no factory. The reason is kept in loadFailures() when a plug-in that is being loaded is refused a node.
   bool registerNodeWithName(const std::string& name, PropertyList attributes, QCPatch::Factory factory);
 
-  std::vector<std::string> nodeNames();                                          // in the order of registration
-  virtual const PropertyList* nodeAttributesWithName(std::string_view name);     // null when unknown
-  virtual std::shared_ptr<QCPatch> nodeInstanceWithName(std::string_view name);  // null when unknown
-  std::string pathOfNodeWithName(std::string_view name);                         // empty unless it came from a file
+  std::vector<std::string> nodeNames();                                       // in the order of registration
+  virtual const PropertyList* nodeAttributesWithName(std::string_view name);  // null when unknown
+  // Null when unknown, and when the node's factory fails, which is said on standard error.
+  virtual std::shared_ptr<QCPatch> nodeInstanceWithName(std::string_view name);
+  std::string pathOfNodeWithName(std::string_view name);  // empty unless it came from a file
 
-  // Loads every bundle ("plugin") and composition ("qtz") of a folder, extensions in the given order, files by name. A
-  // missing folder is no error. What cannot be loaded is printed on standard error, kept in loadFailures(), and
-  // skipped. A composition may name nodes that a later folder brings: it is resolved when nodes are first asked for.
+  // Loads every bundle ("plugin") and composition ("qtz") of a folder, extensions in the given order, files by name;
+  // hidden files and all other extensions are passed over. A missing folder is no error. What cannot be loaded is
+  // printed on standard error, kept in loadFailures(), and skipped.
+  //
+  // A composition may name nodes that a later folder brings: it becomes a node when nodes are first asked for, by any
+  // of the questions here, after loading has ended. Questions that a plug-in asks while it is loaded see the
+  // compositions that are complete by then. A composition whose name a plug-in claims after it keeps the name.
   void loadPlugInsInFolder(const std::string& folder, const std::vector<std::string>& extensions);
-  // Resolves what still waits for nodes first.
+  // In the order in which they were found out. Resolves what still waits for nodes first.
   const std::vector<LoadFailure>& loadFailures();
 
  private:
-  friend class QCPlugInLoader;
   struct State;
   std::unique_ptr<State> state_;
 };
