@@ -1,0 +1,315 @@
+#include "TarnCore/kernels/Depth.h"
+
+#include "TarnCore/kernels/Dispatch.h"
+
+#include <algorithm>
+#include <cstring>
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "TarnCore/kernels/Depth.cpp"
+#include <hwy/cache_control.h>
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+// Every conversion works on vectors of single channels; one vector holds whole pixels. A reader turns stored channels
+// in RGBA order into floats, a writer turns floats into stored channels. ARGB pixels are rotated as words.
+HWY_BEFORE_NAMESPACE();
+namespace vorto::kernels::HWY_NAMESPACE {
+namespace hn = hwy::HWY_NAMESPACE;
+
+#if HWY_TARGET == HWY_SCALAR
+void convert(std::uint8_t* out, DepthLayout to, const std::uint8_t* in, DepthLayout from, std::size_t count, bool) {
+  convertDepthScalar(out, to, in, from, count);
+}
+#else
+using Floats = hn::CappedTag<float, 16>;  // at least one pixel, and no more lanes than the widest target has
+using Bytes = hn::Rebind<std::uint8_t, Floats>;
+using Words = hn::Rebind<std::uint16_t, Floats>;
+using Integers = hn::Rebind<std::int32_t, Floats>;
+using FloatVector = hn::Vec<Floats>;
+
+template <int bits, class D>
+HWY_INLINE hn::Vec<D> rotatePixels(D d, hn::Vec<D> bytes) {
+  const hn::Repartition<std::uint32_t, D> pixels;
+  return hn::BitCast(d, hn::RotateRight<bits>(hn::BitCast(pixels, bytes)));
+}
+
+// v x (1 / largest), the product in double precision rounded to single: two single-precision products and a sum give
+// the same for every stored value, since v x `high` is exact.
+HWY_INLINE FloatVector normalizedVector(FloatVector v, float high, float low) {
+  const Floats d;
+  return hn::Add(hn::Mul(v, hn::Set(d, high)), hn::Mul(v, hn::Set(d, low)));
+}
+
+struct ReadRGBA8 {
+  static constexpr std::size_t channelBytes = 1;
+  static constexpr float high = 0x1.01p-8f;
+  static constexpr float low = 0x1.010102p-24f;
+  static HWY_INLINE FloatVector fromBytes(hn::Vec<Bytes> bytes) {
+    return normalizedVector(hn::ConvertTo(Floats(), hn::PromoteTo(Integers(), bytes)), high, low);
+  }
+  static HWY_INLINE FloatVector read(const std::uint8_t* in) { return fromBytes(hn::LoadU(Bytes(), in)); }
+};
+
+struct ReadARGB8 {
+  static constexpr std::size_t channelBytes = 1;
+  static HWY_INLINE FloatVector read(const std::uint8_t* in) {
+    return ReadRGBA8::fromBytes(rotatePixels<8>(Bytes(), hn::LoadU(Bytes(), in)));
+  }
+};
+
+struct ReadRGBA16 {
+  static constexpr std::size_t channelBytes = 2;
+  static constexpr float high = 0x1p-16f;
+  static constexpr float low = 0x1.0001p-32f;
+  static HWY_INLINE FloatVector read(const std::uint8_t* in) {
+    const auto words = hn::LoadU(Words(), reinterpret_cast<const std::uint16_t*>(in));
+    return normalizedVector(hn::ConvertTo(Floats(), hn::PromoteTo(Integers(), words)), high, low);
+  }
+};
+
+struct ReadRGBAHalf {
+  static constexpr std::size_t channelBytes = 2;
+
+  // The exponent moves from 5 to 8 bits by a multiplication, which is exact for subnormals too; infinities and NaN,
+  // whose bits are kept, get the largest exponent.
+  static HWY_INLINE FloatVector fromBits(const std::uint16_t* in) {
+    const hn::RebindToUnsigned<Floats> bitsTag;
+    const auto half = hn::PromoteTo(bitsTag, hn::LoadU(Words(), in));
+    const auto magnitude = hn::And(half, hn::Set(bitsTag, 0x7FFF));
+    const auto sign = hn::ShiftLeft<16>(hn::Sub(half, magnitude));
+    const auto shifted = hn::ShiftLeft<13>(magnitude);
+    const auto finite = hn::Mul(hn::BitCast(Floats(), shifted), hn::Set(Floats(), 0x1p112f));
+    const auto special = hn::Or(shifted, hn::Set(bitsTag, 0x7F800000));
+    const auto isSpecial = hn::Gt(hn::BitCast(Integers(), magnitude), hn::Set(Integers(), 0x7BFF));
+    const auto value = hn::IfThenElse(hn::RebindMask(bitsTag, isSpecial), special, hn::BitCast(bitsTag, finite));
+    return hn::BitCast(Floats(), hn::Or(sign, value));
+  }
+
+  static HWY_INLINE FloatVector read(const std::uint8_t* in) {
+    const auto* words = reinterpret_cast<const std::uint16_t*>(in);
+#if HWY_TARGET == HWY_AVX2 || HWY_TARGET == HWY_AVX3 || HWY_TARGET == HWY_AVX3_DL
+    const hn::Rebind<hwy::float16_t, Floats> halves;
+    const auto converted = hn::PromoteTo(Floats(), hn::BitCast(halves, hn::LoadU(Words(), words)));
+    // The instruction makes signalling NaN quiet; the definition keeps them as they are.
+    if (HWY_LIKELY(hn::AllFalse(Floats(), hn::IsNaN(converted)))) return converted;
+#endif
+    return fromBits(words);
+  }
+};
+
+struct ReadRGBAFloat {
+  static constexpr std::size_t channelBytes = 4;
+  static HWY_INLINE FloatVector read(const std::uint8_t* in) {
+    return hn::LoadU(Floats(), reinterpret_cast<const float*>(in));
+  }
+};
+
+// floor(p + 0.5 + 1e-7), the sum in double precision: p is raised exactly when its fraction reaches `threshold`, the
+// least single-precision fraction for which the sum reaches the next integer. Beyond `limit` the result is clamped by
+// what follows; NaN and everything below -0.5 come out as 0 or less.
+HWY_INLINE hn::Vec<Integers> biasedRound(FloatVector p, float limit) {
+  const Floats d;
+  constexpr float threshold = 0.5f - 3 * 0x1p-25f;
+  const auto bounded = hn::IfThenElseZero(hn::Gt(p, hn::Zero(d)), hn::Min(p, hn::Set(d, limit)));
+  const auto whole = hn::ConvertTo(Integers(), bounded);
+  const auto fraction = hn::Sub(bounded, hn::ConvertTo(d, whole));
+  const auto raise = hn::Ge(fraction, hn::Set(d, threshold));
+  return hn::Sub(whole, hn::VecFromMask(Integers(), hn::RebindMask(Integers(), raise)));
+}
+
+struct WriteARGB8 {
+  static constexpr std::size_t channelBytes = 1;
+  static HWY_INLINE void write(FloatVector v, std::uint8_t* out, bool) {
+    const auto rounded = biasedRound(hn::Mul(v, hn::Set(Floats(), 255.0f)), 256.0f);
+    hn::StoreU(rotatePixels<24>(Bytes(), hn::DemoteTo(Bytes(), rounded)), Bytes(), out);
+  }
+};
+
+struct WriteRGBA16 {
+  static constexpr std::size_t channelBytes = 2;
+  static HWY_INLINE void write(FloatVector v, std::uint8_t* out, bool) {
+    const auto rounded = biasedRound(hn::Mul(v, hn::Set(Floats(), 65535.0f)), 65536.0f);
+    hn::StoreU(hn::DemoteTo(Words(), rounded), Words(), reinterpret_cast<std::uint16_t*>(out));
+  }
+};
+
+struct WriteRGBAFloat {
+  static constexpr std::size_t channelBytes = 4;
+  static HWY_INLINE void write(FloatVector v, std::uint8_t* out, bool stream) {
+    if (stream) {
+      hn::Stream(v, Floats(), reinterpret_cast<float*>(out));
+    } else {
+      hn::StoreU(v, Floats(), reinterpret_cast<float*>(out));
+    }
+  }
+};
+
+// Converts whole vectors and answers how many pixels those were.
+template <class Write, class Read>
+std::size_t convertVectors(std::uint8_t* out, const std::uint8_t* in, std::size_t count, bool stream) {
+  const std::size_t lanes = hn::Lanes(Floats());
+  const std::size_t channels = count * 4 / lanes * lanes;
+  for (std::size_t i = 0; i < channels; i += lanes) {
+    Write::write(Read::read(in + i * Read::channelBytes), out + i * Write::channelBytes, stream);
+  }
+  return channels / 4;
+}
+
+using AllBytes = hn::ScalableTag<std::uint8_t>;
+using AllWords = hn::ScalableTag<std::uint16_t>;
+
+// RGBA8 to ARGB8: the value survives the way through a float.
+std::size_t reorderBytes(std::uint8_t* out, const std::uint8_t* in, std::size_t count) {
+  const AllBytes d;
+  const std::size_t bytes = count * 4 / hn::Lanes(d) * hn::Lanes(d);
+  for (std::size_t i = 0; i < bytes; i += hn::Lanes(d)) {
+    hn::StoreU(rotatePixels<24>(d, hn::LoadU(d, in + i)), d, out + i);
+  }
+  return bytes / 4;
+}
+
+// Bytes to words: 65535 / 255 is 257, so both bytes of the word are the byte.
+template <bool fromARGB>
+std::size_t widenBytes(std::uint8_t* out, const std::uint8_t* in, std::size_t count) {
+  const AllWords d;
+  const hn::Rebind<std::uint8_t, AllWords> bytesTag;
+  const std::size_t channels = count * 4 / hn::Lanes(d) * hn::Lanes(d);
+  for (std::size_t i = 0; i < channels; i += hn::Lanes(d)) {
+    auto bytes = hn::LoadU(bytesTag, in + i);
+    if constexpr (fromARGB) bytes = rotatePixels<8>(bytesTag, bytes);
+    const auto words = hn::PromoteTo(d, bytes);
+    hn::StoreU(hn::Or(words, hn::ShiftLeft<8>(words)), d, reinterpret_cast<std::uint16_t*>(out) + i);
+  }
+  return channels / 4;
+}
+
+// Words to bytes: v / 257 rounded, which never is a half, in words without overflow.
+std::size_t narrowWords(std::uint8_t* out, const std::uint8_t* in, std::size_t count) {
+  const AllWords d;
+  const hn::RebindToSigned<AllWords> signedTag;
+  const hn::Rebind<std::uint8_t, AllWords> bytesTag;
+  const std::size_t channels = count * 4 / hn::Lanes(d) * hn::Lanes(d);
+  for (std::size_t i = 0; i < channels; i += hn::Lanes(d)) {
+    const auto v = hn::SaturatedAdd(hn::LoadU(d, reinterpret_cast<const std::uint16_t*>(in) + i), hn::Set(d, 128));
+    const auto rounded = hn::ShiftRight<8>(hn::Sub(v, hn::ShiftRight<8>(v)));
+    const auto bytes = hn::DemoteTo(bytesTag, hn::BitCast(signedTag, rounded));
+    hn::StoreU(rotatePixels<24>(bytesTag, bytes), bytesTag, out + i);
+  }
+  return channels / 4;
+}
+
+template <class Write>
+std::size_t convertFrom(DepthLayout from, std::uint8_t* out, const std::uint8_t* in, std::size_t count, bool stream) {
+  switch (from) {
+    case DepthLayout::RGBA8:
+      return convertVectors<Write, ReadRGBA8>(out, in, count, stream);
+    case DepthLayout::ARGB8:
+      return convertVectors<Write, ReadARGB8>(out, in, count, stream);
+    case DepthLayout::RGBA16:
+      return convertVectors<Write, ReadRGBA16>(out, in, count, stream);
+    case DepthLayout::RGBAHalf:
+      return convertVectors<Write, ReadRGBAHalf>(out, in, count, stream);
+    case DepthLayout::RGBAFloat:
+      return convertVectors<Write, ReadRGBAFloat>(out, in, count, stream);
+  }
+  return 0;
+}
+
+std::size_t convertWhole(std::uint8_t* out, DepthLayout to, const std::uint8_t* in, DepthLayout from, std::size_t count,
+                         bool stream) {
+  if (to == from) {
+    std::memcpy(out, in, count * depthPixelBytes(to));
+    return count;
+  }
+  if (to == DepthLayout::ARGB8) {
+    if (from == DepthLayout::RGBA8) return reorderBytes(out, in, count);
+    if (from == DepthLayout::RGBA16) return narrowWords(out, in, count);
+    return convertFrom<WriteARGB8>(from, out, in, count, stream);
+  }
+  if (to == DepthLayout::RGBA16) {
+    if (from == DepthLayout::RGBA8) return widenBytes<false>(out, in, count);
+    if (from == DepthLayout::ARGB8) return widenBytes<true>(out, in, count);
+    return convertFrom<WriteRGBA16>(from, out, in, count, stream);
+  }
+  return convertFrom<WriteRGBAFloat>(from, out, in, count, stream);
+}
+
+void convert(std::uint8_t* out, DepthLayout to, const std::uint8_t* in, DepthLayout from, std::size_t count,
+             bool stream) {
+  const std::size_t done = convertWhole(out, to, in, from, count, stream);
+  convertDepthScalar(out + done * depthPixelBytes(to), to, in + done * depthPixelBytes(from), from, count - done);
+  if (stream) hwy::FlushStream();
+}
+#endif
+
+}  // namespace vorto::kernels::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace vorto::kernels {
+
+HWY_EXPORT(convert);
+
+namespace {
+
+// Output of this size leaves the cache before anybody reads it; writing past the cache saves reading it first.
+constexpr std::size_t StreamingBytes = std::size_t{4} << 20;
+
+}  // namespace
+
+void convertDepth(std::uint8_t* out, DepthLayout to, const std::uint8_t* in, DepthLayout from, std::size_t count) {
+  if (useScalar()) return convertDepthScalar(out, to, in, from, count);
+  const bool aligned = reinterpret_cast<std::uintptr_t>(out) % 64 == 0;
+  const bool stream = aligned && count * depthPixelBytes(to) >= StreamingBytes;
+  HWY_DYNAMIC_DISPATCH(convert)(out, to, in, from, count, stream);
+}
+
+namespace {
+
+constexpr std::uint32_t Chunk = 256;  // pixels, gathered on the stack and converted from there
+
+struct ChunkPlace {
+  std::uint32_t firstColumn;
+  std::uint32_t count;
+};
+
+// The columns of one chunk for all rows: the chunk's source columns are worked out once.
+void scaleAndConvertChunk(const ScaleDestination& destination, DepthLayout to, const ScaleSource& source,
+                          DepthLayout from, ChunkPlace place) {
+  const std::size_t outBytes = depthPixelBytes(to);
+  const std::size_t inBytes = depthPixelBytes(from);
+  const double columnRatio = static_cast<double>(source.width) / destination.width;
+  const double rowRatio = static_cast<double>(source.height) / destination.height;
+  std::uint32_t columns[Chunk];
+  std::uint8_t gathered[Chunk * 16];
+  for (std::uint32_t i = 0; i < place.count; ++i) columns[i] = scaledIndex(place.firstColumn + i, columnRatio);
+
+  for (std::uint32_t j = 0; j < destination.height; ++j) {
+    const std::size_t rowStart = std::size_t{scaledIndex(j, rowRatio)} * source.width;
+    const std::size_t at = std::size_t{j} * destination.width + place.firstColumn;
+    gatherPixels(gathered, source.pixels + rowStart * inBytes, source.accessible - rowStart, columns, place.count,
+                 inBytes);
+    convertDepth(destination.pixels + at * outBytes, to, gathered, from, place.count);
+  }
+}
+
+}  // namespace
+
+void scaleAndConvert(const ScaleDestination& destination, DepthLayout to, const ScaleSource& source, DepthLayout from) {
+  if (useScalar() || !isOrdinaryScale(destination, depthPixelBytes(to), source, depthPixelBytes(from))) {
+    return scaleAndConvertScalar(destination, to, source, from);
+  }
+  if (destination.width == source.width && destination.height == source.height) {
+    const std::size_t count = std::size_t{source.width} * source.height;
+    return convertDepth(destination.pixels, to, source.pixels, from, count);
+  }
+  for (std::uint32_t first = 0; first < destination.width;) {
+    const std::uint32_t count = std::min(Chunk, destination.width - first);
+    scaleAndConvertChunk(destination, to, source, from, ChunkPlace{first, count});
+    first += count;
+  }
+}
+
+}  // namespace vorto::kernels
+#endif  // HWY_ONCE
