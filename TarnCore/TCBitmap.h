@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
+class VortoColor;
+
 // An image buffer: a rectangle of pixels of one pixel format (VortoPixelFormat) in page-aligned memory of its own,
 // which is also published under a memory entry so that another process can map the same pixels (TCBitmapSharing.h).
 //
@@ -65,6 +67,20 @@ class TARN_EXPORT VortoBitmap : public VortoImage {
   // dropped on the way to YUV8.
   static void convertYUVtoRGBA(VortoBitmap* destination, const VortoBitmap* source);
   static void convertRGBAtoYUV(VortoBitmap* destination, const VortoBitmap* source);
+
+  // Fill this bitmap, made in its size and format before, from one of another size by nearest neighbours
+  // (TCBitmapScaling.h). A YUV8 source is turned into ARGB8 first.
+  // The source is read in this bitmap's layout (any unknown code counts as RGBA8).
+  void copyWithScaling(const VortoBitmap& source);
+  // The source is read in its own layout; this bitmap is ARGB8, RGBA16 or RGBAFloat, and any other does nothing.
+  void copyWithScalingAndDepthConversion(const VortoBitmap& source);
+
+  // What is done to pixels that leave the system, on the way from another bitmap and in place: premultiplication is
+  // taken off against the background, then alpha is copied into the colors (alphaToGray, which wins) or becomes 1
+  // (opaque).
+  void copyWithOutputConversion(const VortoBitmap& source, bool unpremultiply, bool opaque, bool alphaToGray,
+                                const VortoColor& background);
+  void doOutputConversion(bool unpremultiply, bool opaque, bool alphaToGray, const VortoColor& background);
 
   // The bytes that may be touched at `data`.
   std::size_t accessibleBytes() const { return data ? allocSize : 0; }
