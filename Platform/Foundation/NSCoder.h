@@ -41,7 +41,10 @@ class TARN_EXPORT NSCoder {
 };
 
 // Writes an object graph in the keyed-archive layout: "$archiver", "$version", "$objects", "$top".
-// An object met twice is written once. Usage: make it, encode, finishEncoding().
+//
+// An object met twice is written once; equal numbers and strings are too. Numbers, strings and NSData stand in "$objects"
+// as they are; nil is a reference to "$null"; every other object is a dictionary of its keys with "$class". The classes
+// of this room are written under their own names whatever their C++ type. Usage: make it, encode, finishEncoding().
 class TARN_EXPORT NSKeyedArchiver : public NSCoder {
  public:
   explicit NSKeyedArchiver(PropertyListFormat outputFormat = PropertyListFormat::Binary);
@@ -49,8 +52,12 @@ class TARN_EXPORT NSKeyedArchiver : public NSCoder {
 
   bool allowsKeyedCoding() const override { return true; }
   void encodeObject(const NSObjectRef& object) override;  // under "$0", "$1", ... counted per object
+  // Fails on a key that was used already. A key that begins with "$" is written as "$" + key: those are the layout's.
   void encodeObject(const NSObjectRef& object, std::string_view key) override;
-  NSObjectRef decodeObject() override;
+  void encodeBool(bool value, std::string_view key) override;
+  void encodeInt(std::int64_t value, std::string_view key) override;
+  void encodeDouble(double value, std::string_view key) override;
+  NSObjectRef decodeObject() override;  // fails, as the next one does: this coder writes
   NSObjectRef decodeObjectForKey(std::string_view key) override;
   bool containsValueForKey(std::string_view key) const override;
 
@@ -65,8 +72,14 @@ class TARN_EXPORT NSKeyedArchiver : public NSCoder {
   std::unique_ptr<State> state_;
 };
 
-// Reads what NSKeyedArchiver, or another writer of the same layout, wrote. Classes are looked up in the class table; a
-// class whose name is unknown is tried by its superclasses as the archive lists them, then refused.
+// Reads what NSKeyedArchiver, or another writer of the same layout, wrote: references of any width, shared objects,
+// entries that nobody asks for, numbers in place or behind a reference, the mutable and the private classes of other
+// writers. Classes are looked up in the class table; a class whose name is unknown is tried by its superclasses as the
+// archive lists them, NSObject excepted, then refused.
+//
+// A shared object comes back shared. What is refused, with a reason: references that lead nowhere or in a circle
+// through containers, nesting beyond PropertyListMaximumDepth, dictionaries whose keys are not strings, an object whose
+// initWithCoder() says no or throws.
 class TARN_EXPORT NSKeyedUnarchiver : public NSCoder {
  public:
   NSKeyedUnarchiver();
@@ -78,13 +91,18 @@ class TARN_EXPORT NSKeyedUnarchiver : public NSCoder {
   bool initForReadingWithPropertyList(const PropertyList& archive);
 
   bool allowsKeyedCoding() const override { return true; }
-  void encodeObject(const NSObjectRef& object) override;
+  void encodeObject(const NSObjectRef& object) override;  // fails, as the next one does: this coder reads
   void encodeObject(const NSObjectRef& object, std::string_view key) override;
   NSObjectRef decodeObject() override;  // "$0", "$1", ...; at the top level "root" serves when there is no "$0"
   NSObjectRef decodeObjectForKey(std::string_view key) override;
+  bool decodeBoolForKey(std::string_view key) override;
+  std::int64_t decodeIntForKey(std::string_view key) override;
+  double decodeDoubleForKey(std::string_view key) override;
   bool containsValueForKey(std::string_view key) const override;
-  void finishDecoding();
+  void finishDecoding();  // nothing can be decoded any more; error() stays
 
+  // The top object: "root", else "$0". Null, with the cause in *reason (which may be null), when it cannot be read; null
+  // without a cause when the archive holds nil.
   static NSObjectRef unarchiveObject(std::span<const std::uint8_t> bytes, std::string* reason);
 
  private:
@@ -92,7 +110,12 @@ class TARN_EXPORT NSKeyedUnarchiver : public NSCoder {
   std::unique_ptr<State> state_;
 };
 
-// A non-keyed coder: one sequence of objects in one buffer of this system's own.
+// A non-keyed coder: one sequence of objects in one buffer of this system's own. Objects are read in the order in which
+// they were written; one met twice is written once.
+//
+// The buffer is a binary property list: {"archiver": "NSArchiver", "version": 1, "objects": [...], "top": [...]}. An
+// object is a number, string or data as it is, or a dictionary with "class" (the names from the class up to NSObject)
+// and "values"; places in "top" and "values" are uids, 0 for nil and n for the n-th object.
 class TARN_EXPORT NSArchiver : public NSCoder {
  public:
   NSArchiver();
