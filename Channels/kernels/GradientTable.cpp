@@ -277,6 +277,9 @@ void weaveBlock(const Planes& planes, std::uint32_t count, Stored* out) {
 
 template <class WordKind, class Stored>
 void makeTable(GradientEntries color, GradientEntries opacity, Stored* out, std::uint32_t count) {
+  // A machine without vectors.
+  if constexpr (HWY_TARGET == HWY_SCALAR) return gradientTableDefinition(color, opacity, out, count);
+
   FolderPlanes<WordKind, 3> colorPlanes(color, kColorComponents, count);
   FolderPlanes<WordKind, 1> opacityPlanes(opacity, kOpacityComponents, count);
   Planes planes;

@@ -1,0 +1,185 @@
+#include "Channels/VRTChannelGradient.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <limits>
+#include <string>
+#include <vector>
+
+namespace {
+
+using RGB = VRTChannelGradientSampleRGB;
+using Alpha = VRTChannelGradientSampleAlpha;
+
+std::string text(const VortoString& string) {
+  char* const bytes = string.createUTF8Str();
+  std::string result = bytes ? bytes : "";
+  std::free(bytes);
+  return result;
+}
+
+VRTChannelGradientSample& sampleAt(VRTChannelFolder& folder, std::size_t index) {
+  return dynamic_cast<VRTChannelGradientSample&>(*folder.getDescendants().at(index));
+}
+
+std::vector<double> positions(VRTChannelFolder& folder) {
+  std::vector<double> result;
+  for (std::size_t i = 0; i < folder.getNumberOfDescendants(); ++i) result.push_back(sampleAt(folder, i).position);
+  return result;
+}
+
+std::vector<std::string> names(VRTChannelFolder& folder) {
+  std::vector<std::string> result;
+  for (const VRTChannelBase* child : folder.getDescendants()) result.push_back(text(child->getName()));
+  return result;
+}
+
+class Alphas : public VRTChannelGradientAlphaFolder {
+ public:
+  void add(double position, double middle = 0.5, int interpolation = 1) {
+    addSample(position, position, middle, interpolation);
+  }
+  void willBeModified() override { ++notifications; }
+
+  int notifications = 0;
+};
+
+TEST(GradientFolder, AddedSamplesHaveNoIDAndNoName) {
+  VRTChannelGradientRGBFolder folder;
+  folder.addSample(0.1, 0.2, 0.3, 0.4, 0.6, 1);
+  const auto& sample = dynamic_cast<RGB&>(sampleAt(folder, 0));
+  EXPECT_EQ(sample.getID(), 0);
+  EXPECT_EQ(text(sample.getName()), "VRTChannelBase");
+  EXPECT_EQ((std::vector{sample.red, sample.green, sample.blue, sample.position, sample.middle}),
+            (std::vector{0.1, 0.2, 0.3, 0.4, 0.6}));
+  EXPECT_EQ(sample.interpolation, 1);
+}
+
+TEST(GradientFolder, CopiesAreEmpty) {
+  Alphas folder;
+  folder.add(0.3);
+  folder.setName(VortoString("Mine"));
+  const std::unique_ptr<VRTChannelBase> copy = folder.clone();
+  EXPECT_EQ(dynamic_cast<VRTChannelGradientAlphaFolder&>(*copy).getNumberOfDescendants(), 0U);
+  EXPECT_EQ(text(copy->getName()), "VRTChannelBase");
+
+  VRTChannelGradient gradient;
+  gradient.defaultKind = 2;
+  gradient.setName(VortoString("Mine"));
+  VRTChannelGradient gradientCopy(gradient);
+  EXPECT_EQ(gradientCopy.rgbFolder.getNumberOfDescendants() + gradientCopy.alphaFolder.getNumberOfDescendants(), 0U);
+  EXPECT_EQ(gradientCopy.defaultKind, 2);
+  EXPECT_EQ(text(gradientCopy.getName()), "Mine");
+}
+
+TEST(GradientFolder, InsertedSamplesKeepTheLook) {
+  VRTChannelGradientRGBFolder colors;
+  colors.addSample(0.0, 0.5, 1.0, 0.0, 0.5, 1);
+  colors.addSample(1.0, 0.5, 0.0, 1.0, 0.5, 2);
+  const RGB* color = colors.insertSample(0.0, 0.25);
+  EXPECT_EQ((std::vector{color->red, color->green, color->blue, color->position, color->middle}),
+            (std::vector{0.25, 0.5, 0.75, 0.25, 0.5}));
+  EXPECT_EQ(color->interpolation, 1);
+  EXPECT_EQ(color->getID(), 0);
+  EXPECT_EQ(colors.getDescendants().back(), color);
+  EXPECT_EQ(colors.insertSample(0.0, 2.0)->interpolation, 2);
+
+  Alphas opacities;
+  const Alpha* alone = opacities.insertSample(0.0, 0.5);
+  EXPECT_EQ(opacities.notifications, 1);
+  EXPECT_EQ(alone->alpha, 0.0);
+  EXPECT_EQ(alone->interpolation, 2);
+}
+
+TEST(GradientFolder, ClonesAndDeletesByID) {
+  Alphas folder;
+  folder.add(0.2, 0.3, 2);
+  folder.add(0.6);
+  EXPECT_EQ(folder.cloneSample(99), nullptr);
+  folder.deleteSample(99);
+  EXPECT_EQ(folder.notifications, 0);
+  sampleAt(folder, 0).setID(42);
+  const auto* copy = dynamic_cast<const Alpha*>(folder.cloneSample(42));
+  ASSERT_NE(copy, nullptr);
+  EXPECT_EQ(folder.notifications, 1);
+  EXPECT_EQ(folder.getDescendants().back(), copy);
+  EXPECT_EQ((std::vector{copy->position, copy->middle, copy->alpha}), (std::vector{0.2, 0.3, 0.2}));
+  EXPECT_EQ(copy->interpolation, 2);
+  EXPECT_EQ(copy->getID(), 0);
+  folder.deleteSample(42);
+  EXPECT_EQ(positions(folder), (std::vector{0.6, 0.2}));
+}
+
+TEST(GradientFolder, SortingNamesAndMerges) {
+  Alphas folder;
+  for (const double position : {0.9, 0.1, 0.5, 0.1, -3.0}) folder.add(position);
+  dynamic_cast<Alpha&>(sampleAt(folder, 3)).alpha = 0.77;
+  const std::unique_ptr<VRTChannelRef> merged = folder.getDescendants()[1]->getRef();
+  folder.sortAndRename();
+  EXPECT_EQ(positions(folder), (std::vector{-3.0, 0.1, 0.5, 0.9}));
+  EXPECT_EQ(names(folder), (std::vector<std::string>{"Alpha1", "Alpha2", "Alpha3", "Alpha4"}));
+  EXPECT_EQ(dynamic_cast<Alpha&>(sampleAt(folder, 1)).alpha, 0.77);
+  EXPECT_EQ(merged->getChannel(), nullptr);
+}
+
+TEST(GradientFolder, PositionsThatAreNotNumbersComeLastAndMerge) {
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  Alphas folder;
+  for (const double position : {nan, 0.5, -nan, std::numeric_limits<double>::infinity(), -0.0, 0.0}) {
+    folder.add(position);
+  }
+  folder.sortAndRename();
+  const std::vector<double> sorted = positions(folder);
+  ASSERT_EQ(sorted.size(), 4U);
+  EXPECT_EQ(sorted[0], 0.0);
+  EXPECT_EQ(sorted[1], 0.5);
+  EXPECT_TRUE(sorted[3] != sorted[3]);
+}
+
+TEST(GradientFolder, FlopMirrorsTheSegments) {
+  Alphas folder;
+  folder.add(0.2, 0.3, 0);
+  folder.add(0.7, 0.9, 2);
+  folder.flop(0.0);
+  EXPECT_EQ(positions(folder), (std::vector{1 - 0.2, 1 - 0.7}));
+  EXPECT_EQ(sampleAt(folder, 0).middle, 0.3);
+  EXPECT_EQ(sampleAt(folder, 0).interpolation, 0);
+  EXPECT_EQ(sampleAt(folder, 1).middle, 1 - 0.3);
+  EXPECT_EQ(sampleAt(folder, 1).interpolation, 0);
+  EXPECT_EQ(folder.notifications, 0);
+}
+
+TEST(GradientFolder, SpreadMovesTheLastOfEqualPositions) {
+  Alphas folder;
+  for (const double position : {0.9, 0.1, 0.8, 0.1}) folder.add(position, 0.2);
+  folder.spread(0.0);
+  EXPECT_EQ(positions(folder), (std::vector{1.0, 0.1, 0.5, 0.0}));
+  EXPECT_EQ(sampleAt(folder, 1).middle, 0.2);
+  EXPECT_EQ(sampleAt(folder, 3).middle, 0.5);
+
+  Alphas single;
+  single.spread(0.0);
+  single.add(0.4);
+  single.spread(0.0);
+  EXPECT_EQ(positions(single), std::vector{0.0});
+}
+
+TEST(GradientChannel, ResetAddsTheDefaultsAndReplacesWhatTheyMeet) {
+  VRTChannelGradient gradient;
+  EXPECT_EQ(names(gradient.rgbFolder), (std::vector<std::string>{"RGB1", "RGB2"}));
+  EXPECT_EQ(names(gradient.alphaFolder), std::vector<std::string>{"Alpha1"});
+  gradient.rgbFolder.addSample(0.1, 0.2, 0.3, 0.5, 0.5, 0);
+  const double expected[][2] = {{1, 0}, {0, 1}, {1, 0}, {1, 0}};  // red at the start and at the end
+  for (int kind = 0; kind < 4; ++kind) {
+    gradient.defaultKind = kind;
+    gradient.reset();
+    EXPECT_EQ(positions(gradient.rgbFolder), (std::vector{0.0, 0.5, 1.0}));
+    EXPECT_EQ(dynamic_cast<RGB&>(sampleAt(gradient.rgbFolder, 0)).red, expected[kind][0]);
+    EXPECT_EQ(dynamic_cast<RGB&>(sampleAt(gradient.rgbFolder, 2)).red, expected[kind][1]);
+    EXPECT_EQ(gradient.alphaFolder.getNumberOfDescendants(), 1U);
+  }
+  EXPECT_EQ(gradient.getNumberOfDescendants(), 0U);
+}
+
+}  // namespace
