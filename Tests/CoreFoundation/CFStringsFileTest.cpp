@@ -1,0 +1,113 @@
+#include "Platform/CoreFoundation/CFStringsFile.h"
+
+#include "Tests/Support/ChildProcess.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <random>
+
+namespace {
+
+CFUnits Units(std::u16string_view text) {
+  return CFUnits(text.begin(), text.end());
+}
+
+TEST(CFStringsFileTest, ReadsEntriesCommentsAndEscapes) {
+  const auto table = CFParseStrings(Units(uR"(/* a "comment"; */
+// another /* one
+"a"="1";"b" /**/ = // here too
+"2" ;
+"quote \" back \\ apostrophe \' " = "new\nline\ttab\r\U00e4\u20AC";
+"two
+lines" = "/* no comment */";
+"a" = "last";
+"" = "";)"),
+                                    nullptr);
+  ASSERT_TRUE(table);
+  EXPECT_EQ(table->size(), 5u);
+  EXPECT_EQ(table->at(Units(u"a")), Units(u"last"));
+  EXPECT_EQ(table->at(Units(u"b")), Units(u"2"));
+  EXPECT_EQ(table->at(Units(u"quote \" back \\ apostrophe ' ")), Units(u"new\nline\ttab\r\u00e4\u20ac"));
+  EXPECT_EQ(table->at(Units(u"two\nlines")), Units(u"/* no comment */"));
+  EXPECT_EQ(table->at(Units(u"")), Units(u""));
+  EXPECT_TRUE(CFParseStrings({}, nullptr));
+}
+
+TEST(CFStringsFileTest, RefusesMalformedTextWithItsPlace) {
+  const std::pair<const char16_t*, const char*> rows[] = {
+      {u"\"a\" = \"b\"", "line 1: ';' is missing"},
+      {u"\n\"a\" \"b\";", "line 2: '=' is missing"},
+      {u"\"a\" = b;", "line 1: a quoted value is missing"},
+      {u"a = \"b\";", "line 1: a quoted key is missing"},
+      {u"\"a\" = \"b;\n\n", "line 1: the quote is not closed"},
+      {u"\n\n/* ", "line 3: the comment is not closed"},
+      {u"\"a\" = \"b\"; /*/", "line 1: the comment is not closed"},
+      {u"\"\\q\" = \"b\";", "line 1: unknown escape"},
+      {u"\"a\\", "line 1: unknown escape"},
+      {u"\"\\U12G4\" = \"b\";", "line 1: four hexadecimal digits are missing"},
+      {u"\"\\U12", "line 1: four hexadecimal digits are missing"},
+      {u"/", "line 1: a quoted key is missing"},
+  };
+  for (const auto& [text, expected] : rows) {
+    std::string reason;
+    EXPECT_FALSE(CFParseStrings(Units(text), &reason)) << expected;
+    EXPECT_EQ(reason, expected);
+  }
+}
+
+TEST(CFStringsFileTest, ReadsTheEncodingsByTheirMarks) {
+  using namespace std::string_literals;
+  const TemporaryFolder folder;
+  const std::string path = folder.path() + "/Localizable.strings";
+  const std::pair<std::string, bool> rows[] = {
+      {"\"k\"=\"\xC3\xA4\";"s, true},
+      {"\xEF\xBB\xBF\"k\"=\"\xC3\xA4\";"s, true},
+      {"\xFE\xFF\0\"\0k\0\"\0=\0\"\0\xE4\0\"\0;"s, true},
+      {"\xFF\xFE\"\0k\0\"\0=\0\"\0\xE4\0\"\0;\0"s, true},
+      {"\"k\"=\"\xE4\";"s, false},                          // Latin-1
+      {"\xFF\xFE\"\0k\0\"\0=\0\"\0\xE4\0\"\0;"s, false},    // half a unit at the end
+      {"\xFF\xFE\"\0k\0\"\0=\0\"\0\0\xD8\"\0;\0"s, false},  // a lone surrogate
+  };
+  for (const auto& [bytes, valid] : rows) {
+    std::ofstream(path, std::ios::binary) << bytes;
+    std::string reason;
+    const auto table = CFReadStringsFile(path, &reason);
+    ASSERT_EQ(table.has_value(), valid) << reason;
+    EXPECT_EQ(reason.empty(), valid);
+    if (valid) {
+      EXPECT_EQ(table->at(Units(u"k")), Units(u"\u00e4"));
+    }
+  }
+  std::string reason;
+  EXPECT_FALSE(CFReadStringsFile(folder.path() + "/none", &reason));
+  EXPECT_NE(reason, "");
+}
+
+// Whatever the text, there is a table or a reason, and nothing outside the text is read (the sanitizers watch).
+TEST(CFStringsFileTest, SurvivesRandomDamage) {
+  std::mt19937 random(11);
+  const CFUnits valid = Units(u"/* c */ \"a\\n\" = \"\\U0041\"; // d\n\"b\" = \"c\";");
+  const CFUnits pieces = Units(u"\"\\/*=;Uu0\n\xD800 ");
+  int accepted = 0;
+  for (int round = 0; round < 20000; ++round) {
+    CFUnits text = valid;
+    for (unsigned change = random() % 4 + 1; change > 0 && !text.empty(); --change) {
+      const std::size_t at = random() % text.size();
+      if (random() % 4 == 0) {
+        text.resize(at);
+      } else {
+        text[at] = pieces[random() % pieces.size()];
+      }
+    }
+    text.shrink_to_fit();
+    std::string reason;
+    const bool parsed = CFParseStrings(text, &reason).has_value();
+    accepted += parsed ? 1 : 0;
+    ASSERT_EQ(parsed, reason.empty());
+  }
+  EXPECT_GT(accepted, 0);
+  EXPECT_LT(accepted, 20000);
+}
+
+}  // namespace

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "Platform/CoreFoundation/CFString.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <vector>
+
+struct CFReleaser {
+  void operator()(CFTypeRef object) const { CFRelease(object); }
+};
+
+// An object that the test owns.
+template <typename Ref>
+using CFOwned = std::unique_ptr<std::remove_pointer_t<Ref>, CFReleaser>;
+
+inline CFOwned<CFStringRef> MakeString(std::u16string_view text) {
+  const std::vector<UniChar> units(text.begin(), text.end());
+  return CFOwned<CFStringRef>(
+      CFStringCreateWithCharacters(kCFAllocatorDefault, units.data(), static_cast<CFIndex>(units.size())));
+}
+
+inline CFOwned<CFMutableStringRef> MakeMutable(std::u16string_view text) {
+  return CFOwned<CFMutableStringRef>(CFStringCreateMutableCopy(kCFAllocatorDefault, 0, MakeString(text).get()));
+}
+
+inline std::u16string TextOf(CFStringRef string) {
+  std::u16string text;
+  for (CFIndex i = 0; i < CFStringGetLength(string); ++i) {
+    text.push_back(static_cast<char16_t>(CFStringGetCharacterAtIndex(string, i)));
+  }
+  return text;
+}

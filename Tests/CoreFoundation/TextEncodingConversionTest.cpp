@@ -1,0 +1,97 @@
+#include "Platform/CoreFoundation/TextEncodingConversion.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+std::vector<TextEncoding> Available() {
+  ItemCount count = 0;
+  EXPECT_EQ(TECCountAvailableSniffers(&count), noErr);
+  std::vector<TextEncoding> encodings(count);
+  EXPECT_EQ(TECGetAvailableSniffers(encodings.data(), count, &count), noErr);
+  EXPECT_EQ(count, encodings.size());
+  return encodings;
+}
+
+struct Ranking {
+  std::vector<TextEncoding> encodings;
+  std::vector<ItemCount> errors;
+  std::vector<ItemCount> features;
+};
+
+Ranking Sniff(std::string_view text) {
+  Ranking ranking{Available(), {}, {}};
+  const auto count = static_cast<ItemCount>(ranking.encodings.size());
+  ranking.errors.resize(count);
+  ranking.features.resize(count);
+  TECSnifferObjectRef sniffer = nullptr;
+  EXPECT_EQ(TECCreateSniffer(&sniffer, ranking.encodings.data(), count), noErr);
+  EXPECT_EQ(TECSniffTextEncoding(sniffer, reinterpret_cast<const std::uint8_t*>(text.data()),
+                                 static_cast<ItemCount>(text.size()), ranking.encodings.data(), count,
+                                 ranking.errors.data(), count, ranking.features.data(), count),
+            noErr);
+  EXPECT_EQ(TECDisposeSniffer(sniffer), noErr);
+  return ranking;
+}
+
+TEST(TextEncodingConversionTest, RanksTheLikelyEncodingFirst) {
+  const std::pair<std::string_view, TextEncoding> rows[] = {
+      {"plain text", kCFStringEncodingISOLatin1},
+      {"Gr\xC3\xB6\xC3\x9F"
+       "e und H\xC3\xB6he",
+       kCFStringEncodingUTF8},
+      {"\xE3\x83\x95\xE3\x82\xA3\xE3\x83\xAB", kCFStringEncodingUTF8},
+      {"\x93\xFA\x96\x7B\x8C\xEA\x82\xCC\x83\x65\x83\x4C\x83\x58\x83\x67\x82\xC5\x82\xB7\x81\x42",
+       kCFStringEncodingShiftJIS},
+      {"\xF0\xD2\xC9\xD7\xC5\xD4, \xCB\xC1\xCB \xC4\xC5\xCC\xC1? \xFC\xD4\xCF \xD0\xD2\xCF\xD3\xD4\xCF\xCA "
+       "\xD4\xC5\xCB\xD3\xD4 \xCE\xC1 \xD2\xD5\xD3\xD3\xCB\xCF\xCD \xD1\xDA\xD9\xCB\xC5",
+       kCFStringEncodingKOI8_R},
+  };
+  for (const auto& [text, expected] : rows) {
+    const Ranking ranking = Sniff(text);
+    EXPECT_EQ(ranking.encodings[0], expected) << std::hex << ranking.encodings[0] << " for " << text;
+    EXPECT_EQ(ranking.errors[0], 0u);
+    EXPECT_TRUE(std::is_sorted(ranking.features.rbegin(), ranking.features.rend()));
+    std::vector<TextEncoding> sorted = ranking.encodings;
+    std::vector<TextEncoding> all = Available();
+    std::sort(sorted.begin(), sorted.end());
+    std::sort(all.begin(), all.end());
+    EXPECT_EQ(sorted, all) << "the ranking is a reordering";
+  }
+}
+
+TEST(TextEncodingConversionTest, CountsMalformedSequences) {
+  const Ranking ranking = Sniff("caf\xE9 na\xEFve");
+  const auto utf8 = std::find(ranking.encodings.begin(), ranking.encodings.end(), kCFStringEncodingUTF8);
+  const auto latin = std::find(ranking.encodings.begin(), ranking.encodings.end(), kCFStringEncodingISOLatin1);
+  EXPECT_EQ(ranking.errors[static_cast<std::size_t>(utf8 - ranking.encodings.begin())], 2u);
+  EXPECT_EQ(ranking.errors[static_cast<std::size_t>(latin - ranking.encodings.begin())], 0u);
+}
+
+TEST(TextEncodingConversionTest, EmptyTextAndBadArguments) {
+  EXPECT_EQ(Sniff("").encodings, Available()) << "nothing speaks for any";
+  TECSnifferObjectRef sniffer = nullptr;
+  const TextEncoding unknown = kCFStringEncodingMacRoman;
+  EXPECT_EQ(TECCreateSniffer(&sniffer, &unknown, 1), kTextUnsupportedEncodingErr);
+  EXPECT_EQ(sniffer, nullptr);
+  EXPECT_EQ(TECCreateSniffer(&sniffer, nullptr, 1), paramErr);
+  EXPECT_EQ(TECDisposeSniffer(nullptr), paramErr);
+  EXPECT_EQ(TECCountAvailableSniffers(nullptr), paramErr);
+
+  TextEncoding two[2] = {kCFStringEncodingUTF8, kCFStringEncodingKOI8_R};
+  ASSERT_EQ(TECCreateSniffer(&sniffer, two, 2), noErr);
+  ItemCount errors[2] = {77, 77};
+  const std::uint8_t bytes[] = {0xFF};
+  EXPECT_EQ(TECSniffTextEncoding(sniffer, bytes, 1, two, 2, errors, 1, nullptr, 0), noErr);
+  EXPECT_EQ(errors[1], 77u) << "filled up to the capacity only";
+  TextEncoding foreign = kCFStringEncodingBig5;
+  EXPECT_EQ(TECSniffTextEncoding(sniffer, bytes, 1, &foreign, 1, nullptr, 0, nullptr, 0), kTextUnsupportedEncodingErr);
+  EXPECT_EQ(TECSniffTextEncoding(nullptr, bytes, 1, two, 2, nullptr, 0, nullptr, 0), paramErr);
+  TECDisposeSniffer(sniffer);
+}
+
+}  // namespace
