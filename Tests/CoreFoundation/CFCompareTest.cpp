@@ -63,9 +63,10 @@ TEST(CFCompareTest, WithoutLocale) {
 }
 
 TEST(CFCompareTest, RangesOfTheFirstString) {
-  EXPECT_EQ(CFStringCompareWithOptions(CFSTR("xabcx"), CFSTR("abc"), {1, 3}, kCFCompareLocalized), kCFCompareEqualTo);
-  EXPECT_EQ(CFStringCompareWithOptions(CFSTR("xabcx"), CFSTR("abc"), {1, 2}, kCFCompareLocalized), kCFCompareLessThan);
-  EXPECT_EQ(CFStringCompareWithOptions(CFSTR("xABCx"), CFSTR("abc"), {1, 3}, kLocalizedFolded), kCFCompareEqualTo);
+  EXPECT_EQ(CFStringCompareWithOptions(CFSTR("xabcx"), CFSTR("abc"), {1, 3}, 0), kCFCompareEqualTo);
+  EXPECT_EQ(CFStringCompareWithOptions(CFSTR("xabcx"), CFSTR("abc"), {1, 2}, 0), kCFCompareLessThan);
+  EXPECT_EQ(CFStringCompareWithOptions(CFSTR("xABCx"), CFSTR("abc"), {1, 3}, kCFCompareCaseInsensitive),
+            kCFCompareEqualTo);
 }
 
 TEST(CFCompareTest, ByTheRulesOfTheLocale) {
