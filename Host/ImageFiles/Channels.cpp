@@ -1,0 +1,103 @@
+#include "Host/ImageFiles/Channels.h"
+
+#include <algorithm>
+
+namespace host {
+namespace {
+
+int channelNamed(const OIIO::ImageSpec& spec, const char* name) {
+  for (int channel = 0; channel < spec.nchannels; ++channel) {
+    if (spec.channelnames[static_cast<std::size_t>(channel)] == name) return channel;
+  }
+  return -1;
+}
+
+int alphaChannel(const OIIO::ImageSpec& spec) {
+  return spec.alpha_channel >= 0 && spec.alpha_channel < spec.nchannels ? spec.alpha_channel : channelNamed(spec, "A");
+}
+
+// Files whose channels carry names (EXR keeps them sorted, among any number of others), then files that go by order.
+bool findColors(const OIIO::ImageSpec& spec, int alpha, std::array<int, 4>* index) {
+  const int red = channelNamed(spec, "R");
+  const int green = channelNamed(spec, "G");
+  const int blue = channelNamed(spec, "B");
+  if (red >= 0 && green >= 0 && blue >= 0) {
+    *index = {red, green, blue, alpha};
+    return true;
+  }
+  const int luminance = channelNamed(spec, "Y");
+  const int colors = spec.nchannels - (alpha >= 0 ? 1 : 0);
+  if (luminance >= 0 || colors == 1) {
+    const int gray = luminance >= 0 ? luminance : alpha == 0 ? 1 : 0;
+    *index = {gray, gray, gray, alpha};
+    return true;
+  }
+  if (colors >= 3 && (alpha < 0 || alpha >= 3) && channelNamed(spec, "channel0") == 0) {
+    *index = {0, 1, 2, alpha};
+    return true;
+  }
+  return false;
+}
+
+bool depthOf(OIIO::TypeDesc type, Depth* depth, SampleType* sample) {
+  switch (type.basetype) {
+    case OIIO::TypeDesc::UINT8:
+      *depth = Depth::Bits8;
+      *sample = SampleType::UInt8;
+      return true;
+    case OIIO::TypeDesc::UINT16:
+      *depth = Depth::Bits16;
+      *sample = SampleType::UInt16;
+      return true;
+    case OIIO::TypeDesc::HALF:
+      *depth = Depth::Half;
+      *sample = SampleType::Float;
+      return true;
+    case OIIO::TypeDesc::FLOAT:
+    case OIIO::TypeDesc::DOUBLE:
+      *depth = Depth::Float;
+      *sample = SampleType::Float;
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace
+
+bool findColorChannels(const OIIO::ImageSpec& spec, ColorChannels* channels, std::string* reason) {
+  const int alpha = alphaChannel(spec);
+  if (!findColors(spec, alpha, &channels->index)) {
+    *reason = "it has no channels that make a gray or an RGB picture";
+    return false;
+  }
+  channels->first = spec.nchannels;
+  channels->end = 0;
+  bool first = true;
+  for (const int channel : channels->index) {
+    if (channel < 0) continue;
+    channels->first = std::min(channels->first, channel);
+    channels->end = std::max(channels->end, channel + 1);
+    Depth depth;
+    SampleType sample;
+    if (!depthOf(spec.channelformat(channel), &depth, &sample)) {
+      *reason = std::string("its samples are of the type ") + spec.channelformat(channel).c_str() +
+                "; 8 and 16 bits without a sign, half and float are read";
+      return false;
+    }
+    if (first || depth > channels->depth) {
+      channels->depth = depth;
+      channels->sample = sample;
+    }
+    first = false;
+  }
+  if (alpha < 0) {
+    channels->alpha = AlphaKind::None;
+  } else {
+    const bool straight = spec.get_int_attribute("oiio:UnassociatedAlpha", 0) != 0;
+    channels->alpha = straight ? AlphaKind::Straight : AlphaKind::Premultiplied;
+  }
+  return true;
+}
+
+}  // namespace host

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "Host/Bitmaps.h"
+#include "Host/FrameFiles.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace host {
+
+// Pictures of one working depth.
+struct InputPictures {
+  std::vector<BitmapRef> bitmaps;
+  std::vector<std::string> paths;  // the files that they came from
+  Depth depth = Depth::Bits8;
+};
+
+// The files that flow into an effect: stills, sequences, or both. A still is read once.
+class Inputs {
+ public:
+  // Without a depth the first pictures decide: the deepest of theirs, 8 < 16 < half < float, but float for 16 and half
+  // together. Later frames are converted to it.
+  Inputs(const std::vector<std::string>& paths, std::optional<Depth> depth);
+
+  bool areSequence() const;
+  // The given frames, or all that exist. Throws Failure when one is missing, or when sequences have different frames.
+  FrameRange checkedFrames(std::optional<FrameRange> wanted) const;
+
+  // Throw Failure for a file that cannot be read.
+  InputPictures pictures() { return picturesAt(0); }
+  InputPictures picturesAt(std::uint32_t frame);
+
+ private:
+  struct Source {
+    std::string path;
+    std::optional<FramePattern> pattern;
+    BitmapRef still;
+  };
+  void decideDepth(const std::vector<ImagePixels>& images);
+
+  std::vector<Source> sources_;
+  std::optional<Depth> depth_;
+};
+
+}  // namespace host

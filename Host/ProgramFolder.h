@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace host {
+
+// Where the program's own libraries may be, the installed place first, then that of the build tree.
+std::vector<std::string> libraryFolders();
+
+// The folder of plug-ins that is installed or was built beside the program; empty when there is none.
+std::string plugInFolderBesideProgram();
+
+}  // namespace host

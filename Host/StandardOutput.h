@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+
+namespace host {
+
+void printText(const std::string& text);
+
+// Throws Failure when something of what was printed did not arrive (a full disk, a pipe that was closed).
+void finishStandardOutput();
+
+}  // namespace host
