@@ -1,0 +1,173 @@
+#include "Platform/Foundation/PropertyList.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <clocale>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class Files : public testing::Test {
+ protected:
+  void SetUp() override {
+    const char* place = std::getenv("TMPDIR");
+    std::string name = std::string(place == nullptr ? "/tmp" : place) + "/foundation-XXXXXX";
+    ASSERT_NE(::mkdtemp(name.data()), nullptr);
+    folder = name;
+  }
+  void TearDown() override {
+    fs::permissions(folder, fs::perms::owner_all);
+    fs::remove_all(folder);
+  }
+  std::string path(const char* name) const { return folder / name; }
+  std::string contents(const char* name) const {
+    const auto bytes = NSReadFile(path(name), nullptr);
+    return bytes ? std::string(bytes->begin(), bytes->end()) : "(unreadable)";
+  }
+  bool write(const char* name, std::string_view text, std::string* reason = nullptr) const {
+    return NSWriteFile(path(name), {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()}, reason);
+  }
+  std::size_t count() const {
+    return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
+  }
+  static mode_t mode(const std::string& file) {
+    struct stat status {};
+    ::stat(file.c_str(), &status);
+    return status.st_mode & 07777;
+  }
+  fs::path folder;
+};
+
+TEST_F(Files, ReplacesWholeAndKeepsPermissions) {
+  const mode_t former = ::umask(027);
+  EXPECT_TRUE(write("new", "one"));
+  ::umask(former);
+  EXPECT_EQ(mode(path("new")), mode_t{0640});
+  EXPECT_EQ(::chmod(path("new").c_str(), 0604), 0);
+  EXPECT_TRUE(write("new", "two, longer"));
+  EXPECT_TRUE(write("new", "3"));
+  EXPECT_EQ(contents("new"), "3");
+  EXPECT_EQ(mode(path("new")), mode_t{0604});
+  EXPECT_EQ(count(), 1u);
+}
+
+TEST_F(Files, FollowsSymbolicLinks) {
+  fs::create_directory(folder / "below");
+  fs::create_symlink("below/target", folder / "link");
+  EXPECT_TRUE(write("link", "through"));
+  EXPECT_TRUE(fs::is_symlink(folder / "link"));
+  EXPECT_EQ(contents("below/target"), "through");
+  fs::create_symlink("loop", folder / "loop");
+  std::string reason;
+  EXPECT_FALSE(write("loop", "x", &reason));
+  EXPECT_NE(reason, "");
+}
+
+TEST_F(Files, RefusesWhatIsNoFile) {
+  ASSERT_EQ(::mkfifo(path("pipe").c_str(), 0600), 0);
+  fs::create_directory(folder / "folder");
+  for (const std::string& each :
+       {path("pipe"), path("folder"), path("missing"), std::string("/dev/zero"), std::string()}) {
+    std::string reason;
+    EXPECT_FALSE(NSReadFile(each, &reason)) << each;
+    EXPECT_NE(reason, "") << each;
+  }
+  for (const std::string& each :
+       {path("pipe"), path("folder"), path("missing/file"), std::string("/dev/full"), std::string()}) {
+    std::string reason;
+    EXPECT_FALSE(NSWriteFile(each, {}, &reason)) << each;
+    EXPECT_NE(reason, "") << each;
+  }
+}
+
+TEST_F(Files, RefusesHugeFilesWithoutReadingThem) {
+  std::ofstream(path("huge")) << "x";
+  fs::resize_file(folder / "huge", PropertyListMaximumBytes + 1);  // a hole: no space is taken
+  std::string reason;
+  EXPECT_FALSE(NSReadFile(path("huge"), &reason));
+  EXPECT_NE(reason.find("larger"), std::string::npos) << reason;
+}
+
+TEST_F(Files, FilesOfTheKernelAreReadToTheirEnd) {
+  const auto bytes = NSReadFile("/proc/self/status", nullptr);
+  ASSERT_TRUE(bytes);
+  EXPECT_GT(bytes->size(), 100u);
+}
+
+TEST_F(Files, AFailedWriteLeavesTheOldFile) {
+  ASSERT_TRUE(write("kept", "old"));
+  std::signal(SIGXFSZ, SIG_IGN);
+  rlimit former{};
+  ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &former), 0);
+  const rlimit small{1000, former.rlim_max};
+  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);  // as a full disk: the first part is written, the rest is not
+  std::string reason;
+  EXPECT_FALSE(write("kept", std::string(100000, 'x'), &reason));
+  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &former), 0);
+  EXPECT_NE(reason, "");
+  EXPECT_EQ(contents("kept"), "old");
+  EXPECT_EQ(count(), 1u);
+}
+
+TEST_F(Files, AReadOnlyFolderRefuses) {
+  ASSERT_TRUE(write("kept", "old"));
+  fs::permissions(folder, fs::perms::owner_read | fs::perms::owner_exec);
+  std::string reason;
+  const bool written = write("kept", "new", &reason);
+  if (::geteuid() == 0) {
+    EXPECT_TRUE(written);  // permissions do not hold the superuser
+    return;
+  }
+  EXPECT_FALSE(written);
+  EXPECT_NE(reason, "");
+  EXPECT_EQ(contents("kept"), "old");
+}
+
+TEST_F(Files, ListsAreReadFromFiles) {
+  ASSERT_TRUE(write("list.plist", "<plist><true/></plist>"));
+  ASSERT_TRUE(write("empty.plist", ""));
+  PropertyListFormat format{};
+  const auto list = PropertyListFromFile(path("list.plist"), nullptr, &format);
+  ASSERT_TRUE(list);
+  EXPECT_TRUE(*list == PropertyList::boolean(true));
+  EXPECT_EQ(format, PropertyListFormat::Xml);
+  std::string reason;
+  EXPECT_FALSE(PropertyListFromFile(path("empty.plist"), &reason));
+  EXPECT_EQ(reason, "is empty");
+}
+
+// Reals are written with a point and read as such where people write a comma.
+TEST_F(Files, RealsDoNotDependOnTheLocale) {
+  if (std::system(("localedef -i de_DE -f UTF-8 " + path("de_DE.UTF-8") + " >/dev/null 2>&1").c_str()) != 0 &&
+      !fs::exists(folder / "de_DE.UTF-8")) {
+    GTEST_SKIP() << "localedef cannot make a locale here";
+  }
+  ASSERT_EQ(::setenv("LOCPATH", folder.c_str(), 1), 0);
+  if (std::setlocale(LC_ALL, "de_DE.UTF-8") == nullptr) {
+    GTEST_SKIP() << "no locale with a decimal comma";
+  }
+  char text[16];
+  std::snprintf(text, sizeof text, "%.1f", 0.5);
+  ASSERT_STREQ(text, "0,5");
+  const PropertyList reals = PropertyList::array({PropertyList::real(0.5), PropertyList::real(-1234.0625)});
+  for (const PropertyListFormat format : {PropertyListFormat::Xml, PropertyListFormat::Binary}) {
+    const auto bytes = PropertyListToBytes(reals, format, nullptr);
+    ASSERT_TRUE(bytes);
+    const auto back = PropertyListFromBytes(*bytes, nullptr);
+    ASSERT_TRUE(back);
+    EXPECT_TRUE(*back == reals);
+    EXPECT_EQ(std::string(bytes->begin(), bytes->end()).find("0,5"), std::string::npos);
+  }
+  std::setlocale(LC_ALL, "C");
+}
+
+}  // namespace
