@@ -55,13 +55,15 @@ kern_return_t MemoryEntries::entryFor(const Range& range, Entry* entry) {
   if (placed != placements_.end()) {
     const Range place{placed->first, placed->second.end};
     const std::shared_ptr<MemoryObject> object = placed->second.object.lock();
-    const bool isThere =
-        object && (object->isAnonymous() ? isAllocatedMemory(place) : isMappingOf(object->descriptor(), place));
-    if (isThere && !place.contains(range)) return KERN_INVALID_ARGUMENT;
-    if (isThere) {
+    const kern_return_t checked = !object                 ? KERN_INVALID_ADDRESS
+                                  : object->isAnonymous() ? checkAllocatedMemory(place)
+                                                          : checkMappingOf(object->descriptor(), place);
+    if (checked == KERN_SUCCESS) {
+      if (!place.contains(range)) return KERN_INVALID_ARGUMENT;
       *entry = {object, placed->second.offset + (range.start - place.start), range.size()};
       return KERN_SUCCESS;
     }
+    if (checked != KERN_INVALID_ADDRESS) return checked;
     forget(range);
   }
   if (msync(reinterpret_cast<void*>(range.start), range.size(), MS_ASYNC) != 0) return KERN_INVALID_ADDRESS;

@@ -82,7 +82,7 @@ kern_return_t mapAnonymous(std::uintptr_t* address, std::size_t size, bool fixed
     return KERN_NO_SPACE;
   }
   askForHugePages(memory, size);
-  madvise(memory, size, MADV_DONTDUMP);  // also the mark by which isAllocatedMemory() knows the pages
+  madvise(memory, size, MADV_DONTDUMP);  // also the mark by which checkAllocatedMemory() knows the pages
   *address = reinterpret_cast<std::uintptr_t>(memory);
   return KERN_SUCCESS;
 }
@@ -109,7 +109,9 @@ kern_return_t MemoryObject::copyInto(int file) const {
 
 kern_return_t MemoryObject::share() {
   if (descriptor_ >= 0) return KERN_SUCCESS;
-  if (home_.size() == 0 || !isAllocatedMemory(home_)) return KERN_INVALID_ADDRESS;
+  if (home_.size() == 0) return KERN_INVALID_ADDRESS;
+  const kern_return_t checked = checkAllocatedMemory(home_);
+  if (checked != KERN_SUCCESS) return checked;
   if (!fitsFileSizeLimit(size_)) return KERN_RESOURCE_SHORTAGE;
 
   const int file = memfd_create("vm", MFD_CLOEXEC | MFD_ALLOW_SEALING);

@@ -21,9 +21,10 @@ std::size_t pageSize();
 bool pagesOf(std::uintptr_t address, std::size_t size, Range* pages);
 kern_return_t resultOfErrno(int error);
 
-// Whether every page of the range is mapped anonymous memory that vm_allocate made, or the memory file `descriptor`.
-bool isAllocatedMemory(const Range& range);
-bool isMappingOf(int descriptor, const Range& range);
+// KERN_SUCCESS when every page of the range is anonymous memory that vm_allocate made, or of the memory file
+// `descriptor`; KERN_INVALID_ADDRESS when not; another code when that cannot be found out.
+kern_return_t checkAllocatedMemory(const Range& range);
+kern_return_t checkMappingOf(int descriptor, const Range& range);
 
 // Anonymous memory as vm_allocate makes it; `fixed` refuses to replace what is there.
 kern_return_t mapAnonymous(std::uintptr_t* address, std::size_t size, bool fixed);

@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -33,14 +34,15 @@ class MappingReader {
  public:
   MappingReader() : file_(std::fopen("/proc/self/smaps", "re")) {}
 
+  bool isOpen() const { return file_ != nullptr; }
+
   std::optional<Mapping> next() {
-    if (!file_) return std::nullopt;
     Mapping mapping;
-    bool isOpen = false;
+    bool isInside = false;
     char line[4608];  // longer than any path
     while (std::fgets(line, sizeof line, file_.get())) {
-      if (!isOpen) {
-        isOpen = readHead(line, &mapping);
+      if (!isInside) {
+        isInside = readHead(line, &mapping);
       } else if (std::strncmp(line, "VmFlags:", 8) == 0) {  // the last line of a mapping
         mapping.isLeftOutOfDumps = std::strstr(line, " dd") != nullptr;
         return mapping;
@@ -69,31 +71,32 @@ class MappingReader {
 };
 
 template <class Test>
-bool isCovered(const Range& range, Test test) {
+kern_return_t checkCovered(const Range& range, Test test) {
   MappingReader reader;
+  if (!reader.isOpen()) return resultOfErrno(errno);
   std::uintptr_t reached = range.start;
   while (reached < range.end) {
     const std::optional<Mapping> mapping = reader.next();
-    if (!mapping || mapping->range.start > reached) return false;
+    if (!mapping || mapping->range.start > reached) return KERN_INVALID_ADDRESS;
     if (mapping->range.end <= reached) continue;
-    if (!test(*mapping)) return false;
+    if (!test(*mapping)) return KERN_INVALID_ADDRESS;
     reached = mapping->range.end;
   }
-  return true;
+  return KERN_SUCCESS;
 }
 
 }  // namespace
 
-bool isAllocatedMemory(const Range& range) {
-  return isCovered(range, [](const Mapping& mapping) {
+kern_return_t checkAllocatedMemory(const Range& range) {
+  return checkCovered(range, [](const Mapping& mapping) {
     return mapping.isReadWrite && !mapping.isShared && mapping.inode == 0 && mapping.isLeftOutOfDumps;
   });
 }
 
-bool isMappingOf(int descriptor, const Range& range) {
+kern_return_t checkMappingOf(int descriptor, const Range& range) {
   struct stat status;
-  if (fstat(descriptor, &status) != 0) return false;
-  return isCovered(range, [&status](const Mapping& mapping) {
+  if (fstat(descriptor, &status) != 0) return resultOfErrno(errno);
+  return checkCovered(range, [&status](const Mapping& mapping) {
     return mapping.isShared && mapping.inode == status.st_ino && mapping.device == status.st_dev;
   });
 }

@@ -1,0 +1,289 @@
+#include "Tests/Mach/Memory.h"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <string>
+#include <vector>
+
+namespace {
+
+const mach_port_t self = mach_task_self();
+
+class Pair {
+ public:
+  Pair() { EXPECT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends_), 0); }
+  Pair(const Pair&) = delete;
+  Pair& operator=(const Pair&) = delete;
+  ~Pair() {
+    closeEnd(0);
+    closeEnd(1);
+  }
+  int ours() const { return ends_[0]; }
+  int theirs() const { return ends_[1]; }
+  void closeEnd(int which) {
+    if (ends_[which] >= 0) close(ends_[which]);
+    ends_[which] = -1;
+  }
+
+ private:
+  int ends_[2] = {-1, -1};
+};
+
+struct Received {
+  kern_return_t result = -1;
+  mach_port_t entry = MACH_PORT_NULL;
+  vm_size_t size = 0;
+  std::string note;
+};
+
+Received receive(int socket, std::size_t capacity = mach_entry_note_limit) {
+  Received received;
+  std::vector<char> note(capacity + 1);
+  std::size_t noteSize = 0;
+  received.result =
+      mach_receive_memory_entry(socket, &received.entry, &received.size, note.data(), capacity, &noteSize);
+  received.note.assign(note.data(), noteSize);
+  return received;
+}
+
+// A message as the other side sends it, put together by hand.
+std::string message(std::uint64_t size, std::uint64_t offset = 0, const std::string& note = {},
+                    std::uint32_t mark = 0x31454D56) {
+  std::string bytes(24, '\0');
+  const auto noteSize = static_cast<std::uint32_t>(note.size());
+  std::memcpy(&bytes[0], &mark, 4);
+  std::memcpy(&bytes[4], &noteSize, 4);
+  std::memcpy(&bytes[8], &offset, 8);
+  std::memcpy(&bytes[16], &size, 8);
+  return bytes + note;
+}
+
+void sendBytes(int socket, const std::string& bytes, const std::vector<int>& descriptors) {
+  iovec part{const_cast<char*>(bytes.data()), bytes.size()};
+  std::vector<char> control(CMSG_SPACE(descriptors.size() * sizeof(int)));
+  msghdr header{};
+  header.msg_iov = &part;
+  header.msg_iovlen = 1;
+  if (!descriptors.empty()) {
+    header.msg_control = control.data();
+    header.msg_controllen = control.size();
+    cmsghdr* const rights = CMSG_FIRSTHDR(&header);
+    rights->cmsg_level = SOL_SOCKET;
+    rights->cmsg_type = SCM_RIGHTS;
+    rights->cmsg_len = CMSG_LEN(descriptors.size() * sizeof(int));
+    std::memcpy(CMSG_DATA(rights), descriptors.data(), descriptors.size() * sizeof(int));
+  }
+  ASSERT_EQ(sendmsg(socket, &header, MSG_NOSIGNAL), static_cast<ssize_t>(bytes.size()));
+}
+
+int memoryFile(vm_size_t size, int seals) {
+  const int file = memfd_create("test", MFD_CLOEXEC | MFD_ALLOW_SEALING);
+  EXPECT_EQ(ftruncate(file, static_cast<off_t>(size)), 0);
+  EXPECT_EQ(fcntl(file, F_ADD_SEALS, seals), 0);
+  return file;
+}
+
+constexpr int goodSeals = F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL;
+
+// Runs the other process and answers its exit status.
+template <class Other>
+int inAnotherProcess(Other other) {
+  const pid_t child = fork();
+  if (child == 0) _exit(other());
+  int status = -1;
+  waitpid(child, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+TEST(EntrySocket, AnotherProcessReadsAndChangesTheSameMemory) {
+  Pair pair;
+  const vm_address_t address = allocated(5 * page);
+  std::memset(bytesAt(address), 3, 5 * page);
+  const mach_port_t entry = entryOf(address, 5 * page);
+  ASSERT_EQ(mach_send_memory_entry(pair.ours(), entry, "note", 4), KERN_SUCCESS);
+  const int status = inAnotherProcess([&pair] {
+    const Received received = receive(pair.theirs());
+    if (received.result != KERN_SUCCESS || received.size != 5 * page || received.note != "note") return 1;
+    vm_address_t mapped = 0;
+    if (mapEntry(received.entry, &mapped, received.size) != KERN_SUCCESS) return 2;
+    for (vm_size_t i = 0; i < 5 * page; ++i) {
+      if (bytesAt(mapped)[i] != 3) return 3;
+    }
+    bytesAt(mapped)[4 * page] = 200;
+    return 0;
+  });
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(bytesAt(address)[4 * page], 200);
+  EXPECT_EQ(bytesAt(address)[0], 3);
+  mach_port_deallocate(self, entry);
+  vm_deallocate(self, address, 5 * page);
+}
+
+TEST(EntrySocket, PeerCanNeitherShrinkNorGrowNorUnsealTheMemory) {
+  Pair pair;
+  const vm_address_t address = allocated(4 * page);
+  const mach_port_t entry = entryOf(address, 4 * page);
+  ASSERT_EQ(mach_send_memory_entry(pair.ours(), entry, nullptr, 0), KERN_SUCCESS);
+
+  char bytes[24];
+  iovec part{bytes, sizeof bytes};
+  alignas(cmsghdr) char control[CMSG_SPACE(sizeof(int))];
+  msghdr header{};
+  header.msg_iov = &part;
+  header.msg_iovlen = 1;
+  header.msg_control = control;
+  header.msg_controllen = sizeof control;
+  ASSERT_EQ(recvmsg(pair.theirs(), &header, 0), 24);
+  EXPECT_EQ(std::string(bytes, 24), message(4 * page));
+  int file;
+  ASSERT_NE(CMSG_FIRSTHDR(&header), nullptr);
+  std::memcpy(&file, CMSG_DATA(CMSG_FIRSTHDR(&header)), sizeof file);
+  EXPECT_EQ(ftruncate(file, 0), -1);
+  EXPECT_EQ(ftruncate(file, 8 * page), -1);
+  EXPECT_EQ(fcntl(file, F_ADD_SEALS, F_SEAL_WRITE), -1);
+  close(file);
+  pair.closeEnd(1);
+  std::memset(bytesAt(address), 1, 4 * page);
+  mach_port_deallocate(self, entry);
+  vm_deallocate(self, address, 4 * page);
+}
+
+TEST(EntrySocket, TakesAMessageThatComesInPieces) {
+  Pair pair;
+  const int file = memoryFile(2 * page, goodSeals);
+  const std::string bytes = message(page, page, "piecemeal");
+  const pid_t child = fork();
+  if (child == 0) {
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+      sendBytes(pair.theirs(), bytes.substr(i, 1), i == 0 ? std::vector<int>{file} : std::vector<int>{});
+      usleep(200);
+    }
+    _exit(0);
+  }
+  close(file);
+  const Received received = receive(pair.ours());
+  waitpid(child, nullptr, 0);
+  ASSERT_EQ(received.result, KERN_SUCCESS);
+  EXPECT_EQ(received.note, "piecemeal");
+  EXPECT_EQ(received.size, page);
+  vm_address_t mapped = 0;
+  EXPECT_EQ(mapEntry(received.entry, &mapped, page), KERN_SUCCESS);
+  EXPECT_EQ(mapEntry(received.entry, &mapped, 2 * page), KERN_INVALID_ARGUMENT);
+  mach_port_deallocate(self, received.entry);
+}
+
+struct BadMessage {
+  const char* name;
+  std::string bytes;
+  int count;  // descriptors
+  vm_size_t fileSize;
+  int seals;
+  kern_return_t expected;
+};
+
+class EntrySocketBadMessage : public testing::TestWithParam<BadMessage> {};
+
+TEST_P(EntrySocketBadMessage, IsRefusedAndLeavesNoDescriptor) {
+  const BadMessage& bad = GetParam();
+  Pair pair;
+  std::vector<int> files;
+  for (int i = 0; i < bad.count; ++i) files.push_back(memoryFile(bad.fileSize, bad.seals));
+  sendBytes(pair.theirs(), bad.bytes, files);
+  for (const int file : files) close(file);
+  pair.closeEnd(1);
+  const auto before = openDescriptors();
+  const Received received = receive(pair.ours(), 16);
+  EXPECT_EQ(received.result, bad.expected);
+  EXPECT_EQ(received.entry, MACH_PORT_NULL);
+  EXPECT_EQ(openDescriptors(), before);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, EntrySocketBadMessage,
+    testing::Values(
+        BadMessage{"OtherMark", message(page, 0, {}, 1), 1, page, goodSeals, KERN_INVALID_VALUE},
+        BadMessage{"NoSize", message(0), 1, page, goodSeals, KERN_INVALID_VALUE},
+        BadMessage{"HalfPage", message(100), 1, page, goodSeals, KERN_INVALID_VALUE},
+        BadMessage{"OddOffset", message(page, 8), 1, 2 * page, goodSeals, KERN_INVALID_VALUE},
+        BadMessage{"LongNote", message(page, 0, std::string(17, 'x')), 1, page, goodSeals, KERN_INVALID_VALUE},
+        BadMessage{"NoDescriptor", message(page), 0, 0, 0, KERN_INVALID_VALUE},
+        BadMessage{"TwoDescriptors", message(page), 2, page, goodSeals, KERN_INVALID_VALUE},
+        BadMessage{"ManyDescriptors", message(page), 40, page, goodSeals, KERN_INVALID_VALUE},
+        BadMessage{"CutShort", message(page).substr(0, 20), 1, page, goodSeals, KERN_TERMINATED},
+        BadMessage{"CutNote", message(page, 0, "12345678").substr(0, 30), 1, page, goodSeals, KERN_TERMINATED},
+        BadMessage{"CanShrink", message(page), 1, page, F_SEAL_GROW, KERN_PROTECTION_FAILURE},
+        BadMessage{"CannotBeWritten", message(page), 1, page, goodSeals | F_SEAL_WRITE, KERN_PROTECTION_FAILURE},
+        BadMessage{"Smaller", message(2 * page), 1, page, goodSeals, KERN_INVALID_ADDRESS},
+        BadMessage{"Beyond", message(page, page), 1, page, goodSeals, KERN_INVALID_ADDRESS},
+        BadMessage{"Wraps", message(page, ~std::uint64_t{0} - page + 1), 1, page, goodSeals, KERN_INVALID_ADDRESS}),
+    [](const auto& bad) { return bad.param.name; });
+
+TEST(EntrySocket, RefusesFilesThatAreNoMemory) {
+  Pair pair;
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  sendBytes(pair.theirs(), message(page), {ends[0]});
+  EXPECT_EQ(receive(pair.ours()).result, KERN_PROTECTION_FAILURE);
+  close(ends[0]);
+  close(ends[1]);
+
+  const int file = memoryFile(page, goodSeals);
+  const int readOnly = open(("/proc/self/fd/" + std::to_string(file)).c_str(), O_RDONLY);
+  ASSERT_GE(readOnly, 0);
+  sendBytes(pair.theirs(), message(page), {readOnly});
+  EXPECT_EQ(receive(pair.ours()).result, KERN_PROTECTION_FAILURE);
+  close(file);
+  close(readOnly);
+}
+
+TEST(EntrySocket, ClosedPeersSilentPeersAndOtherSocketsGetAResult) {
+  const vm_address_t address = allocated(page);
+  const mach_port_t entry = entryOf(address, page);
+  Pair pair;
+  EXPECT_EQ(mach_send_memory_entry(pair.ours(), 0x7FFFFFFF, nullptr, 0), KERN_INVALID_NAME);
+  EXPECT_EQ(mach_send_memory_entry(pair.ours(), entry, "x", mach_entry_note_limit + 1), KERN_INVALID_ARGUMENT);
+  EXPECT_EQ(mach_send_memory_entry(-1, entry, nullptr, 0), KERN_INVALID_ARGUMENT);
+  ASSERT_EQ(fcntl(pair.ours(), F_SETFL, O_NONBLOCK), 0);
+  EXPECT_EQ(receive(pair.ours()).result, KERN_OPERATION_TIMED_OUT);
+  kern_return_t result = KERN_SUCCESS;
+  for (int i = 0; i < 100000 && result == KERN_SUCCESS; ++i)
+    result = mach_send_memory_entry(pair.ours(), entry, nullptr, 0);  // until the socket is full
+  EXPECT_TRUE(result == KERN_OPERATION_TIMED_OUT || result == KERN_RESOURCE_SHORTAGE) << result;
+
+  Pair closed;
+  closed.closeEnd(1);
+  EXPECT_EQ(mach_send_memory_entry(closed.ours(), entry, nullptr, 0), KERN_TERMINATED);
+  EXPECT_EQ(receive(closed.ours()).result, KERN_TERMINATED);
+  bytesAt(address)[0] = 1;
+  mach_port_deallocate(self, entry);
+  vm_deallocate(self, address, page);
+}
+
+TEST(EntrySocket, RunningOutOfDescriptorsIsAResultOnBothSides) {
+  Pair pair;
+  const int file = memoryFile(page, goodSeals);
+  sendBytes(pair.theirs(), message(page), {file});
+  const vm_address_t address = allocated(page);
+  bytesAt(address)[0] = 5;
+  const mach_port_t entry = entryOf(address, page);
+  rlimit limit;
+  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
+  const rlimit none{3, limit.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+  const kern_return_t sent = mach_send_memory_entry(pair.ours(), entry, nullptr, 0);
+  const Received received = receive(pair.ours());
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
+  EXPECT_EQ(sent, KERN_RESOURCE_SHORTAGE);
+  EXPECT_EQ(received.result, KERN_RESOURCE_SHORTAGE);
+  EXPECT_EQ(bytesAt(address)[0], 5);
+  EXPECT_EQ(mach_send_memory_entry(pair.ours(), entry, nullptr, 0), KERN_SUCCESS);
+  close(file);
+}
+
+}  // namespace

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "Platform/Mach/mach.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <filesystem>
+#include <iterator>
+
+constexpr vm_size_t page = 4096;
+constexpr vm_prot_t readAndWrite = VM_PROT_READ | VM_PROT_WRITE;
+
+inline std::uint8_t* bytesAt(vm_address_t address) {
+  return reinterpret_cast<std::uint8_t*>(address);
+}
+
+inline vm_address_t allocated(vm_size_t size) {
+  vm_address_t address = 0;
+  EXPECT_EQ(vm_allocate(mach_task_self(), &address, size, VM_FLAGS_ANYWHERE), KERN_SUCCESS);
+  return address;
+}
+
+inline mach_port_t entryOf(vm_address_t address, vm_size_t size) {
+  mach_port_t entry = MACH_PORT_NULL;
+  EXPECT_EQ(mach_make_memory_entry(mach_task_self(), &size, address, readAndWrite, &entry, MACH_PORT_NULL),
+            KERN_SUCCESS);
+  EXPECT_NE(entry, MACH_PORT_NULL);
+  return entry;
+}
+
+inline kern_return_t mapEntry(mach_port_t entry, vm_address_t* address, vm_size_t size, vm_offset_t offset = 0,
+                              bool copy = false) {
+  return vm_map(mach_task_self(), address, size, 0, VM_FLAGS_ANYWHERE, entry, offset, copy, readAndWrite, readAndWrite,
+                VM_INHERIT_SHARE);
+}
+
+inline std::ptrdiff_t openDescriptors() {
+  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), std::filesystem::directory_iterator());
+}

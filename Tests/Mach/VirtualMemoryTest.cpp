@@ -1,0 +1,149 @@
+#include "Tests/Mach/Memory.h"
+
+#include <sys/mman.h>
+
+#include <array>
+#include <cerrno>
+#include <limits>
+
+namespace {
+
+const mach_port_t self = mach_task_self();
+
+TEST(VirtualMemory, IsPageAlignedZeroAndWritableToItsLastPage) {
+  for (const vm_size_t size : {vm_size_t{1}, page, page + 1, vm_size_t{5} << 20}) {
+    const vm_address_t address = allocated(size);
+    EXPECT_EQ(address % page, 0u);
+    const vm_size_t whole = (size + page - 1) / page * page;
+    for (vm_size_t i = 0; i < whole; i += 511) ASSERT_EQ(bytesAt(address)[i], 0);
+    std::memset(bytesAt(address), 7, whole);
+    EXPECT_EQ(vm_deallocate(self, address, size), KERN_SUCCESS);
+    EXPECT_NE(msync(bytesAt(address), whole, MS_ASYNC), 0) << "still mapped";
+  }
+}
+
+TEST(VirtualMemory, AnswersWithTheResultCodes) {
+  vm_address_t address = 42;
+  EXPECT_EQ(vm_allocate(self, &address, 0, VM_FLAGS_ANYWHERE), KERN_SUCCESS);
+  EXPECT_EQ(address, 0u);
+  EXPECT_EQ(vm_allocate(self, &address, std::size_t{1} << 60, VM_FLAGS_ANYWHERE), KERN_NO_SPACE);
+  EXPECT_EQ(vm_allocate(self, &address, std::numeric_limits<vm_size_t>::max(), VM_FLAGS_ANYWHERE),
+            KERN_INVALID_ARGUMENT);
+  EXPECT_EQ(vm_allocate(self + 1, &address, page, VM_FLAGS_ANYWHERE), KERN_INVALID_ARGUMENT);
+  EXPECT_EQ(address, 0u) << "written on failure";
+
+  EXPECT_EQ(vm_deallocate(self, 0, 0), KERN_SUCCESS);
+  EXPECT_EQ(vm_deallocate(self, 0xDEAD000, 0), KERN_SUCCESS);
+  EXPECT_EQ(vm_deallocate(self, page, std::numeric_limits<vm_size_t>::max()), KERN_INVALID_ARGUMENT);
+
+  EXPECT_EQ(mach_port_deallocate(self, 0x7FFFFFFF), KERN_INVALID_NAME);
+  EXPECT_EQ(mapEntry(0x7FFFFFFF, &address, page), KERN_INVALID_OBJECT);
+  EXPECT_EQ(mach_munmap(reinterpret_cast<void*>(1), page), -1);
+  EXPECT_EQ(errno, EINVAL);
+}
+
+TEST(VirtualMemory, CanBePlacedAtAFreeAddressOnly) {
+  vm_address_t address = allocated(2 * page);
+  EXPECT_EQ(vm_allocate(self, &address, page, VM_FLAGS_FIXED), KERN_NO_SPACE);
+  vm_deallocate(self, address, 2 * page);
+  const vm_address_t wanted = address;
+  EXPECT_EQ(vm_allocate(self, &address, page, VM_FLAGS_FIXED), KERN_SUCCESS);
+  EXPECT_EQ(address, wanted);
+  vm_deallocate(self, address, page);
+  address = wanted + 1;
+  EXPECT_EQ(vm_allocate(self, &address, page, VM_FLAGS_FIXED), KERN_INVALID_ARGUMENT);
+}
+
+TEST(MemoryEntry, RefusesWhatItCannotName) {
+  const vm_address_t address = allocated(4 * page);
+  mach_port_t entry = MACH_PORT_NULL;
+  const auto make = [&](vm_size_t size, vm_offset_t at, vm_prot_t permission, mach_port_t parent) {
+    return mach_make_memory_entry(self, &size, at, permission, &entry, parent);
+  };
+  EXPECT_EQ(make(0, address, readAndWrite, 0), KERN_INVALID_ARGUMENT);
+  EXPECT_EQ(make(page, address, VM_PROT_READ, 0), KERN_INVALID_ARGUMENT);
+  EXPECT_EQ(make(page, address, readAndWrite, 5), KERN_INVALID_ARGUMENT);
+  EXPECT_EQ(make(page, 0, readAndWrite, 0), KERN_INVALID_ADDRESS);
+  EXPECT_EQ(entry, MACH_PORT_NULL);
+
+  vm_size_t size = page + 1;
+  ASSERT_EQ(mach_make_memory_entry(self, &size, address + 1, readAndWrite, &entry, 0), KERN_SUCCESS);
+  EXPECT_EQ(size, 2 * page) << "the pages that were touched";
+  mach_port_t other = MACH_PORT_NULL;
+  EXPECT_EQ(mach_make_memory_entry(self, &size, address + page, readAndWrite, &other, 0), KERN_INVALID_ARGUMENT);
+  vm_address_t mapped = 0;
+  EXPECT_EQ(mapEntry(entry, &mapped, 2 * page + 1), KERN_INVALID_ARGUMENT);
+  EXPECT_EQ(mapEntry(entry, &mapped, page, 2 * page), KERN_INVALID_ARGUMENT);
+  EXPECT_EQ(mapEntry(entry, &mapped, page, 1), KERN_INVALID_ARGUMENT);
+  mach_port_deallocate(self, entry);
+  vm_deallocate(self, address, 4 * page);
+}
+
+TEST(MemoryEntry, CostsNoDescriptorUntilItIsMapped) {
+  const auto before = openDescriptors();
+  std::array<vm_address_t, 50> addresses;
+  std::array<mach_port_t, 50> entries;
+  for (std::size_t i = 0; i < 50; ++i) {
+    addresses[i] = allocated(page);
+    entries[i] = entryOf(addresses[i], page);
+  }
+  EXPECT_EQ(openDescriptors(), before);
+  vm_address_t mapped = 0;
+  ASSERT_EQ(mapEntry(entries[7], &mapped, page), KERN_SUCCESS);
+  EXPECT_EQ(openDescriptors(), before + 1);
+  for (std::size_t i = 0; i < 50; ++i) {
+    EXPECT_EQ(vm_deallocate(self, addresses[i], page), KERN_SUCCESS);
+    EXPECT_EQ(mach_port_deallocate(self, entries[i]), KERN_SUCCESS);
+  }
+  EXPECT_EQ(openDescriptors(), before);
+  vm_deallocate(self, mapped, page);
+}
+
+TEST(MemoryEntry, SharesTheSameBytesAtTheOldAddressAndTheNew) {
+  const vm_size_t size = 600 * page;
+  const vm_address_t address = allocated(size);
+  for (vm_size_t i = 0; i < size; ++i) bytesAt(address)[i] = static_cast<std::uint8_t>(i * 31 >> 3);
+  const mach_port_t entry = entryOf(address, size);
+  vm_address_t mapped = 0;
+  ASSERT_EQ(mapEntry(entry, &mapped, size), KERN_SUCCESS);
+  ASSERT_NE(mapped, address);
+  for (vm_size_t i = 0; i < size; ++i) ASSERT_EQ(bytesAt(mapped)[i], static_cast<std::uint8_t>(i * 31 >> 3));
+  bytesAt(mapped)[size - 1] = 99;
+  EXPECT_EQ(bytesAt(address)[size - 1], 99);
+
+  vm_address_t copy = 0;
+  ASSERT_EQ(mapEntry(entry, &copy, page, size - page, true), KERN_SUCCESS);
+  EXPECT_EQ(bytesAt(copy)[page - 1], 99);
+  bytesAt(address)[size - 1] = 1;
+  EXPECT_EQ(bytesAt(copy)[page - 1], 99) << "a copy keeps the bytes of its moment";
+
+  // Memory outlives the entry, as the entry's memory outlives the mapping.
+  mach_port_deallocate(self, entry);
+  EXPECT_EQ(bytesAt(mapped)[size - 1], 1);
+  for (const vm_address_t place : {address, mapped}) EXPECT_EQ(vm_deallocate(self, place, size), KERN_SUCCESS);
+  vm_deallocate(self, copy, page);
+}
+
+TEST(MemoryEntry, OfAPartNamesThatPart) {
+  const vm_address_t address = allocated(8 * page);
+  for (int i = 0; i < 8; ++i) bytesAt(address)[i * page] = static_cast<std::uint8_t>(i + 1);
+  const mach_port_t whole = entryOf(address, 8 * page);
+  const mach_port_t part = entryOf(address + 3 * page, 2 * page);
+  vm_address_t ofPart = 0;
+  ASSERT_EQ(mapEntry(part, &ofPart, page, page), KERN_SUCCESS);
+  EXPECT_EQ(bytesAt(ofPart)[0], 5);
+  mach_port_deallocate(self, whole);
+  bytesAt(address)[4 * page] = 77;
+  EXPECT_EQ(bytesAt(ofPart)[0], 77);
+  // What was mapped can be named again.
+  const mach_port_t again = entryOf(ofPart, page);
+  vm_address_t third = 0;
+  ASSERT_EQ(mapEntry(again, &third, page), KERN_SUCCESS);
+  EXPECT_EQ(bytesAt(third)[0], 77);
+  for (const mach_port_t entry : {part, again}) EXPECT_EQ(mach_port_deallocate(self, entry), KERN_SUCCESS);
+  vm_deallocate(self, address, 8 * page);
+  vm_deallocate(self, ofPart, page);
+  vm_deallocate(self, third, page);
+}
+
+}  // namespace
