@@ -13,6 +13,8 @@
 // QCPlugInDescribe is called once after the binary is loaded. A bundle whose stated version differs from
 // QCPlugInInterfaceVersion is refused before anything else of it is called. registerNodes then registers the bundle's
 // nodes; when it throws, all that it registered is taken back. A bundle that was loaded is never unloaded.
+//
+// The constructors of a plug-in's static objects must not throw: by the rules of the language that ends the process.
 inline constexpr std::uint32_t QCPlugInInterfaceVersion = 1;
 
 struct QCPlugInDescription {

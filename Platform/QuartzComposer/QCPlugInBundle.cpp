@@ -45,21 +45,13 @@ std::string executableName(const std::string& bundle, std::string* reason) {
   return text;
 }
 
-// Null, with the cause, when the dynamic linker refuses the file or its initialisers throw.
 void* open(const std::string& binary, std::string* reason) {
-  try {
-    void* handle = dlopen(binary.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (!handle) {
-      const char* message = dlerror();
-      *reason = std::string("its binary cannot be loaded: ") + (message ? message : "no reason given");
-    }
-    return handle;
-  } catch (const std::exception& error) {
-    *reason = std::string("its binary threw while it was loaded: ") + error.what();
-  } catch (...) {
-    *reason = "its binary threw while it was loaded";
+  void* handle = dlopen(binary.c_str(), RTLD_NOW | RTLD_LOCAL);
+  if (!handle) {
+    const char* message = dlerror();
+    *reason = std::string("its binary cannot be loaded: ") + (message ? message : "no reason given");
   }
-  return nullptr;
+  return handle;
 }
 
 const QCPlugInDescription* describe(void* handle, std::string* reason) {

@@ -1,0 +1,139 @@
+#include "Tests/QuartzComposer/TestFolder.h"
+#include "Tests/QuartzComposer/TestPatches.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+namespace {
+
+using P = PropertyList;
+using Names = std::vector<std::string>;
+
+// Listed against the flow: "last" takes what "first" and "second" give, and "second" takes from "first" too.
+PropertyList diamond() {
+  return composition(
+      "Diamond",
+      list({node("last", "Sum", dict({{"label", text("last")}})),
+            node("second", "Sum", dict({{"label", text("second")}, {"b", P::real(10)}})),
+            node("first", "Sum", dict({{"label", text("first")}, {"object", P::integer(6)}}))}),
+      list({connection("second.sum", "last.a"), connection("first.sum", "last.b"),
+            connection("first.outputImage", "second.image"), connection("second.outputImage", "last.image"),
+            connection("first.outputObject", "last.object")}),
+      list({published("x", "first", "a"), published("x", "second", "a"), published("image", "first", "image")}),
+      list({published("sum", "last", "sum"), published("outputImage", "last", "outputImage"),
+            published("outputObject", "last", "outputObject")}));
+}
+
+double numberAt(const QCPatch& patch, const char* key) {
+  return dynamic_cast<QCNumberPort&>(*patch.portForKey(key)).doubleValue();
+}
+
+}  // namespace
+
+TEST(Composition, CarriesEveryValueAlongItsConnection) {
+  const auto manager = managerWithTestPatches();
+  load(*manager, diamond());
+  const auto patch = manager->nodeInstanceWithName("Diamond");
+  ASSERT_TRUE(patch);
+  const auto image = std::make_shared<TestImage>();
+  ASSERT_TRUE(patch->portForKey("image")->setValue(image));
+  dynamic_cast<QCNumberPort&>(*patch->portForKey("x")).setDoubleValue(3);
+  executedLabels().clear();
+  std::string reason;
+  ASSERT_TRUE(patch->executeAtTime(0, &reason)) << reason;
+
+  EXPECT_EQ(executedLabels(), (Names{"first", "second", "last"}));
+  EXPECT_EQ(numberAt(*patch, "sum"), (3 + 10) + (3 + 0)) << "one input feeds two nodes";
+  EXPECT_EQ(patch->portForKey("outputImage")->value(), image) << "images are shared";
+  const auto object = std::dynamic_pointer_cast<TestObject>(patch->portForKey("outputObject")->value());
+  ASSERT_TRUE(object);
+  EXPECT_EQ(object->number(), 6);
+  ASSERT_TRUE(patch->executeAtTime(1, nullptr));
+  EXPECT_NE(patch->portForKey("outputObject")->value(), object) << "objects are copied";
+
+  const auto other = manager->nodeInstanceWithName("Diamond");
+  EXPECT_EQ(numberAt(*other, "x"), 1) << "instances share nothing";
+}
+
+TEST(Composition, PublishesPortsInTheirClassWithTheirValueAndAttributes) {
+  P input = published("a", "n", "a");
+  input.set("minimum", P::real(-2));
+  P withDefault = published("b", "n", "b");
+  withDefault.set("default", P::real(5));
+  withDefault.set("name", text("Second"));
+  const auto manager = managerWithTestPatches();
+  load(*manager,
+       composition("C", list({node("n", "Sum", dict({{"a", P::real(0.5)}, {"object", P::integer(4)}}))}), P::array(),
+                   list({input, withDefault, published("o", "n", "object")}), list({published("s", "n", "sum")})));
+  const auto patch = manager->nodeInstanceWithName("C");
+  ASSERT_TRUE(patch);
+  EXPECT_EQ(numberAt(*patch, "a"), 0.5);
+  EXPECT_EQ(numberAt(*patch, "b"), 5);
+  EXPECT_EQ(patch->portForKey("a")->attributes(),
+            dict({{"default", P::real(0.5)}, {"name", text("First")}, {"minimum", P::real(-2)}}));
+  EXPECT_EQ(patch->portForKey("b")->name(), "Second");
+  EXPECT_EQ(patch->portForKey("o")->className(), "TestObjectPort");
+  EXPECT_EQ(patch->portForKey("o")->stateValue(), P::integer(4));
+  ASSERT_TRUE(patch->executeAtTime(0, nullptr));
+  EXPECT_EQ(numberAt(*patch, "s"), 5.5);
+}
+
+TEST(Composition, NestsAndPublishesAgain) {
+  const auto manager = managerWithTestPatches();
+  load(*manager, composition("Outer", list({node("inner", "Diamond"), node("add", "Sum")}),
+                             list({connection("inner.sum", "add.b"), connection("inner.outputObject", "add.object")}),
+                             list({published("y", "inner", "x")}), list({published("total", "add", "sum")})));
+  load(*manager, diamond());  // named before it was there
+  EXPECT_EQ(manager->nodeNames(), (Names{"Sum", "Throw", "Diamond", "Outer"}));
+  const auto patch = manager->nodeInstanceWithName("Outer");
+  ASSERT_TRUE(patch);
+  ASSERT_TRUE(patch->executeAtTime(0, nullptr));
+  EXPECT_EQ(numberAt(*patch, "total"), 1 + 12);
+  EXPECT_TRUE(manager->loadFailures().empty());
+}
+
+TEST(Composition, NamesTheNodeThatFailed) {
+  const auto manager = managerWithTestPatches();
+  load(*manager, composition("C", list({node("t", "Throw"), node("s", "Sum")}), list({connection("t.sum", "s.a")})));
+  std::string reason;
+  EXPECT_FALSE(manager->nodeInstanceWithName("C")->executeAtTime(0, &reason));
+  EXPECT_EQ(reason, "node \"t\" (Throw): thrown on purpose");
+}
+
+TEST(Composition, TakesItsNameFromTheFileWhenItHasNone) {
+  const auto manager = managerWithTestPatches();
+  load(*manager, dict({{"formatVersion", P::integer(1)}}), "By File.qtz");
+  EXPECT_EQ(manager->nodeNames().back(), "By File");
+  EXPECT_EQ(manager->nodeAttributesWithName("By File")->find("name")->stringValue(), "By File");
+}
+
+TEST(Composition, WaitsForItsNodesUntilLoadingHasEnded) {
+  const TestFolder folder;
+  folder.writeBundle("A.plugin", "Good");
+  folder.writeBundle("B.plugin", "Asking");
+  const auto manager = newManager();
+  load(*manager, composition("Ready", list({node("n", "Good A")})), "Ready.qtz");
+  load(*manager, composition("Waiting", list({node("n", "Later")})), "Waiting.qtz");
+  testing::internal::CaptureStderr();
+  manager->loadPlugInsInFolder(folder.path(), {"plugin"});
+  const std::string printed = testing::internal::GetCapturedStderr();
+  EXPECT_EQ(printed.find("qtz"), std::string::npos) << "a question while loading reports no composition";
+  EXPECT_TRUE(manager->registerNodeWithName("Later", {}, [] { return std::make_shared<QCPatch>(); }));
+  EXPECT_FALSE(manager->registerNodeWithName("Waiting", {}, [] { return std::make_shared<QCPatch>(); }));
+  const Names names = manager->nodeNames();
+  EXPECT_EQ(std::set<std::string>(names.begin(), names.end()),
+            (std::set<std::string>{"Good A", "Good B", "Ready", "Asking", "Later", "Waiting"}));
+  EXPECT_NE(manager->nodeInstanceWithName("Waiting"), nullptr);
+}
+
+TEST(Composition, DoesNotOutliveANodeThatWasTakenBack) {
+  const TestFolder folder;
+  folder.writeBundle("A.plugin", "Throwing");
+  const auto manager = newManager();
+  load(*manager, composition("Built On It", list({node("n", "Taken Back")})));
+  manager->loadPlugInsInFolder(folder.path(), {"plugin"});
+  EXPECT_EQ(manager->nodeNames(), Names{});
+  ASSERT_EQ(manager->loadFailures().size(), 2u);
+  EXPECT_EQ(manager->loadFailures()[1].reason, "node \"n\": there is no node \"Taken Back\"");
+}

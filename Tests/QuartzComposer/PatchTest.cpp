@@ -1,0 +1,78 @@
+#include "Platform/QuartzComposer/QCPatch.h"
+
+#include "Platform/Foundation/NSCoder.h"
+#include "Platform/QuartzComposer/QCCloseNames.h"
+#include "Tests/QuartzComposer/TestPatches.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+TEST(Patch, FindsPortsByKeyAndRefusesAKeyTwice) {
+  auto patch = std::make_unique<QCPatch>();
+  const auto input = patch->addInputPort<QCNumberPort>("x");
+  ASSERT_TRUE(input);
+  EXPECT_EQ(patch->addOutputPort<QCNumberPort>("x"), nullptr);
+  EXPECT_EQ(patch->addInputPort<QCNumberPort>(""), nullptr);
+  EXPECT_EQ(patch->portForKey("x"), input.get());
+  EXPECT_EQ(patch->portForKey("y"), nullptr);
+  EXPECT_EQ(input->node(), patch.get());
+  patch.reset();
+  EXPECT_EQ(input->node(), nullptr);
+}
+
+TEST(Patch, TurnsWhateverItsCodeDoesIntoAReason) {
+  struct Failing : QCPatch {
+    bool execute(double time, std::string* reason) override {
+      if (time == 0) {
+        throw 5;
+      }
+      *reason = time == 1 ? "one" : "";
+      return time == 3;
+    }
+  } patch;
+  std::string reason;
+  EXPECT_FALSE(patch.executeAtTime(0, &reason));
+  EXPECT_FALSE(reason.empty());
+  EXPECT_FALSE(patch.executeAtTime(1, &reason));
+  EXPECT_EQ(reason, "one");
+  EXPECT_FALSE(patch.executeAtTime(2, nullptr));
+  EXPECT_TRUE(patch.executeAtTime(3, &reason));
+}
+
+TEST(Patch, BuiltInPatchesAreFoundByName) {
+  EXPECT_EQ(QCPatch::patchWithName("Built In"), nullptr);
+  EXPECT_EQ(QCPatch::patchAttributesWithName("Built In"), nullptr);
+  EXPECT_FALSE(QCPatch::registerPatch("", {}, [] { return std::make_shared<QCPatch>(); }));
+  EXPECT_FALSE(QCPatch::registerPatch("Built In", {}, nullptr));
+  EXPECT_TRUE(
+      QCPatch::registerPatch("Built In", dict({{"name", text("b")}}), [] { return std::make_shared<QCPatch>(); }));
+  EXPECT_FALSE(QCPatch::registerPatch("Built In", {}, [] { return std::make_shared<QCPatch>(); }));
+  EXPECT_NE(QCPatch::patchWithName("Built In"), nullptr);
+  EXPECT_EQ(QCPatch::patchAttributesWithName("Built In")->find("name")->stringValue(), "b");
+  EXPECT_TRUE(
+      QCPatch::registerPatch("Throwing", {}, []() -> std::shared_ptr<QCPatch> { throw std::logic_error("no"); }));
+  EXPECT_EQ(QCPatch::patchWithName("Throwing"), nullptr);
+}
+
+TEST(Color, TravelsThroughCoders) {
+  const auto color = std::make_shared<QCColor>(0.25, -1, 1e300, -0.0);
+  const auto archive = NSKeyedArchiver::archivedData(color, PropertyListFormat::Binary, nullptr);
+  ASSERT_TRUE(archive);
+  const auto restored = NSKeyedUnarchiver::unarchiveObject(*archive, nullptr);
+  ASSERT_TRUE(restored);
+  EXPECT_TRUE(restored->isEqual(*color));
+  EXPECT_TRUE(color->copyWithZone()->isEqual(*color));
+  EXPECT_FALSE(color->isEqual(QCColor()));
+}
+
+TEST(CloseNames, AreNearestFirstAndFewAndNearEnough) {
+  const std::vector<std::string> known{"Gradient Ramp", "Gradient Map", "Levels", "Over", "Oven", "Omen", "Ever"};
+  using Names = std::vector<std::string>;
+  EXPECT_EQ(QCCloseNames("gradient map", known), (Names{"Gradient Map", "Gradient Ramp"}));
+  EXPECT_EQ(QCCloseNames("Levls", known), Names{"Levels"});
+  EXPECT_EQ(QCCloseNames("Over", known), (Names{"Over", "Oven", "Ever"})) << "three at most";
+  EXPECT_EQ(QCCloseNames("Checkerboard", known), Names{});
+  EXPECT_EQ(QCCloseNames("", known), Names{});
+  EXPECT_EQ(QCCloseNamesHint("Levls", known), "; did you mean \"Levels\"?");
+}

@@ -1,0 +1,184 @@
+#include "Platform/QuartzComposer/GFNodeManager.h"
+#include "Tests/QuartzComposer/TestFolder.h"
+#include "Tests/QuartzComposer/TestPatches.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using Names = std::vector<std::string>;
+
+std::string contentsOf(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// A bundle "M.plugin" that lies between two whole ones, and what is wrong with it.
+struct BrokenBundle {
+  const char* name;
+  std::function<void(const TestFolder&)> make;
+  const char* reason;  // a part of it
+};
+
+void PrintTo(const BrokenBundle& bundle, std::ostream* out) {
+  *out << bundle.name;
+}
+
+std::function<void(const TestFolder&)> bundleOf(const char* plugIn) {
+  return [plugIn](const TestFolder& folder) { folder.writeBundle("M.plugin", plugIn); };
+}
+
+std::function<void(const TestFolder&)> bundleWithInfo(const std::string& info) {
+  return [info](const TestFolder& folder) {
+    folder.writeBundle("M.plugin", "Good");
+    folder.write("M.plugin/Contents/Info.plist", info);
+  };
+}
+
+std::function<void(const TestFolder&)> bundleWithBinary(std::function<std::string(std::string)> edit) {
+  return [edit](const TestFolder& folder) {
+    folder.write("M.plugin/Contents/Info.plist", infoPlist("Program"));
+    folder.write("M.plugin/Contents/Linux/Program", edit(contentsOf(testPlugIn("Good"))));
+  };
+}
+
+const BrokenBundle brokenBundles[] = {
+    {"NoInfo", [](const TestFolder& folder) { folder.write("M.plugin/Contents/Linux/Program", ""); },
+     "no Contents/Info.plist"},
+    {"NotAFolder", [](const TestFolder& folder) { folder.write("M.plugin", "text"); }, "not a folder"},
+    {"DanglingLink", [](const TestFolder& folder) { fs::create_symlink("/nowhere", folder.path() + "/M.plugin"); },
+     "leads nowhere"},
+    {"InfoIsAFolder", [](const TestFolder& folder) { folder.write("M.plugin/Contents/Info.plist/file", ""); },
+     "Info.plist cannot be read"},
+    {"InfoIsAPipe",
+     [](const TestFolder& folder) {
+       folder.write("M.plugin/Contents/file", "");
+       ASSERT_EQ(mkfifo((folder.path() + "/M.plugin/Contents/Info.plist").c_str(), 0600), 0);
+     },
+     "Info.plist cannot be read"},
+    {"MalformedInfo", bundleWithInfo("<plist><dict><key>CFBundleExecutable"), "Info.plist cannot be read: "},
+    {"InfoIsAnArray", bundleWithInfo("<plist version=\"1.0\"><array/></plist>"), "no dictionary"},
+    {"NoExecutableName", bundleWithInfo("<plist version=\"1.0\"><dict/></plist>"), "no CFBundleExecutable"},
+    {"EmptyExecutableName", bundleWithInfo(infoPlist("")), "no CFBundleExecutable"},
+    {"ExecutableElsewhere", bundleWithInfo(infoPlist("../Linux/Program")), "not the plain name"},
+    {"ExecutableAbove", bundleWithInfo(infoPlist("..")), "not the plain name"},
+    {"NoBinary", bundleWithInfo(infoPlist("Other")), "no binary Contents/Linux/Other"},
+    {"EmptyBinary", bundleWithBinary([](const std::string&) { return std::string(); }), "not a shared object"},
+    {"TextBinary", bundleWithBinary([](const std::string&) { return std::string(1000, 'x'); }), "not a shared object"},
+    {"BinaryCutInHeader", bundleWithBinary([](const std::string& b) { return b.substr(0, 80); }), "ends within"},
+    {"BinaryCutInHalf", bundleWithBinary([](const std::string& b) { return b.substr(0, 6000); }), "cut short"},
+    {"OtherMachine", bundleWithBinary([](std::string b) {
+       b[18] = '\x15';  // e_machine
+       b[19] = '\x16';
+       return b;
+     }),
+     "another kind of machine"},
+    {"OtherWordSize", bundleWithBinary([](std::string b) {
+       b[4] = b[4] == '\1' ? '\2' : '\1';  // e_ident[EI_CLASS]
+       return b;
+     }),
+     "another kind of machine"},
+    {"NoEntry", bundleOf("NoEntry"), "does not export QCPlugInDescribe"},
+    {"Unresolved", bundleOf("Unresolved"), "definedNowhere"},
+    {"WrongVersion", bundleOf("WrongVersion"), "interface version 2, not 1"},
+    {"NoDescription", bundleOf("NoDescription"), "no description"},
+    {"NoFunction", bundleOf("NoFunction"), "no function"},
+    {"Throwing", bundleOf("Throwing"), "no licence"},
+    {"ThrowingDescription", bundleOf("ThrowingDescription"), "no words"},
+};
+
+class BrokenBundles : public testing::TestWithParam<BrokenBundle> {};
+
+}  // namespace
+
+TEST_P(BrokenBundles, IsReportedAndTheOthersLoad) {
+  const TestFolder folder;
+  folder.writeBundle("A.plugin", "Good");
+  GetParam().make(folder);
+  folder.writeBundle("Z.plugin", "Asking");
+
+  const auto manager = newManager();
+  testing::internal::CaptureStderr();
+  manager->loadPlugInsInFolder(folder.path(), {"plugin", "qtz"});
+  const std::string printed = testing::internal::GetCapturedStderr();
+
+  EXPECT_EQ(manager->nodeNames(), (Names{"Good A", "Good B", "Asking"}));
+  const auto& failures = manager->loadFailures();
+  // The bundle "Asking" loads the folder once more: what failed fails again, what registered is a duplicate.
+  ASSERT_FALSE(failures.empty());
+  EXPECT_EQ(failures[0].path, folder.path() + "/M.plugin");
+  EXPECT_NE(failures[0].reason.find(GetParam().reason), std::string::npos) << failures[0].reason;
+  EXPECT_EQ(printed.find(failures[0].path + ": " + failures[0].reason + "\n"), 0u) << printed;
+}
+
+INSTANTIATE_TEST_SUITE_P(PlugInLoader, BrokenBundles, testing::ValuesIn(brokenBundles),
+                         [](const auto& test) { return test.param.name; });
+
+TEST(PlugInLoader, LoadsAFolderOnceInOrderAndSkipsTheRest) {
+  const TestFolder folder;
+  folder.writeBundle("B.plugin", "Duplicate");
+  const std::string good = folder.writeBundle("A.plugin", "Good");
+  folder.write(".hidden.plugin", "");
+  folder.write("readme.txt", "");
+  folder.write("C.plugin.old", "");
+  const auto manager = newManager();
+  manager->loadPlugInsInFolder(folder.path() + "/missing", {"plugin"});
+  manager->loadPlugInsInFolder(folder.path(), {"plugin", "txt"});
+
+  EXPECT_EQ(manager->nodeNames(), (Names{"Good A", "Good B", "Duplicate B"}));
+  EXPECT_EQ(manager->pathOfNodeWithName("Good A"), good) << "the first of a name stays";
+  EXPECT_EQ(manager->nodeInstanceWithName("Good A")->attributes().find("description")->stringValue(),
+            "from the good plug-in");
+  ASSERT_EQ(manager->loadFailures().size(), 1u);
+  EXPECT_EQ(manager->loadFailures()[0].path, folder.path() + "/B.plugin");
+  EXPECT_EQ(manager->loadFailures()[0].reason, "the node \"Good A\" is there already, from " + good);
+}
+
+TEST(PlugInLoader, TwoManagersLoadTheSameBundle) {
+  const TestFolder folder;
+  folder.writeBundle("A.plugin", "Good");
+  const auto first = newManager();
+  const auto second = std::make_shared<GFNodeManager>();
+  ASSERT_TRUE(second->initWithNamespace(first->nodeNamespace()));
+  first->loadPlugInsInFolder(folder.path(), {"plugin"});
+  second->loadPlugInsInFolder(folder.path(), {"plugin"});
+  EXPECT_EQ(first->nodeNames(), second->nodeNames());
+  EXPECT_TRUE(second->loadFailures().empty());
+  EXPECT_EQ(GFNodeManager::managerForNodeNamespace(first->nodeNamespace()), first);
+}
+
+TEST(PlugInLoader, APlugInFindsItsManagerWhileItIsLoaded) {
+  const TestFolder folder;
+  folder.writeBundle("A.plugin", "Good");
+  folder.writeBundle("B.plugin", "Asking");
+  const auto manager = newManager();
+  testing::internal::CaptureStderr();
+  manager->loadPlugInsInFolder(folder.path(), {"plugin"});
+  testing::internal::GetCapturedStderr();
+  const PropertyList* attributes = manager->nodeAttributesWithName("Asking");
+  ASSERT_NE(attributes, nullptr);
+  EXPECT_TRUE(attributes->find("managerIsFound")->boolValue());
+  EXPECT_EQ(attributes->find("seen")->items().size(), 2u);
+}
+
+TEST(PlugInLoader, ReportsAFolderThatCannotBeRead) {
+  if (geteuid() == 0) {
+    GTEST_SKIP() << "root reads every folder";
+  }
+  const TestFolder folder;
+  fs::permissions(folder.path(), fs::perms::none);
+  const auto manager = newManager();
+  manager->loadPlugInsInFolder(folder.path(), {"plugin", "qtz"});
+  fs::permissions(folder.path(), fs::perms::owner_all);
+  ASSERT_EQ(manager->loadFailures().size(), 1u);
+  EXPECT_EQ(manager->loadFailures()[0].path, folder.path());
+}

@@ -1,0 +1,162 @@
+#include "Platform/QuartzComposer/QCPort.h"
+
+#include "Platform/Foundation/NSKeyValueObserving.h"
+#include "Platform/QuartzComposer/QCPatch.h"
+#include "Tests/QuartzComposer/TestPatches.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+namespace {
+
+using P = PropertyList;
+
+// What a port makes of a state: its own state afterwards, or nothing when it refuses and keeps the old value.
+struct StateRow {
+  const char* name;
+  std::shared_ptr<QCPort> (*make)(PropertyList attributes);
+  PropertyList given;
+  std::optional<PropertyList> expected;
+};
+
+void PrintTo(const StateRow& row, std::ostream* out) {
+  *out << row.name;
+}
+
+template <class Port>
+std::shared_ptr<QCPort> make(PropertyList attributes) {
+  return std::make_shared<Port>("key", std::move(attributes));
+}
+
+P color(std::initializer_list<double> components) {
+  P array = P::array();
+  for (const double component : components) {
+    array.append(P::real(component));
+  }
+  return array;
+}
+
+const StateRow stateRows[] = {
+    {"NumberKeepsReal", make<QCNumberPort>, P::real(-0.0), P::real(-0.0)},
+    {"NumberMakesIntegersReal", make<QCNumberPort>, P::integer(3), P::real(3)},
+    {"NumberTakesBooleans", make<QCNumberPort>, P::boolean(true), P::real(1)},
+    {"NumberRefusesText", make<QCNumberPort>, text("1"), {}},
+    {"BooleanAsksForZero", make<QCBooleanPort>, P::real(0.25), P::boolean(true)},
+    {"BooleanOfNegativeZero", make<QCBooleanPort>, P::real(-0.0), P::boolean(false)},
+    {"BooleanRefusesText", make<QCBooleanPort>, text("yes"), {}},
+    {"IndexTakesWholeReals", make<QCIndexPort>, P::real(7), P::integer(7)},
+    {"IndexLargest", make<QCIndexPort>, P::integer(4294967295), P::integer(4294967295)},
+    {"IndexTooLarge", make<QCIndexPort>, P::integer(4294967296), {}},
+    {"IndexFraction", make<QCIndexPort>, P::real(1.5), {}},
+    {"IndexNegative", make<QCIndexPort>, P::integer(-1), {}},
+    {"IndexNotANumber", make<QCIndexPort>, P::real(std::nan("")), {}},
+    {"IndexInfinite", make<QCIndexPort>, P::real(std::numeric_limits<double>::infinity()), {}},
+    {"IndexHuge", make<QCIndexPort>, P::unsignedInteger(~std::uint64_t{0}), {}},
+    {"StringTakesText", make<QCStringPort>, text("\xc3\xa9"), text("\xc3\xa9")},
+    {"StringRefusesNumbers", make<QCStringPort>, P::integer(1), {}},
+    {"ColorOfFour", make<QCColorPort>, color({2, -1, 0.5, 0}), color({2, -1, 0.5, 0})},
+    {"ColorOfThree", make<QCColorPort>, color({1, 1, 1}), {}},
+    {"ColorOfFive", make<QCColorPort>, color({1, 1, 1, 1, 1}), {}},
+    {"ColorOfTexts", make<QCColorPort>, list({text("1"), text("1"), text("1"), text("1")}), {}},
+    {"ColorOfData", make<QCColorPort>, P::data({1}), {}},
+    {"ImageHasNoState", make<QCImagePort>, P::data({1}), {}},
+    {"ObjectMadeByName", make<TestObjectPort>, P::integer(9), P::integer(9)},
+    {"ObjectRefusesState", make<TestObjectPort>, text("9"), {}},
+    {"ObjectThrowsOnState", make<TestObjectPort>, P::array(), {}},
+    {"NoStateForTheBaseClass", make<QCObjectPort>, P::integer(9), {}},
+};
+
+class PortStates : public testing::TestWithParam<StateRow> {};
+
+struct Recorder : NSKeyValueObserver {
+  void observeValueForKeyPath(const std::string& keyPath, NSObject* object, const PropertyList&, void*) override {
+    auto* port = dynamic_cast<QCNumberPort*>(object);
+    seen.push_back(keyPath + "=" + std::to_string(static_cast<int>(port->doubleValue())));
+  }
+  std::vector<std::string> seen;
+};
+
+}  // namespace
+
+TEST_P(PortStates, AreTakenOrRefusedWhole) {
+  const StateRow& row = GetParam();
+  const auto port = row.make({});
+  const auto before = port->stateValue();
+  std::string reason;
+  EXPECT_EQ(port->setStateValue(row.given, &reason), row.expected.has_value());
+  EXPECT_EQ(reason.empty(), row.expected.has_value()) << reason;
+  EXPECT_EQ(port->stateValue(), row.expected ? row.expected : before);
+  EXPECT_EQ(port->setStateValue(row.given, nullptr), row.expected.has_value());
+
+  // The same state as a default; ports of images and objects have none.
+  const bool hasDefault = std::string_view(port->kind()) != "image" && std::string_view(port->kind()) != "object";
+  const auto withDefault = row.make(dict({{"default", row.given}}));
+  EXPECT_EQ(withDefault->stateValue(), row.expected && hasDefault ? row.expected : before);
+}
+
+INSTANTIATE_TEST_SUITE_P(Port, PortStates, testing::ValuesIn(stateRows),
+                         [](const auto& test) { return test.param.name; });
+
+TEST(Port, ReasonTellsWhatAStateRaised) {
+  std::string reason;
+  EXPECT_FALSE(TestObjectPort("key").setStateValue(P::array(), &reason));
+  EXPECT_EQ(reason, "this state does not fit a TestObject: index 5 beyond 3");
+}
+
+TEST(Port, AnnouncesBothKeyPathsAroundEveryChange) {
+  const auto port = std::make_shared<QCNumberPort>("key");
+  Recorder recorder;
+  port->addObserver(&recorder, "value", 0, nullptr);
+  port->addObserver(&recorder, "__rawValue__", 0, nullptr);
+  port->setDoubleValue(4);
+  EXPECT_EQ(recorder.seen, (std::vector<std::string>{"value=4", "__rawValue__=4"}));
+  EXPECT_FALSE(port->setValue(nullptr));
+  EXPECT_EQ(recorder.seen.size(), 2u) << "a refused value is not announced";
+  port->willChangeValue();
+  EXPECT_EQ(recorder.seen.size(), 2u);
+  port->didChangeValue();
+  EXPECT_EQ(recorder.seen.size(), 4u);
+}
+
+TEST(Port, SurvivesAnObserverThatLetsGoOfIt) {
+  struct Releaser : NSKeyValueObserver {
+    void observeValueForKeyPath(const std::string&, NSObject*, const PropertyList&, void*) override { port.reset(); }
+    std::shared_ptr<QCNumberPort> port;
+  } releaser;
+  releaser.port = std::make_shared<QCNumberPort>("key");
+  QCNumberPort* port = releaser.port.get();
+  port->addObserver(&releaser, "value", 0, nullptr);
+  port->setDoubleValue(1);
+  EXPECT_EQ(releaser.port, nullptr);
+}
+
+TEST(Port, ObjectPortsTakeTheirClassAndThoseBelow) {
+  TestObjectPort port("key");
+  EXPECT_TRUE(port.setValue(std::make_shared<TestSubobject>(1)));
+  EXPECT_FALSE(port.setValue(std::make_shared<QCObject>()));
+  EXPECT_FALSE(port.setValue(NSNumber::numberWithInt(1)));
+  EXPECT_TRUE(port.setValue(nullptr));
+  EXPECT_EQ(port.stateValue(), std::nullopt);
+
+  QCObjectPort any("key");
+  EXPECT_TRUE(any.setValue(std::make_shared<TestObject>()));
+  EXPECT_FALSE(any.setValue(std::make_shared<QCColor>())) << "no QCObject";
+  EXPECT_TRUE(any.takesValuesOf(port));
+  EXPECT_FALSE(port.takesValuesOf(any));
+  EXPECT_FALSE(port.takesValuesOf(QCImagePort("key")));
+  EXPECT_TRUE(QCIndexPort("key").takesValuesOf(QCBooleanPort("key")));
+  EXPECT_FALSE(QCStringPort("key").takesValuesOf(QCNumberPort("key")));
+}
+
+TEST(Port, IsMadeAgainUnderAnotherKeyInItsOwnClass) {
+  QCPatch patch;
+  const auto port = patch.addInputPort<TestObjectPort>("a");
+  const auto other = port->portWithKey("b", dict({{"name", text("B")}}));
+  ASSERT_TRUE(other);
+  EXPECT_EQ(other->className(), "TestObjectPort");
+  EXPECT_EQ(other->key() + other->name(), "bB");
+  EXPECT_EQ(other->node(), nullptr);
+  EXPECT_EQ(TestObjectPort("alone").portWithKey("b", {}), nullptr);
+}

@@ -1,0 +1,123 @@
+#include "Tests/QuartzComposer/TestPatches.h"
+
+#include "Tests/QuartzComposer/TestFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+namespace {
+
+const NSClassRegistration registeredObject("TestObject", "QCObject", [] { return std::make_shared<TestObject>(); });
+const NSClassRegistration registeredSubobject("TestSubobject", "TestObject",
+                                              [] { return std::make_shared<TestSubobject>(); });
+
+class SumPatch : public QCPatch {
+ public:
+  SumPatch() {
+    a_ = addInputPort<QCNumberPort>("a", dict({{"default", PropertyList::real(1)}, {"name", text("First")}}));
+    b_ = addInputPort<QCNumberPort>("b");
+    label_ = addInputPort<QCStringPort>("label");
+    image_ = addInputPort<QCImagePort>("image");
+    object_ = addInputPort<TestObjectPort>("object");
+    sum_ = addOutputPort<QCNumberPort>("sum");
+    outputImage_ = addOutputPort<QCImagePort>("outputImage");
+    outputObject_ = addOutputPort<TestObjectPort>("outputObject");
+  }
+
+ protected:
+  bool execute(double, std::string*) override {
+    executedLabels().push_back(label_->stringValue());
+    sum_->setDoubleValue(a_->doubleValue() + b_->doubleValue());
+    return outputImage_->setValue(image_->value()) && outputObject_->setValue(object_->value());
+  }
+
+ private:
+  std::shared_ptr<QCNumberPort> a_, b_, sum_;
+  std::shared_ptr<QCStringPort> label_;
+  std::shared_ptr<QCImagePort> image_, outputImage_;
+  std::shared_ptr<TestObjectPort> object_, outputObject_;
+};
+
+class ThrowPatch : public QCPatch {
+ public:
+  ThrowPatch() { addOutputPort<QCNumberPort>("sum"); }
+
+ protected:
+  bool execute(double, std::string*) override { throw std::runtime_error("thrown on purpose"); }
+};
+
+}  // namespace
+
+bool TestObject::initWithStateValue(const PropertyList& state) {
+  if (state.isArray()) {
+    throw std::out_of_range("index 5 beyond 3");
+  }
+  number_ = state.integerValue();
+  return state.type() == PropertyList::Type::Integer;
+}
+
+std::vector<std::string>& executedLabels() {
+  static std::vector<std::string> labels;
+  return labels;
+}
+
+std::shared_ptr<GFNodeManager> newManager() {
+  static int count = 0;
+  auto manager = std::make_shared<GFNodeManager>();
+  EXPECT_TRUE(manager->initWithNamespace("org.vorto.test.nodes." + std::to_string(++count)));
+  return manager;
+}
+
+std::shared_ptr<GFNodeManager> managerWithTestPatches() {
+  auto manager = newManager();
+  EXPECT_TRUE(manager->registerNodeWithName("Sum", {}, [] { return std::make_shared<SumPatch>(); }));
+  EXPECT_TRUE(manager->registerNodeWithName("Throw", {}, [] { return std::make_shared<ThrowPatch>(); }));
+  return manager;
+}
+
+PropertyList dict(std::initializer_list<std::pair<const char*, PropertyList>> entries) {
+  PropertyList dictionary;
+  for (const auto& [key, value] : entries) {
+    dictionary.set(key, value);
+  }
+  return dictionary;
+}
+
+PropertyList list(std::initializer_list<PropertyList> items) {
+  return PropertyList::array(items);
+}
+
+PropertyList text(std::string string) {
+  return PropertyList::string(std::move(string));
+}
+
+PropertyList node(const char* identifier, const char* name, PropertyList values) {
+  return dict({{"identifier", text(identifier)}, {"name", text(name)}, {"values", std::move(values)}});
+}
+
+PropertyList connection(const char* from, const char* to) {
+  return dict({{"from", text(from)}, {"to", text(to)}});
+}
+
+PropertyList published(const char* key, const char* node, const char* port) {
+  return dict({{"key", text(key)}, {"node", text(node)}, {"port", text(port)}});
+}
+
+PropertyList composition(const char* name, PropertyList nodes, PropertyList connections, PropertyList inputs,
+                         PropertyList outputs) {
+  return dict({{"formatVersion", PropertyList::integer(1)},
+               {"attributes", dict({{"name", text(name)}})},
+               {"nodes", std::move(nodes)},
+               {"connections", std::move(connections)},
+               {"inputs", std::move(inputs)},
+               {"outputs", std::move(outputs)}});
+}
+
+void load(GFNodeManager& manager, const PropertyList& composition, const std::string& file) {
+  const TestFolder folder;
+  const auto bytes = PropertyListToBytes(composition, PropertyListFormat::Xml, nullptr);
+  ASSERT_TRUE(bytes);
+  folder.write(file, std::string(bytes->begin(), bytes->end()));
+  manager.loadPlugInsInFolder(folder.path(), {"qtz"});
+}

@@ -1,0 +1,23 @@
+# Binaries that the tests put into bundles of their own making. They take the framework's symbols from the program.
+set(test_plugin_folder ${CMAKE_BINARY_DIR}/test-plugins)
+
+function(vorto_test_plugins test)
+  foreach(name ${ARGN})
+    add_library(test-plugin-${name} MODULE QuartzComposer/plugins/${name}.cpp)
+    target_link_libraries(test-plugin-${name} PRIVATE vorto_settings)
+    set_target_properties(test-plugin-${name} PROPERTIES PREFIX "" OUTPUT_NAME ${name}
+                                                         LIBRARY_OUTPUT_DIRECTORY ${test_plugin_folder})
+    add_dependencies(${test} test-plugin-${name})
+  endforeach()
+  target_compile_definitions(${test} PRIVATE TEST_PLUGIN_FOLDER="${test_plugin_folder}")
+endfunction()
+
+if(TARGET test-QuartzComposer)
+  set_target_properties(test-QuartzComposer PROPERTIES ENABLE_EXPORTS ON)
+  vorto_test_plugins(test-QuartzComposer Good Duplicate Throwing ThrowingDescription WrongVersion
+                     NoDescription NoFunction NoEntry Unresolved Asking)
+endif()
+if(TARGET test-Registry)
+  target_sources(test-Registry PRIVATE QuartzComposer/TestFolder.cpp)
+  vorto_test_plugins(test-Registry AskingShared)
+endif()

@@ -1,0 +1,16 @@
+// Asks for the framework's own manager while that one is being made.
+#include "Platform/QuartzComposer/QCPlugIn.h"
+#include "Registry/VRTNodeManager.h"
+
+namespace {
+
+void registerNodes(GFNodeManager& manager) {
+  PropertyList attributes;
+  attributes.set("managerIsShared", PropertyList::boolean(VRTNodeManager::manager().get() == &manager));
+  manager.registerNodeWithName("Asking Shared", attributes,
+                               [attributes] { return std::make_shared<QCPatch>(attributes); });
+}
+
+}  // namespace
+
+QC_PLUGIN_ENTRY(registerNodes)

@@ -1,0 +1,5 @@
+#include "Platform/QuartzComposer/QCPlugIn.h"
+
+const QCPlugInDescription* QCPlugInDescribe() {
+  return nullptr;
+}

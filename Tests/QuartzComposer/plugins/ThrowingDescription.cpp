@@ -1,0 +1,7 @@
+#include "Platform/QuartzComposer/QCPlugIn.h"
+
+#include <stdexcept>
+
+const QCPlugInDescription* QCPlugInDescribe() {
+  throw std::runtime_error("no words");
+}

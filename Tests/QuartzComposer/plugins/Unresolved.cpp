@@ -1,0 +1,5 @@
+#include "Platform/QuartzComposer/QCPlugIn.h"
+
+void definedNowhere(GFNodeManager& manager);
+
+QC_PLUGIN_ENTRY(definedNowhere)

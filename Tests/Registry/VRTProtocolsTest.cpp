@@ -1,0 +1,96 @@
+#include "Registry/VRTProtocols.h"
+
+#include "Platform/QuartzComposer/QCPatch.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+struct Role {
+  const char* kind;
+  const char* role;
+  bool (*isOfKind)(const QCPatch&);
+  QCPort* (*port)(const QCPatch&);
+};
+
+const Role roles[] = {
+    {"generator", "outputImagePort", isVortoGenerator, generatorOutputImagePort},
+    {"filter", "inputImagePort", isVortoFilter, filterInputImagePort},
+    {"filter", "outputImagePort", isVortoFilter, filterOutputImagePort},
+    {"blendMode", "inputBackgroundImagePort", isVortoBlendMode, blendModeInputImageBackgroundPort},
+    {"blendMode", "inputForegroundImagePort", isVortoBlendMode, blendModeInputImageForegroundPort},
+    {"blendMode", "outputImagePort", isVortoBlendMode, blendModeOutputImagePort},
+    {"transition", "inputImageAPort", isVortoTransition, transitionInputImageAPort},
+    {"transition", "inputImageBPort", isVortoTransition, transitionInputImageBPort},
+    {"transition", "inputTimePort", isVortoTransition, transitionInputTimePort},
+    {"transition", "outputImagePort", isVortoTransition, transitionOutputImagePort},
+};
+
+// A patch that declares one entry of one protocol, with a port for it.
+std::unique_ptr<QCPatch> patchWith(const char* kind, PropertyList roleEntries) {
+  PropertyList protocols;
+  protocols.set(kind, std::move(roleEntries));
+  PropertyList attributes;
+  attributes.set("protocols", std::move(protocols));
+  auto patch = std::make_unique<QCPatch>(std::move(attributes));
+  patch->addInputPort<QCImagePort>("thePort");
+  return patch;
+}
+
+class Context : public VortoExecutionContext {
+ public:
+  std::size_t pixelsWideFromImage(const QCImage&) override { return 0; }
+  std::size_t pixelsHighFromImage(const QCImage&) override { return 0; }
+  int formatFromImage(const QCImage&) override { return 0; }
+  void getPixelsFromImage(const QCImage&, const void**, std::size_t*) override {}
+};
+
+}  // namespace
+
+TEST(Protocols, EveryAccessorReadsItsOwnEntryAlone) {
+  for (const Role& declared : roles) {
+    PropertyList entries;
+    entries.set(declared.role, PropertyList::string("thePort"));
+    const auto patch = patchWith(declared.kind, entries);
+    for (const Role& asked : roles) {
+      const bool sameKind = std::string_view(asked.kind) == declared.kind;
+      EXPECT_EQ(asked.isOfKind(*patch), sameKind) << declared.kind << " asked " << asked.kind;
+      const bool sameRole = sameKind && std::string_view(asked.role) == declared.role;
+      EXPECT_EQ(asked.port(*patch), sameRole ? patch->portForKey("thePort") : nullptr) << declared.role << asked.role;
+    }
+  }
+}
+
+TEST(Protocols, MissingAndMalformedEntriesAnswerNull) {
+  for (const PropertyList& key :
+       {PropertyList::string("noSuchPort"), PropertyList::string(""), PropertyList::integer(1)}) {
+    PropertyList entries;
+    entries.set("inputTimePort", key);
+    const auto patch = patchWith("transition", entries);
+    EXPECT_TRUE(isVortoTransition(*patch));
+    EXPECT_EQ(transitionInputTimePort(*patch), nullptr);
+    EXPECT_EQ(transitionInputImageAPort(*patch), nullptr);
+  }
+  EXPECT_TRUE(isVortoFilter(*patchWith("filter", PropertyList::string("no dictionary"))));
+  for (const PropertyList& attributes : {PropertyList(), PropertyList::array()}) {
+    const QCPatch plain(attributes);
+    EXPECT_FALSE(isVortoFilter(plain));
+    EXPECT_EQ(filterInputImagePort(plain), nullptr);
+  }
+}
+
+TEST(Protocols, ContextComesFromPatchesThatAnswer) {
+  struct Plain : QCPatch {
+  } plain;
+  struct WithoutContext : QCPatch, VortoRuntime {
+  } without;
+  Context context;
+  struct Hosted : QCPatch, VortoRuntime {
+    VortoExecutionContext* vortoExecutionContext() override { return context; }
+    VortoExecutionContext* context = nullptr;
+  } hosted;
+  hosted.context = &context;
+  EXPECT_EQ(vortoExecutionContext(plain), nullptr);
+  EXPECT_EQ(vortoExecutionContext(without), nullptr);
+  EXPECT_EQ(vortoExecutionContext(hosted), &context);
+}
