@@ -42,9 +42,10 @@ class TARN_EXPORT NSCoder {
 
 // Writes an object graph in the keyed-archive layout: "$archiver", "$version", "$objects", "$top".
 //
-// An object met twice is written once; equal numbers and strings are too. Numbers, strings and NSData stand in "$objects"
-// as they are; nil is a reference to "$null"; every other object is a dictionary of its keys with "$class". The classes
-// of this room are written under their own names whatever their C++ type. Usage: make it, encode, finishEncoding().
+// An object met twice is written once; equal numbers and strings are too. Numbers, strings and NSData stand in
+// "$objects" as they are; nil is a reference to "$null"; every other object is a dictionary of its keys with "$class".
+// The classes of this room are written under their own names whatever their C++ type. Usage: make it, encode,
+// finishEncoding().
 class TARN_EXPORT NSKeyedArchiver : public NSCoder {
  public:
   explicit NSKeyedArchiver(PropertyListFormat outputFormat = PropertyListFormat::Binary);
@@ -101,8 +102,8 @@ class TARN_EXPORT NSKeyedUnarchiver : public NSCoder {
   bool containsValueForKey(std::string_view key) const override;
   void finishDecoding();  // nothing can be decoded any more; error() stays
 
-  // The top object: "root", else "$0". Null, with the cause in *reason (which may be null), when it cannot be read; null
-  // without a cause when the archive holds nil.
+  // The top object: "root", else "$0". Null, with the cause in *reason (which may be null), when it cannot be read;
+  // null without a cause when the archive holds nil.
   static NSObjectRef unarchiveObject(std::span<const std::uint8_t> bytes, std::string* reason);
 
  private:

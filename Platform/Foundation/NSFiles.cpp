@@ -83,11 +83,16 @@ mode_t permissionsOfNewFiles() {
   return 0666 & ~mask;
 }
 
+// With its slash, so that a name can follow; empty for the current folder.
+std::string folderOf(const std::string& path) {
+  const std::size_t slash = path.rfind('/');
+  return slash == std::string::npos ? std::string() : path.substr(0, slash + 1);
+}
+
 // Makes entries of a folder survive a power cut; a file system that cannot is no failure of the write.
 void syncFolderOf(const std::string& path) {
-  const std::size_t slash = path.rfind('/');
-  const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);
-  const File file(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  const std::string folder = folderOf(path);
+  const File file(::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (file.isOpen()) {
     ::fsync(file.descriptor());
   }
@@ -175,7 +180,7 @@ bool NSWriteFile(const std::string& path, std::span<const std::uint8_t> bytes, s
     explainError(reason, "cannot write");
     return false;
   }
-  std::string temporary = *target + ".XXXXXX";
+  std::string temporary = folderOf(*target) + ".write-XXXXXX";
   File file(::mkostemp(temporary.data(), O_CLOEXEC));
   if (!file.isOpen()) {
     explainError(reason, "cannot create a file beside it");

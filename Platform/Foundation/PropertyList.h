@@ -142,7 +142,8 @@ TARN_EXPORT std::optional<PropertyList> PropertyListFromBytes(std::span<const st
 // is no UTF-8, in XML also text with control characters (other than tab, newline and return), which XML cannot hold.
 //
 // XML reals have the fewest digits that read back as the same value; NaN is written "nan" and loses its payload, which
-// binary keeps; dates lose fractions of a second in XML, and must lie in the years 1 to 9999.
+// binary keeps; dates lose fractions of a second in XML, and must lie in the years 1 to 9999. A uid is at most 2^32
+// - 1. A dictionary that XML readers take for a uid (above) is written as it is.
 TARN_EXPORT std::optional<PropertyList::Bytes> PropertyListToBytes(const PropertyList& list, PropertyListFormat format,
                                                                    std::string* reason);
 

@@ -419,8 +419,11 @@ std::optional<PropertyList::Bytes> PropertyListToBytes(const PropertyList& list,
     refuse(reason, "could not be written by the property-list library");
     return std::nullopt;
   }
-  if (format == PropertyListFormat::Xml) {
-    return withOwnTexts({bytes, size}, writer.texts());
+  PropertyList::Bytes written = format == PropertyListFormat::Xml ? withOwnTexts({bytes, size}, writer.texts())
+                                                                  : PropertyList::Bytes(bytes, bytes + size);
+  if (written.size() > PropertyListMaximumBytes) {
+    refuse(reason, "is too large");
+    return std::nullopt;
   }
-  return PropertyList::Bytes(bytes, bytes + size);
+  return written;
 }

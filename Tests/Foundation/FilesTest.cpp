@@ -60,6 +60,12 @@ TEST_F(Files, ReplacesWholeAndKeepsPermissions) {
   EXPECT_EQ(count(), 1u);
 }
 
+TEST_F(Files, NamesOfTheGreatestLengthAreWritten) {
+  const std::string name(255, 'n');
+  EXPECT_TRUE(write(name.c_str(), "long"));
+  EXPECT_EQ(contents(name.c_str()), "long");
+}
+
 TEST_F(Files, FollowsSymbolicLinks) {
   fs::create_directory(folder / "below");
   fs::create_symlink("below/target", folder / "link");
