@@ -1,0 +1,10 @@
+#pragma once
+
+#include <string>
+
+// How the benchmarks are named and shown. A benchmark named "table/row/column" becomes one cell; a table has as many
+// rows and columns as its benchmarks name, in the order of their registration. The column "vorto" is the framework as
+// it runs by default, and every other column is also given as a multiple of it.
+inline std::string benchmarkName(const std::string& table, const std::string& row, const std::string& column) {
+  return table + "/" + row + "/" + column;
+}
