@@ -68,6 +68,49 @@ class TARN_EXPORT VortoBitmap : public VortoImage {
   static void convertYUVtoRGBA(VortoBitmap* destination, const VortoBitmap* source);
   static void convertRGBAtoYUV(VortoBitmap* destination, const VortoBitmap* source);
 
+  // Operations on every pixel in place. But for preMult, unPreMult and flip, which know rows and their padding, they
+  // take width x height pixels from the start of `data` on. Layouts that an operation does not name count as RGBA8 over
+  // that many four-byte pixels, unless it says that it leaves them alone.
+
+  // Alpha becomes its complement, in ARGB8, RGBA16, LuminanceAlpha16, RGBAHalfFloat and RGBAFloat too.
+  void invertAlpha();
+  // Alpha becomes `alpha`, 0 to 1 (integers are clamped), in the same layouts.
+  void setConstantAlpha(double alpha);
+  // Red, green and blue take the value of alpha, in ARGB8, RGBA16, RGBAHalfFloat and RGBAFloat too.
+  void duplicateAlphaToRGB();
+  // Takes off the premultiplication of pixels that lie on a background, in the same layouts: with values of 0 to 1,
+  // c becomes (c - background x (1 - alpha)) / alpha, rounded; where alpha is not above 0, it becomes the background.
+  void unpremultiply(const VortoColor& background);
+  // c becomes floor(c x alpha / 255), in RGBA8 and ARGB8; others are left alone.
+  void preMult();
+  // Takes premultiplication off, cut off to integers: pixels of any layout count as ARGB8 in their first four bytes. c
+  // becomes c / alpha, at most 1; pixels of alpha 0 stay.
+  void unPreMult();
+  // Between (red, green, blue, alpha) and (alpha, red, green, blue): RGBA8 becomes ARGB8 or the other way round;
+  // RGBA16 and RGBAFloat are reordered and keep their code; others are left alone.
+  void convertToARGB();
+  void convertToRGBA();
+  void flip();  // upside down
+
+  // Copies into this bitmap, which was made in its size and format before. What lies outside the source's memory leaves
+  // this bitmap's pixels as they are. The source may be this bitmap: pixels follow one another from the first row on.
+
+  // The rows upside down. Aborts with a report when rows differ in bytes, or, with unequal channel counts, unless a
+  // YUV8 source turns into ARGB8.
+  void copyWithFlip(const VortoBitmap& source);
+  // The same for four-byte pixels, each from (A, R, G, B) to (R, G, B, A). Aborts with a report when rows differ in
+  // bytes.
+  void copyWithFlipAndSwizzleARGBtoRGBA(const VortoBitmap& source);
+  // The first four bytes of the source's pixels from (A, R, G, B) to (R, G, B, A), or the other way round.
+  void copyWithSwizzleARGBToRGBA(const VortoBitmap& source);
+  void copyWithSwizzleRGBToARGB(const VortoBitmap& source);
+  // The rectangle of this bitmap's size at column x and row y, from its last row to its first with `flip`. A YUV8
+  // source is turned into ARGB8, chroma lagging: an even column takes the V of the column before it.
+  void copyWithCropping(const VortoBitmap& source, int x, int y, bool flip);
+  // From ARGB8 to ARGB8 without premultiplication against a background, as unpremultiply but limited to 0 to 1 and cut
+  // off to integers.
+  void copyWithUnPreMult(const VortoBitmap& source, const VortoColor& background);
+
   // Fill this bitmap, made in its size and format before, from one of another size by nearest neighbours
   // (TCBitmapScaling.h). A YUV8 source is turned into ARGB8 first.
   // The source is read in this bitmap's layout (any unknown code counts as RGBA8).

@@ -3,8 +3,10 @@
 #include <cstddef>
 #include <cstdint>
 
-// Between 8-bit YCbCr 4:2:2 (U, Y0, V, Y1) and 8-bit ARGB, in pairs of pixels: 4 and 8 bytes. Video range after BT.601
-// with eight bits of fraction; shifts are arithmetic. The buffers may start anywhere and must not overlap.
+// Between 8-bit YCbCr 4:2:2 (U, Y0, V, Y1) and 8-bit ARGB: four bytes and eight bytes a pair of pixels. Video range
+// after BT.601 with eight bits of fraction, in integers; shifts are arithmetic.
+//
+// The memories may lie at any address. They may overlap: pairs follow one another from the first on.
 namespace vorto::kernels {
 
 //   y = Y - 16, u = U - 128, v = V - 128
@@ -14,5 +16,18 @@ void convertYUVtoARGB(std::uint8_t* argb, const std::uint8_t* yuv, std::size_t p
 //   Y = ((66 R + 129 G + 25 B) >> 8) + 16 of each pixel; of the means m = (first + second) >> 1 of the pair:
 //   U = ((-38 mR - 74 mG + 112 mB) >> 8) + 128, V = ((112 mR - 94 mG - 18 mB) >> 8) + 128
 void convertARGBtoYUV(std::uint8_t* yuv, const std::uint8_t* argb, std::size_t pairs);
+
+// Converts `count` single pixels of a row from column `first` on, which lies at `yuv` (its chroma byte, then Y), into
+// ARGB pixels `step` bytes apart. Chroma lags: an even column takes its own U but the V of the column before it, an odd
+// one its own V but the U before it. The first column takes its missing byte from its own pair. Every byte of that pair
+// must be readable, also the one before an odd `first`.
+void convertLaggingYUVtoARGB(std::uint8_t* argb, std::size_t step, const std::uint8_t* yuv, bool firstIsOdd,
+                             std::size_t count);
+
+// The definitions.
+void convertYUVtoARGBScalar(std::uint8_t* argb, const std::uint8_t* yuv, std::size_t pairs);
+void convertARGBtoYUVScalar(std::uint8_t* yuv, const std::uint8_t* argb, std::size_t pairs);
+void convertLaggingYUVtoARGBScalar(std::uint8_t* argb, std::size_t step, const std::uint8_t* yuv, bool firstIsOdd,
+                                   std::size_t count);
 
 }  // namespace vorto::kernels
