@@ -6,9 +6,16 @@ install(TARGETS vorto EXPORT VortoTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LI
 set_target_properties(vorto PROPERTIES EXPORT_NAME Vorto)
 install(EXPORT VortoTargets NAMESPACE Vorto:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Vorto)
 
+# A header is public when it exports something or is made of constants and functions that users compile themselves.
 foreach(folder Platform TarnCore Channels Ports Registry)
-  install(DIRECTORY ${CMAKE_SOURCE_DIR}/${folder} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/vorto
-          FILES_MATCHING PATTERN "*.h" PATTERN "kernels" EXCLUDE)
+  file(GLOB_RECURSE headers CONFIGURE_DEPENDS RELATIVE ${CMAKE_SOURCE_DIR} ${CMAKE_SOURCE_DIR}/${folder}/*.h)
+  foreach(header ${headers})
+    file(STRINGS ${CMAKE_SOURCE_DIR}/${header} exports REGEX "TARN_EXPORT|^constexpr" LIMIT_COUNT 1)
+    if(exports)
+      cmake_path(GET header PARENT_PATH parent)
+      install(FILES ${CMAKE_SOURCE_DIR}/${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/vorto/${parent})
+    endif()
+  endforeach()
 endforeach()
 
 configure_package_config_file(${CMAKE_SOURCE_DIR}/cmake/VortoConfig.cmake.in ${CMAKE_BINARY_DIR}/VortoConfig.cmake

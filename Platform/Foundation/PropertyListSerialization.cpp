@@ -320,6 +320,14 @@ class Writer {
   std::vector<std::string> texts_;
 };
 
+// Without the document type, which is optional and points to a place on the network.
+std::string withoutDocumentType(std::string_view xml) {
+  const std::size_t start = xml.find("<!DOCTYPE");
+  const std::size_t end = start == std::string_view::npos ? start : xml.find('<', start + 1);
+  if (end == std::string_view::npos) return std::string(xml);
+  return std::string(xml.substr(0, start)) + std::string(xml.substr(end));
+}
+
 // Puts our texts in the place of the library's reals and dates, and returns as references, which readers of XML would
 // otherwise take for newlines. Text has no '<' of its own here, so every tag found is one.
 PropertyList::Bytes withOwnTexts(std::string_view xml, const std::vector<std::string>& texts) {
@@ -419,8 +427,9 @@ std::optional<PropertyList::Bytes> PropertyListToBytes(const PropertyList& list,
     refuse(reason, "could not be written by the property-list library");
     return std::nullopt;
   }
-  PropertyList::Bytes written = format == PropertyListFormat::Xml ? withOwnTexts({bytes, size}, writer.texts())
-                                                                  : PropertyList::Bytes(bytes, bytes + size);
+  PropertyList::Bytes written = format == PropertyListFormat::Xml
+                                    ? withOwnTexts(withoutDocumentType({bytes, size}), writer.texts())
+                                    : PropertyList::Bytes(bytes, bytes + size);
   if (written.size() > PropertyListMaximumBytes) {
     refuse(reason, "is too large");
     return std::nullopt;
