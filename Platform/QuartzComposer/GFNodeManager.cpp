@@ -98,10 +98,11 @@ struct GFNodeManager::State {
 
   bool loadComposition(const std::string& path, std::string* reason) {
     QCCompositionQueue::Composition composition = QCCompositionFromFile(path, reason);
-    if (composition) {
-      compositions.add(std::move(composition));
+    if (!composition) {
+      return false;
     }
-    return composition != nullptr;
+    compositions.add(std::move(composition));
+    return true;
   }
 
   bool loadBundle(GFNodeManager& manager, const std::string& path, std::string* reason) {
