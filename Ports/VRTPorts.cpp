@@ -19,10 +19,13 @@ NSTarnView* makeParameterView(const char* portClass, QCObjectPort& port) {
   return factory(port);
 }
 
-// Ports are made by patches, which give them their keys; the class table only knows their kinship.
-const NSClassRegistration gradientPortClass("VRTGradientPort", "QCObjectPort", {});
-const NSClassRegistration histogramPortClass("VRTHistogramPort", "QCObjectPort", {});
-const NSClassRegistration opaqueDataPortClass("VRTOpaqueDataPort", "QCObjectPort", {});
+// Patches make ports with their keys; made by name a port has none.
+const NSClassRegistration gradientPortClass("VRTGradientPort", "QCObjectPort",
+                                            [] { return std::make_shared<VRTGradientPort>(""); });
+const NSClassRegistration histogramPortClass("VRTHistogramPort", "QCObjectPort",
+                                             [] { return std::make_shared<VRTHistogramPort>(""); });
+const NSClassRegistration opaqueDataPortClass("VRTOpaqueDataPort", "QCObjectPort",
+                                              [] { return std::make_shared<VRTOpaqueDataPort>(""); });
 
 }  // namespace
 

@@ -4,9 +4,12 @@ namespace {
 
 const NSClassRegistration managerClass("TarnEffectManager", "VRTNodeManager",
                                        [] { return std::make_shared<TarnEffectManager>(); });
-const NSClassRegistration gradientPortClass("TarnGradientPort", "VRTGradientPort", {});
-const NSClassRegistration histogramPortClass("TarnHistogramPort", "VRTHistogramPort", {});
-const NSClassRegistration opaqueDataPortClass("TarnOpaqueDataPort", "VRTOpaqueDataPort", {});
+const NSClassRegistration gradientPortClass("TarnGradientPort", "VRTGradientPort",
+                                            [] { return std::make_shared<TarnGradientPort>(""); });
+const NSClassRegistration histogramPortClass("TarnHistogramPort", "VRTHistogramPort",
+                                             [] { return std::make_shared<TarnHistogramPort>(""); });
+const NSClassRegistration opaqueDataPortClass("TarnOpaqueDataPort", "VRTOpaqueDataPort",
+                                              [] { return std::make_shared<TarnOpaqueDataPort>(""); });
 const NSClassRegistration gradientClass("TarnGradient", "VRTGradient", [] { return std::make_shared<TarnGradient>(); });
 const NSClassRegistration histogramClass("TarnHistogram", "VRTHistogram",
                                          [] { return std::make_shared<TarnHistogram>(); });
