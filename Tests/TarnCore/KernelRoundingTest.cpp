@@ -1,0 +1,124 @@
+#include "TarnCore/TCPixel.h"
+#include "Tests/TarnCore/KernelTesting.h"
+
+#include <bit>
+#include <cmath>
+#include <numeric>
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "Tests/TarnCore/KernelRoundingTest.cpp"
+#include <hwy/foreach_target.h>
+// After foreach_target.h:
+#include <hwy/highway.h>
+
+#include "TarnCore/kernels/Rounding-inl.h"
+
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic ignored "-Wuninitialized"  // the compiler's own AVX-512 header
+#endif
+
+// The rounding of vectors against the pixel types' own, in double precision.
+
+HWY_BEFORE_NAMESPACE();
+namespace vorto::kernels::HWY_NAMESPACE {
+
+// Rounds scale x v for 16 consecutive patterns from `first` on, as the kernels do.
+void roundPatterns(std::uint32_t first, float scale, std::int32_t* out) {
+  float in[16];
+  for (std::uint32_t i = 0; i < 16; ++i) in[i] = std::bit_cast<float>(first + i);
+#if VORTO_BLOCK_OPS
+  const BlockFloats d;
+  for (std::size_t i = 0; i < 16; i += hn::Lanes(d)) {
+    const auto v = hn::LoadU(d, in + i);
+    const auto product = hn::Min(hn::Mul(hn::Set(d, scale), v), hn::Set(d, 0x1p24f));
+    hn::StoreU(biasedFloor(product), BlockWide(), out + i);
+  }
+#else
+  for (int i = 0; i < 16; ++i) {
+    out[i] = scale == 255 ? denormalizef<std::uint8_t>(in[i]) : denormalizef<std::uint16_t>(in[i]);
+  }
+#endif
+}
+
+// Reads every stored value as the kernels do.
+void normalizeEvery(float* bytes, float* words) {
+#if VORTO_BLOCK_OPS
+  const BlockFloats d;
+  std::vector<std::int32_t> values(65536);
+  std::iota(values.begin(), values.end(), 0);
+  for (std::size_t i = 0; i < 65536; i += hn::Lanes(d)) {
+    const auto v = hn::LoadU(BlockWide(), values.data() + i);
+    hn::StoreU(normalizedWords(v), d, words + i);
+    if (i < 256) hn::StoreU(normalizedBytes(v), d, bytes + i);
+  }
+#else
+  for (int i = 0; i < 65536; ++i) words[i] = static_cast<float>(i * 1.5259021896696422e-5);
+  for (int i = 0; i < 256; ++i) bytes[i] = static_cast<float>(i * 0.00392156862745098);
+#endif
+}
+
+}  // namespace vorto::kernels::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace vorto::kernels {
+
+HWY_EXPORT(roundPatterns);
+HWY_EXPORT(normalizeEvery);
+
+namespace {
+
+using kerneltesting::onEveryTarget;
+
+// 16 patterns from `first` on. NaN is not for vectors.
+void comparePatterns(std::uint32_t first) {
+  if (std::isnan(std::bit_cast<float>(first | 15))) return;
+  std::int32_t bytes[16];
+  std::int32_t words[16];
+  HWY_DYNAMIC_DISPATCH(roundPatterns)(first, 255.0f, bytes);
+  HWY_DYNAMIC_DISPATCH(roundPatterns)(first, 65535.0f, words);
+  for (std::uint32_t i = 0; i < 16; ++i) {
+    const float v = std::bit_cast<float>(first + i);
+    ASSERT_EQ(std::clamp(bytes[i], 0, 255), denormalizef<std::uint8_t>(v)) << std::hex << first + i;
+    ASSERT_EQ(std::clamp(words[i], 0, 65535), denormalizef<std::uint16_t>(v)) << std::hex << first + i;
+  }
+}
+
+TEST(KernelRounding, AroundEveryHalfAndEveryExponent) {
+  onEveryTarget([] {
+    for (const int largest : {255, 65535}) {
+      for (int halves = 0; halves <= 2 * largest + 2; ++halves) {
+        const float v = static_cast<float>(halves) / 2 / static_cast<float>(largest);
+        const std::uint32_t bits = std::bit_cast<std::uint32_t>(v);
+        comparePatterns(bits < 8 ? 0 : bits - 8);
+        if (::testing::Test::HasFatalFailure()) return;
+      }
+    }
+    for (std::uint32_t bits = 0; bits < 0xFFFF0000u; bits += 0x00010010u) {
+      comparePatterns(bits);
+      if (::testing::Test::HasFatalFailure()) return;
+    }
+  });
+}
+
+// Takes minutes: run when the rounding changes, with --gtest_also_run_disabled_tests.
+TEST(KernelRounding, DISABLED_EveryFloatPattern) {
+  for (std::uint32_t block = 0; block < 1u << 28; ++block) {
+    comparePatterns(block << 4);
+    if (::testing::Test::HasFatalFailure()) return;
+  }
+}
+
+TEST(KernelRounding, EveryStoredValueReadsAsTheProductInDoublePrecision) {
+  onEveryTarget([] {
+    std::vector<float> bytes(256);
+    std::vector<float> words(65536);
+    HWY_DYNAMIC_DISPATCH(normalizeEvery)(bytes.data(), words.data());
+    for (int i = 0; i < 256; ++i) ASSERT_EQ(bytes[i], static_cast<float>(i * 0.00392156862745098));
+    for (int i = 0; i < 65536; ++i) ASSERT_EQ(words[i], static_cast<float>(i * 1.5259021896696422e-5));
+  });
+}
+
+}  // namespace
+}  // namespace vorto::kernels
+#endif
