@@ -49,12 +49,12 @@ TEST(Bitmap, ReservesTheStatedSizes) {
       {1, 1, 0, 4096},          {100, 100, 0, 45056},  {256, 200, 0, 233472},
       {1920, 1080, 0, 8327168}, {720, 486, 2, 708608}, {0, 0, 0, 4096},
       {768, 1, 0, 8192},        {767, 1, 0, 4096},     {50944, 1, 0, 208896},
-      {50945, 1, 0, 233472},    {50688, 1, 9, 851968}, {0x40000000, 4, 0, 4096}};  // the last one's bytes wrap to none
+      {50945, 1, 0, 233472},    {50688, 1, 9, 823296}, {0x40000000, 4, 0, 4096}};  // the last one's bytes wrap to none
   for (const auto& c : cases) {
     const Bitmap bitmap = made(c.width, c.height, c.code);
     EXPECT_EQ(bitmap->allocSize, c.size) << c.width << " x " << c.height;
     ASSERT_NE(bitmap->data, nullptr);
-    bitmap->data[0] = bitmap->data[c.size - 1] = 1;
+    bitmap->data[0] = bitmap->data[bitmap->allocSize - 1] = 1;
   }
   // The bits are divided before the channels multiply, and padding counts in bytes.
   EXPECT_EQ(VortoBitmap(1001, 7, 12, 4, 77, 5).allocSize, ((1001 * 12 / 8 * 4 + 5) * 7 + 1024) / 4096 * 4096 + 4096);
