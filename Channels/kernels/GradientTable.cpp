@@ -28,8 +28,9 @@ using Words = hn::ScalableTag<std::uint32_t>;
 
 constexpr std::size_t kLanes = hn::MaxLanes(Doubles());
 constexpr std::size_t kVectorsAtOnce = 4;  // hides the latency of the solver's chain of dependent steps
-constexpr std::uint32_t kBlock = 256;
+constexpr std::uint32_t kBlock = 1024;
 constexpr std::size_t kPadding = kVectorsAtOnce * kLanes;
+static_assert(kPadding % hn::MaxLanes(Words()) == 0);  // planes begin aligned
 
 struct Planes {
   HWY_ALIGN std::uint32_t words[4][kBlock + kPadding];
