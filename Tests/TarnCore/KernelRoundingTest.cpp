@@ -14,7 +14,9 @@
 #include "TarnCore/kernels/Rounding-inl.h"
 
 #if defined(__GNUC__) && !defined(__clang__)
-#pragma GCC diagnostic ignored "-Wuninitialized"  // the compiler's own AVX-512 header
+// The compiler's own AVX-512 header.
+#pragma GCC diagnostic ignored "-Wuninitialized"
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
 #endif
 
 // The rounding of vectors against the pixel types' own, in double precision.
