@@ -10,6 +10,8 @@
 #include "Platform/QuartzComposer/QCPatch.h"
 
 #include <algorithm>
+#include <cmath>
+#include <vector>
 
 namespace host {
 namespace {
@@ -28,13 +30,19 @@ std::optional<PropertyList> defaultOf(const QCPort& port) {
   }
 }
 
+// "#rrggbb" or "#rrggbbaa" for what bytes can say, otherwise the numbers.
 std::string colorText(const PropertyList& color) {
-  std::string text;
+  std::vector<std::uint8_t> bytes;
+  std::string numbers;
   for (const PropertyList& component : color.items()) {
-    if (!text.empty()) text += ',';
-    text += numberText(component.doubleValue());
+    const double value = component.doubleValue();
+    const double byte = std::round(std::clamp(value, 0.0, 1.0) * 255);
+    if (byte / 255 == value) bytes.push_back(static_cast<std::uint8_t>(byte));
+    numbers += (numbers.empty() ? "" : ",") + numberText(value);
   }
-  return text;
+  if (bytes.size() != 4) return numbers;
+  if (bytes[3] == 255) bytes.pop_back();
+  return '#' + hexadecimal(bytes);
 }
 
 std::string defaultText(const QCPort& port) {

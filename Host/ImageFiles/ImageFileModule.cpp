@@ -5,6 +5,7 @@
 #include "Host/ImageFiles/Writing.h"
 #include "Platform/Visibility.h"
 
+#include <OpenImageIO/imageio.h>
 #include <exception>
 #include <new>
 
@@ -26,6 +27,8 @@ bool guarded(std::string* reason, Step step) {
 
 class OpenImageIOModule : public ImageFileModule {
  public:
+  OpenImageIOModule() { OIIO::attribute("debug", 0); }  // no remarks on standard error: failures have a reason
+
   bool read(std::span<const std::uint8_t> file, std::uint64_t maximumBytes, ImagePixels* image,
             std::string* reason) override {
     return guarded(reason, [&] { return readImage(file, maximumBytes, image, reason); });

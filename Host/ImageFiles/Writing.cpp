@@ -33,6 +33,9 @@ const char* libraryName(FileFormat format) {
 }
 
 void setFormatAttributes(FileFormat format, OIIO::ImageSpec* spec) {
+  // The library stamps TIFF and EXR files with the time unless they have one. One that is no text is not written: equal
+  // pictures make equal files.
+  spec->attribute("DateTime", 0);
   switch (format) {
     case FileFormat::Png:
       spec->attribute("oiio:UnassociatedAlpha", 1);

@@ -1,0 +1,6 @@
+#pragma once
+
+#include <string>
+
+// Whether a text is one JSON value and nothing else.
+bool isJson(const std::string& text);

@@ -1,0 +1,220 @@
+#include "Tests/Host/Program.h"
+#include "Tests/Host/TestImages.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+// What goes into a file comes out of it again, at every depth, and in the terms of the contract: premultiplied, first
+// row on top.
+
+namespace {
+
+struct RoundTrip {
+  const char* name;
+  int bits;             // of the first file
+  bool halves;          // its floats are halves
+  const char* between;  // the file that the picture takes its way through
+  const char* depth;    // asked for; empty for the input's
+};
+
+class LosslessRoundTrip : public testing::TestWithParam<RoundTrip> {};
+
+}  // namespace
+
+TEST_P(LosslessRoundTrip, GivesTheSamePixels) {
+  const RoundTrip& way = GetParam();
+  const TemporaryFolder folder;
+  const std::string first = folder.path() + "/first.tif";
+  const std::string between = folder.path() + "/between." + way.between;
+  const std::string last = folder.path() + "/last.tif";
+  const TestImage image = variedImage(37, 23, way.bits, way.halves);
+  writeTiff(first, image);
+  std::vector<std::string> depth;
+  if (*way.depth) depth = {"--depth", way.depth};
+  passThrough(first, between, depth);
+  passThrough(
+      between, last,
+      way.bits == 32 ? std::vector<std::string>{} : std::vector<std::string>{"--depth", std::to_string(way.bits)});
+  EXPECT_EQ(readTiff(last), image);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Formats, LosslessRoundTrip,
+    testing::Values(RoundTrip{"Png8", 8, false, "png", ""}, RoundTrip{"Png16", 16, false, "png", ""},
+                    RoundTrip{"Tiff8", 8, false, "tiff", ""}, RoundTrip{"Tiff16", 16, false, "TIF", ""},
+                    RoundTrip{"TiffFloat", 32, false, "tif", ""}, RoundTrip{"ExrFloat", 32, false, "exr", ""},
+                    RoundTrip{"ExrHalf", 32, true, "exr", "half"}, RoundTrip{"ExrFrom8", 8, false, "exr", ""},
+                    RoundTrip{"ExrFrom16", 16, false, "exr", ""}, RoundTrip{"Png16From8", 8, false, "png", "16"},
+                    RoundTrip{"TiffFloatFrom16", 16, false, "tif", "float"}),
+    [](const auto& row) { return std::string(row.param.name); });
+
+TEST(Depth, FollowsTheInputAndTheFormat) {
+  const TemporaryFolder folder;
+  const auto bitsAfter = [&](const std::string& between, int bits, const std::vector<std::string>& arguments) {
+    writeTiff(folder.path() + "/in.tif", variedImage(4, 3, bits));
+    passThrough(folder.path() + "/in.tif", folder.path() + between, arguments);
+    passThrough(folder.path() + between, folder.path() + "/out.tif");
+    return readTiff(folder.path() + "/out.tif").bits;
+  };
+  EXPECT_EQ(bitsAfter("/a.png", 8, {}), 8);
+  EXPECT_EQ(bitsAfter("/a.png", 16, {}), 16);
+  EXPECT_EQ(bitsAfter("/a.png", 32, {}), 16);
+  EXPECT_EQ(bitsAfter("/a.jpg", 32, {}), 8);
+  EXPECT_EQ(bitsAfter("/a.exr", 8, {}), 32);
+  EXPECT_EQ(bitsAfter("/a.tif", 32, {"--depth", "8"}), 8);
+  EXPECT_EQ(bitsAfter("/a.tif", 8, {"--depth", "half"}), 32);
+}
+
+TEST(Depth, NarrowingRoundsToTheNearest) {
+  const TemporaryFolder folder;
+  TestImage image = opaque(TestImage{4, 1, 16, std::vector<double>(16, 0)});
+  const double values[] = {0, 128, 129, 32767, 32768, 65406, 65407, 65535, 257, 385, 386, 25700};
+  const double expected[] = {0, 0, 1, 127, 128, 254, 255, 255, 1, 1, 2, 100};
+  for (std::size_t i = 0; i < 12; ++i) image.samples[i / 3 * 4 + i % 3] = values[i];
+  writeTiff(folder.path() + "/in.tif", image);
+  passThrough(folder.path() + "/in.tif", folder.path() + "/out.tif", {"--depth", "8"});
+  const TestImage out = readTiff(folder.path() + "/out.tif");
+  for (std::size_t i = 0; i < 12; ++i) EXPECT_EQ(out.samples.at(i / 3 * 4 + i % 3), expected[i]) << values[i];
+}
+
+TEST(Depth, FloatsAreCutToTheRangeOfIntegers) {
+  const TemporaryFolder folder;
+  TestImage image{2, 1, 32, {-0.5, 1.5, NAN, 1, INFINITY, 0.5, -INFINITY, 1}};
+  writeTiff(folder.path() + "/in.tif", image);
+  passThrough(folder.path() + "/in.tif", folder.path() + "/out.tif", {"--depth", "16"});
+  const std::vector<double> expected{0, 65535, 0, 65535, 65535, 32768, 0, 65535};
+  EXPECT_EQ(readTiff(folder.path() + "/out.tif").samples, expected);
+}
+
+TEST(Alpha, StraightFilesAreMultiplied) {
+  const TemporaryFolder folder;
+  // Straight pixels: opaque, transparent with a color, and two between.
+  const TestImage straight{4, 1, 8, {200, 100, 7, 255, 200, 100, 7, 0, 255, 128, 1, 128, 200, 100, 50, 51}};
+  const std::vector<double> expected{200, 100, 7, 255, 0, 0, 0, 0, 128, 64, 1, 128, 40, 20, 10, 51};
+  writePng(folder.path() + "/in.png", straight);
+  passThrough(folder.path() + "/in.png", folder.path() + "/png.tif");
+  EXPECT_EQ(readTiff(folder.path() + "/png.tif").samples, expected);
+  writeTiff(folder.path() + "/in.tif", straight, TiffAlpha::Straight);
+  passThrough(folder.path() + "/in.tif", folder.path() + "/tiff.tif");
+  EXPECT_EQ(readTiff(folder.path() + "/tiff.tif").samples, expected);
+}
+
+TEST(Alpha, JpegShowsThePictureOverBlack) {
+  const TemporaryFolder folder;
+  TestImage image{16, 16, 8, {}};
+  for (int i = 0; i < 256; ++i) image.samples.insert(image.samples.end(), {60, 60, 60, 128});
+  writeTiff(folder.path() + "/in.tif", image);
+  passThrough(folder.path() + "/in.tif", folder.path() + "/out.jpg");
+  passThrough(folder.path() + "/out.jpg", folder.path() + "/out.tif");
+  for (const auto value : readTiff(folder.path() + "/out.tif").pixel(8, 8))
+    EXPECT_TRUE(value == 255 || std::abs(value - 60) <= 2) << value;
+}
+
+TEST(Orientation, PicturesAreReadUpright) {
+  const TemporaryFolder folder;
+  // Stored as rows "12", "34", "56"; what each tag makes of them.
+  const struct {
+    int tag;
+    std::uint32_t width;
+    std::vector<double> upright;
+  } rows[] = {{1, 2, {1, 2, 3, 4, 5, 6}}, {2, 2, {2, 1, 4, 3, 6, 5}}, {3, 2, {6, 5, 4, 3, 2, 1}},
+              {4, 2, {5, 6, 3, 4, 1, 2}}, {5, 3, {1, 3, 5, 2, 4, 6}}, {6, 3, {5, 3, 1, 6, 4, 2}},
+              {7, 3, {6, 4, 2, 5, 3, 1}}, {8, 3, {2, 4, 6, 1, 3, 5}}};
+  TestImage stored{2, 3, 8, {}};
+  for (int i = 1; i <= 6; ++i) stored.samples.insert(stored.samples.end(), {double(i), 0, 0, 255});
+  for (const auto& row : rows) {
+    writeTiff(folder.path() + "/in.tif", stored, TiffAlpha::Premultiplied, row.tag);
+    passThrough(folder.path() + "/in.tif", folder.path() + "/out.tif");
+    const TestImage out = readTiff(folder.path() + "/out.tif");
+    EXPECT_EQ(out.width, row.width) << row.tag;
+    std::vector<double> reds;
+    for (std::size_t i = 0; i < out.samples.size(); i += 4) reds.push_back(out.samples[i]);
+    EXPECT_EQ(reds, row.upright) << row.tag;
+  }
+}
+
+TEST(Size, ScalesByNearestNeighbour) {
+  const TemporaryFolder folder;
+  const TestImage image = variedImage(5, 3, 16);
+  writeTiff(folder.path() + "/in.tif", image);
+  passThrough(folder.path() + "/in.tif", folder.path() + "/out.tif", {"--size", "7x2"});
+  const TestImage out = readTiff(folder.path() + "/out.tif");
+  ASSERT_EQ(out.width, 7u);
+  ASSERT_EQ(out.height, 2u);
+  for (std::uint32_t y = 0; y < 2; ++y) {
+    for (std::uint32_t x = 0; x < 7; ++x) {
+      EXPECT_EQ(out.pixel(x, y), image.pixel(x * 5 / 7, y * 3 / 2)) << x << ' ' << y;
+    }
+  }
+}
+
+TEST(Render, EveryKindOfEffectMakesAPicture) {
+  const TemporaryFolder folder;
+  const std::string coffee = VORTO_PHOTOS "/coffee.png";
+  const std::string rocket = VORTO_PHOTOS "/rocket.jpg";
+  const std::string out = folder.path() + "/out.tif";
+  for (const std::string depth : {"8", "16", "half", "float"}) {
+    const int bits = depth == "8" ? 8 : depth == "16" ? 16 : 32;
+    const std::vector<std::vector<std::string>> commands = {
+        {"Gradient Map", "--input", coffee, "--size", "60x40"},
+        {"Levels", "--input", coffee, "--size", "60x40"},
+        {"Duotone", "--input", rocket, "--size", "60x40"},
+        {"Over", "--input", coffee, rocket, "--size", "60x40"},
+        {"Multiply", "--input", coffee, rocket, "--size", "60x40"},
+        {"Dissolve", "--input", coffee, "--input", rocket, "--size", "60x40", "--time", "0.25"},
+        {"Gradient Wipe", "--input", coffee, rocket, "--size", "60x40", "--time", "0.5"},
+        {"Gradient Ramp", "--size", "60x40"},
+        {"Checkerboard", "--size", "60x40"}};
+    for (std::vector<std::string> command : commands) {
+      command.insert(command.begin(), "render");
+      command.insert(command.end(), {"--output", out, "--depth", depth});
+      vortoSucceeds(command);
+      const TestImage image = readTiff(out);
+      EXPECT_EQ(image.width, 60u) << command[1];
+      EXPECT_EQ(image.height, 40u) << command[1];
+      EXPECT_EQ(image.bits, bits) << command[1];
+    }
+  }
+}
+
+TEST(Render, InputsKeepTheirRoles) {
+  const TemporaryFolder folder;
+  const std::string red = folder.path() + "/red.tif";
+  const std::string blue = folder.path() + "/blue.tif";
+  const std::string out = folder.path() + "/out.tif";
+  writeTiff(red, TestImage{1, 1, 8, {255, 0, 0, 255}});
+  writeTiff(blue, TestImage{1, 1, 8, {0, 0, 255, 255}});
+  const auto firstPixel = [&](std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), "render");
+    arguments.insert(arguments.end(), {"--output", out});
+    vortoSucceeds(arguments);
+    return readTiff(out).pixel(0, 0);
+  };
+  const std::array<double, 4> isRed{255, 0, 0, 255};
+  const std::array<double, 4> isBlue{0, 0, 255, 255};
+  EXPECT_EQ(firstPixel({"Over", "--input", red, blue}), isBlue) << "the background comes first";
+  EXPECT_EQ(firstPixel({"Dissolve", "--input", red, blue, "--time", "0"}), isRed);
+  EXPECT_EQ(firstPixel({"Dissolve", "--input", red, blue, "--time", "1"}), isBlue);
+}
+
+TEST(Render, ValuesReachThePorts) {
+  const TemporaryFolder folder;
+  const std::string out = folder.path() + "/out.tif";
+  const auto corner = [&](const std::vector<std::string>& settings) {
+    std::vector<std::string> arguments{"render", "Checkerboard", "--size", "4x4", "--output", out};
+    for (const std::string& setting : settings) arguments.insert(arguments.end(), {"--set", setting});
+    vortoSucceeds(arguments);
+    return readTiff(out);
+  };
+  const std::array<double, 4> color{0x10, 0x80, 0xFF, 255};
+  EXPECT_EQ(corner({"inputColorA=#1080ff"}).pixel(0, 0), color) << "by key";
+  EXPECT_EQ(corner({"First Color=#1080FF"}).pixel(0, 0), color) << "by name";
+  EXPECT_EQ(corner({"colora=#1080ffff"}).pixel(0, 0), color) << "by key without input";
+  const std::array<double, 4> halfRed{128, 0, 0, 128};
+  EXPECT_EQ(corner({"inputColorA=1,0,0,0.5"}).pixel(0, 0), halfRed) << "premultiplied";
+  EXPECT_EQ(corner({"inputColorA=#1080ff", "inputCellSize=2"}).pixel(2, 2), color);
+  EXPECT_NE(corner({"inputColorA=#1080ff", "inputCellSize=2"}).pixel(2, 0), color);
+  EXPECT_EQ(corner({"inputDepth=16-bit"}).bits, 16) << "by the menu's name";
+  EXPECT_EQ(corner({"inputDepth=2"}).bits, 32) << "by number";
+}

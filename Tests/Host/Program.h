@@ -1,0 +1,31 @@
+#pragma once
+
+#include "Tests/Support/ChildProcess.h"
+
+#include <string>
+#include <vector>
+
+// What a run of the program left behind.
+struct ProgramRun {
+  int exitCode = -1;  // 128 + N when a signal N ended it
+  std::string out;
+  std::string err;
+};
+
+struct RunOptions {
+  std::vector<std::string> environment;  // "NAME=value", added to the bare one
+  unsigned long fileSizeLimit = 0;       // bytes; 0 for none
+};
+
+// Runs the built vorto with the arguments, in an environment of nothing but a home folder of its own and the locale,
+// and waits for it.
+ProgramRun vorto(const std::vector<std::string>& arguments, const RunOptions& options = {});
+
+// The same, and fails the test when the program does.
+ProgramRun vortoSucceeds(const std::vector<std::string>& arguments, const RunOptions& options = {});
+
+// "Levels", which changes nothing unless told to: INPUT to OUTPUT with more arguments.
+void passThrough(const std::string& input, const std::string& output, const std::vector<std::string>& arguments = {});
+
+std::string readFile(const std::string& path);
+void writeFile(const std::string& path, const std::string& bytes);
