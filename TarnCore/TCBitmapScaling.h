@@ -4,8 +4,8 @@
 
 // Nearest-neighbour scaling over the typed views. Destination column i takes source column floor(i x source width /
 // destination width + 1e-7), and rows alike. Row padding is ignored on both sides. Nothing is read or written outside
-// either allocation; a null or empty bitmap is left alone. The views need only have the layout that is named: a bitmap of
-// another one is read as if it had it, up to its end.
+// either allocation; a null or empty bitmap is left alone. The views need only have the layout that is named: a bitmap
+// of another one is read as if it had it, up to its end.
 
 // Copies stored pixels unchanged; 4:2:2 pixels too, whichever of U and V they hold.
 // One for each typed view: RGBA8, ARGB8, YUV8, RGBA16, RGB16, LuminanceAlpha16, Luminance16, RGBAHalfFloat, RGBAFloat.

@@ -37,7 +37,7 @@ class VortoSymbolTable::Module {
   // `address` counts from the module's load address.
   std::optional<Symbol> find(std::uintptr_t address) const {
     for (std::size_t i = 0; i < symbolCount_; ++i) {
-      ElfW(Sym) symbol;
+      ElfW(Sym) symbol{};
       read(symbols_ + i * sizeof symbol, symbol);
       const bool isFunction = (symbol.st_info & 0xF) == STT_FUNC && symbol.st_shndx != SHN_UNDEF;
       if (isFunction && address >= symbol.st_value && address - symbol.st_value < symbol.st_size) {

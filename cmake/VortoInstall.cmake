@@ -18,6 +18,11 @@ foreach(folder Platform TarnCore Channels Ports Registry)
   endforeach()
 endforeach()
 
+# The framework's own bundle lies beside the library in the build tree and in share/vorto once installed.
+file(COPY ${CMAKE_SOURCE_DIR}/Resources/Info.plist DESTINATION ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/Vorto.bundle/Contents)
+install(FILES ${CMAKE_SOURCE_DIR}/Resources/Info.plist
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/vorto/Vorto.bundle/Contents)
+
 configure_package_config_file(${CMAKE_SOURCE_DIR}/cmake/VortoConfig.cmake.in ${CMAKE_BINARY_DIR}/VortoConfig.cmake
                               INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Vorto
                               PATH_VARS CMAKE_INSTALL_LIBDIR)
