@@ -98,6 +98,7 @@ void cropYUVRow(VortoBitmap& destination, std::uint64_t to, const VortoBitmap& s
   const std::uint64_t wanted = destination.width - missing;
   const std::size_t count = std::min(vorto::recordsWithin(destination, to + missing * step, wanted, step, 4),
                                      vorto::recordsWithin(source, begin, wanted, 2, 2));
+  if (count == 0) return;
   convertLaggingYUVtoARGB(destination.data + to + missing * step, step, source.data + begin, isOdd, count);
 }
 

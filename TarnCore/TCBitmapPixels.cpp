@@ -181,6 +181,7 @@ void VortoBitmap::flip() {
   if (stride == 0) return;
   for (std::uint64_t top = 0; top < height / 2 && top * stride < accessibleBytes(); ++top) {
     const std::uint64_t bottom = (height - 1 - top) * stride;
-    swapBytes(data + top * stride, data + bottom, vorto::bytesWithin(*this, bottom, stride));
+    const std::size_t bytes = vorto::bytesWithin(*this, bottom, stride);
+    if (bytes > 0) swapBytes(data + top * stride, data + bottom, bytes);
   }
 }
