@@ -5,18 +5,24 @@
 #include "Ports/VRTObjects.h"
 #include "Ports/VRTPorts.h"
 
+#include <vector>
+
 namespace vorto::effects {
 namespace {
 
-template <class Layout, class Table>
-void mapRows(const VortoBitmap& in, VortoBitmap& out, const Table& table) {
+template <class Layout>
+void mapRows(const VortoBitmap& in, VortoBitmap& out,
+             const std::vector<GradientEntry<typename Layout::Channel>>& table) {
   using Channel = typename Layout::Channel;
+  const auto opaque = laidTable<Layout>(table);
   for (std::size_t y = 0; y < in.height; ++y) {
-    if constexpr (std::is_same_v<Layout, RGBAFloat>) {
-      gradientMapFloatRow(rowOf<Channel>(in, y), rowOf<Channel>(out, y), in.width, table.data());
-    } else {
-      gradientMapRow<Layout>(rowOf<Channel>(in, y), rowOf<Channel>(out, y), in.width, table.data());
-    }
+    gradientMapRow<Layout>(rowOf<Channel>(in, y), rowOf<Channel>(out, y), in.width, table.data(), opaque.data());
+  }
+}
+
+void mapFloatRows(const VortoBitmap& in, VortoBitmap& out, const std::vector<GradientEntry<float>>& table) {
+  for (std::size_t y = 0; y < in.height; ++y) {
+    gradientMapFloatRow(rowOf<float>(in, y), rowOf<float>(out, y), in.width, table.data());
   }
 }
 
@@ -46,7 +52,7 @@ class GradientMapPatch : public EffectPatch {
     withLayout(in->formatCode, [&](auto layout) {
       using Layout = decltype(layout);
       if constexpr (std::is_same_v<Layout, RGBAFloat>) {
-        mapRows<Layout>(*in, *out, floatGradientTable(*gradient));
+        mapFloatRows(*in, *out, floatGradientTable(*gradient));
       } else if constexpr (std::is_same_v<Layout, RGBA16>) {
         mapRows<Layout>(*in, *out, roundedGradientTable<std::uint16_t>(*gradient));
       } else {

@@ -28,13 +28,13 @@ std::size_t straightLuma(std::uint32_t sum, Channel alpha) {
 
 template <class Layout>
 void gradientMapRow(const typename Layout::Channel* in, typename Layout::Channel* out, std::size_t count,
-                    const GradientEntry<typename Layout::Channel>* table) {
+                    const GradientEntry<typename Layout::Channel>* table, const LaidPixel<Layout>* opaque) {
   using Channel = typename Layout::Channel;
   for (std::size_t i = 0; i < count; ++i, in += Layout::channels, out += Layout::channels) {
     const Channel alpha = in[Layout::alpha];
     const std::uint32_t sum = weightedSum<Layout>(in);
     if (alpha == full<Channel>) {
-      storeEntry<Layout>(table[(sum + 32768) >> 16], alpha, out);
+      std::copy_n(opaque[(sum + 32768) >> 16].data(), Layout::channels, out);
     } else if (alpha != 0) {
       storeEntry<Layout>(table[straightLuma(sum, alpha)], alpha, out);
     } else {
@@ -43,12 +43,12 @@ void gradientMapRow(const typename Layout::Channel* in, typename Layout::Channel
   }
 }
 
-template void gradientMapRow<RGBA8>(const std::uint8_t*, std::uint8_t*, std::size_t,
-                                    const GradientEntry<std::uint8_t>*);
-template void gradientMapRow<ARGB8>(const std::uint8_t*, std::uint8_t*, std::size_t,
-                                    const GradientEntry<std::uint8_t>*);
+template void gradientMapRow<RGBA8>(const std::uint8_t*, std::uint8_t*, std::size_t, const GradientEntry<std::uint8_t>*,
+                                    const LaidPixel<RGBA8>*);
+template void gradientMapRow<ARGB8>(const std::uint8_t*, std::uint8_t*, std::size_t, const GradientEntry<std::uint8_t>*,
+                                    const LaidPixel<ARGB8>*);
 template void gradientMapRow<RGBA16>(const std::uint16_t*, std::uint16_t*, std::size_t,
-                                     const GradientEntry<std::uint16_t>*);
+                                     const GradientEntry<std::uint16_t>*, const LaidPixel<RGBA16>*);
 
 void gradientMapFloatRow(const float* in, float* out, std::size_t count, const GradientEntry<float>* table) {
   for (std::size_t i = 0; i < count; ++i, in += RGBAFloat::channels, out += RGBAFloat::channels) {

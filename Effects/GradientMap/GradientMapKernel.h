@@ -12,10 +12,10 @@
 // a luma that is NaN takes the gradient's first color.
 namespace vorto::effects {
 
-// table: one entry per value of a channel, 256 or 65536.
+// table: one entry per value of a channel, 256 or 65536; opaque: the same laid as opaque pixels.
 template <class Layout>
 void gradientMapRow(const typename Layout::Channel* in, typename Layout::Channel* out, std::size_t count,
-                    const GradientEntry<typename Layout::Channel>* table);
+                    const GradientEntry<typename Layout::Channel>* table, const LaidPixel<Layout>* opaque);
 
 // table: gradientSteps + 1 entries; positions between entries are interpolated.
 void gradientMapFloatRow(const float* in, float* out, std::size_t count, const GradientEntry<float>* table);

@@ -6,18 +6,39 @@
 #include "Ports/VRTObjects.h"
 #include "Ports/VRTPorts.h"
 
-#include <vector>
+#include <cstring>
 
 namespace vorto::effects {
 namespace {
 
-template <class Layout, class Table>
-void fillRows(const Ramp& ramp, VortoBitmap& out, const Table& table) {
-  using Channel = typename Layout::Channel;
+// fillRow(y) fills a row; the rows of a ramp that runs along them are all alike.
+template <class FillRow>
+void fillRows(const Ramp& ramp, VortoBitmap& out, FillRow fillRow) {
   for (std::size_t y = 0; y < out.height; ++y) {
+    if (y > 0 && ramp.perRow == 0) {
+      std::memcpy(rowOf<std::uint8_t>(out, y), rowOf<std::uint8_t>(out, 0), rowBytes(out));
+    } else {
+      fillRow(y);
+    }
+  }
+}
+
+template <class Layout>
+void fillByNearest(const Ramp& ramp, VortoBitmap& out, const VRTGradient& gradient) {
+  using Channel = typename Layout::Channel;
+  const auto table = laidTable<Layout>(roundedGradientTable<Channel>(gradient));
+  fillRows(ramp, out, [&](std::size_t y) {
     gradientRampRow<Layout>(ramp.rowStart(static_cast<double>(y)), ramp.perColumn, rowOf<Channel>(out, y), out.width,
                             table.data());
-  }
+  });
+}
+
+void fillFloats(const Ramp& ramp, VortoBitmap& out, const VRTGradient& gradient) {
+  const auto table = floatGradientTable(gradient);
+  fillRows(ramp, out, [&](std::size_t y) {
+    gradientRampFloatRow(ramp.rowStart(static_cast<double>(y)), ramp.perColumn, rowOf<float>(out, y), out.width,
+                         table.data());
+  });
 }
 
 // The points are in fractions of the image's width and height, from the upper left corner.
@@ -45,11 +66,11 @@ class GradientRampPatch : public GeneratorPatch {
         finiteOr(startX_->doubleValue(), 0) * out.width, finiteOr(startY_->doubleValue(), 0.5) * out.height,
         finiteOr(endX_->doubleValue(), 1) * out.width, finiteOr(endY_->doubleValue(), 0.5) * out.height);
     if (out.formatCode == formatRGBA8) {
-      fillRows<RGBA8>(ramp, out, roundedGradientTable<std::uint8_t>(*gradient));
+      fillByNearest<RGBA8>(ramp, out, *gradient);
     } else if (out.formatCode == formatRGBA16) {
-      fillRows<RGBA16>(ramp, out, roundedGradientTable<std::uint16_t>(*gradient));
+      fillByNearest<RGBA16>(ramp, out, *gradient);
     } else {
-      fillRows<RGBAFloat>(ramp, out, floatGradientTable(*gradient));
+      fillFloats(ramp, out, *gradient);
     }
   }
 

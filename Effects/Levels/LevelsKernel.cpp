@@ -15,6 +15,13 @@ void levelsRow(const typename Layout::Channel* in, typename Layout::Channel* out
     Channel red = in[Layout::red];
     Channel green = in[Layout::green];
     Channel blue = in[Layout::blue];
+    if (alpha == full<Channel> && newAlpha == full<Channel>) {  // most pixels of most images
+      out[Layout::red] = tables.red[red];
+      out[Layout::green] = tables.green[green];
+      out[Layout::blue] = tables.blue[blue];
+      out[Layout::alpha] = newAlpha;
+      continue;
+    }
     if (alpha != 0 && alpha != full<Channel>) {
       red = straight(red, alpha);
       green = straight(green, alpha);

@@ -1,6 +1,7 @@
 #include "Effects/Multiply/MultiplyKernel.h"
 
 #include "Effects/Support/Arithmetic.h"
+#include "Effects/Support/Clones.h"
 #include "Effects/Support/PixelLayout.h"
 
 namespace vorto::effects {
@@ -23,8 +24,8 @@ Channel multiplied(Channel background, Channel foreground, Channel backgroundAlp
 }  // namespace
 
 template <class Layout>
-void multiplyRow(const typename Layout::Channel* background, const typename Layout::Channel* foreground,
-                 typename Layout::Channel* out, std::size_t count) {
+VORTO_CLONES void multiplyRow(const typename Layout::Channel* background, const typename Layout::Channel* foreground,
+                              typename Layout::Channel* out, std::size_t count) {
   for (std::size_t i = 0; i < count * Layout::channels; i += Layout::channels) {
     const auto backgroundAlpha = background[i + Layout::alpha];
     const auto foregroundAlpha = foreground[i + Layout::alpha];

@@ -1,6 +1,7 @@
 #include "Effects/Over/OverKernel.h"
 
 #include "Effects/Support/Arithmetic.h"
+#include "Effects/Support/Clones.h"
 #include "Effects/Support/PixelLayout.h"
 
 namespace vorto::effects {
@@ -19,8 +20,8 @@ Channel over(Channel background, Channel foreground, Channel uncovered) {
 }  // namespace
 
 template <class Layout>
-void overRow(const typename Layout::Channel* background, const typename Layout::Channel* foreground,
-             typename Layout::Channel* out, std::size_t count) {
+VORTO_CLONES void overRow(const typename Layout::Channel* background, const typename Layout::Channel* foreground,
+                          typename Layout::Channel* out, std::size_t count) {
   using Channel = typename Layout::Channel;
   constexpr Channel one = std::is_same_v<Channel, float> ? Channel{1} : std::numeric_limits<Channel>::max();
   for (std::size_t i = 0; i < count * Layout::channels; i += Layout::channels) {

@@ -42,9 +42,9 @@ Channel quantized(double value) {
   if constexpr (std::is_same_v<Channel, float>) {
     return static_cast<float>(value);
   } else {
-    const double scaled = std::floor(value * full<Channel> + 0.5 + 1e-7);
+    const double scaled = value * full<Channel> + 0.5 + 1e-7;
     if (!(scaled > 0)) return 0;
-    return static_cast<Channel>(std::min(scaled, static_cast<double>(full<Channel>)));
+    return static_cast<Channel>(std::min(scaled, static_cast<double>(full<Channel>)));  // truncates: it is positive
   }
 }
 

@@ -56,4 +56,17 @@ void storeEntry(const GradientEntry<Channel>& entry, Channel alpha, Channel* out
   out[Layout::blue] = product(entry.blue, coverage);
 }
 
+// The pixels of opaque images, ready to be copied.
+template <class Layout>
+using LaidPixel = std::array<typename Layout::Channel, Layout::channels>;
+
+template <class Layout, class Channel = typename Layout::Channel>
+std::vector<LaidPixel<Layout>> laidTable(const std::vector<GradientEntry<Channel>>& table) {
+  std::vector<LaidPixel<Layout>> pixels(table.size());
+  for (std::size_t i = 0; i < table.size(); ++i) {
+    storeEntry<Layout>(table[i], static_cast<Channel>(full<Channel>), pixels[i].data());
+  }
+  return pixels;
+}
+
 }  // namespace vorto::effects

@@ -1,14 +1,18 @@
 #include "Effects/Support/MixRow.h"
 
+#include "Effects/Support/Clones.h"
+
 namespace vorto::effects {
 
 template <class Channel>
-void mixRow(const Channel* a, const Channel* b, Channel* out, std::size_t count, MixWeight<Channel> weight) {
+VORTO_CLONES void mixRow(const Channel* a, const Channel* b, Channel* out, std::size_t count,
+                         MixWeight<Channel> weight) {
   for (std::size_t i = 0; i < count; ++i) out[i] = mixed(a[i], b[i], weight);
 }
 
 template <class Channel>
-void mixPixels(const Channel* a, const Channel* b, Channel* out, std::size_t count, const MixWeight<Channel>* weights) {
+VORTO_CLONES void mixPixels(const Channel* a, const Channel* b, Channel* out, std::size_t count,
+                            const MixWeight<Channel>* weights) {
   constexpr std::size_t channels = 4;
   for (std::size_t i = 0; i < count; ++i) {
     for (std::size_t c = channels * i; c < channels * i + channels; ++c) out[c] = mixed(a[c], b[c], weights[i]);

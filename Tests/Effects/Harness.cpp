@@ -1,0 +1,158 @@
+#include "Tests/Effects/Harness.h"
+
+#include "Platform/QuartzComposer/QCPatch.h"
+#include "Ports/VRTImage.h"
+#include "Ports/VRTObjects.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+namespace {
+
+std::uint8_t* channelAt(const VortoBitmap& bitmap, const Layout& layout, std::size_t x, std::size_t y, int place) {
+  const std::size_t index = (y * bitmap.width + x) * 4 + static_cast<std::size_t>(layout.places[place]);
+  return static_cast<std::uint8_t*>(bitmap.data) + index * layout.channelBytes;
+}
+
+double anyValue(const Layout& layout, std::mt19937& random) {
+  if (layout.code != 9) return static_cast<double>(random() % (static_cast<unsigned>(layout.full) + 1));
+  const float inf = std::numeric_limits<float>::infinity();
+  const float specials[] = {0, -0.0F, 1, -1, 2, inf, -inf, std::nanf(""), 1e38F, -1e38F, 1e-44F, 0.5F};
+  if (random() % 3 == 0) return specials[random() % std::size(specials)];
+  return static_cast<float>(random() % 4001) / 1000 - 1;
+}
+
+Values premultipliedValues(const Layout& layout, std::mt19937& random) {
+  const auto upTo = [&](double limit) {
+    return layout.code == 9 ? limit * (random() % 1001) / 1000 : static_cast<double>(random() % (unsigned(limit) + 1));
+  };
+  const double alpha = random() % 4 == 0 ? 0 : random() % 3 == 0 ? layout.full : upTo(layout.full);
+  return {upTo(alpha), upTo(alpha), upTo(alpha), alpha};
+}
+
+}  // namespace
+
+Values pixelAt(const VortoBitmap& bitmap, const Layout& layout, std::size_t x, std::size_t y) {
+  Values values{};
+  for (int i = 0; i < 4; ++i) {
+    const std::uint8_t* bytes = channelAt(bitmap, layout, x, y, i);
+    std::uint16_t word = 0;
+    float real = 0;
+    if (layout.channelBytes == 2) std::memcpy(&word, bytes, 2);
+    if (layout.channelBytes == 4) std::memcpy(&real, bytes, 4);
+    values[i] = layout.channelBytes == 1 ? *bytes : layout.channelBytes == 2 ? word : double{real};
+  }
+  return values;
+}
+
+void setPixel(VortoBitmap& bitmap, const Layout& layout, std::size_t x, std::size_t y, const Values& values) {
+  for (int i = 0; i < 4; ++i) {
+    std::uint8_t* bytes = channelAt(bitmap, layout, x, y, i);
+    if (layout.channelBytes == 1) {
+      *bytes = static_cast<std::uint8_t>(values[i]);
+    } else if (layout.channelBytes == 2) {
+      const auto word = static_cast<std::uint16_t>(values[i]);
+      std::memcpy(bytes, &word, 2);
+    } else {
+      const auto real = static_cast<float>(values[i]);
+      std::memcpy(bytes, &real, 4);
+    }
+  }
+}
+
+Bitmap makeImage(const Layout& layout, std::uint32_t width, std::uint32_t height) {
+  Bitmap bitmap(TCCreateBitmap(width, height, layout.code));
+  EXPECT_TRUE(bitmap && bitmap->data);
+  return bitmap;
+}
+
+Bitmap randomImage(const Layout& layout, std::uint32_t width, std::uint32_t height, Noise noise, unsigned seed) {
+  std::mt19937 random(seed);
+  Bitmap bitmap = makeImage(layout, width, height);
+  for (std::size_t y = 0; y < height; ++y) {
+    for (std::size_t x = 0; x < width; ++x) {
+      Values values = premultipliedValues(layout, random);
+      if (noise == Noise::Anything) {
+        for (double& value : values) value = anyValue(layout, random);
+      }
+      setPixel(*bitmap, layout, x, y, values);
+    }
+  }
+  return bitmap;
+}
+
+std::vector<std::uint8_t> pixelBytes(const VortoBitmap& bitmap) {
+  const auto* bytes = static_cast<const std::uint8_t*>(bitmap.data);
+  return {bytes, bytes + std::size_t{bitmap.width} * bitmap.height * bitmap.channels * (bitmap.bitsPerChannel / 8)};
+}
+
+GFNodeManager& effects() {
+  static const std::shared_ptr<GFNodeManager> manager = [] {
+    auto made = std::make_shared<GFNodeManager>();
+    made->initWithNamespace("effects under test");
+    made->loadPlugInsInFolder(VORTO_TEST_PLUGINS, {"plugin", "qtz"});
+    return made;
+  }();
+  return *manager;
+}
+
+std::shared_ptr<QCPatch> effectNamed(const std::string& name) {
+  auto patch = effects().nodeInstanceWithName(name);
+  if (!patch) throw std::runtime_error("there is no effect " + name + " in " VORTO_TEST_PLUGINS);
+  return patch;
+}
+
+void setImage(QCPatch& patch, const std::string& key, ConstBitmap bitmap) {
+  auto* port = dynamic_cast<QCImagePort*>(patch.portForKey(key));
+  if (!port) throw std::runtime_error("there is no image port " + key);
+  VRTImage::setBitmapOfPort(*port, std::move(bitmap));
+}
+
+void setNumber(QCPatch& patch, const std::string& key, double value) {
+  QCPort* port = patch.portForKey(key);
+  if (!port || !port->setValue(NSNumber::numberWithDouble(value))) throw std::runtime_error(key + " takes no number");
+}
+
+void setState(QCPatch& patch, const std::string& key, const PropertyList& state) {
+  QCPort* port = patch.portForKey(key);
+  std::string reason;
+  if (!port || !port->setStateValue(state, &reason)) throw std::runtime_error(key + " takes no state: " + reason);
+}
+
+Outcome run(QCPatch& patch) {
+  Outcome outcome{};
+  outcome.succeeded = patch.executeAtTime(0, &outcome.reason);
+  outcome.image = VRTImage::bitmapOfPort(dynamic_cast<QCImagePort&>(*patch.portForKey("outputImage")));
+  return outcome;
+}
+
+ConstBitmap rendered(QCPatch& patch) {
+  Outcome outcome = run(patch);
+  if (!outcome.succeeded || !outcome.image) throw std::runtime_error("no image: " + outcome.reason);
+  return outcome.image;
+}
+
+PropertyList linearGradient(const std::vector<std::array<double, 4>>& colors,
+                            const std::vector<std::array<double, 2>>& opacities) {
+  PropertyList rgbSamples = PropertyList::array();
+  for (const auto& color : colors) {
+    for (const double entry : {color[0], 0.5, 1.0, color[1], color[2], color[3]}) {
+      rgbSamples.append(PropertyList::real(entry));
+    }
+  }
+  PropertyList alphaSamples = PropertyList::array();
+  for (const auto& opacity : opacities) {
+    for (const double entry : {opacity[0], 0.5, 1.0, opacity[1]}) alphaSamples.append(PropertyList::real(entry));
+  }
+  PropertyList state;
+  state.set("rgbSamples", rgbSamples);
+  state.set("alphaSamples", alphaSamples);
+  return state;
+}
+
+PropertyList neutralLevels() {
+  return *VRTHistogram::histogram()->stateValue();
+}

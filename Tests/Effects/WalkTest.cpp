@@ -1,0 +1,177 @@
+#include "Platform/QuartzComposer/QCPatch.h"
+#include "Ports/VRTPorts.h"
+#include "Registry/VRTProtocols.h"
+#include "Tests/Effects/Harness.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <set>
+
+// Every effect of the plug-in folder, whatever it is, at every depth.
+
+namespace {
+
+std::vector<std::string> imageKeys(const QCPatch& patch) {
+  std::vector<std::string> keys;
+  for (const auto& port : patch.inputPorts()) {
+    if (std::string(port->kind()) == "image") keys.push_back(port->key());
+  }
+  return keys;
+}
+
+bool isGenerator(const std::string& name) {
+  return isVortoGenerator(*effectNamed(name));
+}
+
+void setSize(QCPatch& patch, std::uint32_t width, std::uint32_t height, int depth) {
+  setNumber(patch, "inputWidth", width);
+  setNumber(patch, "inputHeight", height);
+  setNumber(patch, "inputDepth", depth);
+}
+
+int depthOf(const Layout& layout) {
+  return layout.code == 9 ? 2 : layout.code == 4 ? 1 : 0;
+}
+
+// What a host or a broken document may put on the ports that are no images.
+void setHarshParameters(QCPatch& patch, double number) {
+  for (const auto& port : patch.inputPorts()) {
+    if (std::string(port->kind()) == "number") port->setValue(NSNumber::numberWithDouble(number));
+    if (dynamic_cast<VRTGradientPort*>(port.get())) {
+      const auto state = number > 0 ? linearGradient({}, {})
+                                    : linearGradient({{0.5, number, 1, -2}, {0.5, 0, number, 1}}, {{0.2, number}});
+      port->setStateValue(state, nullptr);
+    }
+    if (dynamic_cast<VRTHistogramPort*>(port.get())) {
+      PropertyList state = neutralLevels();
+      for (std::size_t i = 1; i < state.entries().size(); ++i) {
+        state.set(state.entries().keyAt(i), PropertyList::real(i % 2 ? number : 0));
+      }
+      port->setStateValue(state, nullptr);
+    }
+  }
+}
+
+void expectLike(const ConstBitmap& image, const Layout& layout, std::uint32_t width, std::uint32_t height) {
+  ASSERT_TRUE(image);
+  EXPECT_EQ(image->width, width);
+  EXPECT_EQ(image->height, height);
+  EXPECT_EQ(image->formatCode, layout.code);
+}
+
+TEST(EveryEffect, IsLoadedAndDescribesItself) {
+  std::string failures;
+  for (const auto& failure : effects().loadFailures()) failures += failure.path + ": " + failure.reason + "\n";
+  EXPECT_EQ(failures, "");
+  const std::vector<std::string> names = effects().nodeNames();
+  EXPECT_EQ(std::set<std::string>(names.begin(), names.end()),
+            (std::set<std::string>{"Checkerboard", "Dissolve", "Duotone", "Gradient Map", "Gradient Ramp",
+                                   "Gradient Wipe", "Levels", "Multiply", "Over"}));
+  for (const std::string& name : names) {
+    SCOPED_TRACE(name);
+    const PropertyList& attributes = *effects().nodeAttributesWithName(name);
+    const auto patch = effectNamed(name);
+    EXPECT_EQ(attributes.find("name")->stringValue(), name);
+    EXPECT_GT(attributes.find("description")->stringValue().size(), 10U);
+    const PropertyList& kinds = *attributes.find("protocols");
+    ASSERT_EQ(kinds.entries().size(), 1U);
+    const PropertyList& roles = kinds.entries().valueAt(0);
+    EXPECT_TRUE(roles.find("outputImagePort"));
+    for (std::size_t i = 0; i < roles.entries().size(); ++i) {
+      EXPECT_TRUE(patch->portForKey(roles.entries().valueAt(i).stringValue())) << roles.entries().keyAt(i);
+    }
+    for (const auto& port : patch->inputPorts()) {
+      EXPECT_TRUE(port->attributes().find("name")) << port->key();
+      if (std::string(port->kind()) != "number") continue;
+      const double value = port->attributes().find("default")->doubleValue();
+      EXPECT_GE(value, port->attributes().find("minimum")->doubleValue()) << port->key();
+      EXPECT_LE(value, port->attributes().find("maximum")->doubleValue()) << port->key();
+    }
+  }
+}
+
+TEST(EveryEffect, RunsAtEveryDepthAndSizeOnAnyPixels) {
+  const std::pair<std::uint32_t, std::uint32_t> sizes[] = {{1, 1}, {1, 9}, {7, 5}, {129, 3}};
+  for (const std::string& name : effects().nodeNames()) {
+    for (const Layout& layout : layouts) {
+      if (isGenerator(name) && layout.code == 1) continue;
+      for (const auto& [width, height] : sizes) {
+        SCOPED_TRACE(name + " " + layout.name + " " + std::to_string(width) + " x " + std::to_string(height));
+        for (const double parameter : {0.37, std::nan(""), std::numeric_limits<double>::infinity(), -1e300, 1e300}) {
+          const auto patch = effectNamed(name);
+          unsigned seed = 1;
+          for (const std::string& key : imageKeys(*patch)) {
+            setImage(*patch, key, randomImage(layout, width, height, Noise::Anything, seed++));
+          }
+          if (isGenerator(name)) setSize(*patch, width, height, depthOf(layout));
+          setHarshParameters(*patch, parameter);
+          const Outcome outcome = run(*patch);
+          EXPECT_TRUE(outcome.succeeded) << outcome.reason;
+          expectLike(outcome.image, layout, width, height);
+        }
+      }
+    }
+  }
+}
+
+TEST(EveryEffect, GivesNoImageWithoutItsInputs) {
+  for (const std::string& name : effects().nodeNames()) {
+    const auto keys = imageKeys(*effectNamed(name));
+    for (const std::string& missing : keys) {
+      const auto patch = effectNamed(name);
+      for (const std::string& key : keys) setImage(*patch, key, makeImage(layouts[0], 2, 2));
+      EXPECT_TRUE(run(*patch).image) << name;
+      setImage(*patch, missing, nullptr);
+      const Outcome outcome = run(*patch);
+      EXPECT_TRUE(outcome.succeeded) << name << " without " << missing << ": " << outcome.reason;
+      EXPECT_FALSE(outcome.image) << name << " without " << missing;
+    }
+  }
+}
+
+TEST(EveryEffect, RefusesImagesThatItCannotRead) {
+  for (const std::string& name : effects().nodeNames()) {
+    const auto keys = imageKeys(*effectNamed(name));
+    if (keys.empty()) continue;
+    std::vector<Bitmap> refused;
+    for (const std::uint32_t code : {2U, 5U, 6U, 7U, 8U}) refused.emplace_back(TCCreateBitmap(4, 2, code));
+    refused.push_back(makeImage(layouts[0], 4, 2));
+    refused.back()->height = 1 << 20;  // more rows than there is memory for
+    refused.push_back(makeImage(layouts[0], 4, 2));
+    refused.back()->deallocateMemory();
+    for (const Bitmap& bitmap : refused) {
+      SCOPED_TRACE(name + " with format " + std::to_string(bitmap->formatCode));
+      const auto patch = effectNamed(name);
+      for (const std::string& key : keys) setImage(*patch, key, makeImage(layouts[0], 4, 2));
+      setImage(*patch, keys.front(), bitmap);
+      const Outcome outcome = run(*patch);
+      EXPECT_FALSE(outcome.succeeded);
+      EXPECT_NE(outcome.reason, "");
+      EXPECT_FALSE(outcome.image);
+    }
+    if (keys.size() < 2) continue;
+    const auto patch = effectNamed(name);
+    setImage(*patch, keys[0], makeImage(layouts[0], 4, 2));
+    setImage(*patch, keys[1], makeImage(layouts[3], 4, 2));
+    EXPECT_NE(run(*patch).reason.find("differ in layout"), std::string::npos) << name;
+  }
+}
+
+TEST(EveryEffect, LeavesItsInputsAlone) {
+  for (const std::string& name : effects().nodeNames()) {
+    const auto patch = effectNamed(name);
+    std::vector<std::pair<Bitmap, std::vector<std::uint8_t>>> inputs;
+    for (const std::string& key : imageKeys(*patch)) {
+      const Bitmap bitmap = randomImage(layouts[0], 9, 4, Noise::Anything, 5);
+      inputs.emplace_back(bitmap, pixelBytes(*bitmap));
+      setImage(*patch, key, bitmap);
+    }
+    setHarshParameters(*patch, 0.6);
+    run(*patch);
+    for (const auto& [bitmap, before] : inputs) EXPECT_EQ(pixelBytes(*bitmap), before) << name;
+  }
+}
+
+}  // namespace

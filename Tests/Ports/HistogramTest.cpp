@@ -1,0 +1,67 @@
+#include "Ports/VRTObjects.h"
+#include "Tests/Ports/StateValues.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(Histogram, WritesItsKeysInOrder) {
+  const PropertyList state = *VRTHistogram::histogram()->stateValue();
+  ASSERT_EQ(state.entries().size(), levelsKeys.size());
+  for (std::size_t i = 0; i < levelsKeys.size(); ++i) {
+    const std::string key = levelsKeys[i];
+    EXPECT_EQ(state.entries().keyAt(i), key);
+    const bool isOne = key.starts_with("white") || key.starts_with("gamma");
+    const PropertyList expected = i == 0 ? PropertyList::integer(0) : PropertyList::real(isOne ? 1 : 0);
+    EXPECT_EQ(state.entries().valueAt(i), expected) << key;
+  }
+}
+
+TEST(Histogram, EveryKeyReachesItsChannel) {
+  VRTHistogram levels;
+  ASSERT_TRUE(levels.initWithStateValue(distinctLevelsState()));
+  EXPECT_EQ(levels.stateValue(), distinctLevelsState());
+  EXPECT_EQ(levels.selectedChannel(), 3);
+  // The keys from index 1 on, channel by channel.
+  for (int channel = 0; channel < 5; ++channel) {
+    const double first = 0.125 * (1 + 5 * channel) - 1;
+    EXPECT_EQ(levels.blackInForChannel(channel), first);
+    EXPECT_EQ(levels.blackOutForChannel(channel), first + 0.125);
+    EXPECT_EQ(levels.whiteInForChannel(channel), first + 0.25);
+    EXPECT_EQ(levels.whiteOutForChannel(channel), first + 0.375);
+    EXPECT_EQ(levels.gammaForChannel(channel), first + 0.5);
+  }
+  const auto copy = levels.copyWithZone();
+  ASSERT_TRUE(copy);
+  EXPECT_EQ(std::dynamic_pointer_cast<VRTHistogram>(copy)->stateValue(), distinctLevelsState());
+}
+
+TEST(Histogram, AMissingOrForeignValueReadsAsZero) {
+  PropertyList state;
+  for (const char* key : levelsKeys) {
+    if (std::string(key) != "gammaRed") state.set(key, PropertyList::real(2));
+  }
+  state.set("whiteInBlue", PropertyList::string("1"));
+  VRTHistogram levels;
+  ASSERT_TRUE(levels.initWithStateValue(state));
+  EXPECT_EQ(levels.gammaForChannel(1), 0);
+  EXPECT_EQ(levels.whiteInForChannel(3), 0);
+  EXPECT_EQ(levels.gammaForChannel(2), 2);
+  EXPECT_EQ(levels.selectedChannel(), 2);
+
+  EXPECT_FALSE(levels.initWithStateValue(PropertyList::array()));
+  EXPECT_EQ(levels.gammaForChannel(2), 2);
+}
+
+TEST(Histogram, ChannelsThatAreNotThereStoreNothing) {
+  VRTHistogram levels;
+  for (const int channel : {-1, 5, 1 << 30}) {
+    levels.setGamma(2, channel);
+    levels.setWhiteIn(2, channel);
+    EXPECT_EQ(levels.gammaForChannel(channel), 0);
+    EXPECT_EQ(levels.whiteInForChannel(channel), 0);
+  }
+  EXPECT_EQ(levels.stateValue(), VRTHistogram::histogram()->stateValue());
+}
+
+}  // namespace

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "Platform/Foundation/PropertyList.h"
+
+#include <array>
+#include <initializer_list>
+#include <string>
+
+// States written out by hand, as documents hold them.
+
+// Entries of gradient arrays: every third one of a group is the interpolation, an integer.
+inline PropertyList sampleArray(std::size_t groupSize, std::initializer_list<double> entries) {
+  PropertyList array = PropertyList::array();
+  std::size_t index = 0;
+  for (const double entry : entries) {
+    const bool isInterpolation = index++ % groupSize == 2;
+    array.append(isInterpolation ? PropertyList::integer(static_cast<int>(entry)) : PropertyList::real(entry));
+  }
+  return array;
+}
+
+inline PropertyList gradientState(std::initializer_list<double> rgbSamples,
+                                  std::initializer_list<double> alphaSamples) {
+  PropertyList state;
+  state.set("rgbSamples", sampleArray(6, rgbSamples));
+  state.set("alphaSamples", sampleArray(4, alphaSamples));
+  return state;
+}
+
+inline constexpr std::array<const char*, 26> levelsKeys{
+    "selectedChannel", "blackInRGB",   "blackOutRGB",   "whiteInRGB",   "whiteOutRGB",   "gammaRGB",
+    "blackInRed",      "blackOutRed",  "whiteInRed",    "whiteOutRed",  "gammaRed",      "blackInGreen",
+    "blackOutGreen",   "whiteInGreen", "whiteOutGreen", "gammaGreen",   "blackInBlue",   "blackOutBlue",
+    "whiteInBlue",     "whiteOutBlue", "gammaBlue",     "blackInAlpha", "blackOutAlpha", "whiteInAlpha",
+    "whiteOutAlpha",   "gammaAlpha",
+};
+
+// A different value under every key, so that no two can be mistaken for each other.
+inline PropertyList distinctLevelsState() {
+  PropertyList state;
+  for (std::size_t i = 0; i < levelsKeys.size(); ++i) {
+    state.set(levelsKeys[i],
+              i == 0 ? PropertyList::integer(3) : PropertyList::real(0.125 * static_cast<double>(i) - 1));
+  }
+  return state;
+}
