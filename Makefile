@@ -21,7 +21,7 @@ asan:
 	@ctest --preset asan
 
 bench:
-	@scripts/install-dependencies libbenchmark-dev libpixman-1-dev
+	@scripts/install-dependencies libbenchmark-dev libpixman-1-dev libyuv-dev
 	@cmake --preset bench --log-level=WARNING
 	@cmake --build --preset bench
 	@scripts/bench build/bench
