@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cmath>
 #include <cstring>
 
 // The targets whose vectors have no fixed size cannot be kept in arrays, as the solver does.
@@ -64,26 +65,45 @@ struct IntegerWords {
   }
 };
 
-// The positions of a run: i * step for ascending i, a vector at a time, as fractions t of the run's segment.
+// Whether quotients over a segment of this place and width can be corrected by remainders that neither overflow nor
+// lose bits below the smallest normal number.
+bool hasExactRemainders(double left, double width) {
+  constexpr double kSmallest = 0x1p-100;
+  return width >= kSmallest && width <= 0x1p+100 && (left == 0.0 || std::abs(left) >= kSmallest);
+}
+
+// The positions of a run: i * step for ascending i, a vector at a time, as fractions t of the run's segment. `fast`
+// divides by multiplication: the quotient by the rounded reciprocal is at most two units off, one correction by its
+// exact remainder leaves it within one, and another one from there gives the rounded quotient (Markstein, 1990).
+template <bool fast>
 class Fractions {
  public:
   Fractions(const GradientRun& run, std::uint32_t first, double step)
       : _index(hn::Iota(Doubles(), static_cast<double>(first))),
         _step(hn::Set(Doubles(), step)),
         _left(hn::Set(Doubles(), run.left->position)),
-        _width(hn::Set(Doubles(), run.right->position - run.left->position)) {}
+        _width(hn::Set(Doubles(), run.right->position - run.left->position)),
+        _reciprocal(hn::Set(Doubles(), 1.0 / (run.right->position - run.left->position))) {}
 
   HWY_INLINE DoubleVector next() {
     const DoubleVector position = hn::Mul(_index, _step);
     _index = hn::Add(_index, hn::Set(Doubles(), static_cast<double>(kLanes)));
-    return hn::Div(hn::Sub(position, _left), _width);
+    const DoubleVector distance = hn::Sub(position, _left);
+    if constexpr (!fast) return hn::Div(distance, _width);
+    return corrected(distance, corrected(distance, hn::Mul(distance, _reciprocal)));
   }
 
  private:
+  HWY_INLINE DoubleVector corrected(DoubleVector distance, DoubleVector quotient) const {
+    const DoubleVector remainder = hn::NegMulAdd(quotient, _width, distance);
+    return hn::MulAdd(remainder, _reciprocal, quotient);
+  }
+
   DoubleVector _index;
   DoubleVector _step;
   DoubleVector _left;
   DoubleVector _width;
+  DoubleVector _reciprocal;
 };
 
 void fillWords(std::uint32_t word, std::uint32_t* to, std::uint32_t count) {
@@ -126,15 +146,28 @@ class FolderPlanes {
         for (std::size_t c = 0; c < N; ++c) fillWords(WordKind::word(value(run.left, c)), to[c], count);
         break;
       case GradientRun::Rule::linear:
-        fillLinear(run, first, count, to);
+        if (dividesFast(run)) {
+          fillLinear<true>(run, first, count, to);
+        } else {
+          fillLinear<false>(run, first, count, to);
+        }
         break;
       case GradientRun::Rule::smooth:
-        fillSmooth(run, first, count, to);
+        if (dividesFast(run)) {
+          fillSmooth<true>(run, first, count, to);
+        } else {
+          fillSmooth<false>(run, first, count, to);
+        }
         break;
       case GradientRun::Rule::definition:
         fillByDefinition(first, count, to);
         break;
     }
+  }
+
+  static bool dividesFast(const GradientRun& run) {
+    const double left = run.left->position;
+    return HWY_NATIVE_FMA && hasExactRemainders(left, run.right->position - left);
   }
 
   double value(const GradientEntry* entry, std::size_t c) const { return entry->sample.*_components[c]; }
@@ -147,6 +180,7 @@ class FolderPlanes {
     }
   }
 
+  template <bool fast>
   void fillLinear(const GradientRun& run, std::uint32_t first, std::uint32_t count, Targets to) const {
     const Doubles d;
     DoubleVector start[N];
@@ -155,15 +189,16 @@ class FolderPlanes {
       start[c] = hn::Set(d, value(run.left, c));
       rise[c] = hn::Set(d, value(run.right, c) - value(run.left, c));
     }
-    Fractions fractions(run, first, _step);
+    Fractions<fast> fractions(run, first, _step);
     for (std::uint32_t i = 0; i < count; i += kLanes) {
       const DoubleVector t = fractions.next();
       for (std::size_t c = 0; c < N; ++c) WordKind::store(hn::Add(start[c], hn::Mul(t, rise[c])), to[c] + i);
     }
   }
 
+  template <bool fast>
   void fillSmooth(const GradientRun& run, std::uint32_t first, std::uint32_t count, Targets to) const {
-    Fractions fractions(run, first, _step);
+    Fractions<fast> fractions(run, first, _step);
     for (std::uint32_t i = 0; i < count; i += kVectorsAtOnce * kLanes) {
       DoubleVector s[kVectorsAtOnce];
       solve(run.left->sample.middle, fractions, s);
@@ -174,7 +209,8 @@ class FolderPlanes {
   // bezierInterp's search for the x controls (0, m, m, 1). It does not depend on the component. The fractions of a run
   // are never negative, so every search starts at 0; the step is the same for all, and reaches the tolerance before the
   // 32nd halving. A search that has come close enough keeps its candidate.
-  static HWY_INLINE void solve(double middle, Fractions& fractions, DoubleVector (&candidate)[kVectorsAtOnce]) {
+  template <bool fast>
+  static HWY_INLINE void solve(double middle, Fractions<fast>& fractions, DoubleVector (&candidate)[kVectorsAtOnce]) {
     const Doubles d;
     const DoubleVector one = hn::Set(d, 1.0);
     const DoubleVector middle3 = hn::Set(d, 3.0 * middle);
