@@ -5,10 +5,8 @@
 
 namespace host {
 
-// What follows an unknown name in a message: "; did you mean "Levels"?" when some known names are close to it,
-// otherwise
-// "; " and the given hint. Close is an edit distance, without regard to case, of at most a third of the longer name; a
-// known name that begins with the unknown one is close too.
+// What follows an unknown name in a message: "; did you mean "Levels"?" when some known names are close to it (as
+// QCCloseNames has it), otherwise "; " and the given hint.
 std::string closeNamesHint(const std::string& unknown, const std::vector<std::string>& known,
                            const std::string& otherwise);
 
