@@ -1,13 +1,18 @@
 # What `make install` puts where, and the packages by which others find it.
-include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
 install(TARGETS vorto EXPORT VortoTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 set_target_properties(vorto PROPERTIES EXPORT_NAME Vorto)
 install(EXPORT VortoTargets NAMESPACE Vorto:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Vorto)
+# In a set of its own, so that a package user without Qt finds the framework all the same.
+if(TARGET vorto-editors)
+  set_target_properties(vorto-editors PROPERTIES EXPORT_NAME Editors INSTALL_RPATH "$ORIGIN")
+  install(TARGETS vorto-editors EXPORT VortoEditorsTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+  install(EXPORT VortoEditorsTargets NAMESPACE Vorto:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Vorto)
+endif()
 
 # A header is public when it exports something or is made of constants and functions that users compile themselves.
-foreach(folder Platform TarnCore Channels Ports Registry)
+foreach(folder Platform TarnCore Channels Ports Registry Controls GradientEditor HistogramEditor Editors)
   file(GLOB_RECURSE headers CONFIGURE_DEPENDS RELATIVE ${CMAKE_SOURCE_DIR} ${CMAKE_SOURCE_DIR}/${folder}/*.h)
   foreach(header ${headers})
     file(STRINGS ${CMAKE_SOURCE_DIR}/${header} exports REGEX "TARN_EXPORT|^constexpr" LIMIT_COUNT 1)
@@ -18,11 +23,6 @@ foreach(folder Platform TarnCore Channels Ports Registry)
   endforeach()
 endforeach()
 
-# The framework's own bundle lies beside the library in the build tree and in share/vorto once installed.
-file(COPY ${CMAKE_SOURCE_DIR}/Resources/Info.plist DESTINATION ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/Vorto.bundle/Contents)
-install(FILES ${CMAKE_SOURCE_DIR}/Resources/Info.plist
-        DESTINATION ${CMAKE_INSTALL_DATADIR}/vorto/Vorto.bundle/Contents)
-
 configure_package_config_file(${CMAKE_SOURCE_DIR}/cmake/VortoConfig.cmake.in ${CMAKE_BINARY_DIR}/VortoConfig.cmake
                               INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Vorto
                               PATH_VARS CMAKE_INSTALL_LIBDIR)
@@ -31,7 +31,8 @@ install(FILES ${CMAKE_BINARY_DIR}/VortoConfig.cmake ${CMAKE_BINARY_DIR}/VortoCon
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Vorto)
 
 configure_file(${CMAKE_SOURCE_DIR}/cmake/vorto.pc.in ${CMAKE_BINARY_DIR}/vorto.pc @ONLY)
-install(FILES ${CMAKE_BINARY_DIR}/vorto.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+configure_file(${CMAKE_SOURCE_DIR}/cmake/vorto-editors.pc.in ${CMAKE_BINARY_DIR}/vorto-editors.pc @ONLY)
+install(FILES ${CMAKE_BINARY_DIR}/vorto.pc ${CMAKE_BINARY_DIR}/vorto-editors.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 set(CPACK_PACKAGE_NAME vorto)
 set(CPACK_PACKAGE_CONTACT "the Vorto authors <vorto@localhost>")
