@@ -2,6 +2,8 @@
 
 #include "Platform/QuartzComposer/QCPatch.h"
 
+#include <utility>
+
 namespace {
 
 const PropertyList* kindEntry(const QCPatch& patch, const char* kind) {
@@ -13,6 +15,11 @@ QCPort* portInRole(const QCPatch& patch, const char* kind, const char* role) {
   const PropertyList* roles = kindEntry(patch, kind);
   const PropertyList* key = roles ? roles->find(role) : nullptr;
   return key ? patch.portForKey(key->stringValue()) : nullptr;
+}
+
+VortoExecutionContextProvider& provider() {
+  static VortoExecutionContextProvider registered;
+  return registered;
 }
 
 }  // namespace
@@ -81,7 +88,12 @@ VortoExecutionContext* VortoRuntime::vortoExecutionContext() {
   return nullptr;
 }
 
+void VortoSetExecutionContextProvider(VortoExecutionContextProvider newProvider) {
+  provider() = std::move(newProvider);
+}
+
 VortoExecutionContext* vortoExecutionContext(QCPatch& patch) {
-  auto* runtime = dynamic_cast<VortoRuntime*>(&patch);
-  return runtime ? runtime->vortoExecutionContext() : nullptr;
+  if (auto* runtime = dynamic_cast<VortoRuntime*>(&patch)) return runtime->vortoExecutionContext();
+  const VortoExecutionContextProvider current = provider();  // it may replace itself while it answers
+  return current ? current(patch) : nullptr;
 }

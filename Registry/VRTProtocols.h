@@ -3,7 +3,7 @@
 #include "Platform/Visibility.h"
 
 #include <cstddef>
-#include <memory>
+#include <functional>
 
 class QCImage;
 class QCPatch;
@@ -43,12 +43,18 @@ class TARN_EXPORT VortoExecutionContext {
   virtual void getPixelsFromImage(const QCImage& image, const void** outBaseAddress, std::size_t* outBytesPerRow) = 0;
 };
 
-// A host's patch class also implements this to hand out its context.
+// A patch class of the host's also implements this to hand out its context.
 class TARN_EXPORT VortoRuntime {
  public:
   virtual ~VortoRuntime();
   virtual VortoExecutionContext* vortoExecutionContext();  // null here
 };
 
-// The patch's context, or null when the patch does not answer or has none.
+// Answers for the patches that come from elsewhere, plug-ins and compositions, and so do not implement VortoRuntime: a
+// host that runs them registers one provider for the process. It may answer null; a null provider takes the
+// registration back.
+using VortoExecutionContextProvider = std::function<VortoExecutionContext*(QCPatch& patch)>;
+TARN_EXPORT void VortoSetExecutionContextProvider(VortoExecutionContextProvider provider);
+
+// The patch's own context when it implements VortoRuntime, else the provider's; null when there is none.
 TARN_EXPORT VortoExecutionContext* vortoExecutionContext(QCPatch& patch);

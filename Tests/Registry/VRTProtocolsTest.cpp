@@ -93,4 +93,13 @@ TEST(Protocols, ContextComesFromPatchesThatAnswer) {
   EXPECT_EQ(vortoExecutionContext(plain), nullptr);
   EXPECT_EQ(vortoExecutionContext(without), nullptr);
   EXPECT_EQ(vortoExecutionContext(hosted), &context);
+
+  // The process-wide provider speaks for patches from elsewhere only.
+  Context ofTheHost;
+  VortoSetExecutionContextProvider([&](QCPatch& patch) { return &patch == &plain ? &ofTheHost : nullptr; });
+  EXPECT_EQ(vortoExecutionContext(plain), &ofTheHost);
+  EXPECT_EQ(vortoExecutionContext(without), nullptr);
+  EXPECT_EQ(vortoExecutionContext(hosted), &context);
+  VortoSetExecutionContextProvider(nullptr);
+  EXPECT_EQ(vortoExecutionContext(plain), nullptr);
 }
