@@ -24,6 +24,11 @@ constexpr std::uint32_t NSViewMinYMargin = 8;
 constexpr std::uint32_t NSViewHeightSizable = 16;
 constexpr std::uint32_t NSViewMaxYMargin = 32;
 
+// Frames and autoresizing of any widget inside a view, buttons and pop-ups included; of an NSTarnView its own.
+TARN_EXPORT NSRect NSGetFrame(const QWidget& widget);
+TARN_EXPORT void NSSetFrame(QWidget& widget, NSRect frame);
+TARN_EXPORT void NSSetAutoresizingMask(QWidget& widget, std::uint32_t mask);
+
 // The base of all views: a widget in the platform's coordinates.
 //
 // Coordinates are points. A view's origin is its lower left corner, with y upwards, unless isFlipped() answers true:
@@ -169,9 +174,3 @@ class TARN_EXPORT NSTarnView : public QWidget {
   std::vector<ToolTip> toolTips_;
   QStringList draggedTypes_;
 };
-
-// Frames, superviews and autoresizing of any widget inside a view, buttons and pop-ups included; of an NSTarnView its
-// own.
-TARN_EXPORT NSRect NSGetFrame(const QWidget& widget);
-TARN_EXPORT void NSSetFrame(QWidget& widget, NSRect frame);
-TARN_EXPORT void NSSetAutoresizingMask(QWidget& widget, std::uint32_t mask);
