@@ -20,6 +20,36 @@ void addOnce(std::vector<std::string>& names, const std::string& name) {
   if (std::ranges::find(names, name) == names.end()) names.push_back(name);
 }
 
+// The rows of benchmarks that compare by themselves, as they come.
+class MeasuredRows {
+ public:
+  void print(const benchmark::BenchmarkReporter::Run& run) {
+    const std::string name = run.run_name.function_name;
+    const std::size_t slash = name.find('/');
+    const std::string table = name.substr(0, slash);
+    if (table != _table) {
+      std::printf("\n%-44s %9s %8s %9s | %9s %8s  %s\n", table.c_str(), "ms", "GB/s", "x memcpy", "peer ms", "x peer",
+                  "best peer");
+      _table = table;
+    }
+    const auto value = [&run](const char* counter) {
+      const auto found = run.counters.find(counter);
+      return found == run.counters.end() ? 0.0 : found->second.value;
+    };
+    std::printf("%-44s %9.3f %8.1f %9.2f |", name.substr(slash + 1).c_str(), value(kMeasures.milliseconds),
+                value(kMeasures.gigabytes), value(kMeasures.timesMemcpy));
+    if (value(kMeasures.timesPeer) > 0) {
+      std::printf(" %9.3f %8.2f  %s", value(kMeasures.peerMilliseconds), value(kMeasures.timesPeer),
+                  run.report_label.c_str());
+    }
+    std::printf("\n");
+    std::fflush(stdout);
+  }
+
+ private:
+  std::string _table;
+};
+
 class TableReporter : public benchmark::BenchmarkReporter {
  public:
   bool ReportContext(const Context&) override { return true; }
@@ -27,6 +57,10 @@ class TableReporter : public benchmark::BenchmarkReporter {
   void ReportRuns(const std::vector<Run>& runs) override {
     for (const Run& run : runs) {
       if (run.error_occurred) std::fprintf(stderr, "%s: %s\n", run.benchmark_name().c_str(), run.error_message.c_str());
+      if (run.counters.contains(kMeasures.timesMemcpy)) {
+        _measured.print(run);
+        continue;
+      }
       const bool median = run.aggregate_name == "median" || run.repetitions <= 1;
       if (!run.error_occurred && median) add(run.run_name.function_name, run.GetAdjustedCPUTime());
     }
@@ -75,6 +109,7 @@ class TableReporter : public benchmark::BenchmarkReporter {
   }
 
   std::vector<Table> _tables;
+  MeasuredRows _measured;
 };
 
 }  // namespace
