@@ -2,7 +2,6 @@
 
 #include <sys/mman.h>
 
-#include <cerrno>
 #include <utility>
 
 namespace mach {
@@ -99,7 +98,8 @@ kern_return_t MemoryEntries::unmap(const Range& range) {
   kern_return_t result = KERN_SUCCESS;
   std::uintptr_t reached = range.start;
   const auto unmapTo = [&reached, &result](std::uintptr_t end) {
-    if (end > reached && munmap(reinterpret_cast<void*>(reached), end - reached) != 0) result = resultOfErrno(errno);
+    if (end <= reached) return;
+    if (const kern_return_t given = giveBack({reached, end}); given != KERN_SUCCESS) result = given;
   };
   for (auto placed = firstOverlapping(range); placed != placements_.end() && placed->first < range.end;) {
     const auto object = placed->second.object.lock();

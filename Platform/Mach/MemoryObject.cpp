@@ -1,5 +1,7 @@
 #include "Platform/Mach/MemoryObject.h"
 
+#include "Platform/Sanitizer.h"
+
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
@@ -11,14 +13,8 @@ namespace mach {
 
 namespace {
 
-constexpr std::size_t hugePageSize = 2 << 20;
-
 // What a peer must not be able to do to memory that we touch; shrinking would make us fault.
 constexpr int seals = F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL;
-
-void askForHugePages(void* address, std::size_t size) {
-  if (size >= hugePageSize) madvise(address, size, MADV_HUGEPAGE);
-}
 
 // Growing a file beyond this limit would raise a signal.
 bool fitsFileSizeLimit(std::size_t size) {
@@ -28,74 +24,16 @@ bool fitsFileSizeLimit(std::size_t size) {
 
 }  // namespace
 
-std::size_t pageSize() {
-  static const auto size = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-  return size;
-}
-
-bool pagesOf(std::uintptr_t address, std::size_t size, Range* pages) {
-  const std::uintptr_t mask = pageSize() - 1;
-  std::uintptr_t end;
-  if (__builtin_add_overflow(address, size, &end) || __builtin_add_overflow(end, mask, &end)) return false;
-  *pages = {address & ~mask, end & ~mask};
-  return true;
-}
-
-kern_return_t resultOfErrno(int error) {
-  switch (error) {
-    case ENOMEM:
-    case EEXIST:
-      return KERN_NO_SPACE;
-    case EMFILE:
-    case ENFILE:
-    case ENOSPC:
-    case ENOBUFS:
-    case ETOOMANYREFS:
-      return KERN_RESOURCE_SHORTAGE;
-    case EACCES:
-    case EPERM:
-      return KERN_PROTECTION_FAILURE;
-    case EFAULT:
-      return KERN_INVALID_ADDRESS;
-    case EPIPE:
-    case ECONNRESET:
-    case ENOTCONN:
-      return KERN_TERMINATED;
-    case EAGAIN:
-      return KERN_OPERATION_TIMED_OUT;
-    case EINVAL:
-    case EBADF:
-    case ENOTSOCK:
-      return KERN_INVALID_ARGUMENT;
-    default:
-      return KERN_FAILURE;
-  }
-}
-
-kern_return_t mapAnonymous(std::uintptr_t* address, std::size_t size, bool fixed) {
-  void* const wanted = fixed ? reinterpret_cast<void*>(*address) : nullptr;
-  const int flags = MAP_PRIVATE | MAP_ANONYMOUS | (fixed ? MAP_FIXED_NOREPLACE : 0);
-  void* const memory = mmap(wanted, size, PROT_READ | PROT_WRITE, flags, -1, 0);
-  if (memory == MAP_FAILED) return resultOfErrno(errno);
-  if (fixed && memory != wanted) {  // kernels before 4.17 take the address for a hint
-    munmap(memory, size);
-    return KERN_NO_SPACE;
-  }
-  askForHugePages(memory, size);
-  madvise(memory, size, MADV_DONTDUMP);  // also the mark by which checkAllocatedMemory() knows the pages
-  *address = reinterpret_cast<std::uintptr_t>(memory);
-  return KERN_SUCCESS;
-}
-
 MemoryObject::~MemoryObject() {
   if (descriptor_ >= 0) {
     close(descriptor_);
   } else if (detached_ && home_.size() > 0) {
-    munmap(reinterpret_cast<void*>(home_.start), home_.size());
+    giveBack(home_);
   }
 }
 
 kern_return_t MemoryObject::copyInto(int file) const {
+  unpoisonMemory(reinterpret_cast<const void*>(home_.start), size_);  // whatever its user said: all of it is shared
   std::size_t done = 0;
   while (done < size_) {
     const ssize_t count =
@@ -123,7 +61,7 @@ kern_return_t MemoryObject::share() {
 
   void* const place = reinterpret_cast<void*>(home_.start);
   if (result == KERN_SUCCESS && detached_) {
-    munmap(place, size_);
+    giveBack(home_);
   } else if (result == KERN_SUCCESS) {
     if (mmap(place, size_, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_FIXED, file, 0) == MAP_FAILED) {
       result = resultOfErrno(errno);

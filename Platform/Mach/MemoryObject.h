@@ -1,33 +1,16 @@
 #pragma once
 
-#include "Platform/Mach/mach.h"
+#include "Platform/Mach/Pages.h"
 
 #include <cstddef>
 #include <cstdint>
 
 namespace mach {
 
-struct Range {
-  std::uintptr_t start = 0;
-  std::uintptr_t end = 0;  // one past the last byte
-
-  std::size_t size() const { return end - start; }
-  bool contains(const Range& o) const { return start <= o.start && o.end <= end; }
-  bool overlaps(const Range& o) const { return start < o.end && o.start < end; }
-};
-
-std::size_t pageSize();
-// The pages that the bytes touch; false when they wrap around the address space.
-bool pagesOf(std::uintptr_t address, std::size_t size, Range* pages);
-kern_return_t resultOfErrno(int error);
-
 // KERN_SUCCESS when every page of the range is anonymous memory that vm_allocate made, or of the memory file
 // `descriptor`; KERN_INVALID_ADDRESS when not; another code when that cannot be found out.
 kern_return_t checkAllocatedMemory(const Range& range);
 kern_return_t checkMappingOf(int descriptor, const Range& range);
-
-// Anonymous memory as vm_allocate makes it; `fixed` refuses to replace what is there.
-kern_return_t mapAnonymous(std::uintptr_t* address, std::size_t size, bool fixed);
 
 // The memory behind entries: anonymous pages at `home` until share() turns them into a memory file.
 class MemoryObject {

@@ -1,3 +1,4 @@
+#include "Platform/Mach/KeptMemory.h"
 #include "Platform/Mach/MemoryEntries.h"
 #include "Platform/Mach/mach.h"
 
@@ -19,14 +20,27 @@ vm_size_t wholePages(vm_size_t size) {
   return mach::pagesOf(0, size, &pages) ? pages.size() : 0;
 }
 
-// With the lock held.
+// Whole pages. With the lock held.
 kern_return_t allocatePages(vm_address_t* address, vm_size_t size, int flags) {
-  const bool isFixed = (flags & VM_FLAGS_ANYWHERE) == 0;
-  const vm_size_t bytes = wholePages(size);
-  if (bytes == 0 || (isFixed && *address % mach::pageSize() != 0)) return KERN_INVALID_ARGUMENT;
-  const kern_return_t result = mach::mapAnonymous(address, bytes, isFixed);
-  if (result == KERN_SUCCESS) MemoryEntries::shared().forget({*address, *address + bytes});
+  const kern_return_t result = mach::mapAnonymous(address, size, (flags & VM_FLAGS_ANYWHERE) == 0);
+  if (result == KERN_SUCCESS) MemoryEntries::shared().forget({*address, *address + size});
   return result;
+}
+
+// Memory that was kept, and is cleared while nobody has to wait for the lock.
+bool allocateKept(vm_address_t* address, vm_size_t size) {
+  if (!mach::KeptMemory::shared().take(size, address)) return false;
+  const std::lock_guard lock(MemoryEntries::shared().mutex());
+  MemoryEntries::shared().forget({*address, *address + size});
+  return true;
+}
+
+// What fails for want of memory, address space or a free address is tried again when kept memory was in the way.
+template <class Step>
+kern_return_t tryTwice(Step step) {
+  const kern_return_t result = step();
+  const bool isShort = result == KERN_NO_SPACE || result == KERN_RESOURCE_SHORTAGE;
+  return isShort && mach::KeptMemory::shared().release() > 0 ? step() : result;
 }
 
 kern_return_t readAll(int file, vm_address_t address, std::size_t size, std::size_t offset) {
@@ -44,7 +58,7 @@ kern_return_t mapCopy(vm_address_t* address, vm_size_t size, int flags, int file
   const kern_return_t allocated = allocatePages(address, size, flags);
   if (allocated != KERN_SUCCESS) return allocated;
   const kern_return_t result = readAll(file, *address, size, offset);
-  if (result != KERN_SUCCESS) munmap(reinterpret_cast<void*>(*address), size);
+  if (result != KERN_SUCCESS) mach::giveBack({*address, *address + size});
   return result;
 }
 
@@ -70,6 +84,19 @@ kern_return_t mapShared(vm_address_t* address, vm_size_t size, int flags, const 
   return KERN_SUCCESS;
 }
 
+// With the lock held.
+kern_return_t mapEntry(vm_address_t* address, vm_size_t size, int flags, mach_port_t name, vm_offset_t offset,
+                       bool copy, vm_inherit_t inheritance) {
+  const mach::Entry* const entry = MemoryEntries::shared().find(name);
+  if (!entry) return KERN_INVALID_OBJECT;
+  if (offset > entry->size || size > entry->size - offset) return KERN_INVALID_ARGUMENT;
+  const kern_return_t shared = entry->object->share();
+  if (shared != KERN_SUCCESS) return shared;
+  const std::size_t start = entry->offset + offset;
+  return copy ? mapCopy(address, size, flags, entry->object->descriptor(), start)
+              : mapShared(address, size, flags, *entry, start, inheritance);
+}
+
 }  // namespace
 
 mach_port_t mach_task_self() {
@@ -82,8 +109,14 @@ kern_return_t vm_allocate(vm_map_t task, vm_address_t* address, vm_size_t size, 
     *address = 0;
     return KERN_SUCCESS;
   }
-  const std::lock_guard lock(MemoryEntries::shared().mutex());
-  return allocatePages(address, size, flags);
+  const bool isAnywhere = (flags & VM_FLAGS_ANYWHERE) != 0;
+  const vm_size_t bytes = wholePages(size);
+  if (bytes == 0 || (!isAnywhere && *address % mach::pageSize() != 0)) return KERN_INVALID_ARGUMENT;
+  if (isAnywhere && allocateKept(address, bytes)) return KERN_SUCCESS;
+  return tryTwice([address, bytes, flags] {
+    const std::lock_guard lock(MemoryEntries::shared().mutex());
+    return allocatePages(address, bytes, flags);
+  });
 }
 
 kern_return_t vm_deallocate(vm_map_t task, vm_address_t address, vm_size_t size) {
@@ -103,22 +136,12 @@ kern_return_t vm_map(vm_map_t task, vm_address_t* address, vm_size_t size, vm_ad
     return KERN_INVALID_ARGUMENT;
   if ((flags & VM_FLAGS_ANYWHERE) == 0 && *address % mach::pageSize() != 0) return KERN_INVALID_ARGUMENT;
 
-  MemoryEntries& entries = MemoryEntries::shared();
-  const std::lock_guard lock(entries.mutex());
-  kern_return_t result = KERN_SUCCESS;
   vm_address_t place = *address;
-  if (name == MACH_PORT_NULL) {
-    result = allocatePages(&place, bytes, flags);
-  } else {
-    const mach::Entry* const entry = entries.find(name);
-    if (!entry) return KERN_INVALID_OBJECT;
-    if (offset > entry->size || bytes > entry->size - offset) return KERN_INVALID_ARGUMENT;
-    result = entry->object->share();
-    if (result != KERN_SUCCESS) return result;
-    const std::size_t start = entry->offset + offset;
-    result = copy ? mapCopy(&place, bytes, flags, entry->object->descriptor(), start)
-                  : mapShared(&place, bytes, flags, *entry, start, inheritance);
-  }
+  const kern_return_t result = tryTwice([&] {
+    const std::lock_guard lock(MemoryEntries::shared().mutex());
+    if (name == MACH_PORT_NULL) return allocatePages(&place, bytes, flags);
+    return mapEntry(&place, bytes, flags, name, offset, copy, inheritance);
+  });
   if (result != KERN_SUCCESS) return result;
   if (protectionOf(protection) != (PROT_READ | PROT_WRITE))
     mprotect(reinterpret_cast<void*>(place), bytes, protectionOf(protection));
@@ -159,4 +182,12 @@ int mach_munmap(void* address, std::size_t size) {
   if (MemoryEntries::shared().unmap(pages) == KERN_SUCCESS) return 0;
   errno = ENOMEM;
   return -1;
+}
+
+vm_size_t mach_release_kept_memory() {
+  return mach::KeptMemory::shared().release();
+}
+
+void mach_limit_kept_memory(vm_size_t bytes) {
+  mach::KeptMemory::shared().limit(bytes);
 }

@@ -14,6 +14,13 @@
 // given back with vm_deallocate or mach_munmap lives on while an entry names it. Bytes that were unmapped with the
 // C library's munmap before the entry was first shared are lost; such an entry answers KERN_INVALID_ADDRESS.
 //
+// Memory of 128 KiB and more that is given back, and that no entry ever shared, is kept for the next allocation of its
+// size anywhere, which finds it zero as ever. So a host whose pictures come and go with every frame pays for clearing
+// them, not for page faults. Kept memory lies where nobody knows it: what was given back is unmapped for its former
+// owner, and nobody's pointer reaches what is kept. It is given back to the system before an allocation is called
+// failed. A build with the address sanitizer keeps nothing by default, and puts a page that faults behind memory that
+// was allocated anywhere.
+//
 // Every call may be made from any thread. Outputs are written on success alone, unless said otherwise.
 
 using kern_return_t = int;
@@ -82,6 +89,12 @@ TARN_EXPORT kern_return_t mach_port_deallocate(vm_map_t task, mach_port_t name);
 
 // munmap of the C library that knows of entries, as the kernel's does: -1 with errno on failure.
 TARN_EXPORT int mach_munmap(void* address, std::size_t size);
+
+// Gives all kept memory back to the system, and answers how many bytes that were.
+TARN_EXPORT vm_size_t mach_release_kept_memory();
+
+// The most bytes that are kept, 256 MiB at first; 0 for none.
+TARN_EXPORT void mach_limit_kept_memory(vm_size_t bytes);
 
 // Hand an entry to another process, and take one, over a connected Unix stream socket, with a note of the caller's of
 // at most mach_entry_note_limit bytes. Both wait as the socket's own timeouts say and never raise SIGPIPE.

@@ -1,0 +1,261 @@
+#include "Platform/Sanitizer.h"
+#include "Tests/Mach/Memory.h"
+
+#include <sys/mman.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <random>
+#include <thread>
+#include <vector>
+
+// Memory that was given back and comes again must be as good as new, nobody else's, and out of everybody's reach.
+
+namespace {
+
+const mach_port_t self = mach_task_self();
+constexpr vm_size_t small = 64 * page;
+constexpr vm_size_t large = 1027 * page;  // some huge pages and a rest
+
+class KeptMemoryTest : public testing::Test {
+ protected:
+  KeptMemoryTest() {
+    mach_release_kept_memory();
+    mach_limit_kept_memory(64 << 20);  // the address sanitizer's build keeps nothing unless it is asked to
+  }
+};
+
+bool isMapped(vm_address_t address, vm_size_t size) {
+  return msync(bytesAt(address), size, MS_ASYNC) == 0;
+}
+
+bool isZero(vm_address_t address, vm_size_t size) {
+  return bytesAt(address)[0] == 0 && std::memcmp(bytesAt(address), bytesAt(address) + 1, size - 1) == 0;
+}
+
+vm_address_t filled(vm_size_t size, int value = 0xAB) {
+  const vm_address_t address = allocated(size);
+  std::memset(bytesAt(address), value, size);
+  return address;
+}
+
+void giveBack(vm_address_t address, vm_size_t size) {
+  ASSERT_EQ(vm_deallocate(self, address, size), KERN_SUCCESS);
+}
+
+TEST_F(KeptMemoryTest, IsUnmappedForItsFormerOwnerAndZeroForTheNext) {
+  for (const vm_size_t size : {small, large}) {
+    const vm_address_t first = filled(size);
+    giveBack(first, size);
+    EXPECT_FALSE(isMapped(first, page)) << "a stale pointer faults";
+    const vm_address_t second = allocated(size);
+    EXPECT_EQ(mach_release_kept_memory(), 0u) << "it was used again";
+    EXPECT_TRUE(isZero(second, size));
+    giveBack(second, size);
+    EXPECT_EQ(mach_release_kept_memory(), size);
+    EXPECT_FALSE(isMapped(second, page));
+  }
+}
+
+TEST_F(KeptMemoryTest, OfEntriesIsKeptOnceNobodyNamesIt) {
+  for (const bool entryFirst : {false, true}) {
+    const vm_address_t address = filled(large);
+    const mach_port_t entry = entryOf(address, large);
+    if (entryFirst) mach_port_deallocate(self, entry);
+    giveBack(address, large);
+    if (!entryFirst) {
+      EXPECT_EQ(mach_release_kept_memory(), 0u) << "the entry names it still";
+      mach_port_deallocate(self, entry);
+    }
+    EXPECT_EQ(mach_release_kept_memory(), large);
+    EXPECT_FALSE(isMapped(address, page));
+  }
+}
+
+// Somebody else could write to it, or would see the next picture.
+TEST_F(KeptMemoryTest, ThatWasEverSharedIsNotKept) {
+  const vm_address_t address = filled(large);
+  const mach_port_t entry = entryOf(address, large);
+  vm_address_t mapped = 0;
+  ASSERT_EQ(mapEntry(entry, &mapped, large), KERN_SUCCESS);
+  mach_port_deallocate(self, entry);
+  giveBack(address, large);
+  EXPECT_EQ(bytesAt(mapped)[0], 0xAB);
+  giveBack(mapped, large);
+  EXPECT_EQ(mach_release_kept_memory(), 0u);
+
+  int ends[2];
+  ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends), 0);
+  const vm_address_t sent = filled(small);
+  const mach_port_t ofSent = entryOf(sent, small);
+  ASSERT_EQ(mach_send_memory_entry(ends[0], ofSent, nullptr, 0), KERN_SUCCESS);
+  giveBack(sent, small);
+  mach_port_deallocate(self, ofSent);
+  EXPECT_EQ(mach_release_kept_memory(), 0u);
+  for (const int end : ends) close(end);
+}
+
+// The memory was given back and handed to another process afterwards: what is kept then is the old pages, not the
+// file's.
+TEST_F(KeptMemoryTest, OfAnEntryThatIsSharedLateHasNoTieToIt) {
+  const vm_address_t address = filled(small, 7);
+  const mach_port_t entry = entryOf(address, small);
+  giveBack(address, small);
+  vm_address_t mapped = 0;
+  ASSERT_EQ(mapEntry(entry, &mapped, small), KERN_SUCCESS);
+  const vm_address_t next = filled(small, 9);
+  EXPECT_EQ(bytesAt(mapped)[0], 7);
+  giveBack(next, small);
+  mach_port_deallocate(self, entry);
+  giveBack(mapped, small);
+}
+
+TEST_F(KeptMemoryTest, WhatIsMissingOrSomebodyElsesIsNotKept) {
+  const vm_address_t gone = filled(small);
+  ASSERT_EQ(munmap(bytesAt(gone), small), 0);
+  giveBack(gone, small);
+  const vm_address_t torn = filled(small);
+  ASSERT_EQ(munmap(bytesAt(torn + 3 * page), page), 0);
+  giveBack(torn, small);
+  EXPECT_FALSE(isMapped(torn, page));
+
+  // A file that came to lie where memory was.
+  char name[] = "/tmp/kept-memory-XXXXXX";
+  const int file = mkstemp(name);
+  unlink(name);
+  ASSERT_EQ(ftruncate(file, static_cast<off_t>(small)), 0);
+  for (const int kind : {MAP_SHARED, MAP_PRIVATE}) {
+    const vm_address_t taken = filled(small);
+    ASSERT_EQ(munmap(bytesAt(taken), small), 0);
+    ASSERT_NE(mmap(bytesAt(taken), small, PROT_READ | PROT_WRITE, kind | MAP_FIXED, file, 0), MAP_FAILED);
+    bytesAt(taken)[0] = 5;
+    giveBack(taken, small);
+    EXPECT_FALSE(isMapped(taken, page));
+  }
+  EXPECT_EQ(mach_release_kept_memory(), 0u);
+  char byte = 0;
+  EXPECT_EQ(pread(file, &byte, 1, 0), 1);
+  EXPECT_EQ(byte, 5) << "nothing was cleared through it";
+  close(file);
+}
+
+TEST_F(KeptMemoryTest, PartsAndNeighboursGoTheirOwnWays) {
+  const vm_address_t address = filled(3 * small, 1);
+  giveBack(address + small, small);
+  EXPECT_EQ(bytesAt(address)[small - 1], 1);
+  EXPECT_EQ(bytesAt(address)[2 * small], 1);
+  const vm_address_t again = allocated(small);
+  EXPECT_TRUE(isZero(again, small));
+  EXPECT_EQ(mach_release_kept_memory(), 0u);
+  giveBack(address, 3 * small);  // with the hole
+  EXPECT_FALSE(isMapped(address, page));
+  EXPECT_FALSE(isMapped(address + 2 * small, page));
+  EXPECT_EQ(mach_release_kept_memory(), 0u);
+  giveBack(again, small);
+
+  // Two that lie side by side, given back as one.
+  const vm_address_t place = allocated(2 * small);
+  giveBack(place, 2 * small);
+  mach_release_kept_memory();
+  vm_address_t first = place;
+  vm_address_t second = place + small;
+  ASSERT_EQ(vm_allocate(self, &first, small, VM_FLAGS_FIXED), KERN_SUCCESS);
+  ASSERT_EQ(vm_allocate(self, &second, small, VM_FLAGS_FIXED), KERN_SUCCESS);
+  std::memset(bytesAt(place), 3, 2 * small);
+  giveBack(place, 2 * small);
+  EXPECT_FALSE(isMapped(place, page));
+  const vm_address_t both = allocated(2 * small);
+  EXPECT_TRUE(isZero(both, 2 * small));
+  giveBack(both, 2 * small);
+}
+
+TEST_F(KeptMemoryTest, ComesAgainWritableAndAbleToBeShared) {
+  const vm_address_t first = filled(small);
+  ASSERT_EQ(mprotect(bytesAt(first), small, PROT_READ), 0);
+  ASSERT_EQ(madvise(bytesAt(first), small, MADV_DODUMP), 0);
+  ASSERT_EQ(madvise(bytesAt(first), small, MADV_DONTFORK), 0);
+  giveBack(first, small);
+  const vm_address_t second = allocated(small);
+  EXPECT_EQ(mach_release_kept_memory(), 0u) << "it is the same memory";
+  EXPECT_TRUE(isZero(second, small));
+  std::memset(bytesAt(second), 4, small);
+  const pid_t child = fork();
+  if (child == 0) _exit(bytesAt(second)[small - 1] == 4 ? 0 : 1);
+  int status = -1;
+  waitpid(child, &status, 0);
+  EXPECT_EQ(status, 0) << "a child has its own copy, as of all memory";
+  const mach_port_t entry = entryOf(second, small);
+  vm_address_t mapped = 0;
+  ASSERT_EQ(mapEntry(entry, &mapped, small), KERN_SUCCESS);
+  EXPECT_EQ(bytesAt(mapped)[small - 1], 4);
+  mach_port_deallocate(self, entry);
+  giveBack(second, small);
+  giveBack(mapped, small);
+}
+
+TEST_F(KeptMemoryTest, StaysWithinItsLimit) {
+  mach_limit_kept_memory(3 * small);
+  std::vector<vm_address_t> all;
+  for (int i = 0; i < 6; ++i) all.push_back(filled(small));
+  for (const vm_address_t address : all) giveBack(address, small);
+  giveBack(filled(4 * small), 4 * small);
+  giveBack(filled(page), page);
+  EXPECT_EQ(mach_release_kept_memory(), 3 * small);
+  giveBack(filled(small), small);
+  mach_limit_kept_memory(0);
+  giveBack(filled(small), small);
+  EXPECT_EQ(mach_release_kept_memory(), 0u);
+}
+
+// In bytes, as the limit of address space counts them.
+vm_size_t addressSpaceInUse() {
+  std::ifstream file("/proc/self/statm");
+  vm_size_t pages = 0;
+  file >> pages;
+  return pages * page;
+}
+
+TEST_F(KeptMemoryTest, MakesRoomBeforeAnAllocationFails) {
+  if (hasAddressSanitizer) GTEST_SKIP() << "no limit of address space under the address sanitizer";
+  constexpr vm_size_t kept = vm_size_t{32} << 20;
+  giveBack(filled(kept), kept);
+  rlimit before;
+  ASSERT_EQ(getrlimit(RLIMIT_AS, &before), 0);
+  const rlimit tight{addressSpaceInUse() + kept / 4, before.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_AS, &tight), 0);
+  vm_address_t address = 0;
+  const kern_return_t fits = vm_allocate(self, &address, kept - page, VM_FLAGS_ANYWHERE);
+  vm_address_t second = 0;
+  const kern_return_t doesNot = vm_allocate(self, &second, kept - page, VM_FLAGS_ANYWHERE);
+  ASSERT_EQ(setrlimit(RLIMIT_AS, &before), 0);
+  EXPECT_EQ(fits, KERN_SUCCESS);
+  EXPECT_EQ(doesNot, KERN_NO_SPACE);
+  EXPECT_EQ(mach_release_kept_memory(), 0u);
+  giveBack(address, kept - page);
+}
+
+// Threads make and release at once; every byte is as its owner left it, and zero at first.
+TEST_F(KeptMemoryTest, ServesThreads) {
+  std::vector<int> faults(4);
+  const auto work = [&faults](int thread) {
+    std::mt19937 random(static_cast<unsigned>(thread));
+    for (int i = 0; i < 300; ++i) {
+      const vm_size_t size = small * (1 + random() % 2);
+      vm_address_t address = 0;
+      if (vm_allocate(self, &address, size, VM_FLAGS_ANYWHERE) != KERN_SUCCESS) ++faults[thread];
+      if (!isZero(address, size)) ++faults[thread];
+      std::memset(bytesAt(address), thread + 1, size);
+      if (bytesAt(address)[size - 1] != thread + 1 || bytesAt(address)[0] != thread + 1) ++faults[thread];
+      if (vm_deallocate(self, address, size) != KERN_SUCCESS) ++faults[thread];
+    }
+  };
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 4; ++i) threads.emplace_back(work, i);
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(faults, std::vector<int>(4));
+}
+
+}  // namespace
