@@ -54,6 +54,17 @@ constexpr const char* StateFooter = R"(
 A state is a property list, XML or binary: a gradient's or levels' dictionary, opaque data, or a keyed archive of one,
 under present or older class names. --convert keeps the form of the file (dictionary or archive) unless --form is given.)";
 
+constexpr const char* InspectFooter = R"(
+Every input parameter of the effect has a row; the preview is rendered again on every change. Sequences play (space).
+Ctrl+S saves the state of a gradient, levels or opaque parameter where it came from, Ctrl+Shift+S elsewhere; Ctrl+E
+saves the picture in full size, Ctrl+Z and Ctrl+Shift+Z undo and redo, Ctrl+Q quits. A state file dropped on the window
+is loaded. A screenshot needs no display.
+
+Examples:
+  vorto inspect Levels --input photo.png --state levels=grade.plist
+  vorto inspect "Gradient Map" --input in.%04d.exr
+  vorto inspect --state gradient=sunset.plist --screenshot gradient.png --scale 2 --appearance dark)";
+
 void addEffects(CLI::App& app, EffectsOptions& options) {
   CLI::App* command = app.add_subcommand("effects", "List the effects by kind, with their ports, ranges and defaults");
   command->add_flag("--json", options.json, "As JSON");
@@ -116,11 +127,47 @@ void addSheet(CLI::App& app, SheetOptions& options) {
       ->type_name("TEXT");
 }
 
+void addInspect(CLI::App& app, InspectOptions& options) {
+  CLI::App* command =
+      app.add_subcommand("inspect", "Open an effect's parameters, or one saved state, in a window with a live preview");
+  command->footer(InspectFooter);
+  command->add_option("effect", options.effect, "The effect's name; left out to edit a state alone")
+      ->type_name("EFFECT");
+  command->add_option("-i,--input", options.inputs, "The effect's pictures or sequences, as for render")
+      ->type_name("FILE");
+  command->add_option("--set", options.values, "Set a port; may be repeated")
+      ->type_name("PORT=VALUE")
+      ->allow_extra_args(false);
+  command
+      ->add_option("--state", options.states,
+                   "Set a gradient, levels or opaque port from a saved state; without an effect, the kind of the state "
+                   "(gradient, levels, opaque) and its file")
+      ->type_name("PORT=FILE")
+      ->allow_extra_args(false);
+  command->add_option("--size", options.size, "As for render")->type_name("WxH");
+  command->add_option("--time", options.time, "As for render")->type_name("T");
+  command->add_option("--depth", options.depth, "As for render")->type_name("DEPTH");
+  command->add_option("--frames", options.frames, "The frames of a sequence; default: all that exist")
+      ->type_name("A-B");
+  command->add_option("--rate", options.rate, "Frames per second of a sequence")->type_name("N")->default_str("25");
+  command
+      ->add_option("--screenshot", options.screenshot,
+                   "Write a picture of the window (png, jpg, tif or exr) instead of showing it")
+      ->type_name("FILE");
+  command->add_option("--appearance", options.appearance, "light or dark; default: as the desktop")
+      ->check(CLI::IsMember({"light", "dark"}))
+      ->type_name("LOOK");
+  command->add_option("--scale", options.scale, "Device pixels per point, 0.5 to 4; default: as the desktop")
+      ->check(CLI::Range(0.5, 4.0))
+      ->type_name("N");
+}
+
 struct Options {
   EffectsOptions effects;
   RenderOptions render;
   StateOptions state;
   SheetOptions sheet;
+  InspectOptions inspect;
 };
 
 void addCommands(CLI::App& app, Options& options) {
@@ -132,15 +179,18 @@ void addCommands(CLI::App& app, Options& options) {
   addRender(app, options.render);
   addState(app, options.state);
   addSheet(app, options.sheet);
+  addInspect(app, options.inspect);
 }
 
-void runCommand(const CLI::App& app, const Options& options) {
+void runCommand(const CLI::App& app, const Options& options, const InspectAction& inspect) {
   if (app.got_subcommand("effects")) {
     runEffects(options.effects);
   } else if (app.got_subcommand("render")) {
     runRender(options.render);
   } else if (app.got_subcommand("state")) {
     runState(options.state);
+  } else if (app.got_subcommand("inspect")) {
+    inspect(options.inspect);
   } else {
     runSheet(options.sheet);
   }
@@ -154,7 +204,7 @@ int report(const std::string& message, ExitCode code) {
 
 }  // namespace
 
-int runProgram(int argc, char** argv) {
+int runProgram(int argc, char** argv, const InspectAction& inspect) {
   try {
     CLI::App app("Lists and renders image effects, and looks into their saved parameters.");
     Options options;
@@ -168,7 +218,7 @@ int runProgram(int argc, char** argv) {
     } catch (const CLI::ParseError& error) {
       return report(std::string(error.what()) + " (vorto --help tells more)", ExitCode::Usage);
     }
-    runCommand(app, options);
+    runCommand(app, options, inspect);
     return static_cast<int>(ExitCode::Success);
   } catch (const Failure& failure) {
     return report(failure.what(), failure.code);

@@ -90,24 +90,33 @@ void EffectRendering::askGenerator() {
 }
 
 Picture EffectRendering::render(const InputPictures& pictures, double time) {
-  connectInputs(pictures);
+  connect(pictures);
+  return pictureOf(*result(time));
+}
+
+BitmapRef EffectRendering::result(double time) {
   setTime(time);
   std::string reason;
-  const std::string name = "the effect \"" + effect_ + "\"";
   if (!patch_->executeAtTime(time, &reason)) {
-    throw Failure(ExitCode::Effect, name + " could not render" + (reason.empty() ? "" : ": " + reason));
+    throw Failure(ExitCode::Effect, described() + " could not render" + (reason.empty() ? "" : ": " + reason));
   }
   BitmapRef result = VRTImage::bitmapOfPort(dynamic_cast<QCImagePort&>(*roles_.output));
-  if (!result) throw Failure(ExitCode::Effect, name + " gave no image");
+  if (!result) throw Failure(ExitCode::Effect, described() + " gave no image");
+  return size_ ? scaledBitmap(result, size_->width, size_->height) : result;
+}
+
+Picture EffectRendering::pictureOf(const VortoBitmap& result) const {
   Picture picture;
-  if (size_) result = scaledBitmap(result, size_->width, size_->height);
-  picture.pixels = pixelsOfBitmap(*result, name);
-  const Depth own = pictures.bitmaps.empty() ? depthOfSamples(picture.pixels.sample) : pictures.depth;
-  picture.depth = depth_.value_or(own);
+  picture.pixels = pixelsOfBitmap(result, described());
+  picture.depth = depth_.value_or(inputDepth_.value_or(depthOfSamples(picture.pixels.sample)));
   return picture;
 }
 
-void EffectRendering::connectInputs(const InputPictures& pictures) {
+std::string EffectRendering::described() const {
+  return "the effect \"" + effect_ + "\"";
+}
+
+void EffectRendering::connect(const InputPictures& pictures) {
   std::vector<BitmapRef> bitmaps = pictures.bitmaps;
   if (size_ && bitmaps.size() > 1) {
     for (BitmapRef& bitmap : bitmaps) bitmap = scaledBitmap(bitmap, size_->width, size_->height);
@@ -119,8 +128,11 @@ void EffectRendering::connectInputs(const InputPictures& pictures) {
                                        "; --size WxH brings both to one size");
   }
   for (std::size_t i = 0; i < bitmaps.size(); ++i) {
-    VRTImage::setBitmapOfPort(dynamic_cast<QCImagePort&>(*roles_.inputs[i]), bitmaps[i]);
+    auto& port = dynamic_cast<QCImagePort&>(*roles_.inputs[i]);
+    // Those who watch the port would take the same still for a new image.
+    if (VRTImage::bitmapOfPort(port) != bitmaps[i]) VRTImage::setBitmapOfPort(port, bitmaps[i]);
   }
+  if (!bitmaps.empty()) inputDepth_ = pictures.depth;
 }
 
 void EffectRendering::setTime(double time) {

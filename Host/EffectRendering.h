@@ -40,12 +40,17 @@ class EffectRendering {
   // Throws Failure when the pictures do not fit each other or the effect cannot render them.
   Picture render(const InputPictures& pictures, double time);
 
+  // The same in steps, for hosts that render the same pictures again with other parameters.
+  void connect(const InputPictures& pictures);
+  BitmapRef result(double time);                       // runs the effect; what it gave, in the size asked for
+  Picture pictureOf(const VortoBitmap& result) const;  // in the depth to write it in
+
  private:
   void chooseKind(std::size_t inputCount);
   void checkRoles() const;
   void askGenerator();
-  void connectInputs(const InputPictures& pictures);
   void setTime(double time);
+  std::string described() const;
 
   const std::string effect_;
   const std::optional<PictureSize> size_;
@@ -53,6 +58,7 @@ class EffectRendering {
   std::shared_ptr<QCPatch> patch_;
   EffectKind kind_ = EffectKind::Filter;
   EffectRoles roles_;
+  std::optional<Depth> inputDepth_;  // of the pictures that are connected; none for generators
 };
 
 }  // namespace host

@@ -1,6 +1,7 @@
 #include "Host/Effects.h"
 
 #include "Host/CloseNames.h"
+#include "Host/ExecutionContext.h"
 #include "Host/Failure.h"
 #include "Host/ProgramFolder.h"
 #include "Platform/QuartzComposer/QCPatch.h"
@@ -81,6 +82,7 @@ const char* effectKindPlural(EffectKind kind) {
 }
 
 void loadEffects() {
+  provideExecutionContext();
   const auto manager = VRTNodeManager::manager();
   for (const std::string& folder : additionalFolders()) manager->loadPlugInsInFolder(folder, {"plugin", "qtz"});
   manager->loadFailures();  // resolves compositions, and so reports the broken ones now

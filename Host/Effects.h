@@ -19,7 +19,7 @@ const char* effectKindKey(EffectKind kind);     // "filter", "transition", "gene
 const char* effectKindPlural(EffectKind kind);  // "Filters", ...
 
 // Loads plug-ins: first the system's folders, then those of VORTO_PLUGIN_PATH (separated by colons), then the one
-// beside the program. Broken ones are reported on standard error and skipped.
+// beside the program. Broken ones are reported on standard error and skipped. Patches find an execution context.
 void loadEffects();
 
 // In the order of loading. An effect of several kinds is in several lists.

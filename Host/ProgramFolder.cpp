@@ -18,12 +18,13 @@ fs::path programFolder() {
 std::vector<std::string> libraryFolders() {
   const fs::path program = programFolder();
   return {(program / VORTO_INSTALLED_LIBRARIES).lexically_normal().string(),
-          (program / "../lib").lexically_normal().string()};
+          (program / "../lib").lexically_normal().string(), program.string()};
 }
 
 std::string plugInFolderBesideProgram() {
   const fs::path program = programFolder();
-  for (const fs::path& folder : {fs::path(VORTO_INSTALLED_LIBRARIES) / "PlugIns", fs::path("../PlugIns")}) {
+  for (const fs::path& folder :
+       {fs::path(VORTO_INSTALLED_LIBRARIES) / "PlugIns", fs::path("../PlugIns"), fs::path("PlugIns")}) {
     const fs::path candidate = (program / folder).lexically_normal();
     std::error_code error;
     if (fs::is_directory(candidate, error)) return candidate.string();

@@ -1,0 +1,82 @@
+#include "Host/Inspect/EffectSession.h"
+
+#include "Host/Failure.h"
+#include "Host/ImageFileLoader.h"
+#include "Host/OptionValues.h"
+#include "Host/Parameters.h"
+#include "Host/PortKinds.h"
+#include "Platform/QuartzComposer/QCPatch.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace host {
+namespace {
+
+// The input ports that people set: all but the images and the time.
+std::vector<QCPort*> parametersOf(EffectRendering& rendering) {
+  std::vector<QCPort*> ports;
+  for (const auto& port : rendering.patch().inputPorts()) {
+    const bool flowsIn = portKindOf(*port) == PortKind::Image || port.get() == rendering.roles().time;
+    if (!flowsIn) ports.push_back(port.get());
+  }
+  return ports;
+}
+
+std::optional<FrameRange> framesOf(const InspectOptions& options, const Inputs& inputs) {
+  const auto wanted = options.frames.empty() ? std::nullopt : std::optional(parsedFrameRange(options.frames));
+  if (!inputs.areSequence() && !wanted) return std::nullopt;
+  return inputs.checkedFrames(wanted);
+}
+
+}  // namespace
+
+EffectSession::EffectSession(const InspectOptions& options)
+    : rendering_(options.effect, options.inputs.size(), parsedSize(options.size), parsedDepth(options.depth)),
+      inputs_(options.inputs, parsedDepth(options.depth)),
+      fixedTime_(options.time) {
+  document_ = std::make_unique<ParameterDocument>(parametersOf(rendering_));
+  readParameters(options);
+  if (const auto frames = framesOf(options, inputs_)) {
+    timeline_ = Timeline::ofSequence(rendering_.kind(), *frames, options.rate);
+  } else if (rendering_.roles().time) {
+    timeline_ = Timeline::ofTransition(options.rate);
+    const double time = std::clamp(options.time.value_or(0), 0.0, 1.0);
+    position_ = static_cast<std::uint64_t>(time * static_cast<double>(timeline_.count() - 1) + 0.5);
+  }
+  rendering_.connect(inputs_.picturesAt(timeline_.frameAt(position_)));
+}
+
+void EffectSession::readParameters(const InspectOptions& options) {
+  setParameters(rendering_, options.values, options.states);
+  for (const std::string& text : options.states) {
+    const std::size_t equals = text.find('=');
+    document_->setFile(inputPortNamed(rendering_.patch(), name(), text.substr(0, equals)), text.substr(equals + 1));
+  }
+  document_->forgetHistory();
+}
+
+std::string EffectSession::description() const {
+  const PropertyList* text = const_cast<EffectRendering&>(rendering_).patch().attributes().find("description");
+  return text ? text->stringValue() : "";
+}
+
+void EffectSession::goTo(std::uint64_t position) {
+  const std::uint64_t valid = std::min(position, timeline_.count() - 1);
+  if (timeline_.isSequence()) rendering_.connect(inputs_.picturesAt(timeline_.frameAt(valid)));
+  if (!timeline_.isSequence() && valid != position_) fixedTime_.reset();
+  position_ = valid;
+}
+
+const BitmapRef& EffectSession::render() {
+  result_ = rendering_.result(fixedTime_.value_or(timeline_.timeAt(position_)));
+  return result_;
+}
+
+void EffectSession::savePicture(const std::string& path) const {
+  if (!result_) throw Failure(ExitCode::Output, "cannot write " + path + ": there is no picture");
+  Picture picture = rendering_.pictureOf(*result_);
+  writeImageFile(path, std::move(picture.pixels), picture.depth);
+}
+
+}  // namespace host

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "Platform/Foundation/PropertyList.h"
+
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+class QCPort;
+
+namespace host {
+
+// What was done to the parameters of a patch, step by step. A step is all that changed between two commits; while an
+// interaction runs (a drag, an open color dialog) nothing is committed, so that it becomes one step. Which channel of
+// levels is on view is no change.
+//
+// The ports must outlive it.
+class UndoHistory {
+ public:
+  explicit UndoHistory(std::vector<QCPort*> ports);
+
+  void startInteraction() { interacting_ = true; }
+  void endInteraction() { interacting_ = false; }
+  bool isInteracting() const { return interacting_; }
+
+  // True when something had changed and a step was made of it.
+  bool commit();
+
+  bool canUndo() const { return position_ > 0; }
+  bool canRedo() const { return position_ < steps_.size(); }
+  // Both commit first, and do nothing within an interaction.
+  void undo();
+  void redo();
+
+  // Takes the present values for the beginning.
+  void forget();
+
+ private:
+  using State = std::optional<PropertyList>;  // nothing for an empty object port
+  struct Change {
+    std::size_t port;
+    State before;
+    State after;
+  };
+  using Step = std::vector<Change>;
+
+  bool prepare();
+  void give(std::size_t port, const State& state);
+
+  const std::vector<QCPort*> ports_;
+  std::vector<State> committed_;
+  std::vector<Step> steps_;
+  std::size_t position_ = 0;  // steps before it are done, those from it on undone
+  bool interacting_ = false;
+};
+
+// A port's value without what only says what is on view; and back, with what is on view kept.
+std::optional<PropertyList> editedState(const QCPort& port);
+void setEditedState(QCPort& port, const std::optional<PropertyList>& state);
+
+}  // namespace host

@@ -1,0 +1,9 @@
+#include "Host/CommandLine.h"
+#include "Host/Inspect/Inspector.h"
+
+#include <cstdlib>
+
+int main(int argc, char** argv) {
+  return host::runProgram(
+      argc, argv, [argc, argv](const host::InspectOptions& options) { host::runInspector(options, argc, argv); });
+}
