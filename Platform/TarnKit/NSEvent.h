@@ -44,4 +44,5 @@ class TARN_EXPORT NSEvent {
   int clickCount_ = 0;
   QPoint globalPosition_;
   const QMouseEvent* source_ = nullptr;  // handed on to ordinary widgets when no view wants the event
+  mutable bool wasTaken_ = true;         // false once the topmost view has handed it on
 };

@@ -153,13 +153,13 @@ class TARN_EXPORT NSTarnView : public QWidget {
   friend void NSSetFrame(QWidget& widget, NSRect frame);
 
   using Handler = void (NSTarnView::*)(const NSEvent&);
-  void layOutSubviews();
+  void layOutSubviews(const QObject* except = nullptr);
   void press(QMouseEvent* event, int clickCount);
   void pass(Handler handler, const NSEvent& event);
   void passModifiers(const QKeyEvent& event);
   void updateCursor(QPointF position);
-  bool wantsDrag(const QMimeData* data) const;
-  void answerDrag(QDropEvent& event, std::uint32_t operation) const;
+  bool wantsDrag(const NSDraggingInfo& info) const;
+  void answerDrag(QDropEvent& event, std::uint32_t operation);
 
   struct ToolTip {
     NSRect rect;
@@ -170,7 +170,9 @@ class TARN_EXPORT NSTarnView : public QWidget {
   bool autoresizesSubviews_ = true;
   bool inLiveResize_ = false;
   bool leftButtonDown_ = false;
+  bool rightPressTaken_ = false;
   bool cursorIsSet_ = false;
   std::vector<ToolTip> toolTips_;
   QStringList draggedTypes_;
+  std::uint32_t dragOperation_ = NSDragOperationNone;  // what the last move over the view answered
 };

@@ -1,0 +1,4 @@
+#pragma once
+
+// Makes views and their parts known to Qt's accessibility interface. Calling it again does nothing.
+void NSInstallViewAccessibility();
