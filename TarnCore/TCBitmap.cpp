@@ -1,5 +1,6 @@
 #include "TarnCore/TCBitmap.h"
 
+#include "TarnCore/TCBitmapSlack.h"
 #include "TarnCore/TCPixel.h"
 #include "TarnCore/TCPixelFormat.h"
 
@@ -51,7 +52,9 @@ void VortoBitmap::setData(const void* source) {
     const std::uint32_t rowBytes = width * channels * (bitsPerChannel / 8) + rowPadding;
     bytes = static_cast<std::uint64_t>(rowBytes) * height;  // both sides have the same stride: one piece
   }
-  std::memmove(data, source, std::min<std::uint64_t>(bytes, accessibleBytes()));
+  const std::size_t fitting = std::min<std::uint64_t>(bytes, accessibleBytes());
+  vorto::declareTouched(data, fitting);
+  std::memmove(data, source, fitting);
 }
 
 VortoBitmap* TCCreateBitmap(std::uint32_t width, std::uint32_t height, std::uint32_t formatCode) {

@@ -125,7 +125,8 @@ class TARN_EXPORT VortoBitmap : public VortoImage {
                                 const VortoColor& background);
   void doOutputConversion(bool unpremultiply, bool opaque, bool alphaToGray, const VortoColor& background);
 
-  // The bytes that may be touched at `data`.
+  // The bytes that may be touched at `data`. In a build with the address sanitizer those behind the pixels are
+  // poisoned until an operation's rule reaches them.
   std::size_t accessibleBytes() const { return data ? allocSize : 0; }
 
  private:

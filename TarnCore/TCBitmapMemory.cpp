@@ -1,5 +1,6 @@
 #include "Platform/Mach/mach.h"
 #include "TarnCore/TCBitmap.h"
+#include "TarnCore/TCBitmapSlack.h"
 #include "TarnCore/TCPixelFormat.h"
 
 #include <cstdio>
@@ -77,6 +78,7 @@ void VortoBitmap::allocateMemory() {
   }
   // A kernel of larger pages names more than was asked for.
   if (entrySize <= UINT32_MAX) allocSize = static_cast<std::uint32_t>(entrySize);
+  vorto::poisonSlack(*this);
 }
 
 void VortoBitmap::deallocateMemory() {

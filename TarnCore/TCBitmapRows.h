@@ -1,13 +1,15 @@
 #pragma once
 
 #include "TarnCore/TCBitmap.h"
+#include "TarnCore/TCBitmapSlack.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
 // How operations on bitmaps walk through rows without leaving what was allocated. Sizes are computed in 64 bits here,
-// so none wraps: what does not fit the allocation is cut off at its end.
+// so none wraps: what does not fit the allocation is cut off at its end. What is found to be inside is declared
+// (TCBitmapSlack.h).
 namespace vorto {
 
 // More than any allocation has; larger sizes are cut down to it, so that a row times a stride fits 64 bits.
@@ -29,7 +31,10 @@ inline std::uint64_t rowBytesOf(const VortoBitmap& bitmap) {
 // How many of `wanted` bytes from an offset on are inside the allocation.
 inline std::size_t bytesWithin(const VortoBitmap& bitmap, std::uint64_t offset, std::uint64_t wanted) {
   const std::uint64_t bytes = bitmap.accessibleBytes();
-  return offset < bytes ? std::min(wanted, bytes - offset) : 0;
+  if (offset >= bytes) return 0;
+  const std::uint64_t count = std::min(wanted, bytes - offset);
+  declareTouched(bitmap.data + offset, count);
+  return count;
 }
 
 // How many of `wanted` records of `size` bytes, `step` apart (not 0), lie wholly inside the allocation from an offset
@@ -38,7 +43,9 @@ inline std::size_t recordsWithin(const VortoBitmap& bitmap, std::uint64_t offset
                                  std::uint64_t step, std::uint64_t size) {
   const std::uint64_t bytes = bitmap.accessibleBytes();
   if (offset >= bytes || bytes - offset < size) return 0;
-  return std::min(wanted, (bytes - offset - size) / step + 1);
+  const std::uint64_t count = std::min(wanted, (bytes - offset - size) / step + 1);
+  if (count > 0) declareTouched(bitmap.data + offset, (count - 1) * step + size);
+  return count;
 }
 
 // Calls operation(pixels, count) for the rows of four-byte pixels that are `step` bytes apart, in order; once for all

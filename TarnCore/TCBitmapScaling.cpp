@@ -1,9 +1,11 @@
 #include "TarnCore/TCBitmapScaling.h"
 
+#include "TarnCore/TCBitmapSlack.h"
 #include "TarnCore/TCPixelFormat.h"
 #include "TarnCore/kernels/Depth.h"
 #include "TarnCore/kernels/Scale.h"
 
+#include <algorithm>
 #include <memory>
 
 namespace {
@@ -12,12 +14,20 @@ using vorto::kernels::DepthLayout;
 using vorto::kernels::ScaleDestination;
 using vorto::kernels::ScaleSource;
 
+// How many pixels of that size lie in the allocation; those of the bitmap's own width and height are declared.
+std::size_t accessiblePixels(const VortoBitmap& bitmap, std::size_t pixelBytes) {
+  const std::size_t pixels = bitmap.accessibleBytes() / pixelBytes;
+  vorto::declareTouched(bitmap.data,
+                        std::min<std::uint64_t>(pixels, std::uint64_t{bitmap.width} * bitmap.height) * pixelBytes);
+  return pixels;
+}
+
 ScaleSource sourceOf(const VortoBitmap& bitmap, std::size_t pixelBytes) {
-  return {bitmap.data, bitmap.width, bitmap.height, bitmap.accessibleBytes() / pixelBytes};
+  return {bitmap.data, bitmap.width, bitmap.height, accessiblePixels(bitmap, pixelBytes)};
 }
 
 ScaleDestination destinationOf(const VortoBitmap& bitmap, std::size_t pixelBytes) {
-  return {bitmap.data, bitmap.width, bitmap.height, bitmap.accessibleBytes() / pixelBytes};
+  return {bitmap.data, bitmap.width, bitmap.height, accessiblePixels(bitmap, pixelBytes)};
 }
 
 void scale(const VortoBitmap* destination, const VortoBitmap* source, std::size_t pixelBytes) {

@@ -2,6 +2,7 @@
 #include "TarnCore/TCPixel.h"
 
 #include "Platform/Mach/mach.h"
+#include "Platform/Sanitizer.h"
 
 #include <gtest/gtest.h>
 
@@ -14,8 +15,15 @@ namespace {
 
 using Bitmap = std::unique_ptr<VortoBitmap>;
 
+// These tests look behind the pixels too, up to the end of the allocation.
+void openSlack(const VortoBitmap& bitmap) {
+  unpoisonMemory(bitmap.data, bitmap.allocSize);
+}
+
 Bitmap made(std::uint32_t width, std::uint32_t height, std::uint32_t code) {
-  return Bitmap(TCCreateBitmap(width, height, code));
+  Bitmap bitmap(TCCreateBitmap(width, height, code));
+  if (bitmap) openSlack(*bitmap);
+  return bitmap;
 }
 
 void fill(VortoBitmap& bitmap, int seed) {
@@ -102,6 +110,7 @@ TEST(Bitmap, CopiesHaveMemoryOfTheirOwn) {
   const std::vector<std::uint8_t> before(source->data, source->data + source->allocSize);
   {
     const VortoBitmap copied(*source);
+    openSlack(copied);
     EXPECT_NE(copied.data, source->data);
     EXPECT_NE(copied.memoryEntry, source->memoryEntry);
     EXPECT_EQ(copied.formatCode, 4u);
