@@ -52,7 +52,7 @@ NSGraphicsContext* NSGraphicsContext::currentContext() {
 }
 
 double NSGraphicsContext::devicePixelRatio() const {
-  return painter_.device()->devicePixelRatioF();
+  return std::abs(painter_.deviceTransform().m11());
 }
 
 QPointF NSGraphicsContext::toWidget(NSPoint point) const {

@@ -27,7 +27,7 @@ class TARN_EXPORT NSGraphicsContext {
   QPainter& painter() const { return painter_; }
   const QWidget& widget() const { return widget_; }
   bool isFlipped() const { return flipped_; }
-  double devicePixelRatio() const;
+  double devicePixelRatio() const;  // of what is painted on, which may be an image
 
   QPointF toWidget(NSPoint point) const;
   QRectF toWidget(NSRect rect) const;
