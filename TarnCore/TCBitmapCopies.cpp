@@ -31,13 +31,13 @@ void forEachMirroredRow(const VortoBitmap& destination, const VortoBitmap& sourc
   }
 }
 
-bool isStreamed(const VortoBitmap& destination) {
-  return destination.accessibleBytes() >= kStreamedBytes;
+bool isStreamedTo(const VortoBitmap& destination) {
+  return isStreamed(destination.accessibleBytes());
 }
 
 void copyRows(VortoBitmap& destination, const VortoBitmap& source) {
   const std::uint64_t wanted = vorto::rowBytesOf(destination);
-  const bool streamed = isStreamed(destination);
+  const bool streamed = isStreamedTo(destination);
   forEachMirroredRow(destination, source, [&](std::uint64_t to, std::uint64_t from) {
     const std::size_t bytes =
         std::min(vorto::bytesWithin(destination, to, wanted), vorto::bytesWithin(source, from, wanted));
@@ -47,16 +47,17 @@ void copyRows(VortoBitmap& destination, const VortoBitmap& source) {
 
 void convertRows(VortoBitmap& destination, const VortoBitmap& source) {
   const std::uint64_t wanted = (vorto::rowBytesOf(source) + 3) / 4;
+  const bool streamed = isStreamedTo(destination);
   forEachMirroredRow(destination, source, [&](std::uint64_t to, std::uint64_t from) {
     const std::size_t pairs =
         std::min(vorto::recordsWithin(destination, to, wanted, 8, 8), vorto::recordsWithin(source, from, wanted, 4, 4));
-    if (pairs > 0) convertYUVtoARGB(destination.data + to, source.data + from, pairs);
+    if (pairs > 0) convertYUVtoARGB(destination.data + to, source.data + from, pairs, streamed);
   });
 }
 
 void swizzle(VortoBitmap& destination, const VortoBitmap& source, const BytePattern& order) {
   const std::uint64_t step = vorto::pixelBytesOf(source);
-  const bool streamed = isStreamed(destination) && destination.data != source.data;
+  const bool streamed = isStreamedTo(destination) && destination.data != source.data;
   vorto::forEachRowOf(source, destination, step, [&](std::uint8_t* to, const std::uint8_t* from, std::size_t count) {
     if (step == 4) return shuffleBytes(to, from, 4 * count, order, 4, streamed);
     for (std::size_t i = 0; i < count; ++i) shuffleBytes(to + i * step, from + i * step, 4, order, 4, false);
@@ -79,7 +80,7 @@ void cropRow(VortoBitmap& destination, std::uint64_t to, const VortoBitmap& sour
   const std::uint64_t begin = static_cast<std::uint64_t>(from) + missing;
   const std::size_t bytes = std::min(vorto::bytesWithin(destination, to + missing, wanted - missing),
                                      vorto::bytesWithin(source, begin, wanted - missing));
-  if (bytes > 0) copyBytes(destination.data + to + missing, source.data + begin, bytes, isStreamed(destination));
+  if (bytes > 0) copyBytes(destination.data + to + missing, source.data + begin, bytes, isStreamedTo(destination));
 }
 
 // Converts the columns of a row that exist on both sides; the first of them is where chroma starts.
@@ -99,7 +100,8 @@ void cropYUVRow(VortoBitmap& destination, std::uint64_t to, const VortoBitmap& s
   const std::size_t count = std::min(vorto::recordsWithin(destination, to + missing * step, wanted, step, 4),
                                      vorto::recordsWithin(source, begin, wanted, 2, 2));
   if (count == 0) return;
-  convertLaggingYUVtoARGB(destination.data + to + missing * step, step, source.data + begin, isOdd, count);
+  convertLaggingYUVtoARGB(destination.data + to + missing * step, step, source.data + begin, isOdd, count,
+                          isStreamedTo(destination));
 }
 
 }  // namespace
@@ -123,7 +125,7 @@ void VortoBitmap::copyWithFlipAndSwizzleARGBtoRGBA(const VortoBitmap& source) {
   if (vorto::rowBytesOf(*this) != vorto::rowBytesOf(source)) {
     VortoUnreachable(kSource, __LINE__, "Cannot copyWithFlipAndSwizzle between bitdephs");
   }
-  const bool streamed = isStreamed(*this);
+  const bool streamed = isStreamedTo(*this);
   forEachMirroredRow(*this, source, [&](std::uint64_t to, std::uint64_t from) {
     const std::size_t count =
         std::min(vorto::recordsWithin(*this, to, width, 4, 4), vorto::recordsWithin(source, from, width, 4, 4));

@@ -17,7 +17,7 @@ void copyPixels(VortoBitmap& destination, const VortoBitmap& source) {
   if (bytes == 0) return;
   vorto::declareTouched(destination.data, bytes);
   vorto::declareTouched(source.data, bytes);
-  std::memmove(destination.data, source.data, bytes);
+  vorto::kernels::copyBytes(destination.data, source.data, bytes, isStreamed(bytes));
 }
 
 // How many steps of `stride` bytes begin within `bytes`.

@@ -8,9 +8,10 @@
 // After foreach_target.h:
 #include <hwy/highway.h>
 
+#include "TarnCore/kernels/Stores-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace vorto::kernels::HWY_NAMESPACE {
-namespace hn = hwy::HWY_NAMESPACE;
 
 #if HWY_TARGET == HWY_SCALAR
 void complementHalf(std::uint8_t* pixels, std::size_t count) {
@@ -37,7 +38,7 @@ void complementFloat(std::uint8_t* pixels, std::size_t count) {
   const std::size_t whole = count * 4 / hn::Lanes(d) * hn::Lanes(d);
   for (std::size_t i = 0; i < whole; i += hn::Lanes(d)) {
     const auto v = hn::LoadU(d, channels + i);
-    hn::StoreU(hn::IfThenElse(isAlpha, hn::Sub(one, v), v), d, channels + i);
+    storeNext<false>(hn::IfThenElse(isAlpha, hn::Sub(one, v), v), d, channels + i);
   }
   complementAlphaFloatScalar(pixels + 4 * whole, count - whole / 4);
 }
@@ -57,7 +58,7 @@ void complementHalf(std::uint8_t* pixels, std::size_t count) {
   for (std::size_t i = 0; i < whole; i += hn::Lanes(d)) {
     const auto v = hn::LoadU(dw, channels + i);
     const auto complement = hn::DemoteTo(dh, hn::Sub(one, hn::PromoteTo(d, hn::BitCast(dh, v))));
-    hn::StoreU(hn::IfVecThenElse(alphaBits, hn::BitCast(dw, complement), v), dw, channels + i);
+    storeNext<false>(hn::IfVecThenElse(alphaBits, hn::BitCast(dw, complement), v), dw, channels + i);
   }
 #endif
   complementAlphaHalfScalar(pixels + 2 * whole, count - whole / 4);

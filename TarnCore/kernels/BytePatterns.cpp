@@ -7,12 +7,12 @@
 #define HWY_TARGET_INCLUDE "TarnCore/kernels/BytePatterns.cpp"
 #include <hwy/foreach_target.h>
 // After foreach_target.h:
-#include <hwy/cache_control.h>
 #include <hwy/highway.h>
+
+#include "TarnCore/kernels/Stores-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace vorto::kernels::HWY_NAMESPACE {
-namespace hn = hwy::HWY_NAMESPACE;
 
 #if HWY_TARGET == HWY_SCALAR
 void complement(std::uint8_t* data, std::size_t bytes, const BytePattern& mask) {
@@ -33,7 +33,7 @@ void complement(std::uint8_t* data, std::size_t bytes, const BytePattern& mask) 
   const std::size_t lanes = hn::Lanes(d);
   const auto bits = hn::LoadDup128(d, mask.bytes);
   std::size_t i = 0;
-  for (; i + lanes <= bytes; i += lanes) hn::StoreU(hn::Xor(hn::LoadU(d, data + i), bits), d, data + i);
+  for (; i + lanes <= bytes; i += lanes) storeNext<false>(hn::Xor(hn::LoadU(d, data + i), bits), d, data + i);
   complementBytesScalar(data + i, bytes - i, mask);
 }
 
@@ -44,40 +44,48 @@ void replace(std::uint8_t* data, std::size_t bytes, const BytePattern& mask, con
   const auto values = hn::And(hn::LoadDup128(d, value.bytes), bits);
   std::size_t i = 0;
   for (; i + lanes <= bytes; i += lanes) {
-    hn::StoreU(hn::Or(hn::AndNot(bits, hn::LoadU(d, data + i)), values), d, data + i);
+    storeNext<false>(hn::Or(hn::AndNot(bits, hn::LoadU(d, data + i)), values), d, data + i);
   }
   replaceBytesScalar(data + i, bytes - i, mask, value);
 }
 
-// Whole vectors past the caches: the pixels before the first aligned one are for the definition, so that the vectors
-// begin with a whole pixel.
-std::size_t shuffleStreamed(std::uint8_t* destination, const std::uint8_t* source, std::size_t bytes,
-                            const BytePattern& order, std::size_t pixelBytes) {
+// The pixels before the first aligned vector are for the definition, so that vectors begin with a whole pixel.
+template <bool streamed>
+void shuffleVectors(std::uint8_t* destination, const std::uint8_t* source, std::size_t bytes, const BytePattern& order,
+                    std::size_t pixelBytes) {
   const D d;
   const std::size_t lanes = hn::Lanes(d);
-  const std::size_t head = (lanes - reinterpret_cast<std::uintptr_t>(destination) % lanes) % lanes;
-  if (head % pixelBytes != 0 || head > bytes) return 0;
-  shuffleBytesScalar(destination, source, head, order, pixelBytes);
   const auto indices = hn::LoadDup128(d, order.bytes);
-  std::size_t i = head;
+  std::size_t i = (lanes - reinterpret_cast<std::uintptr_t>(destination) % lanes) % lanes;
+  if (i > bytes) i = bytes;
+  shuffleBytesScalar(destination, source, i, order, pixelBytes);
   for (; i + lanes <= bytes; i += lanes) {
-    hn::Stream(hn::TableLookupBytes(hn::LoadU(d, source + i), indices), d, destination + i);
+    storeNext<streamed>(hn::TableLookupBytes(hn::LoadU(d, source + i), indices), d, destination + i);
   }
-  hwy::FlushStream();
-  return i;
+  finishStores<streamed>();
+  shuffleBytesScalar(destination + i, source + i, bytes - i, order, pixelBytes);
 }
 
-void shuffle(std::uint8_t* destination, const std::uint8_t* source, std::size_t bytes, const BytePattern& order,
-             std::size_t pixelBytes, bool streamed) {
+// Pixels of which none begins with a vector are stored where they lie.
+void shuffleUnaligned(std::uint8_t* destination, const std::uint8_t* source, std::size_t bytes,
+                      const BytePattern& order, std::size_t pixelBytes) {
   const D d;
   const std::size_t lanes = hn::Lanes(d);
   const auto indices = hn::LoadDup128(d, order.bytes);
   std::size_t i = 0;
-  if (streamed) i = shuffleStreamed(destination, source, bytes, order, pixelBytes);
   for (; i + lanes <= bytes; i += lanes) {
-    hn::StoreU(hn::TableLookupBytes(hn::LoadU(d, source + i), indices), d, destination + i);
+    storeNext<false>(hn::TableLookupBytes(hn::LoadU(d, source + i), indices), d, destination + i);
   }
   shuffleBytesScalar(destination + i, source + i, bytes - i, order, pixelBytes);
+}
+
+void shuffle(std::uint8_t* destination, const std::uint8_t* source, std::size_t bytes, const BytePattern& order,
+             std::size_t pixelBytes, bool streamed) {
+  if (reinterpret_cast<std::uintptr_t>(destination) % pixelBytes != 0) {
+    return shuffleUnaligned(destination, source, bytes, order, pixelBytes);
+  }
+  if (streamed) return shuffleVectors<true>(destination, source, bytes, order, pixelBytes);
+  shuffleVectors<false>(destination, source, bytes, order, pixelBytes);
 }
 #endif
 

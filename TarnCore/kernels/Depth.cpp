@@ -1,21 +1,22 @@
 #include "TarnCore/kernels/Depth.h"
 
 #include "TarnCore/kernels/Dispatch.h"
+#include "TarnCore/kernels/Memory.h"
 
 #include <algorithm>
-#include <cstring>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "TarnCore/kernels/Depth.cpp"
-#include <hwy/cache_control.h>
 #include <hwy/foreach_target.h>
+// After foreach_target.h:
 #include <hwy/highway.h>
+
+#include "TarnCore/kernels/Stores-inl.h"
 
 // Every conversion works on vectors of single channels; one vector holds whole pixels. A reader turns stored channels
 // in RGBA order into floats, a writer turns floats into stored channels. ARGB pixels are rotated as words.
 HWY_BEFORE_NAMESPACE();
 namespace vorto::kernels::HWY_NAMESPACE {
-namespace hn = hwy::HWY_NAMESPACE;
 
 #if HWY_TARGET == HWY_SCALAR
 void convert(std::uint8_t* out, DepthLayout to, const std::uint8_t* in, DepthLayout from, std::size_t count, bool) {
@@ -120,38 +121,37 @@ HWY_INLINE hn::Vec<Integers> biasedRound(FloatVector p, float limit) {
 
 struct WriteARGB8 {
   static constexpr std::size_t channelBytes = 1;
-  static HWY_INLINE void write(FloatVector v, std::uint8_t* out, bool) {
+  template <bool streamed>
+  static HWY_INLINE void write(FloatVector v, std::uint8_t* out) {
     const auto rounded = biasedRound(hn::Mul(v, hn::Set(Floats(), 255.0f)), 256.0f);
-    hn::StoreU(rotatePixels<24>(Bytes(), hn::DemoteTo(Bytes(), rounded)), Bytes(), out);
+    storeNext<streamed>(rotatePixels<24>(Bytes(), hn::DemoteTo(Bytes(), rounded)), Bytes(), out);
   }
 };
 
 struct WriteRGBA16 {
   static constexpr std::size_t channelBytes = 2;
-  static HWY_INLINE void write(FloatVector v, std::uint8_t* out, bool) {
+  template <bool streamed>
+  static HWY_INLINE void write(FloatVector v, std::uint8_t* out) {
     const auto rounded = biasedRound(hn::Mul(v, hn::Set(Floats(), 65535.0f)), 65536.0f);
-    hn::StoreU(hn::DemoteTo(Words(), rounded), Words(), reinterpret_cast<std::uint16_t*>(out));
+    storeNext<streamed>(hn::DemoteTo(Words(), rounded), Words(), reinterpret_cast<std::uint16_t*>(out));
   }
 };
 
 struct WriteRGBAFloat {
   static constexpr std::size_t channelBytes = 4;
-  static HWY_INLINE void write(FloatVector v, std::uint8_t* out, bool stream) {
-    if (stream) {
-      hn::Stream(v, Floats(), reinterpret_cast<float*>(out));
-    } else {
-      hn::StoreU(v, Floats(), reinterpret_cast<float*>(out));
-    }
+  template <bool streamed>
+  static HWY_INLINE void write(FloatVector v, std::uint8_t* out) {
+    storeNext<streamed>(v, Floats(), reinterpret_cast<float*>(out));
   }
 };
 
 // Converts whole vectors and answers how many pixels those were.
-template <class Write, class Read>
-std::size_t convertVectors(std::uint8_t* out, const std::uint8_t* in, std::size_t count, bool stream) {
+template <bool streamed, class Write, class Read>
+std::size_t convertVectors(std::uint8_t* out, const std::uint8_t* in, std::size_t count) {
   const std::size_t lanes = hn::Lanes(Floats());
   const std::size_t channels = count * 4 / lanes * lanes;
   for (std::size_t i = 0; i < channels; i += lanes) {
-    Write::write(Read::read(in + i * Read::channelBytes), out + i * Write::channelBytes, stream);
+    Write::template write<streamed>(Read::read(in + i * Read::channelBytes), out + i * Write::channelBytes);
   }
   return channels / 4;
 }
@@ -160,17 +160,18 @@ using AllBytes = hn::ScalableTag<std::uint8_t>;
 using AllWords = hn::ScalableTag<std::uint16_t>;
 
 // RGBA8 to ARGB8: the value survives the way through a float.
+template <bool streamed>
 std::size_t reorderBytes(std::uint8_t* out, const std::uint8_t* in, std::size_t count) {
   const AllBytes d;
   const std::size_t bytes = count * 4 / hn::Lanes(d) * hn::Lanes(d);
   for (std::size_t i = 0; i < bytes; i += hn::Lanes(d)) {
-    hn::StoreU(rotatePixels<24>(d, hn::LoadU(d, in + i)), d, out + i);
+    storeNext<streamed>(rotatePixels<24>(d, hn::LoadU(d, in + i)), d, out + i);
   }
   return bytes / 4;
 }
 
 // Bytes to words: 65535 / 255 is 257, so both bytes of the word are the byte.
-template <bool fromARGB>
+template <bool streamed, bool fromARGB>
 std::size_t widenBytes(std::uint8_t* out, const std::uint8_t* in, std::size_t count) {
   const AllWords d;
   const hn::Rebind<std::uint8_t, AllWords> bytesTag;
@@ -179,12 +180,13 @@ std::size_t widenBytes(std::uint8_t* out, const std::uint8_t* in, std::size_t co
     auto bytes = hn::LoadU(bytesTag, in + i);
     if constexpr (fromARGB) bytes = rotatePixels<8>(bytesTag, bytes);
     const auto words = hn::PromoteTo(d, bytes);
-    hn::StoreU(hn::Or(words, hn::ShiftLeft<8>(words)), d, reinterpret_cast<std::uint16_t*>(out) + i);
+    storeNext<streamed>(hn::Or(words, hn::ShiftLeft<8>(words)), d, reinterpret_cast<std::uint16_t*>(out) + i);
   }
   return channels / 4;
 }
 
 // Words to bytes: v / 257 rounded, which never is a half, in words without overflow.
+template <bool streamed>
 std::size_t narrowWords(std::uint8_t* out, const std::uint8_t* in, std::size_t count) {
   const AllWords d;
   const hn::RebindToSigned<AllWords> signedTag;
@@ -194,52 +196,50 @@ std::size_t narrowWords(std::uint8_t* out, const std::uint8_t* in, std::size_t c
     const auto v = hn::SaturatedAdd(hn::LoadU(d, reinterpret_cast<const std::uint16_t*>(in) + i), hn::Set(d, 128));
     const auto rounded = hn::ShiftRight<8>(hn::Sub(v, hn::ShiftRight<8>(v)));
     const auto bytes = hn::DemoteTo(bytesTag, hn::BitCast(signedTag, rounded));
-    hn::StoreU(rotatePixels<24>(bytesTag, bytes), bytesTag, out + i);
+    storeNext<streamed>(rotatePixels<24>(bytesTag, bytes), bytesTag, out + i);
   }
   return channels / 4;
 }
 
-template <class Write>
-std::size_t convertFrom(DepthLayout from, std::uint8_t* out, const std::uint8_t* in, std::size_t count, bool stream) {
+template <bool streamed, class Write>
+std::size_t convertFrom(DepthLayout from, std::uint8_t* out, const std::uint8_t* in, std::size_t count) {
   switch (from) {
     case DepthLayout::RGBA8:
-      return convertVectors<Write, ReadRGBA8>(out, in, count, stream);
+      return convertVectors<streamed, Write, ReadRGBA8>(out, in, count);
     case DepthLayout::ARGB8:
-      return convertVectors<Write, ReadARGB8>(out, in, count, stream);
+      return convertVectors<streamed, Write, ReadARGB8>(out, in, count);
     case DepthLayout::RGBA16:
-      return convertVectors<Write, ReadRGBA16>(out, in, count, stream);
+      return convertVectors<streamed, Write, ReadRGBA16>(out, in, count);
     case DepthLayout::RGBAHalf:
-      return convertVectors<Write, ReadRGBAHalf>(out, in, count, stream);
+      return convertVectors<streamed, Write, ReadRGBAHalf>(out, in, count);
     case DepthLayout::RGBAFloat:
-      return convertVectors<Write, ReadRGBAFloat>(out, in, count, stream);
+      return convertVectors<streamed, Write, ReadRGBAFloat>(out, in, count);
   }
   return 0;
 }
 
-std::size_t convertWhole(std::uint8_t* out, DepthLayout to, const std::uint8_t* in, DepthLayout from, std::size_t count,
-                         bool stream) {
-  if (to == from) {
-    std::memcpy(out, in, count * depthPixelBytes(to));
-    return count;
-  }
+template <bool streamed>
+std::size_t convertWhole(std::uint8_t* out, DepthLayout to, const std::uint8_t* in, DepthLayout from,
+                         std::size_t count) {
   if (to == DepthLayout::ARGB8) {
-    if (from == DepthLayout::RGBA8) return reorderBytes(out, in, count);
-    if (from == DepthLayout::RGBA16) return narrowWords(out, in, count);
-    return convertFrom<WriteARGB8>(from, out, in, count, stream);
+    if (from == DepthLayout::RGBA8) return reorderBytes<streamed>(out, in, count);
+    if (from == DepthLayout::RGBA16) return narrowWords<streamed>(out, in, count);
+    return convertFrom<streamed, WriteARGB8>(from, out, in, count);
   }
   if (to == DepthLayout::RGBA16) {
-    if (from == DepthLayout::RGBA8) return widenBytes<false>(out, in, count);
-    if (from == DepthLayout::ARGB8) return widenBytes<true>(out, in, count);
-    return convertFrom<WriteRGBA16>(from, out, in, count, stream);
+    if (from == DepthLayout::RGBA8) return widenBytes<streamed, false>(out, in, count);
+    if (from == DepthLayout::ARGB8) return widenBytes<streamed, true>(out, in, count);
+    return convertFrom<streamed, WriteRGBA16>(from, out, in, count);
   }
-  return convertFrom<WriteRGBAFloat>(from, out, in, count, stream);
+  return convertFrom<streamed, WriteRGBAFloat>(from, out, in, count);
 }
 
 void convert(std::uint8_t* out, DepthLayout to, const std::uint8_t* in, DepthLayout from, std::size_t count,
-             bool stream) {
-  const std::size_t done = convertWhole(out, to, in, from, count, stream);
+             bool streamed) {
+  const auto whole = streamed ? convertWhole<true> : convertWhole<false>;
+  const std::size_t done = whole(out, to, in, from, count);
+  if (streamed) finishStores<true>();
   convertDepthScalar(out + done * depthPixelBytes(to), to, in + done * depthPixelBytes(from), from, count - done);
-  if (stream) hwy::FlushStream();
 }
 #endif
 
@@ -251,64 +251,34 @@ namespace vorto::kernels {
 
 HWY_EXPORT(convert);
 
-namespace {
-
-// Output of this size leaves the cache before anybody reads it; writing past the cache saves reading it first.
-constexpr std::size_t StreamingBytes = std::size_t{4} << 20;
-
-}  // namespace
-
-void convertDepth(std::uint8_t* out, DepthLayout to, const std::uint8_t* in, DepthLayout from, std::size_t count) {
+void convertDepth(std::uint8_t* out, DepthLayout to, const std::uint8_t* in, DepthLayout from, std::size_t count,
+                  bool streamed) {
   if (useScalar()) return convertDepthScalar(out, to, in, from, count);
-  const bool aligned = reinterpret_cast<std::uintptr_t>(out) % 64 == 0;
-  const bool stream = aligned && count * depthPixelBytes(to) >= StreamingBytes;
-  HWY_DYNAMIC_DISPATCH(convert)(out, to, in, from, count, stream);
+  if (to == from) return copyBytes(out, in, count * depthPixelBytes(to), streamed);
+  const bool isAligned = reinterpret_cast<std::uintptr_t>(out) % 64 == 0;
+  HWY_DYNAMIC_DISPATCH(convert)(out, to, in, from, count, streamed && isAligned);
 }
-
-namespace {
-
-constexpr std::uint32_t Chunk = 256;  // pixels, gathered on the stack and converted from there
-
-struct ChunkPlace {
-  std::uint32_t firstColumn;
-  std::uint32_t count;
-};
-
-// The columns of one chunk for all rows: the chunk's source columns are worked out once.
-void scaleAndConvertChunk(const ScaleDestination& destination, DepthLayout to, const ScaleSource& source,
-                          DepthLayout from, ChunkPlace place) {
-  const std::size_t outBytes = depthPixelBytes(to);
-  const std::size_t inBytes = depthPixelBytes(from);
-  const double columnRatio = static_cast<double>(source.width) / destination.width;
-  const double rowRatio = static_cast<double>(source.height) / destination.height;
-  std::uint32_t columns[Chunk];
-  std::uint8_t gathered[Chunk * 16];
-  for (std::uint32_t i = 0; i < place.count; ++i) columns[i] = scaledIndex(place.firstColumn + i, columnRatio);
-
-  for (std::uint32_t j = 0; j < destination.height; ++j) {
-    const std::size_t rowStart = std::size_t{scaledIndex(j, rowRatio)} * source.width;
-    const std::size_t at = std::size_t{j} * destination.width + place.firstColumn;
-    gatherPixels(gathered, source.pixels + rowStart * inBytes, source.accessible - rowStart, columns, place.count,
-                 inBytes);
-    convertDepth(destination.pixels + at * outBytes, to, gathered, from, place.count);
-  }
-}
-
-}  // namespace
 
 void scaleAndConvert(const ScaleDestination& destination, DepthLayout to, const ScaleSource& source, DepthLayout from) {
-  if (useScalar() || !isOrdinaryScale(destination, depthPixelBytes(to), source, depthPixelBytes(from))) {
+  const std::size_t outBytes = depthPixelBytes(to);
+  const std::size_t inBytes = depthPixelBytes(from);
+  if (useScalar() || !isOrdinaryScale(destination, outBytes, source, inBytes)) {
     return scaleAndConvertScalar(destination, to, source, from);
   }
+  if (to == from) return scaleNearest(destination, source, outBytes);
   if (destination.width == source.width && destination.height == source.height) {
     const std::size_t count = std::size_t{source.width} * source.height;
-    return convertDepth(destination.pixels, to, source.pixels, from, count);
+    return convertDepth(destination.pixels, to, source.pixels, from, count, isStreamed(count * outBytes));
   }
-  for (std::uint32_t first = 0; first < destination.width;) {
-    const std::uint32_t count = std::min(Chunk, destination.width - first);
-    scaleAndConvertChunk(destination, to, source, from, ChunkPlace{first, count});
-    first += count;
-  }
+  forEachScaledRow(destination, outBytes, source, inBytes, [&](const ScaledRow& row) {
+    constexpr std::uint32_t kChunk = 256;  // pixels, gathered on the stack and converted from there
+    std::uint8_t gathered[kChunk * 16];
+    for (std::uint32_t first = 0; first < row.count; first += kChunk) {
+      const std::uint32_t count = std::min(kChunk, row.count - first);
+      gatherPixels(gathered, row.in, row.inPixels, row.columns + first, count, inBytes);
+      convertDepth(row.out + first * outBytes, to, gathered, from, count, false);
+    }
+  });
 }
 
 }  // namespace vorto::kernels

@@ -25,8 +25,9 @@ constexpr std::size_t depthPixelBytes(DepthLayout layout) {
 }
 
 // `count` consecutive pixels: every channel through its value as a float. `to` is ARGB8, RGBA16 or RGBAFloat. The two
-// must not overlap.
-void convertDepth(std::uint8_t* out, DepthLayout to, const std::uint8_t* in, DepthLayout from, std::size_t count);
+// must not overlap. `streamed` writes past the caches where that is possible.
+void convertDepth(std::uint8_t* out, DepthLayout to, const std::uint8_t* in, DepthLayout from, std::size_t count,
+                  bool streamed = false);
 void convertDepthScalar(std::uint8_t* out, DepthLayout to, const std::uint8_t* in, DepthLayout from, std::size_t count);
 
 // Nearest-neighbour scaling and conversion in one pass, by the rules of scaleNearest().

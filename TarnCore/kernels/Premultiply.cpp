@@ -9,6 +9,8 @@
 // After foreach_target.h:
 #include <hwy/highway.h>
 
+#include "TarnCore/kernels/Stores-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace vorto::kernels::HWY_NAMESPACE {
 
@@ -20,7 +22,6 @@ void premultiplyARGB(std::uint8_t* pixels, std::size_t count) {
   premultiplyARGB8Scalar(pixels, count);
 }
 #else
-namespace hn = hwy::HWY_NAMESPACE;
 using Bytes = hn::ScalableTag<std::uint8_t>;
 using Words = hn::Repartition<std::uint16_t, Bytes>;
 
@@ -57,7 +58,7 @@ std::size_t premultiplyVectors(std::uint8_t* pixels, std::size_t count) {
     auto even = hn::ShiftRight<8>(product(hn::Or(hn::ShiftLeft<8>(pixel), one), alpha));
     if constexpr (alphaIndex != 3) even = hn::And(even, evenColors);
     const auto colors = hn::OrAnd(even, odd, oddColors);
-    hn::StoreU(hn::BitCast(d, hn::OrAnd(colors, pixel, alphaMask)), d, pixels + i);
+    storeNext<false>(hn::BitCast(d, hn::OrAnd(colors, pixel, alphaMask)), d, pixels + i);
   }
   return whole / 4;
 }

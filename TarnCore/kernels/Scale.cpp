@@ -2,17 +2,18 @@
 
 #include "TarnCore/kernels/Dispatch.h"
 
-#include <algorithm>
 #include <cstring>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "TarnCore/kernels/Scale.cpp"
 #include <hwy/foreach_target.h>
+// After foreach_target.h:
 #include <hwy/highway.h>
+
+#include "TarnCore/kernels/Stores-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace vorto::kernels::HWY_NAMESPACE {
-namespace hn = hwy::HWY_NAMESPACE;
 
 template <std::size_t bytes>
 HWY_INLINE void gatherOneByOne(std::uint8_t* out, const std::uint8_t* row, const std::uint32_t* columns,
@@ -57,7 +58,7 @@ void gatherWords(std::uint8_t* out, const std::uint8_t* row, std::size_t rowPixe
     const auto low = hn::TableLookupLanes(hn::LoadU(d, words + first), indices);
     const auto high = hn::TableLookupLanes(hn::LoadU(d, words + first + lanes), indices);
     const auto isHigh = hn::RebindMask(d, hn::Gt(relative, hn::Set(indexTag, static_cast<Index>(lanes - 1))));
-    hn::StoreU(hn::IfThenElse(isHigh, high, low), d, reinterpret_cast<Word*>(out) + i);
+    storeNext<false>(hn::IfThenElse(isHigh, high, low), d, reinterpret_cast<Word*>(out) + i);
   }
   gatherOneByOne<sizeof(Word)>(out + i * sizeof(Word), row, columns + i, count - i);
 }
@@ -112,50 +113,18 @@ bool isOrdinaryScale(const ScaleDestination& destination, std::size_t destinatio
   return toEnd <= source.pixels || fromEnd <= destination.pixels;
 }
 
-namespace {
-
-// Columns in blocks, so that the table of source columns lives on the stack; one block spans the usual image.
-constexpr std::uint32_t ColumnBlock = 4096;
-
-void scaleBlock(const ScaleDestination& destination, const ScaleSource& source, std::size_t pixelBytes,
-                std::uint32_t firstColumn, std::uint32_t count) {
-  std::uint32_t columns[ColumnBlock];
-  const double columnRatio = static_cast<double>(source.width) / destination.width;
-  const double rowRatio = static_cast<double>(source.height) / destination.height;
-  for (std::uint32_t i = 0; i < count; ++i) columns[i] = scaledIndex(firstColumn + i, columnRatio);
-  const bool sameColumns = source.width == destination.width;
-  const std::size_t rowBytes = std::size_t{destination.width} * pixelBytes;
-
-  std::uint8_t* out = destination.pixels + firstColumn * pixelBytes;
-  std::uint32_t previousRow = 0;
-  for (std::uint32_t j = 0; j < destination.height; ++j, out += rowBytes) {
-    const std::uint32_t row = scaledIndex(j, rowRatio);
-    if (j > 0 && row == previousRow) {
-      std::memcpy(out, out - rowBytes, count * pixelBytes);
-      continue;
-    }
-    previousRow = row;
-    const std::size_t rowStart = std::size_t{row} * source.width;
-    const std::uint8_t* in = source.pixels + rowStart * pixelBytes;
-    if (sameColumns) {
-      std::memcpy(out, in + firstColumn * pixelBytes, count * pixelBytes);
-    } else {
-      gatherPixels(out, in, source.accessible - rowStart, columns, count, pixelBytes);
-    }
-  }
-}
-
-}  // namespace
-
 void scaleNearest(const ScaleDestination& destination, const ScaleSource& source, std::size_t pixelBytes) {
   if (useScalar() || !isOrdinaryScale(destination, pixelBytes, source, pixelBytes)) {
     return scaleNearestScalar(destination, source, pixelBytes);
   }
-  for (std::uint32_t first = 0; first < destination.width;) {
-    const std::uint32_t count = std::min(ColumnBlock, destination.width - first);
-    scaleBlock(destination, source, pixelBytes, first, count);
-    first += count;
-  }
+  const bool sameColumns = source.width == destination.width;
+  forEachScaledRow(destination, pixelBytes, source, pixelBytes, [&](const ScaledRow& row) {
+    if (sameColumns) {
+      copyBytes(row.out, row.in + row.columns[0] * pixelBytes, row.count * pixelBytes, false);
+    } else {
+      gatherPixels(row.out, row.in, row.inPixels, row.columns, row.count, pixelBytes);
+    }
+  });
 }
 
 }  // namespace vorto::kernels

@@ -11,6 +11,7 @@
 #include <hwy/highway.h>
 
 #include "TarnCore/kernels/Rounding-inl.h"
+#include "TarnCore/kernels/Stores-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace vorto::kernels::HWY_NAMESPACE {
@@ -97,7 +98,7 @@ std::size_t unpremultiplyBytes(std::uint8_t* bytes, std::size_t count, const Bac
     if (hn::AllTrue(dp, hn::Eq(alphaBits, alphaMask))) continue;
     const auto isTransparent = hn::Eq(alphaBits, hn::Zero(dp));
     if (hn::AllTrue(dp, isTransparent)) {
-      hn::StoreU(transparent, dp, pixels + i);
+      storeNext<false>(transparent, dp, pixels + i);
       continue;
     }
     const auto alpha = byteOf<Order::alpha>(in);
@@ -107,7 +108,7 @@ std::size_t unpremultiplyBytes(std::uint8_t* bytes, std::size_t count, const Bac
     const auto out = interleaved<Order>(straight(byteOf<Order::red>(in), background.red, share, inverse),
                                         straight(byteOf<Order::green>(in), background.green, share, inverse),
                                         straight(byteOf<Order::blue>(in), background.blue, share, inverse), alpha);
-    hn::StoreU(hn::IfThenElse(isTransparent, transparent, out), dp, pixels + i);
+    storeNext<false>(hn::IfThenElse(isTransparent, transparent, out), dp, pixels + i);
   }
   return i;
 }
@@ -167,7 +168,7 @@ void unpremultiplyWords(std::uint8_t* pixels, std::size_t count, const Backgroun
     if (hn::AllTrue(d, hn::Eq(alpha, isAlpha))) continue;  // opaque pixels come back as they are
     const auto lower = straightWords(floats, hn::BitCast(wide, hn::InterleaveLower(d, in, zero)));
     const auto upper = straightWords(floats, hn::BitCast(wide, hn::InterleaveUpper(d, in, zero)));
-    hn::StoreU(hn::IfVecThenElse(isAlpha, in, packToWords(lower, upper)), d, channels + i);
+    storeNext<false>(hn::IfVecThenElse(isAlpha, in, packToWords(lower, upper)), d, channels + i);
   }
   unpremultiplyRGBA16Scalar(pixels + 2 * whole, count - whole / 4, background);
 }
@@ -187,7 +188,7 @@ void unpremultiplyHalves(std::uint8_t* pixels, std::size_t count, const Backgrou
   for (std::size_t i = 0; i < whole; i += hn::Lanes(d)) {
     const auto in = hn::LoadU(dw, channels + i);
     const auto out = hn::DemoteTo(dh, floats.straight(hn::PromoteTo(d, hn::BitCast(dh, in))));
-    hn::StoreU(hn::IfVecThenElse(isAlpha, in, hn::BitCast(dw, out)), dw, channels + i);
+    storeNext<false>(hn::IfVecThenElse(isAlpha, in, hn::BitCast(dw, out)), dw, channels + i);
   }
 #endif
   unpremultiplyRGBAHalfScalar(pixels + 2 * whole, count - whole / 4, background);
@@ -203,7 +204,7 @@ void unpremultiplyFloats(std::uint8_t* pixels, std::size_t count, const Backgrou
   const std::size_t whole = count * 4 / hn::Lanes(d) * hn::Lanes(d);
   for (std::size_t i = 0; i < whole; i += hn::Lanes(d)) {
     const auto in = hn::LoadU(d, channels + i);
-    hn::StoreU(hn::IfThenElse(isAlpha, in, floats.straight(in)), d, channels + i);
+    storeNext<false>(hn::IfThenElse(isAlpha, in, floats.straight(in)), d, channels + i);
   }
   unpremultiplyRGBAFloatScalar(pixels + 4 * whole, count - whole / 4, background);
 }

@@ -12,6 +12,7 @@
 #include <hwy/highway.h>
 
 #include "TarnCore/kernels/Rounding-inl.h"
+#include "TarnCore/kernels/Stores-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace vorto::kernels::HWY_NAMESPACE {
@@ -73,7 +74,8 @@ void truncatedCopy(std::uint8_t* destination, const std::uint8_t* source, std::s
     const auto out = pixelOf(a, straight(channelOf<1>(in), background.red),
                              straight(channelOf<2>(in), background.green), straight(channelOf<3>(in), background.blue));
     const auto isTransparent = hn::Eq(hn::And(in, hn::Set(d, 255)), hn::Zero(d));
-    hn::StoreU(hn::IfThenElse(isTransparent, transparent, out), d, reinterpret_cast<std::uint32_t*>(destination) + i);
+    storeNext<false>(hn::IfThenElse(isTransparent, transparent, out), d,
+                     reinterpret_cast<std::uint32_t*>(destination) + i);
   }
   unpremultiplyTruncatedScalar(destination + 4 * i, source + 4 * i, count - i, 4, background);
 }
@@ -89,7 +91,7 @@ void truncatedInPlace(std::uint8_t* pixels, std::size_t count) {
     const auto out = pixelOf(a, limited(hn::Div(channelOf<1>(in), a)), limited(hn::Div(channelOf<2>(in), a)),
                              limited(hn::Div(channelOf<3>(in), a)));
     const auto isTransparent = hn::Eq(hn::And(in, hn::Set(d, 255)), hn::Zero(d));
-    hn::StoreU(hn::IfThenElse(isTransparent, in, out), d, words + i);
+    storeNext<false>(hn::IfThenElse(isTransparent, in, out), d, words + i);
   }
   unpremultiplyTruncatedInPlaceScalar(pixels + 4 * i, count - i, 4);
 }

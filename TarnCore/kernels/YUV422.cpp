@@ -7,22 +7,22 @@
 #define HWY_TARGET_INCLUDE "TarnCore/kernels/YUV422.cpp"
 #include <hwy/foreach_target.h>
 // After foreach_target.h:
-#include <hwy/cache_control.h>
 #include <hwy/highway.h>
 
 #include "TarnCore/kernels/BlockOps-inl.h"
+#include "TarnCore/kernels/Stores-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace vorto::kernels::HWY_NAMESPACE {
 
 #if !VORTO_BLOCK_OPS
-void toARGB(std::uint8_t* argb, const std::uint8_t* yuv, std::size_t pairs) {
+void toARGB(std::uint8_t* argb, const std::uint8_t* yuv, std::size_t pairs, bool) {
   convertYUVtoARGBScalar(argb, yuv, pairs);
 }
-void toYUV(std::uint8_t* yuv, const std::uint8_t* argb, std::size_t pairs) {
+void toYUV(std::uint8_t* yuv, const std::uint8_t* argb, std::size_t pairs, bool) {
   convertARGBtoYUVScalar(yuv, argb, pairs);
 }
-void toARGBLagging(std::uint8_t* argb, const std::uint8_t* yuv, bool firstIsOdd, std::size_t count) {
+void toARGBLagging(std::uint8_t* argb, const std::uint8_t* yuv, bool firstIsOdd, std::size_t count, bool) {
   convertLaggingYUVtoARGBScalar(argb, 4, yuv, firstIsOdd, count);
 }
 #else
@@ -95,15 +95,6 @@ HWY_INLINE hn::Vec<BlockWords> separateHalves(hn::Vec<BlockWords> v) {
 }
 
 template <bool streamed>
-HWY_INLINE void store(hn::Vec<BlockBytes> v, std::uint8_t* out) {
-  if constexpr (streamed) {
-    hn::Stream(v, BlockBytes(), out);
-  } else {
-    hn::StoreU(v, BlockBytes(), out);
-  }
-}
-
-template <bool streamed>
 std::size_t toARGBVectors(std::uint8_t* argb, const std::uint8_t* yuv, std::size_t pairCount) {
   alignas(16) static constexpr std::uint8_t orderUY[16] = {0, 1, 0, 3, 4, 5, 4, 7, 8, 9, 8, 11, 12, 13, 12, 15};
   alignas(16) static constexpr std::uint8_t orderYV[16] = {1, 2, 3, 2, 5, 6, 7, 6, 9, 10, 11, 10, 13, 14, 15, 14};
@@ -114,55 +105,70 @@ std::size_t toARGBVectors(std::uint8_t* argb, const std::uint8_t* yuv, std::size
   for (std::size_t i = 0; i < whole; i += step) {
     const auto in = interleaveHalves(hn::LoadU(BlockBytes(), yuv + i));
     const ARGBPixels out = pixelsOf(hn::TableLookupBytes(in, uy), hn::TableLookupBytes(in, yv));
-    store<streamed>(out.first, argb + 2 * i);
-    store<streamed>(out.second, argb + 2 * i + step);
+    storeNext<streamed>(out.first, BlockBytes(), argb + 2 * i);
+    storeNext<streamed>(out.second, BlockBytes(), argb + 2 * i + step);
   }
-  if (streamed) hwy::FlushStream();
+  finishStores<streamed>();
   return whole / 4;
 }
 
-void toARGB(std::uint8_t* argb, const std::uint8_t* yuv, std::size_t pairCount) {
-  const std::size_t alignment = hn::Lanes(BlockBytes());
-  const bool streamed = pairCount * 8 >= kStreamedBytes && reinterpret_cast<std::uintptr_t>(argb) % alignment == 0;
-  const std::size_t done =
-      streamed ? toARGBVectors<true>(argb, yuv, pairCount) : toARGBVectors<false>(argb, yuv, pairCount);
+void toARGB(std::uint8_t* argb, const std::uint8_t* yuv, std::size_t pairCount, bool streamed) {
+  const std::size_t done = streamed && isAlignedToVector(argb) ? toARGBVectors<true>(argb, yuv, pairCount)
+                                                               : toARGBVectors<false>(argb, yuv, pairCount);
   convertYUVtoARGBScalar(argb + 8 * done, yuv + 4 * done, pairCount - done);
 }
 
-// From an even column on, with the column before it readable: in both the own bytes of a pixel and those of the one
-// before it, an even column has its U in its own chroma byte and its V in the other one, an odd column the other way.
-std::size_t laggingVectors(std::uint8_t* argb, const std::uint8_t* yuv, std::size_t count) {
-  const auto oddColumns = hn::BitCast(BlockBytes(), hn::Set(BlockWide(), static_cast<std::int32_t>(0xFFFF0000u)));
+// A vector of columns, the first of which is odd or even, with the column before it readable: in both the own bytes of
+// a pixel and those of the one before it, an even column has its U in its own chroma byte and its V in the other one,
+// an odd column the other way.
+HWY_INLINE ARGBPixels laggingPixels(const std::uint8_t* yuv, bool firstIsOdd) {
+  const auto oddColumns =
+      hn::BitCast(BlockBytes(), hn::Set(BlockWide(), static_cast<std::int32_t>(firstIsOdd ? 0xFFFFu : 0xFFFF0000u)));
   const auto chroma = hn::Set(BlockWords(), 0x00FF);
+  const auto own = interleaveHalves(hn::LoadU(BlockBytes(), yuv));
+  const auto before = interleaveHalves(hn::LoadU(BlockBytes(), yuv - 2));
+  const auto withU = hn::BitCast(BlockWords(), hn::IfVecThenElse(oddColumns, before, own));
+  const auto withV = hn::BitCast(BlockWords(), hn::IfVecThenElse(oddColumns, own, before));
+  const auto luma = hn::BitCast(BlockWords(), own);
+  const auto uy = hn::OrAnd(hn::AndNot(chroma, luma), withU, chroma);
+  const auto yv = hn::Or(hn::ShiftRight<8>(luma), hn::ShiftLeft<8>(withV));
+  return pixelsOf(hn::BitCast(BlockBytes(), uy), hn::BitCast(BlockBytes(), yv));
+}
+
+// Whole vectors of columns, as laggingPixels() takes them. Answers how many columns those were.
+template <bool streamed>
+std::size_t laggingVectors(std::uint8_t* argb, const std::uint8_t* yuv, bool firstIsOdd, std::size_t count) {
   const std::size_t step = hn::Lanes(BlockBytes());
   const std::size_t whole = count * 2 / step * step;
   for (std::size_t i = 0; i < whole; i += step) {
-    const auto own = interleaveHalves(hn::LoadU(BlockBytes(), yuv + i));
-    const auto before = interleaveHalves(hn::LoadU(BlockBytes(), yuv + i - 2));
-    const auto withU = hn::BitCast(BlockWords(), hn::IfVecThenElse(oddColumns, before, own));
-    const auto withV = hn::BitCast(BlockWords(), hn::IfVecThenElse(oddColumns, own, before));
-    const auto luma = hn::BitCast(BlockWords(), own);
-    const auto uy = hn::OrAnd(hn::AndNot(chroma, luma), withU, chroma);
-    const auto yv = hn::Or(hn::ShiftRight<8>(luma), hn::ShiftLeft<8>(withV));
-    const ARGBPixels out = pixelsOf(hn::BitCast(BlockBytes(), uy), hn::BitCast(BlockBytes(), yv));
-    hn::StoreU(out.first, BlockBytes(), argb + 2 * i);
-    hn::StoreU(out.second, BlockBytes(), argb + 2 * i + step);
+    const ARGBPixels out = laggingPixels(yuv + i, firstIsOdd);
+    storeNext<streamed>(out.first, BlockBytes(), argb + 2 * i);
+    storeNext<streamed>(out.second, BlockBytes(), argb + 2 * i + step);
   }
+  finishStores<streamed>();
   return whole / 2;
 }
 
-void toARGBLagging(std::uint8_t* argb, const std::uint8_t* yuv, bool firstIsOdd, std::size_t count) {
-  // The first pixel, and the second one behind an even first, so that the vectors begin with an even column.
-  const std::size_t head = firstIsOdd ? 1 : 2;
-  if (count <= head) return convertLaggingYUVtoARGBScalar(argb, 4, yuv, firstIsOdd, count);
-  convertLaggingYUVtoARGBScalar(argb, 4, yuv, firstIsOdd, head);
-  const std::size_t done = head + laggingVectors(argb + 4 * head, yuv + 2 * head, count - head);
-  // The definition starts without lag, so it repeats the last pixel and then lags as it shall.
+// The first pixel is as defined. A vector behind it, which may lie anywhere, covers the columns before the first
+// aligned one; some of them are made twice.
+void toARGBLagging(std::uint8_t* argb, const std::uint8_t* yuv, bool firstIsOdd, std::size_t count, bool streamed) {
+  const std::size_t lanes = hn::Lanes(BlockBytes());
+  if (count < 1 + lanes / 2) return convertLaggingYUVtoARGBScalar(argb, 4, yuv, firstIsOdd, count);
+  convertLaggingYUVtoARGBScalar(argb, 4, yuv, firstIsOdd, 1);
+  laggingVectors<false>(argb + 4, yuv + 2, !firstIsOdd, lanes / 2);
+
+  const std::size_t past = reinterpret_cast<std::uintptr_t>(argb + 4) % lanes;
+  const std::size_t start = past % 4 == 0 ? 1 + (lanes - past) / 4 : 1;
+  const bool isOdd = firstIsOdd != (start % 2 != 0);
+  const auto vectors = streamed && past % 4 == 0 ? laggingVectors<true> : laggingVectors<false>;
+  const std::size_t done = start + vectors(argb + 4 * start, yuv + 2 * start, isOdd, count - start);
+  if (done == count) return;
+  // The definition starts without lag: it repeats the last pixel, which may come out otherwise, and then lags as it
+  // shall.
   std::uint8_t tail[4 * 65];
-  const std::size_t rest = count - done;
-  if (rest == 0) return;
-  convertLaggingYUVtoARGBScalar(tail, 4, yuv + 2 * (done - 1), true, rest + 1);
-  copyBytesScalar(argb + 4 * done, tail + 4, 4 * rest);
+  const bool lastIsOdd = firstIsOdd == (done % 2 != 0);
+  convertLaggingYUVtoARGBScalar(tail, 4, yuv + 2 * (done - 1), lastIsOdd, count - done + 1);
+  copyBytesScalar(argb + 4 * done, tail + 4, 4 * (count - done));
 }
 
 // A vector of pixels (A, R, G, B) as words: a pixel's chroma byte (U at even pixels, V at odd ones), then its Y.
@@ -196,17 +202,15 @@ std::size_t toYUVVectors(std::uint8_t* yuv, const std::uint8_t* argb, std::size_
   for (std::size_t i = 0; i < whole; i += step) {
     const auto first = wordsOf(hn::LoadU(BlockBytes(), argb + 2 * i));
     const auto second = wordsOf(hn::LoadU(BlockBytes(), argb + 2 * i + step));
-    store<streamed>(hn::BitCast(BlockBytes(), separateHalves(packToWords(first, second))), yuv + i);
+    storeNext<streamed>(hn::BitCast(BlockBytes(), separateHalves(packToWords(first, second))), BlockBytes(), yuv + i);
   }
-  if (streamed) hwy::FlushStream();
+  finishStores<streamed>();
   return whole / 4;
 }
 
-void toYUV(std::uint8_t* yuv, const std::uint8_t* argb, std::size_t pairCount) {
-  const std::size_t alignment = hn::Lanes(BlockBytes());
-  const bool streamed = pairCount * 4 >= kStreamedBytes && reinterpret_cast<std::uintptr_t>(yuv) % alignment == 0;
-  const std::size_t done =
-      streamed ? toYUVVectors<true>(yuv, argb, pairCount) : toYUVVectors<false>(yuv, argb, pairCount);
+void toYUV(std::uint8_t* yuv, const std::uint8_t* argb, std::size_t pairCount, bool streamed) {
+  const std::size_t done = streamed && isAlignedToVector(yuv) ? toYUVVectors<true>(yuv, argb, pairCount)
+                                                              : toYUVVectors<false>(yuv, argb, pairCount);
   convertARGBtoYUVScalar(yuv + 4 * done, argb + 8 * done, pairCount - done);
 }
 #endif
@@ -221,26 +225,26 @@ HWY_EXPORT(toARGB);
 HWY_EXPORT(toARGBLagging);
 HWY_EXPORT(toYUV);
 
-void convertYUVtoARGB(std::uint8_t* argb, const std::uint8_t* yuv, std::size_t pairs) {
+void convertYUVtoARGB(std::uint8_t* argb, const std::uint8_t* yuv, std::size_t pairs, bool streamed) {
   if (useScalar() || overlapsShifted(argb, 8 * pairs, yuv, 4 * pairs)) {
     return convertYUVtoARGBScalar(argb, yuv, pairs);
   }
-  HWY_DYNAMIC_DISPATCH(toARGB)(argb, yuv, pairs);
+  HWY_DYNAMIC_DISPATCH(toARGB)(argb, yuv, pairs, streamed);
 }
 
-void convertARGBtoYUV(std::uint8_t* yuv, const std::uint8_t* argb, std::size_t pairs) {
+void convertARGBtoYUV(std::uint8_t* yuv, const std::uint8_t* argb, std::size_t pairs, bool streamed) {
   if (useScalar() || overlapsShifted(yuv, 4 * pairs, argb, 8 * pairs)) {
     return convertARGBtoYUVScalar(yuv, argb, pairs);
   }
-  HWY_DYNAMIC_DISPATCH(toYUV)(yuv, argb, pairs);
+  HWY_DYNAMIC_DISPATCH(toYUV)(yuv, argb, pairs, streamed);
 }
 
 void convertLaggingYUVtoARGB(std::uint8_t* argb, std::size_t step, const std::uint8_t* yuv, bool firstIsOdd,
-                             std::size_t count) {
+                             std::size_t count, bool streamed) {
   if (useScalar() || step != 4 || overlapsShifted(argb, 4 * count, yuv - 2, 2 * count + 4)) {
     return convertLaggingYUVtoARGBScalar(argb, step, yuv, firstIsOdd, count);
   }
-  HWY_DYNAMIC_DISPATCH(toARGBLagging)(argb, yuv, firstIsOdd, count);
+  HWY_DYNAMIC_DISPATCH(toARGBLagging)(argb, yuv, firstIsOdd, count, streamed);
 }
 
 }  // namespace vorto::kernels
