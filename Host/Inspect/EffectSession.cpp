@@ -5,9 +5,11 @@
 #include "Host/OptionValues.h"
 #include "Host/Parameters.h"
 #include "Host/PortKinds.h"
+#include "Host/Utf8.h"
 #include "Platform/QuartzComposer/QCPatch.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <utility>
 
 namespace host {
@@ -35,6 +37,9 @@ EffectSession::EffectSession(const InspectOptions& options)
     : rendering_(options.effect, options.inputs.size(), parsedSize(options.size), parsedDepth(options.depth)),
       inputs_(options.inputs, parsedDepth(options.depth)),
       fixedTime_(options.time) {
+  for (const std::string& path : options.inputs) {
+    inputNames_ += (inputNames_.empty() ? "" : ", ") + validUtf8(std::filesystem::path(path).filename().string());
+  }
   document_ = std::make_unique<ParameterDocument>(parametersOf(rendering_));
   readParameters(options);
   if (const auto frames = framesOf(options, inputs_)) {

@@ -21,6 +21,7 @@ class EffectSession {
 
   const std::string& name() const { return rendering_.effect(); }
   std::string description() const;
+  const std::string& inputNames() const { return inputNames_; }  // the files' names without folders, "a.png, b.png"
   ParameterDocument& document() { return *document_; }
   const Timeline& timeline() const { return timeline_; }
   std::uint64_t position() const { return position_; }
@@ -37,6 +38,7 @@ class EffectSession {
 
   EffectRendering rendering_;
   Inputs inputs_;
+  std::string inputNames_;
   Timeline timeline_;
   std::uint64_t position_ = 0;
   std::optional<double> fixedTime_;  // that of --time; for a transition until its slider moves

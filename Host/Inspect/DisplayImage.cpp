@@ -1,0 +1,67 @@
+#include "Host/Inspect/DisplayImage.h"
+
+#include "TarnCore/TCBitmap.h"
+#include "TarnCore/TCPixelFormat.h"
+
+#include <algorithm>
+
+namespace host {
+namespace {
+
+unsigned byteOf(std::uint8_t value) {
+  return value;
+}
+
+unsigned byteOf(std::uint16_t value) {
+  return (value + 128u) / 257u;
+}
+
+unsigned byteOf(float value) {
+  if (!(value > 0.0f)) return 0;  // NaN too
+  return value >= 1.0f ? 255 : static_cast<unsigned>(value * 255.0f + 0.5f);
+}
+
+struct Order {
+  std::size_t red, green, blue, alpha;
+};
+
+template <class Sample>
+QImage shown(const VortoBitmap& bitmap, Order order) {
+  QImage image(static_cast<int>(bitmap.width), static_cast<int>(bitmap.height), QImage::Format_ARGB32_Premultiplied);
+  if (image.isNull()) return image;
+  unsigned everyAlpha = 255;
+  const auto* sample = reinterpret_cast<const Sample*>(bitmap.data);
+  for (int y = 0; y < image.height(); ++y) {
+    auto* pixel = reinterpret_cast<QRgb*>(image.scanLine(y));
+    for (int x = 0; x < image.width(); ++x, sample += 4) {
+      const unsigned alpha = byteOf(sample[order.alpha]);
+      everyAlpha &= alpha;
+      const unsigned red = std::min(byteOf(sample[order.red]), alpha);
+      const unsigned green = std::min(byteOf(sample[order.green]), alpha);
+      const unsigned blue = std::min(byteOf(sample[order.blue]), alpha);
+      pixel[x] = alpha << 24 | red << 16 | green << 8 | blue;
+    }
+  }
+  if (everyAlpha == 255) image.reinterpretAsFormat(QImage::Format_RGB32);
+  return image;
+}
+
+}  // namespace
+
+QImage displayImage(const BitmapRef& bitmap) {
+  if (!bitmap || !bitmap->data) return {};
+  switch (bitmap->formatCode) {
+    case VortoPixelFormat::RGBA8:
+      return shown<std::uint8_t>(*bitmap, {0, 1, 2, 3});
+    case VortoPixelFormat::ARGB8:
+      return shown<std::uint8_t>(*bitmap, {1, 2, 3, 0});
+    case VortoPixelFormat::RGBA16:
+      return shown<std::uint16_t>(*bitmap, {0, 1, 2, 3});
+    case VortoPixelFormat::RGBAFloat:
+      return shown<float>(*bitmap, {0, 1, 2, 3});
+    default:
+      return {};
+  }
+}
+
+}  // namespace host

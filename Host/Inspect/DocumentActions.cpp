@@ -1,0 +1,115 @@
+#include "Host/Inspect/DocumentActions.h"
+
+#include "Host/Inspect/MessageBar.h"
+#include "Host/PortKinds.h"
+
+#include <QAction>
+#include <QCoreApplication>
+#include <QFileDialog>
+#include <QWidget>
+#include <algorithm>
+#include <exception>
+#include <utility>
+
+namespace host {
+namespace {
+
+const QString StateFilter = QStringLiteral("States (*.plist *.gradient *.levels *.inks);;All files (*)");
+
+}  // namespace
+
+DocumentActions::DocumentActions(ParameterDocument& document, MessageBar& messages, QWidget& window, Told told)
+    : QObject(&window),
+      document_(document),
+      messages_(messages),
+      window_(window),
+      told_(std::move(told)),
+      recorder_(document, {.valueChanged = [this](QCPort& port) { told_.valueChanged(port); },
+                           .interactionStarted =
+                               [this](QCPort& port) {
+                                 if (ParameterDocument::hasStateFile(port)) active_ = &port;
+                               },
+                           .historyChanged = [this] { updateActions(); }}) {
+  const auto& ports = document.parameters();
+  const auto first = std::find_if(ports.begin(), ports.end(),
+                                  [](const QCPort* port) { return ParameterDocument::hasStateFile(*port); });
+  active_ = first == ports.end() ? nullptr : *first;
+
+  openAction = addAction("Open State\u2026", QKeySequence::Open, [this] { open(active_); });
+  saveAction = addAction("Save State", QKeySequence::Save, [this] { save(*active_); });
+  saveAsAction =
+      addAction("Save State As\u2026", QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S), [this] { saveAs(*active_); });
+  undoAction = addAction("Undo", QKeySequence::Undo, [this] {
+    document_.history().undo();
+    updateActions();
+  });
+  redoAction = addAction("Redo", QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z), [this] {
+    document_.history().redo();
+    updateActions();
+  });
+  resetAction = addAction("Reset", QKeySequence(), [this] { document_.resetAll(); });
+  quitAction = addAction("Quit", QKeySequence(Qt::CTRL | Qt::Key_Q), [] { QCoreApplication::quit(); });
+  for (QAction* action : {openAction, saveAction, saveAsAction}) action->setEnabled(active_ != nullptr);
+  resetAction->setEnabled(!ports.empty());
+  updateActions();
+}
+
+QAction* DocumentActions::addAction(const QString& text, const QKeySequence& keys, const std::function<void()>& done) {
+  auto* action = new QAction(text, this);
+  action->setShortcut(keys);
+  QObject::connect(action, &QAction::triggered, this, done);
+  window_.addAction(action);
+  return action;
+}
+
+void DocumentActions::updateActions() {
+  undoAction->setEnabled(document_.history().canUndo());
+  redoAction->setEnabled(document_.history().canRedo());
+  if (told_.changed) told_.changed();
+}
+
+bool DocumentActions::tried(const std::function<void()>& work) {
+  try {
+    work();
+    messages_.clear();
+    return true;
+  } catch (const std::exception& error) {
+    messages_.show(QString::fromStdString(error.what()));
+    return false;
+  }
+}
+
+void DocumentActions::load(const std::string& path, QCPort* preferred) {
+  tried([&] {
+    QCPort& port = document_.load(path, preferred);
+    active_ = &port;
+    recorder_.commitNow();
+    told_.loaded(port);
+  });
+}
+
+void DocumentActions::open(QCPort* port) {
+  const QString path = QFileDialog::getOpenFileName(&window_, "Open State", {}, StateFilter);
+  if (!path.isEmpty()) load(path.toStdString(), port);
+}
+
+void DocumentActions::save(QCPort& port) {
+  if (document_.file(port).empty()) {
+    saveAs(port);
+  } else if (tried([&] { document_.save(port, document_.file(port)); })) {
+    updateActions();
+  }
+}
+
+void DocumentActions::saveAs(QCPort& port) {
+  const QString present = QString::fromStdString(document_.file(port));
+  const QString suggested = present.isEmpty() ? QString::fromStdString(port.name()).toLower() + ".plist" : present;
+  const QString path = QFileDialog::getSaveFileName(&window_, "Save State", suggested, StateFilter);
+  if (!path.isEmpty() && tried([&] { document_.save(port, path.toStdString()); })) updateActions();
+}
+
+void DocumentActions::reset(QCPort& port) {
+  document_.reset(port);
+}
+
+}  // namespace host

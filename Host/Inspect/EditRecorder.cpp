@@ -1,0 +1,33 @@
+#include "Host/Inspect/EditRecorder.h"
+
+#include "Host/Inspect/Interactions.h"
+
+#include <utility>
+
+namespace host {
+
+EditRecorder::EditRecorder(ParameterDocument& document, Told told)
+    : document_(document), told_(std::move(told)), commit_([this] {
+        document_.history().commit();
+        told_.historyChanged();
+      }) {
+  for (QCPort* port : document.parameters()) watch(*port);
+}
+
+void EditRecorder::watch(QCPort& port) {
+  watches_.push_back(std::make_unique<PortWatch>(port, [this, &port] {
+    commit_.request();
+    told_.valueChanged(port);
+  }));
+  auto& center = NSNotificationCenter::defaultCenter();
+  observations_.push_back(center.addObserver(StartInteraction, &port, [this, &port](const NSNotification&) {
+    document_.history().startInteraction();
+    told_.interactionStarted(port);
+  }));
+  observations_.push_back(center.addObserver(EndInteraction, &port, [this](const NSNotification&) {
+    document_.history().endInteraction();
+    commit_.request();
+  }));
+}
+
+}  // namespace host

@@ -1,0 +1,128 @@
+#include "Host/Inspect/EffectWindow.h"
+
+#include "Host/Inspect/Appearance.h"
+#include "Host/Inspect/DocumentActions.h"
+#include "Host/Inspect/Drops.h"
+#include "Host/Inspect/InspectorColumn.h"
+#include "Host/Inspect/MessageBar.h"
+#include "Host/Inspect/PreviewView.h"
+#include "Host/Inspect/TransportBar.h"
+#include "TarnCore/TCBitmap.h"
+
+#include <QAction>
+#include <QDropEvent>
+#include <QFileDialog>
+#include <QHBoxLayout>
+#include <QMenuBar>
+#include <QShortcut>
+#include <QVBoxLayout>
+
+namespace host {
+namespace {
+
+QString pictureText(const VortoBitmap& bitmap, double zoom) {
+  const QString depth =
+      bitmap.bitsPerChannel == 32 ? QStringLiteral("float") : QStringLiteral("%1-bit").arg(bitmap.bitsPerChannel);
+  return QStringLiteral("%1 \u00d7 %2   %3   %4 %")
+      .arg(bitmap.width)
+      .arg(bitmap.height)
+      .arg(depth)
+      .arg(zoom * 100, 0, 'f', 0);
+}
+
+}  // namespace
+
+EffectWindow::EffectWindow(EffectSession& session)
+    : session_(session),
+      render_([this] { render(); }),
+      preview_(new PreviewView(this)),
+      messages_(new MessageBar(this)) {
+  transport_ = new TransportBar(
+      session.timeline(), session.position(), [this](std::uint64_t position) { return goTo(position); }, this);
+  actions_ = new DocumentActions(session.document(), *messages_, *this,
+                                 {.valueChanged = [this](QCPort&) { render_.request(); },
+                                  .loaded = [this](QCPort& port) { column_->loaded(port); },
+                                  .changed = [this] { updateTitle(); }});
+  column_ = new InspectorColumn(
+      *actions_, {QString::fromStdString(session.name()), QString::fromStdString(session.description())}, this);
+  preview_->setShown([this] {
+    if (session_.result()) transport_->setPictureText(pictureText(*session_.result(), preview_->zoom()));
+  });
+  layOut();
+  addMenus();
+  auto* space = new QShortcut(Qt::Key_Space, this);
+  QObject::connect(space, &QShortcut::activated, this, [this] { transport_->togglePlaying(); });
+  setAcceptDrops(true);
+  updateTitle();
+  resize(1120, 700);
+  preview_->setFocusPolicy(Qt::ClickFocus);
+  preview_->setFocus();
+}
+
+void EffectWindow::layOut() {
+  auto* center = new QWidget(this);
+  auto* left = new QVBoxLayout;
+  left->setSpacing(0);
+  left->addWidget(preview_, 1);
+  left->addWidget(messages_);
+  left->addWidget(transport_);
+  auto* row = new QHBoxLayout(center);
+  row->setContentsMargins(0, 0, 0, 0);
+  row->setSpacing(0);
+  row->addLayout(left, 1);
+  row->addWidget(column_);
+  setCentralWidget(center);
+}
+
+void EffectWindow::addMenus() {
+  auto* savePictureAction = new QAction("Save Picture\u2026", this);
+  savePictureAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_E));
+  QObject::connect(savePictureAction, &QAction::triggered, this, [this] { savePicture(); });
+  QMenu* file = menuBar()->addMenu("&File");
+  file->addActions({actions_->openAction, actions_->saveAction, actions_->saveAsAction});
+  file->addSeparator();
+  file->addAction(savePictureAction);
+  file->addSeparator();
+  file->addAction(actions_->quitAction);
+  QMenu* edit = menuBar()->addMenu("&Edit");
+  edit->addActions({actions_->undoAction, actions_->redoAction});
+  edit->addSeparator();
+  edit->addAction(actions_->resetAction);
+}
+
+bool EffectWindow::goTo(std::uint64_t position) {
+  if (!actions_->tried([&] { session_.goTo(position); })) return false;
+  render_.cancel();  // what is pending is done here
+  return render();
+}
+
+bool EffectWindow::render() {
+  ++renderCount_;
+  return actions_->tried([this] { preview_->setPicture(session_.render()); });
+}
+
+void EffectWindow::savePicture() {
+  const QString path =
+      QFileDialog::getSaveFileName(this, "Save Picture", QString::fromStdString(session_.name()) + ".png",
+                                   "Pictures (*.png *.jpg *.jpeg *.tif *.tiff *.exr)");
+  if (path.isEmpty()) return;
+  if (render_.isPending()) renderNow();
+  actions_->tried([&] { session_.savePicture(path.toStdString()); });
+}
+
+void EffectWindow::updateTitle() {
+  if (column_) column_->updateTitles();
+  const QString names = QString::fromStdString(session_.inputNames());
+  setWindowTitle((names.isEmpty() ? QString() : names + " \u2013 ") + QString::fromStdString(session_.name()));
+}
+
+void EffectWindow::dragEnterEvent(QDragEnterEvent* event) {
+  if (!droppedFile(*event->mimeData()).empty()) event->acceptProposedAction();
+}
+
+void EffectWindow::dropEvent(QDropEvent* event) {
+  event->acceptProposedAction();
+  actions_->load(droppedFile(*event->mimeData()), actions_->activePort());
+}
+
+}  // namespace host

@@ -1,0 +1,127 @@
+#include "Host/Inspect/InspectorColumn.h"
+
+#include "Host/Inspect/Appearance.h"
+#include "Host/Inspect/DocumentActions.h"
+#include "Host/Inspect/EditorSlot.h"
+#include "Host/Inspect/ParameterSection.h"
+#include "Host/Inspect/ValueEditors.h"
+#include "Host/PortKinds.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QVBoxLayout>
+#include <memory>
+
+namespace host {
+namespace {
+
+constexpr int LabelWidth = 80;
+constexpr int RowHeight = 24;
+
+bool bringsEditor(const QCPort& port) {
+  return ParameterDocument::hasStateFile(port) || portKindOf(port) == PortKind::Object;
+}
+
+QWidget* rule(const QColor& color, QWidget* parent) {
+  auto* line = new QWidget(parent);
+  line->setFixedHeight(1);
+  QPalette palette = line->palette();
+  palette.setColor(QPalette::Window, color);
+  line->setPalette(palette);
+  line->setAutoFillBackground(true);
+  return line;
+}
+
+}  // namespace
+
+InspectorColumn::InspectorColumn(DocumentActions& actions, const Heading& heading, QWidget* parent)
+    : QScrollArea(parent), content_(new QWidget) {
+  setFrameShape(QFrame::NoFrame);
+  setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  setFixedWidth(ContentWidth + 2 * SideMargin);
+  content_->setMinimumWidth(ContentWidth + SideMargin);
+  auto* column = new QVBoxLayout(content_);
+  column->setContentsMargins(SideMargin, 18, 0, 18);
+  column->setSpacing(10);
+  addHeading(*column, heading);
+  bool afterSection = true;
+  for (QCPort* port : actions.document().parameters()) {
+    const bool isSection = bringsEditor(*port);
+    if (isSection || afterSection) addSeparator(*column);
+    if (isSection) {
+      addSection(*column, *port, actions);
+    } else {
+      addRow(*column, *port);
+    }
+    afterSection = isSection;
+  }
+  column->addStretch(1);
+  setWidget(content_);
+  setWidgetResizable(true);
+}
+
+void InspectorColumn::addHeading(QVBoxLayout& column, const Heading& heading) {
+  auto* title = new QLabel(heading.title, content_);
+  QFont font = title->font();
+  font.setPointSizeF(font.pointSizeF() * 1.35);
+  font.setWeight(QFont::DemiBold);
+  title->setFont(font);
+  column.addWidget(title);
+  if (heading.detail.isEmpty()) return;
+  auto* detail = new QLabel(heading.detail, content_);
+  detail->setForegroundRole(QPalette::PlaceholderText);
+  detail->setWordWrap(true);
+  detail->setFixedWidth(ContentWidth);
+  column.addWidget(detail);
+}
+
+void InspectorColumn::addRow(QVBoxLayout& column, QCPort& port) {
+  auto* row = new QWidget(content_);
+  row->setFixedWidth(ContentWidth);
+  row->setMinimumHeight(RowHeight);
+  auto* layout = new QHBoxLayout(row);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->setSpacing(6);
+  const QString name = QString::fromStdString(port.name());
+  auto* label = new QLabel(row);
+  label->setFixedWidth(LabelWidth);
+  label->setText(label->fontMetrics().elidedText(name, Qt::ElideRight, LabelWidth));
+  label->setToolTip(QString::fromStdString(port.key()));
+  layout->addWidget(label);
+  QWidget* editor = makeValueEditor(port, row);
+  label->setBuddy(editor);
+  layout->addWidget(editor, 1);
+  column.addWidget(row);
+}
+
+void InspectorColumn::addSection(QVBoxLayout& column, QCPort& port, DocumentActions& actions) {
+  auto* section = new ParameterSection(port, actions, ParameterSection::Folding::Possible, content_);
+  section->setFixedWidth(ContentWidth);
+  column.addWidget(section);
+  sections_.push_back(section);
+}
+
+void InspectorColumn::addSeparator(QVBoxLayout& column) {
+  auto* line = rule(inspectorColors(palette()).separator, content_);
+  line->setFixedWidth(ContentWidth);
+  column.addSpacing(2);
+  column.addWidget(line);
+  column.addSpacing(2);
+}
+
+ParameterSection* InspectorColumn::section(const QCPort& port) const {
+  for (ParameterSection* section : sections_) {
+    if (&section->port() == &port) return section;
+  }
+  return nullptr;
+}
+
+void InspectorColumn::loaded(QCPort& port) {
+  if (ParameterSection* of = section(port)) of->slot().refresh();
+}
+
+void InspectorColumn::updateTitles() {
+  for (ParameterSection* section : sections_) section->updateTitle();
+}
+
+}  // namespace host

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QWidget>
+
+class QLabel;
+
+namespace host {
+
+// A line that tells what went wrong, until the next thing succeeds or it is closed. Hidden while there is nothing.
+class MessageBar : public QWidget {
+ public:
+  explicit MessageBar(QWidget* parent = nullptr);
+  void show(const QString& text);
+  void clear();
+  QString text() const;
+
+ private:
+  QLabel* label_;
+};
+
+}  // namespace host

@@ -1,0 +1,97 @@
+#include "Host/Inspect/NumberEditor.h"
+
+#include "Host/Inspect/Interactions.h"
+#include "Host/Inspect/WheelGuard.h"
+
+#include <QDoubleSpinBox>
+#include <QHBoxLayout>
+#include <QSignalBlocker>
+#include <QSlider>
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace host {
+namespace {
+
+constexpr int SliderSteps = 1000;
+constexpr double WidestSlider = 4096;  // beyond it a step of a slider is too much for anybody
+constexpr int BoxWidth = 66;
+
+int decimalsFor(const PortRange& range) {
+  if (!range.minimum || !range.maximum) return 3;
+  const double span = *range.maximum - *range.minimum;
+  return span <= 10 ? 3 : span <= 1000 ? 1 : 0;
+}
+
+}  // namespace
+
+NumberEditor::NumberEditor(QCPort& port, QWidget* parent)
+    : QWidget(parent),
+      port_(port),
+      range_(portRange(port)),
+      whole_(portKindOf(port) == PortKind::Index),
+      box_(new QDoubleSpinBox(this)),
+      watch_(port, [this] { show(present()); }) {
+  const double lowest = whole_ ? 0 : std::numeric_limits<double>::lowest();
+  const double highest = whole_ ? std::numeric_limits<std::uint32_t>::max() : std::numeric_limits<double>::max();
+  box_->setDecimals(whole_ ? 0 : decimalsFor(range_));
+  box_->setRange(range_.minimum.value_or(lowest), range_.maximum.value_or(highest));
+  const double span = box_->maximum() - box_->minimum();
+  box_->setSingleStep(whole_ ? 1 : std::isfinite(span) ? std::clamp(span / 100, 0.01, 1.0) : 0.1);
+  box_->setButtonSymbols(QAbstractSpinBox::NoButtons);
+  box_->setKeyboardTracking(false);
+  box_->setAccelerated(true);
+  box_->setFixedWidth(BoxWidth);
+  box_->setAlignment(Qt::AlignRight);
+  box_->setAccessibleName(QString::fromStdString(port.name()));
+  guardWheel(*box_);
+  QObject::connect(box_, &QDoubleSpinBox::valueChanged, this, [this](double value) { give(value); });
+
+  auto* row = new QHBoxLayout(this);
+  row->setContentsMargins(0, 0, 0, 0);
+  row->setSpacing(8);
+  if (range_.minimum && range_.maximum && span > 0 && span <= WidestSlider) {
+    addSlider();
+    row->addWidget(slider_, 1);
+  } else {
+    row->addStretch(1);
+  }
+  row->addWidget(box_);
+  show(present());
+}
+
+void NumberEditor::addSlider() {
+  const double span = *range_.maximum - *range_.minimum;
+  slider_ = new QSlider(Qt::Horizontal, this);
+  slider_->setRange(0, whole_ ? static_cast<int>(span) : SliderSteps);
+  slider_->setPageStep(std::max(1, slider_->maximum() / 10));
+  slider_->setAccessibleName(QString::fromStdString(port_.name()));
+  guardWheel(*slider_);
+  QObject::connect(slider_, &QSlider::valueChanged, this,
+                   [this, span](int step) { give(*range_.minimum + span * step / slider_->maximum()); });
+  QObject::connect(slider_, &QSlider::sliderPressed, this, [this] { startInteraction(port_); });
+  QObject::connect(slider_, &QSlider::sliderReleased, this, [this] { endInteraction(port_); });
+}
+
+double NumberEditor::present() const {
+  const auto* index = dynamic_cast<const QCIndexPort*>(&port_);
+  return index ? index->indexValue() : dynamic_cast<const QCNumberPort&>(port_).doubleValue();
+}
+
+void NumberEditor::show(double value) {
+  const QSignalBlocker quietBox(box_);
+  box_->setValue(value);
+  if (!slider_) return;
+  const QSignalBlocker quietSlider(slider_);
+  const double part = (value - *range_.minimum) / (*range_.maximum - *range_.minimum);
+  if (std::isfinite(part))
+    slider_->setValue(static_cast<int>(std::lround(std::clamp(part, 0.0, 1.0) * slider_->maximum())));
+}
+
+void NumberEditor::give(double value) {
+  port_.setValue(whole_ ? NSNumber::numberWithInt(static_cast<std::uint32_t>(std::lround(value)))
+                        : NSNumber::numberWithDouble(value));
+}
+
+}  // namespace host

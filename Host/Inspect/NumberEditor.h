@@ -1,0 +1,32 @@
+#pragma once
+
+#include "Host/Inspect/PortWatch.h"
+#include "Host/PortKinds.h"
+
+#include <QWidget>
+
+class QDoubleSpinBox;
+class QSlider;
+
+namespace host {
+
+// A number, or an index that has no menu: a box to type into, and a slider when the range is limited.
+class NumberEditor : public QWidget {
+ public:
+  NumberEditor(QCPort& port, QWidget* parent);
+
+ private:
+  void addSlider();
+  void show(double value);
+  void give(double value);
+  double present() const;
+
+  QCPort& port_;
+  const PortRange range_;
+  const bool whole_;
+  QSlider* slider_ = nullptr;
+  QDoubleSpinBox* box_ = nullptr;
+  PortWatch watch_;
+};
+
+}  // namespace host

@@ -1,0 +1,59 @@
+#include "Host/Inspect/StateWindow.h"
+
+#include "Host/Inspect/DocumentActions.h"
+#include "Host/Inspect/Drops.h"
+#include "Host/Inspect/EditorSlot.h"
+#include "Host/Inspect/InspectorColumn.h"
+#include "Host/Inspect/MessageBar.h"
+#include "Host/Inspect/ParameterSection.h"
+
+#include <QDropEvent>
+#include <QFileInfo>
+#include <QVBoxLayout>
+
+namespace host {
+namespace {
+
+constexpr int Margin = 20;
+
+}  // namespace
+
+StateWindow::StateWindow(ParameterDocument& document) : messages_(new MessageBar(this)) {
+  actions_ = new DocumentActions(document, *messages_, *this,
+                                 {.valueChanged = [](QCPort&) {},
+                                  .loaded = [this](QCPort&) { section_->slot().refresh(); },
+                                  .changed = [this] { updateTitle(); }});
+  section_ = new ParameterSection(*document.parameters().front(), *actions_, ParameterSection::Folding::None, this);
+  section_->setFixedWidth(InspectorColumn::ContentWidth);
+  auto* inner = new QVBoxLayout;
+  inner->setContentsMargins(Margin, Margin - 4, Margin, Margin);
+  inner->addWidget(section_);
+  auto* outer = new QVBoxLayout(this);
+  outer->setContentsMargins(0, 0, 0, 0);
+  outer->setSpacing(0);
+  outer->addLayout(inner);
+  outer->addStretch(1);
+  outer->addWidget(messages_);
+  setAcceptDrops(true);
+  updateTitle();
+}
+
+void StateWindow::updateTitle() {
+  if (!section_) return;
+  const ParameterDocument& document = actions_->document();
+  section_->updateTitle();
+  const QString file = QString::fromStdString(document.file(section_->port()));
+  setWindowTitle(QFileInfo(file).fileName() + "[*] \u2013 Vorto");
+  setWindowModified(document.isModified(section_->port()));
+}
+
+void StateWindow::dragEnterEvent(QDragEnterEvent* event) {
+  if (!droppedFile(*event->mimeData()).empty()) event->acceptProposedAction();
+}
+
+void StateWindow::dropEvent(QDropEvent* event) {
+  event->acceptProposedAction();
+  actions_->load(droppedFile(*event->mimeData()), &section_->port());
+}
+
+}  // namespace host

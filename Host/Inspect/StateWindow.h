@@ -1,0 +1,34 @@
+#pragma once
+
+#include "Host/Inspect/ParameterDocument.h"
+
+#include <QWidget>
+
+namespace host {
+
+class DocumentActions;
+class MessageBar;
+class ParameterSection;
+
+// One state file's editor, alone on a window.
+class StateWindow : public QWidget {
+ public:
+  explicit StateWindow(ParameterDocument& document);
+
+  DocumentActions& actions() { return *actions_; }
+  MessageBar& messages() { return *messages_; }
+  ParameterSection& section() { return *section_; }
+
+ protected:
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+
+ private:
+  void updateTitle();
+
+  MessageBar* messages_;
+  DocumentActions* actions_ = nullptr;
+  ParameterSection* section_ = nullptr;
+};
+
+}  // namespace host

@@ -1,0 +1,10 @@
+#pragma once
+
+class QWidget;
+
+namespace host {
+
+// The wheel acts on the widget only while it has the keyboard; otherwise it scrolls what the widget is in.
+void guardWheel(QWidget& widget);
+
+}  // namespace host
