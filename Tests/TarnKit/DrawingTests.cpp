@@ -1,0 +1,183 @@
+#include "Platform/TarnKit/NSGraphicsContext.h"
+#include "Platform/TarnKit/NSImage.h"
+#include "Platform/TarnKit/NSTarnColor.h"
+#include "Platform/TarnKit/NSTarnView.h"
+#include "Tests/TarnKit/Pictures.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <limits>
+
+namespace {
+
+class DrawingView : public NSTarnView {
+ public:
+  DrawingView(NSSize size, bool flipped, std::function<void()> draw)
+      : NSTarnView(NSRect{{}, size}), flipped_(flipped), draw_(std::move(draw)) {}
+  bool isFlipped() const override { return flipped_; }
+  void drawRect(NSRect dirty) override {
+    lastDirty = dirty;
+    draw_();
+  }
+  NSRect lastDirty;
+
+ private:
+  bool flipped_;
+  std::function<void()> draw_;
+};
+
+void clear() {
+  NSColor::colorWithCalibratedRed(1, 1, 1, 1).set();
+  NSBezierPath::fillRect(NSMakeRect(-10, -10, 1000, 1000));
+}
+
+// Red, green, blue, white in reading order.
+std::shared_ptr<NSImage> fourPixels() {
+  auto bitmap = std::make_shared<NSBitmapImageRep>(2, 2, 16);
+  const std::uint8_t rows[2][8] = {{255, 0, 0, 255, 0, 255, 0, 255}, {0, 0, 255, 255, 255, 255, 255, 255}};
+  for (int row = 0; row < 2; ++row) std::copy_n(rows[row], 8, bitmap->bitmapData() + row * 16);
+  auto image = std::make_shared<NSImage>(NSSize{2, 2});
+  image->addRepresentation(bitmap);
+  return image;
+}
+
+TEST(Drawing, FillsExactlyThePixelsOfARectangle) {
+  for (const bool flipped : {false, true}) {
+    DrawingView view({20, 12}, flipped, [] {
+      clear();
+      NSColor::colorWithCalibratedRed(0, 0, 1, 1).set();
+      NSBezierPath::fillRect(NSMakeRect(4, 2, 6, 5));
+    });
+    const QImage image = pictureOf(view);
+    const double ratio = view.devicePixelRatioF();
+    const QRect painted(4, flipped ? 2 : 5, 6, 5);
+    // No pixel is mixed, at fractional ratios either; edges lie on the nearest device pixel.
+    for (int y = 0; y < image.height(); ++y) {
+      for (int x = 0; x < image.width(); ++x) {
+        const bool inside = x >= std::lround(painted.left() * ratio) &&
+                            x < std::lround((painted.right() + 1) * ratio) && y >= std::lround(painted.top() * ratio) &&
+                            y < std::lround((painted.bottom() + 1) * ratio);
+        ASSERT_EQ(image.pixel(x, y), inside ? qRgb(0, 0, 255) : qRgb(255, 255, 255)) << x << ", " << y << flipped;
+      }
+    }
+  }
+}
+
+TEST(Drawing, ImagesStandUprightOnTheirLowerLeftCornerAndAreNotSmoothed) {
+  for (const bool flipped : {false, true}) {
+    DrawingView view({20, 12}, flipped, [] {
+      clear();
+      fourPixels()->compositeToPoint({6, 4}, NSCompositeSourceOver);
+    });
+    const QImage image = pictureOf(view);
+    const double ratio = view.devicePixelRatioF();
+    const int top = flipped ? 2 : 6;
+    EXPECT_EQ(pixelAt(image, ratio, 6, top), qRgb(255, 0, 0)) << flipped;
+    EXPECT_EQ(pixelAt(image, ratio, 7, top), qRgb(0, 255, 0)) << flipped;
+    EXPECT_EQ(pixelAt(image, ratio, 6, top + 1), qRgb(0, 0, 255)) << flipped;
+    for (int y = 0; y < image.height(); ++y) {
+      for (int x = 0; x < image.width(); ++x) {
+        const QRgb color = image.pixel(x, y);
+        for (const int part : {qRed(color), qGreen(color), qBlue(color)}) ASSERT_TRUE(part == 0 || part == 255);
+      }
+    }
+  }
+}
+
+TEST(Drawing, PatternsRepeatFromTheViewsOrigin) {
+  for (const bool flipped : {false, true}) {
+    DrawingView view({20, 11}, flipped, [] {
+      clear();
+      NSColor::colorWithPatternImage(fourPixels()).set();
+      NSBezierPath::fillRect(NSMakeRect(4, 2, 8, 8));
+    });
+    const QImage image = pictureOf(view);
+    const double ratio = view.devicePixelRatioF();
+    // The pattern's lower left pixel is blue, its upper left one red.
+    EXPECT_EQ(pixelAt(image, ratio, 4, flipped ? 2 : 8), flipped ? qRgb(255, 0, 0) : qRgb(0, 0, 255)) << flipped;
+    EXPECT_EQ(pixelAt(image, ratio, 6, flipped ? 4 : 6), flipped ? qRgb(255, 0, 0) : qRgb(0, 0, 255)) << flipped;
+    EXPECT_EQ(pixelAt(image, ratio, 5, flipped ? 2 : 7), qRgb(0, 255, 0)) << flipped;
+    EXPECT_EQ(pixelAt(image, ratio, 3, 5), qRgb(255, 255, 255)) << flipped;
+  }
+}
+
+TEST(Drawing, NothingHappensWithoutAContextOrAnythingToDraw) {
+  EXPECT_EQ(NSGraphicsContext::currentContext(), nullptr);
+  NSColor().set();
+  NSBezierPath::fillRect(NSMakeRect(0, 0, 5, 5));
+  NSDrawFocusRing(NSMakeRect(0, 0, 5, 5));
+  fourPixels()->compositeToPoint({}, NSCompositeCopy);
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  DrawingView view({10, 10}, false, [nan] {
+    clear();
+    NSColor::colorWithPatternImage(nullptr).set();
+    NSBezierPath::fillRect(NSMakeRect(0, 0, 10, 10));
+    NSColor::colorWithCalibratedRed(0, 0, 0, 1).set();
+    NSBezierPath::fillRect(NSMakeRect(0, 0, -5, 5));
+    NSBezierPath::fillRect(NSMakeRect(0, 0, nan, 5));
+    NSBezierPath::strokeRect(NSMakeRect(0, 0, 5, 5), 0);
+    NSImage({5, 5}).compositeToPoint({}, NSCompositeSourceOver);
+    NSImage empty({-5, 5});
+    empty.addRepresentation(std::make_shared<NSBitmapImageRep>(0, 0, 0));
+    empty.compositeToPoint({}, NSCompositeSourceOver);
+  });
+  const QImage image = pictureOf(view);
+  for (int x = 0; x < image.width(); ++x) EXPECT_EQ(image.pixel(x, image.height() - 1), qRgb(255, 255, 255));
+}
+
+TEST(Drawing, DirtyRectanglesAreInTheViewsCoordinates) {
+  for (const bool flipped : {false, true}) {
+    DrawingView view({40, 30}, flipped, [] {});
+    view.grab(QRect(5, 2, 10, 4));
+    EXPECT_EQ(view.lastDirty.origin.x, 5);
+    EXPECT_EQ(view.lastDirty.origin.y, flipped ? 2 : 24);
+  }
+}
+
+TEST(Bitmaps, HaveZeroedRowsOfThePitchAskedFor) {
+  NSBitmapImageRep bitmap(3, 2, 16);
+  EXPECT_EQ(bitmap.bytesPerRow(), 16U);
+  for (int byte = 0; byte < 32; ++byte) EXPECT_EQ(bitmap.bitmapData()[byte], 0);
+  EXPECT_EQ(NSBitmapImageRep(3, 2, 5).bytesPerRow(), 12U);
+  EXPECT_EQ(NSBitmapImageRep(1, 0xFFFFFFFF, 4).bitmapData(), nullptr);
+  EXPECT_EQ(NSBitmapImageRep(0xFFFFFFFF, 1, 4).pixelsWide(), 0U);
+}
+
+TEST(Images, ComeFromFilesOrNotAtAll) {
+  const TestFolder folder;
+  QImage picture(3, 2, QImage::Format_ARGB32);
+  picture.fill(QColor(255, 0, 0, 128));
+  picture.save(QString::fromStdString(folder.path("half.png")));
+  const std::shared_ptr<NSImage> image = NSImage::initWithContentsOfFile(folder.path("half.png"));
+  ASSERT_TRUE(image);
+  EXPECT_EQ(image->size().width, 3);
+  EXPECT_EQ(image->representation()->bitmapData()[0], 128);
+  EXPECT_EQ(image->representation()->bitmapData()[3], 128);
+  EXPECT_EQ(NSImage::initWithContentsOfFile(folder.path("none.png")), nullptr);
+  EXPECT_EQ(NSImage::initWithContentsOfFile(folder.write("broken.png", "no picture")), nullptr);
+}
+
+TEST(Colors, KeepTheirComponentsAndAreLimitedWhereTheyAreDrawn) {
+  const NSColor color = NSColor::colorWithCalibratedRed(1.5, -0.5, std::numeric_limits<double>::quiet_NaN(), 0.25);
+  double red = 0;
+  double alpha = 0;
+  color.getRed(&red, nullptr, nullptr, &alpha);
+  EXPECT_EQ(red, 1.5);
+  EXPECT_EQ(alpha, 0.25);
+  EXPECT_EQ(color.toQColor().rgba(), qRgba(255, 0, 0, 64));
+}
+
+TEST(Colors, FollowThePaletteOfTheWidgetThatIsDrawn) {
+  bool dark = false;
+  DrawingView view({10, 10}, false, [&] { dark = NSTarnColor::isDark(); });
+  QPalette palette;
+  for (const bool wanted : {true, false, true}) {
+    palette.setColor(QPalette::Window, wanted ? QColor(40, 40, 40) : QColor(240, 240, 240));
+    view.setPalette(palette);
+    view.grab();
+    EXPECT_EQ(dark, wanted);
+  }
+}
+
+}  // namespace

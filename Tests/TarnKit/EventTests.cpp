@@ -1,0 +1,283 @@
+#include "Tests/TarnKit/RecordingView.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QMenu>
+#include <QPointer>
+#include <QTest>
+#include <memory>
+
+namespace {
+
+QPoint at(const NSTarnView& view, double x, double y) {
+  return view.toWidget(NSPoint{x, y}).toPoint();
+}
+
+void move(QWidget& widget, QPoint position, Qt::MouseButtons buttons,
+          Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+  QMouseEvent event(QEvent::MouseMove, position, widget.mapTo(widget.window(), position), widget.mapToGlobal(position),
+                    Qt::NoButton, buttons, modifiers);
+  QCoreApplication::sendEvent(&widget, &event);
+}
+
+// Views are drawn on half-open rectangles: the pixel just above a lower edge is in, the one below it is not, whichever
+// way the view counts.
+TEST(Mouse, HitsExactlyTheRowsThatARectanglePaints) {
+  for (const bool flipped : {false, true}) {
+    RecordingView view(NSMakeRect(0, 0, 40, 30), nullptr, flipped);
+    view.show();
+    const NSRect rect = NSMakeRect(10, 6, 5, 8);
+    const QRect painted = view.toWidget(rect);
+    for (int y = 0; y < 30; ++y) {
+      view.calls.clear();
+      QTest::mouseClick(&view, Qt::LeftButton, {}, QPoint(10, y));
+      ASSERT_EQ(view.names(), "down up");
+      EXPECT_EQ(NSPointInRect(view.calls[0].point, rect), painted.contains(10, y)) << y << flipped;
+    }
+    EXPECT_EQ(view.calls[0].point.x, 10);
+  }
+}
+
+TEST(Mouse, SequenceModifiersAndClickCounts) {
+  RecordingView view(NSMakeRect(0, 0, 40, 30));
+  view.show();
+  QTest::mousePress(&view, Qt::LeftButton, Qt::ControlModifier | Qt::AltModifier, QPoint(4, 5));
+  move(view, QPoint(14, 7), Qt::LeftButton, Qt::ShiftModifier);
+  QTest::mouseRelease(&view, Qt::LeftButton, {}, QPoint(14, 7));
+  QTest::mouseClick(&view, Qt::LeftButton, {}, QPoint(4, 5));
+  QTest::mouseDClick(&view, Qt::LeftButton, {}, QPoint(4, 5));
+  QTest::mouseRelease(&view, Qt::LeftButton, {}, QPoint(4, 5));
+  move(view, QPoint(1, 1), Qt::NoButton);
+  ASSERT_EQ(view.names(), "down dragged up down up down up moved");
+  EXPECT_EQ(view.calls[0].flags, NSControlKeyMask | NSAlternateKeyMask);
+  EXPECT_EQ(view.calls[0].clicks, 1);
+  EXPECT_EQ(view.calls[1].flags, NSShiftKeyMask);
+  EXPECT_EQ(view.calls[1].point.x - view.calls[0].point.x, 10);
+  EXPECT_EQ(view.calls[1].point.y - view.calls[0].point.y, -2);
+  EXPECT_EQ(view.calls[5].clicks, 2);
+}
+
+TEST(Mouse, OtherButtonsDoNothingWhileTheLeftIsHeld) {
+  RecordingView view(NSMakeRect(0, 0, 40, 30));
+  view.show();
+  QTest::mousePress(&view, Qt::LeftButton, {}, QPoint(4, 5));
+  QTest::mousePress(&view, Qt::RightButton, {}, QPoint(4, 5));
+  QTest::mouseRelease(&view, Qt::RightButton, {}, QPoint(4, 5));
+  QTest::mouseRelease(&view, Qt::LeftButton, {}, QPoint(4, 5));
+  QTest::mouseClick(&view, Qt::RightButton, {}, QPoint(4, 5));
+  EXPECT_EQ(view.names(), "down up right");
+}
+
+class MouseCatcher : public QWidget {
+ public:
+  std::vector<std::pair<QEvent::Type, QPoint>> events;
+
+ protected:
+  bool event(QEvent* event) override {
+    if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonRelease) {
+      events.emplace_back(event->type(), static_cast<QMouseEvent*>(event)->position().toPoint());
+    }
+    return QWidget::event(event);
+  }
+};
+
+TEST(Mouse, UnwantedEventsGoToTheSuperviewsOnceAndThenToTheWidgetAround) {
+  MouseCatcher window;
+  window.resize(100, 100);
+  RecordingView outer(NSMakeRect(10, 20, 60, 60), &window);
+  RecordingView middle(NSMakeRect(0, 0, 50, 50), &outer);
+  NSTarnView plain(NSMakeRect(0, 0, 40, 40), &middle);
+  outer.passesOn = true;
+  middle.passesOn = true;
+  window.show();
+  QTest::mouseClick(&plain, Qt::LeftButton, {}, at(plain, 3, 5));
+  EXPECT_EQ(middle.names(), "down up");
+  EXPECT_EQ(outer.names(), "down up");
+  EXPECT_EQ(outer.calls[0].point.x, 3);
+  ASSERT_EQ(window.events.size(), 2U);
+  EXPECT_EQ(window.events[0], std::pair(QEvent::MouseButtonPress, QPoint(13, 75)));
+  EXPECT_EQ(window.events[1].first, QEvent::MouseButtonRelease);
+
+  middle.passesOn = false;
+  QTest::mouseClick(&plain, Qt::LeftButton, {}, at(plain, 3, 5));
+  EXPECT_EQ(outer.calls.size(), 2U);
+  EXPECT_EQ(window.events.size(), 2U);
+}
+
+TEST(Mouse, ARightPressCanBeHandedOnAsMouseDown) {
+  RecordingView outer(NSMakeRect(0, 0, 60, 60));
+  RecordingView inner(NSMakeRect(0, 0, 50, 50), &outer);
+  inner.passesOn = inner.rightIsDown = true;
+  outer.show();
+  QTest::mousePress(&inner, Qt::RightButton, {}, QPoint(5, 5));
+  EXPECT_EQ(outer.names(), "down");
+  inner.rightIsDown = false;
+  QTest::mousePress(&inner, Qt::RightButton, {}, QPoint(5, 5));
+  EXPECT_EQ(outer.names(), "down right");
+}
+
+// The release goes to a pop-up that the press opened; the view must not stay in its drag for ever.
+TEST(Mouse, TheViewHearsAReleaseThatGoesElsewhere) {
+  RecordingView view(NSMakeRect(0, 0, 40, 30));
+  QWidget other;
+  view.show();
+  QTest::mousePress(&view, Qt::LeftButton, {}, QPoint(4, 5));
+  view.hide();
+  QTest::mouseRelease(&other, Qt::LeftButton, {}, QPoint(1, 1));
+  EXPECT_EQ(view.names(), "down up");
+  QTest::mouseRelease(&other, Qt::LeftButton, {}, QPoint(1, 1));
+  EXPECT_EQ(view.names(), "down up");
+  auto mortal = std::make_unique<RecordingView>(NSMakeRect(0, 0, 40, 30));
+  QTest::mousePress(mortal.get(), Qt::LeftButton, {}, QPoint(4, 5));
+  mortal.reset();
+  QTest::mouseRelease(&other, Qt::LeftButton, {}, QPoint(1, 1));
+}
+
+TEST(Mouse, AHandlerMayDeleteTheViewItsSuperviewOrTheWindow) {
+  using Send = std::function<void(QWidget&)>;
+  const Send sends[] = {
+      [](QWidget& view) { QTest::mousePress(&view, Qt::LeftButton, {}, QPoint(4, 5)); },
+      [](QWidget& view) { QTest::mouseDClick(&view, Qt::LeftButton, {}, QPoint(4, 5)); },
+      [](QWidget& view) { QTest::mousePress(&view, Qt::RightButton, {}, QPoint(4, 5)); },
+      [](QWidget& view) { move(view, QPoint(3, 3), Qt::NoButton); },
+      [](QWidget& view) { QTest::keyPress(&view, Qt::Key_Shift); },
+  };
+  for (const Send& send : sends) {
+    for (int victim = 0; victim < 3; ++victim) {
+      auto* window = new QWidget;
+      auto* outer = new RecordingView(NSMakeRect(0, 0, 60, 60), window);
+      auto* inner = new RecordingView(NSMakeRect(0, 0, 50, 50), outer);
+      window->show();
+      QPointer<QWidget> alive = inner;
+      QWidget* const victims[] = {inner, outer, window};
+      inner->inHandler = [chosen = victims[victim]] { delete chosen; };
+      send(*inner);
+      EXPECT_TRUE(alive.isNull());
+      if (victim == 0) delete window;
+      if (victim == 1) delete window;
+    }
+  }
+}
+
+// Deleting during the drag and on release.
+TEST(Mouse, AHandlerMayDeleteTheViewLateInAGesture) {
+  for (const bool onRelease : {false, true}) {
+    auto* view = new RecordingView(NSMakeRect(0, 0, 50, 50));
+    QPointer<RecordingView> alive = view;
+    view->show();
+    QTest::mousePress(view, Qt::LeftButton, {}, QPoint(4, 5));
+    int countdown = onRelease ? 2 : 1;
+    view->inHandler = [&countdown, view] {
+      if (--countdown == 0) delete view;
+    };
+    move(*view, QPoint(9, 9), Qt::LeftButton);
+    if (alive) QTest::mouseRelease(view, Qt::LeftButton, {}, QPoint(9, 9));
+    EXPECT_TRUE(alive.isNull());
+  }
+}
+
+class MenuView : public NSTarnView {
+ public:
+  using NSTarnView::NSTarnView;
+  QMenu* menuForEvent(const NSEvent&) override {
+    ++asked;
+    if (!hasMenu) return nullptr;
+    menu = new QMenu(this);
+    menu->addAction("One");
+    return menu;
+  }
+  bool hasMenu = true;
+  int asked = 0;
+  QPointer<QMenu> menu;
+};
+
+TEST(ContextMenu, OpensByRightPressAndByKeyboardAndCleansUp) {
+  MenuView view(NSMakeRect(0, 0, 50, 50));
+  view.show();
+  QTest::mousePress(&view, Qt::RightButton, {}, QPoint(5, 5));
+  ASSERT_TRUE(view.menu);
+  EXPECT_TRUE(view.menu->isVisible());
+  view.menu->hide();
+  EXPECT_TRUE(QTest::qWaitFor([&] { return view.menu.isNull(); }, 2000));
+
+  QContextMenuEvent key(QContextMenuEvent::Keyboard, QPoint(5, 5), view.mapToGlobal(QPoint(5, 5)));
+  QCoreApplication::sendEvent(&view, &key);
+  ASSERT_TRUE(view.menu);
+  EXPECT_TRUE(key.isAccepted());
+  view.menu->hide();
+
+  view.hasMenu = false;
+  QContextMenuEvent none(QContextMenuEvent::Keyboard, QPoint(5, 5), view.mapToGlobal(QPoint(5, 5)));
+  QCoreApplication::sendEvent(&view, &none);
+  EXPECT_FALSE(none.isAccepted());
+}
+
+TEST(Keyboard, ModifierKeysAreFlagsAndOthersReachTheSuperview) {
+  struct KeyView : RecordingView {
+    using RecordingView::RecordingView;
+    void keyDown(QKeyEvent& event) override { keys.push_back(event.key()); }
+    std::vector<int> keys;
+  };
+  KeyView outer(NSMakeRect(0, 0, 60, 60));
+  RecordingView inner(NSMakeRect(0, 0, 50, 50), &outer);
+  outer.show();
+  QKeyEvent down(QEvent::KeyPress, Qt::Key_Alt, Qt::NoModifier);
+  QKeyEvent up(QEvent::KeyRelease, Qt::Key_Alt, Qt::AltModifier);
+  QCoreApplication::sendEvent(&inner, &down);
+  QCoreApplication::sendEvent(&inner, &up);
+  ASSERT_EQ(inner.names(), "flags flags");
+  EXPECT_EQ(inner.calls[0].flags, NSAlternateKeyMask);
+  EXPECT_EQ(inner.calls[1].flags, 0U);
+  QTest::keyClick(&inner, Qt::Key_Left);
+  EXPECT_EQ(outer.keys, std::vector<int>{Qt::Key_Left});
+}
+
+TEST(LiveResize, RunsFromTheFirstToAMomentAfterTheLastResizeByTheUser) {
+  QWidget window;
+  window.resize(100, 100);
+  RecordingView view(NSMakeRect(0, 0, 50, 50), &window);
+  window.show();
+  QTest::qWait(1);
+  window.resize(110, 100);
+  EXPECT_FALSE(view.inLiveResize());
+  QResizeEvent resize(QSize(120, 100), QSize(110, 100));
+  QSpontaneKeyEvent::setSpontaneous(&resize);
+  qApp->notify(&window, &resize);
+  EXPECT_TRUE(view.inLiveResize());
+  EXPECT_EQ(view.names(), "");
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !view.inLiveResize(); }, 5000));
+  EXPECT_EQ(view.names(), "endLiveResize");
+}
+
+TEST(Cursor, FollowsThePointAndReturnsToTheSuperviews) {
+  struct CursorView : NSTarnView {
+    using NSTarnView::NSTarnView;
+    std::optional<QCursor> cursorAtPoint(NSPoint point) const override {
+      if (point.x < 10) return QCursor(Qt::PointingHandCursor);
+      return std::nullopt;
+    }
+  };
+  CursorView view(NSMakeRect(0, 0, 50, 50));
+  view.show();
+  move(view, QPoint(5, 5), Qt::NoButton);
+  EXPECT_EQ(view.cursor().shape(), Qt::PointingHandCursor);
+  move(view, QPoint(15, 5), Qt::NoButton);
+  EXPECT_EQ(view.cursor().shape(), Qt::ArrowCursor);
+}
+
+TEST(ToolTips, BelongToTheirRectangles) {
+  NSTarnView view(NSMakeRect(0, 0, 100, 50));
+  view.setToolTip("whole");
+  view.addToolTipRect(NSMakeRect(10, 0, 11, 14), "first");
+  view.addToolTipRect(NSMakeRect(15, 0, 11, 14), "second");
+  EXPECT_EQ(view.toolTipAtPoint({10, 0}), "first");
+  EXPECT_EQ(view.toolTipAtPoint({16, 3}), "first");
+  EXPECT_EQ(view.toolTipAtPoint({21, 3}), "second");
+  EXPECT_EQ(view.toolTipAtPoint({21, 14}), "whole");
+  view.removeAllToolTips();
+  EXPECT_EQ(view.toolTipAtPoint({16, 3}), "whole");
+}
+
+}  // namespace

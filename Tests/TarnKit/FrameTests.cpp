@@ -1,0 +1,179 @@
+#include "Platform/TarnKit/NSFrames.h"
+#include "Tests/TarnKit/RecordingView.h"
+
+#include <gtest/gtest.h>
+
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+TEST(Frames, CountFromTheLowerLeftUnlessTheSuperviewIsFlipped) {
+  RecordingView root(NSMakeRect(0, 0, 200, 100));
+  RecordingView child(NSMakeRect(10, 20, 50, 30), &root);
+  RecordingView flipped(NSMakeRect(10, 20, 50, 30), &root, true);
+  RecordingView inFlipped(NSMakeRect(1, 2, 3, 4), &flipped);
+  QPushButton button(&root);
+  NSSetFrame(button, NSMakeRect(5, 6, 7, 8));
+
+  EXPECT_EQ(child.geometry(), QRect(10, 50, 50, 30));
+  EXPECT_EQ(inFlipped.geometry(), QRect(1, 2, 3, 4));
+  EXPECT_EQ(button.geometry(), QRect(5, 86, 7, 8));
+  EXPECT_EQ(child.frame(), NSMakeRect(10, 20, 50, 30));
+  EXPECT_EQ(inFlipped.frame(), NSMakeRect(1, 2, 3, 4));
+  EXPECT_EQ(NSGetFrame(button), NSMakeRect(5, 6, 7, 8));
+  EXPECT_EQ(child.bounds(), NSMakeRect(0, 0, 50, 30));
+}
+
+// Once by the program while nothing is shown, once as Qt resizes a window that is shown.
+TEST(Frames, StayInTheSuperviewsOwnCoordinatesWhenItsHeightChanges) {
+  for (const bool shown : {false, true}) {
+    RecordingView root(NSMakeRect(0, 0, 200, 100));
+    RecordingView child(NSMakeRect(10, 20, 50, 30), &root);
+    RecordingView flipped(NSMakeRect(0, 40, 100, 40), &root, true);
+    RecordingView inFlipped(NSMakeRect(1, 2, 3, 4), &flipped);
+    QPushButton button(&root);
+    NSSetFrame(button, NSMakeRect(5, 6, 7, 8));
+    if (shown) {
+      root.show();
+      root.resize(200, 160);
+    } else {
+      root.setFrameSize({200, 160});
+    }
+    EXPECT_EQ(child.frame(), NSMakeRect(10, 20, 50, 30));
+    EXPECT_EQ(child.geometry(), QRect(10, 110, 50, 30));
+    EXPECT_EQ(button.geometry(), QRect(5, 146, 7, 8));
+    flipped.setFrameSize({100, 60});
+    EXPECT_EQ(flipped.frame(), NSMakeRect(0, 40, 100, 60));
+    EXPECT_EQ(inFlipped.geometry(), QRect(1, 2, 3, 4));
+  }
+}
+
+TEST(Frames, HoldWhenAHiddenWindowWasResizedByQt) {
+  RecordingView root(NSMakeRect(0, 0, 200, 100));
+  RecordingView child(NSMakeRect(10, 20, 50, 30), &root);
+  root.resize(300, 150);
+  EXPECT_EQ(child.frame(), NSMakeRect(10, 20, 50, 30));
+  RecordingView late(NSMakeRect(0, 0, 10, 10), &root);
+  EXPECT_EQ(late.geometry(), QRect(0, 140, 10, 10));
+  EXPECT_EQ(child.geometry(), QRect(10, 100, 50, 30));
+  root.show();
+  EXPECT_EQ(child.geometry(), QRect(10, 100, 50, 30));
+}
+
+TEST(Frames, FollowByTheirAutoresizingMasks) {
+  struct Case {
+    std::uint32_t mask;
+    NSRect expected;
+  };
+  const NSRect frame = NSMakeRect(10, 20, 50, 30);
+  const Case cases[] = {
+      {NSViewNotSizable, frame},
+      {NSViewWidthSizable | NSViewHeightSizable, NSMakeRect(10, 20, 90, 50)},
+      {NSViewMinXMargin | NSViewMinYMargin, NSMakeRect(50, 40, 50, 30)},
+      {NSViewMaxXMargin | NSViewMaxYMargin, frame},
+      {NSViewMinXMargin | NSViewMaxXMargin, NSMakeRect(30, 20, 50, 30)},
+      {NSViewMinXMargin | NSViewWidthSizable, NSMakeRect(30, 20, 70, 30)},
+  };
+  for (const Case& test : cases) {
+    RecordingView root(NSMakeRect(0, 0, 200, 100));
+    QPushButton child(&root);
+    NSSetFrame(child, frame);
+    NSSetAutoresizingMask(child, test.mask);
+    root.setFrameSize({240, 120});
+    EXPECT_EQ(NSGetFrame(child), test.expected) << test.mask;
+    root.setFrameSize({200, 100});
+    EXPECT_EQ(NSGetFrame(child), frame) << test.mask;
+  }
+  EXPECT_EQ(NSAutoresizedFrame(frame, NSViewWidthSizable, -80, 0), NSMakeRect(10, 20, 0, 30));
+}
+
+TEST(Frames, CanBeKeptByASuperviewThatDoesNotAutoresize) {
+  RecordingView root(NSMakeRect(0, 0, 200, 100));
+  RecordingView child(NSMakeRect(10, 20, 50, 30), &root);
+  child.setAutoresizingMask(NSViewWidthSizable | NSViewHeightSizable);
+  root.setAutoresizesSubviews(false);
+  root.setFrameSize({240, 120});
+  EXPECT_EQ(child.frame(), NSMakeRect(10, 20, 50, 30));
+}
+
+TEST(Frames, AnnounceNewBoundsOncePerChange) {
+  RecordingView root(NSMakeRect(0, 0, 200, 100));
+  RecordingView child(NSMakeRect(10, 20, 50, 30), &root);
+  child.setAutoresizingMask(NSViewWidthSizable);
+  root.show();
+  EXPECT_TRUE(root.boundsSet.empty());
+  root.setFrameSize({220, 100});
+  root.setFrame(NSMakeRect(7, 7, 220, 100));
+  ASSERT_EQ(root.boundsSet.size(), 1U);
+  EXPECT_EQ(root.boundsSet[0], NSMakeRect(0, 0, 220, 100));
+  ASSERT_EQ(child.boundsSet.size(), 1U);
+  EXPECT_EQ(child.boundsSet[0], NSMakeRect(0, 0, 70, 30));
+}
+
+TEST(Frames, KeepTheirNumbersWhenAViewIsTakenOutAndPutBack) {
+  RecordingView root(NSMakeRect(0, 0, 200, 100));
+  auto child = std::make_unique<RecordingView>(NSMakeRect(10, 20, 50, 30));
+  root.addSubview(*child);
+  root.show();
+  EXPECT_EQ(child->superview(), &root);
+  EXPECT_EQ(child->geometry(), QRect(10, 50, 50, 30));
+  EXPECT_TRUE(child->isVisible());
+  child->removeFromSuperview();
+  EXPECT_EQ(child->superview(), nullptr);
+  EXPECT_FALSE(child->isVisible());
+  root.setFrameSize({200, 60});
+  root.addSubview(*child);
+  EXPECT_EQ(child->geometry(), QRect(10, 10, 50, 30));
+  EXPECT_TRUE(child->isVisible());
+}
+
+TEST(Frames, InsideOrdinaryWidgetsFollowTheirLayouts) {
+  QWidget window;
+  auto* layout = new QVBoxLayout(&window);
+  layout->setContentsMargins(0, 0, 0, 0);
+  auto* view = new RecordingView(NSMakeRect(0, 0, 90, 40));
+  RecordingView child(NSMakeRect(0, 0, 10, 10), view);
+  layout->addWidget(view);
+  EXPECT_EQ(view->sizeHint(), QSize(90, 40));
+  window.resize(300, 200);
+  window.show();
+  EXPECT_EQ(view->bounds(), NSMakeRect(0, 0, 300, 200));
+  EXPECT_EQ(child.geometry(), QRect(0, 190, 10, 10));
+  EXPECT_EQ(view->superview(), nullptr);
+}
+
+TEST(Frames, TakeAnyNumbers) {
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  EXPECT_EQ(NSGeometryOfFrame(NSMakeRect(nan, nan, nan, nan), 10, true), QRect(0, 0, 0, 0));
+  EXPECT_EQ(NSGeometryOfFrame(NSMakeRect(1.6, 2.4, -5, 1e300), 10, true).topLeft(), QPoint(2, 2));
+  EXPECT_EQ(NSGeometryOfFrame(NSMakeRect(1.6, 2.4, -5, 3), 10, false), QRect(2, 5, 0, 3));
+}
+
+TEST(Coordinates, ConvertThroughNestedAndFlippedViews) {
+  QWidget window;
+  window.resize(300, 200);
+  RecordingView outer(NSMakeRect(20, 10, 200, 100), &window);  // y counts from the top inside an ordinary widget
+  RecordingView flipped(NSMakeRect(30, 40, 50, 20), &outer, true);
+  RecordingView inner(NSMakeRect(5, 4, 10, 10), &flipped);
+  // A point of the window, from its lower left: x 60, y 140 is 60 from the top.
+  const NSPoint inWindow{60, 140};
+  struct Case {
+    const RecordingView& view;
+    NSPoint expected;
+  };
+  // outer: x 60 - 20, from its top 60 - 10 = 50. flipped: 40 from the top of outer. inner: 4 from the top of flipped.
+  const Case cases[] = {{outer, {40, 50}}, {flipped, {10, 10}}, {inner, {5, 4}}};
+  for (const Case& test : cases) {
+    const NSPoint point = test.view.convertPointFromWindow(inWindow);
+    EXPECT_EQ(point.x, test.expected.x);
+    EXPECT_EQ(point.y, test.expected.y);
+    const NSPoint back = test.view.convertPointToWindow(point);
+    EXPECT_EQ(back.x, inWindow.x);
+    EXPECT_EQ(back.y, inWindow.y);
+  }
+}
+
+}  // namespace

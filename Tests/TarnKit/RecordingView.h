@@ -1,0 +1,74 @@
+#pragma once
+
+#include "Platform/TarnKit/NSTarnView.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+// A view that writes down what it is told.
+class RecordingView : public NSTarnView {
+ public:
+  struct Call {
+    std::string name;
+    NSPoint point;  // in the view's coordinates
+    std::uint32_t flags = 0;
+    int clicks = 0;
+  };
+
+  explicit RecordingView(NSRect frame, QWidget* parent = nullptr, bool flipped = false)
+      : NSTarnView(frame, parent), flipped_(flipped) {}
+
+  bool isFlipped() const override { return flipped_; }
+  void mouseDown(const NSEvent& event) override { record("down", event, &NSTarnView::mouseDown); }
+  void mouseDragged(const NSEvent& event) override { record("dragged", event, &NSTarnView::mouseDragged); }
+  void mouseUp(const NSEvent& event) override { record("up", event, &NSTarnView::mouseUp); }
+  void mouseMoved(const NSEvent& event) override { record("moved", event, nullptr); }
+  void rightMouseDown(const NSEvent& event) override {
+    record("right", event, rightIsDown ? &NSTarnView::mouseDown : &NSTarnView::rightMouseDown);
+  }
+  void flagsChanged(const NSEvent& event) override { record("flags", event, nullptr); }
+  void setBounds(NSRect bounds) override {
+    boundsSet.push_back(bounds);
+    NSTarnView::setBounds(bounds);
+  }
+  void viewDidEndLiveResize() override { calls.push_back({"endLiveResize", {}, 0, 0}); }
+
+  std::string names() const {
+    std::string all;
+    for (const Call& call : calls) all += (all.empty() ? "" : " ") + call.name;
+    return all;
+  }
+
+  bool passesOn = false;     // calls the base afterwards
+  bool rightIsDown = false;  // hands a right press on as mouseDown
+  std::function<void()> inHandler;
+  std::vector<Call> calls;
+  std::vector<NSRect> boundsSet;
+
+ private:
+  using Base = void (NSTarnView::*)(const NSEvent&);
+
+  void record(const char* name, const NSEvent& event, Base base) {
+    calls.push_back(
+        {name, convertPointFromWindow(event.locationInWindow()), event.modifierFlags(), event.clickCount()});
+    if (base == &NSTarnView::mouseDown && passesOn) return NSTarnView::mouseDown(event);
+    if (base && passesOn) return passOn(name, event);
+    if (inHandler) inHandler();
+  }
+  void passOn(const std::string& name, const NSEvent& event) {
+    if (name == "dragged") NSTarnView::mouseDragged(event);
+    if (name == "up") NSTarnView::mouseUp(event);
+    if (name == "right") NSTarnView::rightMouseDown(event);
+  }
+
+  bool flipped_;
+};
+
+inline bool operator==(NSRect a, NSRect b) {
+  return a.origin.x == b.origin.x && a.origin.y == b.origin.y && NSEqualSizes(a.size, b.size);
+}
+
+inline void PrintTo(NSRect rect, std::ostream* out) {
+  *out << rect.origin.x << ", " << rect.origin.y << ", " << rect.size.width << " x " << rect.size.height;
+}

@@ -1,0 +1,149 @@
+#include "Platform/TarnKit/NSTarnView.h"
+#include "Platform/TarnKit/TarnTheme.h"
+#include "Tests/TarnKit/Pictures.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+namespace {
+
+constexpr const char* well = R"(<svg xmlns="http://www.w3.org/2000/svg" width="8" height="8" viewBox="0 0 8 8">
+<path fill="#ff0000" d="M0 0 H8 V8 H0 Z"/><path fill="#00ff00" d="M2 2 H6 V6 H2 Z"/><path fill="#0000ff" d="M0 0 H2 V2 H0 Z"/>
+</svg>)";
+constexpr const char* leftHalfBlack = R"(<svg xmlns="http://www.w3.org/2000/svg" width="4" height="2" viewBox="0 0 4 2">
+<path fill="#000000" d="M0 0 H2 V2 H0 Z"/><path fill="#ffff00" d="M2 0 H4 V1 H2 Z"/></svg>)";
+
+class FolderProvider : public TarnThemeProvider {
+ public:
+  explicit FolderProvider(const TestFolder& folder) : folder_(folder) {}
+  std::optional<TarnThemeArtwork> artworkForAtom(std::uint32_t atom, int index, bool dark) const override {
+    if (atom == 1) return TarnThemeArtwork{folder_.path("well.svg"), {8, 8}, {2, 2, 2, 2}, {}};
+    if (atom == 2) return TarnThemeArtwork{folder_.path(dark ? "dark.svg" : "light.svg"), {4, 2}, {}, {1, 1}};
+    if (atom == 3) return TarnThemeArtwork{folder_.path("file" + std::to_string(index) + ".svg"), {4, 4}, {}, {}};
+    return std::nullopt;
+  }
+
+ private:
+  const TestFolder& folder_;
+};
+
+class ThemeView : public NSTarnView {
+ public:
+  ThemeView(NSSize size, bool flipped, std::function<void()> draw)
+      : NSTarnView(NSRect{{}, size}), flipped_(flipped), draw_(std::move(draw)) {
+    QPalette light;
+    light.setColor(QPalette::Window, Qt::white);
+    setPalette(light);
+  }
+  bool isFlipped() const override { return flipped_; }
+  void drawRect(NSRect) override { draw_(); }
+
+ private:
+  bool flipped_;
+  std::function<void()> draw_;
+};
+
+struct Theme : testing::Test {
+  TestFolder folder;
+  TarnTheme* theme = _RegisterThemeProvider(std::make_unique<FolderProvider>(folder));
+};
+
+TEST_F(Theme, NinePartsKeepTheirBordersAtEverySize) {
+  folder.write("well.svg", well);
+  for (const bool flipped : {false, true}) {
+    for (const NSSize size : {NSSize{8, 8}, NSSize{31, 17}, NSSize{200, 9}}) {
+      const NSRect rect = NSMakeRect(3, 4, size.width, size.height);
+      ThemeView view({size.width + 6, size.height + 8}, flipped,
+                     [&] { DrawNinePartElementAtIndex(rect, theme, 1, 0, 1, 0); });
+      const QImage image = pictureOf(view);
+      const double ratio = view.devicePixelRatioF();
+      const QRect outer = view.toWidget(rect);
+      const int edge[] = {int(std::lround(outer.left() * ratio)), int(std::lround(outer.top() * ratio)),
+                          int(std::lround((outer.right() + 1) * ratio)),
+                          int(std::lround((outer.bottom() + 1) * ratio))};
+      const int border = int(std::lround(2 * ratio));
+      for (int y = edge[1]; y < edge[3]; ++y) {
+        for (int x = edge[0]; x < edge[2]; ++x) {
+          const bool left = x < edge[0] + border;
+          const bool top = y < edge[1] + border;
+          const bool inside = !left && !top && x < edge[2] - border && y < edge[3] - border;
+          const QRgb expected = left && top ? qRgb(0, 0, 255) : inside ? qRgb(0, 255, 0) : qRgb(255, 0, 0);
+          ASSERT_EQ(image.pixel(x, y), expected) << x << ", " << y << " of " << size.width << " x " << size.height;
+        }
+      }
+      EXPECT_EQ(image.pixel(edge[0] - 1, edge[1]), image.pixel(0, 0));
+      EXPECT_EQ(image.pixel(edge[2], edge[3]), image.pixel(0, 0));
+    }
+  }
+}
+
+TEST_F(Theme, AtomsStandUprightWithOpacityAndFollowThePalette) {
+  folder.write("light.svg", leftHalfBlack);
+  folder.write("dark.svg", well);
+  for (const bool flipped : {false, true}) {
+    ThemeView view({20, 10}, flipped, [&] {
+      DrawThemeAtomAtIndex(NSMakeRect(0, 0, 8, 4), theme, 2, 0, 1, 0);
+      DrawThemeAtomAtIndex(NSMakeRect(10, 0, 8, 4), theme, 2, 0, 0.5, 0);
+    });
+    const QImage image = pictureOf(view);
+    const double ratio = view.devicePixelRatioF();
+    const int top = flipped ? 0 : 6;
+    EXPECT_EQ(pixelAt(image, ratio, 1, top), qRgb(0, 0, 0));
+    EXPECT_EQ(pixelAt(image, ratio, 6, top), qRgb(255, 255, 0));
+    EXPECT_EQ(pixelAt(image, ratio, 6, top + 3), image.pixel(image.width() - 1, image.height() / 2));
+    EXPECT_NEAR(qRed(pixelAt(image, ratio, 11, top)), qRed(image.pixel(image.width() - 1, image.height() / 2)) / 2, 2);
+
+    QPalette dark;
+    dark.setColor(QPalette::Window, Qt::black);
+    view.setPalette(dark);
+    EXPECT_EQ(pixelAt(pictureOf(view), ratio, 3, top + 1), qRgb(0, 255, 0));
+  }
+}
+
+// Missing, broken, empty and unknown: each is named once, whatever is drawn how often, and the rest still draws.
+TEST_F(Theme, FaultsAreReportedOnceByName) {
+  folder.write("file1.svg", "<svg>no end");
+  folder.write("file2.svg", "");
+  folder.write("file3.svg", leftHalfBlack);
+  ThemeView view({40, 10}, false, [&] {
+    for (int index = 0; index < 4; ++index) {
+      DrawThemeAtomAtIndex(NSMakeRect(index * 10, 0, 8, 8), theme, 3, index, 1, 0);
+      DrawNinePartElementAtIndex(NSMakeRect(index * 10, 0, 8, 8), theme, 3, index, 1, 0);
+    }
+    DrawThemeAtomAtIndex(NSMakeRect(0, 0, 8, 8), theme, 0xABCD1200, 7, 1, 0);
+    DrawThemeAtomAtIndex(NSMakeRect(0, 0, 8, 8), nullptr, 1, 0, 1, 0);
+  });
+  testing::internal::CaptureStderr();
+  view.grab();
+  const QImage image = view.grab().toImage();
+  const std::string report = testing::internal::GetCapturedStderr();
+  const auto count = [&](const std::string& text) {
+    int found = 0;
+    for (auto at = report.find(text); at != std::string::npos; at = report.find(text, at + 1)) ++found;
+    return found;
+  };
+  for (int index = 0; index < 3; ++index) EXPECT_EQ(count("file" + std::to_string(index) + ".svg"), 1) << report;
+  EXPECT_EQ(count("atom 0xABCD1200, index 7"), 1) << report;
+  EXPECT_EQ(count("file3.svg"), 0) << report;
+  EXPECT_EQ(pixelAt(image, view.devicePixelRatioF(), 31, 5), qRgb(0, 0, 0));
+  // Something plain stands where the missing one belongs.
+  EXPECT_NE(pixelAt(image, view.devicePixelRatioF(), 14, 2), pixelAt(image, view.devicePixelRatioF(), 19, 2));
+}
+
+TEST_F(Theme, CursorsAndImageSources) {
+  folder.write("light.svg", leftHalfBlack);
+  const TarnThemeImageSource source(2, theme, 0, false);
+  EXPECT_EQ(source.size().width, 4);
+  const QCursor cursor = CursorOfThemeAtomAtIndex(theme, 2, 0);
+  EXPECT_EQ(cursor.hotSpot(), QPoint(1, 1));
+  EXPECT_FALSE(cursor.pixmap().isNull());
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(CursorOfThemeAtomAtIndex(theme, 99, 0).shape(), Qt::ArrowCursor);
+  EXPECT_EQ(CursorOfThemeAtomAtIndex(nullptr, 2, 0).shape(), Qt::ArrowCursor);
+  EXPECT_EQ(TarnThemeImageSource(99, theme, 0, false).size().width, 0);
+  testing::internal::GetCapturedStderr();
+  EXPECT_EQ(_RegisterThemeProvider(nullptr), nullptr);
+}
+
+}  // namespace
