@@ -1,0 +1,7 @@
+#pragma once
+
+#include "Platform/Visibility.h"
+
+// Makes the editors of this library known to the parameter ports: from then on setupParameterView() of gradient and
+// levels ports answers new editors. A host calls it once, after it has made its QApplication; further calls do nothing.
+TARN_EXPORT void VRTStartEditors();
