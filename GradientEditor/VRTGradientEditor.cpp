@@ -4,6 +4,7 @@
 #include "Controls/VRTTransientColorPicker.h"
 #include "GradientEditor/VRTGradientEditorText.h"
 #include "GradientEditor/VRTGradientGutter.h"
+#include "GradientEditor/VRTGradientGutterGeometry.h"
 
 #include <algorithm>
 #include <utility>
@@ -15,11 +16,6 @@ constexpr int kMinimumWidth = 120;
 bool holds(const VRTChannelGradientFolder& folder, const VRTChannelBase* channel) {
   const auto& children = folder.getDescendants();
   return std::find(children.begin(), children.end(), channel) != children.end();
-}
-
-// The colors of gradients are kept in double precision, those of pickers count in single precision.
-double singlePrecision(double component) {
-  return static_cast<double>(static_cast<float>(component));
 }
 
 }  // namespace
@@ -153,9 +149,9 @@ void VRTGradientEditor::updateSelectedSampleRGBFrom(VRTTransientColorPicker* pic
   auto* sample = dynamic_cast<VRTChannelGradientSampleRGB*>(getSelectedSample());
   if (!color || !sample) return;
   const VRTGradientPortChange change(_pGradientPort);
-  sample->red = singlePrecision(color->redComponent());
-  sample->green = singlePrecision(color->greenComponent());
-  sample->blue = singlePrecision(color->blueComponent());
+  sample->red = VRTSinglePrecision(color->redComponent());
+  sample->green = VRTSinglePrecision(color->greenComponent());
+  sample->blue = VRTSinglePrecision(color->blueComponent());
 }
 
 void VRTGradientEditor::updateSelectedSampleAlphaFrom(VRTTransientColorPicker* picker) {
@@ -164,7 +160,7 @@ void VRTGradientEditor::updateSelectedSampleAlphaFrom(VRTTransientColorPicker* p
   auto* sample = dynamic_cast<VRTChannelGradientSampleAlpha*>(getSelectedSample());
   if (!color || !sample) return;
   const VRTGradientPortChange change(_pGradientPort);
-  sample->alpha = singlePrecision(color->redComponent());
+  sample->alpha = VRTSinglePrecision(color->redComponent());
 }
 
 void VRTGradientEditor::setBounds(NSRect bounds) {

@@ -146,7 +146,7 @@ void VRTGradientEditor::update() {
   for (const auto& part : parts) {
     if (!part.view) continue;
     const bool shown = manageSubview(part.view, part.on);
-    // Hiding a gutter ends its drag, and who is told of that may destroy the editor.
+    // A hidden gutter ends what the keyboard does in it, and who is told of that may destroy the editor.
     if (!self) return;
     if (part.view && (shown || (sizeChanged && part.view->parentWidget()))) NSSetFrame(*part.view, part.frame);
     anyShown = anyShown || shown;

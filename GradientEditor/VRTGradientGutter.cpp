@@ -140,12 +140,6 @@ void VRTGradientGutter::finishInteraction(const NSEvent* release) {
   NSNotificationCenter::defaultCenter().postNotificationName("VortoEndInteraction", port.get());
 }
 
-void VRTGradientGutter::hideEvent(QHideEvent* event) {
-  const QPointer<VRTGradientGutter> self(this);
-  VRTGradientView::hideEvent(event);
-  if (self && interacting_ && !picking_) finishInteraction(nullptr);
-}
-
 // Pickers.
 
 void VRTGradientGutter::startColorPicker(const NSEvent&) {}
@@ -177,8 +171,7 @@ VRTTransientColorPicker::Options VRTGradientGutter::pickerOptions() {
 }
 
 void VRTGradientGutter::pickerDidEnd() {
-  if (!interacting_) return;
-  if (!picking_) return finishInteraction(nullptr);  // a double click whose release went to the picker
+  if (!picking_) return;
   interacting_ = picking_ = false;
   const auto port = gradientPort();
   NSNotificationCenter::defaultCenter().postNotificationName("VortoEndInteraction", port.get());

@@ -29,9 +29,9 @@ class VRTGradientEditor;
 //
 // Every change of the gradient is bracketed by willChangeValue and didChangeValue of the port, except that a sample
 // inserted by a click first shows in those of the drag or the release that follow, and that color drops announce
-// nothing. What belongs together (one drag, one held key, one pick by keyboard) is framed by the notifications
-// "VortoStartInteraction" and "VortoEndInteraction" of the port. When a drag loses its end, because the gutter is
-// hidden or destroyed or the next click comes first, the end is made up for.
+// nothing. What belongs together (one drag, held keys, one pick by keyboard) is framed by the notifications
+// "VortoStartInteraction" and "VortoEndInteraction" of the port; a pick by mouse has no frame. An end that gets lost,
+// because the gutter is destroyed or the next click comes first, is made up for.
 //
 // Observers of any of these may replace the value and destroy samples, the gutter and its editor. A drag whose gradient
 // is replaced ends there: the new gradient is left alone.
@@ -92,7 +92,6 @@ class TARN_EXPORT VRTGradientGutter : public VRTGradientView {
   void keyReleaseEvent(QKeyEvent* event) override;
   void focusInEvent(QFocusEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
-  void hideEvent(QHideEvent* event) override;
 
  private:
   enum Moving : std::int32_t { MovingNothing = 0, MovingSample = 1, MovingMiddle = 2 };
@@ -127,10 +126,7 @@ class TARN_EXPORT VRTGradientGutter : public VRTGradientView {
 
   QPointer<QWidget> _pGradientEditor;                   // a VRTGradientEditor
   std::unique_ptr<VRTChannelGradientSample> _pDeleted;  // dragged off: out of its folder, destroyed on release
-  struct {
-    float x = 0;
-    float y = 0;
-  } _startingLocation;
+  NSPoint _startingLocation;                            // of the last press, in single precision
   double _startingValue = 0;
   double _nextSample = 0;
   std::int32_t _moving = MovingNothing;

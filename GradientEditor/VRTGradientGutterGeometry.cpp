@@ -12,6 +12,10 @@ NSRect markerAt(double x) {
 
 }  // namespace
 
+[[gnu::noinline]] double VRTSinglePrecision(double value) {
+  return static_cast<double>(static_cast<float>(value));
+}
+
 NSRect VRTGradientGutterGeometry::sampleMarker(double position) const {
   return markerAt(xOfPosition(position));
 }
@@ -22,7 +26,7 @@ NSRect VRTGradientGutterGeometry::swatch(double position) const {
 
 NSRect VRTGradientGutterGeometry::middleMarker(double start, double end, double middle) const {
   const double position = positionOfMiddle(start, end, middle);
-  return markerAt(xOfPosition(static_cast<float>(position)));
+  return markerAt(xOfPosition(VRTSinglePrecision(position)));
 }
 
 NSRect VRTGradientGutterGeometry::strip() const {

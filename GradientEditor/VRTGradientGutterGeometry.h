@@ -47,6 +47,10 @@ class TARN_EXPORT VRTGradientGutterGeometry {
   NSRect bounds_;
 };
 
+// Rounded to single precision. Not inline: where two such conversions stand side by side, GCC 12 vectorises them and
+// drops the rounding.
+TARN_EXPORT double VRTSinglePrecision(double value);
+
 // 0 to 1; NaN gives 0.
 constexpr double VRTClampToUnit(double value) {
   return value > 1 ? 1 : value > 0 ? value : 0;

@@ -42,7 +42,7 @@ bool VRTGradientGutter::useKey(const QKeyEvent& event) {
     default:
       return false;
   }
-  if (_moving != MovingNothing || _pDeleted) return true;  // the mouse has the sample
+  if (interacting_ && !keying_) return true;  // the mouse has the gutter
 
   if (direction == 0) {
     if (control || shift || event.isAutoRepeat()) return true;

@@ -7,6 +7,14 @@
 // The mouse in a gutter. Everything that tells others (a selection, a change, a notification) may destroy the gutter or
 // replace the gradient: what was looked up before is not used afterwards.
 
+namespace {
+
+NSPoint singlePrecision(NSPoint point) {
+  return {VRTSinglePrecision(point.x), VRTSinglePrecision(point.y)};
+}
+
+}  // namespace
+
 void VRTGradientGutter::mouseDown(const NSEvent& event) {
   if (!getGradientChannel() || !_enabled) return VRTGradientView::mouseDown(event);
   const QPointer<VRTGradientGutter> self(this);
@@ -23,7 +31,7 @@ void VRTGradientGutter::mouseDown(const NSEvent& event) {
 }
 
 bool VRTGradientGutter::pressAt(NSPoint point, const NSEvent& event, bool* onSample) {
-  _startingLocation = {static_cast<float>(point.x), static_cast<float>(point.y)};
+  _startingLocation = singlePrecision(point);
   rememberFolder();
   VRTGradientGutterMap samples;
   getSamples(samples);
@@ -70,8 +78,9 @@ void VRTGradientGutter::mouseDragged(const NSEvent& event) {
   if (!getGradientChannel() || !_enabled) return VRTGradientView::mouseDragged(event);
   if (_moving == MovingNothing) return;
   if (!folderIsRemembered()) return abandonDrag();
-  const NSPoint point = convertPointFromWindow(event.locationInWindow());
-  const double travel = geometry().positionsOfDistance(point.x - static_cast<double>(_startingLocation.x));
+  // In single precision like the starting location: back on its pixel the distance is 0 at every pixel ratio.
+  const NSPoint point = singlePrecision(convertPointFromWindow(event.locationInWindow()));
+  const double travel = geometry().positionsOfDistance(point.x - _startingLocation.x);
   const VRTGradientPortChange change(gradientPort());
   if (_moving == MovingSample) {
     dragSample(point, travel);
@@ -82,7 +91,7 @@ void VRTGradientGutter::mouseDragged(const NSEvent& event) {
 
 void VRTGradientGutter::dragSample(NSPoint point, double travel) {
   const double position = travel + _startingValue;
-  const double rise = point.y - static_cast<double>(_startingLocation.y);
+  const double rise = point.y - _startingLocation.y;
   if (geometry().dragIsOnGutter(position, rise)) {
     if (_pDeleted) {
       VRTChannelGradientSample* restored = _pDeleted.release();
@@ -122,7 +131,7 @@ void VRTGradientGutter::rightMouseDown(const NSEvent& event) {
   // Without a gradient the superviews get a mouseDown, not a rightMouseDown.
   if (!getGradientChannel() || !_enabled) return VRTGradientView::mouseDown(event);
   const NSPoint point = convertPointFromWindow(event.locationInWindow());
-  _startingLocation = {static_cast<float>(point.x), static_cast<float>(point.y)};
+  _startingLocation = singlePrecision(point);
   VRTGradientGutterMap samples;
   getSamples(samples);
   bool hitMiddle = false;

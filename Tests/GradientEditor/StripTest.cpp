@@ -1,0 +1,236 @@
+#include "Channels/VRTChannelGradient.h"
+#include "GradientEditor/VRTGradientGutterAlpha.h"
+#include "GradientEditor/VRTGradientGutterRGB.h"
+#include "Platform/TarnKit/NSBitmapImageRep.h"
+#include "Ports/VRTObjects.h"
+#include "TarnCore/TCColor.h"
+
+#include <gtest/gtest.h>
+
+#include <QImage>
+#include <QPixmap>
+#include <array>
+#include <cmath>
+#include <set>
+
+namespace {
+
+using Pixel = std::array<int, 4>;  // red, green, blue, alpha
+
+int truncated(float component) {
+  return static_cast<int>(static_cast<double>(component) * 255.0);
+}
+
+int times(int color, int alpha) {
+  return static_cast<int>(std::lround(color * alpha / 255.0));
+}
+
+// One pixel of a strip `count` wide, from the color at its place.
+Pixel expectedPixel(const VRTChannelGradient& channel, int i, int count, int mode) {
+  VortoColor color;
+  channel.getColor(0, count > 1 ? static_cast<double>(i) / (count - 1) : 0.0, &color);
+  const int a = truncated(color.alpha), r = truncated(color.c1), g = truncated(color.c2), b = truncated(color.c3);
+  switch (mode) {
+    case 1:
+      return {times(r, a), times(g, a), times(b, a), a};
+    case 2:
+      return {r, g, b, 255};
+    case 3:
+      return {a, a, a, 255};
+    default:
+      return {a, r, g, b};
+  }
+}
+
+Pixel pixelOf(const NSBitmapImageRep& bitmap, std::uint32_t x, std::uint32_t y) {
+  const std::uint8_t* p = bitmap.bitmapData() + y * bitmap.bytesPerRow() + x * 4;
+  return {p[0], p[1], p[2], p[3]};
+}
+
+std::shared_ptr<VRTGradientPort> portWithGradient() {
+  const auto port = std::make_shared<VRTGradientPort>("inputGradient");
+  const auto value = VRTGradient::gradient();
+  VRTChannelGradient& channel = *value->kxChannelGradient();
+  channel.rgbFolder.addSample(0.9, 0.2, 0.1, 0.3, 0.25, VRTGradientLinear);
+  channel.rgbFolder.addSample(0.1, 0.7, 0.4, 0.62, 0.5, VRTGradientConstant);
+  channel.alphaFolder.addSample(0.15, 0.4, 0.7, VRTGradientSmooth);
+  channel.alphaFolder.addSample(0.8, 1.0, 0.5, VRTGradientSmooth);
+  port->setValue(value);
+  return port;
+}
+
+VRTChannelGradient& channelOf(VRTGradientPort& port) {
+  return *VRTGradientChannelOfPort(&port);
+}
+
+}  // namespace
+
+TEST(StripPixels, ConvertsAsTheTableSays) {
+  std::uint8_t premultiplied[] = {128, 255, 0, 64};
+  VRTConvertGradientEntries(premultiplied, 1, 1);
+  EXPECT_EQ(std::vector<int>(premultiplied, premultiplied + 4), (std::vector<int>{128, 0, 32, 128}));
+
+  int wrong = 0;
+  for (int alpha = 0; alpha < 256; ++alpha) {
+    for (int color = 0; color < 256; ++color) {
+      const auto a = static_cast<std::uint8_t>(alpha), c = static_cast<std::uint8_t>(color);
+      std::uint8_t entry[] = {a, c, c, c};
+      VRTConvertGradientEntries(entry, 1, 1);
+      wrong += entry[0] != times(color, alpha) || entry[2] != entry[0] || entry[3] != alpha;
+    }
+  }
+  EXPECT_EQ(wrong, 0);
+
+  const std::vector<std::uint8_t> table{10, 20, 30, 40, 50, 60, 70, 80, 99, 99, 99, 99};
+  const std::pair<int, std::vector<std::uint8_t>> expected[] = {
+      {2, {20, 30, 40, 255, 60, 70, 80, 255, 99, 99, 99, 99}},
+      {3, {10, 10, 10, 255, 50, 50, 50, 255, 99, 99, 99, 99}},
+      {0, table},
+      {4, table},
+  };
+  for (const auto& [mode, result] : expected) {
+    std::vector<std::uint8_t> bytes = table;
+    VRTConvertGradientEntries(bytes.data(), 2, mode);
+    EXPECT_EQ(bytes, result) << mode;
+  }
+}
+
+TEST(Strip, HoldsTheGradientInEveryMode) {
+  const auto port = portWithGradient();
+  VRTGradientView view(NSMakeRect(0, 0, 213, 24));
+  view.setGradientPort(port.get());
+  for (const int mode : {1, 2, 3, 7}) {
+    view.setRenderMode(mode);
+    for (const int width : {1, 2, 3, 209, 1173}) {
+      view.updateImage({width + 0.75, 5});
+      const NSBitmapImageRep* bitmap = view.gradientBitmap();
+      ASSERT_EQ(bitmap->pixelsWide(), static_cast<std::uint32_t>(width));
+      ASSERT_EQ(bitmap->pixelsHigh(), 5u);
+      EXPECT_EQ(bitmap->bytesPerRow() % 16, 0u);
+      for (int x = 0; x < width; ++x) {
+        const Pixel expected = expectedPixel(channelOf(*port), x, width, mode);
+        ASSERT_EQ(pixelOf(*bitmap, static_cast<std::uint32_t>(x), 0), expected) << mode << " " << width << " " << x;
+        ASSERT_EQ(pixelOf(*bitmap, static_cast<std::uint32_t>(x), 4), expected);
+      }
+    }
+  }
+  for (const NSSize none : {NSSize{-3, 5}, NSSize{5, 0}, NSSize{std::nan(""), 2}, NSSize{1e30, 1e30}}) {
+    view.updateImage(none);
+    EXPECT_EQ(view.gradientBitmap()->bitmapData(), nullptr);
+  }
+}
+
+TEST(Strip, IsRefilledOnlyWhenSomethingChanged) {
+  const auto port = portWithGradient();
+  VRTGradientView view(NSMakeRect(0, 0, 104, 24));
+  view.setGradientPort(port.get());
+  view.updateImage({100, 20});
+  const NSBitmapImageRep* bitmap = view.gradientBitmap();
+  const Pixel first = pixelOf(*bitmap, 0, 0);
+  EXPECT_EQ(first, (Pixel{255, 255, 255, 255}));
+
+  auto* sample = static_cast<VRTChannelGradientSampleRGB*>(channelOf(*port).rgbFolder.getDescendants().front());
+  sample->red = 0;
+  view.updateImage({100, 20});
+  view.setRenderMode(1);
+  view.updateImage({100, 20});
+  EXPECT_EQ(pixelOf(*bitmap, 0, 0), first) << "nobody said that anything changed";
+  view.update();
+  view.updateImage({100, 20});
+  EXPECT_EQ(view.gradientBitmap(), bitmap);
+  EXPECT_EQ(pixelOf(*bitmap, 0, 0), (Pixel{0, 255, 255, 255}));
+
+  port->setValue(nullptr);
+  view.updateImage({100, 20});
+  EXPECT_EQ(pixelOf(*bitmap, 0, 0), (Pixel{0, 255, 255, 255}));
+  view.update();
+  view.updateImage({100, 20});
+  EXPECT_EQ(pixelOf(*bitmap, 0, 0), (Pixel{0, 0, 0, 0}));
+  port->setValue(VRTGradient::gradient());
+  view.updateImage({100, 20});
+  EXPECT_EQ(pixelOf(*bitmap, 99, 19), (Pixel{0, 0, 0, 255})) << "without a gradient it stayed out of date";
+}
+
+namespace {
+
+// What a widget shows at the middle of a point, at any device pixel ratio.
+QColor shown(const QImage& image, double x, double y) {
+  const double ratio = image.devicePixelRatio();
+  return image.pixelColor(static_cast<int>((x + 0.5) * ratio), static_cast<int>((y + 0.5) * ratio));
+}
+
+Pixel rgb(const QColor& color) {
+  return {color.red(), color.green(), color.blue(), 255};
+}
+
+QImage pictureOf(QWidget& widget) {
+  return widget.grab().toImage();
+}
+
+}  // namespace
+
+TEST(Strip, IsShownSharpInsideTheFrame) {
+  const auto port = portWithGradient();
+  VRTGradientView preview(NSMakeRect(0, 0, 213, 24));
+  VRTGradientGutterRGB gutterRGB(NSMakeRect(0, 0, 213, 26));
+  VRTGradientGutterAlpha gutterAlpha(NSMakeRect(0, 0, 213, 26));
+  gutterRGB.setRenderMode(2);
+  gutterAlpha.setRenderMode(3);
+  const struct {
+    VRTGradientView& view;
+    int mode, left, top, width, height;  // of the strip, in points from the upper left
+  } cases[] = {{preview, 2, 2, 2, 209, 20}, {gutterRGB, 2, 5, 2, 203, 9}, {gutterAlpha, 3, 5, 15, 203, 9}};
+  preview.setRenderMode(2);
+  for (const auto& each : cases) {
+    each.view.setGradientPort(port.get());
+    const QImage image = pictureOf(each.view);
+    for (int x = 0; x < each.width; ++x) {
+      const Pixel expected = expectedPixel(channelOf(*port), x, each.width, each.mode);
+      for (const int y : {0, each.height - 1}) {
+        ASSERT_EQ(rgb(shown(image, each.left + x, each.top + y)), expected) << each.left << " " << x << " " << y;
+      }
+    }
+  }
+}
+
+TEST(Strip, ShowsTheCheckerboardThroughTransparency) {
+  const auto port = portWithGradient();
+  VRTChannelGradient& channel = channelOf(*port);
+  static_cast<VRTChannelGradientSampleAlpha*>(channel.alphaFolder.getDescendants().front())->alpha = 0;
+  VRTGradientView view(NSMakeRect(0, 0, 104, 24));
+  view.setGradientPort(port.get());
+  const QImage image = pictureOf(view);
+  std::set<QRgb> colors;
+  for (int y = 2; y < 22; ++y) colors.insert(shown(image, 2, y).rgb());
+  ASSERT_EQ(colors.size(), 2u) << "two squares of the board, and no gradient over them";
+  for (const QRgb color : colors) EXPECT_EQ(qRed(color), qBlue(color));
+
+  view.setRenderMode(2);
+  EXPECT_EQ(rgb(shown(pictureOf(view), 2, 10)), expectedPixel(channel, 0, 100, 2)) << "opaque colors hide it";
+}
+
+TEST(Strip, IsFlatWithoutAGradient) {
+  VRTGradientView view(NSMakeRect(0, 0, 60, 24));
+  const auto check = [&](const char* when) {
+    const QImage image = pictureOf(view);
+    for (int x = 2; x < 58; ++x) ASSERT_EQ(shown(image, x, 12), shown(image, 2, 2)) << when;
+  };
+  check("no port");
+  auto port = std::make_shared<VRTGradientPort>("inputGradient");
+  view.setGradientPort(port.get());
+  check("no value");
+  port->setValue(VRTGradient::gradient());
+  view.update();
+  EXPECT_NE(shown(pictureOf(view), 2, 12), shown(pictureOf(view), 57, 12));
+  port.reset();
+  EXPECT_EQ(view.getGradientChannel(), nullptr);
+  view.update();
+  check("the port is gone");
+}
+
+TEST(Gutter, TheSharedClassHasNoSamples) {
+  VRTGradientGutter gutter(NSMakeRect(0, 0, 100, 26));
+  EXPECT_DEATH(gutter.getFolder(), "");
+  VRTGradientGutterMap samples;
+  EXPECT_DEATH(gutter.getSamples(samples), "");
+}
