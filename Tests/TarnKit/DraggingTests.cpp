@@ -1,0 +1,153 @@
+#include "Platform/TarnKit/NSDragging.h"
+#include "Platform/TarnKit/NSImage.h"
+#include "Platform/TarnKit/NSTarnView.h"
+
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QDragEnterEvent>
+#include <QImage>
+#include <QMimeData>
+#include <QPointer>
+
+namespace {
+
+// Takes colors on its left half.
+class DropView : public NSTarnView {
+ public:
+  explicit DropView(NSRect frame) : NSTarnView(frame) { registerForDraggedTypes({NSColorPboardType}); }
+  std::uint32_t draggingEntered(const NSDraggingInfo& info) override { return draggingUpdated(info); }
+  std::uint32_t draggingUpdated(const NSDraggingInfo& info) override {
+    point = convertPointFromWindow(info.draggingLocation());
+    mask = info.draggingSourceOperationMask();
+    return point.x < 50 ? mask & operation : NSDragOperationNone;
+  }
+  bool performDragOperation(const NSDraggingInfo& info) override {
+    color = info.colorFromPasteboard();
+    if (inDrop) inDrop();
+    return color.has_value();
+  }
+  std::uint32_t operation = NSDragOperationGeneric;
+  NSPoint point;
+  std::uint32_t mask = 0;
+  std::optional<NSColor> color;
+  std::function<void()> inDrop;
+};
+
+QMimeData* redData() {
+  static QMimeData data;
+  data.setColorData(QColor(255, 0, 0));
+  return &data;
+}
+
+struct Answer {
+  bool accepted;
+  Qt::DropAction action;
+};
+
+// Qt delivers moves and drops only to a widget that a drag has entered.
+template <class Event>
+Answer send(QWidget& view, QPoint position, Qt::DropActions actions, const QMimeData* data) {
+  Event event(position, actions, data, Qt::LeftButton, Qt::NoModifier);
+  QCoreApplication::sendEvent(&view, &event);
+  return {event.isAccepted(), event.dropAction()};
+}
+
+TEST(Drops, AreAskedAboutEverywhereAndTakenWhereTheViewSaysSo) {
+  DropView view(NSMakeRect(0, 0, 100, 40));
+  const Qt::DropActions ordinary = Qt::CopyAction | Qt::MoveAction;
+  // Entering where it would be refused must not end the drag for the view.
+  EXPECT_TRUE(send<QDragEnterEvent>(view, QPoint(70, 10), ordinary, redData()).accepted);
+  EXPECT_FALSE(send<QDragMoveEvent>(view, QPoint(70, 10), ordinary, redData()).accepted);
+  const Answer over = send<QDragMoveEvent>(view, QPoint(20, 10), ordinary, redData());
+  EXPECT_TRUE(over.accepted);
+  EXPECT_EQ(over.action, Qt::CopyAction);
+  EXPECT_EQ(view.point.x, 20);
+  EXPECT_NEAR(view.point.y, 30, 1);
+  EXPECT_TRUE(send<QDropEvent>(view, QPoint(20, 10), ordinary, redData()).accepted);
+  ASSERT_TRUE(view.color);
+  EXPECT_EQ(view.color->redComponent(), 1);
+  EXPECT_EQ(view.color->greenComponent(), 0);
+}
+
+TEST(Drops, OperationsFollowWhatTheSourceAllows) {
+  struct Case {
+    Qt::DropActions actions;
+    std::uint32_t mask;
+    std::uint32_t operation;
+    Qt::DropAction action;
+  };
+  const Case cases[] = {
+      {Qt::CopyAction, NSDragOperationCopy | NSDragOperationGeneric, NSDragOperationGeneric, Qt::CopyAction},
+      {Qt::MoveAction, NSDragOperationMove | NSDragOperationGeneric, NSDragOperationGeneric, Qt::MoveAction},
+      {Qt::LinkAction, NSDragOperationLink | NSDragOperationGeneric, NSDragOperationLink, Qt::LinkAction},
+      {Qt::CopyAction | Qt::MoveAction, NSDragOperationCopy | NSDragOperationMove | NSDragOperationGeneric,
+       NSDragOperationMove, Qt::MoveAction},
+      {Qt::CopyAction, NSDragOperationCopy | NSDragOperationGeneric, NSDragOperationLink, Qt::IgnoreAction},
+      {Qt::IgnoreAction, NSDragOperationNone, NSDragOperationGeneric, Qt::IgnoreAction},
+  };
+  for (const Case& test : cases) {
+    DropView view(NSMakeRect(0, 0, 100, 40));
+    view.operation = test.operation;
+    send<QDragEnterEvent>(view, QPoint(70, 10), test.actions, redData());
+    const Answer answer = send<QDragMoveEvent>(view, QPoint(20, 10), test.actions, redData());
+    EXPECT_EQ(view.mask, test.mask);
+    EXPECT_EQ(answer.action, test.action);
+    EXPECT_EQ(answer.accepted, test.action != Qt::IgnoreAction);
+  }
+}
+
+TEST(Drops, OfOtherTypesNeverReachTheView) {
+  DropView view(NSMakeRect(0, 0, 100, 40));
+  QMimeData text;
+  text.setText("red");
+  EXPECT_FALSE(send<QDragEnterEvent>(view, QPoint(20, 10), Qt::CopyAction, &text).accepted);
+  EXPECT_FALSE(send<QDropEvent>(view, QPoint(20, 10), Qt::CopyAction, &text).accepted);
+  EXPECT_EQ(view.mask, 0U);
+  NSTarnView plain(NSMakeRect(0, 0, 10, 10));
+  EXPECT_FALSE(plain.acceptDrops());
+}
+
+TEST(Drops, ColorsOfOtherToolkitsAndUnreadableOnes) {
+  const std::uint16_t words[] = {65535, 0, 32768, 65535};
+  QMimeData foreign;
+  foreign.setData(NSColorPboardType, QByteArray(reinterpret_cast<const char*>(words), sizeof words));
+  QMimeData broken;
+  broken.setData(NSColorPboardType, "xyz");
+  DropView view(NSMakeRect(0, 0, 100, 40));
+  send<QDragEnterEvent>(view, QPoint(20, 10), Qt::CopyAction, &foreign);
+  EXPECT_TRUE(send<QDropEvent>(view, QPoint(20, 10), Qt::CopyAction, &foreign).accepted);
+  ASSERT_TRUE(view.color);
+  EXPECT_NEAR(view.color->blueComponent(), 0.5, 1e-4);
+  send<QDragEnterEvent>(view, QPoint(20, 10), Qt::CopyAction, &broken);
+  EXPECT_FALSE(send<QDropEvent>(view, QPoint(20, 10), Qt::CopyAction, &broken).accepted);
+}
+
+TEST(Drops, AHandlerMayDeleteTheView) {
+  auto* view = new DropView(NSMakeRect(0, 0, 100, 40));
+  const QPointer<QWidget> alive = view;
+  view->inDrop = [view] { delete view; };
+  send<QDragEnterEvent>(*view, QPoint(20, 10), Qt::CopyAction, redData());
+  send<QDropEvent>(*view, QPoint(20, 10), Qt::CopyAction, redData());
+  EXPECT_TRUE(alive.isNull());
+}
+
+TEST(Drags, CarryColorsAndBitmapsWithoutTheirPadding) {
+  const auto color = NSPasteboardWithColor(NSColor::colorWithCalibratedRed(0, 1, 0, 1));
+  EXPECT_EQ(qvariant_cast<QColor>(color->colorData()), QColor(0, 255, 0));
+  std::unique_ptr<QMimeData> data;
+  {
+    NSBitmapImageRep bitmap(1, 2, 16);
+    const std::uint8_t pixels[2][4] = {{255, 0, 0, 255}, {0, 0, 255, 255}};
+    std::copy_n(pixels[0], 4, bitmap.bitmapData());
+    std::copy_n(pixels[1], 4, bitmap.bitmapData() + 16);
+    data = NSPasteboardWithBitmap(bitmap);
+  }
+  const auto image = qvariant_cast<QImage>(data->imageData());
+  ASSERT_EQ(image.size(), QSize(1, 2));
+  EXPECT_EQ(image.pixel(0, 0), qRgb(255, 0, 0));
+  EXPECT_EQ(image.pixel(0, 1), qRgb(0, 0, 255));
+  EXPECT_FALSE(NSPasteboardWithImage(NSImage({3, 3}))->hasImage());
+}
+
+}  // namespace

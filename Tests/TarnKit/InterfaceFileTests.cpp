@@ -1,0 +1,158 @@
+#include "Platform/CoreFoundation/CFBundle.h"
+#include "Platform/TarnKit/NSPopUpButton.h"
+#include "Platform/TarnKit/NSTarnButton.h"
+#include "Platform/TarnKit/NSTarnView.h"
+#include "Platform/TarnKit/TarnInterfaceFile.h"
+#include "Tests/TarnKit/Pictures.h"
+
+#include <gtest/gtest.h>
+
+#include <QLabel>
+#include <QTest>
+
+namespace {
+
+class PanelView : public NSTarnView {
+ public:
+  using NSTarnView::NSTarnView;
+  bool isFlipped() const override { return true; }
+};
+
+std::string widget(const std::string& type, const std::string& name, const std::string& geometry,
+                   const std::string& inside = "") {
+  return "<widget class=\"" + type + "\" name=\"" + name + "\"><property name=\"geometry\"><rect>" + geometry +
+         "</rect></property>" + inside + "</widget>";
+}
+
+std::string rect(int x, int y, int width, int height) {
+  return "<x>" + std::to_string(x) + "</x><y>" + std::to_string(y) + "</y><width>" + std::to_string(width) +
+         "</width><height>" + std::to_string(height) + "</height>";
+}
+
+std::string action(const std::string& name) {
+  return "<property name=\"action\" stdset=\"0\"><string>" + name + "</string></property>";
+}
+
+std::string form(const std::string& inside) {
+  return "<?xml version=\"1.0\"?><ui version=\"4.0\"><class>Form</class>" +
+         widget("NSTarnView", "masterView", rect(0, 0, 236, 76), inside) + "<resources/><connections/></ui>";
+}
+
+struct InterfaceFile : testing::Test {
+  InterfaceFile() { TarnInterfaceFile::registerClass<PanelView>("PanelView"); }
+
+  std::unique_ptr<QWidget> load(const TarnInterfaceFile& file, const std::string& text) {
+    testing::internal::CaptureStderr();
+    std::unique_ptr<QWidget> root = file.loadFile(folder.write("Form.ui", text), reason);
+    reports = testing::internal::GetCapturedStderr();
+    return root;
+  }
+
+  TestFolder folder;
+  std::string reason;
+  std::string reports;
+};
+
+TEST_F(InterfaceFile, GivesViewsFramesOutletsAndActions) {
+  const std::string text = form(widget("PanelView", "panel", rect(10, 6, 100, 30)) +
+                                widget("NSTarnButton", "button", rect(216, 0, 20, 20), action("press:")) +
+                                widget("NSPopUpButton", "popUp", rect(0, 50, 80, 20), action("choose:")) +
+                                widget("QLabel", "label", rect(0, 0, 9, 9)));
+  TarnInterfaceFile file;
+  NSTarnView* master = nullptr;
+  PanelView* panel = nullptr;
+  NSTarnButton* button = nullptr;
+  NSPopUpButton* popUp = nullptr;
+  std::vector<std::string> senders;
+  file.addOutlet("masterView", master);
+  file.addOutlet("panel", panel);
+  file.addOutlet("button", button);
+  file.addOutlet("popUp", popUp);
+  file.addAction("press:", [&](QWidget* sender) { senders.push_back(sender->objectName().toStdString()); });
+  file.addAction("choose:", [&](QWidget* sender) { senders.push_back(sender->objectName().toStdString()); });
+  const std::unique_ptr<QWidget> root = load(file, text);
+  ASSERT_TRUE(root) << reason;
+  EXPECT_EQ(reports, "");
+  ASSERT_TRUE(master && panel && button && popUp);
+  EXPECT_EQ(root.get(), master);
+  // 76 high: the panel's lower edge is 36 from the top.
+  EXPECT_EQ(panel->frame().origin.y, 40);
+  master->setFrameSize({236, 80});
+  EXPECT_EQ(panel->geometry(), QRect(10, 10, 100, 30));
+  popUp->addItemWithTitle("One");
+  popUp->addItemWithTitle("Two");
+  popUp->selectItemAtIndex(1);
+  popUp->selectItemAtIndex(7);
+  EXPECT_EQ(popUp->indexOfSelectedItem(), 1);
+  root->show();
+  QTest::mouseClick(button, Qt::LeftButton);
+  QTest::keyClick(popUp, Qt::Key_Up);
+  EXPECT_EQ(senders, (std::vector<std::string>{"button", "popUp"}));
+}
+
+TEST_F(InterfaceFile, ReportsByNameWhatDoesNotFitAndKeepsTheRest) {
+  const std::string text =
+      form(widget("QLabel", "panel", rect(0, 0, 9, 9)) + widget("NoSuchView", "strange", rect(0, 0, 9, 9)) +
+           widget("NSTarnButton", "button", rect(0, 0, 20, 20), action("nobody:")));
+  TarnInterfaceFile file;
+  PanelView* panel = nullptr;
+  PanelView* missing = nullptr;
+  NSTarnButton* button = nullptr;
+  file.addOutlet("panel", panel);
+  file.addOutlet("lost", missing);
+  file.addOutlet("button", button);
+  const std::unique_ptr<QWidget> root = load(file, text);
+  ASSERT_TRUE(root);
+  EXPECT_EQ(panel, nullptr);
+  EXPECT_EQ(missing, nullptr);
+  ASSERT_TRUE(button);
+  for (const char* name : {"panel has another class", "lost is missing", "NoSuchView", "nobody:"}) {
+    EXPECT_NE(reports.find(name), std::string::npos) << name << " in " << reports;
+  }
+  QTest::mouseClick(button, Qt::LeftButton);
+}
+
+TEST_F(InterfaceFile, FailsWithTheReason) {
+  const TarnInterfaceFile file;
+  struct Case {
+    const char* text;
+    const char* reason;
+  };
+  for (const char* text : {"", "no form", "<ui version=\"4.0\">", "<ui version=\"4.0\"/>", "<html/>"}) {
+    reason.clear();
+    EXPECT_FALSE(load(file, text)) << text;
+    EXPECT_NE(reason.find("Form.ui"), std::string::npos) << text;
+  }
+  EXPECT_FALSE(file.loadFile(folder.path("none.ui"), reason));
+  EXPECT_NE(reason.find("none.ui"), std::string::npos);
+  EXPECT_FALSE(file.load("org.example.nobody", "Form", reason));
+  EXPECT_NE(reason.find("org.example.nobody"), std::string::npos);
+}
+
+TEST_F(InterfaceFile, IsFoundInABundleByName) {
+  const std::string contents = "Panels.bundle/Contents/";
+  folder.write(
+      contents + "Info.plist",
+      "<plist version=\"1.0\"><dict><key>CFBundleIdentifier</key><string>org.example.panels</string></dict></plist>");
+  folder.write(contents + "Resources/Panel.ui", form(""));
+  const CFBundleRef bundle = CFBundleCreate(nullptr, folder.path("Panels.bundle"), &reason);
+  ASSERT_TRUE(bundle) << reason;
+  EXPECT_TRUE(TarnInterfaceFile().load("org.example.panels", "Panel", reason)) << reason;
+  EXPECT_FALSE(TarnInterfaceFile().load("org.example.panels", "Other", reason));
+  EXPECT_NE(reason.find("Other"), std::string::npos);
+  CFRelease(bundle);
+}
+
+TEST_F(InterfaceFile, AnActionMayDeleteThePanel) {
+  TarnInterfaceFile file;
+  std::unique_ptr<QWidget> root;
+  NSTarnButton* button = nullptr;
+  file.addOutlet("button", button);
+  file.addAction("press:", [&](QWidget*) { root.reset(); });
+  root = load(file, form(widget("NSTarnButton", "button", rect(0, 0, 20, 20), action("press:"))));
+  ASSERT_TRUE(button);
+  QTest::mouseClick(button, Qt::LeftButton);
+  EXPECT_FALSE(root);
+}
+
+}  // namespace
