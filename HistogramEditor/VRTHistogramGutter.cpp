@@ -50,12 +50,14 @@ void VRTHistogramGutter::flagsChanged(const NSEvent&) {}
 void VRTHistogramGutter::drawRect(NSRect) {
   const VRTChannelHistogram* channel = getHistogramChannel();
   if (!channel) return;
+  // Behind the handle, which is 10 points wide.
+  const auto ringOf = [](NSRect rect) { return NSMakeRect(rect.origin.x - 2, 0, 14, rect.size.height + 1); };
   const auto pictureOf = [](Handle handle) { return handle == BlackHandle ? 0 : handle == WhiteHandle ? 2 : 1; };
   for (const Handle handle : handles()) {
     const NSRect rect = geometry().handle(positionOf(handle, *channel));
     if (!NSIntersectsRect(rect, bounds())) continue;  // far outside, or no number
+    if (handle == focusedHandle_ && showsFocus_ && hasFocus()) NSDrawFocusRing(ringOf(rect));
     DrawThemeAtomAtIndex(rect, VRTTheme::theme(), VRTThemeAtomLevelsHandle, pictureOf(handle), 1.0, 0);
-    if (handle == focusedHandle_ && showsFocus_ && hasFocus()) NSDrawFocusRing(rect);
   }
 }
 
