@@ -1,16 +1,6 @@
 #include "Host/Inspect/EditorSlot.h"
 
-#if __has_include("HistogramEditor/VRTHistogramEditor.h")
 #include "HistogramEditor/VRTHistogramEditor.h"
-#else
-#include "Platform/TarnKit/NSTarnView.h"
-#include "Ports/VRTPorts.h"
-class VRTHistogramEditor : public NSTarnView {
- public:
-  void setHistogramPort(VRTHistogramPort*);
-};
-#define NO_LEVELS
-#endif
 #include "Platform/TarnKit/NSTarnView.h"
 #include "Ports/VRTPorts.h"
 
@@ -44,14 +34,10 @@ QSize EditorSlot::sizeHint() const {
 
 void EditorSlot::attach(bool on) {
   if (on == attached_) return;
-#ifdef NO_LEVELS
-  return;
-#else
   auto* levels = dynamic_cast<VRTHistogramEditor*>(editor_.data());
   if (!levels) return;
   levels->setHistogramPort(on ? dynamic_cast<VRTHistogramPort*>(&port_) : nullptr);
   attached_ = on;
-#endif
 }
 
 void EditorSlot::refresh() {

@@ -1,19 +1,6 @@
 #include "Host/Inspect/Inspector.h"
 
-#if __has_include("Editors/VRTEditors.h")
 #include "Editors/VRTEditors.h"
-#else
-#include "GradientEditor/VRTGradientEditor.h"
-#include "Ports/VRTPorts.h"
-static void VRTStartEditors() {
-  VRTRegisterParameterViewFactory("VRTGradientPort", [](QCObjectPort& port) -> NSTarnView* {
-    auto* e = new VRTGradientEditor(NSMakeRect(0, 0, 236, 76));
-    e->setGradientPort(static_cast<VRTGradientPort*>(&port));
-    e->setEnabled(true);
-    return e;
-  });
-}
-#endif
 #include "Host/Failure.h"
 #include "Host/FileFormat.h"
 #include "Host/Inspect/Appearance.h"

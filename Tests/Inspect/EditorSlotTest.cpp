@@ -1,0 +1,107 @@
+#include "Host/Inspect/EditorSlot.h"
+
+#include "Editors/VRTEditors.h"
+#include "Host/ExecutionContext.h"
+#include "Platform/Foundation/PropertyList.h"
+#include "Platform/QuartzComposer/QCPatch.h"
+#include "Ports/VRTImage.h"
+#include "Ports/VRTObjects.h"
+#include "Ports/VRTPorts.h"
+#include "TarnCore/TCBitmap.h"
+#include "Tests/Inspect/InspectFixture.h"
+
+#include <gtest/gtest.h>
+
+#include <QLabel>
+
+namespace {
+
+// Counts how often somebody looks at the pixels of an image.
+class CountingContext : public host::ExecutionContext {
+ public:
+  void getPixelsFromImage(const QCImage& image, const void** address, std::size_t* rowBytes) override {
+    ++asked;
+    ExecutionContext::getPixelsFromImage(image, address, rowBytes);
+  }
+  int asked = 0;
+};
+
+PropertyList filterAttributes() {
+  PropertyList roles = PropertyList::dictionary();
+  roles.set("inputImagePort", PropertyList::string("image"));
+  PropertyList protocols = PropertyList::dictionary();
+  protocols.set("filter", roles);
+  PropertyList attributes = PropertyList::dictionary();
+  attributes.set("protocols", protocols);
+  return attributes;
+}
+
+class EditorSlotTest : public testing::Test {
+ protected:
+  EditorSlotTest() {
+    VRTStartEditors();
+    VortoSetExecutionContextProvider([this](QCPatch&) { return &context; });
+    levels->setValue(VRTHistogram::histogram());
+  }
+  ~EditorSlotTest() override { VortoSetExecutionContextProvider(nullptr); }
+
+  // How often pixels are looked at when another image flows in.
+  int looksAtNewImage() {
+    const int before = context.asked;
+    VRTImage::setBitmapOfPort(*image, std::shared_ptr<const VortoBitmap>(TCCreateBitmap(4, 4, 0)));
+    return context.asked - before;
+  }
+
+  CountingContext context;
+  QCPatch patch{filterAttributes()};
+  QCImagePort* const image = patch.addInputPort<QCImagePort>("image").get();
+  VRTHistogramPort* const levels = patch.addInputPort<VRTHistogramPort>("levels").get();
+};
+
+}  // namespace
+
+TEST_F(EditorSlotTest, FollowsImagesOnlyWhileItIsSeen) {
+  QWidget window;
+  auto* slot = new host::EditorSlot(*levels, &window);
+  ASSERT_NE(slot->editor(), nullptr);
+  EXPECT_EQ(slot->size(), QSize(218, 137));
+  EXPECT_FALSE(slot->isAttached());
+  EXPECT_EQ(looksAtNewImage(), 0) << "not shown yet";
+  window.show();
+  EXPECT_TRUE(slot->isAttached());
+  EXPECT_EQ(looksAtNewImage(), 1);
+  slot->hide();
+  EXPECT_EQ(looksAtNewImage(), 0) << "folded away";
+  slot->show();
+  EXPECT_EQ(looksAtNewImage(), 1);
+  window.hide();
+  EXPECT_EQ(looksAtNewImage(), 0) << "the window is closed";
+  window.show();
+  EXPECT_EQ(looksAtNewImage(), 1);
+  slot->refresh();
+  EXPECT_EQ(looksAtNewImage(), 1) << "attached once, however often";
+}
+
+TEST_F(EditorSlotTest, FollowsTheSizeOfItsEditor) {
+  auto* gradient = patch.addInputPort<VRTGradientPort>("gradient").get();
+  gradient->setValue(VRTGradient::gradient());
+  QWidget window;
+  host::EditorSlot slot(*gradient, &window);
+  ASSERT_NE(slot.editor(), nullptr);
+  window.show();
+  EXPECT_EQ(slot.size(), QSize(236, 75));
+  gradient->setValue(nullptr);
+  EXPECT_EQ(slot.size(), QSize(236, 25)) << "only the strip is left";
+  gradient->setValue(VRTGradient::gradient());
+  EXPECT_EQ(slot.size(), QSize(236, 75));
+}
+
+TEST_F(EditorSlotTest, SaysThatThereIsNoEditor) {
+  auto* opaque = patch.addInputPort<VRTOpaqueDataPort>("opaque").get();
+  QWidget window;
+  host::EditorSlot slot(*opaque, &window);
+  window.show();
+  EXPECT_EQ(slot.editor(), nullptr);
+  ASSERT_NE(slot.findChild<QLabel*>(), nullptr);
+  EXPECT_NE(slot.findChild<QLabel*>()->text(), "");
+}

@@ -1,0 +1,251 @@
+#include "Host/Inspect/EffectWindow.h"
+
+#include "Editors/VRTEditors.h"
+#include "Host/ExecutionContext.h"
+#include "Host/Failure.h"
+#include "Host/Inspect/DocumentActions.h"
+#include "Host/Inspect/EditorSlot.h"
+#include "Host/Inspect/InspectorColumn.h"
+#include "Host/Inspect/MessageBar.h"
+#include "Host/Inspect/ParameterSection.h"
+#include "Host/Inspect/PreviewView.h"
+#include "Host/Inspect/TransportBar.h"
+#include "Ports/VRTObjects.h"
+#include "TarnCore/TCBitmap.h"
+#include "Tests/Inspect/InspectFixture.h"
+
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QComboBox>
+#include <QDoubleSpinBox>
+#include <QDropEvent>
+#include <QMimeData>
+#include <QSlider>
+#include <QTest>
+#include <QUrl>
+#include <filesystem>
+
+namespace {
+
+using inspect_test::handleEvents;
+using inspect_test::optionsFor;
+using inspect_test::writeFlatPicture;
+
+class CountingContext : public host::ExecutionContext {
+ public:
+  void getPixelsFromImage(const QCImage& image, const void** address, std::size_t* rowBytes) override {
+    ++asked;
+    ExecutionContext::getPixelsFromImage(image, address, rowBytes);
+  }
+  int asked = 0;
+};
+
+class EffectWindowTest : public testing::Test {
+ protected:
+  EffectWindowTest() {
+    inspect_test::useEffects();
+    VRTStartEditors();
+    VortoSetExecutionContextProvider([this](QCPatch&) { return &context; });
+  }
+  ~EffectWindowTest() override {
+    window.reset();
+    host::provideExecutionContext();
+  }
+  void open(const host::InspectOptions& options) {
+    session = std::make_unique<host::EffectSession>(options);
+    window = std::make_unique<host::EffectWindow>(*session);
+    window->renderNow();
+    window->show();
+    handleEvents();
+  }
+  QCPort& port(std::size_t index) { return *session->document().parameters().at(index); }
+  std::string at(const std::string& name) const { return folder.path() + "/" + name; }
+  QRgb shown() const { return window->preview().picture().pixel(0, 0); }
+  // As the levels editor changes them: in place, all colors darker or brighter.
+  void setBlackOut(double black) {
+    port(0).willChangeValue();
+    dynamic_cast<VRTHistogram&>(*port(0).rawValue()).setBlackOut(black, 0);
+    port(0).didChangeValue();
+  }
+  template <class Widget>
+  Widget* editorOf(const QString& name) {
+    for (auto* widget : window->findChildren<Widget*>()) {
+      if (widget->accessibleName() == name) return widget;
+    }
+    return nullptr;
+  }
+
+  TemporaryFolder folder;
+  CountingContext context;
+  std::unique_ptr<host::EffectSession> session;
+  std::unique_ptr<host::EffectWindow> window;
+};
+
+}  // namespace
+
+TEST_F(EffectWindowTest, RendersOnceHoweverManyChangesWait) {
+  writeFlatPicture(at("in.png"), 0);
+  open(optionsFor("Levels", {at("in.png")}));
+  EXPECT_EQ(shown(), qRgb(0, 0, 0));
+  const int before = window->renderCount();
+  const int counted = context.asked;
+  for (int i = 1; i <= 100; ++i) setBlackOut(i / 100.0);
+  handleEvents();
+  EXPECT_EQ(window->renderCount(), before + 1);
+  EXPECT_EQ(shown(), qRgb(255, 255, 255));
+  for (int i = 0; i < 10; ++i) {
+    setBlackOut(i / 10.0);
+    handleEvents();
+  }
+  EXPECT_EQ(window->renderCount(), before + 11);
+  EXPECT_EQ(context.asked, counted) << "the image that flows in is the same: nothing to count";
+}
+
+TEST_F(EffectWindowTest, UndoRedoAndResetRenderToo) {
+  writeFlatPicture(at("in.png"), 0);
+  open(optionsFor("Levels", {at("in.png")}));
+  EXPECT_FALSE(window->actions().undoAction->isEnabled());
+  setBlackOut(1);
+  handleEvents();
+  window->actions().undoAction->trigger();
+  handleEvents();
+  EXPECT_EQ(shown(), qRgb(0, 0, 0));
+  window->actions().redoAction->trigger();
+  handleEvents();
+  EXPECT_EQ(shown(), qRgb(255, 255, 255));
+  window->actions().resetAction->trigger();
+  handleEvents();
+  EXPECT_EQ(shown(), qRgb(0, 0, 0));
+  window->actions().undoAction->trigger();
+  handleEvents();
+  EXPECT_EQ(shown(), qRgb(255, 255, 255));
+}
+
+TEST_F(EffectWindowTest, PlaysASequenceAndTheHistogramFollows) {
+  for (int frame = 3; frame <= 6; ++frame) {
+    writeFlatPicture(at("in." + std::to_string(frame) + ".png"), static_cast<std::uint8_t>(frame * 10));
+  }
+  host::InspectOptions options = optionsFor("Levels", {at("in.%d.png")});
+  options.rate = 1000;
+  open(options);
+  EXPECT_EQ(shown(), qRgb(30, 30, 30));
+  auto* slider = editorOf<QSlider>("Time");
+  ASSERT_NE(slider, nullptr);
+  EXPECT_EQ(slider->maximum(), 3);
+  const int counted = context.asked;
+  slider->setValue(2);
+  EXPECT_EQ(shown(), qRgb(50, 50, 50));
+  EXPECT_EQ(context.asked, counted + 1);
+
+  QTest::keyClick(window.get(), Qt::Key_Space);
+  EXPECT_TRUE(window->transport().isPlaying());
+  const int before = window->renderCount();
+  const int countedBefore = context.asked;
+  const bool wentRound = QTest::qWaitFor([&] { return window->renderCount() >= before + 5; }, 20000);
+  QTest::keyClick(window.get(), Qt::Key_Space);
+  EXPECT_TRUE(wentRound);
+  EXPECT_FALSE(window->transport().isPlaying());
+  EXPECT_EQ(context.asked - countedBefore, window->renderCount() - before) << "once a frame";
+
+  window->column().section(port(0))->setFolded(true);
+  const int folded = context.asked;
+  slider->setValue(0);
+  slider->setValue(1);
+  EXPECT_EQ(context.asked, folded) << "an editor that nobody sees costs nothing";
+  EXPECT_EQ(shown(), qRgb(40, 40, 40));
+}
+
+TEST_F(EffectWindowTest, AFrameThatCannotBeReadStopsPlayingAndIsTold) {
+  for (int frame = 1; frame <= 2; ++frame) writeFlatPicture(at("in." + std::to_string(frame) + ".png"), 9);
+  open(optionsFor("Levels", {at("in.%d.png")}));
+  std::filesystem::remove(at("in.2.png"));
+  window->transport().setPlaying(true);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !window->transport().isPlaying(); }, 20000));
+  EXPECT_TRUE(window->messages().isVisible());
+  EXPECT_TRUE(window->messages().text().contains("in.2.png")) << window->messages().text().toStdString();
+  editorOf<QSlider>("Time")->setValue(0);
+  EXPECT_FALSE(window->messages().isVisible());
+}
+
+TEST_F(EffectWindowTest, TransitionsHaveATime) {
+  writeFlatPicture(at("a.png"), 0);
+  writeFlatPicture(at("b.png"), 200);
+  host::InspectOptions options = optionsFor("Dissolve", {at("a.png"), at("b.png")});
+  options.time = 0.25;
+  open(options);
+  EXPECT_EQ(shown(), qRgb(50, 50, 50));
+  auto* slider = editorOf<QSlider>("Time");
+  slider->setValue(slider->maximum());
+  EXPECT_EQ(shown(), qRgb(200, 200, 200));
+}
+
+TEST_F(EffectWindowTest, RowsShowAndChangeTheirPorts) {
+  open(optionsFor("Checkerboard"));
+  auto* cell = editorOf<QDoubleSpinBox>("Cell Size");
+  auto* depth = editorOf<QComboBox>("Depth");
+  ASSERT_TRUE(cell && depth);
+  const auto portNamed = [&](const std::string& key) -> QCPort& {
+    for (QCPort* candidate : session->document().parameters()) {
+      if (candidate->key() == key) return *candidate;
+    }
+    throw std::out_of_range(key);
+  };
+  auto& size = dynamic_cast<QCIndexPort&>(portNamed("inputCellSize"));
+  EXPECT_EQ(cell->value(), 8);
+  EXPECT_EQ(cell->maximum(), 4096);
+  size.setIndexValue(12);
+  EXPECT_EQ(cell->value(), 12);
+  cell->setValue(20);
+  EXPECT_EQ(size.indexValue(), 20u);
+  ASSERT_EQ(depth->count(), 3);
+  depth->setFocus();
+  QTest::keyClick(depth, Qt::Key_Down);
+  EXPECT_EQ(dynamic_cast<QCIndexPort&>(portNamed("inputDepth")).indexValue(), 1u);
+  handleEvents();
+  EXPECT_EQ(session->result()->bitsPerChannel, 16u);
+
+  auto* slider = editorOf<QSlider>("Cell Size");
+  ASSERT_NE(slider, nullptr);
+  const QPoint handle(slider->width() / 100, slider->height() / 2);
+  QTest::mousePress(slider, Qt::LeftButton, {}, handle);
+  for (int x = 5; x < slider->width(); x += 5) {
+    QTest::mouseMove(slider, QPoint(x, handle.y()));
+    handleEvents();
+  }
+  QTest::mouseRelease(slider, Qt::LeftButton, {}, QPoint(slider->width() - 1, handle.y()));
+  handleEvents();
+  EXPECT_GT(size.indexValue(), 3500u);
+  window->actions().undoAction->trigger();
+  EXPECT_EQ(size.indexValue(), 20u) << "one drag, one step";
+}
+
+TEST_F(EffectWindowTest, DroppedStatesAreLoadedAndOthersRefused) {
+  writeFlatPicture(at("in.png"), 0);
+  open(optionsFor("Levels", {at("in.png")}));
+  setBlackOut(1);
+  session->document().save(port(0), at("white.levels"));
+  setBlackOut(0);
+  handleEvents();
+  const auto drop = [&](const std::string& path) {
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(QString::fromStdString(path))});
+    QDropEvent event({10, 10}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(window.get(), &event);
+    handleEvents();
+  };
+  drop(at("white.levels"));
+  EXPECT_EQ(shown(), qRgb(255, 255, 255));
+  EXPECT_FALSE(window->messages().isVisible());
+  drop(at("in.png"));
+  EXPECT_TRUE(window->messages().isVisible());
+  EXPECT_TRUE(window->messages().text().contains("in.png"));
+  EXPECT_EQ(shown(), qRgb(255, 255, 255));
+}
+
+TEST_F(EffectWindowTest, RefusesWhatRenderRefuses) {
+  writeFlatPicture(at("in.png"), 0);
+  EXPECT_THROW(host::EffectSession(optionsFor("Levls", {at("in.png")})), host::Failure);
+  EXPECT_THROW(host::EffectSession(optionsFor("Levels", {at("none.png")})), host::Failure);
+  EXPECT_THROW(host::EffectSession(optionsFor("Dissolve", {at("in.png")})), host::Failure);
+}
