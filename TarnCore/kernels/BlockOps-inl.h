@@ -69,6 +69,13 @@ HWY_INLINE hn::Vec<BlockWide> truncateToIntegers(hn::Vec<BlockFloats> v) {
 }
 #undef VORTO_BLOCK_OP
 
+#if HWY_TARGET <= HWY_AVX3
+// a + b, rounded down.
+HWY_INLINE hn::Vec<BlockFloats> sumRoundedDown(hn::Vec<BlockFloats> a, hn::Vec<BlockFloats> b) {
+  return hn::Vec<BlockFloats>{_mm512_add_round_ps(a.raw, b.raw, _MM_FROUND_TO_NEG_INF | _MM_FROUND_NO_EXC)};
+}
+#endif
+
 }  // namespace vorto::kernels::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 #endif

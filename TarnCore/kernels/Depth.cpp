@@ -4,6 +4,7 @@
 #include "TarnCore/kernels/Memory.h"
 
 #include <algorithm>
+#include <array>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "TarnCore/kernels/Depth.cpp"
@@ -11,6 +12,7 @@
 // After foreach_target.h:
 #include <hwy/highway.h>
 
+#include "TarnCore/kernels/Rounding-inl.h"
 #include "TarnCore/kernels/Stores-inl.h"
 
 // Every conversion works on vectors of single channels; one vector holds whole pixels. A reader turns stored channels
@@ -106,52 +108,74 @@ struct ReadRGBAFloat {
   }
 };
 
-// floor(p + 0.5 + 1e-7), the sum in double precision: p is raised exactly when its fraction reaches `threshold`, the
-// least single-precision fraction for which the sum reaches the next integer. Beyond `limit` the result is clamped by
-// what follows; NaN and everything below -0.5 come out as 0 or less.
-HWY_INLINE hn::Vec<Integers> biasedRound(FloatVector p, float limit) {
+#if VORTO_BLOCK_OPS
+// Clamped at the top before it is rounded; NaN stays NaN here and becomes 0.
+template <int largest>
+HWY_INLINE hn::Vec<BlockWide> rounded(FloatVector v) {
   const Floats d;
-  constexpr float threshold = 0.5f - 3 * 0x1p-25f;
-  const auto bounded = hn::IfThenElseZero(hn::Gt(p, hn::Zero(d)), hn::Min(p, hn::Set(d, limit)));
-  const auto whole = hn::ConvertTo(Integers(), bounded);
-  const auto fraction = hn::Sub(bounded, hn::ConvertTo(d, whole));
-  const auto raise = hn::Ge(fraction, hn::Set(d, threshold));
-  return hn::Sub(whole, hn::VecFromMask(Integers(), hn::RebindMask(Integers(), raise)));
+  return biasedFloor(hn::Min(hn::Set(d, largest + 1.0f), hn::Mul(v, hn::Set(d, static_cast<float>(largest)))));
+}
+
+// A block of a vector holds one pixel. Of several vectors that were packed into one, block by block, the pixels go back
+// to their order.
+template <std::size_t vectors, class D>
+HWY_INLINE hn::Vec<D> inOrder(D d, hn::Vec<D> packed) {
+  constexpr std::size_t kBlocks = sizeof(hn::TFromD<D>) * hn::MaxLanes(d) / 16;
+  if constexpr (kBlocks == 1) return packed;
+  using Index = hwy::MakeSigned<hn::TFromD<D> >;
+  alignas(64) static constexpr auto indices = [] {
+    std::array<Index, vectors * kBlocks> order{};
+    for (std::size_t i = 0; i < order.size(); ++i) order[i] = static_cast<Index>(i % kBlocks * vectors + i / kBlocks);
+    return order;
+  }();
+  return hn::TableLookupLanes(packed, hn::SetTableIndices(d, indices.data()));
 }
 
 struct WriteARGB8 {
   static constexpr std::size_t channelBytes = 1;
+  static constexpr std::size_t vectors = 4;
   template <bool streamed>
-  static HWY_INLINE void write(FloatVector v, std::uint8_t* out) {
-    const auto rounded = biasedRound(hn::Mul(v, hn::Set(Floats(), 255.0f)), 256.0f);
-    storeNext<streamed>(rotatePixels<24>(Bytes(), hn::DemoteTo(Bytes(), rounded)), Bytes(), out);
+  static HWY_INLINE void write(const FloatVector (&v)[4], std::uint8_t* out) {
+    const auto bytes = packToBytes(packToIntegers(rounded<255>(v[0]), rounded<255>(v[1])),
+                                   packToIntegers(rounded<255>(v[2]), rounded<255>(v[3])));
+    const hn::Repartition<std::uint32_t, BlockBytes> pixels;
+    const auto ordered = inOrder<4>(pixels, hn::BitCast(pixels, bytes));
+    storeNext<streamed>(hn::BitCast(BlockBytes(), hn::RotateRight<24>(ordered)), BlockBytes(), out);
   }
 };
 
 struct WriteRGBA16 {
   static constexpr std::size_t channelBytes = 2;
+  static constexpr std::size_t vectors = 2;
   template <bool streamed>
-  static HWY_INLINE void write(FloatVector v, std::uint8_t* out) {
-    const auto rounded = biasedRound(hn::Mul(v, hn::Set(Floats(), 65535.0f)), 65536.0f);
-    storeNext<streamed>(hn::DemoteTo(Words(), rounded), Words(), reinterpret_cast<std::uint16_t*>(out));
+  static HWY_INLINE void write(const FloatVector (&v)[2], std::uint8_t* out) {
+    const auto words = packToWords(rounded<65535>(v[0]), rounded<65535>(v[1]));
+    const hn::Repartition<std::uint64_t, BlockBytes> pixels;
+    const auto ordered = inOrder<2>(pixels, hn::BitCast(pixels, words));
+    storeNext<streamed>(hn::BitCast(BlockBytes(), ordered), BlockBytes(), out);
   }
 };
+#endif
 
 struct WriteRGBAFloat {
   static constexpr std::size_t channelBytes = 4;
+  static constexpr std::size_t vectors = 1;
   template <bool streamed>
-  static HWY_INLINE void write(FloatVector v, std::uint8_t* out) {
-    storeNext<streamed>(v, Floats(), reinterpret_cast<float*>(out));
+  static HWY_INLINE void write(const FloatVector (&v)[1], std::uint8_t* out) {
+    storeNext<streamed>(v[0], Floats(), reinterpret_cast<float*>(out));
   }
 };
 
-// Converts whole vectors and answers how many pixels those were.
+// Converts as many whole vectors as are written at once, again and again, and answers how many pixels those were.
 template <bool streamed, class Write, class Read>
 std::size_t convertVectors(std::uint8_t* out, const std::uint8_t* in, std::size_t count) {
   const std::size_t lanes = hn::Lanes(Floats());
-  const std::size_t channels = count * 4 / lanes * lanes;
-  for (std::size_t i = 0; i < channels; i += lanes) {
-    Write::template write<streamed>(Read::read(in + i * Read::channelBytes), out + i * Write::channelBytes);
+  const std::size_t step = Write::vectors * lanes;
+  const std::size_t channels = count * 4 / step * step;
+  for (std::size_t i = 0; i < channels; i += step) {
+    FloatVector v[Write::vectors];
+    for (std::size_t k = 0; k < Write::vectors; ++k) v[k] = Read::read(in + (i + k * lanes) * Read::channelBytes);
+    Write::template write<streamed>(v, out + i * Write::channelBytes);
   }
   return channels / 4;
 }
@@ -224,12 +248,20 @@ std::size_t convertWhole(std::uint8_t* out, DepthLayout to, const std::uint8_t* 
   if (to == DepthLayout::ARGB8) {
     if (from == DepthLayout::RGBA8) return reorderBytes<streamed>(out, in, count);
     if (from == DepthLayout::RGBA16) return narrowWords<streamed>(out, in, count);
+#if VORTO_BLOCK_OPS
     return convertFrom<streamed, WriteARGB8>(from, out, in, count);
+#else
+    return 0;
+#endif
   }
   if (to == DepthLayout::RGBA16) {
     if (from == DepthLayout::RGBA8) return widenBytes<streamed, false>(out, in, count);
     if (from == DepthLayout::ARGB8) return widenBytes<streamed, true>(out, in, count);
+#if VORTO_BLOCK_OPS
     return convertFrom<streamed, WriteRGBA16>(from, out, in, count);
+#else
+    return 0;
+#endif
   }
   return convertFrom<streamed, WriteRGBAFloat>(from, out, in, count);
 }

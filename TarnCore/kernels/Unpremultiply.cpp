@@ -49,11 +49,11 @@ HWY_INLINE hn::Vec<BlockWide> byteOf(hn::Vec<Pixels8> pixels) {
   return hn::BitCast(BlockWide(), index == 3 ? shifted : hn::And(shifted, hn::Set(Pixels8(), 255)));
 }
 
-// 255 x c' before it is rounded.
-HWY_INLINE hn::Vec<BlockWide> straight(hn::Vec<BlockWide> color, float background, hn::Vec<BlockFloats> share,
+// 255 x c', rounded.
+HWY_INLINE hn::Vec<BlockWide> straight(hn::Vec<BlockFloats> color, float background, hn::Vec<BlockFloats> share,
                                        hn::Vec<BlockFloats> inverse) {
   const BlockFloats d;
-  const auto rest = hn::Sub(normalizedBytes(color), hn::Mul(hn::Set(d, background), share));
+  const auto rest = hn::Sub(color, hn::Mul(hn::Set(d, background), share));
   return biasedFloor(hn::Mul(hn::Set(d, 255.0f), hn::Mul(rest, inverse)));
 }
 
@@ -101,13 +101,14 @@ std::size_t unpremultiplyBytes(std::uint8_t* bytes, std::size_t count, const Bac
       storeNext<false>(transparent, dp, pixels + i);
       continue;
     }
-    const auto alpha = byteOf<Order::alpha>(in);
-    const auto a = normalizedBytes(alpha);
+    const auto bytesIn = hn::BitCast(BlockBytes(), in);
+    const auto a = normalizedByte<Order::alpha>(bytesIn);
     const auto share = hn::Sub(one, a);
     const auto inverse = hn::Div(one, a);
-    const auto out = interleaved<Order>(straight(byteOf<Order::red>(in), background.red, share, inverse),
-                                        straight(byteOf<Order::green>(in), background.green, share, inverse),
-                                        straight(byteOf<Order::blue>(in), background.blue, share, inverse), alpha);
+    const auto red = straight(normalizedByte<Order::red>(bytesIn), background.red, share, inverse);
+    const auto green = straight(normalizedByte<Order::green>(bytesIn), background.green, share, inverse);
+    const auto blue = straight(normalizedByte<Order::blue>(bytesIn), background.blue, share, inverse);
+    const auto out = interleaved<Order>(red, green, blue, byteOf<Order::alpha>(in));
     storeNext<false>(hn::IfThenElse(isTransparent, transparent, out), dp, pixels + i);
   }
   return i;

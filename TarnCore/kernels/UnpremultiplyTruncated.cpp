@@ -30,12 +30,6 @@ using Pixels8 = hn::Repartition<std::uint32_t, BlockBytes>;
 using Floats = hn::Vec<BlockFloats>;
 
 template <int index>
-HWY_INLINE Floats channelOf(hn::Vec<Pixels8> pixels) {
-  const auto byte = hn::And(hn::ShiftRight<8 * index>(pixels), hn::Set(Pixels8(), 255));
-  return normalizedBytes(hn::BitCast(BlockWide(), byte));
-}
-
-template <int index>
 HWY_INLINE hn::Vec<Pixels8> storedChannel(Floats v) {
   const auto product = hn::Mul(v, hn::Set(BlockFloats(), 255.0f));
   return hn::ShiftLeft<8 * index>(hn::BitCast(Pixels8(), truncateToIntegers(product)));
@@ -45,10 +39,14 @@ HWY_INLINE Floats limited(Floats v) {
   const BlockFloats d;
   return hn::Min(hn::Max(v, hn::Zero(d)), hn::Set(d, 1.0f));
 }
+HWY_INLINE Floats limitedAbove(Floats v) {
+  return hn::Min(v, hn::Set(BlockFloats(), 1.0f));
+}
 
-HWY_INLINE hn::Vec<Pixels8> pixelOf(Floats a, Floats red, Floats green, Floats blue) {
-  return hn::Or(hn::Or(storedChannel<0>(a), storedChannel<1>(red)),
-                hn::Or(storedChannel<2>(green), storedChannel<3>(blue)));
+// Alpha survives being stored: 255 times every a is the byte that it was read from.
+HWY_INLINE hn::Vec<Pixels8> pixelOf(hn::Vec<Pixels8> in, Floats red, Floats green, Floats blue) {
+  const auto alpha = hn::And(in, hn::Set(Pixels8(), 255));
+  return hn::Or(hn::Or(alpha, storedChannel<1>(red)), hn::Or(storedChannel<2>(green), storedChannel<3>(blue)));
 }
 
 std::uint32_t transparentPixel(const Background& background) {
@@ -62,17 +60,21 @@ void truncatedCopy(std::uint8_t* destination, const std::uint8_t* source, std::s
   const Pixels8 d;
   const BlockFloats df;
   const auto transparent = hn::Set(d, transparentPixel(background));
+  const auto one = hn::Set(df, 1.0f);
   const std::size_t lanes = hn::Lanes(d);
   std::size_t i = 0;
   for (; i + lanes <= count; i += lanes) {
     const auto in = hn::LoadU(d, reinterpret_cast<const std::uint32_t*>(source) + i);
-    const auto a = channelOf<0>(in);
-    const auto share = hn::Sub(hn::Set(df, 1.0f), a);
+    const auto bytes = hn::BitCast(BlockBytes(), in);
+    const auto a = normalizedByte<0>(bytes);
+    const auto share = hn::Sub(one, a);
+    const auto inverse = hn::Div(one, a);
     const auto straight = [&](Floats c, float b) {
-      return limited(hn::Div(hn::Sub(c, hn::Mul(hn::Set(df, b), share)), a));
+      return limited(quotient(hn::Sub(c, hn::Mul(hn::Set(df, b), share)), a, inverse));
     };
-    const auto out = pixelOf(a, straight(channelOf<1>(in), background.red),
-                             straight(channelOf<2>(in), background.green), straight(channelOf<3>(in), background.blue));
+    const auto out = pixelOf(in, straight(normalizedByte<1>(bytes), background.red),
+                             straight(normalizedByte<2>(bytes), background.green),
+                             straight(normalizedByte<3>(bytes), background.blue));
     const auto isTransparent = hn::Eq(hn::And(in, hn::Set(d, 255)), hn::Zero(d));
     storeNext<false>(hn::IfThenElse(isTransparent, transparent, out), d,
                      reinterpret_cast<std::uint32_t*>(destination) + i);
@@ -87,9 +89,12 @@ void truncatedInPlace(std::uint8_t* pixels, std::size_t count) {
   std::size_t i = 0;
   for (; i + lanes <= count; i += lanes) {
     const auto in = hn::LoadU(d, words + i);
-    const auto a = channelOf<0>(in);
-    const auto out = pixelOf(a, limited(hn::Div(channelOf<1>(in), a)), limited(hn::Div(channelOf<2>(in), a)),
-                             limited(hn::Div(channelOf<3>(in), a)));
+    const auto bytes = hn::BitCast(BlockBytes(), in);
+    const auto a = normalizedByte<0>(bytes);
+    const auto inverse = hn::Div(hn::Set(BlockFloats(), 1.0f), a);
+    const auto out = pixelOf(in, limitedAbove(quotient(normalizedByte<1>(bytes), a, inverse)),
+                             limitedAbove(quotient(normalizedByte<2>(bytes), a, inverse)),
+                             limitedAbove(quotient(normalizedByte<3>(bytes), a, inverse)));
     const auto isTransparent = hn::Eq(hn::And(in, hn::Set(d, 255)), hn::Zero(d));
     storeNext<false>(hn::IfThenElse(isTransparent, in, out), d, words + i);
   }
@@ -108,9 +113,9 @@ HWY_EXPORT(truncatedInPlace);
 
 void unpremultiplyTruncated(std::uint8_t* destination, const std::uint8_t* source, std::size_t count, std::size_t step,
                             const Background& background) {
-  const bool finite =
-      std::isfinite(background.red) && std::isfinite(background.green) && std::isfinite(background.blue);
-  if (useScalar() || step != 4 || !finite || overlapsShifted(destination, 4 * count, source, 4 * count)) {
+  const auto fitsVectors = [](float v) { return std::abs(v) <= 8192.0f; };  // others could overflow
+  const bool fit = fitsVectors(background.red) && fitsVectors(background.green) && fitsVectors(background.blue);
+  if (useScalar() || step != 4 || !fit || overlapsShifted(destination, 4 * count, source, 4 * count)) {
     return unpremultiplyTruncatedScalar(destination, source, count, step, background);
   }
   HWY_DYNAMIC_DISPATCH(truncatedCopy)(destination, source, count, background);

@@ -51,12 +51,33 @@ void normalizeEvery(float* bytes, float* words) {
   for (std::size_t i = 0; i < 65536; i += hn::Lanes(d)) {
     const auto v = hn::LoadU(BlockWide(), values.data() + i);
     hn::StoreU(normalizedWords(v), d, words + i);
-    if (i < 256) hn::StoreU(normalizedBytes(v), d, bytes + i);
+    if (i >= 256) continue;
+    const auto pixels = hn::BitCast(BlockBytes(), v);
+    hn::StoreU(normalizedByte<0>(pixels), d, bytes + i);
+    hn::StoreU(normalizedByte<2>(hn::BitCast(BlockBytes(), hn::ShiftLeft<16>(v))), d, bytes + 256 + i);
   }
 #else
   for (int i = 0; i < 65536; ++i) words[i] = static_cast<float>(i * 1.5259021896696422e-5);
-  for (int i = 0; i < 256; ++i) bytes[i] = static_cast<float>(i * 0.00392156862745098);
+  for (int i = 0; i < 512; ++i) bytes[i] = static_cast<float>(i % 256 * 0.00392156862745098);
 #endif
+}
+
+// The first numerator of 2^23 consecutive patterns from 1 on whose quotient by `divisor` is not a division's; 0 when
+// there is none.
+float wrongQuotient(float divisor) {
+#if VORTO_BLOCK_OPS
+  const BlockFloats d;
+  const auto divisors = hn::Set(d, divisor);
+  const auto inverse = hn::Div(hn::Set(d, 1.0f), divisors);
+  for (std::uint32_t i = 0; i < 1u << 23; i += static_cast<std::uint32_t>(hn::Lanes(d))) {
+    const auto bits = hn::Iota(BlockWide(), static_cast<std::int32_t>(0x3F800000u + i));
+    const auto n = hn::BitCast(d, bits);
+    if (!hn::AllTrue(d, hn::Eq(quotient(n, divisors, inverse), hn::Div(n, divisors)))) return hn::GetLane(n);
+  }
+#else
+  (void)divisor;
+#endif
+  return 0;
 }
 
 }  // namespace vorto::kernels::HWY_NAMESPACE
@@ -67,6 +88,7 @@ namespace vorto::kernels {
 
 HWY_EXPORT(roundPatterns);
 HWY_EXPORT(normalizeEvery);
+HWY_EXPORT(wrongQuotient);
 
 namespace {
 
@@ -111,12 +133,27 @@ TEST(KernelRounding, DISABLED_EveryFloatPattern) {
   }
 }
 
+TEST(KernelRounding, EveryMantissaOverEveryAlpha) {
+  onEveryTarget([] {
+    for (int alpha = 1; alpha < 256; ++alpha) {
+      const auto divisor = static_cast<float>(alpha * 0.00392156862745098);
+      ASSERT_EQ(HWY_DYNAMIC_DISPATCH(wrongQuotient)(divisor), 0.0f) << alpha;
+    }
+  });
+}
+
 TEST(KernelRounding, EveryStoredValueReadsAsTheProductInDoublePrecision) {
   onEveryTarget([] {
-    std::vector<float> bytes(256);
+    std::vector<float> bytes(512);
     std::vector<float> words(65536);
     HWY_DYNAMIC_DISPATCH(normalizeEvery)(bytes.data(), words.data());
-    for (int i = 0; i < 256; ++i) ASSERT_EQ(bytes[i], static_cast<float>(i * 0.00392156862745098));
+    for (int i = 0; i < 512; ++i) {
+      if (i % 256 == 0) {
+        ASSERT_LE(std::abs(bytes[i]), 1e-30f);
+      } else {
+        ASSERT_EQ(bytes[i], static_cast<float>(i % 256 * 0.00392156862745098));
+      }
+    }
     for (int i = 0; i < 65536; ++i) ASSERT_EQ(words[i], static_cast<float>(i * 1.5259021896696422e-5));
   });
 }
