@@ -2,6 +2,7 @@
 
 #include "Host/EffectsCommand.h"
 #include "Host/Failure.h"
+#include "Host/Layouts.h"
 #include "Host/RenderCommand.h"
 #include "Host/SheetCommand.h"
 #include "Host/StandardOutput.h"
@@ -40,6 +41,12 @@ written in the next depth that it can: PNG takes 8 and 16 bits, JPEG 8, TIFF 8, 
 Pictures are read upright (orientation tags count); of a file with several pictures the first is read. Other metadata is
 not carried over.
 
+A pixel format is how the host holds pictures before the effect and after it: every input goes through a bitmap of that
+layout, which loses what the layout cannot hold, and on in the nearest layout that effects take (rgba8 and argb8 as they
+are; yuv422 as argb8; rgb16, la16 and l16 as rgba16; rgbahalf as rgbafloat); the result goes through such a bitmap again
+and is written in its depth. Without alpha a picture is shown over black; luminance is 0.299 red + 0.587 green + 0.114
+blue.
+
 Sequences have the frame's number in the name, %d or %04d. All inputs with one run over the same frames; other inputs
 stay. The time of a transition goes from 0 at the first frame to 1 at the last; other effects get seconds, (frame -
 first) / rate. Frames that were written before a failure stay.
@@ -72,7 +79,7 @@ void addEffects(CLI::App& app, EffectsOptions& options) {
 
 void addRender(CLI::App& app, RenderOptions& options) {
   CLI::App* command = app.add_subcommand("render", "Render an effect to a picture or a sequence");
-  command->footer(RenderFooter);
+  command->footer(RenderFooter + ("\n\nPixel formats:\n" + layoutList()));
   command->add_option("effect", options.effect, "The effect's name")->required()->type_name("EFFECT");
   command
       ->add_option("-i,--input", options.inputs,
@@ -97,6 +104,14 @@ void addRender(CLI::App& app, RenderOptions& options) {
       ->type_name("T");
   command->add_option("--depth", options.depth, "Render and write at 8, 16, half or float; default: as the inputs")
       ->type_name("DEPTH");
+  command
+      ->add_option("--pixel-format", options.layout,
+                   "Hold pictures in bitmaps of this layout, in its depth (listed below); not with --depth")
+      ->type_name("NAME");
+  command
+      ->add_option("--alpha", options.alpha,
+                   "What becomes of the result's alpha: keep, opaque, or gray (copied into the colors); default keep")
+      ->type_name("MODE");
   command->add_option("--frames", options.frames, "The frames of a sequence; default: all that exist")
       ->type_name("A-B");
   command->add_option("--rate", options.rate, "Frames per second of a sequence")->type_name("N")->default_str("25");

@@ -17,7 +17,8 @@ Depth commonDepth(Depth a, Depth b) {
 
 }  // namespace
 
-Inputs::Inputs(const std::vector<std::string>& paths, std::optional<Depth> depth) : depth_(depth) {
+Inputs::Inputs(const std::vector<std::string>& paths, std::optional<Depth> depth, std::optional<Layout> layout)
+    : depth_(layout ? std::optional(layout->depth) : depth), layout_(layout) {
   for (const std::string& path : paths) sources_.push_back({path, framePattern(path), nullptr});
 }
 
@@ -53,12 +54,17 @@ InputPictures Inputs::picturesAt(std::uint32_t frame) {
   for (std::size_t i = 0; i < sources_.size(); ++i) {
     Source& source = sources_[i];
     BitmapRef bitmap = source.still;
-    if (!bitmap) bitmap = makeBitmap(std::move(images[i]), sampleTypeOf(*depth_), pictures.paths[i]);
+    if (!bitmap) bitmap = bitmapOf(std::move(images[i]), pictures.paths[i]);
     if (!source.pattern) source.still = bitmap;
     pictures.bitmaps.push_back(std::move(bitmap));
   }
   pictures.depth = depth_.value_or(Depth::Bits8);
   return pictures;
+}
+
+BitmapRef Inputs::bitmapOf(ImagePixels image, const std::string& path) const {
+  const BitmapRef bitmap = makeBitmap(std::move(image), path);
+  return layout_ ? throughLayout(bitmap, *layout_, path) : inDepth(bitmap, sampleTypeOf(*depth_), path);
 }
 
 void Inputs::decideDepth(const std::vector<ImagePixels>& images) {

@@ -2,6 +2,7 @@
 
 #include "Host/Bitmaps.h"
 #include "Host/FrameFiles.h"
+#include "Host/Layouts.h"
 
 #include <optional>
 #include <string>
@@ -21,7 +22,8 @@ class Inputs {
  public:
   // Without a depth the first pictures decide: the deepest of theirs, 8 < 16 < half < float, but float for 16 and half
   // together. Later frames are converted to it.
-  Inputs(const std::vector<std::string>& paths, std::optional<Depth> depth);
+  // With a layout all go through bitmaps of it.
+  Inputs(const std::vector<std::string>& paths, std::optional<Depth> depth, std::optional<Layout> layout = {});
 
   bool areSequence() const;
   // The given frames, or all that exist. Throws Failure when one is missing, or when sequences have different frames.
@@ -38,9 +40,11 @@ class Inputs {
     BitmapRef still;
   };
   void decideDepth(const std::vector<ImagePixels>& images);
+  BitmapRef bitmapOf(ImagePixels image, const std::string& path) const;
 
   std::vector<Source> sources_;
   std::optional<Depth> depth_;
+  std::optional<Layout> layout_;
 };
 
 }  // namespace host

@@ -28,6 +28,13 @@ std::optional<Depth> parsedDepth(const std::string& text) {
   return depth;
 }
 
+OutputAlpha parsedOutputAlpha(const std::string& text) {
+  if (text.empty() || text == "keep") return OutputAlpha::Keep;
+  if (text == "opaque") return OutputAlpha::Opaque;
+  if (text == "gray") return OutputAlpha::Gray;
+  throw Failure(ExitCode::Usage, "--alpha " + text + ": give keep, opaque or gray");
+}
+
 void checkTime(std::optional<double> time) {
   if (time && !std::isfinite(*time)) throw Failure(ExitCode::Usage, "--time: give a finite number");
 }

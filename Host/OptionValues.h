@@ -11,6 +11,7 @@ namespace host {
 // fit.
 std::optional<PictureSize> parsedSize(const std::string& text);  // "1920x1080"
 std::optional<Depth> parsedDepth(const std::string& text);       // "8", "16", "half", "float"
+OutputAlpha parsedOutputAlpha(const std::string& text);          // "keep", "opaque", "gray"; keep when empty
 void checkTime(std::optional<double> time);                      // finite
 void checkRate(double rate);                                     // finite, above 0
 

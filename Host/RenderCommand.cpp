@@ -30,13 +30,27 @@ std::optional<FrameRange> framesToRender(const RenderOptions& options, const Inp
   return inputs.checkedFrames(options.frames.empty() ? std::nullopt : std::optional(parsedFrameRange(options.frames)));
 }
 
+// How a result is made into a picture to be written.
+struct OutputConversion {
+  std::optional<Layout> layout;
+  OutputAlpha alpha = OutputAlpha::Keep;
+};
+
+Picture rendered(EffectRendering& rendering, const InputPictures& pictures, double time,
+                 const OutputConversion& conversion) {
+  rendering.connect(pictures);
+  BitmapRef result = rendering.result(time);
+  if (conversion.layout) result = throughLayout(result, *conversion.layout, "the result");
+  return rendering.pictureOf(*outputConverted(result, conversion.alpha));
+}
+
 void renderSequence(const RenderOptions& options, EffectRendering& rendering, Inputs& inputs,
-                    const FramePattern& output, const FrameRange& frames) {
+                    const FramePattern& output, const FrameRange& frames, const OutputConversion& conversion) {
   Progress progress(frames.count());
   for (std::uint64_t frame = frames.first; frame <= frames.last; ++frame) {
     const auto number = static_cast<std::uint32_t>(frame);
     const double time = options.time.value_or(timeOfFrame(rendering.kind(), frames, frame, options.rate));
-    Picture picture = rendering.render(inputs.picturesAt(number), time);
+    Picture picture = rendered(rendering, inputs.picturesAt(number), time, conversion);
     writeImageFile(output.path(number), std::move(picture.pixels), picture.depth);
     progress.finished(frame - frames.first + 1);
   }
@@ -48,7 +62,12 @@ void runRender(const RenderOptions& options) {
   checkTime(options.time);
   checkRate(options.rate);
   const auto size = parsedSize(options.size);
-  const auto depth = parsedDepth(options.depth);
+  const OutputConversion conversion{parsedLayout(options.layout), parsedOutputAlpha(options.alpha)};
+  auto depth = parsedDepth(options.depth);
+  if (depth && conversion.layout) {
+    throw Failure(ExitCode::Usage, "--pixel-format " + options.layout + " has its own depth: leave --depth out");
+  }
+  if (conversion.layout) depth = conversion.layout->depth;
   fileFormatOf(options.output);
   const auto outputPattern = framePattern(options.output);
   checkOutput(options.output);
@@ -56,12 +75,12 @@ void runRender(const RenderOptions& options) {
   loadEffects();
   EffectRendering rendering(options.effect, options.inputs.size(), size, depth);
   setParameters(rendering, options.values, options.states);
-  Inputs inputs(options.inputs, depth);
+  Inputs inputs(options.inputs, depth, conversion.layout);
   const auto frames = framesToRender(options, inputs, outputPattern);
   if (frames) {
-    renderSequence(options, rendering, inputs, *outputPattern, *frames);
+    renderSequence(options, rendering, inputs, *outputPattern, *frames, conversion);
   } else {
-    Picture picture = rendering.render(inputs.pictures(), options.time.value_or(0));
+    Picture picture = rendered(rendering, inputs.pictures(), options.time.value_or(0), conversion);
     writeImageFile(options.output, std::move(picture.pixels), picture.depth);
   }
 }

@@ -15,6 +15,8 @@ struct RenderOptions {
   std::string size;                 // "WxH", or empty
   std::optional<double> time;
   std::string depth;   // "8", "16", "half", "float", or empty for that of the inputs
+  std::string layout;  // the name of a pixel format (Layouts.h), or empty
+  std::string alpha;   // "keep", "opaque", "gray", or empty for keep
   std::string frames;  // "A-B", or empty for the frames that exist
   double rate = 25;    // frames per second
 };
