@@ -14,12 +14,27 @@ using vorto::kernels::DepthLayout;
 using vorto::kernels::ScaleDestination;
 using vorto::kernels::ScaleSource;
 
-// How many pixels of that size lie in the allocation; those of the bitmap's own width and height are declared.
 std::size_t accessiblePixels(const VortoBitmap& bitmap, std::size_t pixelBytes) {
-  const std::size_t pixels = bitmap.accessibleBytes() / pixelBytes;
-  vorto::declareTouched(bitmap.data,
-                        std::min<std::uint64_t>(pixels, std::uint64_t{bitmap.width} * bitmap.height) * pixelBytes);
-  return pixels;
+  return bitmap.accessibleBytes() / pixelBytes;
+}
+
+void declarePixels(const VortoBitmap& bitmap, std::uint64_t pixels, std::size_t pixelBytes) {
+  const std::uint64_t accessible = accessiblePixels(bitmap, pixelBytes);
+  vorto::declareTouched(bitmap.data, std::min(pixels, accessible) * pixelBytes);
+}
+
+std::uint32_t lastIndex(std::uint32_t source, std::uint32_t destination) {
+  return vorto::kernels::scaledIndex(destination - 1, static_cast<double>(source) / destination);
+}
+
+// What the rule names on both sides: of the source, rows up to the last one that is taken. An empty source has pixels
+// for it, too.
+void declareScaling(const VortoBitmap& destination, std::size_t written, const VortoBitmap& source, std::size_t read) {
+  if (destination.width == 0 || destination.height == 0) return;
+  declarePixels(destination, std::uint64_t{destination.width} * destination.height, written);
+  const std::uint64_t lastRow = lastIndex(source.height, destination.height);
+  const std::uint64_t lastRowPixels = std::max(source.width, lastIndex(source.width, destination.width) + 1);
+  declarePixels(source, lastRow * source.width + lastRowPixels, read);
 }
 
 ScaleSource sourceOf(const VortoBitmap& bitmap, std::size_t pixelBytes) {
@@ -32,11 +47,13 @@ ScaleDestination destinationOf(const VortoBitmap& bitmap, std::size_t pixelBytes
 
 void scale(const VortoBitmap* destination, const VortoBitmap* source, std::size_t pixelBytes) {
   if (destination == nullptr || source == nullptr) return;
+  declareScaling(*destination, pixelBytes, *source, pixelBytes);
   vorto::kernels::scaleNearest(destinationOf(*destination, pixelBytes), sourceOf(*source, pixelBytes), pixelBytes);
 }
 
 void convert(const VortoBitmap* source, DepthLayout from, const VortoBitmap* destination, DepthLayout to) {
   if (destination == nullptr || source == nullptr) return;
+  declareScaling(*destination, depthPixelBytes(to), *source, depthPixelBytes(from));
   vorto::kernels::scaleAndConvert(destinationOf(*destination, depthPixelBytes(to)), to,
                                   sourceOf(*source, depthPixelBytes(from)), from);
 }

@@ -31,25 +31,25 @@ TARN_EXPORT std::uint16_t denormalized<std::uint16_t>(double v);
 
 // Where each channel lies in the record; -1 where there is none.
 template <int redIndex, int greenIndex, int blueIndex, int alphaIndex>
-struct VortoPixelInfo {
+struct TARN_EXPORT VortoPixelInfo {
   static constexpr int red = redIndex;
   static constexpr int green = greenIndex;
   static constexpr int blue = blueIndex;
   static constexpr int alpha = alphaIndex;
 };
-struct VortoPixelInfoRGBA8 : VortoPixelInfo<0, 1, 2, 3> {};
-struct VortoPixelInfoARGB8 : VortoPixelInfo<1, 2, 3, 0> {};
-struct VortoPixelInfoYUV8 : VortoPixelInfo<1, 1, 1, -1> {};
-struct VortoPixelInfoRGBA16 : VortoPixelInfo<0, 1, 2, 3> {};
-struct VortoPixelInfoRGB16 : VortoPixelInfo<0, 1, 2, -1> {};
-struct VortoPixelInfoLuminanceAlpha16 : VortoPixelInfo<0, 0, 0, 1> {};
-struct VortoPixelInfoLuminance16 : VortoPixelInfo<0, 0, 0, -1> {};
-struct VortoPixelInfoRGBAHalfFloat : VortoPixelInfo<0, 1, 2, 3> {};
-struct VortoPixelInfoRGBAFloat : VortoPixelInfo<0, 1, 2, 3> {};
+struct TARN_EXPORT VortoPixelInfoRGBA8 : VortoPixelInfo<0, 1, 2, 3> {};
+struct TARN_EXPORT VortoPixelInfoARGB8 : VortoPixelInfo<1, 2, 3, 0> {};
+struct TARN_EXPORT VortoPixelInfoYUV8 : VortoPixelInfo<1, 1, 1, -1> {};
+struct TARN_EXPORT VortoPixelInfoRGBA16 : VortoPixelInfo<0, 1, 2, 3> {};
+struct TARN_EXPORT VortoPixelInfoRGB16 : VortoPixelInfo<0, 1, 2, -1> {};
+struct TARN_EXPORT VortoPixelInfoLuminanceAlpha16 : VortoPixelInfo<0, 0, 0, 1> {};
+struct TARN_EXPORT VortoPixelInfoLuminance16 : VortoPixelInfo<0, 0, 0, -1> {};
+struct TARN_EXPORT VortoPixelInfoRGBAHalfFloat : VortoPixelInfo<0, 1, 2, 3> {};
+struct TARN_EXPORT VortoPixelInfoRGBAFloat : VortoPixelInfo<0, 1, 2, 3> {};
 
 // Four values that are assigned as a whole, bit for bit.
 template <class T>
-struct VortoVector4 {
+struct TARN_EXPORT VortoVector4 {
   T values[4];
 };
 
@@ -67,15 +67,15 @@ struct TARN_EXPORT VortoPixelN {
   void setAlphafn(float v);
 };
 template <class T, class Info>
-struct VortoPixel4 : VortoPixelN<T, Info, 4> {};
+struct TARN_EXPORT VortoPixel4 : VortoPixelN<T, Info, 4> {};
 template <class T, class Info>
-struct VortoPixel3 : VortoPixelN<T, Info, 3> {};
+struct TARN_EXPORT VortoPixel3 : VortoPixelN<T, Info, 3> {};
 template <class T, class Info>
-struct VortoPixel2 : VortoPixelN<T, Info, 2> {};
+struct TARN_EXPORT VortoPixel2 : VortoPixelN<T, Info, 2> {};
 template <class T, class Info>
-struct VortoPixel1 : VortoPixelN<T, Info, 1> {};
+struct TARN_EXPORT VortoPixel1 : VortoPixelN<T, Info, 1> {};
 template <class T, class Info>
-struct VortoPixelYUV : VortoPixelN<T, Info, 2> {};  // U at even columns and V at odd ones, then Y
+struct TARN_EXPORT VortoPixelYUV : VortoPixelN<T, Info, 2> {};  // U at even columns and V at odd ones, then Y
 
 extern template struct VortoPixelN<std::uint8_t, VortoPixelInfoRGBA8, 4>;
 extern template struct VortoPixelN<std::uint8_t, VortoPixelInfoARGB8, 4>;

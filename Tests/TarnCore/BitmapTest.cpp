@@ -94,10 +94,12 @@ TEST(Bitmap, SetDataCopiesRowsWithTheirPaddingOrTheSize) {
   std::vector<std::uint8_t> source(10000);
   for (std::size_t i = 0; i < source.size(); ++i) source[i] = static_cast<std::uint8_t>(i * 13 + 1);
   VortoBitmap plain(5, 3, 8, 4, 0, 0);
+  openSlack(plain);
   plain.setData(source.data());
   EXPECT_EQ(std::memcmp(plain.data, source.data(), 60), 0);
   EXPECT_EQ(plain.data[60], 0);
   VortoBitmap padded(5, 3, 8, 4, 0, 7);
+  openSlack(padded);
   padded.setData(source.data());
   EXPECT_EQ(std::memcmp(padded.data, source.data(), 81), 0);
   EXPECT_EQ(padded.data[81], 0);
