@@ -5,15 +5,20 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <initializer_list>
-#include <memory>
+#include <vector>
 
-// Every whole-image operation on bitmaps whose descriptors are nonsense: sizes that do not belong together, codes that
-// do not fit the channels, crops outside. The memory of each bitmap ends at a page that must not be touched, and what
-// lies before it is compared afterwards.
+// Every whole-image operation on pairs of bitmaps, in one of two ways.
+//
+// On borrowed memory the descriptors are nonsense: sizes that do not belong together, codes that do not fit the
+// channels, crops outside, no memory at all; the two may overlap or be one. Memory ends at a page that must not be
+// touched, and what lies before it is compared afterwards.
+//
+// On memory of their own, bitmaps are made, cloned, cleared and mapped too, sizes that wrap included, and the address
+// sanitizer watches the slack behind their pixels.
 
 namespace {
 
@@ -41,6 +46,11 @@ class Input {
 constexpr std::size_t GuardBytes = 4096;
 constexpr std::uint8_t GuardByte = 0x5A;
 constexpr std::size_t MaximumBytes = std::size_t{1} << 20;
+constexpr std::size_t StreamedBytes = std::size_t{17} << 20;  // written past the caches
+
+std::size_t memorySize(Input& input) {
+  return input.byte() == 255 ? StreamedBytes + input.byte() : input.number() % MaximumBytes;
+}
 
 // Pixels between a watched margin and a page that faults.
 class GuardedMemory {
@@ -74,21 +84,27 @@ class GuardedMemory {
   std::uint8_t* pixels_ = nullptr;
 };
 
+void describe(VortoBitmap& bitmap, Input& input) {
+  bitmap.formatCode = input.byte() % 11;
+  bitmap.width = input.number();
+  bitmap.height = input.number();
+  bitmap.bitsPerChannel = VortoPixelFormat::getBitsPerChannel(bitmap.formatCode);
+  bitmap.channels = VortoPixelFormat::getBitsPerPixel(bitmap.formatCode) / bitmap.bitsPerChannel;
+  if (bitmap.formatCode == VortoPixelFormat::YUV8) bitmap.channels = 2;
+  if (input.byte() > 240) bitmap.channels = input.number();
+  if (input.byte() > 240) bitmap.bitsPerChannel = input.number();
+  if (input.byte() > 160) bitmap.rowPadding = input.number();
+}
+
 // A bitmap over memory that is not its own: its data is taken away again before it is destroyed.
 class BorrowedBitmap {
  public:
-  BorrowedBitmap(const GuardedMemory& memory, Input& input) {
-    bitmap_.formatCode = input.byte() % 11;
-    bitmap_.width = input.number();
-    bitmap_.height = input.number();
-    bitmap_.bitsPerChannel = VortoPixelFormat::getBitsPerChannel(bitmap_.formatCode);
-    bitmap_.channels = VortoPixelFormat::getBitsPerPixel(bitmap_.formatCode) / bitmap_.bitsPerChannel;
-    if (bitmap_.formatCode == VortoPixelFormat::YUV8) bitmap_.channels = 2;
-    if (input.byte() > 240) bitmap_.channels = input.number();
-    if (input.byte() > 240) bitmap_.bitsPerChannel = input.number();
-    if (input.byte() > 160) bitmap_.rowPadding = input.number();
-    bitmap_.data = memory.pixels();
-    bitmap_.allocSize = static_cast<std::uint32_t>(memory.size());
+  // From `skipped` bytes of the memory on.
+  BorrowedBitmap(const GuardedMemory& memory, std::size_t skipped, Input& input) {
+    describe(bitmap_, input);
+    bitmap_.data = memory.pixels() + skipped;
+    bitmap_.allocSize = static_cast<std::uint32_t>(memory.size() - skipped);
+    if (input.byte() > 250) bitmap_.data = nullptr;
   }
   ~BorrowedBitmap() {
     bitmap_.data = nullptr;
@@ -172,14 +188,13 @@ void runCopy(std::uint32_t operation, VortoBitmap& to, const VortoBitmap& from, 
   }
 }
 
-}  // namespace
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
-  Input input(bytes, size);
-  const GuardedMemory first(input.number() % MaximumBytes, input);
-  const GuardedMemory second(input.number() % MaximumBytes, input);
-  BorrowedBitmap to(first, input);
-  BorrowedBitmap from(second, input);
+void runOnBorrowed(Input& input) {
+  const GuardedMemory first(memorySize(input), input);
+  const bool isShared = input.byte() > 200;
+  const GuardedMemory second(isShared ? 0 : memorySize(input), input);
+  const std::size_t skipped = isShared && first.size() > 0 ? input.number() % first.size() : 0;
+  BorrowedBitmap to(first, 0, input);
+  BorrowedBitmap from(isShared ? first : second, skipped, input);
   for (int i = 0; i < 4; ++i) {
     const std::uint32_t operation = input.byte() % 24;
     if (operation < 10) {
@@ -189,6 +204,83 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     } else {
       runCopy(input.byte() % 12, *to, *to, input);  // the same bitmap on both sides
     }
+  }
+}
+
+// The descriptor of a bitmap that does not take long to fill, unless its size wraps.
+void describeModestly(VortoBitmap& bitmap, Input& input) {
+  describe(bitmap, input);
+  const std::uint32_t raw =
+      (bitmap.width * bitmap.bitsPerChannel / 8 * bitmap.channels + bitmap.rowPadding) * bitmap.height;
+  if (raw <= MaximumBytes) return;
+  bitmap.width %= 200;
+  bitmap.height %= 200;
+  bitmap.channels %= 5;
+  bitmap.bitsPerChannel %= 33;
+  bitmap.rowPadding %= 100;
+}
+
+std::vector<std::uint8_t> pixelsFor(const VortoBitmap& bitmap) {
+  const std::uint32_t row = bitmap.width * bitmap.channels * (bitmap.bitsPerChannel / 8) + bitmap.rowPadding;
+  const std::uint64_t size = bitmap.rowPadding != 0 ? std::uint64_t{row} * bitmap.height : bitmap.getSize();
+  return std::vector<std::uint8_t>(std::min<std::uint64_t>(size, bitmap.accessibleBytes()), 0x33);
+}
+
+void runOwning(std::uint32_t operation, VortoBitmap& to, const VortoBitmap& from, Input& input) {
+  switch (operation) {
+    case 0:
+      return to.clone(from);
+    case 1:
+      return to.copyWithOutputConversion(from, input.byte() & 1, input.byte() & 1, input.byte() & 1,
+                                         VortoColor(0.5f, 0.5f, 0.25f, 1.0f));
+    case 2:
+      return to.setData(pixelsFor(to).data());
+    case 3:
+      return to.clear();
+    case 4:
+      to.mapIntoMemory();
+      to.unmapFromMemory();
+      return to.mapIntoMemory();
+    case 5: {
+      VortoBitmap copied(from);
+      return runInPlace(input.byte() % 10, copied, input);
+    }
+    case 6:
+      return to.deallocateMemory();
+    default:
+      describeModestly(to, input);
+      return to.allocateMemory();
+  }
+}
+
+void runOnOwned(Input& input) {
+  VortoBitmap first, second;
+  for (VortoBitmap* bitmap : {&first, &second}) {
+    describeModestly(*bitmap, input);
+    bitmap->allocateMemory();
+  }
+  for (int i = 0; i < 6; ++i) {
+    VortoBitmap& to = input.byte() & 1 ? first : second;
+    VortoBitmap& from = input.byte() < 220 ? (&to == &first ? second : first) : to;
+    const std::uint32_t operation = input.byte() % 30;
+    if (operation < 10) {
+      runInPlace(operation, to, input);
+    } else if (operation < 22) {
+      runCopy(operation - 10, to, from, input);
+    } else {
+      runOwning(operation - 22, to, from, input);
+    }
+  }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
+  Input input(bytes, size);
+  if (input.byte() < 128) {
+    runOnBorrowed(input);
+  } else {
+    runOnOwned(input);
   }
   return 0;
 }
