@@ -89,11 +89,13 @@ TEST_F(EditorSlotTest, FollowsTheSizeOfItsEditor) {
   host::EditorSlot slot(*gradient, &window);
   ASSERT_NE(slot.editor(), nullptr);
   window.show();
-  EXPECT_EQ(slot.size(), QSize(236, 75));
+  EXPECT_EQ(slot.size(), slot.editor()->size());
+  EXPECT_EQ(slot.width(), 236);
   gradient->setValue(nullptr);
   EXPECT_EQ(slot.size(), QSize(236, 25)) << "only the strip is left";
   gradient->setValue(VRTGradient::gradient());
   EXPECT_EQ(slot.size(), QSize(236, 75));
+  EXPECT_EQ(slot.size(), slot.editor()->size());
 }
 
 TEST_F(EditorSlotTest, SaysThatThereIsNoEditor) {
