@@ -1,0 +1,176 @@
+#include "HistogramEditor/VRTHistogramBitmap.h"
+#include "HistogramEditor/VRTHistogramEditorLayout.h"
+#include "HistogramEditor/VRTHistogramGraph.h"
+#include "HistogramEditor/VRTHistogramGutterGeometry.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+// Geometry and pixels, without views.
+
+namespace {
+
+TCHistogram::Counts* filled(TCHistogram::Counts& counts) {
+  for (std::uint32_t i = 0; i < TCHistogram::Bins; ++i) counts[i] = (i * 7919 + 31) % 1013 * (i % 3);
+  return &counts;
+}
+
+bool isPixel(const NSBitmapImageRep& bitmap, std::uint32_t x, std::uint32_t y, std::array<int, 4> expected) {
+  const std::uint8_t* pixel = bitmap.bitmapData() + y * bitmap.bytesPerRow() + 4 * x;
+  return std::equal(expected.begin(), expected.end(), pixel);
+}
+
+// In exact steps, by whole numbers: counts between bins as 256ths of a column's width.
+std::int64_t expectedHeight(const TCHistogram::Counts& counts, std::int64_t x, std::int64_t width,
+                            std::int64_t height) {
+  std::int64_t largest = 0;
+  for (const std::uint32_t count : counts) largest = std::max<std::int64_t>(largest, count);
+  const std::int64_t bin = x * 256 / width;
+  const std::int64_t rest = x * 256 % width;
+  const std::int64_t sum = (width - rest) * counts[bin] + rest * counts[bin + 1];
+  const std::int64_t count = (2 * sum + width) / (2 * width);
+  return largest == 0 ? 0 : (2 * count * height + largest) / (2 * largest);
+}
+
+TEST(HistogramGraph, HeightsInterpolateAndRound) {
+  TCHistogram::Counts counts = {};
+  filled(counts);
+  for (const std::uint32_t width : {1u, 2u, 100u, 208u, 255u, 256u, 257u, 600u}) {
+    for (const std::uint32_t height : {1u, 72u, 133u}) {
+      const auto heights = VRTHistogramHeights(counts, width, height, VRTHistogramScale::Linear);
+      ASSERT_EQ(heights.size(), width);
+      for (std::uint32_t x = 0; x < width; ++x) {
+        ASSERT_EQ(heights[x], expectedHeight(counts, x, width, height)) << x << " of " << width << " x " << height;
+      }
+    }
+  }
+}
+
+TEST(HistogramGraph, TheRightEdgeLeansOnAnEmptyNeighbour) {
+  TCHistogram::Counts counts = {};
+  counts[255] = 100;
+  counts[254] = 100;
+  const auto heights = VRTHistogramHeights(counts, 512, 100, VRTHistogramScale::Linear);
+  EXPECT_EQ(heights[510], 100);
+  EXPECT_EQ(heights[511], 50);
+}
+
+TEST(HistogramGraph, BarsRiseFromTheBottom) {
+  TCHistogram::Counts counts = {};
+  for (std::uint32_t i = 0; i <= 10; ++i) counts[i] = i;
+  NSBitmapImageRep bitmap(256, 10, 1024);
+  VRTPaintHistogram(bitmap, counts, VRTHistogramScale::Linear);
+  for (std::uint32_t x = 0; x < 256; ++x) {
+    const std::uint32_t height = x <= 10 ? x : 0;
+    for (std::uint32_t y = 0; y < 10; ++y) {
+      const bool isBar = height > 10 - y;
+      ASSERT_TRUE(isPixel(bitmap, x, y, isBar ? std::array{25, 29, 38, 255} : std::array{181, 187, 200, 255}))
+          << x << ", " << y;
+    }
+  }
+}
+
+TEST(HistogramGraph, NoCountsAndNoPixels) {
+  const TCHistogram::Counts counts = {};
+  NSBitmapImageRep bitmap(30, 20, 128);
+  VRTPaintHistogram(bitmap, counts, VRTHistogramScale::Linear);
+  VRTPaintHistogram(bitmap, counts, VRTHistogramScale::Logarithmic);
+  EXPECT_TRUE(isPixel(bitmap, 29, 19, {181, 187, 200, 255}));
+  for (const NSSize size : {NSSize{0, 20}, NSSize{30, -4}, NSSize{std::nan(""), 3}}) {
+    const VRTHistogramBitmap none = VRTMakeHistogramBitmap(size);
+    VRTPaintHistogram(*none.representation, counts, VRTHistogramScale::Linear);
+    VRTPaintGreyRamp(*none.representation);
+    EXPECT_EQ(none.representation->pixelsWide() * none.representation->pixelsHigh(), 0u);
+  }
+  EXPECT_EQ(VRTMakeHistogramBitmap({30.9, 7.5}).representation->bytesPerRow(), 128u);
+}
+
+TEST(HistogramGraph, LogarithmsShowSmallCounts) {
+  TCHistogram::Counts counts = {};
+  counts[10] = 1000000;
+  counts[20] = 1000;
+  const auto heights = VRTHistogramHeights(counts, 256, 100, VRTHistogramScale::Logarithmic);
+  EXPECT_EQ(heights[0], 0);
+  EXPECT_EQ(heights[10], 100);
+  EXPECT_EQ(heights[20], 50);
+}
+
+TEST(HistogramGraph, ChannelsAndStrangeChannels) {
+  const TCHistogram histogram;
+  const TCHistogram::Counts* expected[] = {&histogram.rgb, &histogram.red, &histogram.green, &histogram.blue,
+                                           &histogram.alpha};
+  for (int channel = 0; channel < 5; ++channel) {
+    EXPECT_EQ(&VRTHistogramCountsOfChannel(histogram, channel), expected[channel]);
+  }
+  EXPECT_EQ(&VRTHistogramCountsOfChannel(histogram, 7), &histogram.rgb);
+  EXPECT_EQ(&VRTHistogramCountsOfChannel(histogram, -1), &histogram.rgb);
+}
+
+TEST(HistogramGraph, TheRampStaysBelowWhite) {
+  NSBitmapImageRep bitmap(256, 3, 1024);
+  VRTPaintGreyRamp(bitmap);
+  for (std::uint32_t y = 0; y < 3; ++y) {
+    EXPECT_TRUE(isPixel(bitmap, 0, y, {0, 0, 0, 255}));
+    EXPECT_TRUE(isPixel(bitmap, 128, y, {128, 128, 128, 255}));
+    EXPECT_TRUE(isPixel(bitmap, 255, y, {254, 254, 254, 255}));
+  }
+}
+
+TEST(HistogramGutterGeometry, HandlesAndTheirTrack) {
+  const VRTHistogramGutterGeometry geometry(NSMakeRect(0, 0, 218, 10));
+  EXPECT_EQ(geometry.centreOfHandle(0), 5);
+  EXPECT_EQ(geometry.centreOfHandle(1), 213);
+  const NSRect handle = geometry.handle(0.5);
+  EXPECT_EQ(handle.origin.x, 104);
+  EXPECT_EQ(handle.origin.y, 0);
+  EXPECT_EQ(handle.size.width, 11);
+  EXPECT_EQ(handle.size.height, 9);
+  EXPECT_EQ(geometry.valuesOfDistance(104), 0.5);
+}
+
+TEST(HistogramGutterGeometry, GammaIsAPlaceBetweenBlackAndWhite) {
+  EXPECT_EQ(VRTHistogramPositionOfGamma(0, 1, 1), 0.5);
+  EXPECT_NEAR(VRTHistogramGammaOfPosition(0, 1, 0.25), 2, 1e-12);
+  EXPECT_NEAR(VRTHistogramGammaOfPosition(0, 1, 0.75), 0.415037, 1e-6);
+  for (const auto& [black, white] : {std::pair{0.2, 0.7}, {0.9, 0.1}}) {
+    for (const double gamma : {0.1, 1.0, 3.5}) {
+      const double position = VRTHistogramPositionOfGamma(black, white, gamma);
+      EXPECT_NEAR(VRTHistogramGammaOfPosition(black, white, position), gamma, 1e-9);
+    }
+    EXPECT_EQ(VRTHistogramGammaOfPosition(black, white, black), 5);
+    EXPECT_EQ(VRTHistogramGammaOfPosition(black, white, black - (white - black)), 5);
+    EXPECT_EQ(VRTHistogramGammaOfPosition(black, white, white), 0);
+    EXPECT_EQ(VRTHistogramGammaOfPosition(black, white, white + (white - black)), 0);
+  }
+  EXPECT_EQ(VRTHistogramGammaOfPosition(0.5, 0.5, 0.5), 5);
+  EXPECT_EQ(VRTHistogramClampToUnit(std::nan("")), 1);
+  EXPECT_EQ(VRTHistogramClampToUnit(-0.1), 0);
+  EXPECT_EQ(VRTHistogramClampToUnit(std::numeric_limits<double>::infinity()), 1);
+}
+
+// Values 0 and 1 of the gutters stand at the inner edges of graph and ramp.
+TEST(HistogramEditorLayout, TracksAlign) {
+  for (const NSSize size : {NSSize{218, 137}, NSSize{400, 300}, NSSize{120, 100}}) {
+    const VRTHistogramEditorLayout layout(size);
+    for (const NSRect gutter : {layout.gutterIn, layout.gutterOut}) {
+      const VRTHistogramGutterGeometry geometry(NSMakeRect(0, 0, gutter.size.width, gutter.size.height));
+      for (const NSRect framed : {layout.histogram, layout.gradient}) {
+        const double left = framed.origin.x + VRTHistogramFrameWidth;
+        EXPECT_EQ(gutter.origin.x + geometry.centreOfHandle(0), left);
+        EXPECT_EQ(gutter.origin.x + geometry.centreOfHandle(1), left + VRTHistogramPictureSize(framed).width);
+      }
+    }
+    const NSRect rows[] = {layout.gutterOut, layout.gradient, layout.gutterIn, layout.histogram, layout.popUp};
+    double top = 0;
+    for (const NSRect row : rows) {
+      EXPECT_GE(row.origin.y, top);
+      EXPECT_GT(row.size.height, 8);
+      top = row.origin.y + row.size.height;
+    }
+    EXPECT_EQ(top, size.height);
+  }
+}
+
+}  // namespace

@@ -1,0 +1,229 @@
+#include "HistogramEditor/VRTHistogramGradientView.h"
+#include "HistogramEditor/VRTHistogramView.h"
+#include "Tests/HistogramEditor/LevelsScene.h"
+
+#include <gtest/gtest.h>
+
+#include <QImage>
+#include <QMenu>
+#include <QPixmap>
+#include <cstring>
+#include <numeric>
+
+// The histogram in a graph of patches.
+
+namespace {
+
+constexpr NSRect kFrame = {{0, 0}, {260, 60}};  // a graph of 256 columns
+
+std::uint64_t countsOf(const VRTHistogramView& view) {
+  const auto& counts = view.histogramSamples().rgb;
+  return std::accumulate(std::begin(counts), std::end(counts), std::uint64_t{0});
+}
+
+template <class Channel>
+std::vector<std::uint8_t> pixelOf(std::initializer_list<Channel> channels) {
+  std::vector<std::uint8_t> bytes(channels.size() * sizeof(Channel));
+  std::memcpy(bytes.data(), channels.begin(), bytes.size());
+  return bytes;
+}
+
+TEST(HistogramView, CountsWhatFlowsIn) {
+  Scene scene;
+  scene.image->setValue(imageOf({10, 20, 30, 40}, 5, 4));
+  VRTHistogramView view(kFrame);
+  view.setHistogramPort(scene.levels.get());
+  EXPECT_EQ(view.histogramSamples().red[10], 20u);
+  EXPECT_EQ(view.histogramSamples().blue[30], 20u);
+  EXPECT_EQ(countsOf(view), 60u);
+
+  auto blueFirst = imageOf({10, 20, 30, 40}, 7, 1);
+  blueFirst->format = 0;
+  scene.image->setValue(blueFirst);
+  EXPECT_EQ(view.histogramSamples().red[30], 7u);
+  EXPECT_EQ(view.histogramSamples().blue[10], 7u);
+  scene.image->setValue(imageOf(pixelOf<std::uint16_t>({128, 129, 65535, 0}), 3, 1));
+  EXPECT_EQ(view.histogramSamples().red[0] + view.histogramSamples().green[1] + view.histogramSamples().blue[254], 9u);
+  scene.image->setValue(imageOf(pixelOf<float>({-0.2f, 2.0f, 0.5f, 1.0f}), 3, 1));
+  EXPECT_EQ(view.histogramSamples().red[0] + view.histogramSamples().green[254] + view.histogramSamples().blue[127],
+            9u);
+  scene.image->setValue(nullptr);
+  EXPECT_EQ(countsOf(view), 9u) << "without an image the last counts stay";
+}
+
+TEST(HistogramView, UnusableImagesCountNothing) {
+  Scene scene;
+  VRTHistogramView view(kFrame);
+  view.setHistogramPort(scene.levels.get());
+  const auto expectNothing = [&](const std::shared_ptr<SceneImage>& image) {
+    scene.image->setValue(imageOf({1, 2, 3, 4}, 2, 2));
+    ASSERT_EQ(countsOf(view), 12u);
+    scene.image->setValue(image);
+    EXPECT_EQ(countsOf(view), 0u);
+  };
+  const auto changed = [](auto change) {
+    auto image = imageOf({1, 2, 3, 4}, 4, 4);
+    change(*image);
+    return image;
+  };
+  expectNothing(imageOf({1, 2, 3}, 4, 4));
+  expectNothing(changed([](SceneImage& image) { image.pixelBytes = -4; }));
+  expectNothing(changed([](SceneImage& image) { image.pixelBytes = 16; }));
+  expectNothing(changed([](SceneImage& image) { image.pitch = 15; }));
+  expectNothing(changed([](SceneImage& image) { image.bytes.clear(); }));
+  expectNothing(changed([](SceneImage& image) { image.width = 0; }));
+  expectNothing(changed([](SceneImage& image) { image.width = image.height = std::size_t(-1); }));
+}
+
+TEST(HistogramView, WithoutAContextTheCountsAreEmpty) {
+  Scene scene;
+  VRTHistogramView view(kFrame);
+  scene.image->setValue(imageOf({1, 2, 3, 4}, 2, 2));
+  view.setHistogramPort(scene.levels.get());
+  EXPECT_EQ(countsOf(view), 12u);
+  scene.patch->context = nullptr;
+  scene.image->setValue(imageOf({1, 2, 3, 4}, 2, 2));
+  EXPECT_EQ(countsOf(view), 0u);
+}
+
+TEST(HistogramView, OnlyFiltersHaveAnInputImage) {
+  Scene scene("generator");
+  scene.image->setValue(imageOf({1, 2, 3, 4}, 2, 2));
+  VRTHistogramView view(kFrame);
+  EXPECT_EQ(view.imageInputPort(), nullptr);
+  view.setHistogramPort(scene.levels.get());
+  EXPECT_EQ(view.imageInputPort(), nullptr);
+  EXPECT_EQ(scene.context.reads, 0);
+}
+
+TEST(HistogramView, ADetachedViewCostsNothing) {
+  Scene scene, other;
+  VRTHistogramView view(kFrame);
+  view.setHistogramPort(scene.levels.get());
+  view.setHistogramPort(scene.levels.get());
+  scene.image->setValue(imageOf({1, 2, 3, 4}, 2, 2));
+  EXPECT_EQ(scene.context.reads, 1) << "attached twice, counted once for each frame";
+  view.update(true);
+  view.grab();
+  EXPECT_EQ(scene.context.reads, 1) << "another channel is no other image";
+
+  view.setHistogramPort(other.levels.get());
+  scene.image->setValue(imageOf({5, 2, 3, 4}, 2, 2));
+  EXPECT_EQ(scene.context.reads, 1);
+  other.image->setValue(imageOf({5, 2, 3, 4}, 2, 2));
+  EXPECT_EQ(other.context.reads, 1);
+  view.setHistogramPort(nullptr);
+  other.image->setValue(nullptr);
+  other.image->setValue(imageOf({6, 2, 3, 4}, 2, 2));
+  EXPECT_EQ(other.context.reads, 1);
+  EXPECT_EQ(view.histogramSamples().red[5], 4u) << "what was counted last stays";
+}
+
+// The pictures of a view at the device pixel in the middle of a point, upper left origin.
+QRgb colorAt(QWidget& view, int x, int y) {
+  const QPixmap grabbed = view.grab();
+  const double ratio = grabbed.devicePixelRatio();
+  return grabbed.toImage().pixel(int((x + 0.5) * ratio), int((y + 0.5) * ratio));
+}
+
+TEST(HistogramView, DrawsBarsInsideItsFrame) {
+  Scene scene;
+  std::vector<std::uint8_t> pixels;  // 14 reds of 100, 28 of 150, 56 of 200
+  for (int i = 0; i < 98; ++i) {
+    const std::uint8_t red = i < 14 ? 100 : i < 42 ? 150 : 200;
+    pixels.insert(pixels.end(), {red, 7, 8, 9});
+  }
+  scene.image->setValue(std::make_shared<SceneImage>(98, 1, 4, pixels));
+  scene.histogram().setSelectedChannel(1);
+  VRTHistogramView view(kFrame);
+  view.setHistogramPort(scene.levels.get());
+
+  constexpr QRgb bar = qRgb(25, 29, 38), ground = qRgb(181, 187, 200);
+  const struct {
+    int bin;
+    int height;
+  } bars[] = {{100, 14}, {150, 28}, {200, 56}};
+  for (const auto& [bin, height] : bars) {
+    // The graph's rows are 2 to 57. Row y of 56 is dark when the height is above 56 - y.
+    const int topRow = 2 + 56 - height + 1;
+    EXPECT_EQ(colorAt(view, 2 + bin, topRow), bar) << bin;
+    EXPECT_EQ(colorAt(view, 2 + bin, topRow - 1), ground) << bin;
+    EXPECT_EQ(colorAt(view, 2 + bin, 57), bar);
+    EXPECT_EQ(colorAt(view, 2 + bin - 1, 57), ground);
+    EXPECT_EQ(colorAt(view, 2 + bin + 1, 57), ground);
+  }
+  EXPECT_EQ(colorAt(view, 2, 2), ground);
+  EXPECT_EQ(colorAt(view, 257, 57), ground);
+  EXPECT_NE(colorAt(view, 1, 30), ground);
+  EXPECT_NE(colorAt(view, 258, 30), ground);
+
+  scene.histogram().setSelectedChannel(2);
+  EXPECT_EQ(colorAt(view, 2 + 200, 57), bar) << "the channel is looked at when the view is told";
+  view.update(false);
+  EXPECT_EQ(colorAt(view, 2 + 200, 57), ground);
+  EXPECT_EQ(colorAt(view, 2 + 7, 30), bar);
+
+  view.setFrameSize({3, 3});
+  view.grab();
+  EXPECT_EQ(view.histogramBitmap()->pixelsWide(), 0u);
+}
+
+TEST(HistogramView, TheMenuChoosesTheScale) {
+  VRTHistogramView view(kFrame);
+  const auto choose = [&](int index) {
+    const std::unique_ptr<QMenu> menu(view.menuForEvent(NSEvent()));
+    ASSERT_EQ(menu->actions().size(), 2);
+    menu->actions().at(index)->trigger();
+  };
+  choose(1);
+  EXPECT_EQ(view.histogramScale(), VRTHistogramScale::Logarithmic);
+  choose(0);
+  EXPECT_EQ(view.histogramScale(), VRTHistogramScale::Linear);
+  auto dying = std::make_unique<VRTHistogramView>(kFrame);
+  const QPointer<QMenu> menu(dying->menuForEvent(NSEvent()));
+  dying.reset();
+  EXPECT_EQ(menu, nullptr);
+}
+
+TEST(HistogramView, AnythingMayDieFirst) {
+  auto view = std::make_unique<VRTHistogramView>(kFrame);
+  auto scene = std::make_unique<Scene>();
+  view->setHistogramPort(scene->levels.get());
+  const auto image = scene->image;
+  const auto levels = scene->levels;
+  scene->patch.reset();  // the node; its ports live on
+  image->setValue(imageOf({1, 2, 3, 4}, 2, 2));
+  EXPECT_EQ(view->imageInputPort(), nullptr);
+  EXPECT_EQ(countsOf(*view), 0u);
+  view->setHistogramPort(nullptr);
+
+  scene = std::make_unique<Scene>();
+  view->setHistogramPort(scene->levels.get());
+  scene.reset();  // everything
+  EXPECT_EQ(view->getHistogramChannel(), nullptr);
+  view->resampleInputImage();
+  view->grab();
+
+  scene = std::make_unique<Scene>();
+  view->setHistogramPort(scene->levels.get());
+  scene->levels->setValue(nullptr);
+  EXPECT_EQ(view->getHistogramChannel(), nullptr);
+  view->grab();
+  view.reset();
+  scene->image->setValue(imageOf({1, 2, 3, 4}, 2, 2));
+  EXPECT_EQ(scene->context.reads, 0);
+}
+
+TEST(HistogramGradientView, DrawsARampThatFollowsTheSize) {
+  VRTHistogramGradientView view(NSMakeRect(0, 0, 260, 16));
+  EXPECT_EQ(colorAt(view, 2, 3), qRgb(0, 0, 0));
+  EXPECT_EQ(colorAt(view, 2 + 128, 13), qRgb(128, 128, 128));
+  EXPECT_EQ(colorAt(view, 257, 2), qRgb(254, 254, 254));
+  view.setFrameSize({132, 16});
+  EXPECT_EQ(colorAt(view, 2 + 64, 8), qRgb(128, 128, 128));
+  view.setFrameSize({132, 2});
+  view.grab();
+  EXPECT_EQ(view.gradientBitmap()->pixelsWide(), 128u) << "too low to be drawn";
+}
+
+}  // namespace
