@@ -60,6 +60,7 @@ void forEachScaledRow(const ScaleDestination& destination, std::size_t outBytes,
   const double columnRatio = static_cast<double>(source.width) / destination.width;
   const double rowRatio = static_cast<double>(source.height) / destination.height;
   const std::size_t outRowBytes = std::size_t{destination.width} * outBytes;
+  const std::size_t pixels = std::size_t{source.width} * source.height;
   for (std::uint32_t first = 0; first < destination.width;) {
     const std::uint32_t count = std::min(kBlock, destination.width - first);
     for (std::uint32_t i = 0; i < count; ++i) columns[i] = scaledIndex(first + i, columnRatio);
@@ -71,7 +72,7 @@ void forEachScaledRow(const ScaleDestination& destination, std::size_t outBytes,
       if (j > 0 && line == previous) {
         copyBytes(out, out - outRowBytes, count * outBytes, false);
       } else {
-        make(ScaledRow{out, source.pixels + start * inBytes, source.accessible - start, columns, count});
+        make(ScaledRow{out, source.pixels + start * inBytes, pixels > start ? pixels - start : 0, columns, count});
       }
       previous = line;
     }
