@@ -2,6 +2,7 @@
 
 #include "Controls/VRTTheme.h"
 #include "Controls/VRTThemeStore.h"
+#include "Platform/TarnKit/NSGraphicsContext.h"
 #include "Platform/TarnKit/NSTarnColor.h"
 
 #include <QApplication>
@@ -56,6 +57,7 @@ VRTTransientColorPanel::VRTTransientColorPanel(QWidget& owner, VRTColorSwatch::K
       hasOldColor_(oldColor.has_value()) {
   // A click outside ends the pick and does nothing else.
   setAttribute(Qt::WA_NoMouseReplay);
+  setPalette(owner.palette());
   setMouseTracking(true);
   setFocusPolicy(Qt::StrongFocus);
   setAccessibleName(kind == VRTColorSwatch::Kind::color ? QStringLiteral("Color picker")
@@ -84,6 +86,7 @@ bool VRTTransientColorPanel::event(QEvent* event) {
 
 void VRTTransientColorPanel::paintEvent(QPaintEvent*) {
   QPainter painter(this);
+  const NSGraphicsContext context(painter, *this, true);
   painter.fillRect(rect(), NSTarnColor::controlOutlineColor().toQColor());
   painter.fillRect(rect().adjusted(1, 1, -1, -1), NSTarnColor::inspectorBackgroundColor().toQColor());
   const double ratio = devicePixelRatioF();

@@ -112,7 +112,12 @@ void NSTarnView::mouseMoveEvent(QMouseEvent* event) {
   event->accept();
   const QPointer<NSTarnView> self(this);
   const NSEvent move(*event, *this, 0);
-  if (held) {
+  if (leftButtonDown_ && !held) {
+    // The release was lost, to another program for example. A gesture must end nevertheless.
+    leftButtonDown_ = false;
+    NSMouseSession::end(*this);
+    mouseUp(move);
+  } else if (held) {
     mouseDragged(move);
   } else if (event->buttons() == Qt::NoButton) {
     mouseMoved(move);

@@ -129,6 +129,11 @@ TEST(Mouse, TheViewHearsAReleaseThatGoesElsewhere) {
   EXPECT_EQ(view.names(), "down up");
   QTest::mouseRelease(&other, Qt::LeftButton, {}, QPoint(1, 1));
   EXPECT_EQ(view.names(), "down up");
+  view.show();
+  QTest::mousePress(&view, Qt::LeftButton, {}, QPoint(4, 5));
+  move(view, QPoint(4, 6), Qt::NoButton);  // released over another program
+  move(view, QPoint(4, 7), Qt::NoButton);
+  EXPECT_EQ(view.names(), "down up down up moved");
   auto mortal = std::make_unique<RecordingView>(NSMakeRect(0, 0, 40, 30));
   QTest::mousePress(mortal.get(), Qt::LeftButton, {}, QPoint(4, 5));
   mortal.reset();
