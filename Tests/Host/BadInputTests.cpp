@@ -86,6 +86,12 @@ std::vector<std::string> render(const std::string& effect, std::vector<std::stri
   return more;
 }
 
+std::vector<std::string> inspect(std::vector<std::string> more, const std::string& screenshot = "@/out.png") {
+  more.insert(more.begin(), "inspect");
+  more.insert(more.end(), {"--screenshot", screenshot});
+  return more;
+}
+
 const std::vector<std::string> good{"--input", "@/good.tif"};
 
 std::vector<std::string> withGood(std::vector<std::string> more) {
@@ -134,6 +140,15 @@ const BadInput badInputs[] = {
      render("Levels", withGood({"--size", "65536x65536"})),
      {"65536 x 65536", "more than a bitmap"}},
     {"BadDepth", Usage, render("Levels", withGood({"--depth", "12"})), {"--depth 12", "half"}},
+    {"BadPixelFormat",
+     Usage,
+     render("Levels", withGood({"--pixel-format", "rgb8"})),
+     {"--pixel-format rgb8", "rgba8", "yuv422", "l16", "or rgbafloat"}},
+    {"PixelFormatAndDepth",
+     Usage,
+     render("Levels", withGood({"--pixel-format", "rgb16", "--depth", "8"})),
+     {"--depth"}},
+    {"BadAlpha", Usage, render("Levels", withGood({"--alpha", "none"})), {"--alpha none", "opaque"}},
     {"BadRate", Usage, render("Levels", withGood({"--rate", "0"})), {"--rate"}},
     {"DifferentSizes", Input, render("Over", {"--input", "@/good.tif", "@/other.tif"}), {"4 x 3", "5 x 3", "--size"}},
     {"NoInputFile", Input, render("Levels", {"--input", "@/none.tif"}), {"none.tif"}},
@@ -170,6 +185,28 @@ const BadInput badInputs[] = {
      Usage,
      {"sheet", "@/good.tif", "@/other.tif", "--labels", "One", "--output", "@/out.png"},
      {"1 labels", "2 pictures"}},
+    {"InspectUnknownEffect", Usage, inspect({"Levls", "--input", "@/good.tif"}), {"did you mean \"Levels\"?"}},
+    {"InspectNoPicture", Input, inspect({"Levels", "--input", "@/text.png"}), {"text.png", "not a PNG"}},
+    {"InspectTooFewInputs", Usage, inspect({"Dissolve", "--input", "@/good.tif"}), {"two", "1 was given"}},
+    {"InspectOutOfRange",
+     Usage,
+     inspect({"Dissolve", "--input", "@/good.tif", "@/good.tif", "--time", "1.5"}),
+     {"0 to 1"}},
+    {"InspectBadRate", Usage, inspect({"Levels", "--input", "@/good.tif", "--rate", "0"}), {"--rate"}},
+    {"InspectMissingFrame", Input, inspect({"Levels", "--input", "@/f.%d.tif"}), {"frame 3 is missing"}},
+    {"InspectNothing", Usage, inspect({}), {"give an effect"}},
+    {"InspectInputAlone", Usage, inspect({"--input", "@/good.tif"}), {"without an effect"}},
+    {"InspectUnknownKind", Usage, inspect({"--state", "volume=@/levels.plist"}), {"volume", "gradient, levels"}},
+    {"InspectNoKind", Usage, inspect({"--state", "@/levels.plist"}), {"--state gradient=FILE"}},
+    {"InspectWrongKind", Usage, inspect({"--state", "gradient=@/levels.plist"}), {"levels.plist", "the kind levels"}},
+    {"InspectNoState", Input, inspect({"--state", "gradient=@/none.plist"}), {"none.plist"}},
+    {"InspectStateWithNaN", Input, inspect({"--state", "levels=@/nan.plist"}), {"nan.plist", "finite"}},
+    {"InspectToNowhere", Output, inspect({"Checkerboard"}, "@/nowhere/out.png"), {"nowhere", "no folder"}},
+    {"InspectToFolder", Output, inspect({"Checkerboard"}, "@/folder.png"), {"it is a folder"}},
+    {"InspectToBmp", Usage, inspect({"Checkerboard"}, "@/out.bmp"), {"out.bmp"}},
+    {"InspectBadScale", Usage, inspect({"Checkerboard", "--scale", "0"}), {"--scale"}},
+    {"InspectBadAppearance", Usage, inspect({"Checkerboard", "--appearance", "pink"}), {"pink"}},
+    {"InspectWithoutDisplay", Usage, {"inspect", "Checkerboard"}, {"no display", "--screenshot"}},
 };
 
 class BadInputTest : public testing::TestWithParam<BadInput> {};
