@@ -27,14 +27,18 @@ std::uint32_t lastIndex(std::uint32_t source, std::uint32_t destination) {
   return vorto::kernels::scaledIndex(destination - 1, static_cast<double>(source) / destination);
 }
 
-// What the rule names on both sides: of the source, rows up to the last one that is taken. An empty source has pixels
-// for it, too.
+std::uint64_t pixelsOf(const VortoBitmap& bitmap) {
+  return std::uint64_t{bitmap.width} * bitmap.height;
+}
+
+// What the rule names on both sides. The source is taken as a whole; where it is empty or very small, the rule names
+// pixels behind it.
 void declareScaling(const VortoBitmap& destination, std::size_t written, const VortoBitmap& source, std::size_t read) {
-  if (destination.width == 0 || destination.height == 0) return;
-  declarePixels(destination, std::uint64_t{destination.width} * destination.height, written);
+  if (pixelsOf(destination) == 0) return;
+  declarePixels(destination, pixelsOf(destination), written);
   const std::uint64_t lastRow = lastIndex(source.height, destination.height);
-  const std::uint64_t lastRowPixels = std::max(source.width, lastIndex(source.width, destination.width) + 1);
-  declarePixels(source, lastRow * source.width + lastRowPixels, read);
+  const std::uint64_t last = lastRow * source.width + lastIndex(source.width, destination.width);
+  declarePixels(source, std::max(pixelsOf(source), last + 1), read);
 }
 
 ScaleSource sourceOf(const VortoBitmap& bitmap, std::size_t pixelBytes) {
