@@ -9,6 +9,7 @@
 #include <QPixmap>
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace {
 
@@ -46,7 +47,9 @@ void draw(NSRect rect, TarnTheme* theme, double opacity, Render render) {
 TarnThemeProvider::~TarnThemeProvider() = default;
 
 TarnTheme* _RegisterThemeProvider(std::unique_ptr<TarnThemeProvider> provider) {
-  return provider ? new TarnTheme(std::move(provider)) : nullptr;
+  static auto& themes = *new std::vector<std::unique_ptr<TarnTheme>>;  // for the life of the process
+  if (!provider) return nullptr;
+  return themes.emplace_back(std::make_unique<TarnTheme>(std::move(provider))).get();
 }
 
 void DrawNinePartElementAtIndex(NSRect rect, TarnTheme* theme, std::uint32_t atom, int index, double opacity, int) {

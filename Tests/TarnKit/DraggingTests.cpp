@@ -24,8 +24,9 @@ class DropView : public NSTarnView {
   }
   bool performDragOperation(const NSDraggingInfo& info) override {
     color = info.colorFromPasteboard();
+    const bool taken = color.has_value();
     if (inDrop) inDrop();
-    return color.has_value();
+    return taken;
   }
   std::uint32_t operation = NSDragOperationGeneric;
   NSPoint point;
