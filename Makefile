@@ -21,7 +21,8 @@ asan:
 	@ctest --preset asan
 
 bench:
-	@scripts/install-dependencies libbenchmark-dev libpixman-1-dev libyuv-dev
+	@scripts/install-dependencies libbenchmark-dev libpixman-1-dev libyuv-dev libopencv-core-dev libopencv-imgproc-dev \
+	  libswscale-dev libssl-dev
 	@cmake --preset bench --log-level=WARNING
 	@cmake --build --preset bench
 	@scripts/bench build/bench

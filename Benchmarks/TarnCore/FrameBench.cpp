@@ -120,7 +120,7 @@ struct RowFrames {
 };
 
 void measure(benchmark::State& state, const Row& row, FrameSize frame) {
-  constexpr int kRounds = 15;
+  const int rounds = frame.width > 1920 ? 9 : 15;
   const RowFrames frames(row, frame);
   const Bitmap copySource = randomBitmap(frame, Format::RGBA8);
   const Bitmap copy = randomBitmap(frame, Format::RGBA8);
@@ -131,7 +131,7 @@ void measure(benchmark::State& state, const Row& row, FrameSize frame) {
   contestants.push_back({"memcpy", [&] { std::memcpy(copy->data, copySource->data, copy->getSize()); }, {}});
   for (const Peer& peer : peers) contestants.push_back({peer.name, frames.bound(peer.work), {}});
   for (auto _ : state) {
-    for (int round = 0; round < kRounds; ++round) {
+    for (int round = 0; round < rounds; ++round) {
       for (Contestant& contestant : contestants) contestant.takeTurn();
     }
     state.SetIterationTime(contestants[0].median());

@@ -116,8 +116,7 @@ HWY_INLINE hn::Vec<BlockWide> rounded(FloatVector v) {
   return biasedFloor(hn::Min(hn::Set(d, largest + 1.0f), hn::Mul(v, hn::Set(d, static_cast<float>(largest)))));
 }
 
-// A block of a vector holds one pixel. Of several vectors that were packed into one, block by block, the pixels go back
-// to their order.
+// Vectors that were packed into one, block by block, go back to their order.
 template <std::size_t vectors, class D>
 HWY_INLINE hn::Vec<D> inOrder(D d, hn::Vec<D> packed) {
   constexpr std::size_t kBlocks = sizeof(hn::TFromD<D>) * hn::MaxLanes(d) / 16;
@@ -209,21 +208,29 @@ std::size_t widenBytes(std::uint8_t* out, const std::uint8_t* in, std::size_t co
   return channels / 4;
 }
 
+#if VORTO_BLOCK_OPS
 // Words to bytes: v / 257 rounded, which never is a half, in words without overflow.
+HWY_INLINE hn::Vec<BlockIntegers> narrowed(const std::uint16_t* words) {
+  const BlockWords d;
+  const auto v = hn::SaturatedAdd(hn::LoadU(d, words), hn::Set(d, 128));
+  return hn::BitCast(BlockIntegers(), hn::ShiftRight<8>(hn::Sub(v, hn::ShiftRight<8>(v))));
+}
+
 template <bool streamed>
 std::size_t narrowWords(std::uint8_t* out, const std::uint8_t* in, std::size_t count) {
-  const AllWords d;
-  const hn::RebindToSigned<AllWords> signedTag;
-  const hn::Rebind<std::uint8_t, AllWords> bytesTag;
-  const std::size_t channels = count * 4 / hn::Lanes(d) * hn::Lanes(d);
-  for (std::size_t i = 0; i < channels; i += hn::Lanes(d)) {
-    const auto v = hn::SaturatedAdd(hn::LoadU(d, reinterpret_cast<const std::uint16_t*>(in) + i), hn::Set(d, 128));
-    const auto rounded = hn::ShiftRight<8>(hn::Sub(v, hn::ShiftRight<8>(v)));
-    const auto bytes = hn::DemoteTo(bytesTag, hn::BitCast(signedTag, rounded));
-    storeNext<streamed>(rotatePixels<24>(bytesTag, bytes), bytesTag, out + i);
+  const BlockBytes d;
+  const hn::Repartition<std::uint64_t, BlockBytes> pairs;
+  const std::size_t lanes = hn::Lanes(d);
+  const std::size_t channels = count * 4 / lanes * lanes;
+  for (std::size_t i = 0; i < channels; i += lanes) {
+    const auto* const words = reinterpret_cast<const std::uint16_t*>(in) + i;
+    const auto bytes = packToBytes(narrowed(words), narrowed(words + lanes / 2));
+    const auto ordered = hn::BitCast(d, inOrder<2>(pairs, hn::BitCast(pairs, bytes)));
+    storeNext<streamed>(rotatePixels<24>(d, ordered), d, out + i);
   }
   return channels / 4;
 }
+#endif
 
 template <bool streamed, class Write>
 std::size_t convertFrom(DepthLayout from, std::uint8_t* out, const std::uint8_t* in, std::size_t count) {
@@ -247,8 +254,8 @@ std::size_t convertWhole(std::uint8_t* out, DepthLayout to, const std::uint8_t* 
                          std::size_t count) {
   if (to == DepthLayout::ARGB8) {
     if (from == DepthLayout::RGBA8) return reorderBytes<streamed>(out, in, count);
-    if (from == DepthLayout::RGBA16) return narrowWords<streamed>(out, in, count);
 #if VORTO_BLOCK_OPS
+    if (from == DepthLayout::RGBA16) return narrowWords<streamed>(out, in, count);
     return convertFrom<streamed, WriteARGB8>(from, out, in, count);
 #else
     return 0;

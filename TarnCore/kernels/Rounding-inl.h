@@ -25,7 +25,7 @@ HWY_INLINE hn::Vec<BlockFloats> normalizedByte(hn::Vec<BlockBytes> pixels) {
   alignas(16) static constexpr std::uint8_t twice[16] = {i,     i,     128, 128, 4 + i,  4 + i,  128, 128,
                                                          8 + i, 8 + i, 128, 128, 12 + i, 12 + i, 128, 128};
   const auto words = hn::BitCast(BlockWide(), hn::TableLookupBytesOr0(pixels, hn::LoadDup128(BlockBytes(), twice)));
-  return hn::MulAdd(hn::ConvertTo(d, words), hn::Set(d, 0x1.0001p-16f), hn::Set(d, 1e-30f));
+  return hn::MulAdd(hn::ConvertTo(d, words), hn::Set(d, 0x1.0001p-16f), hn::Set(d, 1e-20f));
 #else
   // v / 256 is exact, so a multiply-add that rounds the product gives the same as one that does not.
   const hn::Repartition<std::uint32_t, BlockBytes> dp;

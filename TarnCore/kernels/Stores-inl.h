@@ -28,10 +28,11 @@ HWY_INLINE void expectWriteBehind(const void* place) {
 }
 
 // Stores in a loop over consecutive vectors: past the caches, for which the place must be aligned to the vector, or
-// through them.
+// through them. Past the caches only whole vectors can be stored.
 template <bool streamed, class D>
 HWY_INLINE void storeNext(hn::Vec<D> v, D d, hn::TFromD<D>* HWY_RESTRICT place) {
   if constexpr (streamed) {
+    static_assert(sizeof(hn::TFromD<D>) * hn::MaxLanes(d) == hn::MaxLanes(hn::ScalableTag<std::uint8_t>()));
     hn::Stream(v, d, place);
   } else {
     expectWriteBehind(place);

@@ -213,19 +213,7 @@ TEST(KernelPixels, TellingFloats) {
   });
 }
 
-// The formulas once more.
-
-TEST(KernelPixels, PremultiplyIsExactDivision) {
-  Bytes bytes = everyPairOfBytes(3);
-  const Bytes before = bytes;
-  premultiplyRGBA8(bytes.data(), 65536);
-  for (std::size_t i = 0; i < bytes.size(); ++i) {
-    const int alpha = before[i | 3];
-    int expected = 0;
-    while ((expected + 1) * 255 <= before[i] * alpha) ++expected;
-    ASSERT_EQ(bytes[i], i % 4 == 3 ? alpha : expected) << static_cast<int>(before[i]) << " x " << alpha;
-  }
-}
+// The formula once more, with everything it says done in its own steps.
 
 int roundedTo255(float v) {
   const float product = 255.0f * v;
@@ -248,17 +236,6 @@ TEST(KernelPixels, UnpremultiplyFollowsTheFormula) {
       const int expected = i % 4 == 0 ? before[i] : roundedTo255(a > 0 ? straight : background[i % 4]);
       ASSERT_EQ(bytes[i], expected) << "pixel " << i / 4 << ", channel " << i % 4;
     }
-  }
-}
-
-TEST(KernelPixels, TruncatedFormFollowsTheFormula) {
-  Bytes bytes = everyPairOfBytes(0);
-  const Bytes before = bytes;
-  unpremultiplyTruncatedInPlace(bytes.data(), 65536, 4);
-  for (std::size_t i = 0; i < bytes.size(); ++i) {
-    const float a = static_cast<float>(before[i & ~std::size_t{3}]) / 255;
-    const float v = i % 4 == 0 ? a : std::min(static_cast<float>(before[i]) / 255 / a, 1.0f);
-    ASSERT_EQ(bytes[i], a > 0 ? static_cast<int>(v * 255) : before[i]) << "pixel " << i / 4 << ", channel " << i % 4;
   }
 }
 
