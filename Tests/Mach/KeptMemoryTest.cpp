@@ -123,9 +123,7 @@ TEST_F(KeptMemoryTest, WhatIsMissingOrSomebodyElsesIsNotKept) {
   EXPECT_FALSE(isMapped(torn, page));
 
   // A file that came to lie where memory was.
-  char name[] = "/tmp/kept-memory-XXXXXX";
-  const int file = mkstemp(name);
-  unlink(name);
+  const int file = memfd_create("file", MFD_CLOEXEC);
   ASSERT_EQ(ftruncate(file, static_cast<off_t>(small)), 0);
   for (const int kind : {MAP_SHARED, MAP_PRIVATE}) {
     const vm_address_t taken = filled(small);
