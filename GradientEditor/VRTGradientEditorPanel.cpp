@@ -122,6 +122,12 @@ bool VRTGradientEditor::manageSubview(QWidget* view, bool on) {
 void VRTGradientEditor::update() {
   if (!_masterView) return;
   const QPointer<VRTGradientEditor> self(this);
+  if (!getGradientChannel()) {
+    // The gutters go. Whoever is told of the ends of their drags may change everything, and destroy the editor.
+    if (_gradientGutterRGB) _gradientGutterRGB->endLostInteraction();
+    if (self && _gradientGutterAlpha) _gradientGutterAlpha->endLostInteraction();
+    if (!self || !_masterView) return;
+  }
   const bool hasGradient = getGradientChannel() != nullptr;
   const VRTGradientEditorLayout layout(bounds().size.width, hasGradient);
   const bool sizeChanged = !NSEqualSizes(_masterView->frame().size, layout.panel);
@@ -146,7 +152,6 @@ void VRTGradientEditor::update() {
   for (const auto& part : parts) {
     if (!part.view) continue;
     const bool shown = manageSubview(part.view, part.on);
-    // A hidden gutter ends what the keyboard does in it, and who is told of that may destroy the editor.
     if (!self) return;
     if (part.view && (shown || (sizeChanged && part.view->parentWidget()))) NSSetFrame(*part.view, part.frame);
     anyShown = anyShown || shown;

@@ -140,39 +140,13 @@ void VRTGradientGutter::finishInteraction(const NSEvent* release) {
   NSNotificationCenter::defaultCenter().postNotificationName("VortoEndInteraction", port.get());
 }
 
-// Pickers.
-
-void VRTGradientGutter::startColorPicker(const NSEvent&) {}
-
-void VRTGradientGutter::takeColorFromTransientColorPicker(VRTTransientColorPicker*) {}
-
-std::optional<NSColor> VRTGradientGutter::color() const {
-  return std::nullopt;
+void VRTGradientGutter::endLostInteraction() {
+  if (!interacting_ || picking_) return;
+  endMadeUp_ = !keying_;
+  finishInteraction(nullptr);
 }
 
-VRTTransientColorPicker::Action VRTGradientGutter::pickerAction() {
-  const QPointer<VRTGradientGutter> self(this);
-  VRTChannelGradientSample* const sample = selectedSampleOfFolder();
-  const std::shared_ptr<VRTChannelRef> picked(sample ? sample->getRef() : nullptr);
-  return [self, picked](VRTTransientColorPicker& picker) {
-    if (!self || !picked || !picked->getChannel()) return;
-    if (self->selectedSampleOfFolder() == picked->getChannel()) self->takeColorFromTransientColorPicker(&picker);
-  };
-}
-
-VRTTransientColorPicker::Options VRTGradientGutter::pickerOptions() {
-  const QPointer<VRTGradientGutter> self(this);
-  VRTTransientColorPicker::Options options;
-  options.oldColor = color();
-  options.didEnd = [self](bool) {
-    if (self) self->pickerDidEnd();
-  };
-  return options;
-}
-
-void VRTGradientGutter::pickerDidEnd() {
-  if (!picking_) return;
-  interacting_ = picking_ = false;
-  const auto port = gradientPort();
-  NSNotificationCenter::defaultCenter().postNotificationName("VortoEndInteraction", port.get());
+void VRTGradientGutter::hideEvent(QHideEvent* event) {
+  VRTGradientView::hideEvent(event);
+  endLostInteraction();
 }

@@ -67,6 +67,9 @@ class TARN_EXPORT VRTGradientGutter : public VRTGradientView {
   QMenu* menuForEvent(const NSEvent& event) override;
   void keyDown(QKeyEvent& event) override;
 
+  // Ends what the mouse or the keyboard is doing, whose own end may never come: the gutter is about to be hidden.
+  void endLostInteraction();
+
   void update() override;
   void updateToolTips();
   void setBounds(NSRect bounds) override;
@@ -92,6 +95,7 @@ class TARN_EXPORT VRTGradientGutter : public VRTGradientView {
   void keyReleaseEvent(QKeyEvent* event) override;
   void focusInEvent(QFocusEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
 
  private:
   enum Moving : std::int32_t { MovingNothing = 0, MovingSample = 1, MovingMiddle = 2 };
@@ -111,6 +115,7 @@ class TARN_EXPORT VRTGradientGutter : public VRTGradientView {
   void abandonDrag();
   bool beginInteraction();  // false when the gutter has been destroyed meanwhile
   void finishInteraction(const NSEvent* release);
+  void putColorBack(const VRTChannelRef& picked, const VRTChannelBase& before);
   void pickerDidEnd();
 
   bool useKey(const QKeyEvent& event);
@@ -139,6 +144,7 @@ class TARN_EXPORT VRTGradientGutter : public VRTGradientView {
   bool interacting_ = false;                     // a start has been posted, its end has not
   bool picking_ = false;                         // the interaction is a pick by keyboard
   int pressedKey_ = 0;                           // the key that is being used
+  bool endMadeUp_ = false;                       // the release of a drag has been made up for
   bool keying_ = false;                          // keys move what is selected
   std::set<int> heldKeys_;                       // those that are down
   std::vector<double> announcedPositions_;       // what assistive technology knows

@@ -3,6 +3,7 @@
 #include "GradientEditor/VRTGradientGutter.h"
 
 #include <iterator>
+#include <utility>
 
 // The mouse in a gutter. Everything that tells others (a selection, a change, a notification) may destroy the gutter or
 // replace the gradient: what was looked up before is not used afterwards.
@@ -18,6 +19,7 @@ NSPoint singlePrecision(NSPoint point) {
 void VRTGradientGutter::mouseDown(const NSEvent& event) {
   if (!getGradientChannel() || !_enabled) return VRTGradientView::mouseDown(event);
   const QPointer<VRTGradientGutter> self(this);
+  endMadeUp_ = false;
   if (interacting_) {
     finishInteraction(nullptr);
     if (!self || !getGradientChannel()) return;
@@ -124,6 +126,7 @@ void VRTGradientGutter::dragMiddle(double travel) {
 
 void VRTGradientGutter::mouseUp(const NSEvent& event) {
   if (!_enabled) return VRTGradientView::mouseUp(event);
+  if (std::exchange(endMadeUp_, false)) return;
   finishInteraction(&event);
 }
 

@@ -1,0 +1,227 @@
+#include "Tests/GradientEditor/Panel.h"
+
+#include <QApplication>
+#include <QDropEvent>
+#include <QMimeData>
+#include <cstdlib>
+
+#include "GradientEditor/VRTGradientEditorLayout.h"
+#include "Platform/TarnKit/NSDragging.h"
+#include "Registry/BrivoCompatability.h"
+
+namespace {
+
+void expectFrame(QWidget* part, NSRect expected) {
+  const NSRect frame = NSGetFrame(*part);
+  EXPECT_EQ(frame.origin.x, expected.origin.x) << part->objectName().toStdString();
+  EXPECT_EQ(frame.origin.y, expected.origin.y) << part->objectName().toStdString();
+  EXPECT_EQ(frame.size.width, expected.size.width) << part->objectName().toStdString();
+  EXPECT_EQ(frame.size.height, expected.size.height) << part->objectName().toStdString();
+}
+
+void expectLayout(const Panel& panel, double width) {
+  const VRTGradientEditorLayout layout(width, true);
+  EXPECT_EQ(panel.editor->frame().size.height, 75);
+  expectFrame(panel.part("masterView"), NSMakeRect(0, 0, width, 75));
+  expectFrame(panel.part("gradientView"), layout.preview);
+  expectFrame(panel.part("gradientGutterRGB"), layout.gutterRGB);
+  expectFrame(panel.part("gradientGutterAlpha"), layout.gutterAlpha);
+  expectFrame(panel.part("rgbSpread"), layout.rgbSpread);
+  expectFrame(panel.part("rgbFlop"), layout.rgbFlop);
+  expectFrame(panel.part("alphaSpread"), layout.alphaSpread);
+  expectFrame(panel.part("alphaFlop"), layout.alphaFlop);
+}
+
+constexpr const char* kOptionalParts[] = {"gradientGutterRGB", "gradientGutterAlpha", "rgbSpread",
+                                          "rgbFlop",           "alphaSpread",         "alphaFlop"};
+
+}  // namespace
+
+TEST(Editor, PortsMakeIt) {
+  VRTRegisterGradientEditor();
+  const auto port = std::make_shared<VRTGradientPort>("inputGradient");
+  const auto old = std::make_shared<TarnGradientPort>("inputGradient");
+  port->setValue(VRTGradient::gradient());
+  old->setValue(VRTGradient::gradient());
+  const std::unique_ptr<NSTarnView> first(port->setupParameterView()), second(port->setupParameterView());
+  const std::unique_ptr<NSTarnView> third(old->setupParameterView());
+  EXPECT_NE(first, second);
+  for (const auto& view : {first.get(), second.get(), third.get()}) {
+    auto* editor = dynamic_cast<VRTGradientEditor*>(view);
+    ASSERT_NE(editor, nullptr);
+    EXPECT_NE(editor->getGradientChannel(), nullptr);
+    EXPECT_EQ(editor->frame().size.width, 236);
+    EXPECT_EQ(editor->sizeHint(), QSize(236, 75));
+    EXPECT_EQ(editor->findChild<QWidget*>("gradientGutterRGB")->focusPolicy(), Qt::StrongFocus) << "enabled";
+  }
+  const VRTGradientEditorLayout layout(236, true);
+  expectFrame(first->findChild<QWidget*>("gradientGutterAlpha"), layout.gutterAlpha);
+  VRTRegisterParameterViewFactory("VRTGradientPort", nullptr);
+}
+
+TEST(Editor, LaysItsPartsOutForEveryWidth) {
+  Panel panel;
+  expectLayout(panel, 236);
+  panel.editor->setFrameSize({612, 75});
+  expectLayout(panel, 612);
+  panel.editor->setFrameSize({150, 75});
+  expectLayout(panel, 150);
+}
+
+TEST(Editor, ShowsOnlyThePreviewWithoutAGradient) {
+  Panel panel;
+  QWidget* const gutter = panel.part("gradientGutterRGB");
+  panel.port->setValue(nullptr);
+  EXPECT_EQ(panel.editor->frame().size.height, 25);
+  for (const char* name : kOptionalParts) EXPECT_EQ(panel.part(name), nullptr) << name;
+  expectFrame(panel.part("gradientView"), VRTGradientEditorLayout(236, false).preview);
+  panel.editor->rgbSpread(nullptr);
+  panel.editor->alphaFlop(nullptr);
+  EXPECT_EQ(panel.takeLog(), "change") << "of the value itself";
+
+  panel.editor->setFrameSize({300, 25});
+  panel.port->setValue(panel.value);
+  expectLayout(panel, 300);
+  EXPECT_EQ(panel.part("gradientGutterRGB"), gutter) << "the same one, kept meanwhile";
+  for (const char* name : kOptionalParts) EXPECT_TRUE(panel.part(name)->isVisible()) << name;
+
+  EXPECT_FALSE(panel.editor->manageSubview(gutter, true));
+  EXPECT_FALSE(panel.editor->manageSubview(gutter, false));
+  EXPECT_FALSE(panel.editor->manageSubview(gutter, false));
+  EXPECT_TRUE(panel.editor->manageSubview(gutter, true));
+}
+
+TEST(Editor, ButtonsSpreadAndFlop) {
+  const struct {
+    const char* button;
+    bool alpha;
+    std::vector<double> expected;
+  } cases[] = {{"rgbSpread", false, {0, 1.0 / 3, 2.0 / 3, 1}},
+               {"alphaSpread", true, {0, 1.0 / 3, 2.0 / 3, 1}},
+               {"rgbFlop", false, {1, 0.75, 0.4, 0}},
+               {"alphaFlop", true, {1, 0.75, 0.4, 0}}};
+  for (const auto& each : cases) {
+    Panel panel(236, each.alpha);
+    QTest::mouseClick(panel.part(each.button), Qt::LeftButton);
+    const std::vector<double> positions = panel.positions();
+    for (std::size_t i = 0; i < 4; ++i) EXPECT_NEAR(positions[i], each.expected[i], 1e-12) << each.button;
+    EXPECT_EQ(panel.takeLog(), "change") << each.button;
+    EXPECT_FALSE(panel.part(each.button)->accessibleName().isEmpty());
+  }
+}
+
+TEST(Editor, NeedsNoPort) {
+  VRTGradientEditor editor(NSMakeRect(0, 0, 236, 76));
+  editor.update();
+  EXPECT_EQ(editor.getSelectedSample(), nullptr);
+  EXPECT_EQ(editor.getGradientChannel(), nullptr);
+  editor.setEnabled(true);
+  editor.setGradientPort(nullptr);
+  EXPECT_EQ(editor.frame().size.height, 25);
+  editor.updateSelectedSampleRGBFrom(nullptr);
+}
+
+namespace {
+
+// What a picker does, without its window: opens one and takes the color at a place of its swatch.
+template <class Check>
+void pick(Panel& panel, double position, QPoint place, Check check) {
+  panel.press({panel.xOf(position), 5}, {}, Qt::RightButton);
+  ASSERT_NE(VRTTransientColorPicker::panel(), nullptr);
+  QTest::mouseMove(VRTTransientColorPicker::panel(), place);
+  QMouseEvent move(QEvent::MouseMove, place, VRTTransientColorPicker::panel()->mapToGlobal(place), Qt::NoButton,
+                   Qt::NoButton, {});
+  QApplication::sendEvent(VRTTransientColorPicker::panel(), &move);
+  check(VRTTransientColorPicker::current()->color());
+  if (auto* picker = VRTTransientColorPicker::current()) picker->cancel();
+  panel.release({}, Qt::RightButton);
+}
+
+}  // namespace
+
+TEST(Editor, PickedColorsAreStoredInSinglePrecisionAndPutBackOnCancel) {
+  Panel colors;
+  auto* color = dynamic_cast<VRTChannelGradientSampleRGB*>(colors.sample(1));
+  color->green = 0.3;
+  pick(colors, 0.25, {40, 40}, [&](const std::optional<NSColor>& picked) {
+    ASSERT_TRUE(picked);
+    volatile float red = static_cast<float>(picked->redComponent());
+    volatile float blue = static_cast<float>(picked->blueComponent());
+    EXPECT_EQ(color->red, red);
+    EXPECT_EQ(color->blue, blue);
+  });
+  EXPECT_EQ(color->green, 0.3) << "exactly what it was";
+
+  Panel opacities(236, true);
+  auto* opacity = dynamic_cast<VRTChannelGradientSampleAlpha*>(opacities.sample(1));
+  const double before = opacity->alpha;
+  pick(opacities, 0.25, {40, 12}, [&](const std::optional<NSColor>& picked) {
+    ASSERT_TRUE(picked);
+    volatile float grey = static_cast<float>(picked->redComponent());
+    EXPECT_EQ(opacity->alpha, grey);
+  });
+  EXPECT_EQ(opacity->alpha, before);
+}
+
+TEST(Editor, ColorsGoToTheDelegateInstead) {
+  struct Delegate : VRTGradientEditorDelegate {
+    void updateSelectedSampleRGBFrom(VRTTransientColorPicker* picker) override { got += picker ? "rgb " : "null "; }
+    void updateSelectedSampleAlphaFrom(VRTTransientColorPicker*) override { got += "alpha "; }
+    std::string got;
+  };
+  Panel panel;
+  auto delegate = std::make_unique<Delegate>();
+  panel.editor->setDelegate(delegate.get());
+  const auto* color = dynamic_cast<VRTChannelGradientSampleRGB*>(panel.sample(1));
+  const double red = color->red;
+  pick(panel, 0.25, {40, 40}, [](const auto&) {});
+  EXPECT_EQ(delegate->got.substr(0, 4), "rgb ");
+  panel.editor->updateSelectedSampleAlphaFrom(nullptr);
+  EXPECT_TRUE(delegate->got.ends_with("alpha "));
+  EXPECT_EQ(color->red, red);
+  EXPECT_EQ(panel.takeLog(), "");
+
+  delegate.reset();
+  EXPECT_EQ(panel.editor->delegate(), nullptr) << "forgotten";
+  panel.clickSample(2);
+  EXPECT_EQ(panel.editor->getSelectedSample(), panel.sample(2));
+}
+
+TEST(Editor, DropsOfColorsReachSamplesOnly) {
+  Panel panel;
+  panel.clickSample(1);
+  panel.takeLog();
+  auto* third = dynamic_cast<VRTChannelGradientSampleRGB*>(panel.sample(2));
+  const auto drop = [&](NSPoint point, const QMimeData& data) {
+    const QPointF place = panel.gutter->toWidget(NSPoint{point.x, point.y + 0.5});
+    QDragEnterEvent enter(place.toPoint(), Qt::CopyAction, &data, Qt::LeftButton, {});
+    QApplication::sendEvent(panel.gutter, &enter);
+    QDropEvent event(place, Qt::CopyAction, &data, Qt::LeftButton, {});
+    QApplication::sendEvent(panel.gutter, &event);
+    return enter.isAccepted() && event.isAccepted();
+  };
+  QMimeData color;
+  color.setColorData(QColor::fromRgbF(0.2f, 0.4f, 0.6f, 0.1f));
+  EXPECT_FALSE(drop({panel.xOf(0.8), 5}, color)) << "no marker there";
+  EXPECT_FALSE(drop({panel.xOf(0.425), 5}, color)) << "a middle point beside the selection";
+  QMimeData text;
+  text.setText("blue");
+  EXPECT_FALSE(drop({panel.xOf(0.6), 5}, text));
+  EXPECT_EQ(third->red, 0.5);
+
+  panel.part("gradientView")->grab();
+  const auto* preview = dynamic_cast<VRTGradientView*>(panel.part("gradientView"));
+  ASSERT_NE(preview, nullptr);
+  const QImage before = panel.part("gradientView")->grab().toImage();
+  EXPECT_TRUE(drop({panel.xOf(0.6), 5}, color));
+  EXPECT_NEAR(third->red, 0.2, 1e-4);
+  EXPECT_NEAR(third->green, 0.4, 1e-4);
+  EXPECT_NEAR(third->blue, 0.6, 1e-4);
+  EXPECT_NE(panel.part("gradientView")->grab().toImage(), before) << "the preview follows";
+  EXPECT_EQ(panel.takeLog(), "");
+
+  Panel opacities(236, true);
+  QDragEnterEvent enter(QPoint(60, 5), Qt::CopyAction, &color, Qt::LeftButton, {});
+  QApplication::sendEvent(opacities.gutter, &enter);
+  EXPECT_FALSE(enter.isAccepted()) << "opacities take no colors";
+}
