@@ -95,7 +95,7 @@ void cropYUVRow(VortoBitmap& destination, std::uint64_t to, const VortoBitmap& s
     isOdd = false;
   }
   if (step == 0 || missing >= destination.width) return;
-  if (!isOdd && vorto::bytesWithin(source, begin, 4) < 3) return;  // its pair ends outside
+  if (vorto::bytesWithin(source, isOdd ? begin - 2 : begin, 4) < 3) return;  // its pair ends outside
   const std::uint64_t wanted = destination.width - missing;
   const std::size_t count = std::min(vorto::recordsWithin(destination, to + missing * step, wanted, step, 4),
                                      vorto::recordsWithin(source, begin, wanted, 2, 2));
