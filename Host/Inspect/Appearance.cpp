@@ -1,7 +1,8 @@
 #include "Host/Inspect/Appearance.h"
 
+#include "Host/Inspect/InspectorStyle.h"
+
 #include <QApplication>
-#include <QStyleFactory>
 
 namespace host {
 namespace {
@@ -71,7 +72,7 @@ QPalette darkPalette() {
 
 void applyAppearance(QApplication& application, const std::string& appearance) {
   const bool dark = appearance.empty() ? isDark(application.palette()) : appearance == "dark";
-  application.setStyle(QStyleFactory::create("Fusion"));
+  application.setStyle(new InspectorStyle);
   application.setPalette(dark ? darkPalette() : lightPalette());
 }
 

@@ -79,7 +79,7 @@ ColorEditor::~ColorEditor() {
 
 void ColorEditor::show() {
   const QColor color = colorOf(port_);
-  const QString alpha = color.alpha() < 255 ? QStringLiteral("  %1 %").arg(color.alphaF() * 100, 0, 'f', 0) : QString();
+  const QString alpha = color.alpha() < 255 ? QStringLiteral("%1").arg(color.alpha(), 2, 16, QLatin1Char('0')) : "";
   text_->setText(color.name() + alpha);
   swatch_->setAccessibleDescription(text_->text());
   swatch_->update();

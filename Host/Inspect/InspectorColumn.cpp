@@ -9,28 +9,30 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPainter>
 #include <QVBoxLayout>
-#include <memory>
 
 namespace host {
 namespace {
 
-constexpr int LabelWidth = 80;
+constexpr int LabelWidth = 78;
 constexpr int RowHeight = 24;
 
 bool bringsEditor(const QCPort& port) {
   return ParameterDocument::hasStateFile(port) || portKindOf(port) == PortKind::Object;
 }
 
-QWidget* rule(const QColor& color, QWidget* parent) {
-  auto* line = new QWidget(parent);
-  line->setFixedHeight(1);
-  QPalette palette = line->palette();
-  palette.setColor(QPalette::Window, color);
-  line->setPalette(palette);
-  line->setAutoFillBackground(true);
-  return line;
-}
+constexpr QMargins Insets{InspectorColumn::LeftInset, 0, InspectorColumn::RightInset, 0};
+
+class Rule : public QWidget {
+ public:
+  using QWidget::QWidget;
+
+ protected:
+  void paintEvent(QPaintEvent*) override {
+    QPainter(this).fillRect(rect().marginsRemoved(Insets), inspectorColors(palette()).separator);
+  }
+};
 
 }  // namespace
 
@@ -66,12 +68,14 @@ void InspectorColumn::addHeading(QVBoxLayout& column, const Heading& heading) {
   font.setPointSizeF(font.pointSizeF() * 1.35);
   font.setWeight(QFont::DemiBold);
   title->setFont(font);
+  title->setContentsMargins(Insets);
   column.addWidget(title);
   if (heading.detail.isEmpty()) return;
   auto* detail = new QLabel(heading.detail, content_);
   detail->setForegroundRole(QPalette::PlaceholderText);
   detail->setWordWrap(true);
   detail->setFixedWidth(ContentWidth);
+  detail->setContentsMargins(Insets);
   column.addWidget(detail);
 }
 
@@ -80,7 +84,7 @@ void InspectorColumn::addRow(QVBoxLayout& column, QCPort& port) {
   row->setFixedWidth(ContentWidth);
   row->setMinimumHeight(RowHeight);
   auto* layout = new QHBoxLayout(row);
-  layout->setContentsMargins(0, 0, 0, 0);
+  layout->setContentsMargins(Insets);
   layout->setSpacing(6);
   const QString name = QString::fromStdString(port.name());
   auto* label = new QLabel(row);
@@ -102,8 +106,8 @@ void InspectorColumn::addSection(QVBoxLayout& column, QCPort& port, DocumentActi
 }
 
 void InspectorColumn::addSeparator(QVBoxLayout& column) {
-  auto* line = rule(inspectorColors(palette()).separator, content_);
-  line->setFixedWidth(ContentWidth);
+  auto* line = new Rule(content_);
+  line->setFixedSize(ContentWidth, 1);
   column.addSpacing(2);
   column.addWidget(line);
   column.addSpacing(2);

@@ -17,7 +17,10 @@ class ParameterSection;
 class InspectorColumn : public QScrollArea {
  public:
   static constexpr int ContentWidth = 236;  // that of the gradient editor; everything is aligned to it
-  static constexpr int SideMargin = 22;     // on the right it also holds the scroll bar
+  static constexpr int SideMargin = 20;     // on the right it also holds the scroll bar
+  // How far the wells of the editors are inside their frames on the left and on the right; rows keep to it too.
+  static constexpr int LeftInset = 4;
+  static constexpr int RightInset = 2;
 
   struct Heading {
     QString title;

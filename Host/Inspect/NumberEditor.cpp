@@ -24,6 +24,20 @@ int decimalsFor(const PortRange& range) {
   return span <= 10 ? 3 : span <= 1000 ? 1 : 0;
 }
 
+// Without the zeros at the end, which say nothing.
+class NumberBox : public QDoubleSpinBox {
+ public:
+  using QDoubleSpinBox::QDoubleSpinBox;
+  QString textFromValue(double value) const override {
+    QString text = QDoubleSpinBox::textFromValue(value);
+    const QString point = locale().decimalPoint();
+    if (!text.contains(point)) return text;
+    while (text.endsWith('0')) text.chop(1);
+    if (text.endsWith(point)) text.chop(point.size());
+    return text;
+  }
+};
+
 }  // namespace
 
 NumberEditor::NumberEditor(QCPort& port, QWidget* parent)
@@ -31,7 +45,7 @@ NumberEditor::NumberEditor(QCPort& port, QWidget* parent)
       port_(port),
       range_(portRange(port)),
       whole_(portKindOf(port) == PortKind::Index),
-      box_(new QDoubleSpinBox(this)),
+      box_(new NumberBox(this)),
       watch_(port, [this] { show(present()); }) {
   const double lowest = whole_ ? 0 : std::numeric_limits<double>::lowest();
   const double highest = whole_ ? std::numeric_limits<std::uint32_t>::max() : std::numeric_limits<double>::max();

@@ -2,6 +2,7 @@
 
 #include "Host/Inspect/DocumentActions.h"
 #include "Host/Inspect/EditorSlot.h"
+#include "Host/Inspect/InspectorColumn.h"
 
 #include <QAbstractButton>
 #include <QHBoxLayout>
@@ -39,7 +40,7 @@ class FoldingTitle : public QAbstractButton {
     pen.setCapStyle(Qt::RoundCap);
     pen.setJoinStyle(Qt::RoundJoin);
     painter.setPen(pen);
-    painter.translate(5, height() / 2.0);
+    painter.translate(4.5, height() / 2.0);
     if (!isChecked()) painter.rotate(-90);
     painter.drawPolyline(QPolygonF({{-3.5, -1.75}, {0, 1.75}, {3.5, -1.75}}));
   }
@@ -62,6 +63,7 @@ ParameterSection::ParameterSection(QCPort& port, DocumentActions& actions, Foldi
 
   auto* header = new QHBoxLayout;
   header->setSpacing(4);
+  header->setContentsMargins(InspectorColumn::LeftInset, 0, 0, 0);
   header->addWidget(title_);
   header->addStretch(1);
   header->addWidget(menu_);

@@ -26,7 +26,8 @@ StateWindow::StateWindow(ParameterDocument& document) : messages_(new MessageBar
   section_ = new ParameterSection(*document.parameters().front(), *actions_, ParameterSection::Folding::None, this);
   section_->setFixedWidth(InspectorColumn::ContentWidth);
   auto* inner = new QVBoxLayout;
-  inner->setContentsMargins(Margin, Margin - 4, Margin, Margin);
+  inner->setContentsMargins(Margin - InspectorColumn::LeftInset, Margin - 6, Margin - InspectorColumn::RightInset,
+                            Margin - 2);
   inner->addWidget(section_);
   auto* outer = new QVBoxLayout(this);
   outer->setContentsMargins(0, 0, 0, 0);
