@@ -38,7 +38,8 @@ TARN_EXPORT void NSSetAutoresizingMask(QWidget& widget, std::uint32_t mask);
 // from the upper left.
 //
 // Ownership is Qt's: a superview deletes its subviews. A handler may delete the view that it belongs to, any superview
-// and the window; dispatch does not touch them afterwards.
+// and the window; dispatch does not touch them afterwards. The exception is rightMouseDown, after which Qt itself sends
+// a context-menu event to the same widget: there use deleteLater().
 class TARN_EXPORT NSTarnView : public QWidget {
  public:
   explicit NSTarnView(NSRect frame, QWidget* parent = nullptr);

@@ -10,6 +10,7 @@
 #include <QPointer>
 #include <QScreen>
 #include <QTest>
+#include <QWindow>
 #include <memory>
 
 namespace {
@@ -260,6 +261,36 @@ TEST_F(Picker, TheActionMayOpenAnotherPickerOrCancelThisOne) {
   move(place(30, 20));
   EXPECT_EQ(log, "start color color cancelled start ");
   EXPECT_TRUE(VRTTransientColorPicker::current());
+}
+
+// Press in the view, drag and let go: as the window system delivers it, which knows nothing of pop-ups.
+TEST_F(Picker, OnePressDragAndReleasePicks) {
+  struct Owner : NSTarnView {
+    using NSTarnView::NSTarnView;
+    void rightMouseDown(const NSEvent& event) override {
+      VRTTransientColorPicker::Options options;
+      options.didEnd = [this](bool isTaken) { taken = isTaken; };
+      VRTTransientColorPicker::popupGrayscalePickerFrom(
+          this, event, [this](VRTTransientColorPicker& picker) { color = picker.color(); }, options);
+    }
+    std::optional<bool> taken;
+    std::optional<NSColor> color;
+  };
+  Owner owner(NSMakeRect(300, 300, 200, 100));
+  owner.show();
+  QWindow* window = owner.windowHandle();
+  QTest::mousePress(window, Qt::RightButton, {}, QPoint(100, 50));
+  panel = VRTTransientColorPicker::panel();
+  ASSERT_TRUE(panel);
+  const QPoint start = panel->mapFromGlobal(owner.mapToGlobal(QPoint(100, 50)));
+  QTest::mouseMove(window, QPoint(151, 50));
+  ASSERT_TRUE(owner.color);
+  const double expected = (start.x() + 51 - VRTTransientColorPanel::swatchOrigin().x()) / 255.0;
+  EXPECT_NEAR(owner.color->redComponent(), expected, 0.01);
+  EXPECT_FALSE(owner.taken);
+  QTest::mouseRelease(window, Qt::RightButton, {}, QPoint(151, 50));
+  EXPECT_EQ(owner.taken, true);
+  EXPECT_NEAR(owner.color->redComponent(), expected, 0.01);
 }
 
 // A press in a view opens the picker; its release goes to the picker's window, and the view still hears of it.

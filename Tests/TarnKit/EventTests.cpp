@@ -166,6 +166,19 @@ TEST(Mouse, AHandlerMayDeleteTheViewItsSuperviewOrTheWindow) {
   }
 }
 
+// The same through the window, where Qt itself holds on to the receiver.
+TEST(Mouse, AHandlerMayDeleteTheViewOfAnEventThatComesThroughTheWindow) {
+  QWidget window;
+  window.resize(100, 100);
+  auto* view = new RecordingView(NSMakeRect(0, 0, 60, 60), &window);
+  const QPointer<QWidget> alive = view;
+  window.show();
+  view->inHandler = [view] { delete view; };
+  QTest::mousePress(window.windowHandle(), Qt::LeftButton, {}, QPoint(10, 60));
+  QTest::mouseRelease(window.windowHandle(), Qt::LeftButton, {}, QPoint(10, 60));
+  EXPECT_TRUE(alive.isNull());
+}
+
 // Deleting during the drag and on release.
 TEST(Mouse, AHandlerMayDeleteTheViewLateInAGesture) {
   for (const bool onRelease : {false, true}) {

@@ -9,7 +9,8 @@
 namespace {
 
 constexpr const char* well = R"(<svg xmlns="http://www.w3.org/2000/svg" width="8" height="8" viewBox="0 0 8 8">
-<path fill="#ff0000" d="M0 0 H8 V8 H0 Z"/><path fill="#00ff00" d="M2 2 H6 V6 H2 Z"/><path fill="#0000ff" d="M0 0 H2 V2 H0 Z"/>
+<path fill="#ff0000" d="M0 0 H8 V8 H0 Z"/><path fill="#00ff00" d="M2 2 H6 V6 H2 Z"/>
+<path fill="#0000ff" d="M0 0 H2 V2 H0 Z"/>
 </svg>)";
 constexpr const char* leftHalfBlack = R"(<svg xmlns="http://www.w3.org/2000/svg" width="4" height="2" viewBox="0 0 4 2">
 <path fill="#000000" d="M0 0 H2 V2 H0 Z"/><path fill="#ffff00" d="M2 0 H4 V1 H2 Z"/></svg>)";
