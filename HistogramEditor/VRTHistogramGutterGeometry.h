@@ -28,5 +28,6 @@ constexpr double VRTHistogramLargestGamma = 5;
 
 // Where the handle of a gamma stands between black and white: in the middle for 1.
 TARN_EXPORT double VRTHistogramPositionOfGamma(double black, double white, double gamma);
-// The gamma of a place, 0 to 5. At and beyond black it is 5 (and where black is white), at and beyond white 0.
+// The gamma of a place, 0 to 5: 5 at and beyond black, 0 at and beyond white; where the two are equal, 0 to their right
+// and 5 elsewhere.
 TARN_EXPORT double VRTHistogramGammaOfPosition(double black, double white, double position);

@@ -119,7 +119,7 @@ TEST_F(HistogramGutterIn, OfOverlappingHandlesTheLastDrawnIsTaken) {
   press(*gutter, on(0.5));
   drag(*gutter, on(0.6));
   release(*gutter, on(0.6));
-  EXPECT_EQ(levels().gammaForChannel(kRed), 5) << "nowhere to go";
+  EXPECT_EQ(levels().gammaForChannel(kRed), 0) << "right of white";
   EXPECT_EQ(levels().blackInForChannel(kRed), 0.5);
   EXPECT_EQ(levels().whiteInForChannel(kRed), 0.5);
 
@@ -157,7 +157,7 @@ TEST_F(HistogramGutterIn, BlackAndWhiteMayCross) {
   EXPECT_DOUBLE_EQ(levels().blackInForChannel(kRed), 0.8);
   EXPECT_DOUBLE_EQ(levels().whiteInForChannel(kRed), 0.3);
   dragFromTo(0.55, 0.425);  // gamma, three quarters of the way from black to white
-  EXPECT_NEAR(levels().gammaForChannel(kRed), std::log(0.75) / std::log(0.5), 1e-9);
+  EXPECT_NEAR(levels().gammaForChannel(kRed), std::log(0.75) / std::log(0.5), 1e-6);
 }
 
 TEST_F(HistogramGutterIn, HandlesAreDrawnWhereTheyAreGrabbed) {
@@ -192,7 +192,7 @@ TEST_F(HistogramGutterIn, HandlesAreDrawnWhereTheyAreGrabbed) {
 }
 
 TEST_F(HistogramGutterIn, KeysMoveTheHandleThatHasTheKeyboard) {
-  gutter->activateWindow();
+  QApplication::setActiveWindow(gutter.get());
   gutter->setFocus(Qt::TabFocusReason);
   QTest::keyClick(gutter.get(), Qt::Key_Right);
   EXPECT_DOUBLE_EQ(levels().blackInForChannel(kRed), 0.01);
@@ -306,7 +306,7 @@ TEST_F(HistogramGutterIn, ObserversMayDestroyTheGutter) {
     EXPECT_FALSE(victim) << what;
 
     destroyOn(what);
-    gutter->activateWindow();
+    QApplication::setActiveWindow(gutter.get());
     gutter->setFocus(Qt::TabFocusReason);
     const QPointer<QWidget> byKey(gutter.get());
     QTest::keyPress(byKey.data(), Qt::Key_Right);
