@@ -8,6 +8,8 @@
 #include <QtGlobal>
 #include <cstdio>
 #include <cstdlib>
+#include <string>
+#include <string_view>
 
 namespace host {
 namespace {
@@ -18,9 +20,14 @@ bool isSet(const char* variable) {
 }
 
 // The toolkit would abort where it finds no display, and says more than people need where it carries on.
-void handleMessage(QtMsgType type, const QMessageLogContext&, const QString& message) {
+// The first warning is the cause: what comes after it only says that nothing works.
+void handleMessage(QtMsgType type, const QMessageLogContext& context, const QString& message) {
+  static std::string platformWarning;
+  const std::string line = printable(message.section('\n', 0, 0).toStdString());
+  const bool ofPlatform = context.category && std::string_view(context.category).starts_with("qt.qpa");
+  if (type == QtWarningMsg && ofPlatform && platformWarning.empty()) platformWarning = line;
   if (type == QtFatalMsg) {
-    const std::string reason = printable(message.section('\n', 0, 0).toStdString());
+    const std::string& reason = platformWarning.empty() ? line : platformWarning;
     std::fprintf(stderr, "vorto: the window cannot be opened: %s\n", reason.c_str());
     std::fflush(nullptr);
     _exit(static_cast<int>(ExitCode::Unexpected));

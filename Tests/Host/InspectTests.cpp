@@ -139,6 +139,7 @@ TEST(Inspect, TellsOfADisplayThatCannotBeReached) {
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
   EXPECT_TRUE(run.err.starts_with("vorto: the window cannot be opened")) << run.err;
+  EXPECT_NE(run.err.find(":9871"), std::string::npos) << run.err;
 }
 
 TEST(Inspect, AFullDiskLeavesTheOldScreenshot) {
