@@ -4,10 +4,6 @@
 #include "HistogramEditor/VRTHistogramEditor.h"
 
 void VRTStartEditors() {
-  static const bool started = [] {
-    VRTRegisterGradientEditor();
-    VRTRegisterHistogramEditor();
-    return true;
-  }();
-  static_cast<void>(started);
+  VRTRegisterGradientEditor();
+  VRTRegisterHistogramEditor();
 }

@@ -24,7 +24,8 @@ std::shared_ptr<Port> portWithValue(QCPatch& patch, const char* key, NSObjectRef
 TEST(ParameterViews, ComeWithTheStart) {
   QCPatch patch;
   const auto port = portWithValue<VRTHistogramPort>(patch, "levels", std::make_shared<VRTHistogram>());
-  EXPECT_EQ(port->setupParameterView(), nullptr);
+  VRTRegisterParameterViewFactory("VRTHistogramPort", nullptr);
+  EXPECT_EQ(View(port->setupParameterView()), nullptr);
   VRTStartEditors();
   VRTStartEditors();
   EXPECT_NE(View(port->setupParameterView()), nullptr);

@@ -93,16 +93,15 @@ TEST_F(HistogramEditor, ChoosingAChannelAnnouncesAndCountsNothing) {
 }
 
 TEST_F(HistogramEditor, TitlesInOtherLanguages) {
-  const auto titlesIn = [&](const char* language) {
-    setenv("LANGUAGE", language, 1);
-    setenv("LC_ALL", "C.UTF-8", 1);
+  const auto titlesIn = [&](const char* locale) {
+    setenv("LC_ALL", locale, 1);
     editor->setHistogramPort(scene.levels.get());
-    return popUp->itemText(1) + popUp->itemText(3) + ", " + gutterOut->accessibilityLabel();
+    return (popUp->itemText(1) + popUp->itemText(3) + ", " + gutterOut->accessibilityLabel()).toStdString();
   };
-  EXPECT_EQ(titlesIn("de"), "RotBlau, Ausgangswerte");
-  EXPECT_EQ(titlesIn("fr"), QString::fromUtf8("RougeBleu, Niveaux de sortie"));
-  EXPECT_EQ(titlesIn("en"), "RedBlue, Output levels");
-  unsetenv("LANGUAGE");
+  EXPECT_EQ(titlesIn("de_DE.UTF-8"), "RotBlau, Ausgangswerte");
+  EXPECT_EQ(titlesIn("fr_CA"), "RougeBleu, Niveaux de sortie");
+  EXPECT_EQ(titlesIn("en_GB.UTF-8"), "RedBlue, Output levels");
+  EXPECT_EQ(titlesIn("C"), "RedBlue, Output levels");
 }
 
 TEST_F(HistogramEditor, FollowsTheValueAndTheSize) {
