@@ -132,7 +132,8 @@ void registerDepth(const char* depth) {
     for (const Scene scene : kScenes) {
       const std::string row = std::string(depth) + " " + size.name + " " + kSceneNames[static_cast<int>(scene)];
       const auto add = [&](const char* column, void (*measure)(benchmark::State&, Scene, const Size&)) {
-        benchmark::RegisterBenchmark(benchmarkName("histogram", row, column).c_str(), measure, scene, size);
+        benchmark::RegisterBenchmark(benchmarkName("histogram", row, column).c_str(), measure, scene, size)
+            ->Unit(benchmark::kMicrosecond);
       };
       add("vorto", measureVorto<Channel>);
       add("plain loop", measureLoop<Channel>);
