@@ -87,7 +87,7 @@ const Overrun overruns[] = {
      [](auto* p, auto n) { convertDepth(elsewhere, DepthLayout::ARGB8, p, DepthLayout::RGBA16, n); }},
     {"writeForDepth", 9,
      [](auto* p, auto n) { convertDepth(p, DepthLayout::RGBAFloat, elsewhere, DepthLayout::RGBA8, n); }},
-    {"readYUV", 2, [](auto* p, auto n) { convertYUVtoARGB(elsewhere, p, (n + 1) / 2); }},
+    {"readYUV", 2, [](auto* p, auto n) { convertLaggingYUVtoARGB(elsewhere, 4, p, false, n); }},
     {"copiedFrom", 0, [](auto* p, auto n) { copyBytes(elsewhere, p, 4 * n, false); }},
     {"copiedTo", 0, [](auto* p, auto n) { copyBytes(p, elsewhere, 4 * n, false); }},
     {"streamedTo", 0, [](auto* p, auto n) { copyBytes(p, elsewhere, 4 * n, true); }},
