@@ -28,6 +28,7 @@ VRTGradientEditor::VRTGradientEditor(NSRect frame, QWidget* parent) : NSTarnView
 }
 
 VRTGradientEditor::~VRTGradientEditor() {
+  if (_pGradientPort) _pGradientPort->removeObserver(this, "value");
   for (VRTGradientGutter* gutter : {_gradientGutterRGB.data(), _gradientGutterAlpha.data()}) {
     if (gutter) gutter->setGradientEditor(nullptr);
   }
@@ -35,7 +36,6 @@ VRTGradientEditor::~VRTGradientEditor() {
     if (!part->parentWidget()) delete part;
   }
   delete _masterView;
-  if (_pGradientPort) _pGradientPort->removeObserver(this, "value");
 }
 
 void VRTGradientEditor::setDelegate(VRTGradientEditorDelegate* delegate) {
@@ -52,7 +52,9 @@ VRTGradientEditorDelegate* VRTGradientEditor::delegate() const {
 }
 
 void VRTGradientEditor::setGradientPort(VRTGradientPort* port) {
-  auto old = std::exchange(_pGradientPort, VRTGradientPortReference(port).lock());
+  auto retained = VRTGradientPortReference(port).lock();
+  if (retained != _pGradientPort && !endLostInteractions()) return;
+  auto old = std::exchange(_pGradientPort, std::move(retained));
   if (old) old->removeObserver(this, "value");
   if (_pGradientPort) _pGradientPort->addObserver(this, "value", 0, nullptr);
   if (_gradientView) _gradientView->setGradientPort(port);
@@ -68,6 +70,13 @@ void VRTGradientEditor::setGradientPort(VRTGradientPort* port) {
   }
   forgetForeignSelection();
   update();
+}
+
+bool VRTGradientEditor::endLostInteractions() {
+  const QPointer<VRTGradientEditor> self(this);
+  if (_gradientGutterRGB) _gradientGutterRGB->endLostInteraction();
+  if (self && _gradientGutterAlpha) _gradientGutterAlpha->endLostInteraction();
+  return self;
 }
 
 void VRTGradientEditor::observeValueForKeyPath(const std::string&, NSObject* object, const PropertyList&, void*) {

@@ -122,12 +122,7 @@ bool VRTGradientEditor::manageSubview(QWidget* view, bool on) {
 void VRTGradientEditor::update() {
   if (!_masterView) return;
   const QPointer<VRTGradientEditor> self(this);
-  if (!getGradientChannel()) {
-    // The gutters go. Whoever is told of the ends of their drags may change everything, and destroy the editor.
-    if (_gradientGutterRGB) _gradientGutterRGB->endLostInteraction();
-    if (self && _gradientGutterAlpha) _gradientGutterAlpha->endLostInteraction();
-    if (!self || !_masterView) return;
-  }
+  if (!getGradientChannel() && (!endLostInteractions() || !_masterView)) return;
   const bool hasGradient = getGradientChannel() != nullptr;
   const VRTGradientEditorLayout layout(bounds().size.width, hasGradient);
   const bool sizeChanged = !NSEqualSizes(_masterView->frame().size, layout.panel);

@@ -225,3 +225,25 @@ TEST(Editor, DropsOfColorsReachSamplesOnly) {
   QApplication::sendEvent(opacities.gutter, &enter);
   EXPECT_FALSE(enter.isAccepted()) << "opacities take no colors";
 }
+
+TEST(Editor, ManyChangesMakeOnePaint) {
+  struct Counter : QObject {
+    bool eventFilter(QObject*, QEvent* event) override {
+      paints += event->type() == QEvent::Paint;
+      return false;
+    }
+    int paints = 0;
+  } counter;
+  Panel panel;
+  panel.window->grab();
+  QCoreApplication::processEvents();
+  for (const char* name : {"gradientView", "gradientGutterRGB", "gradientGutterAlpha"}) {
+    panel.part(name)->installEventFilter(&counter);
+  }
+  for (int i = 0; i < 5; ++i) {
+    const VRTGradientPortChange change(panel.port);
+    panel.sample(1)->position += 0.01;
+  }
+  QTest::qWait(50);
+  EXPECT_EQ(counter.paints, 3);
+}

@@ -216,3 +216,15 @@ TEST_P(Lifetimes, AGutterMayBeRemovedFromItsEditor) {
   panel.editor->setGradientPort(nullptr);
   panel.window->grab();
 }
+
+TEST_P(Lifetimes, APortIsReplacedInADrag) {
+  panel.press({panel.xOf(0.25), 5});
+  panel.move({panel.xOf(0.25), 60});
+  const auto other = std::make_shared<VRTGradientPort>("inputGradient");
+  other->setValue(Panel::gradientAt({0.3, 0.7}));
+  panel.editor->setGradientPort(other.get());
+  panel.move({panel.xOf(0.5), 5});
+  panel.release();
+  EXPECT_EQ(panel.positions(), (std::vector<double>{0.3, 0.7}));
+  EXPECT_EQ(panel.log, "start change change end") << "all of it told by the first port";
+}
