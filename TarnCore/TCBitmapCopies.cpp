@@ -8,6 +8,8 @@
 #include "TarnCore/kernels/UnpremultiplyTruncated.h"
 #include "TarnCore/kernels/YUV422.h"
 
+#include <cstring>
+
 namespace {
 
 using namespace vorto::kernels;
@@ -60,7 +62,12 @@ void swizzle(VortoBitmap& destination, const VortoBitmap& source, const BytePatt
   const bool streamed = isStreamedTo(destination) && destination.data != source.data;
   vorto::forEachRowOf(source, destination, step, [&](std::uint8_t* to, const std::uint8_t* from, std::size_t count) {
     if (step == 4) return shuffleBytes(to, from, 4 * count, order, 4, streamed);
-    for (std::size_t i = 0; i < count; ++i) shuffleBytes(to + i * step, from + i * step, 4, order, 4, false);
+    for (std::size_t i = 0; i < count; ++i) {  // pixels of another size: their four bytes are alone, or overlap
+      const std::uint8_t* pixel = from + i * step;
+      const std::uint8_t ordered[] = {pixel[order.bytes[0]], pixel[order.bytes[1]], pixel[order.bytes[2]],
+                                      pixel[order.bytes[3]]};
+      std::memcpy(to + i * step, ordered, sizeof ordered);
+    }
   });
 }
 
@@ -94,7 +101,7 @@ void cropYUVRow(VortoBitmap& destination, std::uint64_t to, const VortoBitmap& s
     begin += 2;
     isOdd = false;
   }
-  if (step == 0 || missing >= destination.width) return;
+  if (step == 0 || !vorto::fillsRows(destination) || missing >= destination.width) return;
   if (vorto::bytesWithin(source, isOdd ? begin - 2 : begin, 4) < 3) return;  // its pair ends outside
   const std::uint64_t wanted = destination.width - missing;
   const std::size_t count = std::min(vorto::recordsWithin(destination, to + missing * step, wanted, step, 4),
@@ -125,6 +132,7 @@ void VortoBitmap::copyWithFlipAndSwizzleARGBtoRGBA(const VortoBitmap& source) {
   if (vorto::rowBytesOf(*this) != vorto::rowBytesOf(source)) {
     VortoUnreachable(kSource, __LINE__, "Cannot copyWithFlipAndSwizzle between bitdephs");
   }
+  if (!vorto::fillsRows(*this)) return;
   const bool streamed = isStreamedTo(*this);
   forEachMirroredRow(*this, source, [&](std::uint64_t to, std::uint64_t from) {
     const std::size_t count =

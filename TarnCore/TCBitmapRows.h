@@ -19,6 +19,12 @@ inline std::uint64_t boundedProduct(std::uint64_t a, std::uint64_t b) {
   return b != 0 && a > kBeyondMemory / b ? kBeyondMemory : a * b;
 }
 
+// Without channels, or with less than a byte for one, rows take no room: all would lie on top of one another, and the
+// work would grow with the square of the memory.
+inline bool fillsRows(const VortoBitmap& bitmap) {
+  return bitmap.channels > 0 && bitmap.bitsPerChannel >= 8;
+}
+
 inline std::uint64_t pixelBytesOf(const VortoBitmap& bitmap) {
   return std::min(std::uint64_t{bitmap.channels} * bitmap.bitsPerChannel / 8, kBeyondMemory);
 }
@@ -53,7 +59,7 @@ inline std::size_t recordsWithin(const VortoBitmap& bitmap, std::uint64_t offset
 template <class Operation>
 void forEachRow(VortoBitmap& bitmap, std::uint64_t step, Operation operation) {
   const std::uint64_t stride = rowBytesOf(bitmap);
-  if (step == 0 || stride == 0) return;
+  if (step == 0 || stride == 0 || !fillsRows(bitmap)) return;
   if (stride == bitmap.width * step) {
     const std::uint64_t pixels = std::uint64_t{bitmap.width} * bitmap.height;
     return operation(bitmap.data, recordsWithin(bitmap, 0, pixels, step, 4));
@@ -70,7 +76,7 @@ template <class Operation>
 void forEachRowOf(const VortoBitmap& source, VortoBitmap& destination, std::uint64_t step, Operation operation) {
   const std::uint64_t from = rowBytesOf(source);
   const std::uint64_t to = rowBytesOf(destination);
-  if (step == 0 || from == 0) return;
+  if (step == 0 || from == 0 || !fillsRows(source)) return;
   const bool inOnePiece = from == source.width * step && to == from;
   const std::uint64_t pixels = inOnePiece ? std::uint64_t{source.width} * source.height : source.width;
   const std::uint64_t rows = inOnePiece ? std::min(source.height, 1u) : source.height;
