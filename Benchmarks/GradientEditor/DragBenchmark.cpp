@@ -110,10 +110,12 @@ const bool registered = [] {
     for (const int stops : {8, 32}) {
       const std::string row = std::to_string(stops) + " stops, " + std::to_string(width) + " points";
       const std::string table = "Drag in the gradient editor, event to finished paint";
-      benchmark::RegisterBenchmark(benchmarkName(table, row, "vorto").c_str(),
-                                   [=](benchmark::State& state) { drag(state, stops, width); });
-      benchmark::RegisterBenchmark(benchmarkName(table, row, "evaluation alone").c_str(),
-                                   [=](benchmark::State& state) { evaluate(state, stops, width); });
+      benchmark::RegisterBenchmark(benchmarkName(table, row, "vorto").c_str(), [=](benchmark::State& state) {
+        drag(state, stops, width);
+      })->Unit(benchmark::kMicrosecond);
+      benchmark::RegisterBenchmark(benchmarkName(table, row, "evaluation alone").c_str(), [=](benchmark::State& state) {
+        evaluate(state, stops, width);
+      })->Unit(benchmark::kMicrosecond);
     }
   }
   return true;
