@@ -1,15 +1,15 @@
 #include "Controls/VRTLocalizedText.h"
 
 #include "Platform/CoreFoundation/CFBundle.h"
+#include "TarnCore/TCString.h"
 
 #include <vector>
 
 namespace {
 
-constexpr const char* kBundle = "org.vorto.framework";
-
 QString lookedUp(const char* key, const char* missing) {
-  const CFStringRef identifier = CFStringCreateWithCString(nullptr, kBundle, kCFStringEncodingUTF8);
+  const CFStringRef identifier =
+      CFStringCreateWithCString(nullptr, VRTFrameworkBundleIdentifier, kCFStringEncodingUTF8);
   const CFStringRef keyString = CFStringCreateWithCString(nullptr, key, kCFStringEncodingUTF8);
   const CFStringRef missingString = CFStringCreateWithCString(nullptr, missing, kCFStringEncodingUTF8);
   const CFStringRef text =
@@ -29,4 +29,8 @@ QString VRTLocalizedText(const char* english) {
 
 QString VRTLocalizedTitle(const char* key) {
   return lookedUp(key, "");
+}
+
+QString VRTTextOfString(const VortoString& text) {
+  return QString::fromUtf16(reinterpret_cast<const char16_t*>(text.u_str()), static_cast<qsizetype>(text.size()));
 }

@@ -31,7 +31,7 @@ class VRTObjectReference {
 };
 
 // One change of a port's value in place: willChangeValue now, didChangeValue when it ends. A null port is left alone.
-class VRTPortChange {
+class TARN_EXPORT VRTPortChange {
  public:
   explicit VRTPortChange(std::shared_ptr<QCPort> port) : port_(std::move(port)) {
     if (port_) port_->willChangeValue();

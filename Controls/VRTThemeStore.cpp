@@ -1,5 +1,7 @@
 #include "Controls/VRTThemeStore.h"
 
+#include "Controls/VRTLocalizedText.h"
+
 #include "Platform/CoreFoundation/CFBundle.h"
 
 #include <array>
@@ -38,7 +40,8 @@ constexpr std::array entries{
 };
 
 std::string folderInBundle() {
-  const CFStringRef identifier = CFStringCreateWithCString(nullptr, "org.vorto.framework", kCFStringEncodingUTF8);
+  const CFStringRef identifier =
+      CFStringCreateWithCString(nullptr, VRTFrameworkBundleIdentifier, kCFStringEncodingUTF8);
   const CFBundleRef bundle = CFBundleGetBundleWithIdentifier(identifier);
   CFRelease(identifier);
   return bundle ? CFBundleGetPath(bundle) + "/Contents/Resources/Theme" : "Theme";

@@ -1,10 +1,11 @@
 #include "GradientEditor/VRTGradientEditor.h"
 
 #include "Channels/VRTChannelGradient.h"
+#include "Controls/VRTLocalizedText.h"
 #include "Controls/VRTTransientColorPicker.h"
-#include "GradientEditor/VRTGradientEditorText.h"
 #include "GradientEditor/VRTGradientGutter.h"
 #include "GradientEditor/VRTGradientGutterGeometry.h"
+#include "GradientEditor/VRTGradientView.h"
 
 #include <algorithm>
 #include <utility>
@@ -52,7 +53,7 @@ VRTGradientEditorDelegate* VRTGradientEditor::delegate() const {
 }
 
 void VRTGradientEditor::setGradientPort(VRTGradientPort* port) {
-  auto retained = VRTGradientPortReference(port).lock();
+  auto retained = VRTObjectReference<VRTGradientPort>(port).lock();
   if (retained != _pGradientPort && !endLostInteractions()) return;
   auto old = std::exchange(_pGradientPort, std::move(retained));
   if (old) old->removeObserver(this, "value");
@@ -122,7 +123,7 @@ namespace {
 
 void changeFolder(const std::shared_ptr<VRTGradientPort>& port, VRTChannelGradientFolder& folder,
                   void (VRTChannelGradientFolder::*change)(double)) {
-  const VRTGradientPortChange announced(port);
+  const VRTPortChange announced(port);
   (folder.*change)(0.0);
 }
 
@@ -157,7 +158,7 @@ void VRTGradientEditor::updateSelectedSampleRGBFrom(VRTTransientColorPicker* pic
   const std::optional<NSColor> color = picker ? picker->color() : std::nullopt;
   auto* sample = dynamic_cast<VRTChannelGradientSampleRGB*>(getSelectedSample());
   if (!color || !sample) return;
-  const VRTGradientPortChange change(_pGradientPort);
+  const VRTPortChange change(_pGradientPort);
   sample->red = VRTSinglePrecision(color->redComponent());
   sample->green = VRTSinglePrecision(color->greenComponent());
   sample->blue = VRTSinglePrecision(color->blueComponent());
@@ -168,7 +169,7 @@ void VRTGradientEditor::updateSelectedSampleAlphaFrom(VRTTransientColorPicker* p
   const std::optional<NSColor> color = picker ? picker->color() : std::nullopt;
   auto* sample = dynamic_cast<VRTChannelGradientSampleAlpha*>(getSelectedSample());
   if (!color || !sample) return;
-  const VRTGradientPortChange change(_pGradientPort);
+  const VRTPortChange change(_pGradientPort);
   sample->alpha = VRTSinglePrecision(color->redComponent());
 }
 
@@ -182,5 +183,5 @@ QSize VRTGradientEditor::minimumSizeHint() const {
 }
 
 QString VRTGradientEditor::accessibilityLabel() const {
-  return VRTGradientEditorText("Gradient editor");
+  return VRTLocalizedText("Gradient editor");
 }

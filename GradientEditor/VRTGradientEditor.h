@@ -1,11 +1,12 @@
 #pragma once
 
 #include "Channels/VRTChannelRef.h"
+#include "Controls/VRTPortReference.h"
 #include "GradientEditor/VRTGradientEditorDelegate.h"
-#include "GradientEditor/VRTGradientPortReference.h"
 #include "Platform/Foundation/NSKeyValueObserving.h"
 #include "Platform/TarnKit/NSTarnButton.h"
 #include "Platform/TarnKit/NSTarnView.h"
+#include "Ports/VRTPorts.h"
 
 #include <QPointer>
 #include <memory>

@@ -1,8 +1,8 @@
+#include "Controls/VRTLocalizedText.h"
 #include "Controls/VRTTheme.h"
 #include "Controls/VRTThemeStore.h"
 #include "GradientEditor/VRTGradientEditor.h"
 #include "GradientEditor/VRTGradientEditorLayout.h"
-#include "GradientEditor/VRTGradientEditorText.h"
 #include "GradientEditor/VRTGradientGutterAlpha.h"
 #include "GradientEditor/VRTGradientGutterRGB.h"
 #include "Platform/TarnKit/TarnInterfaceFile.h"
@@ -33,7 +33,7 @@ void giveImage(NSTarnButton* button, int index) {
 
 void giveName(NSTarnButton* button, const char* english) {
   if (!button) return;
-  button->setAccessibleName(VRTGradientEditorText(english));
+  button->setAccessibleName(VRTLocalizedText(english));
   button->setToolTip(button->accessibleName());
 }
 

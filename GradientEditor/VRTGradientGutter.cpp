@@ -125,7 +125,7 @@ void VRTGradientGutter::finishInteraction(const NSEvent* release) {
   interacting_ = picking_ = false;
   heldKeys_.clear();
   {
-    const VRTGradientPortChange change(port);
+    const VRTPortChange change(port);
     if (_pDeleted) {
       if (release) {
         NSShowAnimationEffect(NSAnimationEffectDisappearingItemDefault, release->globalPosition(), NSSize{});

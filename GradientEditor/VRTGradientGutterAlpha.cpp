@@ -1,8 +1,8 @@
 #include "GradientEditor/VRTGradientGutterAlpha.h"
 
 #include "Channels/VRTChannelGradient.h"
+#include "Controls/VRTLocalizedText.h"
 #include "GradientEditor/VRTGradientEditor.h"
-#include "GradientEditor/VRTGradientEditorText.h"
 
 VRTChannelGradientFolder* VRTGradientGutterAlpha::getFolder() const {
   VRTChannelGradient* channel = getGradientChannel();
@@ -41,9 +41,9 @@ void VRTGradientGutterAlpha::drawRect(NSRect) {
 }
 
 QString VRTGradientGutterAlpha::accessibilityLabel() const {
-  return VRTGradientEditorText("Opacity stops");
+  return VRTLocalizedText("Opacity stops");
 }
 
 QString VRTGradientGutterAlpha::sampleKind() const {
-  return VRTGradientEditorText("Opacity stop");
+  return VRTLocalizedText("Opacity stop");
 }

@@ -1,7 +1,7 @@
 #include "Channels/VRTChannelGradient.h"
+#include "Controls/VRTLocalizedText.h"
 #include "Controls/VRTTheme.h"
 #include "Controls/VRTThemeStore.h"
-#include "GradientEditor/VRTGradientEditorText.h"
 #include "GradientEditor/VRTGradientGutter.h"
 #include "TarnCore/TCString.h"
 
@@ -21,7 +21,7 @@ void VRTGradientGutter::updateToolTips() {
 }
 
 QString VRTGradientGutter::stripHelp() const {
-  return VRTGradientEditorText(
+  return VRTLocalizedText(
       "Click to add a stop, drag stops and middle points to move them.\n"
       "Alt-drag a stop to copy it, drag it off to remove it.\n"
       "Right-click or Control-click a stop to choose its value.");
@@ -52,7 +52,7 @@ std::vector<NSAccessibilityElement> VRTGradientGutter::accessibilityElements() c
   VRTGradientGutterMap samples;
   getSamples(samples);
   const VRTGradientSelection selected = selection();
-  const QString name = VRTGradientEditorText("%1 %2 of %3").arg(sampleKind());
+  const QString name = VRTLocalizedText("%1 %2 of %3").arg(sampleKind());
   std::vector<NSAccessibilityElement> elements;
   for (const auto& [position, record] : samples) {
     NSAccessibilityElement element;
@@ -91,5 +91,5 @@ void VRTGradientGutter::announceAccessibility() {
 }
 
 QString VRTGradientGutter::sampleKind() const {
-  return VRTGradientEditorText("Stop");
+  return VRTLocalizedText("Stop");
 }

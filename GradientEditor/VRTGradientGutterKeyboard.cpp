@@ -96,7 +96,7 @@ void VRTGradientGutter::changeByKey(const std::function<void(VRTChannelGradientS
   VRTChannelGradientSample* sample = folderIsRemembered() ? selectedSampleOfFolder() : nullptr;
   if (!sample) return;
   if (_needsToBeKeyframed) _keyframed = true;
-  const VRTGradientPortChange announced(gradientPort());
+  const VRTPortChange announced(gradientPort());
   change(*sample);
 }
 
@@ -135,7 +135,7 @@ void VRTGradientGutter::deleteByKey() {
   VRTChannelGradientSample* sample = folderIsRemembered() ? selectedSampleOfFolder() : nullptr;
   interacting_ = false;
   if (sample) {
-    const VRTGradientPortChange change(port);
+    const VRTPortChange change(port);
     VRTChannelGradientFolder* folder = getFolder();
     folder->removeDescendant(sample);
     delete sample;

@@ -83,7 +83,7 @@ void VRTGradientGutter::mouseDragged(const NSEvent& event) {
   // In single precision like the starting location: back on its pixel the distance is 0 at every pixel ratio.
   const NSPoint point = singlePrecision(convertPointFromWindow(event.locationInWindow()));
   const double travel = geometry().positionsOfDistance(point.x - _startingLocation.x);
-  const VRTGradientPortChange change(gradientPort());
+  const VRTPortChange change(gradientPort());
   if (_moving == MovingSample) {
     dragSample(point, travel);
   } else {

@@ -67,7 +67,7 @@ void VRTGradientGutter::putColorBack(const VRTChannelRef& picked, const VRTChann
   const VRTGradientEditor* owner = editor();
   if (!sample || sample != picked.getChannel() || !owner || owner->delegate()) return;
   if (!restoreColor(*sample, before)) return;
-  const VRTGradientPortChange change(gradientPort());
+  const VRTPortChange change(gradientPort());
 }
 
 void VRTGradientGutter::pickerDidEnd() {

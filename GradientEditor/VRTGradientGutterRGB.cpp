@@ -1,8 +1,8 @@
 #include "GradientEditor/VRTGradientGutterRGB.h"
 
 #include "Channels/VRTChannelGradient.h"
+#include "Controls/VRTLocalizedText.h"
 #include "GradientEditor/VRTGradientEditor.h"
-#include "GradientEditor/VRTGradientEditorText.h"
 
 namespace {
 
@@ -81,9 +81,9 @@ bool VRTGradientGutterRGB::performDragOperation(const NSDraggingInfo& info) {
 }
 
 QString VRTGradientGutterRGB::accessibilityLabel() const {
-  return VRTGradientEditorText("Color stops");
+  return VRTLocalizedText("Color stops");
 }
 
 QString VRTGradientGutterRGB::sampleKind() const {
-  return VRTGradientEditorText("Color stop");
+  return VRTLocalizedText("Color stop");
 }

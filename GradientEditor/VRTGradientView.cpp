@@ -1,14 +1,15 @@
 #include "GradientEditor/VRTGradientView.h"
 
 #include "Channels/VRTChannelGradient.h"
+#include "Controls/VRTLocalizedText.h"
 #include "Controls/VRTTheme.h"
 #include "Controls/VRTThemeStore.h"
-#include "GradientEditor/VRTGradientEditorText.h"
 #include "Platform/CoreFoundation/CFBundle.h"
 #include "Platform/TarnKit/NSBitmapImageRep.h"
 #include "Platform/TarnKit/NSGraphicsContext.h"
 #include "Platform/TarnKit/NSImage.h"
 #include "Platform/TarnKit/NSTarnColor.h"
+#include "Ports/VRTObjects.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -37,13 +38,19 @@ constexpr std::uint32_t roundedUpTo16(std::uint32_t bytes) {
 
 }  // namespace
 
+VRTChannelGradient* VRTGradientChannelOfPort(const VRTGradientPort* port) {
+  if (!port) return nullptr;
+  const auto value = std::dynamic_pointer_cast<VRTGradient>(port->rawValue());
+  return value ? value->kxChannelGradient() : nullptr;
+}
+
 VRTGradientView::VRTGradientView(NSRect frame, QWidget* parent)
     : NSTarnView(frame, parent), _pCheckerColor(checkerColor()) {}
 
 VRTGradientView::~VRTGradientView() = default;
 
 void VRTGradientView::setGradientPort(VRTGradientPort* port) {
-  _pGradientPort = VRTGradientPortReference(port);
+  _pGradientPort = VRTObjectReference<VRTGradientPort>(port);
 }
 
 VRTChannelGradient* VRTGradientView::getGradientChannel() const {
@@ -121,5 +128,5 @@ void VRTGradientView::fillBitmap() {
 
 QString VRTGradientView::accessibilityLabel() const {
   const QString given = NSTarnView::accessibilityLabel();
-  return given.isEmpty() ? VRTGradientEditorText("Gradient") : given;
+  return given.isEmpty() ? VRTLocalizedText("Gradient") : given;
 }

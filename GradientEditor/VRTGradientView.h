@@ -1,14 +1,19 @@
 #pragma once
 
-#include "GradientEditor/VRTGradientPortReference.h"
+#include "Controls/VRTPortReference.h"
 #include "GradientEditor/VRTGradientStripPixels.h"
 #include "Platform/TarnKit/NSColor.h"
 #include "Platform/TarnKit/NSTarnView.h"
+#include "Ports/VRTPorts.h"
 
 #include <memory>
 
 class NSBitmapImageRep;
 class NSImage;
+class VRTChannelGradient;
+
+// The gradient of the port's current value; null for a null or empty port.
+TARN_EXPORT VRTChannelGradient* VRTGradientChannelOfPort(const VRTGradientPort* port);
 
 // Paints the gradient of a port as a horizontal strip in a recessed frame: the large preview of the gradient editor,
 // and the base of its gutters.
@@ -44,7 +49,7 @@ class TARN_EXPORT VRTGradientView : public NSTarnView {
  private:
   void fillBitmap();
 
-  VRTGradientPortReference _pGradientPort;
+  VRTObjectReference<VRTGradientPort> _pGradientPort;
   std::shared_ptr<NSImage> _pGradientImage;
   std::shared_ptr<NSBitmapImageRep> _pGradientRep;
   NSColor _pCheckerColor;

@@ -64,7 +64,7 @@ void VRTHistogramEditor::loadInterfaceFile() {
                  [this](QWidget* sender) { setChannelValue(dynamic_cast<NSPopUpButton*>(sender)); });
 
   std::string reason;
-  std::unique_ptr<QWidget> root = file.load("org.vorto.framework", "TarnHistogramEditor", reason);
+  std::unique_ptr<QWidget> root = file.load(VRTFrameworkBundleIdentifier, "TarnHistogramEditor", reason);
   if (!root || root.get() != master) {
     std::fprintf(stderr, "Unable to load nib TarnHistogramEditor: %s\n",
                  root ? "its root is no view named masterView" : reason.c_str());

@@ -241,7 +241,7 @@ TEST(Editor, ManyChangesMakeOnePaint) {
     panel.part(name)->installEventFilter(&counter);
   }
   for (int i = 0; i < 5; ++i) {
-    const VRTGradientPortChange change(panel.port);
+    const VRTPortChange change(panel.port);
     panel.sample(1)->position += 0.01;
   }
   QTest::qWait(50);

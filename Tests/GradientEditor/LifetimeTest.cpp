@@ -155,7 +155,7 @@ TEST_P(Lifetimes, SelectedSamplesThatLeaveTheGradientAreForgotten) {
   panel.clickSample(1);
   VRTChannelGradientSample* sample = panel.sample(1);
   {
-    const VRTGradientPortChange change(panel.port);
+    const VRTPortChange change(panel.port);
     panel.folder().removeDescendant(sample);
   }
   EXPECT_EQ(panel.editor->getSelectedSample(), nullptr);
