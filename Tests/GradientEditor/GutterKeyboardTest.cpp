@@ -1,4 +1,5 @@
 #include "Tests/GradientEditor/Panel.h"
+#include "Tests/Support/EnglishTexts.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -172,6 +173,7 @@ TEST_P(GutterKeyboard, KeysMoveNoSampleOfTheOtherGutter) {
 }
 
 TEST_P(GutterKeyboard, StopsAreSlidersToAssistiveTechnology) {
+  readEnglishTexts();
   select(1);
   const auto elements = panel.gutter->accessibilityElements();
   ASSERT_EQ(elements.size(), 4u);

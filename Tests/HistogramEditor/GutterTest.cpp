@@ -1,6 +1,7 @@
 #include "Channels/VRTChannelHistogram.h"
 #include "HistogramEditor/VRTHistogramGutter.h"
 #include "Tests/HistogramEditor/LevelsScene.h"
+#include "Tests/Support/EnglishTexts.h"
 
 #include <gtest/gtest.h>
 
@@ -233,6 +234,7 @@ TEST_F(HistogramGutterIn, KeysMoveTheHandleThatHasTheKeyboard) {
 }
 
 TEST_F(HistogramGutterIn, AssistiveTechnologySeesSliders) {
+  readEnglishTexts();
   const auto elements = gutter->accessibilityElements();
   ASSERT_EQ(elements.size(), 3u);
   EXPECT_EQ(elements[0].name, "Input black");
