@@ -7,8 +7,6 @@
 #include "GradientEditor/VRTGradientGutterRGB.h"
 #include "Platform/TarnKit/TarnInterfaceFile.h"
 
-#include <cstdio>
-
 // The panel of the gradient editor: its parts, from the interface file, and their layout.
 
 namespace {
@@ -41,12 +39,10 @@ void giveName(NSTarnButton* button, const char* english) {
 
 void VRTGradientEditor::loadInterfaceFile() {
   registerClasses();
-  NSTarnView* master = nullptr;
   VRTGradientView* preview = nullptr;
   VRTGradientGutter *gutterRGB = nullptr, *gutterAlpha = nullptr;
   NSTarnButton *spreadRGB = nullptr, *flopRGB = nullptr, *spreadAlpha = nullptr, *flopAlpha = nullptr;
   TarnInterfaceFile file;
-  file.addOutlet("masterView", master);
   file.addOutlet("gradientView", preview);
   file.addOutlet("gradientGutterRGB", gutterRGB);
   file.addOutlet("gradientGutterAlpha", gutterAlpha);
@@ -59,14 +55,9 @@ void VRTGradientEditor::loadInterfaceFile() {
   file.addAction("alphaSpread:", [this](QWidget* sender) { alphaSpread(sender); });
   file.addAction("alphaFlop:", [this](QWidget* sender) { alphaFlop(sender); });
 
-  std::string reason;
-  std::unique_ptr<QWidget> root = file.load(VRTFrameworkBundleIdentifier, "TarnGradientEditor", reason);
-  if (!root || root.get() != master) {
-    std::fprintf(stderr, "Unable to load nib TarnGradientEditor: %s\n",
-                 root ? "its root is no view named masterView" : reason.c_str());
-    return;
-  }
-  _masterView = master;
+  std::unique_ptr<NSTarnView> master = file.loadMasterView(VRTFrameworkBundleIdentifier, "TarnGradientEditor");
+  if (!master) return;
+  _masterView = master.release();
   _gradientView = preview;
   _gradientGutterRGB = gutterRGB;
   _gradientGutterAlpha = gutterAlpha;
@@ -74,7 +65,6 @@ void VRTGradientEditor::loadInterfaceFile() {
   _rgbFlop = flopRGB;
   _alphaSpread = spreadAlpha;
   _alphaFlop = flopAlpha;
-  root.release();
   awakeFromNib();
 }
 

@@ -9,6 +9,7 @@
 #include "Platform/TarnKit/NSGraphicsContext.h"
 #include "Platform/TarnKit/NSImage.h"
 #include "Platform/TarnKit/NSTarnColor.h"
+#include "Platform/TarnKit/TarnReport.h"
 #include "Ports/VRTObjects.h"
 
 #include <algorithm>
@@ -23,7 +24,9 @@ constexpr double kFrameWidth = 2;
 NSColor checkerColor() {
   const CFBundleRef bundle = CFBundleGetBundleWithIdentifier(CFSTR(VRTFrameworkBundleIdentifier));
   const std::string path = CFBundleCopyResourcePath(bundle, "KXThumbCheckerboard", "png");
-  return NSColor::colorWithPatternImage(path.empty() ? nullptr : NSImage::initWithContentsOfFile(path));
+  const auto picture = path.empty() ? nullptr : NSImage::initWithContentsOfFile(path);
+  if (!picture) TarnReportOnce("Cannot read the picture KXThumbCheckerboard.png in the framework's bundle");
+  return NSColor::colorWithPatternImage(picture);
 }
 
 // Whole pixels of a length in points; negative lengths and NaN have none.

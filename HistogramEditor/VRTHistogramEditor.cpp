@@ -8,7 +8,6 @@
 #include "HistogramEditor/VRTHistogramView.h"
 #include "Platform/TarnKit/TarnInterfaceFile.h"
 
-#include <cstdio>
 #include <utility>
 
 namespace {
@@ -47,14 +46,12 @@ VRTHistogramEditor::~VRTHistogramEditor() {
 
 void VRTHistogramEditor::loadInterfaceFile() {
   registerClasses();
-  NSTarnView* master = nullptr;
   NSPopUpButton* popUp = nullptr;
   VRTHistogramView* histogram = nullptr;
   VRTHistogramGradientView* gradient = nullptr;
   VRTHistogramGutterIn* gutterIn = nullptr;
   VRTHistogramGutterOut* gutterOut = nullptr;
   TarnInterfaceFile file;
-  file.addOutlet("masterView", master);
   file.addOutlet("popUp", popUp);
   file.addOutlet("histogramView", histogram);
   file.addOutlet("gradientView", gradient);
@@ -63,20 +60,14 @@ void VRTHistogramEditor::loadInterfaceFile() {
   file.addAction("setChannelValue:",
                  [this](QWidget* sender) { setChannelValue(dynamic_cast<NSPopUpButton*>(sender)); });
 
-  std::string reason;
-  std::unique_ptr<QWidget> root = file.load(VRTFrameworkBundleIdentifier, "TarnHistogramEditor", reason);
-  if (!root || root.get() != master) {
-    std::fprintf(stderr, "Unable to load nib TarnHistogramEditor: %s\n",
-                 root ? "its root is no view named masterView" : reason.c_str());
-    return;
-  }
-  _masterView = master;
+  std::unique_ptr<NSTarnView> master = file.loadMasterView(VRTFrameworkBundleIdentifier, "TarnHistogramEditor");
+  if (!master) return;
+  _masterView = master.release();
   _popUp = popUp;
   _histogramView = histogram;
   _gradientView = gradient;
   _gutterIn = gutterIn;
   _gutterOut = gutterOut;
-  root.release();
   awakeFromNib();
 }
 

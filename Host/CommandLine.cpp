@@ -10,7 +10,9 @@
 #include "Host/Utf8.h"
 
 #include <CLI/CLI.hpp>
+#include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <new>
 
@@ -71,6 +73,11 @@ Examples:
   vorto inspect Levels --input photo.png --state levels=grade.plist
   vorto inspect "Gradient Map" --input in.%04d.exr
   vorto inspect --state gradient=sunset.plist --screenshot gradient.png --scale 2 --appearance dark)";
+
+// Ranges let it pass: it compares with nothing.
+std::string refuseNaN(const std::string& text) {
+  return std::isnan(std::strtod(text.c_str(), nullptr)) ? "Value " + text + " is no number" : "";
+}
 
 void addEffects(CLI::App& app, EffectsOptions& options) {
   CLI::App* command = app.add_subcommand("effects", "List the effects by kind, with their ports, ranges and defaults");
@@ -174,6 +181,7 @@ void addInspect(CLI::App& app, InspectOptions& options) {
       ->type_name("LOOK");
   command->add_option("--scale", options.scale, "Device pixels per point, 0.5 to 4; default: as the desktop")
       ->check(CLI::Range(0.5, 4.0))
+      ->check(refuseNaN)
       ->type_name("N");
 }
 

@@ -10,6 +10,7 @@
 #include <QComboBox>
 #include <QFile>
 #include <QUiLoader>
+#include <cstdio>
 
 namespace {
 
@@ -81,6 +82,19 @@ std::unique_ptr<QWidget> TarnInterfaceFile::load(const std::string& bundleIdenti
     return nullptr;
   }
   return loadFile(path, reason);
+}
+
+std::unique_ptr<NSTarnView> TarnInterfaceFile::loadMasterView(const std::string& bundleIdentifier,
+                                                              const std::string& name) const {
+  std::string reason = "its root is no view named masterView";
+  std::unique_ptr<QWidget> root = load(bundleIdentifier, name, reason);
+  auto* master = dynamic_cast<NSTarnView*>(root.get());
+  if (!master || master->objectName() != QLatin1String("masterView")) {
+    std::fprintf(stderr, "Unable to load nib %s: %s\n", name.c_str(), reason.c_str());
+    return nullptr;
+  }
+  root.release();
+  return std::unique_ptr<NSTarnView>(master);
 }
 
 std::unique_ptr<QWidget> TarnInterfaceFile::loadFile(const std::string& path, std::string& reason) const {

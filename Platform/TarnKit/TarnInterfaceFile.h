@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Foundation/NSGeometry.h"
+#include "Platform/TarnKit/NSTarnView.h"
 #include "Platform/Visibility.h"
 
 #include <QWidget>
@@ -47,7 +48,10 @@ class TARN_EXPORT TarnInterfaceFile {
   // nobody answers, and classes that nobody knows are reported by name on standard error; the rest works.
   std::unique_ptr<QWidget> load(const std::string& bundleIdentifier, const std::string& name,
                                 std::string& reason) const;
-  // The same from a path.
+  // The form of a panel: its root, a view named "masterView". Null when there is none, which is logged as "Unable to
+  // load nib" with the name and the reason.
+  std::unique_ptr<NSTarnView> loadMasterView(const std::string& bundleIdentifier, const std::string& name) const;
+  // The form at a path.
   std::unique_ptr<QWidget> loadFile(const std::string& path, std::string& reason) const;
 
  private:

@@ -205,6 +205,7 @@ const BadInput badInputs[] = {
     {"InspectToFolder", Output, inspect({"Checkerboard"}, "@/folder.png"), {"it is a folder"}},
     {"InspectToBmp", Usage, inspect({"Checkerboard"}, "@/out.bmp"), {"out.bmp"}},
     {"InspectBadScale", Usage, inspect({"Checkerboard", "--scale", "0"}), {"--scale"}},
+    {"InspectScaleOfNaN", Usage, inspect({"Checkerboard", "--scale", "nan"}), {"--scale", "nan"}},
     {"InspectBadAppearance", Usage, inspect({"Checkerboard", "--appearance", "pink"}), {"pink"}},
     {"InspectWithoutDisplay", Usage, {"inspect", "Checkerboard"}, {"no display", "--screenshot"}},
 };
