@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSD-3-Clause
 # The front door. Each target installs what it needs, builds, and runs; see README.md.
 .PHONY: all demo test bench asan fuzz install package format tidy clean
 PREFIX ?= /usr/local
@@ -12,12 +13,13 @@ demo: all
 
 test: all
 	@scripts/check-format
+	@cmake --build --preset release --target tests
 	@ctest --preset release
 
 asan:
 	@scripts/install-dependencies
 	@cmake --preset asan --log-level=WARNING
-	@cmake --build --preset asan
+	@cmake --build --preset asan --target all tests
 	@ctest --preset asan
 
 bench:

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Benchmarks/Channels/InexactLinear.h"
 
 #include <algorithm>

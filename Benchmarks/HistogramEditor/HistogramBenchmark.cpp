@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Benchmarks/BenchmarkTable.h"
 #include "TarnCore/TCHistogram.h"
 #include "TarnCore/kernels/Histogram.h"

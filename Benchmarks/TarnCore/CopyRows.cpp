@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Benchmarks/TarnCore/FrameBench.h"
 
 // The operations that fill a bitmap from another one of its size, or from a part of it.

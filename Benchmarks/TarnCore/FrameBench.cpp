@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Benchmarks/TarnCore/FrameBench.h"
 
 #include "Benchmarks/BenchmarkTable.h"

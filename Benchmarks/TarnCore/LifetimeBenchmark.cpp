@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Benchmarks/BenchmarkTable.h"
 #include "Platform/Mach/mach.h"
 #include "TarnCore/TCBitmap.h"

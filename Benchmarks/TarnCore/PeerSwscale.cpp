@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Benchmarks/TarnCore/FrameBench.h"
 
 #if VORTO_HAVE_SWSCALE

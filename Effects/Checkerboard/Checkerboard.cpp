@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Effects/Support/Arithmetic.h"
 #include "Effects/Support/GeneratorPatch.h"
 #include "Effects/Support/PixelLayout.h"

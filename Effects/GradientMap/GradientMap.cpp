@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Effects/GradientMap/GradientMapKernel.h"
 #include "Effects/Support/EffectPatch.h"
 #include "Effects/Support/PixelLayout.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Effects/GradientRamp/GradientRampKernel.h"
 #include "Effects/Support/GeneratorPatch.h"
 #include "Effects/Support/PixelLayout.h"

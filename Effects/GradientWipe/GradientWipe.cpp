@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Effects/GradientWipe/WipeWeights.h"
 #include "Effects/Support/MixRow.h"
 #include "Effects/Support/PixelLayout.h"

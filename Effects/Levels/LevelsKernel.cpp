@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Effects/Levels/LevelsKernel.h"
 
 #include "Effects/Support/Arithmetic.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Effects/Levels/LevelsStage.h"
 
 #include "Effects/Support/Arithmetic.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Effects/Multiply/MultiplyKernel.h"
 
 #include "Effects/Support/Arithmetic.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Effects/Over/OverKernel.h"
 #include "Effects/Support/BlendModePatch.h"
 #include "Effects/Support/PixelLayout.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Effects/Support/Bitmaps.h"
 
 #include "Effects/Support/PixelLayout.h"

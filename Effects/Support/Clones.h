@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 // Marks a plain loop over a row that the compiler is to translate twice, for any processor and for wide vectors; the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Effects/Support/EffectPatch.h"
 
 #include "Ports/VRTImage.h"

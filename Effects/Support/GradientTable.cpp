@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Effects/Support/GradientTable.h"
 
 #include "Ports/VRTObjects.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Host/ImageFiles/Drawing.h"
 
 #include <OpenImageIO/imagebuf.h>

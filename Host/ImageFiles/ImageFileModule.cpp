@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Host/ImageFiles/ImageFileModule.h"
 
 #include "Host/ImageFiles/Drawing.h"

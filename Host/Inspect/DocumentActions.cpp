@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Inspect/DocumentActions.h"
 
 #include "Host/Inspect/MessageBar.h"
-#include "Host/PortKinds.h"
+#include "Host/Rendering/PortKinds.h"
 
 #include <QAction>
 #include <QCoreApplication>

@@ -1,11 +1,12 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Inspect/EffectSession.h"
 
-#include "Host/Failure.h"
-#include "Host/ImageFileLoader.h"
-#include "Host/OptionValues.h"
-#include "Host/Parameters.h"
-#include "Host/PortKinds.h"
-#include "Host/Utf8.h"
+#include "Host/Commands/OptionValues.h"
+#include "Host/Files/ImageFileLoader.h"
+#include "Host/Messages/Failure.h"
+#include "Host/Messages/Utf8.h"
+#include "Host/Rendering/Parameters.h"
+#include "Host/Rendering/PortKinds.h"
 #include "Platform/QuartzComposer/QCPatch.h"
 
 #include <algorithm>

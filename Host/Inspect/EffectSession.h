@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include "Host/EffectRendering.h"
-#include "Host/Inputs.h"
+#include "Host/Commands/InspectOptions.h"
 #include "Host/Inspect/ParameterDocument.h"
 #include "Host/Inspect/Timeline.h"
-#include "Host/InspectOptions.h"
+#include "Host/Rendering/EffectRendering.h"
+#include "Host/Rendering/Inputs.h"
 
 #include <memory>
 #include <optional>

@@ -1,16 +1,17 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Inspect/Inspector.h"
 
 #include "Editors/VRTEditors.h"
-#include "Host/Failure.h"
-#include "Host/FileFormat.h"
+#include "Host/Commands/OptionValues.h"
+#include "Host/Files/FileFormat.h"
+#include "Host/Files/OutputFile.h"
 #include "Host/Inspect/Appearance.h"
 #include "Host/Inspect/EffectSession.h"
 #include "Host/Inspect/EffectWindow.h"
 #include "Host/Inspect/Screenshot.h"
 #include "Host/Inspect/StateWindow.h"
 #include "Host/Inspect/WindowSystem.h"
-#include "Host/OptionValues.h"
-#include "Host/OutputFile.h"
+#include "Host/Messages/Failure.h"
 
 #include <QApplication>
 

@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include "Host/InspectOptions.h"
+#include "Host/Commands/InspectOptions.h"
 
 namespace host {
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Inspect/InspectorColumn.h"
 
 #include "Host/Inspect/Appearance.h"
@@ -5,7 +6,7 @@
 #include "Host/Inspect/EditorSlot.h"
 #include "Host/Inspect/ParameterSection.h"
 #include "Host/Inspect/ValueEditors.h"
-#include "Host/PortKinds.h"
+#include "Host/Rendering/PortKinds.h"
 
 #include <QHBoxLayout>
 #include <QLabel>

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "Host/Inspect/PortWatch.h"
-#include "Host/PortKinds.h"
+#include "Host/Rendering/PortKinds.h"
 
 #include <QWidget>
 

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Inspect/ParameterDocument.h"
 
-#include "Host/Failure.h"
-#include "Host/OutputFile.h"
-#include "Host/PortKinds.h"
+#include "Host/Files/OutputFile.h"
+#include "Host/Messages/Failure.h"
+#include "Host/Rendering/PortKinds.h"
 #include "Platform/Foundation/NSCoder.h"
 #include "Platform/QuartzComposer/QCPatch.h"
 #include "Ports/VRTPorts.h"

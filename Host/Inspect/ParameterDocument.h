@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
 #include "Host/Inspect/UndoHistory.h"
-#include "Host/StateFile.h"
+#include "Host/States/StateFile.h"
 
 #include <memory>
 #include <string>

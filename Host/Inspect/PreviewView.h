@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include "Host/Bitmaps.h"
+#include "Host/Pixels/Bitmaps.h"
 
 #include <QImage>
 #include <QWidget>

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Inspect/Screenshot.h"
 
-#include "Host/Failure.h"
-#include "Host/ImageFileLoader.h"
+#include "Host/Files/ImageFileLoader.h"
+#include "Host/Messages/Failure.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Inspect/Timeline.h"
 
-#include "Host/OptionValues.h"
+#include "Host/Commands/OptionValues.h"
 
 #include <algorithm>
 #include <cmath>

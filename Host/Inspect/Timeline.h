@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include "Host/Effects.h"
-#include "Host/FrameFiles.h"
+#include "Host/Files/FrameFiles.h"
+#include "Host/Rendering/Effects.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Inspect/UndoHistory.h"
 
 #include "Platform/QuartzComposer/QCPort.h"

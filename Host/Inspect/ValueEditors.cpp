@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Inspect/ValueEditors.h"
 
 #include "Host/Inspect/ColorEditor.h"
 #include "Host/Inspect/NumberEditor.h"
 #include "Host/Inspect/WheelGuard.h"
-#include "Host/PortKinds.h"
+#include "Host/Rendering/PortKinds.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Inspect/WindowSystem.h"
 
-#include "Host/Failure.h"
-#include "Host/Utf8.h"
+#include "Host/Messages/Failure.h"
+#include "Host/Messages/Utf8.h"
 
 #include <unistd.h>
 #include <QString>

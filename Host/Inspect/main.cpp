@@ -1,4 +1,5 @@
-#include "Host/CommandLine.h"
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Host/Commands/CommandLine.h"
 #include "Host/Inspect/Inspector.h"
 
 #include <cstdlib>

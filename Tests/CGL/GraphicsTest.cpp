@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/CGL/CGL.h"
 #include "Platform/CGL/GLEnumerants.h"
 #include "Platform/CGL/GraphicsCards.h"

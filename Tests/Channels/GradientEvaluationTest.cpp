@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Channels/VRTChannelGradient.h"
 #include "TarnCore/TCColor.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Channels/kernels/GradientTable.h"
 
 #include "TarnCore/kernels/Dispatch.h"

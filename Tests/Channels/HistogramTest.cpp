@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Channels/VRTChannelHistogram.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Controls/VRTColorSwatch.h"
 #include "Controls/VRTTransientColorPanel.h"
 #include "Controls/VRTTransientColorPicker.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Controls/VRTRolloverButton.h"
 #include "Controls/VRTTheme.h"
 #include "Controls/VRTThemeStore.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/CoreFoundation/CFBundle.h"
 
 #include "Platform/CoreFoundation/CFBundleRegistry.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/CoreFoundation/CFLocale.h"
 #include "Tests/CoreFoundation/CFTestText.h"
 #include "Tests/Support/ChildProcess.h"

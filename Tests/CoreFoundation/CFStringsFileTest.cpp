@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/CoreFoundation/CFStringsFile.h"
 
 #include "Tests/Support/ChildProcess.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Editors/VRTEditors.h"
 #include "GradientEditor/VRTGradientEditor.h"
 #include "HistogramEditor/VRTHistogramEditor.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Tests/Effects/Harness.h"
 
 #include "Platform/QuartzComposer/QCPatch.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/QuartzComposer/QCPatch.h"
 #include "Ports/VRTPorts.h"
 #include "Registry/VRTProtocols.h"

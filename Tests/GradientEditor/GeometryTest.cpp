@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Channels/VRTChannelGradientSample.h"
 #include "GradientEditor/VRTGradientEditorLayout.h"
 #include "GradientEditor/VRTGradientGutterMap.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Tests/GradientEditor/Panel.h"
 
 // Every way to use the mouse in a gutter: what becomes of the model and the selection, and what the port is told, in

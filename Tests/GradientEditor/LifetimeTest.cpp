@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Tests/GradientEditor/Panel.h"
 
 // Ports, values, samples, editors and delegates that die or change at any moment. What matters is mostly that nothing

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "HistogramEditor/VRTHistogramBitmap.h"
 #include "HistogramEditor/VRTHistogramEditorLayout.h"
 #include "HistogramEditor/VRTHistogramGraph.h"

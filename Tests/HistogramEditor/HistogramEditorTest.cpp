@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "HistogramEditor/VRTHistogramEditor.h"
 
 #include "Channels/VRTChannelHistogram.h"

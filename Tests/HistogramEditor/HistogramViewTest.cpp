@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "HistogramEditor/VRTHistogramGradientView.h"
 #include "HistogramEditor/VRTHistogramView.h"
 #include "Tests/HistogramEditor/LevelsScene.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Tests/Host/Program.h"
 #include "Tests/Host/TestImages.h"
 
@@ -75,7 +76,7 @@ TEST(Inspect, ShowsThePictureThatRenderGives) {
   const TemporaryFolder folder;
   const std::string& path = folder.path();
   const std::vector<std::string> effect{"Levels", "--input", VORTO_PHOTOS "/coffee.png", "--state",
-                                        "levels=" VORTO_DEMO "/contrast.levels"};
+                                        "levels=" VORTO_DOCUMENTS "/contrast.levels"};
   std::vector<std::string> render{"render"};
   render.insert(render.end(), effect.begin(), effect.end());
   render.insert(render.end(), {"--output", path + "/rendered.tif"});

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Tests/Host/Program.h"
 #include "Tests/Host/TestImages.h"
 

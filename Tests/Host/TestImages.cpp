@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Tests/Host/TestImages.h"
 
 #include "Tests/Host/Program.h"

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Inspect/EditorSlot.h"
 
 #include "Editors/VRTEditors.h"
-#include "Host/ExecutionContext.h"
+#include "Host/Rendering/ExecutionContext.h"
 #include "Platform/Foundation/PropertyList.h"
 #include "Platform/QuartzComposer/QCPatch.h"
 #include "Ports/VRTImage.h"

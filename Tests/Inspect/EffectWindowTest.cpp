@@ -1,8 +1,7 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Inspect/EffectWindow.h"
 
 #include "Editors/VRTEditors.h"
-#include "Host/ExecutionContext.h"
-#include "Host/Failure.h"
 #include "Host/Inspect/DocumentActions.h"
 #include "Host/Inspect/EditorSlot.h"
 #include "Host/Inspect/InspectorColumn.h"
@@ -10,6 +9,8 @@
 #include "Host/Inspect/ParameterSection.h"
 #include "Host/Inspect/PreviewView.h"
 #include "Host/Inspect/TransportBar.h"
+#include "Host/Messages/Failure.h"
+#include "Host/Rendering/ExecutionContext.h"
 #include "Ports/VRTObjects.h"
 #include "TarnCore/TCBitmap.h"
 #include "Tests/Inspect/InspectFixture.h"

@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Tests/Inspect/InspectFixture.h"
 
-#include "Host/Effects.h"
-#include "Host/ImageFileLoader.h"
+#include "Host/Files/ImageFileLoader.h"
+#include "Host/Rendering/Effects.h"
 
 #include <utility>
 

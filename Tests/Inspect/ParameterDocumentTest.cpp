@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Inspect/ParameterDocument.h"
 
-#include "Host/Failure.h"
+#include "Host/Messages/Failure.h"
 #include "Platform/QuartzComposer/QCPatch.h"
 #include "Ports/VRTObjects.h"
 #include "Ports/VRTPorts.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Tests/Mach/Memory.h"
 
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/Sanitizer.h"
 #include "Tests/Mach/Memory.h"
 

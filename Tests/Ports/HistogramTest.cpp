@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Ports/VRTObjects.h"
 #include "Tests/Ports/StateValues.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/Foundation/NSCoder.h"
 #include "Platform/Foundation/NSValues.h"
 #include "Ports/VRTObjects.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/QuartzComposer/QCPatch.h"
 
 #include "Platform/Foundation/NSCoder.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/QuartzComposer/GFNodeManager.h"
 #include "Tests/QuartzComposer/TestFolder.h"
 #include "Tests/QuartzComposer/TestPatches.h"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: BSD-3-Clause
 # Binaries that the tests put into bundles of their own making. They take the framework's symbols from the program.
 set(test_plugin_folder ${CMAKE_BINARY_DIR}/test-plugins)
 
@@ -12,12 +13,8 @@ function(vorto_test_plugins test)
   target_compile_definitions(${test} PRIVATE TEST_PLUGIN_FOLDER="${test_plugin_folder}")
 endfunction()
 
-if(TARGET test-QuartzComposer)
-  set_target_properties(test-QuartzComposer PROPERTIES ENABLE_EXPORTS ON)
-  vorto_test_plugins(test-QuartzComposer Good Duplicate Throwing ThrowingDescription WrongVersion
-                     NoDescription NoFunction NoEntry Unresolved Asking)
-endif()
-if(TARGET test-Registry)
-  target_sources(test-Registry PRIVATE QuartzComposer/TestFolder.cpp)
-  vorto_test_plugins(test-Registry AskingShared)
-endif()
+set_target_properties(test-QuartzComposer PROPERTIES ENABLE_EXPORTS ON)
+vorto_test_plugins(test-QuartzComposer Good Duplicate Throwing ThrowingDescription WrongVersion
+                   NoDescription NoFunction NoEntry Unresolved Asking)
+target_sources(test-Registry PRIVATE QuartzComposer/TestFolder.cpp)
+vorto_test_plugins(test-Registry AskingShared)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Registry/VRTProtocols.h"
 
 #include "Platform/QuartzComposer/QCPatch.h"

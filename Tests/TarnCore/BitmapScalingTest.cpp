@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "TarnCore/TCBitmapScaling.h"
 
 #include "TarnCore/TCColor.h"

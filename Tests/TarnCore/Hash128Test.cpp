@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "TarnCore/TCHash128.h"
 #include "TarnCore/TCString.h"
 #include "TarnCore/kernels/MD5.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "TarnCore/kernels/BytePatterns.h"
 #include "TarnCore/kernels/Memory.h"
 #include "TarnCore/kernels/UnpremultiplyTruncated.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "TarnCore/kernels/Histogram.h"
 #include "Tests/TarnCore/KernelTesting.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "TarnCore/kernels/Depth.h"
 #include "TarnCore/kernels/Dispatch.h"
 #include "TarnCore/kernels/Scale.h"

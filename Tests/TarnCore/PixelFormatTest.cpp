@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "TarnCore/TCImage.h"
 #include "TarnCore/TCPixelFormat.h"
 #include "TarnCore/TCTextureLimit.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "TarnCore/TCPrint.h"
 
 #include "Tests/Support/ChildProcess.h"

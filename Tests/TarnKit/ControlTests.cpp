@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/TarnKit/NSAnimationEffect.h"
 #include "Platform/TarnKit/NSTarnButton.h"
 #include "Platform/TarnKit/NSTarnView.h"

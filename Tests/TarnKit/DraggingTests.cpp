@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/TarnKit/NSDragging.h"
 #include "Platform/TarnKit/NSImage.h"
 #include "Platform/TarnKit/NSTarnView.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/TarnKit/NSGraphicsContext.h"
 #include "Platform/TarnKit/NSImage.h"
 #include "Platform/TarnKit/NSTarnColor.h"

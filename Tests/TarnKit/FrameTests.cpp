@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/TarnKit/NSFrames.h"
 #include "Tests/TarnKit/RecordingView.h"
 

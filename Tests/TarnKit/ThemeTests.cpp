@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/TarnKit/NSTarnView.h"
 #include "Platform/TarnKit/TarnTheme.h"
 #include "Tests/TarnKit/Pictures.h"

@@ -1,4 +1,5 @@
-#include "Host/ExecutionContext.h"
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Host/Rendering/ExecutionContext.h"
 
 #include "Platform/QuartzComposer/QCPatch.h"
 #include "Ports/VRTImage.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Asks for its manager and for nodes while it is loaded, and loads the folder that it is in.
 #include "Platform/QuartzComposer/QCPlugIn.h"
 

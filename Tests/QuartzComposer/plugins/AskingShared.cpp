@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: BSD-3-Clause
 // Asks for the framework's own manager while that one is being made.
 #include "Platform/QuartzComposer/QCPlugIn.h"
 #include "Registry/VRTNodeManager.h"

@@ -1,8 +1,0 @@
-#include "Controls/VRTTheme.h"
-
-#include "Controls/VRTThemeStore.h"
-
-TarnTheme* VRTTheme::theme() {
-  static TarnTheme* const theme = _RegisterThemeProvider(std::make_unique<VRTThemeStore>());
-  return theme;
-}

@@ -1,9 +1,0 @@
-#include "Editors/VRTEditors.h"
-
-#include "GradientEditor/VRTGradientEditor.h"
-#include "HistogramEditor/VRTHistogramEditor.h"
-
-void VRTStartEditors() {
-  VRTRegisterGradientEditor();
-  VRTRegisterHistogramEditor();
-}

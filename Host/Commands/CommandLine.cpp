@@ -1,0 +1,256 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Host/Commands/CommandLine.h"
+
+#include "Host/Commands/EffectsCommand.h"
+#include "Host/Commands/RenderCommand.h"
+#include "Host/Commands/SheetCommand.h"
+#include "Host/Commands/StateCommand.h"
+#include "Host/Messages/Failure.h"
+#include "Host/Messages/StandardOutput.h"
+#include "Host/Messages/Utf8.h"
+#include "Host/Pixels/Layouts.h"
+
+#include <CLI/CLI.hpp>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <new>
+
+namespace host {
+namespace {
+
+constexpr const char* Footer = R"(
+Effects are found in /Library/Application Support/Hollin/Internal Plug-Ins/Vorto, /Library/Plug-Ins/Vorto and
+~/Library/Plug-Ins/Vorto, then in the folders of VORTO_PLUGIN_PATH (separated by colons), then beside the program.
+
+Exit codes: 0 done; 1 unexpected; 2 the command line does not fit; 3 a file cannot be read; 4 a file cannot be written;
+5 the effect cannot render. A failure leaves existing files as they were.
+
+vorto COMMAND --help tells more about a command.)";
+
+constexpr const char* RenderFooter = R"(
+Values of --set, by the kind of the port (vorto effects lists ports; one is named by its key, as inputLevels, or by its
+name, as Levels):
+  number    -1.5 or 2e-3, within the port's range
+  boolean   true or false, on or off, 1 or 0
+  index     a whole number, or an entry of the port's menu
+  color     #rrggbb, #rrggbbaa, or r,g,b[,a] with values from 0 to 1; not premultiplied
+  string    the text as it is
+
+Pixels are rendered as the files hold them, without color management, premultiplied. PNG stores straight alpha; JPEG
+stores none, which shows the picture over black; TIFF and EXR store premultiplied alpha. What a format cannot hold is
+written in the next depth that it can: PNG takes 8 and 16 bits, JPEG 8, TIFF 8, 16 and float, EXR half and float.
+Pictures are read upright (orientation tags count); of a file with several pictures the first is read. Other metadata is
+not carried over.
+
+A pixel format is how the host holds pictures before the effect and after it: every input goes through a bitmap of that
+layout, which loses what the layout cannot hold, and on in the nearest layout that effects take (rgba8 and argb8 as they
+are; yuv422 as argb8; rgb16, la16 and l16 as rgba16; rgbahalf as rgbafloat); the result goes through such a bitmap again
+and is written in its depth. Without alpha a picture is shown over black; luminance is 0.299 red + 0.587 green + 0.114
+blue.
+
+Sequences have the frame's number in the name, %d or %04d. All inputs with one run over the same frames; other inputs
+stay. The time of a transition goes from 0 at the first frame to 1 at the last; other effects get seconds, (frame -
+first) / rate. Frames that were written before a failure stay.
+
+Examples:
+  vorto render "Gradient Map" --input photo.png --state gradient=sunset.plist --output out.png
+  vorto render Dissolve --input a.png b.png --time 0.5 --size 1920x1080 --output mix.tif
+  vorto render Levels --input in.%04d.exr --state levels=grade.plist --output out.%04d.exr
+  vorto render Checkerboard --size 640x480 --set "first color=#202020" --output board.png)";
+
+constexpr const char* StateFooter = R"(
+A state is a property list, XML or binary: a gradient's or levels' dictionary, opaque data, or a keyed archive of one,
+under present or older class names. --convert keeps the form of the file (dictionary or archive) unless --form is given.)";
+
+constexpr const char* InspectFooter = R"(
+Every input parameter of the effect has a row; the preview is rendered again on every change. Sequences play (space).
+Ctrl+S saves the state of a gradient, levels or opaque parameter where it came from, Ctrl+Shift+S elsewhere; Ctrl+E
+saves the picture in full size, Ctrl+Z and Ctrl+Shift+Z undo and redo, Ctrl+Q quits. A state file dropped on the window
+is loaded. A screenshot needs no display.
+
+Examples:
+  vorto inspect Levels --input photo.png --state levels=grade.plist
+  vorto inspect "Gradient Map" --input in.%04d.exr
+  vorto inspect --state gradient=sunset.plist --screenshot gradient.png --scale 2 --appearance dark)";
+
+// Ranges let it pass: it compares with nothing.
+std::string refuseNaN(const std::string& text) {
+  return std::isnan(std::strtod(text.c_str(), nullptr)) ? "Value " + text + " is no number" : "";
+}
+
+void addEffects(CLI::App& app, EffectsOptions& options) {
+  CLI::App* command = app.add_subcommand("effects", "List the effects by kind, with their ports, ranges and defaults");
+  command->add_flag("--json", options.json, "As JSON");
+}
+
+void addRender(CLI::App& app, RenderOptions& options) {
+  CLI::App* command = app.add_subcommand("render", "Render an effect to a picture or a sequence");
+  command->footer(RenderFooter + ("\n\nPixel formats:\n" + layoutList()));
+  command->add_option("effect", options.effect, "The effect's name")->required()->type_name("EFFECT");
+  command
+      ->add_option("-i,--input", options.inputs,
+                   "A filter's picture; a blend mode's background and foreground; a transition's A and B")
+      ->type_name("FILE");
+  command->add_option("-o,--output", options.output, "The picture to write: png, jpg, tif or exr")
+      ->required()
+      ->type_name("FILE");
+  command->add_option("--set", options.values, "Set a port; may be repeated")
+      ->type_name("PORT=VALUE")
+      ->allow_extra_args(false);
+  command->add_option("--state", options.states, "Set a gradient, levels or opaque port from a saved state")
+      ->type_name("PORT=FILE")
+      ->allow_extra_args(false);
+  command
+      ->add_option(
+          "--size", options.size,
+          "A generator's size; a filter's result, or both pictures of a blend mode or transition, scaled to it "
+          "(nearest neighbour)")
+      ->type_name("WxH");
+  command->add_option("--time", options.time, "A transition's time, 0 to 1; seconds for other effects; default 0")
+      ->type_name("T");
+  command->add_option("--depth", options.depth, "Render and write at 8, 16, half or float; default: as the inputs")
+      ->type_name("DEPTH");
+  command
+      ->add_option("--pixel-format", options.layout,
+                   "Hold pictures in bitmaps of this layout, in its depth (listed below); not with --depth")
+      ->type_name("NAME");
+  command
+      ->add_option("--alpha", options.alpha,
+                   "What becomes of the result's alpha: keep, opaque, or gray (copied into the colors); default keep")
+      ->type_name("MODE");
+  command->add_option("--frames", options.frames, "The frames of a sequence; default: all that exist")
+      ->type_name("A-B");
+  command->add_option("--rate", options.rate, "Frames per second of a sequence")->type_name("N")->default_str("25");
+}
+
+void addState(CLI::App& app, StateOptions& options) {
+  CLI::App* command = app.add_subcommand("state", "Print or convert a saved gradient, levels or opaque state");
+  command->footer(StateFooter);
+  command->add_option("file", options.file, "The state's file")->required()->type_name("FILE");
+  command->add_flag("--json", options.json, "As JSON");
+  command->add_option("--convert", options.convert, "Write it as xml or binary")
+      ->type_name("FORMAT")
+      ->check(CLI::IsMember({"xml", "binary"}));
+  command->add_option("--form", options.form, "Write it as dictionary or archive")
+      ->type_name("FORM")
+      ->check(CLI::IsMember({"dictionary", "archive"}));
+  command->add_option("-o,--output", options.output, "The file to write")->type_name("FILE");
+}
+
+void addSheet(CLI::App& app, SheetOptions& options) {
+  CLI::App* command = app.add_subcommand("sheet", "Lay pictures out on a contact sheet");
+  command->add_option("files", options.files, "The pictures, in the order of reading")->required()->type_name("FILE");
+  command->add_option("-o,--output", options.output, "The sheet: png, jpg, tif or exr")->required()->type_name("FILE");
+  command->add_option("--columns", options.columns, "Pictures in a row; default: as square as possible")
+      ->type_name("N")
+      ->check(CLI::Range(1, 1000));
+  command->add_option("--labels", options.labels, "One caption per picture; default: the files' names")
+      ->type_name("TEXT");
+}
+
+void addInspect(CLI::App& app, InspectOptions& options) {
+  CLI::App* command =
+      app.add_subcommand("inspect", "Open an effect's parameters, or one saved state, in a window with a live preview");
+  command->footer(InspectFooter);
+  command->add_option("effect", options.effect, "The effect's name; left out to edit a state alone")
+      ->type_name("EFFECT");
+  command->add_option("-i,--input", options.inputs, "The effect's pictures or sequences, as for render")
+      ->type_name("FILE");
+  command->add_option("--set", options.values, "Set a port; may be repeated")
+      ->type_name("PORT=VALUE")
+      ->allow_extra_args(false);
+  command
+      ->add_option("--state", options.states,
+                   "Set a gradient, levels or opaque port from a saved state; without an effect, the kind of the state "
+                   "(gradient, levels, opaque) and its file")
+      ->type_name("PORT=FILE")
+      ->allow_extra_args(false);
+  command->add_option("--size", options.size, "As for render")->type_name("WxH");
+  command->add_option("--time", options.time, "As for render")->type_name("T");
+  command->add_option("--depth", options.depth, "As for render")->type_name("DEPTH");
+  command->add_option("--frames", options.frames, "The frames of a sequence; default: all that exist")
+      ->type_name("A-B");
+  command->add_option("--rate", options.rate, "Frames per second of a sequence")->type_name("N")->default_str("25");
+  command
+      ->add_option("--screenshot", options.screenshot,
+                   "Write a picture of the window (png, jpg, tif or exr) instead of showing it")
+      ->type_name("FILE");
+  command->add_option("--appearance", options.appearance, "light or dark; default: as the desktop")
+      ->check(CLI::IsMember({"light", "dark"}))
+      ->type_name("LOOK");
+  command->add_option("--scale", options.scale, "Device pixels per point, 0.5 to 4; default: as the desktop")
+      ->check(CLI::Range(0.5, 4.0))
+      ->check(refuseNaN)
+      ->type_name("N");
+}
+
+struct Options {
+  EffectsOptions effects;
+  RenderOptions render;
+  StateOptions state;
+  SheetOptions sheet;
+  InspectOptions inspect;
+};
+
+void addCommands(CLI::App& app, Options& options) {
+  app.name("vorto");
+  app.footer(Footer);
+  app.set_version_flag("--version", "vorto " VORTO_VERSION);
+  app.require_subcommand(1);
+  addEffects(app, options.effects);
+  addRender(app, options.render);
+  addState(app, options.state);
+  addSheet(app, options.sheet);
+  addInspect(app, options.inspect);
+}
+
+void runCommand(const CLI::App& app, const Options& options, const InspectAction& inspect) {
+  if (app.got_subcommand("effects")) {
+    runEffects(options.effects);
+  } else if (app.got_subcommand("render")) {
+    runRender(options.render);
+  } else if (app.got_subcommand("state")) {
+    runState(options.state);
+  } else if (app.got_subcommand("inspect")) {
+    inspect(options.inspect);
+  } else {
+    runSheet(options.sheet);
+  }
+  finishStandardOutput();
+}
+
+int report(const std::string& message, ExitCode code) {
+  std::fprintf(stderr, "vorto: %s\n", printable(message).c_str());
+  return static_cast<int>(code);
+}
+
+}  // namespace
+
+int runProgram(int argc, char** argv, const InspectAction& inspect) {
+  try {
+    CLI::App app("Lists and renders image effects, and looks into their saved parameters.");
+    Options options;
+    addCommands(app, options);
+    try {
+      app.parse(argc, argv);
+    } catch (const CLI::Success& answer) {  // --help and --version
+      app.exit(answer);
+      finishStandardOutput();
+      return static_cast<int>(ExitCode::Success);
+    } catch (const CLI::ParseError& error) {
+      return report(std::string(error.what()) + " (vorto --help tells more)", ExitCode::Usage);
+    }
+    runCommand(app, options, inspect);
+    return static_cast<int>(ExitCode::Success);
+  } catch (const Failure& failure) {
+    return report(failure.what(), failure.code);
+  } catch (const std::bad_alloc&) {
+    return report("there is not enough memory", ExitCode::Unexpected);
+  } catch (const std::exception& error) {
+    return report(error.what(), ExitCode::Unexpected);
+  }
+}
+
+}  // namespace host

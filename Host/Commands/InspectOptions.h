@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace host {
+
+struct InspectOptions {
+  std::string effect;  // empty to edit one state file alone
+  std::vector<std::string> inputs;
+  std::vector<std::string> values;  // "port=value"
+  std::vector<std::string> states;  // "port=FILE"; without an effect one, "kind=FILE"
+  std::string size;                 // "WxH", or empty
+  std::optional<double> time;
+  std::string depth;            // "8", "16", "half", "float", or empty for that of the inputs
+  std::string frames;           // "A-B", or empty for the frames that exist
+  double rate = 25;             // frames per second
+  std::string screenshot;       // a picture of the window to write instead of showing it, or empty
+  std::string appearance;       // "light", "dark", or empty for the desktop's
+  std::optional<double> scale;  // device pixels per point, or none for the desktop's
+};
+
+}  // namespace host

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Host/Commands/OptionValues.h"
+
+#include "Host/Files/FileFormat.h"
+#include "Host/Messages/Failure.h"
+
+#include <cmath>
+#include <cstdio>
+
+namespace host {
+
+std::optional<PictureSize> parsedSize(const std::string& text) {
+  if (text.empty()) return std::nullopt;
+  unsigned width = 0;
+  unsigned height = 0;
+  int used = 0;
+  const bool digitsOnly = text.find_first_not_of("0123456789x") == std::string::npos && text.size() <= 21;
+  if (!digitsOnly || std::sscanf(text.c_str(), "%9ux%9u%n", &width, &height, &used) != 2 ||
+      static_cast<std::size_t>(used) != text.size() || width == 0 || height == 0) {
+    throw Failure(ExitCode::Usage, "--size " + text + ": give a width and a height in pixels, as in 1920x1080");
+  }
+  return PictureSize{width, height};
+}
+
+std::optional<Depth> parsedDepth(const std::string& text) {
+  if (text.empty()) return std::nullopt;
+  const auto depth = depthNamed(text);
+  if (!depth) throw Failure(ExitCode::Usage, "--depth " + text + ": give 8, 16, half or float");
+  return depth;
+}
+
+OutputAlpha parsedOutputAlpha(const std::string& text) {
+  if (text.empty() || text == "keep") return OutputAlpha::Keep;
+  if (text == "opaque") return OutputAlpha::Opaque;
+  if (text == "gray") return OutputAlpha::Gray;
+  throw Failure(ExitCode::Usage, "--alpha " + text + ": give keep, opaque or gray");
+}
+
+void checkTime(std::optional<double> time) {
+  if (time && !std::isfinite(*time)) throw Failure(ExitCode::Usage, "--time: give a finite number");
+}
+
+void checkRate(double rate) {
+  if (std::isfinite(rate) && rate > 0) return;
+  throw Failure(ExitCode::Usage, "--rate: give a number of frames per second above 0");
+}
+
+double timeOfFrame(EffectKind kind, const FrameRange& frames, std::uint64_t frame, double rate) {
+  const auto since = static_cast<double>(frame - frames.first);
+  if (kind != EffectKind::Transition) return since / rate;
+  return frames.count() > 1 ? since / static_cast<double>(frames.last - frames.first) : 0;
+}
+
+}  // namespace host

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <string>
+
+namespace host {
+
+struct StateOptions {
+  std::string file;
+  bool json = false;
+  std::string convert;  // "xml", "binary", or empty to print
+  std::string form;     // "dictionary", "archive", or empty to keep the file's
+  std::string output;
+};
+
+// Prints a parameter's state, or writes it in another format.
+void runState(const StateOptions& options);
+
+}  // namespace host

@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Host/Files/ProgramFolder.h"
+
+#include <filesystem>
+
+namespace host {
+namespace {
+
+namespace fs = std::filesystem;
+
+fs::path programFolder() {
+  std::error_code error;
+  const fs::path program = fs::read_symlink("/proc/self/exe", error);
+  return error ? fs::path(".") : program.parent_path();
+}
+
+}  // namespace
+
+std::vector<std::string> libraryFolders() {
+  const fs::path program = programFolder();
+  return {(program / VORTO_INSTALLED_LIBRARIES).lexically_normal().string(),
+          (program / "../lib").lexically_normal().string(), program.string()};
+}
+
+std::string plugInFolderBesideProgram() {
+  const fs::path program = programFolder();
+  for (const fs::path& folder :
+       {fs::path(VORTO_INSTALLED_LIBRARIES) / "PlugIns", fs::path("../PlugIns"), fs::path("PlugIns")}) {
+    const fs::path candidate = (program / folder).lexically_normal();
+    std::error_code error;
+    if (fs::is_directory(candidate, error)) return candidate.string();
+  }
+  return "";
+}
+
+}  // namespace host

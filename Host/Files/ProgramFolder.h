@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace host {
+
+// Where the program's own libraries and helpers may be: the installed place first, then that of the build tree, then
+// beside the program, for a helper that is installed among the libraries itself.
+std::vector<std::string> libraryFolders();
+
+// The folder of plug-ins that is installed or was built beside the program; empty when there is none.
+std::string plugInFolderBesideProgram();
+
+}  // namespace host

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Host/Messages/StandardOutput.h"
+
+#include "Host/Messages/Failure.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+namespace host {
+
+void printText(const std::string& text) {
+  std::fwrite(text.data(), 1, text.size(), stdout);
+}
+
+void finishStandardOutput() {
+  if (std::fflush(stdout) != 0 || std::ferror(stdout)) {
+    throw Failure(ExitCode::Output, std::string("cannot write to standard output: ") + std::strerror(errno));
+  }
+}
+
+}  // namespace host

@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <string>
+
+namespace host {
+
+void printText(const std::string& text);
+
+// Throws Failure when something of what was printed did not arrive (a full disk, a pipe that was closed).
+void finishStandardOutput();
+
+}  // namespace host

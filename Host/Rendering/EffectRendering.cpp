@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Host/Rendering/EffectRendering.h"
+
+#include "Host/Messages/Failure.h"
+#include "Host/Messages/Json.h"
+#include "Host/Rendering/PortValues.h"
+#include "Platform/QuartzComposer/QCPatch.h"
+#include "Ports/VRTImage.h"
+#include "TarnCore/TCBitmap.h"
+
+#include <utility>
+
+namespace host {
+namespace {
+
+const char* expectedInputs(EffectKind kind) {
+  switch (kind) {
+    case EffectKind::Filter:
+      return "a filter: it takes one --input";
+    case EffectKind::Transition:
+      return "a transition: it takes two, --input A B";
+    case EffectKind::Generator:
+      return "a generator: it takes no --input";
+    case EffectKind::BlendMode:
+      break;
+  }
+  return "a blend mode: it takes two, --input BACKGROUND FOREGROUND";
+}
+
+std::string sizeText(const VortoBitmap& bitmap) {
+  return std::to_string(bitmap.width) + " x " + std::to_string(bitmap.height);
+}
+
+bool setIndexPort(QCPatch& patch, const char* key, std::uint32_t value) {
+  auto* port = dynamic_cast<QCIndexPort*>(patch.portForKey(key));
+  if (port) setPortFromText(*port, std::to_string(value));
+  return port;
+}
+
+Depth depthOfSamples(SampleType sample) {
+  switch (sample) {
+    case SampleType::UInt8:
+      return Depth::Bits8;
+    case SampleType::UInt16:
+      return Depth::Bits16;
+    case SampleType::Float:
+      break;
+  }
+  return Depth::Float;
+}
+
+}  // namespace
+
+EffectRendering::EffectRendering(const std::string& effect, std::size_t inputCount, std::optional<PictureSize> size,
+                                 std::optional<Depth> depth)
+    : effect_(effect), size_(size), depth_(depth), patch_(makeEffect(effect)) {
+  chooseKind(inputCount);
+  checkRoles();
+  if (kind_ == EffectKind::Generator) askGenerator();
+}
+
+void EffectRendering::chooseKind(std::size_t inputCount) {
+  std::string expected;
+  for (const EffectKind kind : effectKindsOf(*patch_)) {
+    kind_ = kind;
+    roles_ = effectRoles(*patch_, kind);
+    if (roles_.inputs.size() == inputCount) return;
+    expected += (expected.empty() ? "" : "; ") + std::string(expectedInputs(kind));
+  }
+  throw Failure(ExitCode::Usage, "\"" + effect_ + "\" is " + expected + "; " + std::to_string(inputCount) +
+                                     (inputCount == 1 ? " was given" : " were given"));
+}
+
+void EffectRendering::checkRoles() const {
+  bool complete = dynamic_cast<QCImagePort*>(roles_.output) != nullptr;
+  for (QCPort* input : roles_.inputs) complete = complete && dynamic_cast<QCImagePort*>(input);
+  if (!complete) {
+    throw Failure(ExitCode::Effect, "the effect \"" + effect_ + "\" does not say which of its ports carry its images");
+  }
+}
+
+void EffectRendering::askGenerator() {
+  if (size_) {
+    setIndexPort(*patch_, "inputWidth", size_->width);
+    setIndexPort(*patch_, "inputHeight", size_->height);
+  }
+  if (depth_) {
+    const std::uint32_t index = *depth_ == Depth::Bits8 ? 0 : *depth_ == Depth::Bits16 ? 1 : 2;
+    setIndexPort(*patch_, "inputDepth", index);
+  }
+}
+
+Picture EffectRendering::render(const InputPictures& pictures, double time) {
+  connect(pictures);
+  return pictureOf(*result(time));
+}
+
+BitmapRef EffectRendering::result(double time) {
+  setTime(time);
+  std::string reason;
+  if (!patch_->executeAtTime(time, &reason)) {
+    throw Failure(ExitCode::Effect, described() + " could not render" + (reason.empty() ? "" : ": " + reason));
+  }
+  BitmapRef result = VRTImage::bitmapOfPort(dynamic_cast<QCImagePort&>(*roles_.output));
+  if (!result) throw Failure(ExitCode::Effect, described() + " gave no image");
+  return size_ ? scaledBitmap(result, size_->width, size_->height) : result;
+}
+
+Picture EffectRendering::pictureOf(const VortoBitmap& result) const {
+  Picture picture;
+  picture.pixels = pixelsOfBitmap(result, described());
+  picture.depth = depth_.value_or(inputDepth_.value_or(depthOfSamples(picture.pixels.sample)));
+  return picture;
+}
+
+std::string EffectRendering::described() const {
+  return "the effect \"" + effect_ + "\"";
+}
+
+void EffectRendering::connect(const InputPictures& pictures) {
+  std::vector<BitmapRef> bitmaps = pictures.bitmaps;
+  if (size_ && bitmaps.size() > 1) {
+    for (BitmapRef& bitmap : bitmaps) bitmap = scaledBitmap(bitmap, size_->width, size_->height);
+  }
+  for (std::size_t i = 1; i < bitmaps.size(); ++i) {
+    if (bitmaps[i]->width == bitmaps[0]->width && bitmaps[i]->height == bitmaps[0]->height) continue;
+    throw Failure(ExitCode::Input, pictures.paths[0] + " is " + sizeText(*bitmaps[0]) + " pixels and " +
+                                       pictures.paths[i] + " is " + sizeText(*bitmaps[i]) +
+                                       "; --size WxH brings both to one size");
+  }
+  for (std::size_t i = 0; i < bitmaps.size(); ++i) {
+    auto& port = dynamic_cast<QCImagePort&>(*roles_.inputs[i]);
+    // Those who watch the port would take the same still for a new image.
+    if (VRTImage::bitmapOfPort(port) != bitmaps[i]) VRTImage::setBitmapOfPort(port, bitmaps[i]);
+  }
+  if (!bitmaps.empty()) inputDepth_ = pictures.depth;
+}
+
+void EffectRendering::setTime(double time) {
+  if (roles_.time) setPortFromText(*roles_.time, numberText(time));
+}
+
+}  // namespace host

@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Host/Rendering/Effects.h"
+
+#include "Host/Files/ProgramFolder.h"
+#include "Host/Messages/CloseNames.h"
+#include "Host/Messages/Failure.h"
+#include "Host/Rendering/ExecutionContext.h"
+#include "Platform/QuartzComposer/QCPatch.h"
+#include "Registry/VRTNodeManager.h"
+#include "Registry/VRTProtocols.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <sstream>
+
+namespace host {
+namespace {
+
+std::vector<std::string> additionalFolders() {
+  std::vector<std::string> folders;
+  if (const char* path = std::getenv("VORTO_PLUGIN_PATH")) {
+    std::istringstream list(path);
+    for (std::string folder; std::getline(list, folder, ':');) {
+      if (!folder.empty()) folders.push_back(folder);
+    }
+  }
+  if (const std::string beside = plugInFolderBesideProgram(); !beside.empty()) folders.push_back(beside);
+  return folders;
+}
+
+bool isOfKind(const QCPatch& patch, EffectKind kind) {
+  switch (kind) {
+    case EffectKind::Filter:
+      return isVortoFilter(patch);
+    case EffectKind::Transition:
+      return isVortoTransition(patch);
+    case EffectKind::Generator:
+      return isVortoGenerator(patch);
+    case EffectKind::BlendMode:
+      return isVortoBlendMode(patch);
+  }
+  return false;
+}
+
+std::vector<std::string> allEffectNames() {
+  std::vector<std::string> names;
+  for (const EffectKind kind : EffectKinds) {
+    for (const std::string& name : effectNames(kind)) {
+      if (std::find(names.begin(), names.end(), name) == names.end()) names.push_back(name);
+    }
+  }
+  return names;
+}
+
+}  // namespace
+
+const char* effectKindKey(EffectKind kind) {
+  switch (kind) {
+    case EffectKind::Filter:
+      return "filter";
+    case EffectKind::Transition:
+      return "transition";
+    case EffectKind::Generator:
+      return "generator";
+    case EffectKind::BlendMode:
+      break;
+  }
+  return "blendMode";
+}
+
+const char* effectKindPlural(EffectKind kind) {
+  switch (kind) {
+    case EffectKind::Filter:
+      return "Filters";
+    case EffectKind::Transition:
+      return "Transitions";
+    case EffectKind::Generator:
+      return "Generators";
+    case EffectKind::BlendMode:
+      break;
+  }
+  return "Blend modes";
+}
+
+void loadEffects() {
+  provideExecutionContext();
+  const auto manager = VRTNodeManager::manager();
+  for (const std::string& folder : additionalFolders()) manager->loadPlugInsInFolder(folder, {"plugin", "qtz"});
+  manager->loadFailures();  // resolves compositions, and so reports the broken ones now
+}
+
+std::vector<std::string> effectNames(EffectKind kind) {
+  std::vector<std::string> names;
+  VRTNodeManager::manager()->addEffectsWithProtocol(effectKindKey(kind), names);
+  return names;
+}
+
+std::shared_ptr<QCPatch> makeEffect(const std::string& name) {
+  const std::vector<std::string> names = allEffectNames();
+  if (std::find(names.begin(), names.end(), name) == names.end()) {
+    throw Failure(ExitCode::Usage,
+                  "there is no effect \"" + name + "\"" + closeNamesHint(name, names, "vorto effects lists them"));
+  }
+  auto patch = VRTNodeManager::manager()->nodeInstanceWithName(name);
+  if (!patch) throw Failure(ExitCode::Effect, "the effect \"" + name + "\" could not be made");
+  return patch;
+}
+
+std::vector<EffectKind> effectKindsOf(const QCPatch& patch) {
+  std::vector<EffectKind> kinds;
+  for (const EffectKind kind : EffectKinds) {
+    if (isOfKind(patch, kind)) kinds.push_back(kind);
+  }
+  return kinds;
+}
+
+EffectRoles effectRoles(const QCPatch& patch, EffectKind kind) {
+  switch (kind) {
+    case EffectKind::Filter:
+      return {{filterInputImagePort(patch)}, nullptr, filterOutputImagePort(patch)};
+    case EffectKind::Transition:
+      return {{transitionInputImageAPort(patch), transitionInputImageBPort(patch)},
+              transitionInputTimePort(patch),
+              transitionOutputImagePort(patch)};
+    case EffectKind::Generator:
+      return {{}, nullptr, generatorOutputImagePort(patch)};
+    case EffectKind::BlendMode:
+      break;
+  }
+  return {{blendModeInputImageBackgroundPort(patch), blendModeInputImageForegroundPort(patch)},
+          nullptr,
+          blendModeOutputImagePort(patch)};
+}
+
+}  // namespace host

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+class PropertyList;
+class QCPatch;
+class QCPort;
+
+namespace host {
+
+enum class EffectKind { Filter, Transition, Generator, BlendMode };
+
+inline constexpr EffectKind EffectKinds[] = {EffectKind::Filter, EffectKind::Transition, EffectKind::Generator,
+                                             EffectKind::BlendMode};
+
+const char* effectKindKey(EffectKind kind);     // "filter", "transition", "generator", "blendMode"
+const char* effectKindPlural(EffectKind kind);  // "Filters", ...
+
+// Loads plug-ins: first the system's folders, then those of VORTO_PLUGIN_PATH (separated by colons), then the one
+// beside the program. Broken ones are reported on standard error and skipped. Patches find an execution context.
+void loadEffects();
+
+// In the order of loading. An effect of several kinds is in several lists.
+std::vector<std::string> effectNames(EffectKind kind);
+
+// A new instance. Throws Failure for a name that is no effect's, with the names that are close to it.
+std::shared_ptr<QCPatch> makeEffect(const std::string& name);
+
+// The kinds of an effect, and the ports that play a role in one of them.
+std::vector<EffectKind> effectKindsOf(const QCPatch& patch);
+struct EffectRoles {
+  std::vector<QCPort*> inputs;  // images in the order in which they are given
+  QCPort* time = nullptr;
+  QCPort* output = nullptr;
+};
+EffectRoles effectRoles(const QCPatch& patch, EffectKind kind);
+
+}  // namespace host

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include "Host/Files/FrameFiles.h"
+#include "Host/Pixels/Bitmaps.h"
+#include "Host/Pixels/Layouts.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace host {
+
+// Pictures of one working depth.
+struct InputPictures {
+  std::vector<BitmapRef> bitmaps;
+  std::vector<std::string> paths;  // the files that they came from
+  Depth depth = Depth::Bits8;
+};
+
+// The files that flow into an effect: stills, sequences, or both. A still is read once.
+class Inputs {
+ public:
+  // Without a depth the first pictures decide: the deepest of theirs, 8 < 16 < half < float, but float for 16 and half
+  // together. Later frames are converted to it.
+  // With a layout all go through bitmaps of it.
+  Inputs(const std::vector<std::string>& paths, std::optional<Depth> depth, std::optional<Layout> layout = {});
+
+  bool areSequence() const;
+  // The given frames, or all that exist. Throws Failure when one is missing, or when sequences have different frames.
+  FrameRange checkedFrames(std::optional<FrameRange> wanted) const;
+
+  // Throw Failure for a file that cannot be read.
+  InputPictures pictures() { return picturesAt(0); }
+  InputPictures picturesAt(std::uint32_t frame);
+
+ private:
+  struct Source {
+    std::string path;
+    std::optional<FramePattern> pattern;
+    BitmapRef still;
+  };
+  void decideDepth(const std::vector<ImagePixels>& images);
+  BitmapRef bitmapOf(ImagePixels image, const std::string& path) const;
+
+  std::vector<Source> sources_;
+  std::optional<Depth> depth_;
+  std::optional<Layout> layout_;
+};
+
+}  // namespace host

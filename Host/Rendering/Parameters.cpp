@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Host/Rendering/Parameters.h"
+
+#include "Host/Messages/Failure.h"
+#include "Host/Rendering/EffectRendering.h"
+#include "Host/Rendering/PortKinds.h"
+#include "Host/Rendering/PortValues.h"
+#include "Host/States/StateFile.h"
+#include "Platform/QuartzComposer/QCPatch.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace host {
+namespace {
+
+std::pair<std::string, std::string> splitAssignment(const std::string& option, const std::string& text) {
+  const std::size_t equals = text.find('=');
+  if (equals == std::string::npos || equals == 0) {
+    throw Failure(ExitCode::Usage, option + " " + text + ": give a port and its value, as in " + option +
+                                       (option == "--set" ? " port=value" : " port=FILE"));
+  }
+  return {text.substr(0, equals), text.substr(equals + 1)};
+}
+
+PortKind portKindFor(StateKind kind) {
+  switch (kind) {
+    case StateKind::Gradient:
+      return PortKind::Gradient;
+    case StateKind::Levels:
+      return PortKind::Levels;
+    case StateKind::Opaque:
+      break;
+  }
+  return PortKind::Opaque;
+}
+
+void setPortFromState(QCPort& port, const std::string& path) {
+  const StateFile file = readStateFile(path);
+  const PortKind kind = portKindOf(port);
+  if (kind != portKindFor(file.kind)) {
+    throw Failure(ExitCode::Usage, port.key() + "=" + path + ": the file holds a state of the kind " +
+                                       stateKindName(file.kind) + ", the port takes the kind " + portKindName(kind));
+  }
+  std::string reason;
+  if (!port.setStateValue(file.state, &reason)) {
+    throw Failure(ExitCode::Input, port.key() + "=" + path + ": " + reason);
+  }
+}
+
+}  // namespace
+
+void setParameters(EffectRendering& rendering, const std::vector<std::string>& values,
+                   const std::vector<std::string>& states) {
+  for (const std::string& text : states) {
+    const auto [name, path] = splitAssignment("--state", text);
+    setPortFromState(inputPortNamed(rendering.patch(), rendering.effect(), name), path);
+  }
+  for (const std::string& text : values) {
+    const auto [name, value] = splitAssignment("--set", text);
+    QCPort& port = inputPortNamed(rendering.patch(), rendering.effect(), name);
+    if (&port == rendering.roles().time) {
+      throw Failure(ExitCode::Usage, port.key() + " is the time of the transition; give it with --time");
+    }
+    setPortFromText(port, value);
+  }
+}
+
+}  // namespace host

@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Host/States/StateFile.h"
+
+#include "Host/Messages/Failure.h"
+#include "Host/States/StateChecks.h"
+#include "Platform/Foundation/NSCoder.h"
+#include "Platform/Foundation/NSValues.h"
+
+#include <exception>
+#include <optional>
+#include <utility>
+
+namespace host {
+namespace {
+
+class Refusal : public std::exception {
+ public:
+  explicit Refusal(std::string reason) : reason_(std::move(reason)) {}
+  const char* what() const noexcept override { return reason_.c_str(); }
+
+ private:
+  std::string reason_;
+};
+
+bool isKeyedArchive(const PropertyList& list) {
+  return list.find("$archiver") || list.find("$objects");
+}
+
+NSObjectRef unarchivedRoot(const PropertyList& archive) {
+  NSKeyedUnarchiver coder;
+  if (!coder.initForReadingWithPropertyList(archive)) throw Refusal(coder.error());
+  NSObjectRef root = coder.decodeObject();
+  coder.finishDecoding();
+  if (!root) throw Refusal(coder.error().empty() ? "the archive holds nothing" : coder.error());
+  return root;
+}
+
+std::shared_ptr<VRTObject> newObject(StateKind kind) {
+  switch (kind) {
+    case StateKind::Gradient:
+      return VRTGradient::gradient();
+    case StateKind::Levels:
+      return VRTHistogram::histogram();
+    case StateKind::Opaque:
+      break;
+  }
+  return VRTOpaqueData::data();
+}
+
+std::shared_ptr<VRTObject> objectOfState(StateKind kind, const PropertyList& state) {
+  if (const std::string fault = faultOfState(kind, state); !fault.empty()) throw Refusal(fault);
+  auto object = newObject(kind);
+  if (!object->initWithStateValue(state)) throw Refusal(std::string("it is no state of a ") + stateKindName(kind));
+  return object;
+}
+
+std::optional<StateKind> kindOfObject(const NSObject& object) {
+  if (dynamic_cast<const VRTGradient*>(&object)) return StateKind::Gradient;
+  if (dynamic_cast<const VRTHistogram*>(&object)) return StateKind::Levels;
+  if (dynamic_cast<const VRTOpaqueData*>(&object)) return StateKind::Opaque;
+  return std::nullopt;
+}
+
+void interpretArchive(StateFile& file, PropertyList::Bytes bytes) {
+  file.form = StateForm::Archive;
+  const NSObjectRef root = unarchivedRoot(file.list);
+  if (const auto kind = kindOfObject(*root)) {
+    file.kind = *kind;
+    file.object = std::dynamic_pointer_cast<VRTObject>(root);
+    return;
+  }
+  if (const auto list = NSPropertyListFromObject(root.get()); list && list->isDictionary()) {
+    if (const auto kind = kindOfDictionary(*list)) {
+      file.kind = *kind;
+      file.object = objectOfState(*kind, *list);
+      return;
+    }
+  }
+  file.kind = StateKind::Opaque;
+  file.object = objectOfState(StateKind::Opaque, PropertyList::mutableData(std::move(bytes)));
+}
+
+void interpret(StateFile& file, PropertyList::Bytes bytes) {
+  if (isKeyedArchive(file.list)) return interpretArchive(file, std::move(bytes));
+  file.form = StateForm::Dictionary;
+  if (file.list.isData()) {
+    file.kind = StateKind::Opaque;
+  } else if (const auto kind = kindOfDictionary(file.list)) {
+    file.kind = *kind;
+  } else {
+    throw Refusal("it holds neither a gradient, nor levels, nor opaque data");
+  }
+  file.object = objectOfState(file.kind, file.list);
+}
+
+void completeState(StateFile& file) {
+  auto state = file.object->stateValue();
+  if (!state) throw Refusal("its value has no state");
+  if (const std::string fault = faultOfState(file.kind, *state); !fault.empty()) throw Refusal(fault);
+  file.state = std::move(*state);
+}
+
+}  // namespace
+
+const char* stateKindName(StateKind kind) {
+  switch (kind) {
+    case StateKind::Gradient:
+      return "gradient";
+    case StateKind::Levels:
+      return "levels";
+    case StateKind::Opaque:
+      break;
+  }
+  return "opaque";
+}
+
+StateFile readStateFile(const std::string& path) {
+  std::string reason;
+  auto bytes = NSReadFile(path, &reason);
+  if (!bytes) throw Failure(ExitCode::Input, "cannot read " + path + ": " + reason);
+  StateFile file;
+  auto list = PropertyListFromBytes(*bytes, &reason, &file.format);
+  if (!list) throw Failure(ExitCode::Input, "cannot read " + path + ": " + reason);
+  file.list = std::move(*list);
+  try {
+    interpret(file, std::move(*bytes));
+    completeState(file);
+  } catch (const std::bad_alloc&) {
+    throw;
+  } catch (const std::exception& error) {
+    throw Failure(ExitCode::Input, "cannot read " + path + ": " + error.what());
+  }
+  return file;
+}
+
+PropertyList::Bytes convertedState(const StateFile& file, const std::string& path, PropertyListFormat format,
+                                   StateForm form) {
+  std::string reason;
+  std::optional<PropertyList::Bytes> bytes;
+  if (form == file.form) {
+    bytes = PropertyListToBytes(file.list, format, &reason);
+  } else if (form == StateForm::Archive) {
+    bytes = NSKeyedArchiver::archivedData(file.object, format, &reason);
+  } else {
+    bytes = PropertyListToBytes(file.state, format, &reason);
+  }
+  if (!bytes) throw Failure(ExitCode::Output, "cannot convert " + path + ": " + reason);
+  return std::move(*bytes);
+}
+
+}  // namespace host

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include "Platform/Foundation/NSObject.h"
+#include "Platform/Foundation/PropertyList.h"
+#include "Ports/VRTObjects.h"
+
+#include <memory>
+#include <string>
+
+namespace host {
+
+enum class StateKind { Gradient, Levels, Opaque };
+enum class StateForm { Dictionary, Archive };
+
+const char* stateKindName(StateKind kind);  // "gradient", "levels", "opaque"
+
+// A parameter as a document keeps it. What counts as one, each as an XML or a binary property list:
+//   - a dictionary with "rgbSamples" or "alphaSamples": a gradient;
+//   - a dictionary with any of the keys of levels ("blackInRGB", ...): levels;
+//   - data that holds a keyed archive: opaque data (of the form Dictionary too: it is what the port stores);
+//   - a keyed archive of a gradient, levels or opaque data, under their present or older class names, or of one of
+//   those
+//     dictionaries;
+//   - any other keyed archive: opaque data whose value is what the archive holds.
+struct StateFile {
+  StateKind kind = StateKind::Gradient;
+  StateForm form = StateForm::Dictionary;
+  PropertyListFormat format = PropertyListFormat::Xml;
+  PropertyList list;                  // the file as it was read
+  std::shared_ptr<VRTObject> object;  // the value that it holds
+  PropertyList state;                 // what a port takes: object->stateValue()
+};
+
+// Throws Failure for a file that is none of these, or whose numbers are not finite or not complete.
+StateFile readStateFile(const std::string& path);
+
+// The bytes of the same state in a format and form. In the form that the file has, everything in it is kept; another
+// form is made anew.
+PropertyList::Bytes convertedState(const StateFile& file, const std::string& path, PropertyListFormat format,
+                                   StateForm form);
+
+}  // namespace host

@@ -1,4 +1,0 @@
-#pragma once
-
-// Makes views and their parts known to Qt's accessibility interface. Calling it again does nothing.
-void NSInstallViewAccessibility();

@@ -1,6 +1,0 @@
-#pragma once
-
-#include <string>
-
-// Prints a line on standard error the first time that this text is reported in the process.
-void TarnReportOnce(const std::string& text);

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include "Channels/VRTChannelRef.h"
+#include "Platform/Visibility.h"
+#include "TarnCore/TCString.h"
+
+#include <cstdint>
+#include <memory>
+
+// Root of the parameter channels: an id and a display name.
+//
+// Ids come from one process-wide counter that starts at 1; every construction, copies included, takes the next one.
+// They can be overwritten, so they are not unique by force. The counter is unsynchronised: channels are made and edited
+// on the host's main thread.
+class TARN_EXPORT VRTChannelBase {
+ public:
+  VRTChannelBase();                              // named "VRTChannelBase"
+  VRTChannelBase(const VRTChannelBase& source);  // a fresh id; the name is copied, handles to the source are not
+  VRTChannelBase& operator=(const VRTChannelBase&) = delete;  // use clone()
+  virtual ~VRTChannelBase();
+
+  virtual void reset();  // restores the default value; nothing here
+  // A new channel of the same class, made by that class's copy constructor.
+  virtual std::unique_ptr<VRTChannelBase> clone() const;
+  virtual void willBeModified();  // called before a structural edit; for the host to override
+
+  const VortoString& getName() const { return name; }
+  void setName(const VortoString& newName);
+  std::int32_t getID() const { return id; }
+  void setID(std::int32_t newID) { id = newID; }
+
+  std::unique_ptr<VRTChannelRef> getRef();
+
+ private:
+  friend class VRTChannelRef;
+  static std::int32_t takeID();
+
+  static std::int32_t _uniqueIDGenerator;
+
+  std::int32_t id;
+  VortoString name;
+  VRTChannelRef* _refs = nullptr;  // the living handles to this channel
+};

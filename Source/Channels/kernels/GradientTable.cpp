@@ -1,0 +1,382 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Channels/kernels/GradientTable.h"
+
+#include "Channels/kernels/GradientRuns.h"
+#include "TarnCore/kernels/Dispatch.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstring>
+
+// The targets whose vectors have no fixed size cannot be kept in arrays, as the solver does.
+#define HWY_DISABLED_TARGETS (HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128 | HWY_RVV)
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "Channels/kernels/GradientTable.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+// A table is made in blocks. The folders fill four planes (alpha, red, green, blue) of 32-bit words, one word per
+// position: the bits of the float, or the integer whose low byte or word is wanted. Then the planes are woven into the
+// table. Vectors may write beyond the positions they are for, up to the padding of a plane: what lies there belongs to
+// the next run or to nobody.
+HWY_BEFORE_NAMESPACE();
+namespace vorto::kernels::HWY_NAMESPACE {
+namespace hn = hwy::HWY_NAMESPACE;
+
+using Doubles = hn::ScalableTag<double>;
+using DoubleVector = hn::Vec<Doubles>;
+using Words = hn::ScalableTag<std::uint32_t>;
+
+constexpr std::size_t kLanes = hn::MaxLanes(Doubles());
+constexpr std::size_t kVectorsAtOnce = 4;  // hides the latency of the solver's chain of dependent steps
+constexpr std::uint32_t kBlock = 1024;
+constexpr std::size_t kPadding = kVectorsAtOnce * kLanes;
+static_assert(kPadding % hn::MaxLanes(Words()) == 0);  // planes begin aligned
+
+struct Planes {
+  HWY_ALIGN std::uint32_t words[4][kBlock + kPadding];
+};
+
+// Words of a float table.
+struct FloatWords {
+  static std::uint32_t word(double component) { return std::bit_cast<std::uint32_t>(gradientFloat(component)); }
+
+  static HWY_INLINE void store(DoubleVector components, std::uint32_t* to) {
+    const hn::Rebind<float, Doubles> floats;
+    const hn::Rebind<std::uint32_t, Doubles> words;
+    hn::StoreU(hn::BitCast(words, hn::DemoteTo(floats, components)), words, to);
+  }
+};
+
+// Words of a byte or word table.
+struct IntegerWords {
+  static std::uint32_t word(double component) {
+    return static_cast<std::uint32_t>(gradientInteger(gradientFloat(component)));
+  }
+
+  static HWY_INLINE void store(DoubleVector components, std::uint32_t* to) {
+    const Doubles d;
+    const hn::Rebind<float, Doubles> floats;
+    const hn::Rebind<std::int32_t, Doubles> integers;
+    const hn::Rebind<std::uint32_t, Doubles> words;
+    const auto rounded = hn::PromoteTo(d, hn::DemoteTo(floats, components));
+    const auto truncated = hn::DemoteTo(integers, hn::Mul(rounded, hn::Set(d, 255.0)));
+    hn::StoreU(hn::BitCast(words, truncated), words, to);
+  }
+};
+
+// Whether quotients over a segment of this place and width can be corrected by remainders that neither overflow nor
+// lose bits below the smallest normal number.
+bool hasExactRemainders(double left, double width) {
+  constexpr double kSmallest = 0x1p-100;
+  return width >= kSmallest && width <= 0x1p+100 && (left == 0.0 || std::abs(left) >= kSmallest);
+}
+
+// The positions of a run: i * step for ascending i, a vector at a time, as fractions t of the run's segment. `fast`
+// divides by multiplication: the quotient by the rounded reciprocal is at most two units off, one correction by its
+// exact remainder leaves it within one, and another one from there gives the rounded quotient (Markstein, 1990).
+template <bool fast>
+class Fractions {
+ public:
+  Fractions(const GradientRun& run, std::uint32_t first, double step)
+      : _index(hn::Iota(Doubles(), static_cast<double>(first))),
+        _step(hn::Set(Doubles(), step)),
+        _left(hn::Set(Doubles(), run.left->position)),
+        _width(hn::Set(Doubles(), run.right->position - run.left->position)),
+        _reciprocal(hn::Set(Doubles(), 1.0 / (run.right->position - run.left->position))) {}
+
+  HWY_INLINE DoubleVector next() {
+    const DoubleVector position = hn::Mul(_index, _step);
+    _index = hn::Add(_index, hn::Set(Doubles(), static_cast<double>(kLanes)));
+    const DoubleVector distance = hn::Sub(position, _left);
+    if constexpr (!fast) return hn::Div(distance, _width);
+    return corrected(distance, corrected(distance, hn::Mul(distance, _reciprocal)));
+  }
+
+ private:
+  HWY_INLINE DoubleVector corrected(DoubleVector distance, DoubleVector quotient) const {
+    const DoubleVector remainder = hn::NegMulAdd(quotient, _width, distance);
+    return hn::MulAdd(remainder, _reciprocal, quotient);
+  }
+
+  DoubleVector _index;
+  DoubleVector _step;
+  DoubleVector _left;
+  DoubleVector _width;
+  DoubleVector _reciprocal;
+};
+
+void fillWords(std::uint32_t word, std::uint32_t* to, std::uint32_t count) {
+  const Words words;
+  const auto value = hn::Set(words, word);
+  std::uint32_t i = 0;
+  for (; i + hn::Lanes(words) <= count; i += static_cast<std::uint32_t>(hn::Lanes(words)))
+    hn::StoreU(value, words, to + i);
+  for (; i < count; ++i) to[i] = word;
+}
+
+// One folder's half of the planes, N components wide.
+template <class WordKind, std::size_t N>
+class FolderPlanes {
+ public:
+  FolderPlanes(GradientEntries entries, const GradientComponent (&components)[N], std::uint32_t count)
+      : _entries(entries), _components(components), _step(gradientStep(count)), _runs(entries, components, count) {}
+
+  // Fills the planes for the positions [first, first + count).
+  void fill(std::uint32_t first, std::uint32_t count, Planes& planes, std::size_t firstPlane) {
+    for (std::uint32_t done = 0; done < count;) {
+      const GradientRun& run = _runs.runAt(first + done);
+      const std::uint32_t length = std::min(run.end - (first + done), count - done);
+      std::uint32_t* to[N];
+      for (std::size_t c = 0; c < N; ++c) to[c] = planes.words[firstPlane + c] + done;
+      fillRun(run, first + done, length, to);
+      done += length;
+    }
+  }
+
+ private:
+  using Targets = std::uint32_t* const (&)[N];
+
+  void fillRun(const GradientRun& run, std::uint32_t first, std::uint32_t count, Targets to) const {
+    switch (run.rule) {
+      case GradientRun::Rule::unwritten:
+        for (std::size_t c = 0; c < N; ++c) fillWords(0, to[c], count);
+        break;
+      case GradientRun::Rule::constant:
+        for (std::size_t c = 0; c < N; ++c) fillWords(WordKind::word(value(run.left, c)), to[c], count);
+        break;
+      case GradientRun::Rule::linear:
+        if (dividesFast(run)) {
+          fillLinear<true>(run, first, count, to);
+        } else {
+          fillLinear<false>(run, first, count, to);
+        }
+        break;
+      case GradientRun::Rule::smooth:
+        if (dividesFast(run)) {
+          fillSmooth<true>(run, first, count, to);
+        } else {
+          fillSmooth<false>(run, first, count, to);
+        }
+        break;
+      case GradientRun::Rule::definition:
+        fillByDefinition(first, count, to);
+        break;
+    }
+  }
+
+  static bool dividesFast(const GradientRun& run) {
+    const double left = run.left->position;
+    return HWY_NATIVE_FMA && hasExactRemainders(left, run.right->position - left);
+  }
+
+  double value(const GradientEntry* entry, std::size_t c) const { return entry->sample.*_components[c]; }
+
+  void fillByDefinition(std::uint32_t first, std::uint32_t count, Targets to) const {
+    for (std::uint32_t i = 0; i < count; ++i) {
+      double out[N] = {};
+      evaluateGradient(_entries, _components, static_cast<double>(first + i) * _step, out);
+      for (std::size_t c = 0; c < N; ++c) to[c][i] = WordKind::word(out[c]);
+    }
+  }
+
+  template <bool fast>
+  void fillLinear(const GradientRun& run, std::uint32_t first, std::uint32_t count, Targets to) const {
+    const Doubles d;
+    DoubleVector start[N];
+    DoubleVector rise[N];
+    for (std::size_t c = 0; c < N; ++c) {
+      start[c] = hn::Set(d, value(run.left, c));
+      rise[c] = hn::Set(d, value(run.right, c) - value(run.left, c));
+    }
+    Fractions<fast> fractions(run, first, _step);
+    for (std::uint32_t i = 0; i < count; i += kLanes) {
+      const DoubleVector t = fractions.next();
+      for (std::size_t c = 0; c < N; ++c) WordKind::store(hn::Add(start[c], hn::Mul(t, rise[c])), to[c] + i);
+    }
+  }
+
+  template <bool fast>
+  void fillSmooth(const GradientRun& run, std::uint32_t first, std::uint32_t count, Targets to) const {
+    Fractions<fast> fractions(run, first, _step);
+    for (std::uint32_t i = 0; i < count; i += kVectorsAtOnce * kLanes) {
+      DoubleVector s[kVectorsAtOnce];
+      solve(run.left->sample.middle, fractions, s);
+      for (std::size_t v = 0; v < kVectorsAtOnce; ++v) storeCurve(run, s[v], to, i + v * kLanes);
+    }
+  }
+
+  // bezierInterp's search for the x controls (0, m, m, 1). It does not depend on the component. The fractions of a run
+  // are never negative, so every search starts at 0; the step is the same for all, and reaches the tolerance before the
+  // 32nd halving. A search that has come close enough keeps its candidate.
+  template <bool fast>
+  static HWY_INLINE void solve(double middle, Fractions<fast>& fractions, DoubleVector (&candidate)[kVectorsAtOnce]) {
+    const Doubles d;
+    const DoubleVector one = hn::Set(d, 1.0);
+    const DoubleVector middle3 = hn::Set(d, 3.0 * middle);
+    const DoubleVector tolerance = hn::Set(d, 1e-7);
+    DoubleVector t[kVectorsAtOnce];
+    DoubleVector kept[kVectorsAtOnce];
+    hn::Mask<Doubles> searching[kVectorsAtOnce];
+    for (std::size_t v = 0; v < kVectorsAtOnce; ++v) {
+      t[v] = fractions.next();
+      kept[v] = hn::Zero(d);
+      candidate[v] = hn::Zero(d);
+      searching[v] = hn::Eq(one, one);
+    }
+    double step = 1.0;
+    do {
+      step *= 0.5;
+      const DoubleVector steps = hn::Set(d, step);
+      for (std::size_t v = 0; v < kVectorsAtOnce; ++v) {
+        const DoubleVector s = hn::Add(kept[v], steps);
+        const DoubleVector u = hn::Sub(one, s);
+        const DoubleVector u2 = hn::Mul(u, u);
+        const DoubleVector s2 = hn::Mul(s, s);
+        // The first control is 0 and the last one 1, which leave nothing to add and nothing to multiply.
+        const DoubleVector x =
+            hn::Add(hn::Add(hn::Mul(hn::Mul(middle3, u2), s), hn::Mul(hn::Mul(middle3, u), s2)), hn::Mul(s2, s));
+        const DoubleVector f = hn::Sub(x, t[v]);
+        kept[v] = hn::IfThenElse(hn::Le(f, hn::Zero(d)), s, kept[v]);
+        candidate[v] = hn::IfThenElse(searching[v], s, candidate[v]);
+        searching[v] = hn::AndNot(hn::Lt(hn::Abs(f), tolerance), searching[v]);
+      }
+    } while (step >= 1e-7);
+  }
+
+  HWY_INLINE void storeCurve(const GradientRun& run, DoubleVector s, Targets to, std::size_t offset) const {
+    const Doubles d;
+    const DoubleVector u = hn::Sub(hn::Set(d, 1.0), s);
+    const DoubleVector u2 = hn::Mul(u, u);
+    const DoubleVector s2 = hn::Mul(s, s);
+    const DoubleVector u3 = hn::Mul(u2, u);
+    const DoubleVector s3 = hn::Mul(s2, s);
+    for (std::size_t c = 0; c < N; ++c) {
+      const double a = value(run.left, c);
+      const double b = value(run.right, c);
+      const DoubleVector first = hn::Mul(hn::Set(d, a), u3);
+      const DoubleVector second = hn::Mul(hn::Mul(hn::Set(d, 3.0 * a), u2), s);
+      const DoubleVector third = hn::Mul(hn::Mul(hn::Set(d, 3.0 * b), u), s2);
+      const DoubleVector fourth = hn::Mul(hn::Set(d, b), s3);
+      WordKind::store(hn::Add(hn::Add(hn::Add(first, second), third), fourth), to[c] + offset);
+    }
+  }
+
+  GradientEntries _entries;
+  const GradientComponent (&_components)[N];
+  double _step;
+  GradientRuns _runs;
+};
+
+// Weave as many positions as a vector has words into 4 components each.
+
+HWY_INLINE void weave(const Planes& planes, std::size_t at, std::uint8_t* out) {
+  const Words words;
+  const auto byte = hn::Set(words, 0xFF);
+  const auto alpha = hn::And(hn::Load(words, planes.words[0] + at), byte);
+  const auto red = hn::ShiftLeft<8>(hn::And(hn::Load(words, planes.words[1] + at), byte));
+  const auto green = hn::ShiftLeft<16>(hn::And(hn::Load(words, planes.words[2] + at), byte));
+  const auto blue = hn::ShiftLeft<24>(hn::Load(words, planes.words[3] + at));
+  const hn::ScalableTag<std::uint8_t> bytes;
+  hn::StoreU(hn::BitCast(bytes, hn::Or(hn::Or(alpha, red), hn::Or(green, blue))), bytes, out);
+}
+
+HWY_INLINE void weave(const Planes& planes, std::size_t at, std::uint16_t* out) {
+  const Words words;
+  const auto half = hn::Set(words, 0xFFFF);
+  const auto alpha = hn::And(hn::Load(words, planes.words[0] + at), half);
+  const auto red = hn::ShiftLeft<16>(hn::Load(words, planes.words[1] + at));
+  const auto green = hn::And(hn::Load(words, planes.words[2] + at), half);
+  const auto blue = hn::ShiftLeft<16>(hn::Load(words, planes.words[3] + at));
+  HWY_ALIGN std::uint32_t woven[2 * hn::MaxLanes(words)];
+  hn::StoreInterleaved2(hn::Or(alpha, red), hn::Or(green, blue), words, woven);
+  std::memcpy(out, woven, sizeof(woven));
+}
+
+HWY_INLINE void weave(const Planes& planes, std::size_t at, float* out) {
+  const hn::ScalableTag<float> floats;
+  const Words words;
+  const auto plane = [&](std::size_t c) { return hn::BitCast(floats, hn::Load(words, planes.words[c] + at)); };
+  hn::StoreInterleaved4(plane(0), plane(1), plane(2), plane(3), floats, out);
+}
+
+template <class Stored>
+void weaveBlock(const Planes& planes, std::uint32_t count, Stored* out) {
+  constexpr std::size_t kTogether = hn::MaxLanes(Words());
+  std::size_t i = 0;
+  for (; i + kTogether <= count; i += kTogether) weave(planes, i, out + i * 4);
+  if (i < count) {
+    HWY_ALIGN Stored rest[kTogether * 4];
+    weave(planes, i, rest);
+    std::memcpy(out + i * 4, rest, (count - i) * 4 * sizeof(Stored));
+  }
+}
+
+template <class WordKind, class Stored>
+void makeTable(GradientEntries color, GradientEntries opacity, Stored* out, std::uint32_t count) {
+  // A machine without vectors.
+  if constexpr (HWY_TARGET == HWY_SCALAR) return gradientTableDefinition(color, opacity, out, count);
+
+  FolderPlanes<WordKind, 3> colorPlanes(color, kColorComponents, count);
+  FolderPlanes<WordKind, 1> opacityPlanes(opacity, kOpacityComponents, count);
+  Planes planes;
+  for (std::uint32_t first = 0; first < count;) {
+    const std::uint32_t length = std::min(kBlock, count - first);
+    opacityPlanes.fill(first, length, planes, 0);
+    colorPlanes.fill(first, length, planes, 1);
+    weaveBlock(planes, length, out + std::size_t{first} * 4);
+    first += length;
+  }
+}
+
+void makeTable8(GradientEntries color, GradientEntries opacity, std::uint8_t* out, std::uint32_t count) {
+  makeTable<IntegerWords>(color, opacity, out, count);
+}
+
+void makeTable16(GradientEntries color, GradientEntries opacity, std::uint16_t* out, std::uint32_t count) {
+  makeTable<IntegerWords>(color, opacity, out, count);
+}
+
+void makeTableFloat(GradientEntries color, GradientEntries opacity, float* out, std::uint32_t count) {
+  makeTable<FloatWords>(color, opacity, out, count);
+}
+
+}  // namespace vorto::kernels::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace vorto::kernels {
+namespace {
+
+// The planes are woven as words.
+static_assert(std::endian::native == std::endian::little);
+
+// A single position has no step, and is not a number.
+bool byDefinition(std::uint32_t count) {
+  return useScalar() || count < 2;
+}
+
+}  // namespace
+
+HWY_EXPORT(makeTable8);
+HWY_EXPORT(makeTable16);
+HWY_EXPORT(makeTableFloat);
+
+void gradientTable(GradientEntries color, GradientEntries opacity, std::uint8_t* out, std::uint32_t count) {
+  if (byDefinition(count)) return gradientTableDefinition(color, opacity, out, count);
+  HWY_DYNAMIC_DISPATCH(makeTable8)(color, opacity, out, count);
+}
+
+void gradientTable(GradientEntries color, GradientEntries opacity, std::uint16_t* out, std::uint32_t count) {
+  if (byDefinition(count)) return gradientTableDefinition(color, opacity, out, count);
+  HWY_DYNAMIC_DISPATCH(makeTable16)(color, opacity, out, count);
+}
+
+void gradientTable(GradientEntries color, GradientEntries opacity, float* out, std::uint32_t count) {
+  if (byDefinition(count)) return gradientTableDefinition(color, opacity, out, count);
+  HWY_DYNAMIC_DISPATCH(makeTableFloat)(color, opacity, out, count);
+}
+
+}  // namespace vorto::kernels
+#endif  // HWY_ONCE

@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include "Controls/VRTRolloverButtonCell.h"
+#include "Platform/TarnKit/NSTarnButton.h"
+#include "Platform/Visibility.h"
+
+// A button with a rollover image. In interface files: class "VRTRolloverButton".
+class TARN_EXPORT VRTRolloverButton : public NSTarnButton {
+ public:
+  explicit VRTRolloverButton(NSRect frame, QWidget* parent = nullptr);
+
+  VRTRolloverButtonCell& rolloverCell() const;
+};

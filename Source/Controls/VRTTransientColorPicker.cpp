@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Controls/VRTTransientColorPicker.h"
+
+#include "Controls/VRTTransientColorPanel.h"
+#include "Platform/TarnKit/NSTarnView.h"
+
+#include <QPointer>
+
+// What a picker is while it is open. Callbacks may destroy the view, close the picker and open another one; each step
+// holds the session itself and asks whether it still runs.
+struct VRTTransientColorPicker::Session : std::enable_shared_from_this<Session> {
+  Session(VRTTransientColorPicker* newPicker, NSTarnView& newView) : picker(newPicker), view(&newView) {}
+
+  void open(VRTColorSwatch::Kind kind, QPoint globalPosition);
+  void report(const NSColor& color);
+  void finish(bool taken);
+  void die();
+
+  std::unique_ptr<VRTTransientColorPicker> picker;
+  QPointer<NSTarnView> view;
+  QPointer<VRTTransientColorPanel> panel;
+  bool running = true;
+
+  static std::shared_ptr<Session>& current() {
+    static auto& session = *new std::shared_ptr<Session>;
+    return session;
+  }
+};
+
+void VRTTransientColorPicker::Session::open(VRTColorSwatch::Kind kind, QPoint globalPosition) {
+  const std::weak_ptr<Session> weak = weak_from_this();
+  const auto with = [weak](auto step) {
+    if (const std::shared_ptr<Session> session = weak.lock()) step(*session);
+  };
+  VRTTransientColorPanel::Handlers handlers{
+      [with](const NSColor& color) { with([&](Session& session) { session.report(color); }); },
+      [with](bool taken) { with([&](Session& session) { session.finish(taken); }); },
+      [with] { with([](Session& session) { session.die(); }); }};
+  panel = new VRTTransientColorPanel(*view, kind, globalPosition, picker->options_.oldColor, std::move(handlers));
+  if (picker->options_.didStart) picker->options_.didStart();
+  if (!running || !panel) return;
+  panel->show();
+  panel->setFocus();
+}
+
+void VRTTransientColorPicker::Session::report(const NSColor& color) {
+  const std::shared_ptr<Session> self = shared_from_this();
+  if (!running) return;
+  picker->color_ = color;
+  if (picker->action_) picker->action_(*picker);
+}
+
+void VRTTransientColorPicker::Session::finish(bool taken) {
+  const std::shared_ptr<Session> self = shared_from_this();
+  if (!running) return;
+  running = false;
+  if (current() == self) current().reset();
+  if (panel) {
+    panel->hide();
+    panel->deleteLater();
+  }
+  VRTTransientColorPicker& ended = *picker;
+  if (!taken && ended.color_ && ended.options_.oldColor) {
+    ended.color_ = ended.options_.oldColor;
+    if (ended.action_) ended.action_(ended);
+  }
+  if (view && ended.options_.didEnd) ended.options_.didEnd(taken);
+}
+
+void VRTTransientColorPicker::Session::die() {
+  const std::shared_ptr<Session> self = shared_from_this();
+  if (!running) return;
+  running = false;
+  if (current() == self) current().reset();
+}
+
+VRTTransientColorPicker::VRTTransientColorPicker(Action action, Options options)
+    : action_(std::move(action)), options_(std::move(options)) {}
+
+VRTTransientColorPicker::~VRTTransientColorPicker() = default;
+
+void VRTTransientColorPicker::popup(bool grayscale, NSTarnView* view, const NSEvent& event, Action action,
+                                    Options options) {
+  const QPointer<NSTarnView> owner(view);
+  if (const std::shared_ptr<Session> previous = Session::current()) previous->finish(false);
+  if (!owner) return;
+  const auto session =
+      std::make_shared<Session>(new VRTTransientColorPicker(std::move(action), std::move(options)), *owner);
+  Session::current() = session;
+  session->open(grayscale ? VRTColorSwatch::Kind::grayscale : VRTColorSwatch::Kind::color, event.globalPosition());
+}
+
+void VRTTransientColorPicker::popupColorPickerFrom(NSTarnView* view, const NSEvent& event, Action action,
+                                                   Options options) {
+  popup(false, view, event, std::move(action), std::move(options));
+}
+
+void VRTTransientColorPicker::popupColorPickerFrom(NSTarnView* view, const NSEvent& event, Action action) {
+  popup(false, view, event, std::move(action), {});
+}
+
+void VRTTransientColorPicker::popupGrayscalePickerFrom(NSTarnView* view, const NSEvent& event, Action action,
+                                                       Options options) {
+  popup(true, view, event, std::move(action), std::move(options));
+}
+
+void VRTTransientColorPicker::popupGrayscalePickerFrom(NSTarnView* view, const NSEvent& event, Action action) {
+  popup(true, view, event, std::move(action), {});
+}
+
+VRTTransientColorPicker* VRTTransientColorPicker::current() {
+  const std::shared_ptr<Session>& session = Session::current();
+  return session ? session->picker.get() : nullptr;
+}
+
+QWidget* VRTTransientColorPicker::panel() {
+  const std::shared_ptr<Session>& session = Session::current();
+  return session ? session->panel.data() : nullptr;
+}
+
+void VRTTransientColorPicker::cancel() {
+  const std::shared_ptr<Session> session = Session::current();
+  if (session && session->picker.get() == this) session->finish(false);
+}

@@ -1,0 +1,10 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Editors/VRTEditors.h"
+
+#include "GradientEditor/VRTGradientEditor.h"
+#include "HistogramEditor/VRTHistogramEditor.h"
+
+void VRTStartEditors() {
+  VRTRegisterGradientEditor();
+  VRTRegisterHistogramEditor();
+}

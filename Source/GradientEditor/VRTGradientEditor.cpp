@@ -1,0 +1,188 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "GradientEditor/VRTGradientEditor.h"
+
+#include "Channels/VRTChannelGradient.h"
+#include "Controls/VRTLocalizedText.h"
+#include "Controls/VRTTransientColorPicker.h"
+#include "GradientEditor/VRTGradientGutter.h"
+#include "GradientEditor/VRTGradientGutterGeometry.h"
+#include "GradientEditor/VRTGradientView.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+constexpr int kMinimumWidth = 120;
+
+bool holds(const VRTChannelGradientFolder& folder, const VRTChannelBase* channel) {
+  const auto& children = folder.getDescendants();
+  return std::find(children.begin(), children.end(), channel) != children.end();
+}
+
+}  // namespace
+
+VRTGradientEditor::VRTGradientEditor(NSRect frame, QWidget* parent) : NSTarnView(frame, parent) {
+  setAutoresizesSubviews(true);
+  setAutoresizingMask(NSViewWidthSizable | NSViewHeightSizable);
+  setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+  loadInterfaceFile();
+}
+
+VRTGradientEditor::~VRTGradientEditor() {
+  if (_pGradientPort) _pGradientPort->removeObserver(this, "value");
+  for (VRTGradientGutter* gutter : {_gradientGutterRGB.data(), _gradientGutterAlpha.data()}) {
+    if (gutter) gutter->setGradientEditor(nullptr);
+  }
+  for (QWidget* part : optionalParts()) {
+    if (!part->parentWidget()) delete part;
+  }
+  delete _masterView;
+}
+
+void VRTGradientEditor::setDelegate(VRTGradientEditorDelegate* delegate) {
+  if (delegate) {
+    _delegate = delegate->liveness_;
+  } else {
+    _delegate.reset();
+  }
+}
+
+VRTGradientEditorDelegate* VRTGradientEditor::delegate() const {
+  const auto living = _delegate.lock();
+  return living ? *living : nullptr;
+}
+
+void VRTGradientEditor::setGradientPort(VRTGradientPort* port) {
+  auto retained = VRTObjectReference<VRTGradientPort>(port).lock();
+  if (retained != _pGradientPort && !endLostInteractions()) return;
+  auto old = std::exchange(_pGradientPort, std::move(retained));
+  if (old) old->removeObserver(this, "value");
+  if (_pGradientPort) _pGradientPort->addObserver(this, "value", 0, nullptr);
+  if (_gradientView) _gradientView->setGradientPort(port);
+  if (_gradientGutterRGB) {
+    _gradientGutterRGB->setGradientPort(port);
+    _gradientGutterRGB->setGradientEditor(this);
+    _gradientGutterRGB->setRenderMode(VRTGradientRenderOpaque);
+  }
+  if (_gradientGutterAlpha) {
+    _gradientGutterAlpha->setGradientPort(port);
+    _gradientGutterAlpha->setGradientEditor(this);
+    _gradientGutterAlpha->setRenderMode(VRTGradientRenderAlpha);
+  }
+  forgetForeignSelection();
+  update();
+}
+
+bool VRTGradientEditor::endLostInteractions() {
+  const QPointer<VRTGradientEditor> self(this);
+  if (_gradientGutterRGB) _gradientGutterRGB->endLostInteraction();
+  if (self && _gradientGutterAlpha) _gradientGutterAlpha->endLostInteraction();
+  return self;
+}
+
+void VRTGradientEditor::observeValueForKeyPath(const std::string&, NSObject* object, const PropertyList&, void*) {
+  if (object != _pGradientPort.get()) return;
+  forgetForeignSelection();
+  update();
+}
+
+VRTChannelGradient* VRTGradientEditor::getGradientChannel() const {
+  return VRTGradientChannelOfPort(_pGradientPort.get());
+}
+
+void VRTGradientEditor::setEnabled(bool enabled) {
+  if (_gradientGutterRGB) _gradientGutterRGB->setEnabled(enabled);
+  if (_gradientGutterAlpha) _gradientGutterAlpha->setEnabled(enabled);
+}
+
+void VRTGradientEditor::setSelectedSample(VRTChannelGradientSample* sample, bool middleSelected, bool doubleClick) {
+  _selectedSampleRef = sample ? sample->getRef() : std::make_unique<VRTChannelRef>(nullptr);
+  _middleSelected = middleSelected;
+  if (VRTGradientEditorDelegate* told = delegate()) {
+    const QPointer<VRTGradientEditor> self(this);
+    told->setSelectedSample(sample, middleSelected, doubleClick);
+    if (!self) return;
+  }
+  update();
+}
+
+VRTChannelGradientSample* VRTGradientEditor::getSelectedSample() const {
+  if (!_selectedSampleRef || !getGradientChannel()) return nullptr;
+  return dynamic_cast<VRTChannelGradientSample*>(_selectedSampleRef->getChannel());
+}
+
+// A replaced gradient may live on, in a list of things to undo, say: it must not be edited any more.
+void VRTGradientEditor::forgetForeignSelection() {
+  const VRTChannelBase* selected = _selectedSampleRef ? _selectedSampleRef->getChannel() : nullptr;
+  const VRTChannelGradient* channel = getGradientChannel();
+  if (!selected || !channel || holds(channel->rgbFolder, selected) || holds(channel->alphaFolder, selected)) return;
+  _selectedSampleRef = std::make_unique<VRTChannelRef>(nullptr);
+}
+
+namespace {
+
+void changeFolder(const std::shared_ptr<VRTGradientPort>& port, VRTChannelGradientFolder& folder,
+                  void (VRTChannelGradientFolder::*change)(double)) {
+  const VRTPortChange announced(port);
+  (folder.*change)(0.0);
+}
+
+}  // namespace
+
+void VRTGradientEditor::rgbSpread(QWidget*) {
+  if (auto* channel = getGradientChannel()) {
+    changeFolder(_pGradientPort, channel->rgbFolder, &VRTChannelGradientFolder::spread);
+  }
+}
+
+void VRTGradientEditor::rgbFlop(QWidget*) {
+  if (auto* channel = getGradientChannel()) {
+    changeFolder(_pGradientPort, channel->rgbFolder, &VRTChannelGradientFolder::flop);
+  }
+}
+
+void VRTGradientEditor::alphaSpread(QWidget*) {
+  if (auto* channel = getGradientChannel()) {
+    changeFolder(_pGradientPort, channel->alphaFolder, &VRTChannelGradientFolder::spread);
+  }
+}
+
+void VRTGradientEditor::alphaFlop(QWidget*) {
+  if (auto* channel = getGradientChannel()) {
+    changeFolder(_pGradientPort, channel->alphaFolder, &VRTChannelGradientFolder::flop);
+  }
+}
+
+void VRTGradientEditor::updateSelectedSampleRGBFrom(VRTTransientColorPicker* picker) {
+  if (VRTGradientEditorDelegate* told = delegate()) return told->updateSelectedSampleRGBFrom(picker);
+  const std::optional<NSColor> color = picker ? picker->color() : std::nullopt;
+  auto* sample = dynamic_cast<VRTChannelGradientSampleRGB*>(getSelectedSample());
+  if (!color || !sample) return;
+  const VRTPortChange change(_pGradientPort);
+  sample->red = VRTSinglePrecision(color->redComponent());
+  sample->green = VRTSinglePrecision(color->greenComponent());
+  sample->blue = VRTSinglePrecision(color->blueComponent());
+}
+
+void VRTGradientEditor::updateSelectedSampleAlphaFrom(VRTTransientColorPicker* picker) {
+  if (VRTGradientEditorDelegate* told = delegate()) return told->updateSelectedSampleAlphaFrom(picker);
+  const std::optional<NSColor> color = picker ? picker->color() : std::nullopt;
+  auto* sample = dynamic_cast<VRTChannelGradientSampleAlpha*>(getSelectedSample());
+  if (!color || !sample) return;
+  const VRTPortChange change(_pGradientPort);
+  sample->alpha = VRTSinglePrecision(color->redComponent());
+}
+
+void VRTGradientEditor::setBounds(NSRect bounds) {
+  NSTarnView::setBounds(bounds);
+  update();
+}
+
+QSize VRTGradientEditor::minimumSizeHint() const {
+  return {kMinimumWidth, sizeHint().height()};
+}
+
+QString VRTGradientEditor::accessibilityLabel() const {
+  return VRTLocalizedText("Gradient editor");
+}

@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include "Channels/VRTChannelRef.h"
+#include "Controls/VRTPortReference.h"
+#include "GradientEditor/VRTGradientEditorDelegate.h"
+#include "Platform/Foundation/NSKeyValueObserving.h"
+#include "Platform/TarnKit/NSTarnButton.h"
+#include "Platform/TarnKit/NSTarnView.h"
+#include "Ports/VRTPorts.h"
+
+#include <QPointer>
+#include <memory>
+
+class VRTChannelGradient;
+class VRTChannelGradientFolder;
+class VRTChannelGradientSample;
+class VRTGradientGutter;
+class VRTGradientView;
+class VRTTransientColorPicker;
+
+// The panel that edits the gradient of one port: a preview between a gutter of color stops (below) and one of opacity
+// stops (above), with buttons that spread and flop each. It keeps the selection and follows every change of the port's
+// value. 75 points high, or 25, with nothing but a flat preview, while the port carries no gradient.
+//
+// The port is retained. The panel comes from the interface file "TarnGradientEditor"; without it, which is logged, the
+// editor stays empty. An editor may be destroyed at any time, by observers that it tells something too.
+class TARN_EXPORT VRTGradientEditor : public NSTarnView, public NSKeyValueObserver {
+ public:
+  explicit VRTGradientEditor(NSRect frame, QWidget* parent = nullptr);
+  ~VRTGradientEditor() override;
+
+  void setDelegate(VRTGradientEditorDelegate* delegate);  // not retained
+  VRTGradientEditorDelegate* delegate() const;            // null when there is none any more
+  void setGradientPort(VRTGradientPort* port);            // null detaches
+  VRTChannelGradient* getGradientChannel() const;         // of the port's current value, or null
+  void setEnabled(bool enabled);                          // of the gutters
+
+  // The selected sample, or the middle point of the segment that begins at it. Null selects nothing. A sample that
+  // leaves the gradient, or whose gradient is replaced, is selected no longer.
+  void setSelectedSample(VRTChannelGradientSample* sample, bool middleSelected, bool doubleClick);
+  VRTChannelGradientSample* getSelectedSample() const;
+  bool getMiddleSelected() const { return _middleSelected; }
+
+  // Lays the panel out for its width and what the port carries, and repaints everything.
+  void update();
+  // Puts a part into the panel, or takes it out and keeps it; true when it has been put there by this call.
+  bool manageSubview(QWidget* view, bool on);
+
+  // Spread the stops evenly, or mirror them.
+  void rgbSpread(QWidget* sender);
+  void rgbFlop(QWidget* sender);
+  void alphaSpread(QWidget* sender);
+  void alphaFlop(QWidget* sender);
+
+  // Store the picker's color in the selected sample of that kind: red, green and blue, or red as the opacity, in single
+  // precision. With a delegate that is left to it.
+  void updateSelectedSampleRGBFrom(VRTTransientColorPicker* picker);
+  void updateSelectedSampleAlphaFrom(VRTTransientColorPicker* picker);
+
+  void observeValueForKeyPath(const std::string& keyPath, NSObject* object, const PropertyList& change,
+                              void* context) override;
+  void setBounds(NSRect bounds) override;
+  QSize minimumSizeHint() const override;
+  QString accessibilityLabel() const override;
+
+ private:
+  void loadInterfaceFile();
+  void awakeFromNib();
+  void nameButtons();
+  void forgetForeignSelection();
+  // Of the gutters, before their port or their place goes. Whoever is told of it may change everything; false when the
+  // editor has been destroyed.
+  bool endLostInteractions();
+  void orderTabs();
+  std::vector<QWidget*> optionalParts() const;  // those that need a gradient, in the order of the Tab key
+
+  std::weak_ptr<VRTGradientEditorDelegate*> _delegate;
+  std::shared_ptr<VRTGradientPort> _pGradientPort;
+  std::unique_ptr<VRTChannelRef> _selectedSampleRef;
+  bool _middleSelected = false;
+  QPointer<NSTarnView> _masterView;
+  QPointer<VRTGradientView> _gradientView;
+  QPointer<VRTGradientGutter> _gradientGutterRGB;
+  QPointer<VRTGradientGutter> _gradientGutterAlpha;
+  QPointer<NSTarnButton> _rgbSpread, _rgbFlop, _alphaSpread, _alphaFlop;
+};
+
+// Makes the editor known to VRTGradientPort::setupParameterView(): 236 x 76 points, attached to the port and enabled.
+// Call it once, before editors are asked for.
+TARN_EXPORT void VRTRegisterGradientEditor();

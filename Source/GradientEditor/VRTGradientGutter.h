@@ -1,0 +1,152 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include "Channels/VRTChannelRef.h"
+#include "Controls/VRTTransientColorPicker.h"
+#include "GradientEditor/VRTGradientGutterMap.h"
+#include "GradientEditor/VRTGradientView.h"
+
+#include <QPointer>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <set>
+#include <vector>
+
+class VRTChannelGradientFolder;
+class VRTGradientEditor;
+
+// A strip with the markers of its samples, edited with mouse and keyboard: the behaviour that the color gutter
+// (VRTGradientGutterRGB) and the opacity gutter (VRTGradientGutterAlpha) share. VRTGradientGutterGeometry has the
+// layout.
+//
+// Mouse: a click on the strip inserts a sample and drags it; dragging moves samples and middle points, with option a
+// copy; a sample dragged off vanishes when the button is let go, unless it is the last; a right or control click opens
+// the picker of a sample, and so does a double click in an editor without a delegate.
+//
+// Keyboard: the arrows move what is selected by 1%, with Shift by 0.1%; Home and End move it to the ends, short of a
+// sample that stands there; Page Up and Page Down, or Control and the arrows, select the neighbours; Delete removes the
+// sample unless it is the last; Enter opens the picker.
+//
+// Every change of the gradient is bracketed by willChangeValue and didChangeValue of the port, except that a sample
+// inserted by a click first shows in those of the drag or the release that follow, and that color drops announce
+// nothing. What belongs together (one drag, held keys, one pick by keyboard) is framed by the notifications
+// "VortoStartInteraction" and "VortoEndInteraction" of the port; a pick by mouse has no frame. An end that gets lost,
+// because the gutter is destroyed or the next click comes first, is made up for.
+//
+// Observers of any of these may replace the value and destroy samples, the gutter and its editor. A drag whose gradient
+// is replaced ends there: the new gradient is left alone.
+class TARN_EXPORT VRTGradientGutter : public VRTGradientView {
+ public:
+  explicit VRTGradientGutter(NSRect frame, QWidget* parent = nullptr);
+  ~VRTGradientGutter() override;
+
+  void setGradientEditor(VRTGradientEditor* editor);  // not retained; keeps the selection
+  void setEnabled(bool enabled);  // at first false: mouse events go to the superview, keys are not taken
+  void setNeedsToBeKeyframed(bool needed) { _needsToBeKeyframed = needed; }  // edits must create a keyframe
+  bool keyframed() const { return _keyframed; }                  // a position has changed while one was needed
+  bool deleteUndoHandled() const { return _deleteUndoHandled; }  // a sample has been dragged off
+
+  // Programming errors here: they report themselves and abort.
+  virtual VRTChannelGradientFolder* getFolder() const;           // the edited samples, or null
+  virtual void getSamples(VRTGradientGutterMap& samples) const;  // adds to a fresh map
+
+  VRTGradientGutterMap::const_iterator findSampleIn(const VRTGradientGutterMap& samples, NSPoint location,
+                                                    bool* hitMiddle) const;
+
+  virtual void startColorPicker(const NSEvent& event);  // for the selected sample; nothing here
+  virtual void takeColorFromTransientColorPicker(VRTTransientColorPicker* picker);  // nothing here
+  virtual std::optional<NSColor> color() const;  // of the selected sample, as the picker shows it; none here
+  void setInterpolation(int interpolation);      // does nothing
+
+  void mouseDown(const NSEvent& event) override;
+  void mouseDragged(const NSEvent& event) override;
+  void mouseUp(const NSEvent& event) override;
+  void rightMouseDown(const NSEvent& event) override;
+  void flagsChanged(const NSEvent& event) override;
+  bool acceptsFirstMouse() const override { return true; }
+  QMenu* menuForEvent(const NSEvent& event) override;
+  void keyDown(QKeyEvent& event) override;
+
+  // Ends what the mouse or the keyboard is doing, whose own end may never come: the gutter is about to be hidden.
+  void endLostInteraction();
+
+  void update() override;
+  void updateToolTips();
+  void setBounds(NSRect bounds) override;
+  void viewDidEndLiveResize() override;
+  std::optional<QCursor> cursorAtPoint(NSPoint point) const override;
+  std::vector<NSAccessibilityElement> accessibilityElements() const override;
+  void setAccessibilityValue(std::size_t element, double value) override;
+
+ protected:
+  // Draws strip and markers with these indexes of the marker atoms. The rectangle is ignored: the bounds count.
+  void drawGutter(NSRect rect, int sampleIndex, int middleIndex);
+
+  // For a picker of the selected sample: colors go to takeColorFromTransientColorPicker() for as long as that sample is
+  // the selected one.
+  VRTTransientColorPicker::Action pickerAction();
+  VRTTransientColorPicker::Options pickerOptions();
+  virtual QString sampleKind() const;  // "Color stop", for people
+  QString stripHelp() const;           // what the mouse does here
+
+  VRTGradientEditor* editor() const;
+  VRTGradientGutterGeometry geometry() const { return VRTGradientGutterGeometry(bounds()); }
+
+  void keyReleaseEvent(QKeyEvent* event) override;
+  void focusInEvent(QFocusEvent* event) override;
+  void focusOutEvent(QFocusEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
+
+ private:
+  enum Moving : std::int32_t { MovingNothing = 0, MovingSample = 1, MovingMiddle = 2 };
+
+  VRTGradientSelection selection() const;
+  VRTChannelGradientSample* selectedSampleOfFolder() const;  // null when the selection is not one of this gutter's
+  // False when the gutter has been destroyed meanwhile.
+  bool select(VRTChannelGradientSample* sample, bool middle, bool doubleClick);
+
+  bool pressAt(NSPoint point, const NSEvent& event, bool* onSample);
+  VRTChannelGradientSample* copyOfSample(VRTChannelGradientSample& sample);
+  void dragSample(NSPoint point, double travel);
+  void dragMiddle(double travel);
+
+  void rememberFolder();
+  bool folderIsRemembered() const;
+  void abandonDrag();
+  bool beginInteraction();  // false when the gutter has been destroyed meanwhile
+  void finishInteraction(const NSEvent* release);
+  void putColorBack(const VRTChannelRef& picked, const VRTChannelBase& before);
+  void pickerDidEnd();
+
+  bool useKey(const QKeyEvent& event);
+  void moveByKey(double step);
+  void moveByKeyTo(double end);
+  void changeByKey(const std::function<void(VRTChannelGradientSample&)>& change);
+  void selectNeighbour(int direction);
+  void deleteByKey();
+  void pickByKey();
+
+  void drawMarkers(int sampleIndex, int middleIndex);
+  void announceAccessibility();
+
+  QPointer<QWidget> _pGradientEditor;                   // a VRTGradientEditor
+  std::unique_ptr<VRTChannelGradientSample> _pDeleted;  // dragged off: out of its folder, destroyed on release
+  NSPoint _startingLocation;                            // of the last press, in single precision
+  double _startingValue = 0;
+  double _nextSample = 0;
+  std::int32_t _moving = MovingNothing;
+  bool _deleteUndoHandled = false;
+  bool _keyframed = false;
+  bool _needsToBeKeyframed = false;
+  bool _enabled = false;
+
+  std::unique_ptr<VRTChannelRef> editedFolder_;  // whose samples the interaction edits
+  bool interacting_ = false;                     // a start has been posted, its end has not
+  bool picking_ = false;                         // the interaction is a pick by keyboard
+  int pressedKey_ = 0;                           // the key that is being used
+  bool endMadeUp_ = false;                       // the release of a drag has been made up for
+  bool keying_ = false;                          // keys move what is selected
+  std::set<int> heldKeys_;                       // those that are down
+  std::vector<double> announcedPositions_;       // what assistive technology knows
+};

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Channels/VRTChannelGradientSample.h"
+#include "GradientEditor/VRTGradientEditor.h"
+#include "GradientEditor/VRTGradientGutter.h"
+#include "Platform/Foundation/NSNotificationCenter.h"
+
+// Choosing a sample's color from a pop-up.
+
+namespace {
+
+// Gives the sample the color of its copy; false when it has that color.
+bool restoreColor(VRTChannelBase& sample, const VRTChannelBase& copy) {
+  if (auto* color = dynamic_cast<VRTChannelGradientSampleRGB*>(&sample)) {
+    const auto& from = dynamic_cast<const VRTChannelGradientSampleRGB&>(copy);
+    if (color->red == from.red && color->green == from.green && color->blue == from.blue) return false;
+    color->red = from.red;
+    color->green = from.green;
+    color->blue = from.blue;
+    return true;
+  }
+  if (auto* opacity = dynamic_cast<VRTChannelGradientSampleAlpha*>(&sample)) {
+    const double alpha = dynamic_cast<const VRTChannelGradientSampleAlpha&>(copy).alpha;
+    if (opacity->alpha == alpha) return false;
+    opacity->alpha = alpha;
+    return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+void VRTGradientGutter::startColorPicker(const NSEvent&) {}
+
+void VRTGradientGutter::takeColorFromTransientColorPicker(VRTTransientColorPicker*) {}
+
+std::optional<NSColor> VRTGradientGutter::color() const {
+  return std::nullopt;
+}
+
+VRTTransientColorPicker::Action VRTGradientGutter::pickerAction() {
+  const QPointer<VRTGradientGutter> self(this);
+  VRTChannelGradientSample* const sample = selectedSampleOfFolder();
+  const std::shared_ptr<VRTChannelRef> picked(sample ? sample->getRef() : nullptr);
+  return [self, picked](VRTTransientColorPicker& picker) {
+    if (!self || !picked || !picked->getChannel()) return;
+    if (self->selectedSampleOfFolder() == picked->getChannel()) self->takeColorFromTransientColorPicker(&picker);
+  };
+}
+
+VRTTransientColorPicker::Options VRTGradientGutter::pickerOptions() {
+  const QPointer<VRTGradientGutter> self(this);
+  VRTChannelGradientSample* const sample = selectedSampleOfFolder();
+  const std::shared_ptr<VRTChannelRef> picked(sample ? sample->getRef() : nullptr);
+  const std::shared_ptr<VRTChannelBase> before(sample ? sample->clone() : nullptr);
+  VRTTransientColorPicker::Options options;
+  options.oldColor = color();
+  options.didEnd = [self, picked, before](bool taken) {
+    if (self && !taken && picked) self->putColorBack(*picked, *before);
+    if (self) self->pickerDidEnd();
+  };
+  return options;
+}
+
+// Colors from pickers are rounded to single precision, the old one that a cancelled picker gives back is, too: here its
+// last digits return.
+void VRTGradientGutter::putColorBack(const VRTChannelRef& picked, const VRTChannelBase& before) {
+  VRTChannelGradientSample* sample = selectedSampleOfFolder();
+  const VRTGradientEditor* owner = editor();
+  if (!sample || sample != picked.getChannel() || !owner || owner->delegate()) return;
+  if (!restoreColor(*sample, before)) return;
+  const VRTPortChange change(gradientPort());
+}
+
+void VRTGradientGutter::pickerDidEnd() {
+  if (!picking_) return;
+  interacting_ = picking_ = false;
+  const auto port = gradientPort();
+  NSNotificationCenter::defaultCenter().postNotificationName("VortoEndInteraction", port.get());
+}

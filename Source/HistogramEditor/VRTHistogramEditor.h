@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include "Controls/VRTPortReference.h"
+#include "Platform/Foundation/NSKeyValueObserving.h"
+#include "Platform/TarnKit/NSPopUpButton.h"
+#include "Platform/TarnKit/NSTarnView.h"
+#include "Ports/VRTPorts.h"
+
+#include <QPointer>
+#include <memory>
+
+class VRTChannelHistogram;
+class VRTHistogramGradientView;
+class VRTHistogramGutterIn;
+class VRTHistogramGutterOut;
+class VRTHistogramView;
+
+// The panel that edits the levels of one port: a pop-up that chooses the channel, the live histogram of the effect's
+// input image, and below it the handles of the input, a grey ramp and the handles of the output.
+//
+// The port is retained. The panel comes from the interface file "TarnHistogramEditor"; without it, which is logged, the
+// editor stays empty. A detached editor (setHistogramPort with null) observes nothing and costs nothing: hosts detach
+// editors that they hide. An editor may be destroyed at any time, by observers that it tells something too.
+//
+// The channel that is chosen belongs to the levels and is stored with them, but choosing it announces nothing. The
+// pop-up is set when a port is attached; it does not follow values that come later.
+class TARN_EXPORT VRTHistogramEditor : public NSTarnView, public NSKeyValueObserver {
+ public:
+  explicit VRTHistogramEditor(NSRect frame, QWidget* parent = nullptr);
+  ~VRTHistogramEditor() override;
+
+  void setDelegate(NSObject* delegate);  // not retained; kept for the host
+  NSObject* delegate() const;            // null when it is destroyed
+  void setHistogramPort(VRTHistogramPort* port);
+  VRTChannelHistogram* getHistogramChannel() const;  // of the port's current value, or null
+  void update();                                     // repaints everything
+  void setChannelValue(NSPopUpButton* sender);       // takes the chosen item as the channel
+
+  void observeValueForKeyPath(const std::string& keyPath, NSObject* object, const PropertyList& change,
+                              void* context) override;
+  void setBounds(NSRect bounds) override;
+  QSize minimumSizeHint() const override;
+  QString accessibilityLabel() const override;
+
+ private:
+  void loadInterfaceFile();
+  void awakeFromNib();
+  void layOut();
+  void rebuildPopUp();
+
+  VRTObjectReference<NSObject> _delegate;
+  std::shared_ptr<VRTHistogramPort> _histogramPort;
+  QPointer<NSPopUpButton> _popUp;
+  QPointer<NSTarnView> _masterView;
+  QPointer<VRTHistogramView> _histogramView;
+  QPointer<VRTHistogramGradientView> _gradientView;
+  QPointer<VRTHistogramGutterIn> _gutterIn;
+  QPointer<VRTHistogramGutterOut> _gutterOut;
+};
+
+// Makes the editor known to VRTHistogramPort::setupParameterView(): 218 x 137 points, attached to the port. Call it
+// once, before editors are asked for.
+TARN_EXPORT void VRTRegisterHistogramEditor();

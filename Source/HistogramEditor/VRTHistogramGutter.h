@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include "Controls/VRTPortReference.h"
+#include "HistogramEditor/VRTHistogramGutterGeometry.h"
+#include "Platform/TarnKit/NSTarnView.h"
+#include "Ports/VRTPorts.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <set>
+#include <vector>
+
+class VRTChannelHistogram;
+
+// The levels of a port's current value; null for a null or empty port.
+TARN_EXPORT VRTChannelHistogram* VRTHistogramChannelOfPort(const VRTHistogramPort* port);
+
+// A strip of handles below a graph, edited with mouse and keyboard: the behaviour that the input gutter and the output
+// gutter share. Both edit the channel that the levels select.
+//
+// Mouse: a handle is dragged sideways; where handles overlap, the one drawn last is taken. Handles are not kept in
+// order. Keyboard: Tab goes from handle to handle, the arrows move the one that has the keyboard by 1% of the track,
+// with Shift by 0.1%; Home and End send it to the ends.
+//
+// Every change is bracketed by willChangeValue and didChangeValue of the port. A press of the mouse (on a handle or
+// not) and its release post "VortoStartInteraction" and "VortoEndInteraction" with the port as object, and so do the
+// first key that changes something and the release of the last one. When a release never comes, because the gutter is
+// hidden or destroyed meanwhile, the end is made up for.
+//
+// Observers of any of these may replace the value and destroy the gutter. A drag goes on in the new value.
+class TARN_EXPORT VRTHistogramGutter : public NSTarnView {
+ public:
+  VRTHistogramGutter(NSRect frame, QWidget* parent);
+  ~VRTHistogramGutter() override;
+
+  void setHistogramPort(VRTHistogramPort* port);     // not retained
+  VRTChannelHistogram* getHistogramChannel() const;  // of the port's current value, or null
+  void update();                                     // call it after any change of the levels
+
+  bool acceptsFirstMouse() const override { return true; }
+  void flagsChanged(const NSEvent& event) override;
+  void mouseDown(const NSEvent& event) override;
+  void mouseDragged(const NSEvent& event) override;
+  void mouseUp(const NSEvent& event) override;
+  void drawRect(NSRect dirty) override;
+
+  void keyDown(QKeyEvent& event) override;
+  std::optional<QCursor> cursorAtPoint(NSPoint point) const override;
+  std::vector<NSAccessibilityElement> accessibilityElements() const override;
+  void setAccessibilityValue(std::size_t element, double value) override;
+
+ protected:
+  enum Handle : std::int32_t { NoHandle = 0, BlackHandle = 1, WhiteHandle = 2, GammaHandle = 3 };
+
+  // The handles in the order of drawing. Handles are dragged by their positions, 0 to 1 on the track.
+  virtual std::vector<Handle> handles() const = 0;
+  virtual double positionOf(Handle handle, const VRTChannelHistogram& channel) const = 0;
+  virtual void setPositionOf(Handle handle, double position, VRTChannelHistogram& channel) const = 0;
+  virtual QString nameOf(Handle handle) const = 0;
+  // What people read and set: the position, unless overridden.
+  virtual double valueOf(Handle handle, const VRTChannelHistogram& channel) const;
+  virtual void setValueOf(Handle handle, double value, VRTChannelHistogram& channel) const;
+  virtual double largestValueOf(Handle handle) const;
+
+  std::shared_ptr<VRTHistogramPort> histogramPort() const { return _pHistogramPort.lock(); }
+
+  bool focusNextPrevChild(bool next) override;
+  void keyReleaseEvent(QKeyEvent* event) override;
+  void focusInEvent(QFocusEvent* event) override;
+  void focusOutEvent(QFocusEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
+
+ private:
+  VRTHistogramGutterGeometry geometry() const { return VRTHistogramGutterGeometry(bounds()); }
+  Handle handleAt(NSPoint point, const VRTChannelHistogram& channel) const;
+  std::vector<Handle> handlesFromLeft() const;  // as they stand by default: the order of the Tab key
+  bool changeChannel(const std::function<void(VRTChannelHistogram&)>& change);
+  void showValue();
+
+  bool useKey(const QKeyEvent& event);
+  bool moveByKey(Handle handle, double position, int key);
+  bool beginInteraction();  // false when the gutter has been destroyed meanwhile
+  void endInteraction();
+  void makeUpEnd();
+  void setFocusedHandle(Handle handle);
+  void announceAccessibility();
+
+  VRTObjectReference<VRTHistogramPort> _pHistogramPort;
+  struct {
+    float x = 0;
+    float y = 0;
+  } _startingLocation;
+  Handle _selectedChannel = NoHandle;  // what is being dragged, despite the name
+  double _startingValue = 0;           // its position when it was grabbed
+
+  bool interacting_ = false;             // a start has been posted, its end has not
+  bool endIsMadeUp_ = false;             // the release that belongs to the last press needs no end
+  Handle focusedHandle_ = NoHandle;      // the one that keys move
+  bool showsFocus_ = false;              // by the keyboard, not by a click
+  std::set<int> heldKeys_;               // those that have changed something and are down
+  std::vector<double> announcedValues_;  // what assistive technology knows
+};
+
+// Black, white and gamma of the input. The gamma handle stands between the two others, in the middle for gamma 1.
+class TARN_EXPORT VRTHistogramGutterIn : public VRTHistogramGutter {
+ public:
+  explicit VRTHistogramGutterIn(NSRect frame, QWidget* parent = nullptr) : VRTHistogramGutter(frame, parent) {}
+  QString accessibilityLabel() const override;
+
+ protected:
+  std::vector<Handle> handles() const override;
+  double positionOf(Handle handle, const VRTChannelHistogram& channel) const override;
+  void setPositionOf(Handle handle, double position, VRTChannelHistogram& channel) const override;
+  QString nameOf(Handle handle) const override;
+  double valueOf(Handle handle, const VRTChannelHistogram& channel) const override;
+  void setValueOf(Handle handle, double value, VRTChannelHistogram& channel) const override;
+  double largestValueOf(Handle handle) const override;
+};
+
+// Black and white of the output.
+class TARN_EXPORT VRTHistogramGutterOut : public VRTHistogramGutter {
+ public:
+  explicit VRTHistogramGutterOut(NSRect frame, QWidget* parent = nullptr) : VRTHistogramGutter(frame, parent) {}
+  QString accessibilityLabel() const override;
+
+ protected:
+  std::vector<Handle> handles() const override;
+  double positionOf(Handle handle, const VRTChannelHistogram& channel) const override;
+  void setPositionOf(Handle handle, double position, VRTChannelHistogram& channel) const override;
+  QString nameOf(Handle handle) const override;
+};

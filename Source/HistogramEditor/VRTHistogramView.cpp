@@ -1,0 +1,152 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "HistogramEditor/VRTHistogramView.h"
+
+#include "Channels/VRTChannelHistogram.h"
+#include "Controls/VRTLocalizedText.h"
+#include "Controls/VRTTheme.h"
+#include "Controls/VRTThemeStore.h"
+#include "HistogramEditor/VRTHistogramGutter.h"
+#include "Platform/QuartzComposer/QCPatch.h"
+#include "Platform/TarnKit/NSGraphicsContext.h"
+#include "Registry/VRTProtocols.h"
+
+#include <QActionGroup>
+#include <QMenu>
+#include <QPointer>
+
+namespace {
+
+constexpr const char* kImageKeyPath = "__rawValue__";
+
+// The pixels as the context describes them.
+TCHistogramImage describedImage(VortoExecutionContext& context, const QCImage& image) {
+  TCHistogramImage described;
+  described.pixelsWide = context.pixelsWideFromImage(image);
+  described.pixelsHigh = context.pixelsHighFromImage(image);
+  described.isRedFirst = context.formatFromImage(image) != 0;
+  context.getPixelsFromImage(image, &described.baseAddress, &described.bytesPerRow);
+  return described;
+}
+
+}  // namespace
+
+VRTHistogramView::VRTHistogramView(NSRect frame, QWidget* parent) : NSTarnView(frame, parent) {
+  setFocusPolicy(Qt::TabFocus);  // for the menu key
+}
+
+VRTHistogramView::~VRTHistogramView() = default;
+
+QCPort* VRTHistogramView::imageInputPort() const {
+  const auto port = _pHistogramPort.lock();
+  const QCPatch* node = port ? port->node() : nullptr;
+  return node && isVortoFilter(*node) ? filterInputImagePort(*node) : nullptr;
+}
+
+void VRTHistogramView::setHistogramPort(VRTHistogramPort* port) {
+  if (const auto observed = observedPort_.lock()) observed->removeObserver(this, kImageKeyPath);
+  _pHistogramPort = VRTObjectReference<VRTHistogramPort>(port);
+  QCPort* imagePort = imageInputPort();
+  observedPort_ = VRTObjectReference<QCPort>(imagePort);
+  if (imagePort) {
+    imagePort->addObserver(this, kImageKeyPath, 0, nullptr);
+    resampleInputImage();
+  }
+  _histogramOutOfDate = true;
+  setNeedsDisplay(true);
+}
+
+VRTChannelHistogram* VRTHistogramView::getHistogramChannel() const {
+  return VRTHistogramChannelOfPort(_pHistogramPort.lock().get());
+}
+
+void VRTHistogramView::observeValueForKeyPath(const std::string&, NSObject*, const PropertyList&, void*) {
+  resampleInputImage();
+}
+
+void VRTHistogramView::resampleInputImage() {
+  const auto* port = dynamic_cast<const QCImagePort*>(imageInputPort());
+  const std::shared_ptr<QCImage> image = port ? port->imageValue() : nullptr;
+  if (!image) return;
+  computeHistogramSamples(*image);
+  _histogramOutOfDate = true;
+  setNeedsDisplay(true);
+}
+
+void VRTHistogramView::computeHistogramSamples(const QCImage& image) {
+  _samples = TCHistogram();
+  const int pixelBytes = image._bufferPixelSize();
+  if (pixelBytes != 4 && pixelBytes != 8 && pixelBytes != 16) return;
+  const QCPort* port = imageInputPort();
+  QCPatch* node = port ? port->node() : nullptr;
+  VortoExecutionContext* context = node ? vortoExecutionContext(*node) : nullptr;
+  if (!context) return;
+  TCHistogramImage described = describedImage(*context, image);
+  described.bitsPerChannel = static_cast<std::uint32_t>(pixelBytes) * 2;
+  TCCountHistogram(described, _samples);
+}
+
+void VRTHistogramView::update(bool) {
+  _histogramOutOfDate = true;
+  setNeedsDisplay(true);
+}
+
+void VRTHistogramView::drawRect(NSRect) {
+  drawHistogram(bounds());
+  if (hasFocus()) NSDrawFocusRing(bounds());
+}
+
+void VRTHistogramView::drawHistogram(NSRect rect) {
+  DrawNinePartElementAtIndex(rect, VRTTheme::theme(), VRTThemeAtomWell, 0, 1.0, 0);
+  updateImage(VRTHistogramPictureSize(rect));
+  _pHistogram.image->compositeToPoint(VRTHistogramPictureOrigin(rect, bounds(), isFlipped()), NSCompositeSourceOver);
+}
+
+void VRTHistogramView::updateImage(NSSize size) {
+  if (!_pHistogram.image || !NSEqualSizes(_pHistogram.image->size(), size)) {
+    allocateImage(size);
+    _histogramOutOfDate = true;
+  }
+  if (!_histogramOutOfDate) return;
+  computeHistogramImage(size);
+  _histogramOutOfDate = false;
+}
+
+void VRTHistogramView::allocateImage(NSSize size) {
+  if (_pHistogram.image && NSEqualSizes(_pHistogram.image->size(), size)) return;
+  _pHistogram = VRTMakeHistogramBitmap(size);
+}
+
+void VRTHistogramView::computeHistogramImage(NSSize) {
+  if (!_pHistogram.representation) return;
+  const VRTChannelHistogram* channel = getHistogramChannel();
+  const std::int32_t selected = channel ? channel->selectedChannel : 0;
+  VRTPaintHistogram(*_pHistogram.representation, VRTHistogramCountsOfChannel(_samples, selected), histogramScale_);
+}
+
+void VRTHistogramView::setHistogramScale(VRTHistogramScale scale) {
+  if (scale == histogramScale_) return;
+  histogramScale_ = scale;
+  update(true);
+}
+
+QMenu* VRTHistogramView::menuForEvent(const NSEvent&) {
+  auto* menu = new QMenu(this);
+  auto* choices = new QActionGroup(menu);
+  const QPointer<VRTHistogramView> self(this);
+  const auto add = [&](const char* title, VRTHistogramScale scale) {
+    QAction* choice = menu->addAction(VRTLocalizedText(title));
+    choice->setCheckable(true);
+    choice->setChecked(scale == histogramScale_);
+    choices->addAction(choice);
+    QObject::connect(choice, &QAction::triggered, [self, scale] {
+      if (self) self->setHistogramScale(scale);
+    });
+  };
+  add("Linear", VRTHistogramScale::Linear);
+  add("Logarithmic", VRTHistogramScale::Logarithmic);
+  return menu;
+}
+
+QString VRTHistogramView::accessibilityLabel() const {
+  return VRTLocalizedText("Histogram");
+}

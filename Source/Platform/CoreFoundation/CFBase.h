@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include "Platform/Visibility.h"
+
+#include <cstdint>
+
+// What every CoreFoundation-style object shares.
+//
+// Ownership goes by the name of the call: what a function with Create or Copy in its name answers belongs to the
+// caller, who releases it once; what one with Get in its name answers belongs to somebody else and must be retained to
+// be kept. Counts are not synchronised: an object is used by one thread at a time. Null is harmless everywhere: it is
+// neither retained nor released, queries of it answer 0 or null, edits of it do nothing.
+using CFTypeRef = const void*;  // any object of this room
+using CFAllocatorRef = const struct CFAllocatorObject*;
+using CFIndex = long;  // counts and positions; negative ones are always out of bounds
+using CFOptionFlags = unsigned long;
+using UniChar = unsigned short;  // one UTF-16 unit
+
+inline constexpr CFAllocatorRef kCFAllocatorDefault = nullptr;  // the only allocator; the argument is not looked at
+inline constexpr CFIndex kCFNotFound = -1;
+
+struct CFRange {
+  CFIndex location = 0;
+  CFIndex length = 0;
+};
+
+constexpr CFRange CFRangeMake(CFIndex location, CFIndex length) {
+  return CFRange{location, length};
+}
+
+enum CFComparisonResult : CFIndex { kCFCompareLessThan = -1, kCFCompareEqualTo = 0, kCFCompareGreaterThan = 1 };
+
+// Answers its argument.
+TARN_EXPORT CFTypeRef CFRetain(CFTypeRef object);
+// The last release destroys the object. Constants are never destroyed.
+TARN_EXPORT void CFRelease(CFTypeRef object);
+TARN_EXPORT CFIndex CFGetRetainCount(CFTypeRef object);
+// Writes a description and a newline to standard error: of a string its text in UTF-8.
+TARN_EXPORT void CFShow(CFTypeRef object);

@@ -1,0 +1,339 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Platform/Foundation/NSCoder.h"
+#include "Platform/Foundation/NSCoding.h"
+#include "Platform/Foundation/NSValues.h"
+
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+namespace {
+
+constexpr const char* archiverName = "NSArchiver";
+constexpr std::int64_t archiveVersion = 1;
+constexpr const char* unkeyed = "this coder has no keys";
+
+}  // namespace
+
+// ---------------------------------------------------------------- writing
+
+struct NSArchiver::State {
+  explicit State(NSArchiver& owner) : archiver(owner) { contexts.emplace_back(); }
+
+  void put(const NSObjectRef& object) {
+    if (finished) {
+      archiver.fail("the archive is finished");
+      return;
+    }
+    PropertyList reference = referenceTo(object);
+    contexts.back().push_back(std::move(reference));
+  }
+
+  PropertyList referenceTo(const NSObjectRef& object) {
+    if (!object || !archiver.error().empty()) {
+      return PropertyList::uid(0);
+    }
+    if (const auto known = places.find(object.get()); known != places.end()) {
+      if (objects[known->second - 1].find("open") != nullptr) {
+        archiver.fail("an object of class \"" + object->className() + "\" contains itself");
+      }
+      return PropertyList::uid(known->second);
+    }
+    auto plain = coding::plainValue(*object);
+    const auto equal = plain ? plainValues.find(*plain) : std::nullopt;
+    const std::size_t place = equal.value_or(objects.size() + 1);
+    places.emplace(object.get(), place);
+    retained.push_back(object);
+    if (plain && !equal) {
+      plainValues.add(*plain, place);
+      objects.push_back(*std::move(plain));
+    } else if (!plain) {
+      write(*object, place);
+    }
+    return PropertyList::uid(place);
+  }
+
+  void write(const NSObject& object, std::size_t place) {
+    const coding::Level level(contexts.size() == 1);
+    if (level.isTooDeep()) {
+      archiver.fail("objects are nested too deeply");
+      return;
+    }
+    PropertyList mark;
+    mark.set("open", PropertyList::boolean(true));
+    objects.push_back(std::move(mark));
+    PropertyList entry;
+    PropertyList names = PropertyList::array();
+    for (std::string& each : NSClassHierarchy(object.className())) {
+      names.append(PropertyList::string(std::move(each)));
+    }
+    entry.set("class", std::move(names));
+    contexts.emplace_back();
+    if (const auto* data = dynamic_cast<const NSMutableData*>(&object)) {
+      put(std::make_shared<NSData>(data->bytes()));
+    } else if (const auto* array = dynamic_cast<const NSArray*>(&object)) {
+      for (const NSObjectRef& each : array->objects()) {
+        put(each);
+      }
+    } else if (const auto* dictionary = dynamic_cast<const NSDictionary*>(&object)) {
+      PropertyList keys = PropertyList::array();
+      for (const auto& [key, value] : dictionary->entries()) {
+        keys.append(PropertyList::string(key));
+        put(value);
+      }
+      entry.set("keys", std::move(keys));
+    } else {
+      coding::encode(object, archiver);
+    }
+    entry.set("values", PropertyList::array(std::move(contexts.back())));
+    contexts.pop_back();
+    objects[place - 1] = std::move(entry);
+  }
+
+  NSArchiver& archiver;
+  bool finished = false;
+  PropertyList::Array objects;                // the n-th stands at n - 1
+  std::vector<PropertyList::Array> contexts;  // the first one is "top"
+  std::unordered_map<const NSObject*, std::size_t> places;
+  std::vector<NSObjectRef> retained;
+  coding::PlainValues plainValues;
+};
+
+NSArchiver::NSArchiver() : state_(std::make_unique<State>(*this)) {}
+NSArchiver::~NSArchiver() = default;
+
+void NSArchiver::encodeObject(const NSObjectRef& object) {
+  state_->put(object);
+}
+
+void NSArchiver::encodeObject(const NSObjectRef&, std::string_view) {
+  fail(unkeyed);
+}
+
+NSObjectRef NSArchiver::decodeObject() {
+  fail("an archiver does not decode");
+  return nullptr;
+}
+
+NSObjectRef NSArchiver::decodeObjectForKey(std::string_view) {
+  fail(unkeyed);
+  return nullptr;
+}
+
+bool NSArchiver::containsValueForKey(std::string_view) const {
+  return false;
+}
+
+std::optional<PropertyList::Bytes> NSArchiver::finishEncoding() {
+  if (state_->finished) {
+    fail("the archive is finished");
+  }
+  state_->finished = true;
+  if (!error().empty()) {
+    return std::nullopt;
+  }
+  PropertyList archive;
+  archive.set("archiver", PropertyList::string(archiverName));
+  archive.set("version", PropertyList::integer(archiveVersion));
+  archive.set("objects", PropertyList::array(std::move(state_->objects)));
+  archive.set("top", PropertyList::array(std::move(state_->contexts.front())));
+  std::string reason;
+  auto bytes = PropertyListToBytes(archive, PropertyListFormat::Binary, &reason);
+  if (!bytes) {
+    fail("the archive " + reason);
+  }
+  return bytes;
+}
+
+// ---------------------------------------------------------------- reading
+
+struct NSUnarchiver::State {
+  struct Context {
+    const PropertyList::Array* values;
+    std::size_t next = 0;
+  };
+  enum class Progress : std::uint8_t { Unread, Open, Read };
+
+  explicit State(NSUnarchiver& owner) : unarchiver(owner) {}
+
+  NSObjectRef failNull(const std::string& reason) {
+    unarchiver.fail(reason);
+    return nullptr;
+  }
+
+  bool begin(PropertyList list) {
+    archive = std::move(list);
+    const PropertyList* name = archive.find("archiver");
+    const PropertyList* version = archive.find("version");
+    const PropertyList* array = archive.find("objects");
+    const PropertyList* top = archive.find("top");
+    if (name == nullptr || name->stringValue() != archiverName || version == nullptr || array == nullptr ||
+        !array->isArray() || top == nullptr || !top->isArray()) {
+      unarchiver.fail("is no archive of this coder");
+      return false;
+    }
+    if (version->integerValue() != archiveVersion) {
+      unarchiver.fail("is an archive of version " + std::to_string(version->integerValue()));
+      return false;
+    }
+    objects = &array->items();
+    progress.assign(objects->size(), Progress::Unread);
+    made.assign(objects->size(), nullptr);
+    contexts.push_back({&top->items()});
+    return true;
+  }
+
+  NSObjectRef next() {
+    if (contexts.empty()) {
+      return failNull("no archive is being read");
+    }
+    Context& context = contexts.back();
+    if (!unarchiver.error().empty()) {
+      return nullptr;
+    }
+    if (context.next == context.values->size()) {
+      return failNull("the archive holds no more objects");
+    }
+    return objectOf((*context.values)[context.next++]);
+  }
+
+  NSObjectRef objectOf(const PropertyList& reference) {
+    if (reference.type() != PropertyList::Type::Uid || reference.uidValue() > objects->size()) {
+      return failNull("is a damaged archive: a reference that leads nowhere");
+    }
+    if (reference.uidValue() == 0) {
+      return nullptr;
+    }
+    const auto place = static_cast<std::size_t>(reference.uidValue() - 1);
+    if (progress[place] == Progress::Open) {
+      return failNull("is a damaged archive: an object contains itself");
+    }
+    if (progress[place] == Progress::Unread) {
+      const coding::Level level(contexts.size() == 1);
+      if (level.isTooDeep()) {
+        return failNull("objects are nested too deeply");
+      }
+      progress[place] = Progress::Open;
+      NSObjectRef object = read((*objects)[place]);
+      progress[place] = Progress::Read;
+      made[place] = unarchiver.error().empty() ? std::move(object) : nullptr;
+    }
+    return made[place];
+  }
+
+  NSObjectRef read(const PropertyList& object) {
+    if (NSObjectRef plain = coding::objectOfPlainValue(object)) {
+      return plain;
+    }
+    const PropertyList* names = object.find("class");
+    const PropertyList* values = object.find("values");
+    if (names == nullptr || names->items().empty() || values == nullptr || !values->isArray()) {
+      return failNull("is a damaged archive: an object without a class or values");
+    }
+    contexts.push_back({&values->items()});
+    NSObjectRef result = make(object, names->items());
+    contexts.pop_back();
+    return result;
+  }
+
+  NSObjectRef make(const PropertyList& object, const PropertyList::Array& names) {
+    const std::string& archivedName = names[0].stringValue();
+    for (const PropertyList& each : names) {
+      const std::string& name = each.stringValue();
+      if (name == "NSArray") {
+        auto elements = remaining();
+        return elements ? std::make_shared<NSArray>(*std::move(elements)) : nullptr;
+      }
+      if (name == "NSDictionary") {
+        return makeDictionary(object);
+      }
+      if (name == "NSMutableData") {
+        const NSObjectRef bytes = next();
+        const auto* data = dynamic_cast<const NSData*>(bytes.get());
+        return data == nullptr ? failNull("is a damaged archive: data without bytes")
+                               : std::make_shared<NSMutableData>(data->bytes());
+      }
+      const NSClass* found = &each != &names[0] && name == "NSObject" ? nullptr : NSClassFromString(name);
+      if (found != nullptr && found->factory) {
+        NSObjectRef fresh = found->factory();
+        return fresh && coding::init(*fresh, unarchiver, archivedName) ? fresh : nullptr;
+      }
+    }
+    return failNull("class \"" + archivedName + "\" is unknown");
+  }
+
+  // What is left of the object that is being read.
+  std::optional<std::vector<NSObjectRef>> remaining() {
+    std::vector<NSObjectRef> result;
+    const std::size_t count = contexts.back().values->size();
+    result.reserve(count);
+    while (result.size() < count && unarchiver.error().empty()) {
+      result.push_back(next());
+    }
+    return unarchiver.error().empty() ? std::optional(std::move(result)) : std::nullopt;
+  }
+
+  NSObjectRef makeDictionary(const PropertyList& object) {
+    const PropertyList* keys = object.find("keys");
+    const auto values = remaining();
+    if (!values) {
+      return nullptr;
+    }
+    if (keys == nullptr || keys->items().size() != values->size()) {
+      return failNull("is a damaged archive: a dictionary without its keys");
+    }
+    NSDictionary::Entries entries;
+    for (std::size_t i = 0; i < values->size(); ++i) {
+      if (!keys->items()[i].isString()) {
+        return failNull("holds a dictionary with a key that is no string");
+      }
+      entries.emplace_back(keys->items()[i].stringValue(), (*values)[i]);
+    }
+    return std::make_shared<NSDictionary>(std::move(entries));
+  }
+
+  NSUnarchiver& unarchiver;
+  PropertyList archive;
+  const PropertyList::Array* objects = nullptr;
+  std::vector<Progress> progress;
+  std::vector<NSObjectRef> made;
+  std::vector<Context> contexts;  // the first one is "top"
+};
+
+NSUnarchiver::NSUnarchiver() : state_(std::make_unique<State>(*this)) {}
+NSUnarchiver::~NSUnarchiver() = default;
+
+bool NSUnarchiver::initForReadingWithData(std::span<const std::uint8_t> bytes) {
+  if (!state_->contexts.empty()) {
+    fail("an archive is being read already");
+    return false;
+  }
+  std::string reason;
+  auto list = PropertyListFromBytes(bytes, &reason);
+  if (!list) {
+    fail(reason);
+    return false;
+  }
+  return state_->begin(*std::move(list));
+}
+
+void NSUnarchiver::encodeObject(const NSObjectRef&) {
+  fail("an unarchiver does not encode");
+}
+
+void NSUnarchiver::encodeObject(const NSObjectRef&, std::string_view) {
+  fail(unkeyed);
+}
+
+NSObjectRef NSUnarchiver::decodeObject() {
+  return state_->next();
+}
+
+NSObjectRef NSUnarchiver::decodeObjectForKey(std::string_view) {
+  fail(unkeyed);
+  return nullptr;
+}
+
+bool NSUnarchiver::containsValueForKey(std::string_view) const {
+  return false;
+}

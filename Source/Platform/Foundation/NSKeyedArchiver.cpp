@@ -1,0 +1,221 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Platform/Foundation/NSCoder.h"
+#include "Platform/Foundation/NSCoding.h"
+#include "Platform/Foundation/NSValues.h"
+
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+namespace {
+
+constexpr std::int64_t archiveVersion = 100000;
+
+// Keys that begin with "$" belong to the layout; those of objects get another one in front.
+std::string archivedKey(std::string_view key) {
+  return key.starts_with('$') ? "$" + std::string(key) : std::string(key);
+}
+
+}  // namespace
+
+struct NSKeyedArchiver::State {
+  // An object that is being written: its keys so far.
+  struct Context {
+    PropertyList::Dictionary entries;
+    std::uint64_t unnamed = 0;
+  };
+
+  State(NSKeyedArchiver& owner, PropertyListFormat outputFormat) : archiver(owner), format(outputFormat) {
+    objects.push_back(PropertyList::string("$null"));
+    contexts.emplace_back();
+  }
+
+  void put(std::string key, PropertyList value) {
+    PropertyList::Dictionary& entries = contexts.back().entries;
+    if (finished) {
+      archiver.fail("the archive is finished");
+    } else if (entries.find(key) != nullptr) {
+      archiver.fail("the key \"" + key + "\" is used twice");
+    } else {
+      entries.set(key, std::move(value));
+    }
+  }
+
+  PropertyList referenceTo(const NSObjectRef& object) {
+    if (!object || !archiver.error().empty()) {
+      return PropertyList::uid(0);
+    }
+    if (const auto known = places.find(object.get()); known != places.end()) {
+      if (open.count(object.get()) != 0) {
+        archiver.fail("an object of class \"" + object->className() + "\" contains itself");
+      }
+      return PropertyList::uid(known->second);
+    }
+    if (auto plain = coding::plainValue(*object)) {
+      return PropertyList::uid(placeOfPlain(object, *std::move(plain)));
+    }
+    const coding::Level level(contexts.size() == 1 && open.empty());
+    if (level.isTooDeep()) {
+      archiver.fail("objects are nested too deeply");
+      return PropertyList::uid(0);
+    }
+    const std::size_t place = objects.size();
+    remember(object, place);
+    objects.emplace_back();
+    open.insert(object.get());
+    PropertyList::Dictionary entries = contents(*object);
+    open.erase(object.get());
+    entries.set("$class", classReference(object->className()));
+    objects[place] = PropertyList::dictionary(std::move(entries));
+    return PropertyList::uid(place);
+  }
+
+  std::size_t placeOfPlain(const NSObjectRef& object, PropertyList value) {
+    const auto equal = plainValues.find(value);
+    const std::size_t place = equal.value_or(objects.size());
+    if (!equal) {
+      plainValues.add(value, place);
+      objects.push_back(std::move(value));
+    }
+    remember(object, place);
+    return place;
+  }
+
+  // Retained, so that no other object comes to stand at the same address.
+  void remember(const NSObjectRef& object, std::size_t place) {
+    places.emplace(object.get(), place);
+    retained.push_back(object);
+  }
+
+  PropertyList::Dictionary contents(const NSObject& object) {
+    PropertyList::Dictionary entries;
+    if (const auto* data = dynamic_cast<const NSMutableData*>(&object)) {
+      entries.set("NS.data", PropertyList::data(data->bytes()));
+    } else if (const auto* array = dynamic_cast<const NSArray*>(&object)) {
+      entries.set("NS.objects", PropertyList::array(references(array->objects())));
+    } else if (const auto* dictionary = dynamic_cast<const NSDictionary*>(&object)) {
+      std::vector<NSObjectRef> keys;
+      std::vector<NSObjectRef> values;
+      for (const auto& [key, value] : dictionary->entries()) {
+        keys.push_back(NSString::stringWithUTF8String(key));
+        values.push_back(value);
+      }
+      entries.set("NS.keys", PropertyList::array(references(keys)));
+      entries.set("NS.objects", PropertyList::array(references(values)));
+    } else {
+      contexts.emplace_back();
+      coding::encode(object, archiver);
+      entries = std::move(contexts.back().entries);
+      contexts.pop_back();
+    }
+    return entries;
+  }
+
+  PropertyList::Array references(const std::vector<NSObjectRef>& list) {
+    PropertyList::Array made;
+    made.reserve(list.size());
+    for (const NSObjectRef& each : list) {
+      made.push_back(referenceTo(each));
+    }
+    return made;
+  }
+
+  PropertyList classReference(const std::string& name) {
+    const auto [known, added] = classes.try_emplace(name, objects.size());
+    if (added) {
+      PropertyList names = PropertyList::array();
+      for (std::string& each : NSClassHierarchy(name)) {
+        names.append(PropertyList::string(std::move(each)));
+      }
+      PropertyList description;
+      description.set("$classname", PropertyList::string(name));
+      description.set("$classes", std::move(names));
+      objects.push_back(std::move(description));
+    }
+    return PropertyList::uid(known->second);
+  }
+
+  NSKeyedArchiver& archiver;
+  PropertyListFormat format;
+  bool finished = false;
+  PropertyList::Array objects;    // "$objects"
+  std::vector<Context> contexts;  // the first one is "$top"
+  std::unordered_map<const NSObject*, std::size_t> places;
+  std::unordered_set<const NSObject*> open;
+  std::vector<NSObjectRef> retained;
+  std::unordered_map<std::string, std::size_t> classes;
+  coding::PlainValues plainValues;
+};
+
+NSKeyedArchiver::NSKeyedArchiver(PropertyListFormat outputFormat)
+    : state_(std::make_unique<State>(*this, outputFormat)) {}
+NSKeyedArchiver::~NSKeyedArchiver() = default;
+
+void NSKeyedArchiver::encodeObject(const NSObjectRef& object) {
+  // The number is taken first: the object may encode others without a key within its own, but never in this one.
+  std::string key = "$" + std::to_string(state_->contexts.back().unnamed++);
+  PropertyList reference = state_->referenceTo(object);
+  state_->put(std::move(key), std::move(reference));
+}
+
+void NSKeyedArchiver::encodeObject(const NSObjectRef& object, std::string_view key) {
+  PropertyList reference = state_->referenceTo(object);
+  state_->put(archivedKey(key), std::move(reference));
+}
+
+void NSKeyedArchiver::encodeBool(bool value, std::string_view key) {
+  state_->put(archivedKey(key), PropertyList::boolean(value));
+}
+
+void NSKeyedArchiver::encodeInt(std::int64_t value, std::string_view key) {
+  state_->put(archivedKey(key), PropertyList::integer(value));
+}
+
+void NSKeyedArchiver::encodeDouble(double value, std::string_view key) {
+  state_->put(archivedKey(key), PropertyList::real(value));
+}
+
+NSObjectRef NSKeyedArchiver::decodeObject() {
+  fail("an archiver does not decode");
+  return nullptr;
+}
+
+NSObjectRef NSKeyedArchiver::decodeObjectForKey(std::string_view) {
+  return decodeObject();
+}
+
+bool NSKeyedArchiver::containsValueForKey(std::string_view key) const {
+  return state_->contexts.back().entries.find(archivedKey(key)) != nullptr;
+}
+
+std::optional<PropertyList::Bytes> NSKeyedArchiver::finishEncoding() {
+  if (state_->finished) {
+    fail("the archive is finished");
+  }
+  state_->finished = true;
+  if (!error().empty()) {
+    return std::nullopt;
+  }
+  PropertyList archive;
+  archive.set("$version", PropertyList::integer(archiveVersion));
+  archive.set("$archiver", PropertyList::string("NSKeyedArchiver"));
+  archive.set("$top", PropertyList::dictionary(std::move(state_->contexts.front().entries)));
+  archive.set("$objects", PropertyList::array(std::move(state_->objects)));
+  std::string reason;
+  auto bytes = PropertyListToBytes(archive, state_->format, &reason);
+  if (!bytes) {
+    fail("the archive " + reason);
+  }
+  return bytes;
+}
+
+std::optional<PropertyList::Bytes> NSKeyedArchiver::archivedData(const NSObjectRef& root, PropertyListFormat format,
+                                                                 std::string* reason) {
+  NSKeyedArchiver archiver(format);
+  archiver.encodeObject(root, "root");
+  auto bytes = archiver.finishEncoding();
+  if (!bytes && reason != nullptr) {
+    *reason = archiver.error();
+  }
+  return bytes;
+}

@@ -1,0 +1,279 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Platform/Foundation/NSValues.h"
+
+#include "Platform/Foundation/NSCoder.h"
+
+#include <algorithm>
+#include <bit>
+#include <unordered_map>
+
+namespace {
+
+// Every object of this file is immutable: a copy is the object itself, as long as somebody retains it.
+template <typename Object>
+NSObjectRef retainedSelf(const Object& object) {
+  return std::const_pointer_cast<NSObject>(object.weak_from_this().lock());
+}
+
+bool equalObjects(const NSObjectRef& a, const NSObjectRef& b) {
+  return a == b || (a && b && a->isEqual(*b));
+}
+
+std::optional<PropertyList> listFromObject(const NSObject* object, int depth, std::uint64_t& remaining);
+
+std::optional<PropertyList> listFromArray(const NSArray& array, int depth, std::uint64_t& remaining) {
+  PropertyList::Array items;
+  items.reserve(array.count());
+  for (const NSObjectRef& each : array.objects()) {
+    auto item = listFromObject(each.get(), depth + 1, remaining);
+    if (!item) {
+      return std::nullopt;
+    }
+    items.push_back(*std::move(item));
+  }
+  return PropertyList::array(std::move(items));
+}
+
+std::optional<PropertyList> listFromDictionary(const NSDictionary& dictionary, int depth, std::uint64_t& remaining) {
+  PropertyList::Dictionary entries;
+  for (const auto& [key, object] : dictionary.entries()) {
+    auto value = listFromObject(object.get(), depth + 1, remaining);
+    if (!value) {
+      return std::nullopt;
+    }
+    entries.set(key, *std::move(value));
+  }
+  return PropertyList::dictionary(std::move(entries));
+}
+
+// What an object costs of the budget: its bytes count too, since a graph may refer to one large object many times.
+std::uint64_t costOf(const NSObject& object) {
+  constexpr std::uint64_t bytesPerValue = PropertyListMaximumBytes / PropertyListMaximumValues;
+  if (const auto* string = dynamic_cast<const NSString*>(&object)) {
+    return 1 + string->UTF8String().size() / bytesPerValue;
+  }
+  if (const auto* data = dynamic_cast<const NSData*>(&object)) {
+    return 1 + data->bytes().size() / bytesPerValue;
+  }
+  return 1;
+}
+
+std::optional<PropertyList> listFromObject(const NSObject* object, int depth, std::uint64_t& remaining) {
+  if (object == nullptr || depth > PropertyListMaximumDepth || costOf(*object) > remaining) {
+    return std::nullopt;
+  }
+  remaining -= costOf(*object);
+  if (const auto* number = dynamic_cast<const NSNumber*>(object)) {
+    return number->value();
+  }
+  if (const auto* string = dynamic_cast<const NSString*>(object)) {
+    return PropertyList::string(string->UTF8String());
+  }
+  if (const auto* data = dynamic_cast<const NSMutableData*>(object)) {
+    return PropertyList::mutableData(data->bytes());
+  }
+  if (const auto* data = dynamic_cast<const NSData*>(object)) {
+    return PropertyList::data(data->bytes());
+  }
+  if (const auto* date = dynamic_cast<const NSDate*>(object)) {
+    return PropertyList::date(date->timeIntervalSinceReferenceDate());
+  }
+  if (const auto* array = dynamic_cast<const NSArray*>(object)) {
+    return listFromArray(*array, depth, remaining);
+  }
+  if (const auto* dictionary = dynamic_cast<const NSDictionary*>(object)) {
+    return listFromDictionary(*dictionary, depth, remaining);
+  }
+  return std::nullopt;
+}
+
+NSObjectRef arrayFromList(const PropertyList& list) {
+  std::vector<NSObjectRef> objects;
+  objects.reserve(list.items().size());
+  for (const PropertyList& each : list.items()) {
+    objects.push_back(NSObjectFromPropertyList(each));
+  }
+  return std::make_shared<NSArray>(std::move(objects));
+}
+
+NSObjectRef dictionaryFromList(const PropertyList& list) {
+  const PropertyList::Dictionary& source = list.entries();
+  NSDictionary::Entries entries;
+  entries.reserve(source.size());
+  for (std::size_t i = 0; i < source.size(); ++i) {
+    entries.emplace_back(source.keyAt(i), NSObjectFromPropertyList(source.valueAt(i)));
+  }
+  return std::make_shared<NSDictionary>(std::move(entries));
+}
+
+}  // namespace
+
+NSNumber::NSNumber(PropertyList value) : value_(value.isNumber() ? std::move(value) : PropertyList::integer(0)) {}
+
+std::shared_ptr<NSNumber> NSNumber::numberWithBool(bool value) {
+  return std::make_shared<NSNumber>(PropertyList::boolean(value));
+}
+
+std::shared_ptr<NSNumber> NSNumber::numberWithInt(std::int64_t value) {
+  return std::make_shared<NSNumber>(PropertyList::integer(value));
+}
+
+std::shared_ptr<NSNumber> NSNumber::numberWithDouble(double value) {
+  return std::make_shared<NSNumber>(PropertyList::real(value));
+}
+
+NSObjectRef NSNumber::copyWithZone() const {
+  return retainedSelf(*this);
+}
+
+bool NSNumber::isEqual(const NSObject& other) const {
+  const auto* number = dynamic_cast<const NSNumber*>(&other);
+  return number != nullptr && value_ == number->value_;
+}
+
+NSString::NSString(std::string utf8) : utf8_(std::move(utf8)) {}
+
+std::shared_ptr<NSString> NSString::stringWithUTF8String(std::string utf8) {
+  return std::make_shared<NSString>(std::move(utf8));
+}
+
+NSObjectRef NSString::copyWithZone() const {
+  return retainedSelf(*this);
+}
+
+bool NSString::isEqual(const NSObject& other) const {
+  const auto* string = dynamic_cast<const NSString*>(&other);
+  return string != nullptr && utf8_ == string->utf8_;
+}
+
+NSData::NSData(PropertyList::Bytes bytes) : bytes_(std::move(bytes)) {}
+
+NSObjectRef NSData::copyWithZone() const {
+  return retainedSelf(*this);
+}
+
+bool NSData::isEqual(const NSObject& other) const {
+  const auto* data = dynamic_cast<const NSData*>(&other);
+  return data != nullptr && bytes_ == data->bytes_;
+}
+
+NSObjectRef NSMutableData::copyWithZone() const {
+  return retainedSelf(*this);
+}
+
+NSDate::NSDate(double secondsSince2001) : seconds_(secondsSince2001) {}
+
+NSObjectRef NSDate::copyWithZone() const {
+  return retainedSelf(*this);
+}
+
+bool NSDate::isEqual(const NSObject& other) const {
+  const auto* date = dynamic_cast<const NSDate*>(&other);
+  return date != nullptr && std::bit_cast<std::uint64_t>(seconds_) == std::bit_cast<std::uint64_t>(date->seconds_);
+}
+
+void NSDate::encodeWithCoder(NSCoder& coder) const {
+  if (coder.allowsKeyedCoding()) {
+    coder.encodeDouble(seconds_, "NS.time");
+  } else {
+    coder.encodeObject(NSNumber::numberWithDouble(seconds_));
+  }
+}
+
+bool NSDate::initWithCoder(NSCoder& coder) {
+  if (coder.allowsKeyedCoding()) {
+    seconds_ = coder.decodeDoubleForKey("NS.time");
+    return coder.error().empty() && coder.containsValueForKey("NS.time");
+  }
+  const auto number = std::dynamic_pointer_cast<NSNumber>(coder.decodeObject());
+  seconds_ = number ? number->doubleValue() : 0;
+  return number != nullptr;
+}
+
+NSObjectRef NSNull::copyWithZone() const {
+  return retainedSelf(*this);
+}
+
+bool NSNull::isEqual(const NSObject& other) const {
+  return dynamic_cast<const NSNull*>(&other) != nullptr;
+}
+
+NSArray::NSArray(std::vector<NSObjectRef> objects) : objects_(std::move(objects)) {}
+
+NSObjectRef NSArray::copyWithZone() const {
+  return retainedSelf(*this);
+}
+
+bool NSArray::isEqual(const NSObject& other) const {
+  const auto* array = dynamic_cast<const NSArray*>(&other);
+  return array != nullptr &&
+         std::equal(objects_.begin(), objects_.end(), array->objects_.begin(), array->objects_.end(), equalObjects);
+}
+
+NSDictionary::NSDictionary(Entries entries) {
+  std::unordered_map<std::string, std::size_t> places;
+  entries_.reserve(entries.size());
+  for (auto& entry : entries) {
+    const auto [place, added] = places.try_emplace(entry.first, entries_.size());
+    if (added) {
+      entries_.push_back(std::move(entry));
+    } else {
+      entries_[place->second].second = std::move(entry.second);
+    }
+  }
+}
+
+NSObjectRef NSDictionary::copyWithZone() const {
+  return retainedSelf(*this);
+}
+
+bool NSDictionary::isEqual(const NSObject& other) const {
+  const auto* dictionary = dynamic_cast<const NSDictionary*>(&other);
+  if (dictionary == nullptr || entries_.size() != dictionary->entries_.size()) {
+    return false;
+  }
+  std::unordered_map<std::string_view, const NSObjectRef*> theirs;
+  for (const auto& [key, object] : dictionary->entries_) {
+    theirs.emplace(key, &object);
+  }
+  return std::all_of(entries_.begin(), entries_.end(), [&](const auto& entry) {
+    const auto found = theirs.find(entry.first);
+    return found != theirs.end() && equalObjects(entry.second, *found->second);
+  });
+}
+
+NSObjectRef NSDictionary::objectForKey(std::string_view key) const {
+  const auto found =
+      std::find_if(entries_.begin(), entries_.end(), [&](const auto& entry) { return entry.first == key; });
+  return found == entries_.end() ? nullptr : found->second;
+}
+
+NSObjectRef NSObjectFromPropertyList(const PropertyList& list) {
+  switch (list.type()) {
+    case PropertyList::Type::Boolean:
+    case PropertyList::Type::Integer:
+    case PropertyList::Type::Real:
+      return std::make_shared<NSNumber>(list);
+    case PropertyList::Type::String:
+      return std::make_shared<NSString>(list.stringValue());
+    case PropertyList::Type::Data:
+      if (list.isMutableData()) {
+        return std::make_shared<NSMutableData>(list.bytes());
+      }
+      return std::make_shared<NSData>(list.bytes());
+    case PropertyList::Type::Date:
+      return std::make_shared<NSDate>(list.dateValue());
+    case PropertyList::Type::Uid:
+      return nullptr;
+    case PropertyList::Type::Array:
+      return arrayFromList(list);
+    case PropertyList::Type::Dictionary:
+      return dictionaryFromList(list);
+  }
+  return nullptr;
+}
+
+std::optional<PropertyList> NSPropertyListFromObject(const NSObject* object) {
+  std::uint64_t remaining = PropertyListMaximumValues;
+  return listFromObject(object, 1, remaining);
+}

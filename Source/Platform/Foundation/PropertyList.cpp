@@ -1,0 +1,261 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Platform/Foundation/PropertyList.h"
+
+#include <bit>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+const std::string emptyString;
+const PropertyList::Bytes emptyBytes;
+const PropertyList::Array emptyArray;
+const PropertyList::Dictionary emptyDictionary;
+
+// The nearest integer towards zero, saturated; NaN gives 0.
+template <typename Integer>
+Integer saturated(double value) {
+  if (std::isnan(value)) {
+    return 0;
+  }
+  // -2^n is exact as a double; 2^n - 1 is not for 64 bits, so the upper bound is tested as 2^n.
+  const double lowest = static_cast<double>(std::numeric_limits<Integer>::min());
+  if (value < lowest) {
+    return std::numeric_limits<Integer>::min();
+  }
+  if (value >= -lowest) {
+    return std::numeric_limits<Integer>::max();
+  }
+  return static_cast<Integer>(value);
+}
+
+bool sameBits(double a, double b) {
+  return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
+}
+
+}  // namespace
+
+const PropertyList& PropertyList::Dictionary::valueAt(std::size_t index) const {
+  return values_[index];
+}
+
+const PropertyList* PropertyList::Dictionary::find(std::string_view key) const {
+  const auto found = index_.find(std::string(key));
+  return found == index_.end() ? nullptr : &values_[found->second];
+}
+
+PropertyList* PropertyList::Dictionary::find(std::string_view key) {
+  const auto found = index_.find(std::string(key));
+  return found == index_.end() ? nullptr : &values_[found->second];
+}
+
+void PropertyList::Dictionary::set(std::string_view key, PropertyList value) {
+  const auto [place, added] = index_.try_emplace(std::string(key), keys_.size());
+  if (!added) {
+    values_[place->second] = std::move(value);
+    return;
+  }
+  keys_.emplace_back(key);
+  values_.push_back(std::move(value));
+}
+
+bool PropertyList::Dictionary::operator==(const Dictionary& other) const {
+  if (size() != other.size()) {
+    return false;
+  }
+  for (std::size_t i = 0; i < size(); ++i) {
+    const PropertyList* theirs = other.find(keys_[i]);
+    if (theirs == nullptr || !(values_[i] == *theirs)) {
+      return false;
+    }
+  }
+  return true;
+}
+
+bool PropertyList::DateValue::operator==(const DateValue& other) const {
+  return sameBits(seconds, other.seconds);
+}
+
+PropertyList::PropertyList() : storage_(Dictionary{}) {}
+PropertyList::PropertyList(Storage storage) : storage_(std::move(storage)) {}
+
+PropertyList PropertyList::boolean(bool value) {
+  return PropertyList(Storage(std::in_place_type<bool>, value));
+}
+
+PropertyList PropertyList::integer(std::int64_t value) {
+  return PropertyList(Storage(IntegerValue{static_cast<std::uint64_t>(value), false}));
+}
+
+PropertyList PropertyList::unsignedInteger(std::uint64_t value) {
+  return PropertyList(
+      Storage(IntegerValue{value, value > static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max())}));
+}
+
+PropertyList PropertyList::real(double value) {
+  return PropertyList(Storage(std::in_place_type<double>, value));
+}
+
+PropertyList PropertyList::string(std::string utf8) {
+  return PropertyList(Storage(std::move(utf8)));
+}
+
+PropertyList PropertyList::data(Bytes bytes) {
+  return PropertyList(Storage(DataValue{std::move(bytes), false}));
+}
+
+PropertyList PropertyList::mutableData(Bytes bytes) {
+  return PropertyList(Storage(DataValue{std::move(bytes), true}));
+}
+
+PropertyList PropertyList::date(double secondsSince2001) {
+  return PropertyList(Storage(DateValue{secondsSince2001}));
+}
+
+PropertyList PropertyList::uid(std::uint64_t value) {
+  return PropertyList(Storage(UidValue{value}));
+}
+
+PropertyList PropertyList::array(Array items) {
+  return PropertyList(Storage(std::move(items)));
+}
+
+PropertyList PropertyList::dictionary(Dictionary entries) {
+  return PropertyList(Storage(std::move(entries)));
+}
+
+PropertyList::Type PropertyList::type() const {
+  return static_cast<Type>(storage_.index());  // the alternatives stand in the order of the types
+}
+
+const char* PropertyList::typeName() const {
+  static constexpr const char* names[] = {"boolean", "integer", "real",  "string",    "data",
+                                          "date",    "uid",     "array", "dictionary"};
+  return names[storage_.index()];
+}
+
+bool PropertyList::isNumber() const {
+  return type() == Type::Boolean || type() == Type::Integer || type() == Type::Real;
+}
+
+bool PropertyList::isMutableData() const {
+  const auto* data = std::get_if<DataValue>(&storage_);
+  return data != nullptr && data->isMutable;
+}
+
+bool PropertyList::boolValue() const {
+  switch (type()) {
+    case Type::Boolean:
+      return std::get<bool>(storage_);
+    case Type::Integer:
+      return std::get<IntegerValue>(storage_).bits != 0;
+    case Type::Real:
+      return std::get<double>(storage_) != 0;
+    default:
+      return false;
+  }
+}
+
+std::int32_t PropertyList::intValue() const {
+  if (type() == Type::Real) {
+    return saturated<std::int32_t>(std::get<double>(storage_));
+  }
+  const std::int64_t wide = integerValue();
+  if (wide < std::numeric_limits<std::int32_t>::min()) {
+    return std::numeric_limits<std::int32_t>::min();
+  }
+  return wide > std::numeric_limits<std::int32_t>::max() ? std::numeric_limits<std::int32_t>::max()
+                                                         : static_cast<std::int32_t>(wide);
+}
+
+std::int64_t PropertyList::integerValue() const {
+  switch (type()) {
+    case Type::Boolean:
+      return std::get<bool>(storage_) ? 1 : 0;
+    case Type::Integer: {
+      const auto& value = std::get<IntegerValue>(storage_);
+      return value.isUnsigned ? std::numeric_limits<std::int64_t>::max() : static_cast<std::int64_t>(value.bits);
+    }
+    case Type::Real:
+      return saturated<std::int64_t>(std::get<double>(storage_));
+    default:
+      return 0;
+  }
+}
+
+double PropertyList::doubleValue() const {
+  switch (type()) {
+    case Type::Boolean:
+      return std::get<bool>(storage_) ? 1 : 0;
+    case Type::Integer: {
+      const auto& value = std::get<IntegerValue>(storage_);
+      return value.isUnsigned ? static_cast<double>(value.bits)
+                              : static_cast<double>(static_cast<std::int64_t>(value.bits));
+    }
+    case Type::Real:
+      return std::get<double>(storage_);
+    default:
+      return 0;
+  }
+}
+
+const std::string& PropertyList::stringValue() const {
+  const auto* value = std::get_if<std::string>(&storage_);
+  return value == nullptr ? emptyString : *value;
+}
+
+const PropertyList::Bytes& PropertyList::bytes() const {
+  const auto* value = std::get_if<DataValue>(&storage_);
+  return value == nullptr ? emptyBytes : value->bytes;
+}
+
+const PropertyList::Array& PropertyList::items() const {
+  const auto* value = std::get_if<Array>(&storage_);
+  return value == nullptr ? emptyArray : *value;
+}
+
+const PropertyList::Dictionary& PropertyList::entries() const {
+  const auto* value = std::get_if<Dictionary>(&storage_);
+  return value == nullptr ? emptyDictionary : *value;
+}
+
+double PropertyList::dateValue() const {
+  const auto* value = std::get_if<DateValue>(&storage_);
+  return value == nullptr ? 0 : value->seconds;
+}
+
+std::uint64_t PropertyList::uidValue() const {
+  const auto* value = std::get_if<UidValue>(&storage_);
+  return value == nullptr ? 0 : value->value;
+}
+
+std::uint64_t PropertyList::unsignedValue() const {
+  const auto* value = std::get_if<IntegerValue>(&storage_);
+  return value == nullptr ? 0 : value->bits;
+}
+
+const PropertyList* PropertyList::find(std::string_view key) const {
+  return entries().find(key);
+}
+
+void PropertyList::set(std::string_view key, PropertyList value) {
+  if (auto* entries = std::get_if<Dictionary>(&storage_)) {
+    entries->set(key, std::move(value));
+  }
+}
+
+void PropertyList::append(PropertyList item) {
+  if (auto* items = std::get_if<Array>(&storage_)) {
+    items->push_back(std::move(item));
+  }
+}
+
+bool PropertyList::operator==(const PropertyList& other) const {
+  if (storage_.index() != other.storage_.index()) {
+    return false;
+  }
+  if (const auto* value = std::get_if<double>(&storage_)) {
+    return sameBits(*value, std::get<double>(other.storage_));
+  }
+  return storage_ == other.storage_;
+}

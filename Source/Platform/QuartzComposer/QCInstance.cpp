@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Platform/QuartzComposer/QCInstance.h"
+
+#include <cstdio>
+#include <exception>
+
+void QCReport(std::string_view what, std::string_view reason) {
+  std::fprintf(stderr, "%.*s: %.*s\n", static_cast<int>(what.size()), what.data(), static_cast<int>(reason.size()),
+               reason.data());
+}
+
+std::shared_ptr<QCPatch> QCMakeInstance(std::string_view name, const QCPatch::Factory& factory) {
+  try {
+    return factory();
+  } catch (const std::exception& error) {
+    QCReport(name, std::string("the node could not be made: ") + error.what());
+  } catch (...) {
+    QCReport(name, "the node could not be made");
+  }
+  return nullptr;
+}

@@ -1,0 +1,158 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Platform/TarnKit/NSViewAccessibility.h"
+
+#include "Platform/TarnKit/NSTarnView.h"
+
+#include <QAccessible>
+#include <QAccessibleWidget>
+#include <QPointer>
+
+namespace {
+
+class ViewInterface;
+
+// One part of a view. The view's interface owns it; it answers nothing once the view is gone.
+class ElementInterface : public QAccessibleInterface, public QAccessibleValueInterface {
+ public:
+  ElementInterface(NSTarnView& view, std::size_t index) : view_(&view), index_(index) {}
+
+  bool isValid() const override { return element().has_value(); }
+  QObject* object() const override { return nullptr; }
+  QWindow* window() const override { return view_ ? view_->window()->windowHandle() : nullptr; }
+  QAccessibleInterface* childAt(int, int) const override { return nullptr; }
+  QAccessibleInterface* parent() const override { return QAccessible::queryAccessibleInterface(view_); }
+  QAccessibleInterface* child(int) const override { return nullptr; }
+  int childCount() const override { return 0; }
+  int indexOfChild(const QAccessibleInterface*) const override { return -1; }
+  QAccessible::Role role() const override { return QAccessible::Slider; }
+  void setText(QAccessible::Text, const QString&) override {}
+
+  QString text(QAccessible::Text kind) const override {
+    const auto part = element();
+    if (!part) return {};
+    if (kind == QAccessible::Name) return part->name;
+    return kind == QAccessible::Value ? QString::number(part->value, 'g', 4) : QString();
+  }
+
+  QRect rect() const override {
+    const auto part = element();
+    if (!part) return {};
+    const QRect local = view_->toWidget(part->frame);
+    return {view_->mapToGlobal(local.topLeft()), local.size()};
+  }
+
+  QAccessible::State state() const override {
+    QAccessible::State state;
+    const auto part = element();
+    state.invalid = !part;
+    state.selectable = true;
+    state.selected = part && part->selected;
+    state.focused = part && part->selected && view_->hasFocus();
+    state.disabled = part && !view_->isEnabled();
+    return state;
+  }
+
+  void* interface_cast(QAccessible::InterfaceType type) override {
+    return type == QAccessible::ValueInterface ? static_cast<QAccessibleValueInterface*>(this) : nullptr;
+  }
+
+  QVariant currentValue() const override { return number(&NSAccessibilityElement::value); }
+  QVariant maximumValue() const override { return number(&NSAccessibilityElement::maximum); }
+  QVariant minimumValue() const override { return number(&NSAccessibilityElement::minimum); }
+  QVariant minimumStepSize() const override { return 0.01; }
+  void setCurrentValue(const QVariant& value) override {
+    bool isNumber = false;
+    const double wanted = value.toDouble(&isNumber);
+    if (isNumber && element()) view_->setAccessibilityValue(index_, wanted);
+  }
+
+ private:
+  std::optional<NSAccessibilityElement> element() const {
+    if (!view_) return std::nullopt;
+    const std::vector<NSAccessibilityElement> all = view_->accessibilityElements();
+    return index_ < all.size() ? std::optional(all[index_]) : std::nullopt;
+  }
+  QVariant number(double NSAccessibilityElement::*field) const {
+    const auto part = element();
+    return part ? QVariant((*part).*field) : QVariant();
+  }
+
+  QPointer<NSTarnView> view_;
+  std::size_t index_;
+};
+
+// A view: its parts first, then the widgets inside it.
+class ViewInterface : public QAccessibleWidget {
+ public:
+  explicit ViewInterface(NSTarnView& view) : QAccessibleWidget(&view, QAccessible::Grouping), view_(view) {}
+  ~ViewInterface() override {
+    for (const QAccessible::Id id : elements_) QAccessible::deleteAccessibleInterface(id);
+  }
+
+  QString text(QAccessible::Text kind) const override {
+    return kind == QAccessible::Name ? view_.accessibilityLabel() : QAccessibleWidget::text(kind);
+  }
+  int childCount() const override { return elementCount() + QAccessibleWidget::childCount(); }
+  QAccessibleInterface* child(int index) const override {
+    const int count = elementCount();
+    return index >= 0 && index < count ? element(index) : QAccessibleWidget::child(index - count);
+  }
+  int indexOfChild(const QAccessibleInterface* child) const override {
+    const int count = elementCount();
+    for (int index = 0; index < count; ++index) {
+      if (element(index) == child) return index;
+    }
+    const int index = QAccessibleWidget::indexOfChild(child);
+    return index < 0 ? index : index + count;
+  }
+
+ private:
+  int elementCount() const { return int(view_.accessibilityElements().size()); }
+  QAccessibleInterface* element(int index) const {
+    while (int(elements_.size()) <= index) {
+      auto* interface = new ElementInterface(view_, elements_.size());
+      elements_.push_back(QAccessible::registerAccessibleInterface(interface));
+    }
+    return QAccessible::accessibleInterface(elements_[std::size_t(index)]);
+  }
+
+  NSTarnView& view_;
+  mutable std::vector<QAccessible::Id> elements_;
+};
+
+QAccessibleInterface* makeInterface(const QString&, QObject* object) {
+  auto* view = dynamic_cast<NSTarnView*>(object);
+  return view ? new ViewInterface(*view) : nullptr;
+}
+
+}  // namespace
+
+void NSInstallViewAccessibility() {
+  static const bool installed = (QAccessible::installFactory(makeInterface), true);
+  (void)installed;
+}
+
+QString NSTarnView::accessibilityLabel() const {
+  return accessibleName();
+}
+
+std::vector<NSAccessibilityElement> NSTarnView::accessibilityElements() const {
+  return {};
+}
+
+void NSTarnView::setAccessibilityValue(std::size_t, double) {}
+
+void NSTarnView::accessibilityValueChanged(std::size_t element) {
+  if (!QAccessible::isActive()) return;
+  const std::vector<NSAccessibilityElement> all = accessibilityElements();
+  if (element >= all.size()) return;
+  QAccessibleValueChangeEvent event(this, all[element].value);
+  event.setChild(int(element));
+  QAccessible::updateAccessibility(&event);
+}
+
+void NSTarnView::accessibilityChanged() {
+  if (!QAccessible::isActive()) return;
+  QAccessibleEvent event(this, QAccessible::ObjectReorder);
+  QAccessible::updateAccessibility(&event);
+}

@@ -1,0 +1,316 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Ports/VRTObjects.h"
+
+#include "Channels/VRTChannelGradient.h"
+#include "Channels/VRTChannelHistogram.h"
+#include "Platform/Foundation/NSCoder.h"
+#include "Platform/Foundation/NSValues.h"
+
+#include <array>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+namespace {
+
+// Opaque data may hold opaque data, each level in an archive of its own: the depth is bounded so that neither a crafted
+// document nor an object that holds itself can exhaust the stack.
+constexpr int maximumOpaqueNesting = 32;
+
+class OpaqueNesting {
+ public:
+  OpaqueNesting() { ++depth; }
+  ~OpaqueNesting() { --depth; }
+  OpaqueNesting(const OpaqueNesting&) = delete;
+  OpaqueNesting& operator=(const OpaqueNesting&) = delete;
+  static bool tooDeep() { return depth > maximumOpaqueNesting; }
+
+ private:
+  static inline int depth = 0;
+};
+
+constexpr std::size_t rgbGroupSize = 6;
+constexpr std::size_t alphaGroupSize = 4;
+
+void deleteSamples(VRTChannelFolder& folder) {
+  auto& samples = folder.getDescendants();
+  while (!samples.empty()) {
+    delete samples.back();
+    samples.pop_back();
+  }
+}
+
+// Entries of anything but a number read as 0; an entry past the end throws std::out_of_range.
+void readRGBSamples(const PropertyList::Array& entries, VRTChannelGradientRGBFolder& folder) {
+  const auto real = [&](std::size_t index) { return entries.at(index).doubleValue(); };
+  deleteSamples(folder);
+  for (std::size_t i = 0; i < entries.size(); i += rgbGroupSize) {
+    const double position = real(i);
+    const double middle = real(i + 1);
+    const int interpolation = entries.at(i + 2).intValue();
+    folder.addSample(real(i + 3), real(i + 4), real(i + 5), position, middle, interpolation);
+  }
+}
+
+void readAlphaSamples(const PropertyList::Array& entries, VRTChannelGradientAlphaFolder& folder) {
+  const auto real = [&](std::size_t index) { return entries.at(index).doubleValue(); };
+  deleteSamples(folder);
+  for (std::size_t i = 0; i < entries.size(); i += alphaGroupSize) {
+    const double position = real(i);
+    const double middle = real(i + 1);
+    const int interpolation = entries.at(i + 2).intValue();
+    folder.addSample(real(i + 3), position, middle, interpolation);
+  }
+}
+
+void appendSample(PropertyList& array, const VRTChannelGradientSample& sample) {
+  array.append(PropertyList::real(sample.position));
+  array.append(PropertyList::real(sample.middle));
+  array.append(PropertyList::integer(sample.interpolation));
+}
+
+std::unique_ptr<VRTChannelGradient> makeDefaultGradient() {
+  auto channel = std::make_unique<VRTChannelGradient>();
+  channel->defaultKind = 2;  // white to black; reset() merges these samples over the constructor's red and blue ones
+  channel->reset();
+  return channel;
+}
+
+struct LevelsProperty {
+  const char* name;
+  double (VRTHistogram::*get)(int) const;
+  void (VRTHistogram::*set)(double, int);
+};
+
+constexpr std::array<LevelsProperty, 5> levelsProperties{{
+    {"blackIn", &VRTHistogram::blackInForChannel, &VRTHistogram::setBlackIn},
+    {"blackOut", &VRTHistogram::blackOutForChannel, &VRTHistogram::setBlackOut},
+    {"whiteIn", &VRTHistogram::whiteInForChannel, &VRTHistogram::setWhiteIn},
+    {"whiteOut", &VRTHistogram::whiteOutForChannel, &VRTHistogram::setWhiteOut},
+    {"gamma", &VRTHistogram::gammaForChannel, &VRTHistogram::setGamma},
+}};
+constexpr std::array<const char*, 5> levelsChannels{"RGB", "Red", "Green", "Blue", "Alpha"};
+constexpr const char* selectedChannelKey = "selectedChannel";
+
+std::string levelsKey(const LevelsProperty& property, std::size_t channel) {
+  return std::string(property.name) + levelsChannels[channel];
+}
+
+const NSClassRegistration objectClass("VRTObject", "QCObject", {});
+const NSClassRegistration gradientClass("VRTGradient", "VRTObject", [] { return std::make_shared<VRTGradient>(); });
+const NSClassRegistration histogramClass("VRTHistogram", "VRTObject", [] { return std::make_shared<VRTHistogram>(); });
+const NSClassRegistration opaqueDataClass("VRTOpaqueData", "VRTObject",
+                                          [] { return std::make_shared<VRTOpaqueData>(); });
+
+}  // namespace
+
+NSObjectRef VRTObject::copyWithZone() const {
+  const auto state = stateValue();
+  const NSClass* entry = NSClassFromString(className());
+  if (!state || !entry || !entry->factory) return nullptr;
+  const auto copy = std::dynamic_pointer_cast<VRTObject>(entry->factory());
+  try {
+    return copy && copy->initWithStateValue(*state) ? copy : nullptr;
+  } catch (const std::out_of_range&) {
+    return nullptr;
+  }
+}
+
+void VRTObject::encodeWithCoder(NSCoder& coder) const {
+  const auto state = stateValue();
+  if (!state) coder.fail(className() + " has no state that can be written");
+  const NSObjectRef object = state ? NSObjectFromPropertyList(*state) : nullptr;
+  if (coder.allowsKeyedCoding()) {
+    coder.encodeObject(object, "state");
+  } else {
+    coder.encodeObject(object);
+  }
+}
+
+bool VRTObject::initWithCoder(NSCoder& coder) {
+  const NSObjectRef object = coder.allowsKeyedCoding() ? coder.decodeObjectForKey("state") : coder.decodeObject();
+  const auto state = object ? NSPropertyListFromObject(object.get()) : std::nullopt;
+  if (!state) return false;
+  try {
+    return initWithStateValue(*state);
+  } catch (const std::out_of_range& error) {
+    coder.fail(className() + ": " + error.what());
+    return false;
+  }
+}
+
+VRTGradient::VRTGradient() : _kxChannelGradient(makeDefaultGradient()) {}
+
+VRTGradient::~VRTGradient() = default;
+
+std::shared_ptr<VRTGradient> VRTGradient::gradient() {
+  return std::make_shared<VRTGradient>();
+}
+
+void VRTGradient::getGradient8(std::uint8_t* out, std::uint32_t samples) const {
+  _kxChannelGradient->getGradient(0, out, samples);
+}
+
+void VRTGradient::getGradient16(std::uint16_t* out, std::uint32_t samples) const {
+  _kxChannelGradient->getGradient(0, out, samples);
+}
+
+void VRTGradient::getGradientFloat(float* out, std::uint32_t samples) const {
+  _kxChannelGradient->getGradient(0, out, samples);
+}
+
+std::optional<PropertyList> VRTGradient::stateValue() const {
+  PropertyList rgbSamples = PropertyList::array();
+  for (const VRTChannelBase* child : _kxChannelGradient->rgbFolder.getDescendants()) {
+    const auto* sample = dynamic_cast<const VRTChannelGradientSampleRGB*>(child);
+    if (!sample) continue;
+    appendSample(rgbSamples, *sample);
+    rgbSamples.append(PropertyList::real(sample->red));
+    rgbSamples.append(PropertyList::real(sample->green));
+    rgbSamples.append(PropertyList::real(sample->blue));
+  }
+  PropertyList alphaSamples = PropertyList::array();
+  for (const VRTChannelBase* child : _kxChannelGradient->alphaFolder.getDescendants()) {
+    const auto* sample = dynamic_cast<const VRTChannelGradientSampleAlpha*>(child);
+    if (!sample) continue;
+    appendSample(alphaSamples, *sample);
+    alphaSamples.append(PropertyList::real(sample->alpha));
+  }
+  PropertyList state;
+  state.set("rgbSamples", std::move(rgbSamples));
+  state.set("alphaSamples", std::move(alphaSamples));
+  return state;
+}
+
+bool VRTGradient::initWithStateValue(const PropertyList& state) {
+  const PropertyList* rgbSamples = state.find("rgbSamples");
+  const PropertyList* alphaSamples = state.find("alphaSamples");
+  if (!state.isDictionary() || (rgbSamples && !rgbSamples->isArray()) || (alphaSamples && !alphaSamples->isArray())) {
+    return false;
+  }
+  auto channel = makeDefaultGradient();
+  if (rgbSamples) readRGBSamples(rgbSamples->items(), channel->rgbFolder);
+  if (alphaSamples) readAlphaSamples(alphaSamples->items(), channel->alphaFolder);
+  _kxChannelGradient = std::move(channel);
+  return true;
+}
+
+VRTHistogram::VRTHistogram() : _kxChannelHistogram(std::make_unique<VRTChannelHistogram>()) {}
+
+VRTHistogram::~VRTHistogram() = default;
+
+std::shared_ptr<VRTHistogram> VRTHistogram::histogram() {
+  return std::make_shared<VRTHistogram>();
+}
+
+int VRTHistogram::selectedChannel() const {
+  return _kxChannelHistogram->selectedChannel;
+}
+
+void VRTHistogram::setSelectedChannel(int channel) {
+  _kxChannelHistogram->selectedChannel = channel;
+}
+
+double VRTHistogram::blackInForChannel(int channel) const {
+  return _kxChannelHistogram->getBlackInValue(channel, 0, 0);
+}
+
+double VRTHistogram::blackOutForChannel(int channel) const {
+  return _kxChannelHistogram->getBlackOutValue(channel, 0, 0);
+}
+
+double VRTHistogram::whiteInForChannel(int channel) const {
+  return _kxChannelHistogram->getWhiteInValue(channel, 0, 0);
+}
+
+double VRTHistogram::whiteOutForChannel(int channel) const {
+  return _kxChannelHistogram->getWhiteOutValue(channel, 0, 0);
+}
+
+double VRTHistogram::gammaForChannel(int channel) const {
+  return _kxChannelHistogram->getGammaValue(channel, 0, 0);
+}
+
+void VRTHistogram::setBlackIn(double value, int channel) {
+  _kxChannelHistogram->setBlackInValue(value, channel, 0, 0);
+}
+
+void VRTHistogram::setBlackOut(double value, int channel) {
+  _kxChannelHistogram->setBlackOutValue(value, channel, 0, 0);
+}
+
+void VRTHistogram::setWhiteIn(double value, int channel) {
+  _kxChannelHistogram->setWhiteInValue(value, channel, 0, 0);
+}
+
+void VRTHistogram::setWhiteOut(double value, int channel) {
+  _kxChannelHistogram->setWhiteOutValue(value, channel, 0, 0);
+}
+
+void VRTHistogram::setGamma(double value, int channel) {
+  _kxChannelHistogram->setGammaValue(value, channel, 0, 0);
+}
+
+std::optional<PropertyList> VRTHistogram::stateValue() const {
+  PropertyList state;
+  state.set(selectedChannelKey, PropertyList::integer(selectedChannel()));
+  for (std::size_t channel = 0; channel < levelsChannels.size(); ++channel) {
+    for (const LevelsProperty& property : levelsProperties) {
+      state.set(levelsKey(property, channel), PropertyList::real((this->*property.get)(static_cast<int>(channel))));
+    }
+  }
+  return state;
+}
+
+bool VRTHistogram::initWithStateValue(const PropertyList& state) {
+  if (!state.isDictionary()) return false;
+  const PropertyList* selected = state.find(selectedChannelKey);
+  setSelectedChannel(selected ? selected->intValue() : 0);
+  for (std::size_t channel = 0; channel < levelsChannels.size(); ++channel) {
+    for (const LevelsProperty& property : levelsProperties) {
+      const PropertyList* value = state.find(levelsKey(property, channel));
+      (this->*property.set)(value ? value->doubleValue() : 0, static_cast<int>(channel));
+    }
+  }
+  return true;
+}
+
+VRTOpaqueData::VRTOpaqueData() = default;
+
+VRTOpaqueData::~VRTOpaqueData() = default;
+
+std::shared_ptr<VRTOpaqueData> VRTOpaqueData::data() {
+  return std::make_shared<VRTOpaqueData>();
+}
+
+std::shared_ptr<VRTOpaqueData> VRTOpaqueData::dataWithValue(NSObjectRef value) {
+  auto object = std::make_shared<VRTOpaqueData>();
+  object->initWithValue(std::move(value));
+  return object;
+}
+
+bool VRTOpaqueData::initWithValue(NSObjectRef value) {
+  _value = std::move(value);
+  return true;
+}
+
+std::optional<PropertyList> VRTOpaqueData::stateValue() const {
+  const OpaqueNesting nesting;
+  if (OpaqueNesting::tooDeep()) return std::nullopt;
+  NSKeyedArchiver archiver;
+  archiver.encodeObject(_value);
+  auto bytes = archiver.finishEncoding();
+  if (!bytes) return std::nullopt;
+  return PropertyList::mutableData(*std::move(bytes));
+}
+
+bool VRTOpaqueData::initWithStateValue(const PropertyList& state) {
+  const OpaqueNesting nesting;
+  if (!state.isData() || OpaqueNesting::tooDeep()) return false;
+  NSKeyedUnarchiver unarchiver;
+  if (!unarchiver.initForReadingWithData(state.bytes())) return false;
+  NSObjectRef value = unarchiver.decodeObject();
+  if (!unarchiver.error().empty()) return false;
+  unarchiver.finishDecoding();
+  return initWithValue(std::move(value));
+}

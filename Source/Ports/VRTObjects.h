@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include "Platform/QuartzComposer/QCObject.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+class VRTChannelGradient;
+class VRTChannelHistogram;
+
+// Base of the parameter values: coding and copying go through the state value, so a copy never shares channels with its
+// source. A state that does not fit leaves the object as it was.
+class TARN_EXPORT VRTObject : public QCObject {
+ public:
+  std::string className() const override { return "VRTObject"; }
+  // A new object of the same class made from the state value; null when there is none.
+  NSObjectRef copyWithZone() const override;
+  // The state under the key "state", or without a key when the coder has none. Nothing is thrown here: a state that
+  // would make initWithStateValue() throw fails the coder with the reason.
+  void encodeWithCoder(NSCoder& coder) const override;
+  bool initWithCoder(NSCoder& coder) override;
+};
+
+// A gradient. Owns its channel from construction to destruction.
+//
+// State: "rgbSamples", six numbers per color sample (position, middle, interpolation, red, green, blue), and
+// "alphaSamples", four per opacity sample (position, middle, interpolation, alpha); interpolation is an integer, the
+// others are reals.
+class TARN_EXPORT VRTGradient : public VRTObject {
+ public:
+  VRTGradient();  // white at 0 to black at 1, smooth, opaque
+  ~VRTGradient() override;
+  static std::shared_ptr<VRTGradient> gradient();
+  std::string className() const override { return "VRTGradient"; }
+
+  VRTChannelGradient* kxChannelGradient() const { return _kxChannelGradient.get(); }  // edited in place; not a copy
+
+  // Fill `count` entries of four components (alpha, red, green, blue) at time 0; see VRTChannelGradient::getGradient.
+  void getGradient8(std::uint8_t* out, std::uint32_t samples) const;
+  void getGradient16(std::uint16_t* out, std::uint32_t samples) const;
+  void getGradientFloat(float* out, std::uint32_t samples) const;
+
+  std::optional<PropertyList> stateValue() const override;
+  // Missing arrays keep the default samples; samples are neither sorted nor named; an entry that is no number reads as
+  // 0. Anything that is not a dictionary with arrays is refused. An array that ends within a group throws
+  // std::out_of_range, the one exception of this framework.
+  bool initWithStateValue(const PropertyList& state) override;
+
+ private:
+  std::unique_ptr<VRTChannelGradient> _kxChannelGradient;
+};
+
+// A levels adjustment; channel 0 RGB, 1 red, 2 green, 3 blue, 4 alpha. Other channels read 0 and store nothing.
+class TARN_EXPORT VRTHistogram : public VRTObject {
+ public:
+  VRTHistogram();
+  ~VRTHistogram() override;
+  static std::shared_ptr<VRTHistogram> histogram();
+  std::string className() const override { return "VRTHistogram"; }
+
+  VRTChannelHistogram* kxChannelHistogram() const { return _kxChannelHistogram.get(); }
+
+  int selectedChannel() const;
+  void setSelectedChannel(int channel);
+  double blackInForChannel(int channel) const;
+  double blackOutForChannel(int channel) const;
+  double whiteInForChannel(int channel) const;
+  double whiteOutForChannel(int channel) const;
+  double gammaForChannel(int channel) const;
+  void setBlackIn(double value, int channel);
+  void setBlackOut(double value, int channel);
+  void setWhiteIn(double value, int channel);
+  void setWhiteOut(double value, int channel);
+  void setGamma(double value, int channel);
+
+  // 26 keys: "selectedChannel", then blackIn, blackOut, whiteIn, whiteOut and gamma of "RGB", "Red", "Green", "Blue",
+  // "Alpha".
+  std::optional<PropertyList> stateValue() const override;
+  bool initWithStateValue(const PropertyList& state) override;  // a missing key reads as 0
+
+ private:
+  std::unique_ptr<VRTChannelHistogram> _kxChannelHistogram;
+};
+
+// Any archivable object, as one parameter. State: data that holds a keyed archive of the object, which is null in a new
+// one. A value that cannot be archived has no state, nor has opaque data nested more than 32 deep, which is not read
+// either. What the archive names must be in the class table.
+class TARN_EXPORT VRTOpaqueData : public VRTObject {
+ public:
+  VRTOpaqueData();
+  ~VRTOpaqueData() override;
+  static std::shared_ptr<VRTOpaqueData> data();
+  static std::shared_ptr<VRTOpaqueData> dataWithValue(NSObjectRef value);
+  std::string className() const override { return "VRTOpaqueData"; }
+  static std::string valueClass() { return "NSObject"; }
+
+  bool initWithValue(NSObjectRef value);
+  NSObjectRef value() const { return _value; }
+
+  std::optional<PropertyList> stateValue() const override;
+  bool initWithStateValue(const PropertyList& state) override;
+
+ private:
+  NSObjectRef _value;
+};

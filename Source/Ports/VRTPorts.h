@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include "Platform/QuartzComposer/QCPort.h"
+
+#include <functional>
+#include <string>
+
+class NSTarnView;
+class VRTOpaqueDataPort;
+
+// How an inspector asks a port for the editor of its parameter.
+class TARN_EXPORT ParameterView {
+ public:
+  virtual ~ParameterView();
+  // A new editor, owned by the caller, or null when the port has none (always null until an editors library has
+  // registered its factories).
+  virtual NSTarnView* setupParameterView() = 0;
+  virtual void resetParameterView(NSTarnView* view) = 0;  // does nothing in all three classes
+};
+
+// Registered by the library that makes editors; a null factory takes the registration back. Keyed by the port class.
+using VRTParameterViewFactory = std::function<NSTarnView*(QCObjectPort& port)>;
+TARN_EXPORT void VRTRegisterParameterViewFactory(const std::string& portClass, VRTParameterViewFactory factory);
+
+class TARN_EXPORT VRTGradientPort : public QCObjectPort, public ParameterView {
+ public:
+  using QCObjectPort::QCObjectPort;
+  std::string className() const override { return "VRTGradientPort"; }
+  std::string objectClass() const override { return "VRTGradient"; }
+  NSTarnView* setupParameterView() override;
+  void resetParameterView(NSTarnView* view) override;
+};
+
+class TARN_EXPORT VRTHistogramPort : public QCObjectPort, public ParameterView {
+ public:
+  using QCObjectPort::QCObjectPort;
+  std::string className() const override { return "VRTHistogramPort"; }
+  std::string objectClass() const override { return "VRTHistogram"; }
+  NSTarnView* setupParameterView() override;
+  void resetParameterView(NSTarnView* view) override;
+};
+
+// Implemented by patches that bring their own editor for their opaque data.
+class TARN_EXPORT VRTOpaqueDataViewing {
+ public:
+  virtual ~VRTOpaqueDataViewing();
+  virtual NSTarnView* viewForOpaqueDataPort(VRTOpaqueDataPort* port) = 0;
+};
+
+class TARN_EXPORT VRTOpaqueDataPort : public QCObjectPort, public ParameterView {
+ public:
+  using QCObjectPort::QCObjectPort;
+  std::string className() const override { return "VRTOpaqueDataPort"; }
+  std::string objectClass() const override { return "VRTOpaqueData"; }
+  NSTarnView* setupParameterView() override;  // what the port's node answers to viewForOpaqueDataPort, or null
+  void resetParameterView(NSTarnView* view) override;
+};

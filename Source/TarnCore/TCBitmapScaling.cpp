@@ -1,0 +1,188 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "TarnCore/TCBitmapScaling.h"
+
+#include "TarnCore/TCBitmapSlack.h"
+#include "TarnCore/TCPixelFormat.h"
+#include "TarnCore/kernels/Depth.h"
+#include "TarnCore/kernels/Scale.h"
+
+#include <algorithm>
+#include <memory>
+
+namespace {
+
+using vorto::kernels::DepthLayout;
+using vorto::kernels::ScaleDestination;
+using vorto::kernels::ScaleSource;
+
+std::size_t accessiblePixels(const VortoBitmap& bitmap, std::size_t pixelBytes) {
+  return bitmap.accessibleBytes() / pixelBytes;
+}
+
+void declarePixels(const VortoBitmap& bitmap, std::uint64_t pixels, std::size_t pixelBytes) {
+  const std::uint64_t accessible = accessiblePixels(bitmap, pixelBytes);
+  vorto::declareTouched(bitmap.data, std::min(pixels, accessible) * pixelBytes);
+}
+
+std::uint32_t lastIndex(std::uint32_t source, std::uint32_t destination) {
+  return vorto::kernels::scaledIndex(destination - 1, static_cast<double>(source) / destination);
+}
+
+std::uint64_t pixelsOf(const VortoBitmap& bitmap) {
+  return std::uint64_t{bitmap.width} * bitmap.height;
+}
+
+// What the rule names on both sides. The source is taken as a whole; where it is empty or very small, the rule names
+// pixels behind it.
+void declareScaling(const VortoBitmap& destination, std::size_t written, const VortoBitmap& source, std::size_t read) {
+  if (pixelsOf(destination) == 0) return;
+  declarePixels(destination, pixelsOf(destination), written);
+  const std::uint64_t lastRow = lastIndex(source.height, destination.height);
+  const std::uint64_t last = lastRow * source.width + lastIndex(source.width, destination.width);
+  declarePixels(source, std::max(pixelsOf(source), last + 1), read);
+}
+
+ScaleSource sourceOf(const VortoBitmap& bitmap, std::size_t pixelBytes) {
+  return {bitmap.data, bitmap.width, bitmap.height, accessiblePixels(bitmap, pixelBytes)};
+}
+
+ScaleDestination destinationOf(const VortoBitmap& bitmap, std::size_t pixelBytes) {
+  return {bitmap.data, bitmap.width, bitmap.height, accessiblePixels(bitmap, pixelBytes)};
+}
+
+void scale(const VortoBitmap* destination, const VortoBitmap* source, std::size_t pixelBytes) {
+  if (destination == nullptr || source == nullptr) return;
+  declareScaling(*destination, pixelBytes, *source, pixelBytes);
+  vorto::kernels::scaleNearest(destinationOf(*destination, pixelBytes), sourceOf(*source, pixelBytes), pixelBytes);
+}
+
+void convert(const VortoBitmap* source, DepthLayout from, const VortoBitmap* destination, DepthLayout to) {
+  if (destination == nullptr || source == nullptr) return;
+  declareScaling(*destination, depthPixelBytes(to), *source, depthPixelBytes(from));
+  vorto::kernels::scaleAndConvert(destinationOf(*destination, depthPixelBytes(to)), to,
+                                  sourceOf(*source, depthPixelBytes(from)), from);
+}
+
+template <class Pixel>
+constexpr DepthLayout LayoutOf = DepthLayout::RGBA8;
+template <>
+constexpr DepthLayout LayoutOf<VortoPixel4<std::uint8_t, VortoPixelInfoARGB8>> = DepthLayout::ARGB8;
+template <>
+constexpr DepthLayout LayoutOf<VortoPixel4<std::uint16_t, VortoPixelInfoRGBA16>> = DepthLayout::RGBA16;
+template <>
+constexpr DepthLayout LayoutOf<VortoPixel4<half, VortoPixelInfoRGBAHalfFloat>> = DepthLayout::RGBAHalf;
+template <>
+constexpr DepthLayout LayoutOf<VortoPixel4<float, VortoPixelInfoRGBAFloat>> = DepthLayout::RGBAFloat;
+
+// The bytes of a pixel as the scalers take it for a format code.
+std::size_t scaledPixelBytes(std::uint32_t code) {
+  switch (code) {
+    case VortoPixelFormat::YUV8:
+    case VortoPixelFormat::Luminance16:
+      return 2;
+    case VortoPixelFormat::RGB16:
+      return 6;
+    case VortoPixelFormat::RGBA16:
+    case VortoPixelFormat::RGBAHalfFloat:
+      return 8;
+    case VortoPixelFormat::RGBAFloat:
+      return 16;
+    default:
+      return 4;
+  }
+}
+
+DepthLayout sourceLayout(std::uint32_t code) {
+  switch (code) {
+    case VortoPixelFormat::ARGB8:
+      return DepthLayout::ARGB8;
+    case VortoPixelFormat::RGBA16:
+      return DepthLayout::RGBA16;
+    case VortoPixelFormat::RGBAHalfFloat:
+      return DepthLayout::RGBAHalf;
+    case VortoPixelFormat::RGBAFloat:
+      return DepthLayout::RGBAFloat;
+    default:
+      return DepthLayout::RGBA8;
+  }
+}
+
+// The source itself, or, for 4:2:2, its pixels as ARGB8.
+class ScalableSource {
+ public:
+  explicit ScalableSource(const VortoBitmap& source) : bitmap_(&source) {
+    if (source.formatCode != VortoPixelFormat::YUV8) return;
+    converted_ = std::make_unique<VortoBitmapARGB8>(source.width, source.height);
+    converted_->copy(source);
+    bitmap_ = converted_.get();
+  }
+  const VortoBitmap& bitmap() const { return *bitmap_; }
+
+ private:
+  std::unique_ptr<VortoBitmap> converted_;
+  const VortoBitmap* bitmap_;
+};
+
+}  // namespace
+
+void VortoBitmap::copyWithScaling(const VortoBitmap& source) {
+  const ScalableSource scalable(source);
+  scale(this, &scalable.bitmap(), scaledPixelBytes(formatCode));
+}
+
+void VortoBitmap::copyWithScalingAndDepthConversion(const VortoBitmap& source) {
+  const ScalableSource scalable(source);
+  const DepthLayout from = sourceLayout(scalable.bitmap().formatCode);
+  switch (formatCode) {
+    case VortoPixelFormat::ARGB8:
+      return convert(&scalable.bitmap(), from, this, DepthLayout::ARGB8);
+    case VortoPixelFormat::RGBA16:
+      return convert(&scalable.bitmap(), from, this, DepthLayout::RGBA16);
+    case VortoPixelFormat::RGBAFloat:
+      return convert(&scalable.bitmap(), from, this, DepthLayout::RGBAFloat);
+    default:
+      return;
+  }
+}
+
+template <class View, class Pixel>
+void scaleBitmap(View* destination, View* source) {
+  scale(destination, source, sizeof(Pixel));
+}
+
+template <class View, class Pixel>
+void scaleAndDepthConvertBitmapToARGB8(View* source, VortoBitmapARGB8* destination) {
+  convert(source, LayoutOf<Pixel>, destination, DepthLayout::ARGB8);
+}
+
+template <class View, class Pixel>
+void scaleAndDepthConvertBitmaptoRGBA16(View* source, VortoBitmapRGBA16* destination) {
+  convert(source, LayoutOf<Pixel>, destination, DepthLayout::RGBA16);
+}
+
+template <class View, class Pixel>
+void scaleAndDepthConvertBitmaptoRGBAFloat(View* source, VortoBitmapRGBAFloat* destination) {
+  convert(source, LayoutOf<Pixel>, destination, DepthLayout::RGBAFloat);
+}
+
+#define INSTANTIATE_SCALER(View, ...) template void scaleBitmap<View, __VA_ARGS__>(View*, View*);
+#define INSTANTIATE_CONVERTERS(View, ...)                                                         \
+  template void scaleAndDepthConvertBitmapToARGB8<View, __VA_ARGS__>(View*, VortoBitmapARGB8*);   \
+  template void scaleAndDepthConvertBitmaptoRGBA16<View, __VA_ARGS__>(View*, VortoBitmapRGBA16*); \
+  template void scaleAndDepthConvertBitmaptoRGBAFloat<View, __VA_ARGS__>(View*, VortoBitmapRGBAFloat*);
+
+INSTANTIATE_SCALER(VortoBitmapRGBA8, VortoPixel4<std::uint8_t, VortoPixelInfoRGBA8>)
+INSTANTIATE_SCALER(VortoBitmapARGB8, VortoPixel4<std::uint8_t, VortoPixelInfoARGB8>)
+INSTANTIATE_SCALER(VortoBitmapYUV8, VortoPixelYUV<std::uint8_t, VortoPixelInfoYUV8>)
+INSTANTIATE_SCALER(VortoBitmapRGBA16, VortoPixel4<std::uint16_t, VortoPixelInfoRGBA16>)
+INSTANTIATE_SCALER(VortoBitmapRGB16, VortoPixel3<std::uint16_t, VortoPixelInfoRGB16>)
+INSTANTIATE_SCALER(VortoBitmapLuminanceAlpha16, VortoPixel2<std::uint16_t, VortoPixelInfoLuminanceAlpha16>)
+INSTANTIATE_SCALER(VortoBitmapLuminance16, VortoPixel1<std::uint16_t, VortoPixelInfoLuminance16>)
+INSTANTIATE_SCALER(VortoBitmapRGBAHalfFloat, VortoPixel4<half, VortoPixelInfoRGBAHalfFloat>)
+INSTANTIATE_SCALER(VortoBitmapRGBAFloat, VortoPixel4<float, VortoPixelInfoRGBAFloat>)
+
+INSTANTIATE_CONVERTERS(VortoBitmapRGBA8, VortoPixel4<std::uint8_t, VortoPixelInfoRGBA8>)
+INSTANTIATE_CONVERTERS(VortoBitmapARGB8, VortoPixel4<std::uint8_t, VortoPixelInfoARGB8>)
+INSTANTIATE_CONVERTERS(VortoBitmapRGBA16, VortoPixel4<std::uint16_t, VortoPixelInfoRGBA16>)
+INSTANTIATE_CONVERTERS(VortoBitmapRGBAHalfFloat, VortoPixel4<half, VortoPixelInfoRGBAHalfFloat>)
+INSTANTIATE_CONVERTERS(VortoBitmapRGBAFloat, VortoPixel4<float, VortoPixelInfoRGBAFloat>)

@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "TarnCore/TCPixelFormat.h"
+
+#include "Platform/CGL/GLEnumerants.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
+
+namespace {
+
+struct PixelFormat {
+  bool hasAlpha;
+  std::uint32_t bitsPerPixel;
+  std::uint32_t bitsPerChannel;
+  std::uint32_t glInternalFormat;
+  std::uint32_t glDataFormat;
+  std::uint32_t glDataType;
+};
+
+constexpr PixelFormat pixelFormats[] = {
+    {true, 32, 8, gl::RGBA8, gl::RGBA, gl::UNSIGNED_INT_8_8_8_8_REV},
+    {true, 32, 8, gl::RGBA, gl::BGRA, gl::UNSIGNED_INT_8_8_8_8},
+    {false, 32, 8, gl::RGBA, gl::YCBCR_422, gl::UNSIGNED_SHORT_8_8},
+    {false, 32, 8, gl::RGBA, gl::BGRA, gl::UNSIGNED_INT_8_8_8_8},
+    {true, 64, 16, gl::RGBA16, gl::RGBA, gl::UNSIGNED_SHORT},
+    {false, 48, 16, gl::RGBA, gl::RGB, gl::UNSIGNED_SHORT},
+    {true, 32, 16, gl::RGBA, gl::LUMINANCE_ALPHA, gl::UNSIGNED_SHORT},
+    {false, 16, 16, gl::RGBA, gl::LUMINANCE, gl::UNSIGNED_SHORT},
+    {true, 64, 16, gl::RGBA16F, gl::RGBA, gl::HALF_FLOAT},
+    {true, 128, 32, gl::RGBA32F, gl::RGBA, gl::FLOAT},
+};
+constexpr PixelFormat otherFormat = {false, 32, 8, gl::RGBA, gl::BGRA, gl::UNSIGNED_INT_8_8_8_8};
+
+const PixelFormat& formatOf(VortoPixelFormat::Code code) {
+  return code < std::size(pixelFormats) ? pixelFormats[code] : otherFormat;
+}
+
+// Bits of four channels of each depth.
+constexpr std::int64_t channelCount = 4;
+
+VortoBitDepth::Type depthOf(std::int64_t bitsPerPixel, bool integer) {
+  switch (bitsPerPixel) {
+    case 48:
+      return VortoBitDepth::Integer16;
+    case 64:
+      return integer ? VortoBitDepth::Integer16 : VortoBitDepth::Half;
+    case 128:
+      return VortoBitDepth::Float;
+    default:
+      return VortoBitDepth::Integer8;
+  }
+}
+
+template <std::size_t count>
+std::uint32_t entryOf(const std::uint32_t (&table)[count], VortoBitDepth::Type type) {
+  return type < count ? table[type] : 0;
+}
+
+}  // namespace
+
+bool VortoPixelFormat::hasAlpha(Code code) {
+  return formatOf(code).hasAlpha;
+}
+std::uint32_t VortoPixelFormat::getGLInternalFormat(Code code) {
+  return formatOf(code).glInternalFormat;
+}
+std::uint32_t VortoPixelFormat::getGLDataFormat(Code code) {
+  return formatOf(code).glDataFormat;
+}
+std::uint32_t VortoPixelFormat::getGLDataType(Code code) {
+  return formatOf(code).glDataType;
+}
+std::uint32_t VortoPixelFormat::getBitsPerPixel(Code code) {
+  return formatOf(code).bitsPerPixel;
+}
+std::uint32_t VortoPixelFormat::getBitsPerChannel(Code code) {
+  return formatOf(code).bitsPerChannel;
+}
+
+VortoPixelFormat::Code VortoPixelFormat::getPixelFormat(std::uint32_t glFormat, std::uint32_t glType) {
+  switch (glType) {
+    case gl::HALF_FLOAT:
+      return RGBAHalfFloat;
+    case gl::UNSIGNED_SHORT:
+      switch (glFormat) {
+        case gl::LUMINANCE:
+          return Luminance16;
+        case gl::LUMINANCE_ALPHA:
+          return LuminanceAlpha16;
+        case gl::RGB:
+          return RGB16;
+        default:
+          return RGBA16;
+      }
+    case gl::FLOAT:
+      return RGBAFloat;
+    case gl::UNSIGNED_INT_8_8_8_8_REV:
+      return RGBA8;
+    case gl::UNSIGNED_SHORT_8_8:
+      return YUV8;
+    default:
+      return ARGB8;
+  }
+}
+
+const std::uint32_t VortoBitDepth::_bitsPerPixel[4] = {32, 64, 64, 128};
+const std::uint32_t VortoBitDepth::_bitsPerChannel[4] = {8, 16, 16, 32};
+const std::uint32_t VortoBitDepth::_pixelFormat[4] = {gl::RGBA, gl::RGBA, gl::RGBA16F, gl::RGBA32F};
+
+std::uint32_t VortoBitDepth::getBitsPerPixel(Type type) {
+  return entryOf(_bitsPerPixel, type);
+}
+std::uint32_t VortoBitDepth::getBitsPerChannel(Type type) {
+  return entryOf(_bitsPerChannel, type);
+}
+std::uint32_t VortoBitDepth::getPixelFormat(Type type) {
+  return entryOf(_pixelFormat, type);
+}
+
+VortoBitDepth::Type VortoBitDepth::getFromBitsPerPixel(int bits, bool integer) {
+  return depthOf(bits, integer);
+}
+VortoBitDepth::Type VortoBitDepth::getFromBitsPerChannel(int bits, bool integer) {
+  return depthOf(channelCount * bits, integer);
+}
+
+void VortoMakeCheckerImage(void* pixels, unsigned width, unsigned height) {
+  auto* byte = static_cast<std::uint8_t*>(pixels);
+  if (!byte) return;
+  for (unsigned row = 0; row < height; ++row) {
+    for (unsigned column = 0; column < width; ++column) {
+      const bool isDark = ((row ^ column) & 8) == 0;
+      const std::uint8_t color = isDark ? 192 : 255;
+      *byte++ = 255;
+      *byte++ = color;
+      *byte++ = color;
+      *byte++ = color;
+    }
+  }
+}

@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "TarnCore/TCPrint.h"
+
+#include "TarnCore/TCStack.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <climits>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+bool printInitialized = false;
+bool useLogFile = false;
+std::FILE* logFile = nullptr;
+const char* programName = "UNKNOWN";
+
+std::FILE* OpenLogFile() {
+  char name[64];
+  std::snprintf(name, sizeof name, "/tmp/output.%d.log", static_cast<int>(getpid()));
+  return std::fopen(name, "we");
+}
+
+}  // namespace
+
+int VortoPrintVA(const char* format, std::va_list args) {
+  if (!printInitialized) {
+    useLogFile = std::getenv("tcPrintUseLogFile") != nullptr;
+    printInitialized = true;
+  }
+  if (!useLogFile) return std::vprintf(format, args);
+  if (logFile == nullptr) logFile = OpenLogFile();
+  if (logFile == nullptr) return -1;
+  const int written = std::vfprintf(logFile, format, args);
+  std::fflush(logFile);
+  return written;
+}
+
+int VortoPrint(const char* format, ...) {
+  std::va_list args;
+  va_start(args, format);
+  const int written = VortoPrintVA(format, args);
+  va_end(args);
+  return written;
+}
+
+int VortoPrintIndent(unsigned level, const char* format, ...) {
+  if (level != 0) {
+    const int width = static_cast<int>(std::min<std::uint64_t>(std::uint64_t{2} * level, INT_MAX));
+    VortoPrint("%*.*s", width, width, "");
+  }
+  std::va_list args;
+  va_start(args, format);
+  const int written = VortoPrintVA(format, args);
+  va_end(args);
+  return written;
+}
+
+void VortoUnreachable(const char* file, int line, const char* message) {
+  // The format takes the path and the line only; kept in a variable so that compilers accept the argument behind them.
+  const char* format = "File %s, line %d should not have been reached:\n\t";
+  VortoPrint(format, file, line, message);
+  std::fflush(stdout);
+  std::abort();
+}
+
+void VortoPrintStackStart(const char* name) {
+  programName = name;
+}
+
+void VortoPrintStackStop() {}
+
+void VortoPrintStack(int firstFrame, int /*reserved*/, int detailed) {
+  constexpr int kThisFrame = 1;
+  std::vector<CrawlFrame> frames = VortoCollectFrames(kThisFrame);
+  VortoPrintFrames(frames, programName, firstFrame, detailed);
+}

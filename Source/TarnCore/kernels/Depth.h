@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include "TarnCore/kernels/Scale.h"
+
+#include <cstddef>
+#include <cstdint>
+
+// Conversions of four-channel pixels between depths.
+namespace vorto::kernels {
+
+// The layouts that a conversion reads, and those of them that it writes.
+enum class DepthLayout { RGBA8, ARGB8, RGBA16, RGBAHalf, RGBAFloat };
+constexpr std::size_t depthPixelBytes(DepthLayout layout) {
+  switch (layout) {
+    case DepthLayout::RGBA8:
+    case DepthLayout::ARGB8:
+      return 4;
+    case DepthLayout::RGBA16:
+    case DepthLayout::RGBAHalf:
+      return 8;
+    case DepthLayout::RGBAFloat:
+      return 16;
+  }
+  return 4;
+}
+
+// `count` consecutive pixels: every channel through its value as a float. `to` is ARGB8, RGBA16 or RGBAFloat. The two
+// must not overlap. `streamed` writes past the caches where that is possible.
+void convertDepth(std::uint8_t* out, DepthLayout to, const std::uint8_t* in, DepthLayout from, std::size_t count,
+                  bool streamed = false);
+void convertDepthScalar(std::uint8_t* out, DepthLayout to, const std::uint8_t* in, DepthLayout from, std::size_t count);
+
+// Nearest-neighbour scaling and conversion in one pass, by the rules of scaleNearest().
+void scaleAndConvert(const ScaleDestination& destination, DepthLayout to, const ScaleSource& source, DepthLayout from);
+void scaleAndConvertScalar(const ScaleDestination& destination, DepthLayout to, const ScaleSource& source,
+                           DepthLayout from);
+
+}  // namespace vorto::kernels

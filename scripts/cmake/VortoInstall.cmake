@@ -1,0 +1,31 @@
+# SPDX-License-Identifier: BSD-3-Clause
+# What `make install` puts where, and the packages by which others find it.
+include(CMakePackageConfigHelpers)
+
+set(headers FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/vorto)
+install(TARGETS vorto EXPORT VortoTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} ${headers})
+set_target_properties(vorto PROPERTIES EXPORT_NAME Vorto)
+install(EXPORT VortoTargets NAMESPACE Vorto:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Vorto)
+# In a set of its own, so that a package user without Qt finds the framework all the same.
+set_target_properties(vorto-editors PROPERTIES EXPORT_NAME Editors INSTALL_RPATH "$ORIGIN")
+install(TARGETS vorto-editors EXPORT VortoEditorsTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} ${headers})
+install(EXPORT VortoEditorsTargets NAMESPACE Vorto:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Vorto)
+
+configure_package_config_file(${CMAKE_SOURCE_DIR}/scripts/cmake/VortoConfig.cmake.in ${CMAKE_BINARY_DIR}/VortoConfig.cmake
+                              INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Vorto
+                              PATH_VARS CMAKE_INSTALL_LIBDIR)
+write_basic_package_version_file(${CMAKE_BINARY_DIR}/VortoConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${CMAKE_BINARY_DIR}/VortoConfig.cmake ${CMAKE_BINARY_DIR}/VortoConfigVersion.cmake
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Vorto)
+
+configure_file(${CMAKE_SOURCE_DIR}/scripts/cmake/vorto.pc.in ${CMAKE_BINARY_DIR}/vorto.pc @ONLY)
+configure_file(${CMAKE_SOURCE_DIR}/scripts/cmake/vorto-editors.pc.in ${CMAKE_BINARY_DIR}/vorto-editors.pc @ONLY)
+install(FILES ${CMAKE_BINARY_DIR}/vorto.pc ${CMAKE_BINARY_DIR}/vorto-editors.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+set(CPACK_PACKAGE_NAME vorto)
+set(CPACK_PACKAGE_CONTACT "the Vorto authors <vorto@localhost>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Framework for real-time image effects and the applications that host them")
+set(CPACK_RESOURCE_FILE_LICENSE ${CMAKE_SOURCE_DIR}/LICENSE)
+set(CPACK_GENERATOR DEB TGZ)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+include(CPack)

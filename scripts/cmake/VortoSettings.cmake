@@ -1,0 +1,34 @@
+# SPDX-License-Identifier: BSD-3-Clause
+# How every file of the tree is compiled.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+if(NOT CMAKE_BUILD_TYPE)
+  set(CMAKE_BUILD_TYPE Release)
+endif()
+
+add_library(vorto_settings INTERFACE)
+target_include_directories(vorto_settings INTERFACE ${CMAKE_SOURCE_DIR}/Source)
+# Results are defined to the bit: multiply-adds are never contracted.
+target_compile_options(vorto_settings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Werror
+                                                -ffp-contract=off)
+# Fully optimised, this compiler sees overlaps in the standard library's own strings.
+if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  target_compile_options(vorto_settings INTERFACE $<$<CONFIG:Release>:-Wno-restrict>)
+endif()
+if(VORTO_SANITIZE)
+  target_compile_options(vorto_settings INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all
+                                                  -fno-omit-frame-pointer)
+  target_link_options(vorto_settings INTERFACE -fsanitize=address,undefined)
+endif()
+
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
+
+# One place for libraries under every prefix; programs find them, and their plug-ins, relative to themselves.
+set(CMAKE_INSTALL_LIBDIR lib CACHE STRING "Folder of the libraries below the prefix")
+set(CMAKE_INSTALL_RPATH $ORIGIN/../lib:$ORIGIN)
