@@ -8,17 +8,17 @@
 
 namespace {
 
+CFOwned<CFStringRef> stringOf(const char* utf8) {
+  return CFOwned<CFStringRef>(CFStringCreateWithCString(nullptr, utf8, kCFStringEncodingUTF8));
+}
+
 QString lookedUp(const char* key, const char* missing) {
-  const CFStringRef identifier =
-      CFStringCreateWithCString(nullptr, VRTFrameworkBundleIdentifier, kCFStringEncodingUTF8);
-  const CFStringRef keyString = CFStringCreateWithCString(nullptr, key, kCFStringEncodingUTF8);
-  const CFStringRef missingString = CFStringCreateWithCString(nullptr, missing, kCFStringEncodingUTF8);
-  const CFStringRef text =
-      CFBundleCopyLocalizedString(CFBundleGetBundleWithIdentifier(identifier), keyString, missingString, nullptr);
-  const CFIndex length = CFStringGetLength(text);
+  const CFBundleRef bundle = CFBundleGetBundleWithIdentifier(stringOf(VRTFrameworkBundleIdentifier).get());
+  const CFOwned<CFStringRef> text(
+      CFBundleCopyLocalizedString(bundle, stringOf(key).get(), stringOf(missing).get(), nullptr));
+  const CFIndex length = CFStringGetLength(text.get());
   std::vector<UniChar> units(static_cast<std::size_t>(length));
-  CFStringGetCharacters(text, CFRangeMake(0, length), units.data());
-  for (const CFStringRef string : {identifier, keyString, missingString, text}) CFRelease(string);
+  CFStringGetCharacters(text.get(), CFRangeMake(0, length), units.data());
   return QString::fromUtf16(reinterpret_cast<const char16_t*>(units.data()), static_cast<qsizetype>(units.size()));
 }
 

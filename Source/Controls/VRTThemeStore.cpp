@@ -41,10 +41,9 @@ constexpr std::array entries{
 };
 
 std::string folderInBundle() {
-  const CFStringRef identifier =
-      CFStringCreateWithCString(nullptr, VRTFrameworkBundleIdentifier, kCFStringEncodingUTF8);
-  const CFBundleRef bundle = CFBundleGetBundleWithIdentifier(identifier);
-  CFRelease(identifier);
+  const CFOwned<CFStringRef> identifier(
+      CFStringCreateWithCString(nullptr, VRTFrameworkBundleIdentifier, kCFStringEncodingUTF8));
+  const CFBundleRef bundle = CFBundleGetBundleWithIdentifier(identifier.get());
   return bundle ? CFBundleGetPath(bundle) + "/Contents/Resources/Theme" : "Theme";
 }
 

@@ -22,15 +22,14 @@ constexpr CFStringCompareFlags kCaseInsensitive = kCFCompareLocalized | kCFCompa
   VortoUnreachable("TarnCore/TCString", line, "Not implemented yet");
 }
 
-CFStringRef FromMacRoman(const char* text) {
-  return CFStringCreateWithCString(kCFAllocatorDefault, text, kCFStringEncodingMacRoman);
+using OwnedString = CFOwned<CFStringRef>;
+
+OwnedString FromMacRoman(const char* text) {
+  return OwnedString(CFStringCreateWithCString(kCFAllocatorDefault, text, kCFStringEncodingMacRoman));
 }
 
-// A mutable copy in the place of the string given, whose reference it takes over.
-CFStringRef MutableInPlaceOf(CFStringRef string) {
-  CFStringRef copy = CFStringCreateMutableCopy(kCFAllocatorDefault, 0, string);
-  CFRelease(string);
-  return copy;
+CFOwned<CFMutableStringRef> MutableCopy(const OwnedString& string) {
+  return CFOwned<CFMutableStringRef>(CFStringCreateMutableCopy(kCFAllocatorDefault, 0, string.get()));
 }
 
 CFIndex CountUnits(const unsigned short* text) {
@@ -39,18 +38,19 @@ CFIndex CountUnits(const unsigned short* text) {
   return count;
 }
 
-CFStringRef FromUnits(const unsigned short* text) {
-  return text == nullptr ? nullptr : CFStringCreateWithCharacters(kCFAllocatorDefault, text, CountUnits(text));
+OwnedString FromUnits(const unsigned short* text) {
+  if (text == nullptr) return OwnedString();
+  return OwnedString(CFStringCreateWithCharacters(kCFAllocatorDefault, text, CountUnits(text)));
 }
 
-CFStringRef CopyLocalized(CFStringRef key, CFBundleRef bundle) {
-  return CFBundleCopyLocalizedString(bundle, key, key, nullptr);
+OwnedString Localized(CFStringRef key, CFBundleRef bundle) {
+  return OwnedString(CFBundleCopyLocalizedString(bundle, key, key, nullptr));
 }
 
-// Both temporaries are the caller's; null in either gives null.
-CFStringRef CopyLocalized(CFStringRef key, CFStringRef identifier) {
-  if (key == nullptr || identifier == nullptr) return nullptr;
-  return CopyLocalized(key, CFBundleGetBundleWithIdentifier(identifier));
+// Null in either gives null.
+OwnedString Localized(CFStringRef key, CFStringRef identifier) {
+  if (key == nullptr || identifier == nullptr) return OwnedString();
+  return Localized(key, CFBundleGetBundleWithIdentifier(identifier));
 }
 
 char* CreateBuffer(CFStringRef string, std::size_t size, CFStringEncoding encoding) {
@@ -60,14 +60,14 @@ char* CreateBuffer(CFStringRef string, std::size_t size, CFStringEncoding encodi
 }
 
 // `whole` compared with `other` where either may be null; `part` is the range of the first that counts.
-int CompareOptional(CFStringRef whole, CFRange part, CFStringRef other, CFStringCompareFlags options) {
-  if (whole == nullptr) return other == nullptr ? 0 : -1;
-  if (other == nullptr) return 1;
-  return static_cast<int>(CFStringCompareWithOptions(whole, other, part, options));
+int CompareOptional(const OwnedString& whole, CFRange part, const OwnedString& other, CFStringCompareFlags options) {
+  if (!whole) return other ? -1 : 0;
+  if (!other) return 1;
+  return static_cast<int>(CFStringCompareWithOptions(whole.get(), other.get(), part, options));
 }
 
-CFRange Whole(CFStringRef string) {
-  return CFRangeMake(0, CFStringGetLength(string));
+CFRange Whole(const OwnedString& string) {
+  return CFRangeMake(0, CFStringGetLength(string.get()));
 }
 
 }  // namespace
@@ -78,49 +78,32 @@ VortoString::VortoString(const char* text) {
 
 VortoString::VortoString(const char* key, const char* bundleIdentifier) {
   if (key == nullptr || bundleIdentifier == nullptr) return;
-  CFStringRef keyString = FromMacRoman(key);
-  CFStringRef identifier = FromMacRoman(bundleIdentifier);
-  _string = CopyLocalized(keyString, identifier);
-  CFRelease(identifier);
-  CFRelease(keyString);
+  _string = Localized(FromMacRoman(key).get(), FromMacRoman(bundleIdentifier).get());
 }
 
 VortoString::VortoString(CFStringRef key, const char* bundleIdentifier) {
   if (bundleIdentifier == nullptr) return;
-  CFStringRef identifier = FromMacRoman(bundleIdentifier);
-  _string = CopyLocalized(key, identifier);
-  CFRelease(identifier);
+  _string = Localized(key, FromMacRoman(bundleIdentifier).get());
 }
 
-VortoString::VortoString(CFStringRef key, CFStringRef bundleIdentifier)
-    : _string(CopyLocalized(key, bundleIdentifier)) {}
+VortoString::VortoString(CFStringRef key, CFStringRef bundleIdentifier) : _string(Localized(key, bundleIdentifier)) {}
 
-VortoString::VortoString(CFStringRef key, CFBundleRef bundle) : _string(CopyLocalized(key, bundle)) {}
+VortoString::VortoString(CFStringRef key, CFBundleRef bundle) : _string(Localized(key, bundle)) {}
 
 VortoString::VortoString(const char* key, CFBundleRef bundle) {
   if (key == nullptr) return;
-  CFStringRef keyString = FromMacRoman(key);
-  _string = CopyLocalized(keyString, bundle);
-  CFRelease(keyString);
+  _string = Localized(FromMacRoman(key).get(), bundle);
 }
 
-VortoString::VortoString(const unsigned short* text) : _string(MutableInPlaceOf(FromUnits(text))) {}
+VortoString::VortoString(const unsigned short* text) : _string(MutableCopy(FromUnits(text))) {}
 
-VortoString::VortoString(const VortoString& other) : _string(CFStringCreateCopy(kCFAllocatorDefault, other._string)) {}
+VortoString::VortoString(const VortoString& other)
+    : _string(CFStringCreateCopy(kCFAllocatorDefault, other._string.get())) {}
 
 VortoString::VortoString(const CFStringRef& string) : _string(static_cast<CFStringRef>(CFRetain(string))) {}
 
-VortoString::~VortoString() {
-  CFRelease(_string);
-}
-
-void VortoString::adopt(CFStringRef string) {
-  CFRelease(_string);
-  _string = string;
-}
-
 std::uint32_t VortoString::size() const {
-  return static_cast<std::uint32_t>(CFStringGetLength(_string));
+  return static_cast<std::uint32_t>(CFStringGetLength(_string.get()));
 }
 
 bool VortoString::empty() const {
@@ -129,41 +112,41 @@ bool VortoString::empty() const {
 
 CFStringRef VortoString::cf_str() const {
   static const CFStringRef empty = CFSTR("");
-  return _string == nullptr ? empty : _string;
+  return _string ? _string.get() : empty;
 }
 
 std::shared_ptr<NSString> VortoString::ns_str() const {
   static const std::shared_ptr<NSString> empty = NSString::stringWithUTF8String("");
-  return _string == nullptr ? empty : NSString::stringWithUTF8String(CFStringCopyUTF8(_string));
+  return _string ? NSString::stringWithUTF8String(CFStringCopyUTF8(_string.get())) : empty;
 }
 
 const unsigned short* VortoString::u_str() const {
-  return CFStringGetCharactersPtr(_string);
+  return CFStringGetCharactersPtr(_string.get());
 }
 
 char* VortoString::createCStr() const {
-  if (_string == nullptr) return nullptr;
-  return CreateBuffer(_string, std::size_t{size()} + 1, kCFStringEncodingMacRoman);
+  if (!_string) return nullptr;
+  return CreateBuffer(_string.get(), std::size_t{size()} + 1, kCFStringEncodingMacRoman);
 }
 
 char* VortoString::createUTF8Str() const {
-  if (_string == nullptr) return nullptr;
-  return CreateBuffer(_string, 4 * std::size_t{size()} + 1, kCFStringEncodingUTF8);
+  if (!_string) return nullptr;
+  return CreateBuffer(_string.get(), 4 * std::size_t{size()} + 1, kCFStringEncodingUTF8);
 }
 
 unsigned short* VortoString::createUniStr() const {
-  if (_string == nullptr) return nullptr;
+  if (!_string) return nullptr;
   const std::size_t length = size();
   auto* buffer = static_cast<unsigned short*>(std::malloc(2 * length + 2));
   if (buffer == nullptr) return nullptr;
-  CFStringGetCharacters(_string, Whole(_string), buffer);
+  CFStringGetCharacters(_string.get(), Whole(_string), buffer);
   buffer[length] = 0;
   return buffer;
 }
 
 std::uint32_t VortoString::get_OSType() const {
   char text[7] = {};
-  if (!CFStringGetCString(_string, text, sizeof text, kCFStringEncodingMacRoman)) return 0;
+  if (!CFStringGetCString(_string.get(), text, sizeof text, kCFStringEncodingMacRoman)) return 0;
   if (text[0] != '\'' || text[5] != '\'') return 0;
   std::uint32_t code = 0;
   for (int i = 1; i <= 4; ++i) {
@@ -199,13 +182,13 @@ int VortoString::caseInsensitiveCompare(std::uint32_t, std::uint32_t, const Vort
 }
 
 std::int32_t VortoString::find(const VortoString& wanted) const {
-  const CFRange found = CFStringFind(_string, wanted._string, 0);
+  const CFRange found = CFStringFind(_string.get(), wanted._string.get(), 0);
   return found.length == 0 ? -1 : static_cast<std::int32_t>(found.location);
 }
 
 VortoString VortoString::substr(std::uint32_t position, std::uint32_t length) const {
   VortoString result;
-  result.adopt(CFStringCreateWithSubstring(kCFAllocatorDefault, _string, CFRangeMake(position, length)));
+  result._string.reset(CFStringCreateWithSubstring(kCFAllocatorDefault, _string.get(), CFRangeMake(position, length)));
   return result;
 }
 
@@ -218,31 +201,31 @@ VortoString VortoString::substrFrom(std::uint32_t position) const {
 }
 
 void VortoString::debugShow() const {
-  CFShow(_string);
+  CFShow(_string.get());
 }
 
 void VortoString::clear() {
-  adopt(nullptr);
+  _string.reset(nullptr);
 }
 
 void VortoString::set(const VortoString& other) {
-  set(other._string);
+  set(other._string.get());
 }
 
 void VortoString::set(const char* text) {
-  adopt(MutableInPlaceOf(FromMacRoman(text)));
+  _string = MutableCopy(FromMacRoman(text));
 }
 
 void VortoString::set(const unsigned short* text) {
-  adopt(FromUnits(text));
+  _string = FromUnits(text);
 }
 
 void VortoString::set(const unsigned short* text, std::uint32_t length) {
-  adopt(text == nullptr ? nullptr : CFStringCreateWithCharacters(kCFAllocatorDefault, text, length));
+  _string.reset(text == nullptr ? nullptr : CFStringCreateWithCharacters(kCFAllocatorDefault, text, length));
 }
 
 void VortoString::set(CFStringRef string) {
-  adopt(CFStringCreateMutableCopy(kCFAllocatorDefault, 0, string));
+  _string.reset(CFStringCreateMutableCopy(kCFAllocatorDefault, 0, string));
 }
 
 void VortoString::sprintf(const char* format, ...) {
@@ -264,42 +247,41 @@ void VortoString::setOSType(std::uint32_t code) {
 }
 
 void VortoString::insert(std::uint32_t position, const VortoString& other) {
-  if (_string == nullptr || other._string == nullptr) return;
-  CFMutableStringRef copy = CFStringCreateMutableCopy(kCFAllocatorDefault, 0, _string);
-  CFStringInsert(copy, position, other._string);
-  adopt(copy);
+  if (!_string || !other._string) return;
+  CFOwned<CFMutableStringRef> copy = MutableCopy(_string);
+  CFStringInsert(copy.get(), position, other._string.get());
+  _string = std::move(copy);
 }
 
 void VortoString::append(const VortoString& other) {
-  if (other._string == nullptr) return;
-  if (_string == nullptr) return set(other);
-  const CFTypeRef strings[] = {_string, other._string};
-  CFArrayRef array = CFArrayCreate(kCFAllocatorDefault, strings, 2);
-  CFStringRef joined = CFStringCreateByCombiningStrings(kCFAllocatorDefault, array, CFSTR(""));
-  CFRelease(array);
-  if (joined != nullptr) adopt(joined);
+  if (!other._string) return;
+  if (!_string) return set(other);
+  const CFTypeRef strings[] = {_string.get(), other._string.get()};
+  const CFOwned<CFArrayRef> array(CFArrayCreate(kCFAllocatorDefault, strings, 2));
+  OwnedString joined(CFStringCreateByCombiningStrings(kCFAllocatorDefault, array.get(), CFSTR("")));
+  if (joined) _string = std::move(joined);
 }
 
 void VortoString::append(const char* text) {
   if (text == nullptr) return;
-  if (_string == nullptr) return set(text);
-  CFMutableStringRef copy = CFStringCreateMutableCopy(kCFAllocatorDefault, 0, _string);
-  CFStringAppendCString(copy, text, kCFStringEncodingMacRoman);
-  adopt(copy);
+  if (!_string) return set(text);
+  CFOwned<CFMutableStringRef> copy = MutableCopy(_string);
+  CFStringAppendCString(copy.get(), text, kCFStringEncodingMacRoman);
+  _string = std::move(copy);
 }
 
 void VortoString::erase(std::uint32_t position, std::uint32_t length) {
-  if (_string == nullptr || length == 0) return;
-  CFMutableStringRef copy = CFStringCreateMutableCopy(kCFAllocatorDefault, 0, _string);
-  CFStringDelete(copy, CFRangeMake(position, length));
-  adopt(copy);
+  if (!_string || length == 0) return;
+  CFOwned<CFMutableStringRef> copy = MutableCopy(_string);
+  CFStringDelete(copy.get(), CFRangeMake(position, length));
+  _string = std::move(copy);
 }
 
 void VortoString::replace(std::uint32_t position, std::uint32_t length, const VortoString& other) {
-  if (_string == nullptr || other._string == nullptr) return;
-  CFMutableStringRef copy = CFStringCreateMutableCopy(kCFAllocatorDefault, 0, _string);
-  CFStringReplace(copy, CFRangeMake(position, length), other._string);
-  adopt(copy);
+  if (!_string || !other._string) return;
+  CFOwned<CFMutableStringRef> copy = MutableCopy(_string);
+  CFStringReplace(copy.get(), CFRangeMake(position, length), other._string.get());
+  _string = std::move(copy);
 }
 
 void VortoString::append(const VortoString&, std::uint32_t, std::uint32_t) {
@@ -335,5 +317,5 @@ CFStringRef CFStringCreateWithSniffingEncoding(const char* text) {
     }
     TECDisposeSniffer(sniffer);
   }
-  return string != nullptr ? string : FromMacRoman(text);
+  return string != nullptr ? string : FromMacRoman(text).release();
 }

@@ -14,7 +14,7 @@ class NSString;
 //
 // - Positions and lengths count UTF-16 units. `char` text is Mac OS Roman unless an operation says otherwise.
 // - The object owns one reference. Copies are independent; only the constructor from a CFStringRef shares its string.
-// - Edits work on a fresh copy, so what cf_str() answered before keeps its content.
+// - Edits work on a fresh copy, so what cf_str() returned before keeps its content.
 // - Ranges out of bounds are reported on standard error, and the text stays as it is; a substring of one is null.
 // - Null arguments: a null C string or UTF-16 text gives a null string; find(null string) is -1; insert() with a null
 //   string on either side changes nothing. Every other case is stated at its operation.
@@ -32,8 +32,7 @@ class TARN_EXPORT VortoString {
   VortoString(const char* key, CFBundleRef bundle);
   VortoString(const unsigned short* text);  // up to the first 0
   VortoString(const VortoString& other);
-  VortoString(const CFStringRef& string);  // retained and shared, not copied
-  ~VortoString();
+  VortoString(const CFStringRef& string);               // retained and shared, not copied
   VortoString& operator=(const VortoString&) = delete;  // call set()
 
   std::uint32_t size() const;
@@ -95,8 +94,7 @@ class TARN_EXPORT VortoString {
   void push_back(char character);
 
  private:
-  void adopt(CFStringRef string);  // takes over the caller's reference
-  CFStringRef _string = nullptr;
+  CFOwned<CFStringRef> _string;
 };
 
 // A string from bytes of unknown encoding: the first encoding, most likely first, in which they are valid, else Mac OS

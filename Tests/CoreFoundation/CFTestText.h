@@ -3,19 +3,9 @@
 
 #include "Platform/CoreFoundation/CFString.h"
 
-#include <memory>
 #include <string>
 #include <string_view>
-#include <type_traits>
 #include <vector>
-
-struct CFReleaser {
-  void operator()(CFTypeRef object) const { CFRelease(object); }
-};
-
-// An object that the test owns.
-template <typename Ref>
-using CFOwned = std::unique_ptr<std::remove_pointer_t<Ref>, CFReleaser>;
 
 inline CFOwned<CFStringRef> MakeString(std::u16string_view text) {
   const std::vector<UniChar> units(text.begin(), text.end());

@@ -6,27 +6,22 @@
 #include <vector>
 
 struct CFArrayObject final : CFObject {
-  ~CFArrayObject() override {
-    for (CFTypeRef value : values) CFRelease(value);
-  }
-
   std::string description() const override {
     std::string text = "(";
-    for (CFTypeRef value : values) {
+    for (const CFOwned<CFTypeRef>& value : values) {
       if (text.size() > 1) text += ", ";
-      text += value == nullptr ? "(null)" : static_cast<const CFObject*>(value)->description();
+      text += value ? static_cast<const CFObject*>(value.get())->description() : "(null)";
     }
     return text + ")";
   }
 
-  std::vector<CFTypeRef> values;
+  std::vector<CFOwned<CFTypeRef>> values;
 };
 
 CFArrayRef CFArrayCreate(CFAllocatorRef, const CFTypeRef* values, CFIndex count) {
   if (count < 0 || (count > 0 && values == nullptr)) return nullptr;
   auto* array = new CFArrayObject;
-  array->values.assign(values, values + count);
-  for (CFTypeRef value : array->values) CFRetain(value);
+  for (CFIndex i = 0; i < count; ++i) array->values.emplace_back(CFRetain(values[i]));
   return array;
 }
 
@@ -36,5 +31,5 @@ CFIndex CFArrayGetCount(CFArrayRef array) {
 
 CFTypeRef CFArrayGetValueAtIndex(CFArrayRef array, CFIndex index) {
   if (array == nullptr || !CFCheckRange(__func__, CFRangeMake(index, 1), CFArrayGetCount(array))) return nullptr;
-  return array->values[static_cast<std::size_t>(index)];
+  return array->values[static_cast<std::size_t>(index)].get();
 }

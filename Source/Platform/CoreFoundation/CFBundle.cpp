@@ -13,15 +13,12 @@
 namespace fs = std::filesystem;
 
 struct CFBundleObject final : CFObject {
-  ~CFBundleObject() override {
-    CFBundleRegistryRemove(this);
-    CFRelease(identifier);
-  }
+  ~CFBundleObject() override { CFBundleRegistryRemove(this); }
   std::string description() const override { return path; }
 
   std::string path;
   PropertyList info;
-  CFStringRef identifier = nullptr;
+  CFOwned<CFStringRef> identifier;
   mutable std::unordered_map<std::string, CFStringTable> tables;  // by path, each read once
 };
 
@@ -96,19 +93,19 @@ CFBundleRef CFBundleCreate(CFAllocatorRef, const std::string& path, std::string*
   std::optional<PropertyList> info = PropertyListFromFile(canonical + "/Contents/Info.plist", &cause);
   if (!info) return Refuse(reason, "Contents/Info.plist: " + cause);
   const std::string& name = InfoString(*info, "CFBundleIdentifier");
-  CFStringRef identifier =
-      name.empty() ? nullptr : CFStringCreateWithCString(kCFAllocatorDefault, name.c_str(), kCFStringEncodingUTF8);
-  if (identifier == nullptr) return Refuse(reason, "Contents/Info.plist: CFBundleIdentifier is missing");
+  CFOwned<CFStringRef> identifier(
+      name.empty() ? nullptr : CFStringCreateWithCString(kCFAllocatorDefault, name.c_str(), kCFStringEncodingUTF8));
+  if (!identifier) return Refuse(reason, "Contents/Info.plist: CFBundleIdentifier is missing");
   auto* bundle = new CFBundleObject;
   bundle->path = canonical;
   bundle->info = std::move(*info);
-  bundle->identifier = identifier;
+  bundle->identifier = std::move(identifier);
   CFBundleRegistryAdd(bundle);
   return bundle;
 }
 
 CFStringRef CFBundleGetIdentifier(CFBundleRef bundle) {
-  return bundle == nullptr ? nullptr : bundle->identifier;
+  return bundle == nullptr ? nullptr : bundle->identifier.get();
 }
 
 std::string CFBundleGetPath(CFBundleRef bundle) {

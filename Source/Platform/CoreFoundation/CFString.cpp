@@ -95,14 +95,13 @@ CFMutableStringRef CFStringCreateMutable(CFAllocatorRef, CFIndex capacity) {
 
 CFMutableStringRef CFStringCreateMutableCopy(CFAllocatorRef allocator, CFIndex capacity, CFStringRef string) {
   if (string == nullptr) return nullptr;
-  CFMutableStringRef copy = CFStringCreateMutable(allocator, capacity);
-  if (string->length() > copy->capacity) {
-    CFReport("%s: %ld units are more than the capacity, %ld", __func__, string->length(), copy->capacity);
-    CFRelease(copy);
+  CFOwned<CFMutableStringRef> copy(CFStringCreateMutable(allocator, capacity));
+  if (string->length() > copy.get()->capacity) {
+    CFReport("%s: %ld units are more than the capacity, %ld", __func__, string->length(), copy.get()->capacity);
     return nullptr;
   }
-  copy->units = string->units;
-  return copy;
+  copy.get()->units = string->units;
+  return copy.release();
 }
 
 CFStringRef CFStringCreateWithSubstring(CFAllocatorRef, CFStringRef string, CFRange range) {

@@ -70,9 +70,9 @@ void TarnInterfaceFile::addAction(const std::string& name, Action action) {
 
 std::unique_ptr<QWidget> TarnInterfaceFile::load(const std::string& bundleIdentifier, const std::string& name,
                                                  std::string& reason) const {
-  const CFStringRef identifier = CFStringCreateWithCString(nullptr, bundleIdentifier.c_str(), kCFStringEncodingUTF8);
-  const CFBundleRef bundle = CFBundleGetBundleWithIdentifier(identifier);
-  if (identifier) CFRelease(identifier);
+  const CFOwned<CFStringRef> identifier(
+      CFStringCreateWithCString(nullptr, bundleIdentifier.c_str(), kCFStringEncodingUTF8));
+  const CFBundleRef bundle = CFBundleGetBundleWithIdentifier(identifier.get());
   if (!bundle) {
     reason = "no bundle " + bundleIdentifier;
     return nullptr;
