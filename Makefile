@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: BSD-3-Clause
 # The front door. Each target installs what it needs, builds, and runs; see README.md.
-.PHONY: all demo test bench asan fuzz install package format tidy clean
+.PHONY: all demo test bench asan asan-foreign-bytes fuzz install package format tidy clean
 PREFIX ?= /usr/local
 
 all:
@@ -21,6 +21,13 @@ asan:
 	@cmake --preset asan --log-level=WARNING
 	@cmake --build --preset asan --target all tests
 	@ctest --preset asan
+
+# The rooms that read foreign bytes alone, with the host that renders pictures.
+asan-foreign-bytes:
+	@scripts/install-dependencies
+	@cmake --preset asan --log-level=WARNING
+	@cmake --build --preset asan --target foreign-bytes-tests
+	@ctest --preset asan -L foreign-bytes
 
 bench:
 	@scripts/install-dependencies libbenchmark-dev libpixman-1-dev libyuv-dev libopencv-core-dev libopencv-imgproc-dev \
