@@ -5,7 +5,7 @@
 
 class VRTChannelBase;
 
-// A handle to a channel that it does not own. The channel tells its handles when it is destroyed, so a handle answers
+// A handle to a channel that it does not own. The channel tells its handles when it is destroyed, so a handle gives
 // either a living channel or null; handles and channels may be destroyed in any order.
 class TARN_EXPORT VRTChannelRef {
  public:

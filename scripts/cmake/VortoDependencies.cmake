@@ -4,6 +4,6 @@ find_package(ICU REQUIRED COMPONENTS uc i18n)
 find_package(Imath REQUIRED)
 pkg_check_modules(plist REQUIRED IMPORTED_TARGET libplist-2.0)
 pkg_check_modules(hwy REQUIRED IMPORTED_TARGET libhwy)
-# Headers alone: libEGL is loaded at run time, when the graphics device is first asked about.
+# Headers alone: libEGL is loaded at run time, when the graphics device is first looked at.
 pkg_check_modules(egl REQUIRED IMPORTED_TARGET egl)
 find_package(Qt6 6.4 REQUIRED COMPONENTS Widgets UiTools Svg)

@@ -19,7 +19,7 @@ inline constexpr GradientComponent kColorComponents[] = {&VRTGradientLookupSampl
 inline constexpr GradientComponent kOpacityComponents[] = {&VRTGradientLookupSample::alpha};
 
 // The y of the cubic Bezier curve with these control values where its x reaches the abscissa, found by halving steps
-// from one end: at most 32, until the step or the distance in x lies within 1e-7 of 0. The answer belongs to the last
+// from one end: at most 32, until the step or the distance in x lies within 1e-7 of 0. The result belongs to the last
 // point tried, which is not always the last one kept.
 double bezierInterp(const double (&xControls)[4], const double (&yControls)[4], double abscissa);
 

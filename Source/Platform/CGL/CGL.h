@@ -45,7 +45,7 @@ TARN_EXPORT const char* CGLGetString(std::uint32_t name);
 TARN_EXPORT const char* CGLGetStringi(std::uint32_t name, std::uint32_t index);
 
 // The displays that show a picture, the main one first; *count is how many of them were stored. A machine that shows
-// none answers as one with a single display.
+// none counts as one with a single display.
 TARN_EXPORT int CGGetActiveDisplayList(std::uint32_t maximum, CGDirectDisplayID* displays, std::uint32_t* count);
 TARN_EXPORT CGDirectDisplayID CGMainDisplayID();
 TARN_EXPORT CGOpenGLDisplayMask CGDisplayIDToOpenGLDisplayMask(CGDirectDisplayID display);

@@ -21,7 +21,7 @@ struct CGLContextObject {
 
 namespace {
 
-// Every context that was asked for, so that an answer stays good without an owner.
+// Every context that was looked up, so that it stays good without an owner.
 std::vector<std::unique_ptr<CGLContextObject>>& knownContexts() {
   static auto& contexts = *new std::vector<std::unique_ptr<CGLContextObject>>;
   return contexts;

@@ -6,7 +6,7 @@
 #include <EGL/egl.h>
 #include <EGL/eglext.h>
 
-// EGL's entry points, looked up when they are first asked for.
+// EGL's entry points, looked up when they are first needed.
 struct EGLLibrary {
   decltype(&eglGetCurrentContext) getCurrentContext = nullptr;
   decltype(&eglGetCurrentDisplay) getCurrentDisplay = nullptr;

@@ -9,5 +9,5 @@ using CFArrayRef = const struct CFArrayObject*;
 // Null when `count` is negative, or is not 0 while `values` is null.
 TARN_EXPORT CFArrayRef CFArrayCreate(CFAllocatorRef allocator, const CFTypeRef* values, CFIndex count);
 TARN_EXPORT CFIndex CFArrayGetCount(CFArrayRef array);
-// An index out of bounds is reported on standard error and answers null.
+// An index out of bounds is reported on standard error and gives null.
 TARN_EXPORT CFTypeRef CFArrayGetValueAtIndex(CFArrayRef array, CFIndex index);

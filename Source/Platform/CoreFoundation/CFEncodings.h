@@ -11,7 +11,7 @@
 
 using CFUnits = std::vector<UniChar>;
 
-// One encoding: its ICU converter, and the name under which ICU's detector answers it (null when it never does).
+// One encoding: its ICU converter, and the name under which ICU's detector reports it (null when it never does).
 struct CFEncodingInfo {
   CFStringEncoding encoding;
   const char* converter;

@@ -41,7 +41,7 @@ bool restore(const Range& range) {
 
 }  // namespace
 
-// Memory that comes and goes hides mistakes from the address sanitizer: there, only what asks for it is kept.
+// Memory that comes and goes hides mistakes from the address sanitizer: there, only what opts in is kept.
 KeptMemory::KeptMemory() : limit_(hasAddressSanitizer ? 0 : usualLimit) {}
 
 KeptMemory& KeptMemory::shared() {

@@ -8,7 +8,7 @@
 
 namespace mach {
 
-// Memory that was given back and is kept for the next who asks for as much: its pages are mapped already.
+// Memory that was given back and is kept for the next who needs as much: its pages are mapped already.
 //
 // The pages are moved to an address that nobody knows. So what was given back is unmapped, whoever still has a pointer
 // to it faults, and whoever unmaps or replaces what lies at the old address does nothing to what is kept. Pages that
@@ -27,7 +27,7 @@ class KeptMemory {
   // Memory of exactly that size, as it was allocated first: zero, readable and writable.
   bool take(std::size_t size, std::uintptr_t* address);
 
-  // Gives all that is kept back to the system, and answers how many bytes that were.
+  // Gives all that is kept back to the system, and returns how many bytes that were.
   std::size_t release();
 
   // The most bytes that are kept; what is beyond them now is given back.

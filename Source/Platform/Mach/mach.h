@@ -13,7 +13,7 @@
 // until it is mapped or handed on; then its memory is turned, at its address and with its bytes, into a sealed memory
 // file that the entry holds open. Nobody may write to the memory while that happens. As in the kernel, memory that was
 // given back with vm_deallocate or mach_munmap lives on while an entry names it. Bytes that were unmapped with the
-// C library's munmap before the entry was first shared are lost; such an entry answers KERN_INVALID_ADDRESS.
+// C library's munmap before the entry was first shared are lost; such an entry gives KERN_INVALID_ADDRESS.
 //
 // Memory of 128 KiB and more that is given back, and that no entry ever shared, is kept for the next allocation of its
 // size anywhere, which finds it zero as ever. So a host whose pictures come and go with every frame pays for clearing
@@ -91,7 +91,7 @@ TARN_EXPORT kern_return_t mach_port_deallocate(vm_map_t task, mach_port_t name);
 // munmap of the C library that knows of entries, as the kernel's does: -1 with errno on failure.
 TARN_EXPORT int mach_munmap(void* address, std::size_t size);
 
-// Gives all kept memory back to the system, and answers how many bytes that were.
+// Gives all kept memory back to the system, and returns how many bytes that were.
 TARN_EXPORT vm_size_t mach_release_kept_memory();
 
 // The most bytes that are kept, 256 MiB at first; 0 for none.
