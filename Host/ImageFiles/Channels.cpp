@@ -40,7 +40,7 @@ bool findColors(const OIIO::ImageSpec& spec, int alpha, std::array<int, 4>* inde
   return false;
 }
 
-bool depthOf(OIIO::TypeDesc type, Depth* depth, SampleType* sample) {
+bool depthOf(const OIIO::TypeDesc& type, Depth* depth, SampleType* sample) {
   switch (type.basetype) {
     case OIIO::TypeDesc::UINT8:
       *depth = Depth::Bits8;

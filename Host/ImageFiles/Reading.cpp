@@ -81,7 +81,7 @@ class OpenedFile {
   std::uint32_t height() const { return static_cast<std::uint32_t>(spec_.full_height); }
   int orientation() const { return spec_.get_int_attribute("Orientation", 1); }
 
-  bool readStored(OIIO::TypeDesc type, void* samples, std::string* reason) {
+  bool readStored(const OIIO::TypeDesc& type, void* samples, std::string* reason) {
     const bool read = input_->read_image(0, 0, channels_.first, channels_.end, type, samples);
     // Decoders go on after damage that they only warn of, and leave the rest of the picture as it is.
     if (read && !input_->has_error()) return true;
@@ -150,7 +150,7 @@ void placeStored(const OpenedFile& file, const Sample* stored, Sample opaque, Im
 }
 
 template <class Sample>
-bool readSamples(OpenedFile& file, OIIO::TypeDesc type, Sample opaque, ImagePixels* image, std::string* reason) {
+bool readSamples(OpenedFile& file, const OIIO::TypeDesc& type, Sample opaque, ImagePixels* image, std::string* reason) {
   const OIIO::ImageSpec& spec = file.spec();
   const auto count = static_cast<std::size_t>(spec.width) * static_cast<std::size_t>(spec.height) *
                      static_cast<std::size_t>(file.channels().end - file.channels().first);

@@ -64,12 +64,14 @@ Found evaluateAt(const VRTChannelGradientFolder& folder, double time, double pos
 
 }  // namespace
 
+// Copies nothing, as the header says.
+// NOLINTNEXTLINE(bugprone-copy-constructor-init)
 VRTChannelGradientFolder::VRTChannelGradientFolder(const VRTChannelGradientFolder&) : VRTChannelFolder() {}
 
 void VRTChannelGradientFolder::appendSample(std::unique_ptr<VRTChannelGradientSample> sample) {
   sample->setID(0);
   push_back(sample.get());
-  sample.release();
+  static_cast<void>(sample.release());
 }
 
 VRTChannelGradientSample* VRTChannelGradientFolder::cloneSample(std::uint32_t sampleID) {

@@ -12,10 +12,9 @@ VRTChannelRef::VRTChannelRef(const VRTChannelRef& other) {
 }
 
 VRTChannelRef& VRTChannelRef::operator=(const VRTChannelRef& other) {
-  if (channel != other.channel) {
-    detach();
-    attach(other.channel);
-  }
+  if (this == &other || channel == other.channel) return *this;
+  detach();
+  attach(other.channel);
   return *this;
 }
 

@@ -2,7 +2,7 @@
 #include "Controls/VRTRolloverButtonCell.h"
 
 void VRTRolloverButtonCell::setRolloverImageSource(std::optional<TarnThemeImageSource> source) {
-  rolloverSource_ = std::move(source);
+  rolloverSource_ = source;
   button().update();
 }
 

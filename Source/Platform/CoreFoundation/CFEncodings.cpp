@@ -118,11 +118,11 @@ std::optional<std::string> CFEncode(std::span<const UniChar> units, CFStringEnco
   if (!converter) return std::nullopt;
   const auto count = static_cast<std::int32_t>(units.size());
   UErrorCode error = U_ZERO_ERROR;
-  std::int32_t length = ucnv_fromUChars(converter.get(), nullptr, 0, units.data(), count, &error);
+  const std::int32_t length = ucnv_fromUChars(converter.get(), nullptr, 0, units.data(), count, &error);
   if (error != U_BUFFER_OVERFLOW_ERROR && U_FAILURE(error)) return std::nullopt;
   std::string bytes(static_cast<std::size_t>(length), '\0');
   error = U_ZERO_ERROR;
-  length = ucnv_fromUChars(converter.get(), bytes.data(), length, units.data(), count, &error);
+  ucnv_fromUChars(converter.get(), bytes.data(), length, units.data(), count, &error);
   if (U_FAILURE(error)) return std::nullopt;
   return bytes;
 }

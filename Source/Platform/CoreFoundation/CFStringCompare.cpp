@@ -11,7 +11,8 @@ using Text = std::span<const UniChar>;
 
 int CompareUnits(Text a, Text b) {
   const auto order = std::lexicographical_compare_three_way(a.begin(), a.end(), b.begin(), b.end());
-  return order < 0 ? -1 : (order > 0 ? 1 : 0);
+  if (std::is_eq(order)) return 0;
+  return std::is_lt(order) ? -1 : 1;
 }
 
 int CompareFolded(Text a, Text b) {

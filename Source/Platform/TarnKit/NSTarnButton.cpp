@@ -25,7 +25,7 @@ double plateStrength(const NSTarnButton& button) {
 NSTarnButtonCell::~NSTarnButtonCell() = default;
 
 void NSTarnButtonCell::setImageSource(std::optional<TarnThemeImageSource> source) {
-  source_ = std::move(source);
+  source_ = source;
   button_.updateGeometry();
   button_.update();
 }

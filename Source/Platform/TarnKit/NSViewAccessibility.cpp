@@ -111,7 +111,7 @@ class ViewInterface : public QAccessibleWidget {
   QAccessibleInterface* element(int index) const {
     while (int(elements_.size()) <= index) {
       auto* interface = new ElementInterface(view_, elements_.size());
-      elements_.push_back(QAccessible::registerAccessibleInterface(interface));
+      elements_.push_back(QAccessible::registerAccessibleInterface(interface));  // takes it over: NOLINT
     }
     return QAccessible::accessibleInterface(elements_[std::size_t(index)]);
   }

@@ -3,6 +3,7 @@
 
 #include <bit>
 #include <cmath>
+#include <cstddef>
 
 namespace vorto::kernels {
 
@@ -46,8 +47,8 @@ void transformBlock(std::uint32_t state[4], const unsigned char* block) {
   std::uint32_t d = state[3];
   for (int step = 0; step < 64; ++step) {
     const int round = step / 16;
-    const std::uint32_t sum =
-        a + roundFunction(round, b, c, d) + wordAt(block + 4 * wordIndex(round, step)) + sineConstant(step);
+    const std::uint32_t sum = a + roundFunction(round, b, c, d) +
+                              wordAt(block + std::ptrdiff_t{4} * wordIndex(round, step)) + sineConstant(step);
     a = d;
     d = c;
     c = b;
