@@ -24,7 +24,7 @@ asan:
 
 bench:
 	@scripts/install-dependencies libbenchmark-dev libpixman-1-dev libyuv-dev libopencv-core-dev libopencv-imgproc-dev \
-	  libswscale-dev libssl-dev
+	  libswscale-dev libssl-dev libplist-dev
 	@cmake --preset bench --log-level=WARNING
 	@cmake --build --preset bench
 	@scripts/bench build/bench

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+#include "Platform/Foundation/NSFiles.h"
 #include "Platform/Foundation/PropertyList.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+#include "Platform/Foundation/NSClassTable.h"
 #include "Platform/Foundation/NSKeyValueObserving.h"
 #include "Platform/Foundation/NSNotificationCenter.h"
 #include "Platform/Foundation/NSObject.h"

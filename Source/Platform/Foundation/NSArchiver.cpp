@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "Platform/Foundation/NSCoder.h"
+#include "Platform/Foundation/NSArchiver.h"
+
+#include "Platform/Foundation/NSClassTable.h"
 #include "Platform/Foundation/NSCoding.h"
 #include "Platform/Foundation/NSValues.h"
 

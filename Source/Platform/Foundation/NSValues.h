@@ -13,7 +13,7 @@
 #include <vector>
 
 // The objects that property lists become when they travel through coders and ports. All are immutable once made, so
-// copyWithZone() may answer the object itself.
+// copyWithZone() may return the object itself.
 
 class TARN_EXPORT NSNumber : public NSObject {
  public:
