@@ -10,7 +10,7 @@ namespace propertylist {
 namespace {
 
 // Objects stand in the order in which the list is walked, a key before its value. Equal leaves are one object; keys and
-// strings are kept apart, and so are containers.
+// strings are kept apart, and so are containers and empty data.
 class BinaryWriter {
  public:
   PropertyList::Bytes write(const PropertyList& list) {
@@ -80,6 +80,9 @@ class BinaryWriter {
     }
     if (list.isDictionary()) {
       return collectDictionary(list);
+    }
+    if (list.isData() && list.bytes().empty()) {
+      return add({&list, nullptr, 0});
     }
     return unique(hashOf(list), {&list, nullptr, 0},
                   [&](const Object& other) { return other.value != nullptr && *other.value == list; });
