@@ -11,6 +11,7 @@
 namespace {
 
 constexpr std::size_t kKeysWithoutIndex = 12;  // looking through so few costs less than a hash
+constexpr std::size_t kFirstKeys = 4;          // room for as many is taken at once
 
 const std::string emptyString;
 const PropertyList::Bytes emptyBytes;
@@ -74,6 +75,9 @@ void PropertyList::Dictionary::set(std::string_view key, PropertyList value) {
   if (PropertyList* known = find(key)) {
     *known = std::move(value);
     return;
+  }
+  if (entries_.capacity() == 0) {
+    entries_.reserve(kFirstKeys);
   }
   entries_.push_back(Entry{std::string(key), std::move(value)});
   if (index_) {

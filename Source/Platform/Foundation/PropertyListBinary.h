@@ -19,15 +19,15 @@ inline constexpr std::string_view kBinaryHeader = "bplist00";
 inline constexpr std::size_t kTrailerSize = 32;
 
 enum class ObjectKind : std::uint8_t {
-  Simple = 0x0,   // sizes 8 and 9: false and true
-  Integer = 0x1,  // 2^size bytes; 1, 2 and 4 of them unsigned, 8 and 16 signed
-  Real = 0x2,     // 2^size bytes
-  Date = 0x3,     // 8 bytes: seconds since 2001
-  Data = 0x4,     // size bytes
-  Ascii = 0x5,    // size bytes
-  Utf16 = 0x6,    // size units
-  Uid = 0x8,      // size + 1 bytes
-  Array = 0xA,    // size references
+  Simple = 0x0,      // sizes 8 and 9: false and true
+  Integer = 0x1,     // 2^size bytes; 1, 2 and 4 of them unsigned, 8 and 16 signed
+  Real = 0x2,        // 2^size bytes
+  Date = 0x3,        // 8 bytes: seconds since 2001
+  Data = 0x4,        // size bytes
+  Ascii = 0x5,       // size bytes
+  Utf16 = 0x6,       // size units
+  Uid = 0x8,         // size + 1 bytes
+  Array = 0xA,       // size references
   Dictionary = 0xD,  // size references to keys, then as many to values
 };
 // A size from here on stands as an integer object behind the first byte.

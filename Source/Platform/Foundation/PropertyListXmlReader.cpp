@@ -15,30 +15,42 @@ namespace {
 
 enum class Element { None, Plist, Dictionary, Array, Key, String, Integer, Real, Date, Data, True, False, Unknown };
 
-constexpr std::pair<std::string_view, Element> kElements[] = {
-    {"key", Element::Key},     {"string", Element::String},    {"integer", Element::Integer},
-    {"real", Element::Real},   {"dict", Element::Dictionary},  {"array", Element::Array},
-    {"true", Element::True},   {"false", Element::False},      {"data", Element::Data},
-    {"date", Element::Date},   {"plist", Element::Plist},
+struct Name {
+  std::string_view text;
+  Element element;
+};
+constexpr Name kNames[] = {
+    {"key", Element::Key},   {"string", Element::String},   {"integer", Element::Integer},
+    {"real", Element::Real}, {"dict", Element::Dictionary}, {"array", Element::Array},
+    {"true", Element::True}, {"false", Element::False},     {"data", Element::Data},
+    {"date", Element::Date}, {"plist", Element::Plist},
 };
 
 Element elementOf(std::string_view name) {
-  const auto found = std::find_if(std::begin(kElements), std::end(kElements),
-                                  [&](const auto& each) { return each.first == name; });
-  return found == std::end(kElements) ? Element::Unknown : found->second;
+  for (const Name& each : kNames) {
+    if (each.text.front() == name.front() && each.text == name) {
+      return each.element;
+    }
+  }
+  return Element::Unknown;
 }
 
-constexpr std::string_view kWhiteSpace = " \t\n";
+bool isBlank(char each) {
+  return each == ' ' || each == '\t' || each == '\n';
+}
 
 bool isWhiteSpace(std::string_view text) {
-  return text.find_first_not_of(kWhiteSpace) == std::string_view::npos;
+  return std::all_of(text.begin(), text.end(), isBlank);
 }
 
 std::string_view trimmed(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(kWhiteSpace);
-  return first == std::string_view::npos
-             ? std::string_view()
-             : text.substr(first, text.find_last_not_of(kWhiteSpace) - first + 1);
+  while (!text.empty() && isBlank(text.front())) {
+    text.remove_prefix(1);
+  }
+  while (!text.empty() && isBlank(text.back())) {
+    text.remove_suffix(1);
+  }
+  return text;
 }
 
 bool isAscii(std::string_view text) {
@@ -102,17 +114,17 @@ class XmlReader {
     XML_SetElementHandler(
         parser, [](void* data, const char* name, const char**) { self(data).start(name); },
         [](void* data, const char*) { self(data).end(); });
-    XML_SetCharacterDataHandler(
-        parser, [](void* data, const char* text, int size) { self(data).text({text, static_cast<std::size_t>(size)}); });
+    XML_SetCharacterDataHandler(parser, [](void* data, const char* text, int size) {
+      self(data).text({text, static_cast<std::size_t>(size)});
+    });
     XML_SetXmlDeclHandler(parser, [](void* data, const char*, const char* encoding, int) {
       self(data).checkEncoding(encoding == nullptr ? "utf-8" : encoding);
     });
-    XML_SetStartDoctypeDeclHandler(
-        parser, [](void* data, const char*, const char*, const char*, int hasDeclarations) {
-          if (hasDeclarations != 0) {
-            self(data).fail("a document type with declarations of its own");
-          }
-        });
+    XML_SetStartDoctypeDeclHandler(parser, [](void* data, const char*, const char*, const char*, int hasDeclarations) {
+      if (hasDeclarations != 0) {
+        self(data).fail("a document type with declarations of its own");
+      }
+    });
     XML_SetSkippedEntityHandler(parser, [](void* data, const char*, int) { self(data).fail("an unknown entity"); });
   }
 
@@ -230,7 +242,7 @@ class XmlReader {
 
   void endLeaf(Element element) {
     if (element == Element::Key) {
-      containers_.back().key = text_;
+      containers_.back().key.swap(text_);
       containers_.back().hasKey = true;
     } else if (auto value = leafOf(element)) {
       put(*std::move(value));
@@ -240,9 +252,8 @@ class XmlReader {
   }
 
   static std::string_view nameOf(Element element) {
-    return std::find_if(std::begin(kElements), std::end(kElements),
-                        [&](const auto& each) { return each.second == element; })
-        ->first;
+    return std::find_if(std::begin(kNames), std::end(kNames), [&](const Name& each) { return each.element == element; })
+        ->text;
   }
 
   std::optional<PropertyList> leafOf(Element element) const {
