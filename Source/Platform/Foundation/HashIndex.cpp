@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/Foundation/HashIndex.h"
 
+#include "Platform/Foundation/PropertyList.h"
+
 #include <sys/random.h>
 #include <algorithm>
+#include <bit>
 #include <chrono>
 #include <cstring>
 
@@ -52,6 +55,26 @@ std::uint64_t hashOfBytes(std::string_view bytes, unsigned kind) {
 std::uint64_t hashOfNumber(std::uint64_t bits, unsigned kind) {
   const Secret& key = secret();
   return folded(folded(bits ^ key.start, key.factor + 2 * kind) ^ kind, key.factor);
+}
+
+std::uint64_t hashOfLeaf(const PropertyList& leaf) {
+  const unsigned kind = static_cast<unsigned>(leaf.type()) + 1;
+  switch (leaf.type()) {
+    case PropertyList::Type::Boolean:
+      return hashOfNumber(leaf.boolValue() ? 1 : 0, kind);
+    case PropertyList::Type::Integer:
+      return hashOfNumber(leaf.unsignedValue(), kind);
+    case PropertyList::Type::Real:
+      return hashOfNumber(std::bit_cast<std::uint64_t>(leaf.doubleValue()), kind);
+    case PropertyList::Type::Date:
+      return hashOfNumber(std::bit_cast<std::uint64_t>(leaf.dateValue()), kind);
+    case PropertyList::Type::Uid:
+      return hashOfNumber(leaf.uidValue(), kind);
+    case PropertyList::Type::String:
+      return hashOfBytes(leaf.stringValue(), kind);
+    default:
+      return hashOfBytes({reinterpret_cast<const char*>(leaf.bytes().data()), leaf.bytes().size()}, kind);
+  }
 }
 
 void HashIndex::add(std::uint64_t hash, std::size_t place) {

@@ -6,12 +6,16 @@
 #include <string_view>
 #include <vector>
 
+class PropertyList;
+
 // Finding things by value. Private to this room.
 
 // Hashes that differ from process to process, so that nobody can prepare keys that collide. `kind` keeps apart values
 // of equal bytes that are not equal.
 std::uint64_t hashOfBytes(std::string_view bytes, unsigned kind = 0);
 std::uint64_t hashOfNumber(std::uint64_t bits, unsigned kind = 0);
+// Of anything but an array or a dictionary; equal values have equal hashes.
+std::uint64_t hashOfLeaf(const PropertyList& leaf);
 
 // Places (0 to 2^32 - 2) of things that are kept elsewhere, by their hashes.
 class HashIndex {

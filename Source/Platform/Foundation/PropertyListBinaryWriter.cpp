@@ -54,26 +54,6 @@ class BinaryWriter {
                   [&](const Object& other) { return other.key != nullptr && *other.key == key; });
   }
 
-  static std::uint64_t hashOf(const PropertyList& leaf) {
-    const unsigned kind = static_cast<unsigned>(leaf.type()) + 1;
-    switch (leaf.type()) {
-      case PropertyList::Type::Boolean:
-        return hashOfNumber(leaf.boolValue() ? 1 : 0, kind);
-      case PropertyList::Type::Integer:
-        return hashOfNumber(leaf.unsignedValue(), kind);
-      case PropertyList::Type::Real:
-        return hashOfNumber(std::bit_cast<std::uint64_t>(leaf.doubleValue()), kind);
-      case PropertyList::Type::Date:
-        return hashOfNumber(std::bit_cast<std::uint64_t>(leaf.dateValue()), kind);
-      case PropertyList::Type::Uid:
-        return hashOfNumber(leaf.uidValue(), kind);
-      case PropertyList::Type::String:
-        return hashOfBytes(leaf.stringValue(), kind);
-      default:
-        return hashOfBytes({reinterpret_cast<const char*>(leaf.bytes().data()), leaf.bytes().size()}, kind);
-    }
-  }
-
   std::uint32_t collect(const PropertyList& list) {
     if (list.isArray()) {
       return collectArray(list);
@@ -84,7 +64,7 @@ class BinaryWriter {
     if (list.isData() && list.bytes().empty()) {
       return add({&list, nullptr, 0});
     }
-    return unique(hashOf(list), {&list, nullptr, 0},
+    return unique(hashOfLeaf(list), {&list, nullptr, 0},
                   [&](const Object& other) { return other.value != nullptr && *other.value == list; });
   }
 
