@@ -31,7 +31,7 @@ asan-foreign-bytes:
 
 bench:
 	@scripts/install-dependencies libbenchmark-dev libpixman-1-dev libyuv-dev libopencv-core-dev libopencv-imgproc-dev \
-	  libswscale-dev libssl-dev
+	  libswscale-dev libssl-dev libplist-dev
 	@cmake --preset bench --log-level=WARNING
 	@cmake --build --preset bench
 	@scripts/bench build/bench

@@ -7,6 +7,7 @@
 #include "Host/Messages/Failure.h"
 #include "Host/Pixels/Bitmaps.h"
 #include "Host/Pixels/Pixels.h"
+#include "Platform/Foundation/NSFiles.h"
 #include "Platform/Foundation/PropertyList.h"
 
 #include <dlfcn.h>

@@ -2,6 +2,7 @@
 #include "Host/Files/OutputFile.h"
 
 #include "Host/Messages/Failure.h"
+#include "Platform/Foundation/NSFiles.h"
 #include "Platform/Foundation/PropertyList.h"
 
 #include <unistd.h>

@@ -4,7 +4,7 @@
 #include "Host/Files/OutputFile.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Rendering/PortKinds.h"
-#include "Platform/Foundation/NSCoder.h"
+#include "Platform/Foundation/NSKeyedArchiver.h"
 #include "Platform/QuartzComposer/QCPatch.h"
 #include "Ports/VRTPorts.h"
 

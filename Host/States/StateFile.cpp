@@ -3,7 +3,9 @@
 
 #include "Host/Messages/Failure.h"
 #include "Host/States/StateChecks.h"
-#include "Platform/Foundation/NSCoder.h"
+#include "Platform/Foundation/NSFiles.h"
+#include "Platform/Foundation/NSKeyedArchiver.h"
+#include "Platform/Foundation/NSKeyedUnarchiver.h"
 #include "Platform/Foundation/NSValues.h"
 
 #include <exception>

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Ports/VRTImage.h"
 
+#include "Platform/Foundation/NSClassTable.h"
 #include "Platform/QuartzComposer/QCPort.h"
 #include "TarnCore/TCBitmap.h"
 

@@ -3,7 +3,10 @@
 
 #include "Channels/VRTChannelGradient.h"
 #include "Channels/VRTChannelHistogram.h"
+#include "Platform/Foundation/NSClassTable.h"
 #include "Platform/Foundation/NSCoder.h"
+#include "Platform/Foundation/NSKeyedArchiver.h"
+#include "Platform/Foundation/NSKeyedUnarchiver.h"
 #include "Platform/Foundation/NSValues.h"
 
 #include <array>

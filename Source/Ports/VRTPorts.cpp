@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Ports/VRTPorts.h"
 
+#include "Platform/Foundation/NSClassTable.h"
 #include "Platform/QuartzComposer/QCPatch.h"
 
 #include <map>

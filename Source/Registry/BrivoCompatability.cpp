@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Registry/BrivoCompatability.h"
 
+#include "Platform/Foundation/NSClassTable.h"
+
 namespace {
 
 const NSClassRegistration managerClass("TarnEffectManager", "VRTNodeManager",

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Registry/VRTNodeManager.h"
 
+#include "Platform/Foundation/NSClassTable.h"
+
 #include <pwd.h>
 #include <unistd.h>
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "Platform/Foundation/NSCoder.h"
+#include "Platform/Foundation/NSKeyedArchiver.h"
+#include "Platform/Foundation/NSKeyedUnarchiver.h"
 #include "Platform/QuartzComposer/QCPatch.h"
 #include "Registry/BrivoCompatability.h"
 #include "Tests/Effects/Harness.h"

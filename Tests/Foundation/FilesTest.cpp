@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+#include "Platform/Foundation/NSFiles.h"
 #include "Platform/Foundation/PropertyList.h"
 
 #include <gtest/gtest.h>
@@ -17,11 +18,16 @@ namespace {
 
 namespace fs = std::filesystem;
 
+mode_t modeOf(const std::string& file) {
+  struct stat status {};
+  ::stat(file.c_str(), &status);
+  return status.st_mode & 07777;
+}
+
 class Files : public testing::Test {
  protected:
   void SetUp() override {
-    const char* place = std::getenv("TMPDIR");
-    std::string name = std::string(place == nullptr ? "/tmp" : place) + "/foundation-XXXXXX";
+    std::string name = (fs::temp_directory_path() / "foundation-XXXXXX").string();
     ASSERT_NE(::mkdtemp(name.data()), nullptr);
     folder = name;
   }
@@ -40,43 +46,61 @@ class Files : public testing::Test {
   std::size_t count() const {
     return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
   }
-  static mode_t mode(const std::string& file) {
-    struct stat status {};
-    ::stat(file.c_str(), &status);
-    return status.st_mode & 07777;
-  }
   fs::path folder;
 };
 
 TEST_F(Files, ReplacesWholeAndKeepsPermissions) {
+  const std::string longest(255, 'n');  // of names
   const mode_t former = ::umask(027);
-  EXPECT_TRUE(write("new", "one"));
+  EXPECT_TRUE(write(longest.c_str(), "one"));
   ::umask(former);
-  EXPECT_EQ(mode(path("new")), mode_t{0640});
-  EXPECT_EQ(::chmod(path("new").c_str(), 0604), 0);
-  EXPECT_TRUE(write("new", "two, longer"));
-  EXPECT_TRUE(write("new", "3"));
-  EXPECT_EQ(contents("new"), "3");
-  EXPECT_EQ(mode(path("new")), mode_t{0604});
+  EXPECT_EQ(modeOf(folder / longest), mode_t{0640});
+  EXPECT_EQ(::chmod((folder / longest).c_str(), 0604), 0);
+  EXPECT_TRUE(write(longest.c_str(), "two, longer"));
+  EXPECT_TRUE(write(longest.c_str(), "3"));
+  EXPECT_EQ(contents(longest.c_str()), "3");
+  EXPECT_EQ(modeOf(folder / longest), mode_t{0604});
   EXPECT_EQ(count(), 1u);
 }
 
-TEST_F(Files, NamesOfTheGreatestLengthAreWritten) {
-  const std::string name(255, 'n');
-  EXPECT_TRUE(write(name.c_str(), "long"));
-  EXPECT_EQ(contents(name.c_str()), "long");
+// Beside what a write into the file itself leaves of its permissions; also as somebody without privileges.
+TEST_F(Files, SetIdBitsGoAsWithAnyWrite) {
+  fs::permissions(folder, fs::perms::all);
+  const bool superuser = ::geteuid() == 0;
+  for (const uid_t user : {::geteuid(), superuser ? uid_t{65534} : ::geteuid()}) {
+    ASSERT_TRUE(!superuser || ::seteuid(user) == 0);
+    for (const mode_t bits : {04755, 02755, 02745, 01644, 07777, 0600}) {
+      for (const char* text : {"text", ""}) {
+        for (const char* name : {"replaced", "written"}) {
+          std::ofstream(path(name)) << "old";
+          EXPECT_EQ(::chmod(path(name).c_str(), bits), 0);
+        }
+        EXPECT_TRUE(write("replaced", text));
+        std::ofstream(path("written")) << text;
+        EXPECT_EQ(modeOf(path("replaced")), modeOf(path("written"))) << std::oct << bits << " as " << user;
+        EXPECT_TRUE(fs::remove(path("replaced")) && fs::remove(path("written")));
+      }
+    }
+    ASSERT_TRUE(!superuser || ::seteuid(0) == 0);
+  }
 }
 
 TEST_F(Files, FollowsSymbolicLinks) {
   fs::create_directory(folder / "below");
-  fs::create_symlink("below/target", folder / "link");
-  EXPECT_TRUE(write("link", "through"));
-  EXPECT_TRUE(fs::is_symlink(folder / "link"));
-  EXPECT_EQ(contents("below/target"), "through");
+  fs::create_symlink("target", folder / "below/second");
+  fs::create_symlink("below/second", folder / "link");
+  fs::create_symlink(folder / "link", folder / "absolute");
   fs::create_symlink("loop", folder / "loop");
   std::string reason;
-  EXPECT_FALSE(write("loop", "x", &reason));
+  EXPECT_EQ(NSResolvedPath(path("absolute"), &reason), path("below/target"));  // which is not there
+  EXPECT_TRUE(write("absolute", "through"));
+  EXPECT_TRUE(fs::is_symlink(folder / "absolute") && fs::is_symlink(folder / "below/second"));
+  EXPECT_EQ(contents("below/target"), "through");
+  EXPECT_EQ(NSResolvedPath("plain", &reason), "plain");
+  EXPECT_EQ(reason, "");
+  EXPECT_EQ(NSResolvedPath(path("loop"), &reason), "");
   EXPECT_NE(reason, "");
+  EXPECT_FALSE(write("loop", "x", &reason));
 }
 
 TEST_F(Files, RefusesWhatIsNoFile) {
@@ -96,16 +120,13 @@ TEST_F(Files, RefusesWhatIsNoFile) {
   }
 }
 
-TEST_F(Files, RefusesHugeFilesWithoutReadingThem) {
+TEST_F(Files, ReadsNeitherTooMuchNorTooLittle) {
   std::ofstream(path("huge")) << "x";
   fs::resize_file(folder / "huge", PropertyListMaximumBytes + 1);  // a hole: no space is taken
   std::string reason;
   EXPECT_FALSE(NSReadFile(path("huge"), &reason));
   EXPECT_NE(reason.find("larger"), std::string::npos) << reason;
-}
-
-TEST_F(Files, FilesOfTheKernelAreReadToTheirEnd) {
-  const auto bytes = NSReadFile("/proc/self/status", nullptr);
+  const auto bytes = NSReadFile("/proc/self/status", nullptr);  // files of the kernel say that they are empty
   ASSERT_TRUE(bytes);
   EXPECT_GT(bytes->size(), 100u);
 }

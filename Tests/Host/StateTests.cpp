@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+#include "Platform/Foundation/NSKeyedArchiver.h"
 #include "Tests/Host/JsonChecker.h"
 #include "Tests/Host/Program.h"
 #include "Tests/Host/TestImages.h"

@@ -2,6 +2,7 @@
 #include "Host/Inspect/ParameterDocument.h"
 
 #include "Host/Messages/Failure.h"
+#include "Platform/Foundation/NSFiles.h"
 #include "Platform/QuartzComposer/QCPatch.h"
 #include "Ports/VRTObjects.h"
 #include "Ports/VRTPorts.h"

@@ -1,5 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
+#include "Platform/Foundation/NSArchiver.h"
+#include "Platform/Foundation/NSClassTable.h"
 #include "Platform/Foundation/NSCoder.h"
+#include "Platform/Foundation/NSKeyedArchiver.h"
+#include "Platform/Foundation/NSKeyedUnarchiver.h"
 #include "Platform/Foundation/NSValues.h"
 #include "Registry/BrivoCompatability.h"
 #include "Tests/Ports/StateValues.h"

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/Foundation/NSCoder.h"
+#include "Platform/Foundation/NSKeyedArchiver.h"
 #include "Platform/Foundation/NSValues.h"
 #include "Ports/VRTObjects.h"
 

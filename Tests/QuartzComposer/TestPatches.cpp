@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Tests/QuartzComposer/TestPatches.h"
 
+#include "Platform/Foundation/NSClassTable.h"
 #include "Tests/QuartzComposer/TestFolder.h"
 
 #include <gtest/gtest.h>

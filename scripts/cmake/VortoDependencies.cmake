@@ -2,7 +2,7 @@
 find_package(PkgConfig REQUIRED)
 find_package(ICU REQUIRED COMPONENTS uc i18n)
 find_package(Imath REQUIRED)
-pkg_check_modules(plist REQUIRED IMPORTED_TARGET libplist-2.0)
+pkg_check_modules(expat REQUIRED IMPORTED_TARGET expat)
 pkg_check_modules(hwy REQUIRED IMPORTED_TARGET libhwy)
 # Headers alone: libEGL is loaded at run time, when the graphics device is first looked at.
 pkg_check_modules(egl REQUIRED IMPORTED_TARGET egl)

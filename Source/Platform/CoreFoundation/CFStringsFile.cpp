@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/CoreFoundation/CFStringsFile.h"
 
+#include "Platform/Foundation/NSFiles.h"
 #include "Platform/Foundation/PropertyList.h"
 
 #include <algorithm>

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "Platform/Foundation/NSCoder.h"
+#include "Platform/Foundation/NSArchiver.h"
+
+#include "Platform/Foundation/NSClassTable.h"
 #include "Platform/Foundation/NSCoding.h"
 #include "Platform/Foundation/NSValues.h"
 
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -33,25 +34,29 @@ struct NSArchiver::State {
     if (!object || !archiver.error().empty()) {
       return PropertyList::uid(0);
     }
-    if (const auto known = places.find(object.get()); known != places.end()) {
-      if (objects[known->second - 1].find("open") != nullptr) {
+    if (const auto* known = written.find(*object)) {
+      if (known->isOpen) {
         archiver.fail("an object of class \"" + object->className() + "\" contains itself");
       }
-      return PropertyList::uid(known->second);
+      return referenceToPlace(known->place);
     }
-    auto plain = coding::plainValue(*object);
-    const auto equal = plain ? plainValues.find(*plain) : std::nullopt;
-    const std::size_t place = equal.value_or(objects.size() + 1);
-    places.emplace(object.get(), place);
-    retained.push_back(object);
-    if (plain && !equal) {
-      plainValues.add(*plain, place);
-      objects.push_back(*std::move(plain));
-    } else if (!plain) {
-      write(*object, place);
+    if (auto plain = coding::plainValue(*object)) {
+      const std::size_t place = written.placeOfPlain(*plain, objects);
+      if (place == objects.size()) {
+        objects.push_back(*std::move(plain));
+      }
+      written.add(object, place);
+      return referenceToPlace(place);
     }
-    return PropertyList::uid(place);
+    const std::size_t place = objects.size();
+    written.add(object, place, true);
+    objects.emplace_back();
+    write(*object, place);
+    written.find(*object)->isOpen = false;
+    return referenceToPlace(place);
   }
+
+  static PropertyList referenceToPlace(std::size_t place) { return PropertyList::uid(place + 1); }
 
   void write(const NSObject& object, std::size_t place) {
     const coding::Level level(contexts.size() == 1);
@@ -59,9 +64,6 @@ struct NSArchiver::State {
       archiver.fail("objects are nested too deeply");
       return;
     }
-    PropertyList mark;
-    mark.set("open", PropertyList::boolean(true));
-    objects.push_back(std::move(mark));
     PropertyList entry;
     PropertyList names = PropertyList::array();
     for (std::string& each : NSClassHierarchy(object.className())) {
@@ -87,16 +89,14 @@ struct NSArchiver::State {
     }
     entry.set("values", PropertyList::array(std::move(contexts.back())));
     contexts.pop_back();
-    objects[place - 1] = std::move(entry);
+    objects[place] = std::move(entry);
   }
 
   NSArchiver& archiver;
   bool finished = false;
-  PropertyList::Array objects;                // the n-th stands at n - 1
+  PropertyList::Array objects;                // referred to by their places and one
   std::vector<PropertyList::Array> contexts;  // the first one is "top"
-  std::unordered_map<const NSObject*, std::size_t> places;
-  std::vector<NSObjectRef> retained;
-  coding::PlainValues plainValues;
+  coding::WrittenObjects written;
 };
 
 NSArchiver::NSArchiver() : state_(std::make_unique<State>(*this)) {}

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "Platform/Foundation/NSObject.h"
+#include "Platform/Foundation/NSClassTable.h"
+
 #include "Platform/Foundation/NSValues.h"
 
 #include <deque>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/Foundation/NSCoding.h"
 
-#include <bit>
+#include <cstdint>
 #include <exception>
 
 namespace coding {
@@ -24,20 +24,8 @@ bool withoutThrowing(NSCoder& coder, const std::string& className, Step step) {
   return false;
 }
 
-// Type and value; empty for what is not looked up by value.
-std::string identityOf(const PropertyList& value) {
-  switch (value.type()) {
-    case PropertyList::Type::Boolean:
-      return value.boolValue() ? "b1" : "b0";
-    case PropertyList::Type::Integer:
-      return (value.integerValue() < 0 ? "i-" : "i") + std::to_string(value.unsignedValue());
-    case PropertyList::Type::Real:
-      return "r" + std::to_string(std::bit_cast<std::uint64_t>(value.doubleValue()));
-    case PropertyList::Type::String:
-      return "s" + value.stringValue();
-    default:
-      return {};
-  }
+std::uint64_t hashOfObject(const NSObject& object) {
+  return hashOfNumber(reinterpret_cast<std::uintptr_t>(&object));
 }
 
 }  // namespace
@@ -89,16 +77,28 @@ bool init(NSObject& object, NSCoder& coder, const std::string& className) {
   return accepted && coder.error().empty();
 }
 
-std::optional<std::size_t> PlainValues::find(const PropertyList& value) const {
-  const auto found = places_.find(identityOf(value));
-  return found == places_.end() ? std::nullopt : std::optional(found->second);
+WrittenObjects::Entry* WrittenObjects::find(const NSObject& object) {
+  const std::size_t found =
+      byObject_.find(hashOfObject(object), [&](std::size_t place) { return entries_[place].object.get() == &object; });
+  return found == HashIndex::kNone ? nullptr : &entries_[found];
 }
 
-void PlainValues::add(const PropertyList& value, std::size_t place) {
-  std::string identity = identityOf(value);
-  if (!identity.empty()) {
-    places_.emplace(std::move(identity), place);
+void WrittenObjects::add(const NSObjectRef& object, std::size_t place, bool isOpen) {
+  byObject_.add(hashOfObject(*object), entries_.size());
+  entries_.push_back({object, place, isOpen});
+}
+
+std::size_t WrittenObjects::placeOfPlain(const PropertyList& value, const PropertyList::Array& objects) {
+  if (!value.isNumber() && !value.isString()) {
+    return objects.size();
   }
+  const std::uint64_t hash = hashOfLeaf(value);
+  const std::size_t known = byValue_.find(hash, [&](std::size_t place) { return objects[place] == value; });
+  if (known != HashIndex::kNone) {
+    return known;
+  }
+  byValue_.add(hash, objects.size());
+  return objects.size();
 }
 
 }  // namespace coding

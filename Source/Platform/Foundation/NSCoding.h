@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include "Platform/Foundation/HashIndex.h"
 #include "Platform/Foundation/NSCoder.h"
 #include "Platform/Foundation/NSValues.h"
 
-#include <functional>
 #include <optional>
 #include <string>
-#include <unordered_map>
+#include <vector>
 
 // What the coders have in common. Private to this room.
 namespace coding {
@@ -36,15 +36,26 @@ NSObjectRef objectOfPlainValue(const PropertyList& value);
 void encode(const NSObject& object, NSCoder& coder);
 bool init(NSObject& object, NSCoder& coder, const std::string& className);
 
-// Finds numbers and strings that were written before by their value.
-class PlainValues {
+// What an archiver has written: objects by who they are, numbers and strings also by their value.
+class WrittenObjects {
  public:
-  // The place of an equal value, or nothing; numbers and strings only.
-  std::optional<std::size_t> find(const PropertyList& value) const;
-  void add(const PropertyList& value, std::size_t place);
+  struct Entry {
+    NSObjectRef object;  // retained, so that no other object comes to stand at the same address
+    std::size_t place;   // in the archive's list of objects
+    bool isOpen;         // it is being written
+  };
+  // Null for an object that was not added; valid until the next one is.
+  Entry* find(const NSObject& object);
+  void add(const NSObjectRef& object, std::size_t place, bool isOpen = false);
+
+  // The place in `objects` of a number or string of that value that was added before, or the end, where the caller puts
+  // it. Other values have no equals.
+  std::size_t placeOfPlain(const PropertyList& value, const PropertyList::Array& objects);
 
  private:
-  std::unordered_map<std::string, std::size_t> places_;
+  std::vector<Entry> entries_;
+  HashIndex byObject_;
+  HashIndex byValue_;
 };
 
 }  // namespace coding

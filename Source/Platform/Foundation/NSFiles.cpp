@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "Platform/Foundation/PropertyList.h"
+#include "Platform/Foundation/NSFiles.h"
+
+#include "Platform/Foundation/NSReason.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -8,7 +10,6 @@
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
-#include <cstring>
 #include <utility>
 
 namespace {
@@ -33,16 +34,6 @@ class File {
   int descriptor_;
 };
 
-void explain(std::string* reason, const std::string& text) {
-  if (reason != nullptr) {
-    *reason = text;
-  }
-}
-
-void explainError(std::string* reason, const char* what) {
-  explain(reason, std::string(what) + ": " + std::strerror(errno));
-}
-
 bool writeAll(int descriptor, std::span<const std::uint8_t> bytes) {
   while (!bytes.empty()) {
     const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
@@ -55,26 +46,6 @@ bool writeAll(int descriptor, std::span<const std::uint8_t> bytes) {
     bytes = bytes.subspan(static_cast<std::size_t>(written));
   }
   return true;
-}
-
-// Where the bytes go: the file that a chain of symbolic links leads to, also when that file is not there yet.
-std::optional<std::string> finalPath(std::string path) {
-  for (int links = 0; links < 40; ++links) {
-    struct stat status;
-    if (::lstat(path.c_str(), &status) != 0 || !S_ISLNK(status.st_mode)) {
-      return path;
-    }
-    char target[PATH_MAX];
-    const ssize_t length = ::readlink(path.c_str(), target, sizeof target);
-    if (length < 0) {
-      return std::nullopt;
-    }
-    const std::string text(target, static_cast<std::size_t>(length));
-    const std::size_t slash = path.rfind('/');
-    path = text.starts_with('/') || slash == std::string::npos ? text : path.substr(0, slash + 1) + text;
-  }
-  errno = ELOOP;
-  return std::nullopt;
 }
 
 // The permissions of a file that is not there yet, as open() would give them.
@@ -99,30 +70,33 @@ void syncFolderOf(const std::string& path) {
   }
 }
 
-// Owner and permissions of the file that is replaced, or those of a new one. The owner is kept where the process may.
+// Gives a file that is still empty the owner and the permissions of the one that it replaces, or those of a new one.
+// The owner is kept where the process may; set-id bits never pass to another owner.
 bool takeOver(const File& file, const struct stat* former) {
   if (former == nullptr) {
     return ::fchmod(file.descriptor(), permissionsOfNewFiles()) == 0;
   }
   const bool owned = ::fchown(file.descriptor(), former->st_uid, former->st_gid) == 0;
-  const mode_t kept = owned ? 07777 : 0777;  // set-id bits never pass to another owner
-  return ::fchmod(file.descriptor(), former->st_mode & kept) == 0;
+  return ::fchmod(file.descriptor(), former->st_mode & (owned ? 07777 : 01777)) == 0;
 }
 
+// The permissions come first: the kernel then takes the set-id bits away, or not, as it does whenever this process
+// writes to a file. Cutting the file counts as writing, also when no bytes follow.
 bool fillTemporary(File& file, const struct stat* former, std::span<const std::uint8_t> bytes, std::string* reason) {
-  if (!writeAll(file.descriptor(), bytes)) {
-    explainError(reason, "cannot write");
-    return false;
-  }
   if (!takeOver(file, former)) {
-    explainError(reason, "cannot set the permissions");
-    return false;
+    return NSRefuseWithError(reason, "cannot set the permissions");
   }
-  if (::fsync(file.descriptor()) != 0 || !file.close()) {
-    explainError(reason, "cannot finish writing");
-    return false;
+  if (::ftruncate(file.descriptor(), 0) != 0 || !writeAll(file.descriptor(), bytes)) {
+    return NSRefuseWithError(reason, "cannot write");
   }
-  return true;
+  return (::fsync(file.descriptor()) == 0 && file.close()) || NSRefuseWithError(reason, "cannot finish writing");
+}
+
+bool isReplaceable(const std::string& target, const struct stat& status, std::string* reason) {
+  if (!S_ISREG(status.st_mode)) {
+    return NSRefuse(reason, S_ISDIR(status.st_mode) ? "is a folder" : "is no regular file");
+  }
+  return ::access(target.c_str(), W_OK) == 0 || NSRefuseWithError(reason, "cannot write");
 }
 
 }  // namespace
@@ -132,11 +106,11 @@ std::optional<PropertyList::Bytes> NSReadFile(const std::string& path, std::stri
   const File file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
   struct stat status;
   if (!file.isOpen() || ::fstat(file.descriptor(), &status) != 0) {
-    explainError(reason, "cannot open");
+    NSRefuseWithError(reason, "cannot open");
     return std::nullopt;
   }
   if (!S_ISREG(status.st_mode)) {
-    explain(reason, S_ISDIR(status.st_mode) ? "is a folder" : "is no regular file");
+    NSRefuse(reason, S_ISDIR(status.st_mode) ? "is a folder" : "is no regular file");
     return std::nullopt;
   }
   // Read to the end rather than by the size: files of the kernel have size 0, and others may grow meanwhile.
@@ -144,7 +118,7 @@ std::optional<PropertyList::Bytes> NSReadFile(const std::string& path, std::stri
   std::size_t size = 0;
   for (;;) {
     if (size > PropertyListMaximumBytes || static_cast<std::uint64_t>(status.st_size) > PropertyListMaximumBytes) {
-      explain(reason, "is larger than " + std::to_string(PropertyListMaximumBytes >> 20) + " MiB");
+      NSRefuse(reason, "is larger than " + std::to_string(PropertyListMaximumBytes >> 20) + " MiB");
       return std::nullopt;
     }
     bytes.resize(std::max({size + size / 2, static_cast<std::size_t>(status.st_size) + 1, std::size_t{4096}}));
@@ -153,7 +127,7 @@ std::optional<PropertyList::Bytes> NSReadFile(const std::string& path, std::stri
       continue;
     }
     if (count < 0) {
-      explainError(reason, "cannot read");
+      NSRefuseWithError(reason, "cannot read");
       return std::nullopt;
     }
     if (count == 0) {
@@ -166,42 +140,51 @@ std::optional<PropertyList::Bytes> NSReadFile(const std::string& path, std::stri
 }
 
 bool NSWriteFile(const std::string& path, std::span<const std::uint8_t> bytes, std::string* reason) {
-  const std::optional<std::string> target = finalPath(path);
-  if (!target) {
-    explainError(reason, "cannot follow the symbolic link");
+  const std::string target = path.empty() ? path : NSResolvedPath(path, reason);
+  if (target.empty() && !path.empty()) {
     return false;
   }
   struct stat status;
-  const bool exists = ::stat(target->c_str(), &status) == 0;
-  if (exists && !S_ISREG(status.st_mode)) {
-    explain(reason, S_ISDIR(status.st_mode) ? "is a folder" : "is no regular file");
+  const bool exists = ::stat(target.c_str(), &status) == 0;
+  if (exists && !isReplaceable(target, status, reason)) {
     return false;
   }
-  if (exists && ::access(target->c_str(), W_OK) != 0) {
-    explainError(reason, "cannot write");
-    return false;
-  }
-  std::string temporary = folderOf(*target) + ".write-XXXXXX";
+  std::string temporary = folderOf(target) + ".write-XXXXXX";
   File file(::mkostemp(temporary.data(), O_CLOEXEC));
   if (!file.isOpen()) {
-    explainError(reason, "cannot create a file beside it");
-    return false;
+    return NSRefuseWithError(reason, "cannot create a file beside it");
   }
   if (!fillTemporary(file, exists ? &status : nullptr, bytes, reason)) {
     ::unlink(temporary.c_str());
     return false;
   }
-  if (::rename(temporary.c_str(), target->c_str()) != 0) {
-    explainError(reason, "cannot replace it");
+  if (::rename(temporary.c_str(), target.c_str()) != 0) {
+    NSRefuseWithError(reason, "cannot replace it");
     ::unlink(temporary.c_str());
     return false;
   }
-  syncFolderOf(*target);
+  syncFolderOf(target);
   return true;
 }
 
-std::optional<PropertyList> PropertyListFromFile(const std::string& path, std::string* reason,
-                                                 PropertyListFormat* format) {
-  const auto bytes = NSReadFile(path, reason);
-  return bytes ? PropertyListFromBytes(*bytes, reason, format) : std::nullopt;
+std::string NSResolvedPath(const std::string& path, std::string* reason) {
+  constexpr int mostLinks = 40;  // as many as the kernel follows
+  std::string current = path;
+  for (int links = 0; links < mostLinks; ++links) {
+    struct stat status;
+    if (::lstat(current.c_str(), &status) != 0 || !S_ISLNK(status.st_mode)) {
+      return current;
+    }
+    char target[PATH_MAX];
+    const ssize_t length = ::readlink(current.c_str(), target, sizeof target);
+    if (length < 0) {
+      NSRefuseWithError(reason, "cannot follow the symbolic link");
+      return {};
+    }
+    const std::string text(target, static_cast<std::size_t>(length));
+    current = text.starts_with('/') ? text : folderOf(current) + text;
+  }
+  errno = ELOOP;
+  NSRefuseWithError(reason, "cannot follow the symbolic link");
+  return {};
 }

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "Platform/Foundation/NSCoder.h"
+#include "Platform/Foundation/NSKeyedArchiver.h"
+
+#include "Platform/Foundation/NSClassTable.h"
 #include "Platform/Foundation/NSCoding.h"
 #include "Platform/Foundation/NSValues.h"
 
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 namespace {
@@ -45,46 +46,39 @@ struct NSKeyedArchiver::State {
     if (!object || !archiver.error().empty()) {
       return PropertyList::uid(0);
     }
-    if (const auto known = places.find(object.get()); known != places.end()) {
-      if (open.count(object.get()) != 0) {
+    if (const auto* known = written.find(*object)) {
+      if (known->isOpen) {
         archiver.fail("an object of class \"" + object->className() + "\" contains itself");
       }
-      return PropertyList::uid(known->second);
+      return PropertyList::uid(known->place);
     }
     if (auto plain = coding::plainValue(*object)) {
       return PropertyList::uid(placeOfPlain(object, *std::move(plain)));
     }
-    const coding::Level level(contexts.size() == 1 && open.empty());
+    const coding::Level level(openObjects == 0);
     if (level.isTooDeep()) {
       archiver.fail("objects are nested too deeply");
       return PropertyList::uid(0);
     }
     const std::size_t place = objects.size();
-    remember(object, place);
+    written.add(object, place, true);
     objects.emplace_back();
-    open.insert(object.get());
+    ++openObjects;
     PropertyList::Dictionary entries = contents(*object);
-    open.erase(object.get());
+    --openObjects;
+    written.find(*object)->isOpen = false;
     entries.set("$class", classReference(object->className()));
     objects[place] = PropertyList::dictionary(std::move(entries));
     return PropertyList::uid(place);
   }
 
   std::size_t placeOfPlain(const NSObjectRef& object, PropertyList value) {
-    const auto equal = plainValues.find(value);
-    const std::size_t place = equal.value_or(objects.size());
-    if (!equal) {
-      plainValues.add(value, place);
+    const std::size_t place = written.placeOfPlain(value, objects);
+    if (place == objects.size()) {
       objects.push_back(std::move(value));
     }
-    remember(object, place);
+    written.add(object, place);
     return place;
-  }
-
-  // Retained, so that no other object comes to stand at the same address.
-  void remember(const NSObjectRef& object, std::size_t place) {
-    places.emplace(object.get(), place);
-    retained.push_back(object);
   }
 
   PropertyList::Dictionary contents(const NSObject& object) {
@@ -140,11 +134,9 @@ struct NSKeyedArchiver::State {
   bool finished = false;
   PropertyList::Array objects;    // "$objects"
   std::vector<Context> contexts;  // the first one is "$top"
-  std::unordered_map<const NSObject*, std::size_t> places;
-  std::unordered_set<const NSObject*> open;
-  std::vector<NSObjectRef> retained;
+  coding::WrittenObjects written;
+  int openObjects = 0;
   std::unordered_map<std::string, std::size_t> classes;
-  coding::PlainValues plainValues;
 };
 
 NSKeyedArchiver::NSKeyedArchiver(PropertyListFormat outputFormat)

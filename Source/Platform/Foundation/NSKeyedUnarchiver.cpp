@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "Platform/Foundation/NSCoder.h"
+#include "Platform/Foundation/NSKeyedUnarchiver.h"
+
+#include "Platform/Foundation/NSClassTable.h"
 #include "Platform/Foundation/NSCoding.h"
 #include "Platform/Foundation/NSValues.h"
-#include "Platform/Foundation/PropertyListGuards.h"
+#include "Platform/Foundation/PropertyListCoding.h"
 
 #include <unordered_map>
 #include <utility>

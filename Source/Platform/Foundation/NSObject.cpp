@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/Foundation/NSObject.h"
 
+#include "Platform/Foundation/NSClassTable.h"
 #include "Platform/Foundation/NSCoder.h"
 #include "Platform/Foundation/NSObservationTable.h"
 

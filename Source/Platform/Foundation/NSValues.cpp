@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/Foundation/NSValues.h"
 
+#include "Platform/Foundation/HashIndex.h"
 #include "Platform/Foundation/NSCoder.h"
 
 #include <algorithm>
 #include <bit>
-#include <unordered_map>
 
 namespace {
 
@@ -210,17 +210,24 @@ bool NSArray::isEqual(const NSObject& other) const {
          std::equal(objects_.begin(), objects_.end(), array->objects_.begin(), array->objects_.end(), equalObjects);
 }
 
-NSDictionary::NSDictionary(Entries entries) {
-  std::unordered_map<std::string, std::size_t> places;
+NSDictionary::NSDictionary() : index_(std::make_unique<HashIndex>()) {}
+NSDictionary::~NSDictionary() = default;
+
+NSDictionary::NSDictionary(Entries entries) : NSDictionary() {
   entries_.reserve(entries.size());
   for (auto& entry : entries) {
-    const auto [place, added] = places.try_emplace(entry.first, entries_.size());
-    if (added) {
-      entries_.push_back(std::move(entry));
+    const std::size_t known = placeOf(entry.first);
+    if (known != HashIndex::kNone) {
+      entries_[known].second = std::move(entry.second);
     } else {
-      entries_[place->second].second = std::move(entry.second);
+      index_->add(hashOfBytes(entry.first), entries_.size());
+      entries_.push_back(std::move(entry));
     }
   }
+}
+
+std::size_t NSDictionary::placeOf(std::string_view key) const {
+  return index_->find(hashOfBytes(key), [&](std::size_t place) { return entries_[place].first == key; });
 }
 
 NSObjectRef NSDictionary::copyWithZone() const {
@@ -232,20 +239,15 @@ bool NSDictionary::isEqual(const NSObject& other) const {
   if (dictionary == nullptr || entries_.size() != dictionary->entries_.size()) {
     return false;
   }
-  std::unordered_map<std::string_view, const NSObjectRef*> theirs;
-  for (const auto& [key, object] : dictionary->entries_) {
-    theirs.emplace(key, &object);
-  }
   return std::all_of(entries_.begin(), entries_.end(), [&](const auto& entry) {
-    const auto found = theirs.find(entry.first);
-    return found != theirs.end() && equalObjects(entry.second, *found->second);
+    const std::size_t place = dictionary->placeOf(entry.first);
+    return place != HashIndex::kNone && equalObjects(entry.second, dictionary->entries_[place].second);
   });
 }
 
 NSObjectRef NSDictionary::objectForKey(std::string_view key) const {
-  const auto found =
-      std::find_if(entries_.begin(), entries_.end(), [&](const auto& entry) { return entry.first == key; });
-  return found == entries_.end() ? nullptr : found->second;
+  const std::size_t place = placeOf(key);
+  return place == HashIndex::kNone ? nullptr : entries_[place].second;
 }
 
 NSObjectRef NSObjectFromPropertyList(const PropertyList& list) {

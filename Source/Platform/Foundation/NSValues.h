@@ -12,8 +12,10 @@
 #include <utility>
 #include <vector>
 
+class HashIndex;
+
 // The objects that property lists become when they travel through coders and ports. All are immutable once made, so
-// copyWithZone() may answer the object itself.
+// copyWithZone() may return the object itself.
 
 class TARN_EXPORT NSNumber : public NSObject {
  public:
@@ -105,8 +107,9 @@ class TARN_EXPORT NSArray : public NSObject {
 class TARN_EXPORT NSDictionary : public NSObject {
  public:
   using Entries = std::vector<std::pair<std::string, NSObjectRef>>;
-  NSDictionary() = default;
+  NSDictionary();
   explicit NSDictionary(Entries entries);  // of equal keys the last wins
+  ~NSDictionary() override;
   std::string className() const override { return "NSDictionary"; }
   NSObjectRef copyWithZone() const override;
   bool isEqual(const NSObject& other) const override;
@@ -114,7 +117,10 @@ class TARN_EXPORT NSDictionary : public NSObject {
   NSObjectRef objectForKey(std::string_view key) const;  // null when there is no such key
 
  private:
+  std::size_t placeOf(std::string_view key) const;
+
   Entries entries_;
+  std::unique_ptr<HashIndex> index_;
 };
 
 // The object form of a list, and back; a uid has no object form and gives null. Back gives nothing when the graph holds

@@ -1,11 +1,17 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/Foundation/PropertyList.h"
 
+#include "Platform/Foundation/HashIndex.h"
+
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <limits>
 
 namespace {
+
+constexpr std::size_t kKeysWithoutIndex = 12;  // looking through so few costs less than a hash
+constexpr std::size_t kFirstKeys = 4;          // room for as many is taken at once
 
 const std::string emptyString;
 const PropertyList::Bytes emptyBytes;
@@ -35,28 +41,61 @@ bool sameBits(double a, double b) {
 
 }  // namespace
 
-const PropertyList& PropertyList::Dictionary::valueAt(std::size_t index) const {
-  return values_[index];
+PropertyList::Dictionary::Dictionary() = default;
+PropertyList::Dictionary::~Dictionary() = default;
+PropertyList::Dictionary::Dictionary(Dictionary&& other) noexcept = default;
+PropertyList::Dictionary& PropertyList::Dictionary::operator=(Dictionary&& other) noexcept = default;
+
+PropertyList::Dictionary::Dictionary(const Dictionary& other)
+    : entries_(other.entries_), index_(other.index_ ? std::make_unique<HashIndex>(*other.index_) : nullptr) {}
+
+PropertyList::Dictionary& PropertyList::Dictionary::operator=(const Dictionary& other) {
+  return *this = Dictionary(other);
+}
+
+std::size_t PropertyList::Dictionary::placeOf(std::string_view key) const {
+  if (index_) {
+    return index_->find(hashOfBytes(key), [&](std::size_t place) { return entries_[place].key == key; });
+  }
+  const auto found = std::find_if(entries_.begin(), entries_.end(), [&](const Entry& each) { return each.key == key; });
+  return found == entries_.end() ? HashIndex::kNone : static_cast<std::size_t>(found - entries_.begin());
 }
 
 const PropertyList* PropertyList::Dictionary::find(std::string_view key) const {
-  const auto found = index_.find(std::string(key));
-  return found == index_.end() ? nullptr : &values_[found->second];
+  const std::size_t place = placeOf(key);
+  return place == HashIndex::kNone ? nullptr : &entries_[place].value;
 }
 
 PropertyList* PropertyList::Dictionary::find(std::string_view key) {
-  const auto found = index_.find(std::string(key));
-  return found == index_.end() ? nullptr : &values_[found->second];
+  const std::size_t place = placeOf(key);
+  return place == HashIndex::kNone ? nullptr : &entries_[place].value;
 }
 
 void PropertyList::Dictionary::set(std::string_view key, PropertyList value) {
-  const auto [place, added] = index_.try_emplace(std::string(key), keys_.size());
-  if (!added) {
-    values_[place->second] = std::move(value);
+  if (PropertyList* known = find(key)) {
+    *known = std::move(value);
     return;
   }
-  keys_.emplace_back(key);
-  values_.push_back(std::move(value));
+  if (entries_.capacity() == 0) {
+    entries_.reserve(kFirstKeys);
+  }
+  entries_.push_back(Entry{std::string(key), std::move(value)});
+  if (index_) {
+    index_->add(hashOfBytes(key), entries_.size() - 1);
+  } else if (entries_.size() > kKeysWithoutIndex) {
+    buildIndex();
+  }
+}
+
+void PropertyList::Dictionary::reserve(std::size_t count) {
+  entries_.reserve(count);
+}
+
+void PropertyList::Dictionary::buildIndex() {
+  index_ = std::make_unique<HashIndex>();
+  for (std::size_t i = 0; i < entries_.size(); ++i) {
+    index_->add(hashOfBytes(entries_[i].key), i);
+  }
 }
 
 bool PropertyList::Dictionary::operator==(const Dictionary& other) const {
@@ -64,8 +103,8 @@ bool PropertyList::Dictionary::operator==(const Dictionary& other) const {
     return false;
   }
   for (std::size_t i = 0; i < size(); ++i) {
-    const PropertyList* theirs = other.find(keys_[i]);
-    if (theirs == nullptr || !(values_[i] == *theirs)) {
+    const PropertyList* theirs = other.find(keyAt(i));
+    if (theirs == nullptr || !(valueAt(i) == *theirs)) {
       return false;
     }
   }

@@ -5,13 +5,15 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <variant>
 #include <vector>
+
+class HashIndex;
 
 // A property list: the value that documents, bundles and states are made of.
 //
@@ -26,22 +28,34 @@ class TARN_EXPORT PropertyList {
   using Bytes = std::vector<std::uint8_t>;
   using Array = std::vector<PropertyList>;
 
-  // Keys are unique; setting an existing key replaces its value in place.
+  // Keys are unique; setting an existing key replaces its value in place. Finding a key takes as long in a dictionary
+  // of a million keys as in one of a hundred, whatever the keys.
   class TARN_EXPORT Dictionary {
    public:
-    std::size_t size() const { return keys_.size(); }
-    bool empty() const { return keys_.empty(); }
-    const std::string& keyAt(std::size_t index) const { return keys_[index]; }
+    Dictionary();
+    ~Dictionary();
+    Dictionary(const Dictionary& other);
+    Dictionary& operator=(const Dictionary& other);
+    Dictionary(Dictionary&& other) noexcept;  // leaves the other one empty
+    Dictionary& operator=(Dictionary&& other) noexcept;
+
+    std::size_t size() const;
+    bool empty() const { return size() == 0; }
+    const std::string& keyAt(std::size_t index) const;
     const PropertyList& valueAt(std::size_t index) const;
     const PropertyList* find(std::string_view key) const;  // null when there is no such key
     PropertyList* find(std::string_view key);
     void set(std::string_view key, PropertyList value);
+    void reserve(std::size_t count);                 // room for that many keys in all
     bool operator==(const Dictionary& other) const;  // same keys with equal values, in any order
 
    private:
-    std::vector<std::string> keys_;
-    std::vector<PropertyList> values_;
-    std::unordered_map<std::string, std::size_t> index_;
+    struct Entry;
+    std::size_t placeOf(std::string_view key) const;
+    void buildIndex();
+
+    std::vector<Entry> entries_;
+    std::unique_ptr<HashIndex> index_;  // null while there are few keys
   };
 
   PropertyList();  // an empty dictionary
@@ -67,14 +81,14 @@ class TARN_EXPORT PropertyList {
   bool isArray() const { return type() == Type::Array; }
   bool isDictionary() const { return type() == Type::Dictionary; }
 
-  // Conversions as messages to numbers behave: anything that is not a number answers 0 or false. A real outside the
-  // integer's range saturates, NaN answers 0.
+  // Conversions as messages to numbers behave: anything that is not a number gives 0 or false. A real outside the
+  // integer's range saturates, NaN gives 0.
   bool boolValue() const;
   std::int32_t intValue() const;
   std::int64_t integerValue() const;
   double doubleValue() const;
 
-  // Contents. On a value of another type they answer an empty constant.
+  // Contents. On a value of another type they return an empty constant.
   const std::string& stringValue() const;
   const Bytes& bytes() const;
   const Array& items() const;
@@ -121,6 +135,21 @@ class TARN_EXPORT PropertyList {
   Storage storage_;
 };
 
+struct PropertyList::Dictionary::Entry {
+  std::string key;
+  PropertyList value;
+};
+
+inline std::size_t PropertyList::Dictionary::size() const {
+  return entries_.size();
+}
+inline const std::string& PropertyList::Dictionary::keyAt(std::size_t index) const {
+  return entries_[index].key;
+}
+inline const PropertyList& PropertyList::Dictionary::valueAt(std::size_t index) const {
+  return entries_[index].value;
+}
+
 enum class PropertyListFormat { Xml, Binary };
 
 // The limits of what is read and written; a list beyond one of them is refused with a reason. Values are counted as
@@ -144,15 +173,10 @@ TARN_EXPORT std::optional<PropertyList> PropertyListFromBytes(std::span<const st
 //
 // XML reals have the fewest digits that read back as the same value; NaN is written "nan" and loses its payload, which
 // binary keeps; dates lose fractions of a second in XML, and must lie in the years 1 to 9999. A uid is at most 2^32
-// - 1. A dictionary that XML readers take for a uid (above) is written as it is.
+// - 1 in XML. A dictionary that XML readers take for a uid (above) is written as it is.
 TARN_EXPORT std::optional<PropertyList::Bytes> PropertyListToBytes(const PropertyList& list, PropertyListFormat format,
                                                                    std::string* reason);
 
-// Reads a whole regular file of at most PropertyListMaximumBytes; anything else (a folder, a pipe, a device) is refused
-// without waiting for it. The reason does not repeat the path.
-TARN_EXPORT std::optional<PropertyList::Bytes> NSReadFile(const std::string& path, std::string* reason);
-// Writes beside the target and renames, so that a failure leaves an existing file as it was. An existing file keeps its
-// permissions; a symbolic link stays, and the file that it leads to is replaced. Only regular files are replaced.
-TARN_EXPORT bool NSWriteFile(const std::string& path, std::span<const std::uint8_t> bytes, std::string* reason);
+// The list in a file (NSReadFile). The reason does not repeat the path.
 TARN_EXPORT std::optional<PropertyList> PropertyListFromFile(const std::string& path, std::string* reason,
                                                              PropertyListFormat* format = nullptr);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/QuartzComposer/QCObject.h"
 
+#include "Platform/Foundation/NSClassTable.h"
 #include "Platform/Foundation/NSCoder.h"
 #include "Platform/Foundation/NSValues.h"
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/QuartzComposer/QCPatch.h"
 
+#include "Platform/Foundation/NSClassTable.h"
 #include "Platform/QuartzComposer/QCInstance.h"
 
 #include <exception>

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/QuartzComposer/QCPort.h"
 
+#include "Platform/Foundation/NSClassTable.h"
+
 #include <algorithm>
 #include <cmath>
 #include <exception>

@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include "Platform/Foundation/PropertyList.h"
+#include "Platform/Visibility.h"
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+
+// Whole files. Reasons (which may be null) do not repeat the path.
+
+// Reads a whole regular file of at most PropertyListMaximumBytes; anything else (a folder, a pipe, a device) is refused
+// without waiting for it.
+TARN_EXPORT std::optional<PropertyList::Bytes> NSReadFile(const std::string& path, std::string* reason);
+
+// Writes beside the target and renames, so that a failure leaves an existing file as it was. An existing file keeps its
+// permissions, except for set-id bits that a write into it would have cost it; a symbolic link stays, and the file that
+// it leads to is replaced. Only regular files are replaced.
+TARN_EXPORT bool NSWriteFile(const std::string& path, std::span<const std::uint8_t> bytes, std::string* reason);
+
+// The file that a path leads to through any chain of symbolic links at its end, whether or not there is one; the path
+// itself when it is no link. Empty, with the cause, for links in a circle.
+TARN_EXPORT std::string NSResolvedPath(const std::string& path, std::string* reason);

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Platform/Foundation/NSUnicode.h"
+
+#include <cstdint>
+#include <cstring>
+
+namespace {
+
+// The bytes of ASCII at the front, eight at a time.
+std::size_t asciiLength(std::string_view text) {
+  std::size_t length = 0;
+  for (std::uint64_t word = 0; length + sizeof word <= text.size(); length += sizeof word) {
+    std::memcpy(&word, text.data() + length, sizeof word);
+    if ((word & 0x8080808080808080) != 0) {
+      break;
+    }
+  }
+  while (length < text.size() && static_cast<unsigned char>(text[length]) < 0x80) {
+    ++length;
+  }
+  return length;
+}
+
+// The length of the well-formed sequence of several bytes at the front; 0 when there is none.
+std::size_t sequenceLength(std::string_view text) {
+  const auto byte = [&](std::size_t index) { return static_cast<unsigned char>(text[index]); };
+  const unsigned first = byte(0);
+  const std::size_t length = first < 0xC2 ? 0 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : first < 0xF5 ? 4 : 0;
+  if (length == 0 || text.size() < length) {
+    return 0;
+  }
+  // The second byte tells overlong forms, surrogates and what lies beyond the last code point.
+  const unsigned lowest = first == 0xE0 ? 0xA0 : first == 0xF0 ? 0x90 : 0x80;
+  const unsigned highest = first == 0xED ? 0x9F : first == 0xF4 ? 0x8F : 0xBF;
+  if (byte(1) < lowest || byte(1) > highest) {
+    return 0;
+  }
+  for (std::size_t i = 2; i < length; ++i) {
+    if ((byte(i) & 0xC0) != 0x80) {
+      return 0;
+    }
+  }
+  return length;
+}
+
+}  // namespace
+
+std::size_t NSValidUTF8Length(std::string_view text) {
+  std::size_t valid = 0;
+  for (;;) {
+    valid += asciiLength(text.substr(valid));
+    const std::size_t length = valid < text.size() ? sequenceLength(text.substr(valid)) : 0;
+    if (length == 0) {
+      return valid;
+    }
+    valid += length;
+  }
+}

@@ -1,0 +1,11 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include "Platform/Visibility.h"
+
+#include <cstddef>
+#include <string_view>
+
+// The bytes of the longest prefix that is well-formed UTF-8: no overlong forms, no surrogates, nothing above U+10FFFF,
+// no sequence that is cut off. The text is UTF-8 when that is all of it.
+TARN_EXPORT std::size_t NSValidUTF8Length(std::string_view text);
