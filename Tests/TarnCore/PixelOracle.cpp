@@ -34,6 +34,12 @@ float valueOfHalf(std::uint16_t bits) {
   return static_cast<float>(bits & 0x8000 ? -magnitude : magnitude);
 }
 
+std::vector<float> everyHalf() {
+  std::vector<float> values;
+  for (int bits = 0; bits < 65536; ++bits) values.push_back(valueOfHalf(static_cast<std::uint16_t>(bits)));
+  return values;
+}
+
 // The nearest half, the even one of two; steps of the exponent's size are counted.
 std::uint16_t nearestHalf(float v) {
   const std::uint32_t sign = std::signbit(v) ? 0x8000 : 0;
@@ -77,20 +83,20 @@ std::size_t bytesOf(Number number) {
 float read(Number number, From at) {
   switch (number) {
     case Number::Byte:
-      return static_cast<float>(*at / 255.0L);
+      return static_cast<float>(*at / 255.0);
     case Number::Word:
-      return static_cast<float>(load<std::uint16_t>(at) / 65535.0L);
-    case Number::Half:
-      return valueOfHalf(load<std::uint16_t>(at));
+      return static_cast<float>(load<std::uint16_t>(at) / 65535.0);
+    case Number::Half: {
+      static const std::vector<float> values = everyHalf();
+      return values[load<std::uint16_t>(at)];
+    }
     default:
       return load<float>(at);
   }
 }
 
-// Each sum is done in long double and rounded to double, as the definition has it.
 std::uint32_t rounded(double product, std::uint32_t largest) {
-  const auto half = static_cast<double>(static_cast<long double>(product) + 0.5L);
-  const auto biased = static_cast<double>(static_cast<long double>(half) + static_cast<long double>(1e-7));
+  const double biased = product + 0.5 + 1e-7;
   if (!(biased >= 1)) return 0;
   return biased >= largest ? largest : static_cast<std::uint32_t>(biased);  // positive: cut off is rounded down
 }
@@ -113,10 +119,17 @@ bool areSame(Number number, From a, From b) {
   return number >= Number::Half && std::isnan(read(number, a)) && std::isnan(read(number, b));
 }
 
+bool areSame(Number number, const Bytes& a, const Bytes& b) {
+  for (std::size_t i = 0; i + bytesOf(number) <= a.size(); i += bytesOf(number)) {
+    if (!areSame(number, &a[i], &b[i])) return false;
+  }
+  return a.size() == b.size();
+}
+
 Layout layoutOf(std::uint32_t code) {
   static constexpr Layout layouts[] = {
-      {Number::Byte, 4, 3},  {Number::Byte, 4, 0},  {Number::Byte, 2, -1}, {Number::Byte, 4, 3}, {Number::Word, 4, 3},
-      {Number::Word, 3, -1}, {Number::Word, 2, 1},  {Number::Word, 1, -1}, {Number::Half, 4, 3}, {Number::Float, 4, 3}};
+      {Number::Byte, 4, 3},  {Number::Byte, 4, 0}, {Number::Byte, 2, -1}, {Number::Byte, 4, 3}, {Number::Word, 4, 3},
+      {Number::Word, 3, -1}, {Number::Word, 2, 1}, {Number::Word, 1, -1}, {Number::Half, 4, 3}, {Number::Float, 4, 3}};
   return layouts[code < std::size(layouts) ? code : 0];
 }
 

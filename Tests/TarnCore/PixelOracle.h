@@ -21,6 +21,7 @@ float read(Number number, From at);  // 0 to 1 for integers
 void write(Number number, To at, float v);
 // Whether two stored numbers are equal bit for bit, or neither is one.
 bool areSame(Number number, From a, From b);
+bool areSame(Number number, const Bytes& a, const Bytes& b);
 // The integer of 0 to `largest` that a product rounds to: halves and what lies within 1e-7 below them upward; NaN is 0.
 std::uint32_t rounded(double product, std::uint32_t largest);
 
