@@ -43,13 +43,14 @@ class GradientMapPatch : public EffectPatch {
   }
 
  private:
-  BitmapRef render(std::string& reason) override {
-    const BitmapRef in = inputBitmap(*image_, reason);
-    if (!in) return nullptr;
+  std::optional<BitmapRef> render(std::string* reason) override {
+    const auto image = inputBitmap(*image_, reason);
+    if (!image || !*image) return image;
+    const BitmapRef& in = *image;
     const auto gradient = std::dynamic_pointer_cast<VRTGradient>(gradient_->value());
     if (!gradient) return in;  // a port that was emptied maps nothing
     auto out = makeBitmap(in->width, in->height, in->formatCode, reason);
-    if (!out) return nullptr;
+    if (!out) return std::nullopt;
     withLayout(in->formatCode, [&](auto layout) {
       using Layout = decltype(layout);
       if constexpr (std::is_same_v<Layout, RGBAFloat>) {

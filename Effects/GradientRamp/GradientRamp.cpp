@@ -66,9 +66,9 @@ class GradientRampPatch : public GeneratorPatch {
     const Ramp ramp = Ramp::between(
         finiteOr(startX_->doubleValue(), 0) * out.width, finiteOr(startY_->doubleValue(), 0.5) * out.height,
         finiteOr(endX_->doubleValue(), 1) * out.width, finiteOr(endY_->doubleValue(), 0.5) * out.height);
-    if (out.formatCode == formatRGBA8) {
+    if (out.formatCode == VortoPixelFormat::RGBA8) {
       fillByNearest<RGBA8>(ramp, out, *gradient);
-    } else if (out.formatCode == formatRGBA16) {
+    } else if (out.formatCode == VortoPixelFormat::RGBA16) {
       fillByNearest<RGBA16>(ramp, out, *gradient);
     } else {
       fillFloats(ramp, out, *gradient);

@@ -80,13 +80,14 @@ class LevelsPatch : public EffectPatch {
   }
 
  private:
-  BitmapRef render(std::string& reason) override {
-    const BitmapRef in = inputBitmap(*image_, reason);
-    if (!in) return nullptr;
+  std::optional<BitmapRef> render(std::string* reason) override {
+    const auto image = inputBitmap(*image_, reason);
+    if (!image || !*image) return image;
+    const BitmapRef& in = *image;
     const auto levels = std::dynamic_pointer_cast<VRTHistogram>(levels_->value());
     if (!levels || isNeutral<double>(*levels)) return in;
     auto out = makeBitmap(in->width, in->height, in->formatCode, reason);
-    if (!out) return nullptr;
+    if (!out) return std::nullopt;
     withLayout(in->formatCode, [&](auto layout) {
       using Layout = decltype(layout);
       if constexpr (std::is_same_v<Layout, RGBAFloat>) {

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Effects/Support/Bitmaps.h"
 
-#include "Effects/Support/PixelLayout.h"
 #include "Platform/QuartzComposer/QCPort.h"
 #include "Ports/VRTImage.h"
+#include "TarnCore/TCPixelLayout.h"
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 
 namespace vorto::effects {
 namespace {
@@ -15,13 +16,15 @@ namespace {
 constexpr std::uint64_t maximumBytes = 0xFFFFFFFFULL - 65536;
 
 bool isOurLayout(std::uint32_t formatCode) {
-  return withLayout(formatCode, [](auto) {});
+  return TCPixelLayoutOf(formatCode).isExchanged;
 }
 
 std::uint64_t bytesPerPixel(std::uint32_t formatCode) {
-  std::uint64_t bytes = 0;
-  withLayout(formatCode, [&](auto layout) { bytes = sizeof(typename decltype(layout)::Channel) * layout.channels; });
-  return bytes;
+  return TCPixelLayoutOf(formatCode).bytesPerPixel();
+}
+
+void explain(std::string* reason, const std::string& cause) {
+  if (reason) *reason = cause;
 }
 
 bool holdsItsPixels(const VortoBitmap& bitmap) {
@@ -34,42 +37,55 @@ bool holdsItsPixels(const VortoBitmap& bitmap) {
 
 }  // namespace
 
-BitmapRef inputBitmap(const QCImagePort& port, std::string& reason) {
+std::optional<BitmapRef> inputBitmap(const QCImagePort& port, std::string* reason) {
   if (!port.imageValue()) return nullptr;
   BitmapRef bitmap = VRTImage::bitmapOfPort(port);
   if (!bitmap) {
-    reason = port.key() + " holds an image without a bitmap";
+    explain(reason, port.key() + " holds an image without a bitmap");
   } else if (!isOurLayout(bitmap->formatCode)) {
-    reason =
-        port.key() + ": effects take 8-bit RGBA or ARGB, 16-bit RGBA or float RGBA, not " + describeBitmap(*bitmap);
+    explain(reason, port.key() + ": effects take 8-bit RGBA or ARGB, 16-bit RGBA or float RGBA, not " +
+                        describeBitmap(*bitmap));
   } else if (!holdsItsPixels(*bitmap)) {
-    reason = port.key() + ": not all pixels of " + describeBitmap(*bitmap) + " are in memory";
+    explain(reason, port.key() + ": not all pixels of " + describeBitmap(*bitmap) + " are in memory");
+  } else {
+    return bitmap;
   }
-  return reason.empty() ? bitmap : nullptr;
+  return std::nullopt;
+}
+
+bool inputPair(const QCImagePort& first, const QCImagePort& second, BitmapRef& a, BitmapRef& b, std::string* reason) {
+  const auto readFirst = inputBitmap(first, reason);
+  const auto readSecond = readFirst ? inputBitmap(second, reason) : std::nullopt;
+  if (!readSecond) return false;
+  a = *readFirst;
+  b = *readSecond;
+  if (!a || !b || a->formatCode == b->formatCode) return true;
+  explain(reason, "the images differ in layout: " + describeBitmap(*a) + " and " + describeBitmap(*b));
+  return false;
 }
 
 std::shared_ptr<VortoBitmap> makeBitmap(std::uint64_t width, std::uint64_t height, std::uint32_t formatCode,
-                                        std::string& reason) {
+                                        std::string* reason) {
   const std::string size = std::to_string(width) + " x " + std::to_string(height);
   if (!isOurLayout(formatCode)) {
-    reason = "effects do not make images of format " + std::to_string(formatCode);
+    explain(reason, "effects do not make images of format " + std::to_string(formatCode));
     return nullptr;
   }
   const std::uint64_t stride = std::min<std::uint64_t>(width, maximumBytes) * bytesPerPixel(formatCode);
   if (stride != 0 && (stride > maximumBytes || height > maximumBytes / stride)) {
-    reason = "an image of " + size + " pixels is larger than 4 GiB";
+    explain(reason, "an image of " + size + " pixels is larger than 4 GiB");
     return nullptr;
   }
   std::shared_ptr<VortoBitmap> bitmap(
       TCCreateBitmap(static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height), formatCode));
   if (!bitmap || !holdsItsPixels(*bitmap)) {
-    reason = "no memory for an image of " + size + " pixels";
+    explain(reason, "no memory for an image of " + size + " pixels");
     return nullptr;
   }
   return bitmap;
 }
 
-BitmapRef fittedBitmap(const BitmapRef& bitmap, std::uint32_t width, std::uint32_t height, std::string& reason) {
+BitmapRef fittedBitmap(const BitmapRef& bitmap, std::uint32_t width, std::uint32_t height, std::string* reason) {
   if (bitmap->width == width && bitmap->height == height) return bitmap;
   auto fitted = makeBitmap(width, height, bitmap->formatCode, reason);
   if (!fitted) return nullptr;
@@ -85,12 +101,8 @@ BitmapRef fittedBitmap(const BitmapRef& bitmap, std::uint32_t width, std::uint32
 }
 
 std::string describeBitmap(const VortoBitmap& bitmap) {
-  static constexpr const char* layouts[] = {
-      "RGBA, 8-bit",      "ARGB, 8-bit", "YCbCr 4:2:2, 8-bit",          "ARGB, 8-bit, no alpha",
-      "RGBA, 16-bit",     "RGB, 16-bit", "luminance and alpha, 16-bit", "luminance, 16-bit",
-      "RGBA, half float", "RGBA, float",
-  };
-  const char* layout = bitmap.formatCode < std::size(layouts) ? layouts[bitmap.formatCode] : "unknown layout";
+  const bool isKnown = bitmap.formatCode < std::size(kVortoPixelLayouts);
+  const char* layout = isKnown ? kVortoPixelLayouts[bitmap.formatCode].name : "unknown layout";
   return std::to_string(bitmap.width) + " x " + std::to_string(bitmap.height) + " " + layout;
 }
 

@@ -18,16 +18,13 @@ BlendModePatch::BlendModePatch(PropertyList attributes) : EffectPatch(std::move(
   foreground_ = addInputPort<QCImagePort>("inputForegroundImage", portAttributes("Foreground"));
 }
 
-BitmapRef BlendModePatch::render(std::string& reason) {
-  const BitmapRef background = inputBitmap(*background_, reason);
-  const BitmapRef foreground = reason.empty() ? inputBitmap(*foreground_, reason) : nullptr;
+std::optional<BitmapRef> BlendModePatch::render(std::string* reason) {
+  BitmapRef background, foreground;
+  if (!inputPair(*background_, *foreground_, background, foreground, reason)) return std::nullopt;
   if (!background || !foreground) return nullptr;
-  if (background->formatCode != foreground->formatCode) {
-    reason = "the images differ in layout: " + describeBitmap(*background) + " and " + describeBitmap(*foreground);
-    return nullptr;
-  }
   auto out = makeBitmap(background->width, background->height, background->formatCode, reason);
-  if (!out || out->width == 0) return out;
+  if (!out) return std::nullopt;
+  if (out->width == 0) return out;
   const std::size_t covered = std::min(background->width, foreground->width);
   const std::size_t coveredRows = std::min(background->height, foreground->height);
   const std::size_t pixelBytes = std::size_t{out->bitsPerChannel} / 8 * out->channels;

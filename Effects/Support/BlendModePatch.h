@@ -21,7 +21,7 @@ class BlendModePatch : public EffectPatch {
                         std::size_t count) = 0;
 
  private:
-  BitmapRef render(std::string& reason) final;
+  std::optional<BitmapRef> render(std::string* reason) final;
   std::shared_ptr<QCImagePort> background_;
   std::shared_ptr<QCImagePort> foreground_;
 };

@@ -11,13 +11,9 @@ EffectPatch::EffectPatch(PropertyList attributes) : QCPatch(std::move(attributes
 
 bool EffectPatch::execute(double, std::string* reason) {
   VRTImage::setBitmapOfPort(*outputImage_, nullptr);  // a failure must not leave the last frame's image behind
-  std::string cause;
-  BitmapRef image = render(cause);
-  if (!cause.empty()) {
-    if (reason) *reason = cause;
-    return false;
-  }
-  if (image) VRTImage::setBitmapOfPort(*outputImage_, std::move(image));
+  std::optional<BitmapRef> image = render(reason);
+  if (!image) return false;
+  if (*image) VRTImage::setBitmapOfPort(*outputImage_, std::move(*image));
   return true;
 }
 

@@ -19,8 +19,9 @@ class EffectPatch : public QCPatch {
   explicit EffectPatch(PropertyList attributes);
 
  protected:
-  // The image, or null for none. A null with a reason is a failure, without one (an input is missing) it is not.
-  virtual BitmapRef render(std::string& reason) = 0;
+  // The image, or null where there is none (an input is missing). Nothing, with the reason, when it fails; the reason
+  // may be null.
+  virtual std::optional<BitmapRef> render(std::string* reason) = 0;
 
  private:
   bool execute(double time, std::string* reason) final;

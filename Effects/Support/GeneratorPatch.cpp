@@ -8,7 +8,8 @@
 namespace vorto::effects {
 namespace {
 
-constexpr std::array<std::uint32_t, 3> formatOfDepth{formatRGBA8, formatRGBA16, formatRGBAFloat};
+constexpr std::array<std::uint32_t, 3> formatOfDepth{VortoPixelFormat::RGBA8, VortoPixelFormat::RGBA16,
+                                                     VortoPixelFormat::RGBAFloat};
 constexpr int largestEdge = 65536;
 
 }  // namespace
@@ -23,20 +24,21 @@ void GeneratorPatch::addSizePorts() {
   depth_ = addInputPort<QCIndexPort>("inputDepth", menuAttributes("Depth", {"8-bit", "16-bit", "Float"}, 0));
 }
 
-BitmapRef GeneratorPatch::render(std::string& reason) {
+std::optional<BitmapRef> GeneratorPatch::render(std::string* reason) {
   const std::uint32_t width = width_->indexValue();
   const std::uint32_t height = height_->indexValue();
   const std::uint32_t depth = depth_->indexValue();
   if (width == 0 || height == 0) {
-    reason = "an image of " + std::to_string(width) + " x " + std::to_string(height) + " pixels is empty";
-    return nullptr;
+    if (reason) *reason = "an image of " + std::to_string(width) + " x " + std::to_string(height) + " pixels is empty";
+    return std::nullopt;
   }
   if (depth >= formatOfDepth.size()) {
-    reason = "inputDepth: there is no depth " + std::to_string(depth);
-    return nullptr;
+    if (reason) *reason = "inputDepth: there is no depth " + std::to_string(depth);
+    return std::nullopt;
   }
   auto out = makeBitmap(width, height, formatOfDepth[depth], reason);
-  if (out) fill(*out);
+  if (!out) return std::nullopt;
+  fill(*out);
   return out;
 }
 

@@ -20,7 +20,7 @@ class GeneratorPatch : public EffectPatch {
   virtual void fill(VortoBitmap& out) = 0;
 
  private:
-  BitmapRef render(std::string& reason) final;
+  std::optional<BitmapRef> render(std::string* reason) final;
   std::shared_ptr<QCIndexPort> width_;
   std::shared_ptr<QCIndexPort> height_;
   std::shared_ptr<QCIndexPort> depth_;

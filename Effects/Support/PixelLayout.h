@@ -1,47 +1,44 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include "TarnCore/TCPixelLayout.h"
+
 #include <cstdint>
 #include <utility>
 
 namespace vorto::effects {
 
-// Where a layout keeps its channels. Every layout that effects take has four channels without padding between pixels.
-template <class ChannelType, int R, int G, int B, int A>
+// A layout that effects take, of four channels, for loops that are compiled for it.
+template <class ChannelType, VortoPixelFormat::Code code>
 struct PixelLayout {
   using Channel = ChannelType;
-  static constexpr int red = R;
-  static constexpr int green = G;
-  static constexpr int blue = B;
-  static constexpr int alpha = A;
-  static constexpr int channels = 4;
+  static constexpr int red = TCPixelLayoutOf(code).red;
+  static constexpr int green = TCPixelLayoutOf(code).green;
+  static constexpr int blue = TCPixelLayoutOf(code).blue;
+  static constexpr int alpha = TCPixelLayoutOf(code).alpha;
+  static constexpr int channels = TCPixelLayoutOf(code).channels;
+  static_assert(TCPixelLayoutOf(code).isExchanged && sizeof(Channel) == TCPixelLayoutOf(code).bytesPerChannel());
 };
 
-using RGBA8 = PixelLayout<std::uint8_t, 0, 1, 2, 3>;
-using ARGB8 = PixelLayout<std::uint8_t, 1, 2, 3, 0>;
-using RGBA16 = PixelLayout<std::uint16_t, 0, 1, 2, 3>;
-using RGBAFloat = PixelLayout<float, 0, 1, 2, 3>;
-
-// Format codes of the layouts that effects take.
-inline constexpr std::uint32_t formatRGBA8 = 0;
-inline constexpr std::uint32_t formatARGB8 = 1;
-inline constexpr std::uint32_t formatRGBA16 = 4;
-inline constexpr std::uint32_t formatRGBAFloat = 9;
+using RGBA8 = PixelLayout<std::uint8_t, VortoPixelFormat::RGBA8>;
+using ARGB8 = PixelLayout<std::uint8_t, VortoPixelFormat::ARGB8>;
+using RGBA16 = PixelLayout<std::uint16_t, VortoPixelFormat::RGBA16>;
+using RGBAFloat = PixelLayout<float, VortoPixelFormat::RGBAFloat>;
 
 // Calls function(Layout{}) for the layout of the code; false, without a call, for the layouts that effects do not take.
 template <class Function>
 bool withLayout(std::uint32_t formatCode, Function&& function) {
   switch (formatCode) {
-    case formatRGBA8:
+    case VortoPixelFormat::RGBA8:
       function(RGBA8{});
       return true;
-    case formatARGB8:
+    case VortoPixelFormat::ARGB8:
       function(ARGB8{});
       return true;
-    case formatRGBA16:
+    case VortoPixelFormat::RGBA16:
       function(RGBA16{});
       return true;
-    case formatRGBAFloat:
+    case VortoPixelFormat::RGBAFloat:
       function(RGBAFloat{});
       return true;
     default:

@@ -17,20 +17,18 @@ TransitionPatch::TransitionPatch(PropertyList attributes) : EffectPatch(std::mov
   time_ = addInputPort<QCNumberPort>("inputTime", numberAttributes("Time", 0, 1, 0));
 }
 
-BitmapRef TransitionPatch::render(std::string& reason) {
-  const BitmapRef a = inputBitmap(*imageA_, reason);
-  BitmapRef b = reason.empty() ? inputBitmap(*imageB_, reason) : nullptr;
+std::optional<BitmapRef> TransitionPatch::render(std::string* reason) {
+  BitmapRef a, b;
+  if (!inputPair(*imageA_, *imageB_, a, b, reason)) return std::nullopt;
   if (!a || !b) return nullptr;
-  if (a->formatCode != b->formatCode) {
-    reason = "the images differ in layout: " + describeBitmap(*a) + " and " + describeBitmap(*b);
-    return nullptr;
-  }
   const double time = time_->doubleValue();
   if (!(time > 0)) return a;
   b = fittedBitmap(b, a->width, a->height, reason);
-  if (!b || time >= 1) return b;
+  if (!b) return std::nullopt;
+  if (time >= 1) return b;
   auto out = makeBitmap(a->width, a->height, a->formatCode, reason);
-  if (out && out->width != 0 && out->height != 0) mix(*a, *b, time, *out);
+  if (!out) return std::nullopt;
+  if (out->width != 0 && out->height != 0) mix(*a, *b, time, *out);
   return out;
 }
 

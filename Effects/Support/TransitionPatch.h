@@ -18,7 +18,7 @@ class TransitionPatch : public EffectPatch {
   virtual void mix(const VortoBitmap& a, const VortoBitmap& b, double time, VortoBitmap& out) = 0;
 
  private:
-  BitmapRef render(std::string& reason) final;
+  std::optional<BitmapRef> render(std::string* reason) final;
   std::shared_ptr<QCImagePort> imageA_;
   std::shared_ptr<QCImagePort> imageB_;
   std::shared_ptr<QCNumberPort> time_;

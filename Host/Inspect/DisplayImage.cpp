@@ -2,7 +2,7 @@
 #include "Host/Inspect/DisplayImage.h"
 
 #include "TarnCore/TCBitmap.h"
-#include "TarnCore/TCPixelFormat.h"
+#include "TarnCore/TCPixelLayout.h"
 
 #include <algorithm>
 
@@ -22,12 +22,8 @@ unsigned byteOf(float value) {
   return value >= 1.0f ? 255 : static_cast<unsigned>(value * 255.0f + 0.5f);
 }
 
-struct Order {
-  std::size_t red, green, blue, alpha;
-};
-
 template <class Sample>
-QImage shown(const VortoBitmap& bitmap, Order order) {
+QImage shown(const VortoBitmap& bitmap, const VortoPixelLayout& order) {
   QImage image(static_cast<int>(bitmap.width), static_cast<int>(bitmap.height), QImage::Format_ARGB32_Premultiplied);
   if (image.isNull()) return image;
   unsigned everyAlpha = 255;
@@ -51,15 +47,15 @@ QImage shown(const VortoBitmap& bitmap, Order order) {
 
 QImage displayImage(const BitmapRef& bitmap) {
   if (!bitmap || !bitmap->data) return {};
-  switch (bitmap->formatCode) {
-    case VortoPixelFormat::RGBA8:
-      return shown<std::uint8_t>(*bitmap, {0, 1, 2, 3});
-    case VortoPixelFormat::ARGB8:
-      return shown<std::uint8_t>(*bitmap, {1, 2, 3, 0});
-    case VortoPixelFormat::RGBA16:
-      return shown<std::uint16_t>(*bitmap, {0, 1, 2, 3});
-    case VortoPixelFormat::RGBAFloat:
-      return shown<float>(*bitmap, {0, 1, 2, 3});
+  const VortoPixelLayout& layout = TCPixelLayoutOf(bitmap->formatCode);
+  if (!layout.isExchanged) return {};
+  switch (layout.number) {
+    case VortoPixelLayout::Number::Byte:
+      return shown<std::uint8_t>(*bitmap, layout);
+    case VortoPixelLayout::Number::Word:
+      return shown<std::uint16_t>(*bitmap, layout);
+    case VortoPixelLayout::Number::Float:
+      return shown<float>(*bitmap, layout);
     default:
       return {};
   }

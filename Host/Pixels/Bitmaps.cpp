@@ -5,7 +5,7 @@
 #include "Host/Pixels/Pixels.h"
 #include "TarnCore/TCBitmap.h"
 #include "TarnCore/TCColor.h"
-#include "TarnCore/TCPixelFormat.h"
+#include "TarnCore/TCPixelLayout.h"
 
 #include <cstring>
 #include <utility>
@@ -28,18 +28,13 @@ void checkSize(std::uint32_t width, std::uint32_t height, std::uint32_t formatCo
 }
 
 SampleType sampleTypeOfBitmap(const VortoBitmap& bitmap, const std::string& what) {
-  switch (bitmap.formatCode) {
-    case VortoPixelFormat::RGBA8:
-    case VortoPixelFormat::ARGB8:
-      return SampleType::UInt8;
-    case VortoPixelFormat::RGBA16:
-      return SampleType::UInt16;
-    case VortoPixelFormat::RGBAFloat:
-      return SampleType::Float;
-    default:
-      throw Failure(ExitCode::Effect, what + " gave an image of pixel format " + std::to_string(bitmap.formatCode) +
-                                          ", which effects do not exchange");
+  const VortoPixelLayout& layout = TCPixelLayoutOf(bitmap.formatCode);
+  if (!layout.isExchanged) {
+    throw Failure(ExitCode::Effect, what + " gave an image of pixel format " + std::to_string(bitmap.formatCode) +
+                                        ", which effects do not exchange");
   }
+  if (layout.number == VortoPixelLayout::Number::Byte) return SampleType::UInt8;
+  return layout.number == VortoPixelLayout::Number::Word ? SampleType::UInt16 : SampleType::Float;
 }
 
 }  // namespace

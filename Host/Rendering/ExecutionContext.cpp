@@ -3,7 +3,7 @@
 
 #include "Ports/VRTImage.h"
 #include "TarnCore/TCBitmap.h"
-#include "TarnCore/TCPixelFormat.h"
+#include "TarnCore/TCPixelLayout.h"
 
 #include <algorithm>
 
@@ -12,17 +12,8 @@ namespace {
 
 // Bytes per pixel of the layouts that effects exchange; 0 for any other.
 std::size_t pixelSizeOf(const VortoBitmap& bitmap) {
-  switch (bitmap.formatCode) {
-    case VortoPixelFormat::RGBA8:
-    case VortoPixelFormat::ARGB8:
-      return 4;
-    case VortoPixelFormat::RGBA16:
-      return 8;
-    case VortoPixelFormat::RGBAFloat:
-      return 16;
-    default:
-      return 0;
-  }
+  const VortoPixelLayout& layout = TCPixelLayoutOf(bitmap.formatCode);
+  return layout.isExchanged ? layout.bytesPerPixel() : 0;
 }
 
 std::size_t rowBytesOf(const VortoBitmap& bitmap) {

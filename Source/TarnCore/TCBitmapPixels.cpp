@@ -3,7 +3,7 @@
 #include "TarnCore/TCBitmapRows.h"
 #include "TarnCore/TCColor.h"
 #include "TarnCore/TCPixel.h"
-#include "TarnCore/TCPixelFormat.h"
+#include "TarnCore/TCPixelLayout.h"
 #include "TarnCore/kernels/AlphaComplement.h"
 #include "TarnCore/kernels/BytePatterns.h"
 #include "TarnCore/kernels/Memory.h"
@@ -18,7 +18,7 @@ namespace {
 using namespace vorto::kernels;
 using Format = VortoPixelFormat;
 
-// What is done to whole channels.
+// What is done to whole channels, as rules of bytes.
 struct Layout {
   std::size_t pixelBytes;
   BytePattern alpha;          // the bytes of alpha
@@ -27,19 +27,30 @@ struct Layout {
   BytePattern toRGBA;
 };
 
-constexpr Layout kRGBA8 = {4, BytePattern::ofPixel({0, 0, 0, 255}), BytePattern::ofOrder({3, 3, 3, 3}),
-                           BytePattern::ofOrder({3, 0, 1, 2}), BytePattern::ofOrder({1, 2, 3, 0})};
-constexpr Layout kARGB8 = {4, BytePattern::ofPixel({255, 0, 0, 0}), BytePattern::ofOrder({0, 0, 0, 0}), kRGBA8.toARGB,
-                           kRGBA8.toRGBA};
-// Of 16-bit words, halves too.
-constexpr Layout kRGBA16 = {
-    8, BytePattern::ofPixel({0, 0, 0, 0, 0, 0, 255, 255}), BytePattern::ofOrder({6, 7, 6, 7, 6, 7, 6, 7}),
-    BytePattern::ofOrder({6, 7, 0, 1, 2, 3, 4, 5}), BytePattern::ofOrder({2, 3, 4, 5, 6, 7, 0, 1})};
-constexpr Layout kLuminanceAlpha16 = {4, BytePattern::ofPixel({0, 0, 255, 255}), {}, {}, {}};
-constexpr Layout kRGBAFloat = {16, BytePattern::ofPixel({0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 255, 255, 255, 255}),
-                               BytePattern::ofOrder({12, 13, 14, 15, 12, 13, 14, 15, 12, 13, 14, 15, 12, 13, 14, 15}),
-                               BytePattern::ofOrder({12, 13, 14, 15, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11}),
-                               BytePattern::ofOrder({4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 0, 1, 2, 3})};
+constexpr Layout patternsOf(Format::Code code) {
+  const VortoPixelLayout& layout = TCPixelLayoutOf(code);
+  const std::size_t size = layout.bytesPerChannel();
+  const std::size_t channels = static_cast<std::size_t>(layout.channels);
+  const std::size_t alpha = static_cast<std::size_t>(layout.alpha);
+  Layout patterns{layout.bytesPerPixel(), {}, {}, {}, {}};
+  for (std::size_t i = 0; i < 16; ++i) {
+    const std::size_t channel = i / size % channels;
+    const auto byteOf = [&](std::size_t other) {
+      return static_cast<std::uint8_t>(i - channel * size + other % channels * size);
+    };
+    patterns.alpha.bytes[i] = channel == alpha ? 255 : 0;
+    patterns.alphaToColors.bytes[i] = byteOf(alpha);
+    patterns.toARGB.bytes[i] = byteOf(channel + channels - 1);
+    patterns.toRGBA.bytes[i] = byteOf(channel + 1);
+  }
+  return patterns;
+}
+
+constexpr Layout kRGBA8 = patternsOf(Format::RGBA8);
+constexpr Layout kARGB8 = patternsOf(Format::ARGB8);
+constexpr Layout kRGBA16 = patternsOf(Format::RGBA16);  // halves too
+constexpr Layout kLuminanceAlpha16 = patternsOf(Format::LuminanceAlpha16);
+constexpr Layout kRGBAFloat = patternsOf(Format::RGBAFloat);
 
 // The layout that a code counts as: whatever is no other one is RGBA8.
 const Layout& layoutOf(Format::Code code) {

@@ -2,7 +2,7 @@
 #include "TarnCore/TCBitmapScaling.h"
 
 #include "TarnCore/TCBitmapSlack.h"
-#include "TarnCore/TCPixelFormat.h"
+#include "TarnCore/TCPixelLayout.h"
 #include "TarnCore/kernels/Depth.h"
 #include "TarnCore/kernels/Scale.h"
 
@@ -74,24 +74,6 @@ constexpr DepthLayout LayoutOf<VortoPixel4<half, VortoPixelInfoRGBAHalfFloat>> =
 template <>
 constexpr DepthLayout LayoutOf<VortoPixel4<float, VortoPixelInfoRGBAFloat>> = DepthLayout::RGBAFloat;
 
-// The bytes of a pixel as the scalers take it for a format code.
-std::size_t scaledPixelBytes(std::uint32_t code) {
-  switch (code) {
-    case VortoPixelFormat::YUV8:
-    case VortoPixelFormat::Luminance16:
-      return 2;
-    case VortoPixelFormat::RGB16:
-      return 6;
-    case VortoPixelFormat::RGBA16:
-    case VortoPixelFormat::RGBAHalfFloat:
-      return 8;
-    case VortoPixelFormat::RGBAFloat:
-      return 16;
-    default:
-      return 4;
-  }
-}
-
 DepthLayout sourceLayout(std::uint32_t code) {
   switch (code) {
     case VortoPixelFormat::ARGB8:
@@ -111,7 +93,7 @@ DepthLayout sourceLayout(std::uint32_t code) {
 class ScalableSource {
  public:
   explicit ScalableSource(const VortoBitmap& source) : bitmap_(&source) {
-    if (source.formatCode != VortoPixelFormat::YUV8) return;
+    if (source.formatCode != VortoPixelFormat::YUV8 || !source.data) return;
     converted_ = std::make_unique<VortoBitmapARGB8>(source.width, source.height);
     converted_->copy(source);
     bitmap_ = converted_.get();
@@ -127,7 +109,7 @@ class ScalableSource {
 
 void VortoBitmap::copyWithScaling(const VortoBitmap& source) {
   const ScalableSource scalable(source);
-  scale(this, &scalable.bitmap(), scaledPixelBytes(formatCode));
+  scale(this, &scalable.bitmap(), TCPixelLayoutOf(formatCode).bytesPerPixel());
 }
 
 void VortoBitmap::copyWithScalingAndDepthConversion(const VortoBitmap& source) {

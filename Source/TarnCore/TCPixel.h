@@ -3,6 +3,7 @@
 
 #include "Platform/Visibility.h"
 #include "TarnCore/TCBitmap.h"
+#include "TarnCore/TCPixelLayout.h"
 
 #include <Imath/half.h>
 
@@ -31,22 +32,22 @@ template <>
 TARN_EXPORT std::uint16_t denormalized<std::uint16_t>(double v);
 
 // Where each channel lies in the record; -1 where there is none.
-template <int redIndex, int greenIndex, int blueIndex, int alphaIndex>
+template <VortoPixelFormat::Code code>
 struct TARN_EXPORT VortoPixelInfo {
-  static constexpr int red = redIndex;
-  static constexpr int green = greenIndex;
-  static constexpr int blue = blueIndex;
-  static constexpr int alpha = alphaIndex;
+  static constexpr int red = TCPixelLayoutOf(code).red;
+  static constexpr int green = TCPixelLayoutOf(code).green;
+  static constexpr int blue = TCPixelLayoutOf(code).blue;
+  static constexpr int alpha = TCPixelLayoutOf(code).alpha;
 };
-struct TARN_EXPORT VortoPixelInfoRGBA8 : VortoPixelInfo<0, 1, 2, 3> {};
-struct TARN_EXPORT VortoPixelInfoARGB8 : VortoPixelInfo<1, 2, 3, 0> {};
-struct TARN_EXPORT VortoPixelInfoYUV8 : VortoPixelInfo<1, 1, 1, -1> {};
-struct TARN_EXPORT VortoPixelInfoRGBA16 : VortoPixelInfo<0, 1, 2, 3> {};
-struct TARN_EXPORT VortoPixelInfoRGB16 : VortoPixelInfo<0, 1, 2, -1> {};
-struct TARN_EXPORT VortoPixelInfoLuminanceAlpha16 : VortoPixelInfo<0, 0, 0, 1> {};
-struct TARN_EXPORT VortoPixelInfoLuminance16 : VortoPixelInfo<0, 0, 0, -1> {};
-struct TARN_EXPORT VortoPixelInfoRGBAHalfFloat : VortoPixelInfo<0, 1, 2, 3> {};
-struct TARN_EXPORT VortoPixelInfoRGBAFloat : VortoPixelInfo<0, 1, 2, 3> {};
+struct TARN_EXPORT VortoPixelInfoRGBA8 : VortoPixelInfo<VortoPixelFormat::RGBA8> {};
+struct TARN_EXPORT VortoPixelInfoARGB8 : VortoPixelInfo<VortoPixelFormat::ARGB8> {};
+struct TARN_EXPORT VortoPixelInfoYUV8 : VortoPixelInfo<VortoPixelFormat::YUV8> {};
+struct TARN_EXPORT VortoPixelInfoRGBA16 : VortoPixelInfo<VortoPixelFormat::RGBA16> {};
+struct TARN_EXPORT VortoPixelInfoRGB16 : VortoPixelInfo<VortoPixelFormat::RGB16> {};
+struct TARN_EXPORT VortoPixelInfoLuminanceAlpha16 : VortoPixelInfo<VortoPixelFormat::LuminanceAlpha16> {};
+struct TARN_EXPORT VortoPixelInfoLuminance16 : VortoPixelInfo<VortoPixelFormat::Luminance16> {};
+struct TARN_EXPORT VortoPixelInfoRGBAHalfFloat : VortoPixelInfo<VortoPixelFormat::RGBAHalfFloat> {};
+struct TARN_EXPORT VortoPixelInfoRGBAFloat : VortoPixelInfo<VortoPixelFormat::RGBAFloat> {};
 
 // Four values that are assigned as a whole, bit for bit.
 template <class T>
@@ -88,12 +89,20 @@ extern template struct VortoPixelN<std::uint16_t, VortoPixelInfoLuminance16, 1>;
 extern template struct VortoPixelN<half, VortoPixelInfoRGBAHalfFloat, 4>;
 extern template struct VortoPixelN<float, VortoPixelInfoRGBAFloat, 4>;
 
-using VortoBitmapRGBA8 = VortoBitmap_t<VortoPixel4<std::uint8_t, VortoPixelInfoRGBA8>, 8, 4, 0>;
-using VortoBitmapARGB8 = VortoBitmap_t<VortoPixel4<std::uint8_t, VortoPixelInfoARGB8>, 8, 4, 1>;
-using VortoBitmapYUV8 = VortoBitmap_t<VortoPixelYUV<std::uint8_t, VortoPixelInfoYUV8>, 8, 2, 2>;
-using VortoBitmapRGBA16 = VortoBitmap_t<VortoPixel4<std::uint16_t, VortoPixelInfoRGBA16>, 16, 4, 4>;
-using VortoBitmapRGB16 = VortoBitmap_t<VortoPixel3<std::uint16_t, VortoPixelInfoRGB16>, 16, 3, 5>;
-using VortoBitmapLuminanceAlpha16 = VortoBitmap_t<VortoPixel2<std::uint16_t, VortoPixelInfoLuminanceAlpha16>, 16, 2, 6>;
-using VortoBitmapLuminance16 = VortoBitmap_t<VortoPixel1<std::uint16_t, VortoPixelInfoLuminance16>, 16, 1, 7>;
-using VortoBitmapRGBAHalfFloat = VortoBitmap_t<VortoPixel4<half, VortoPixelInfoRGBAHalfFloat>, 16, 4, 8>;
-using VortoBitmapRGBAFloat = VortoBitmap_t<VortoPixel4<float, VortoPixelInfoRGBAFloat>, 32, 4, 9>;
+// The bitmap of a format.
+template <class Pixel, VortoPixelFormat::Code code>
+using VortoBitmapOf = VortoBitmap_t<Pixel, 8 * TCPixelLayoutOf(code).bytesPerChannel(),
+                                    static_cast<std::uint32_t>(TCPixelLayoutOf(code).channels), code>;
+
+using VortoBitmapRGBA8 = VortoBitmapOf<VortoPixel4<std::uint8_t, VortoPixelInfoRGBA8>, VortoPixelFormat::RGBA8>;
+using VortoBitmapARGB8 = VortoBitmapOf<VortoPixel4<std::uint8_t, VortoPixelInfoARGB8>, VortoPixelFormat::ARGB8>;
+using VortoBitmapYUV8 = VortoBitmapOf<VortoPixelYUV<std::uint8_t, VortoPixelInfoYUV8>, VortoPixelFormat::YUV8>;
+using VortoBitmapRGBA16 = VortoBitmapOf<VortoPixel4<std::uint16_t, VortoPixelInfoRGBA16>, VortoPixelFormat::RGBA16>;
+using VortoBitmapRGB16 = VortoBitmapOf<VortoPixel3<std::uint16_t, VortoPixelInfoRGB16>, VortoPixelFormat::RGB16>;
+using VortoBitmapLuminanceAlpha16 =
+    VortoBitmapOf<VortoPixel2<std::uint16_t, VortoPixelInfoLuminanceAlpha16>, VortoPixelFormat::LuminanceAlpha16>;
+using VortoBitmapLuminance16 =
+    VortoBitmapOf<VortoPixel1<std::uint16_t, VortoPixelInfoLuminance16>, VortoPixelFormat::Luminance16>;
+using VortoBitmapRGBAHalfFloat =
+    VortoBitmapOf<VortoPixel4<half, VortoPixelInfoRGBAHalfFloat>, VortoPixelFormat::RGBAHalfFloat>;
+using VortoBitmapRGBAFloat = VortoBitmapOf<VortoPixel4<float, VortoPixelInfoRGBAFloat>, VortoPixelFormat::RGBAFloat>;

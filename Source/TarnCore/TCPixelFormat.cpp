@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "TarnCore/TCPixelFormat.h"
 
+#include "TarnCore/TCPixelLayout.h"
+
 #include "Platform/CGL/GLEnumerants.h"
 
 #include <cstddef>
@@ -9,31 +11,29 @@
 
 namespace {
 
-struct PixelFormat {
-  bool hasAlpha;
-  std::uint32_t bitsPerPixel;
-  std::uint32_t bitsPerChannel;
-  std::uint32_t glInternalFormat;
-  std::uint32_t glDataFormat;
-  std::uint32_t glDataType;
+// What OpenGL calls the format of each code.
+struct OpenGLFormat {
+  std::uint32_t internalFormat;
+  std::uint32_t dataFormat;
+  std::uint32_t dataType;
 };
 
-constexpr PixelFormat pixelFormats[] = {
-    {true, 32, 8, gl::RGBA8, gl::RGBA, gl::UNSIGNED_INT_8_8_8_8_REV},
-    {true, 32, 8, gl::RGBA, gl::BGRA, gl::UNSIGNED_INT_8_8_8_8},
-    {false, 32, 8, gl::RGBA, gl::YCBCR_422, gl::UNSIGNED_SHORT_8_8},
-    {false, 32, 8, gl::RGBA, gl::BGRA, gl::UNSIGNED_INT_8_8_8_8},
-    {true, 64, 16, gl::RGBA16, gl::RGBA, gl::UNSIGNED_SHORT},
-    {false, 48, 16, gl::RGBA, gl::RGB, gl::UNSIGNED_SHORT},
-    {true, 32, 16, gl::RGBA, gl::LUMINANCE_ALPHA, gl::UNSIGNED_SHORT},
-    {false, 16, 16, gl::RGBA, gl::LUMINANCE, gl::UNSIGNED_SHORT},
-    {true, 64, 16, gl::RGBA16F, gl::RGBA, gl::HALF_FLOAT},
-    {true, 128, 32, gl::RGBA32F, gl::RGBA, gl::FLOAT},
+constexpr OpenGLFormat kOpenGLFormats[] = {
+    {gl::RGBA8, gl::RGBA, gl::UNSIGNED_INT_8_8_8_8_REV},
+    {gl::RGBA, gl::BGRA, gl::UNSIGNED_INT_8_8_8_8},
+    {gl::RGBA, gl::YCBCR_422, gl::UNSIGNED_SHORT_8_8},
+    {gl::RGBA, gl::BGRA, gl::UNSIGNED_INT_8_8_8_8},
+    {gl::RGBA16, gl::RGBA, gl::UNSIGNED_SHORT},
+    {gl::RGBA, gl::RGB, gl::UNSIGNED_SHORT},
+    {gl::RGBA, gl::LUMINANCE_ALPHA, gl::UNSIGNED_SHORT},
+    {gl::RGBA, gl::LUMINANCE, gl::UNSIGNED_SHORT},
+    {gl::RGBA16F, gl::RGBA, gl::HALF_FLOAT},
+    {gl::RGBA32F, gl::RGBA, gl::FLOAT},
 };
-constexpr PixelFormat otherFormat = {false, 32, 8, gl::RGBA, gl::BGRA, gl::UNSIGNED_INT_8_8_8_8};
+static_assert(std::size(kOpenGLFormats) == std::size(kVortoPixelLayouts));
 
-const PixelFormat& formatOf(VortoPixelFormat::Code code) {
-  return code < std::size(pixelFormats) ? pixelFormats[code] : otherFormat;
+const OpenGLFormat& formatOf(VortoPixelFormat::Code code) {
+  return kOpenGLFormats[&TCPixelLayoutOf(code) - kVortoPixelLayouts];
 }
 
 // Bits of four channels of each depth.
@@ -60,22 +60,23 @@ std::uint32_t entryOf(const std::uint32_t (&table)[count], VortoBitDepth::Type t
 }  // namespace
 
 bool VortoPixelFormat::hasAlpha(Code code) {
-  return formatOf(code).hasAlpha;
+  return TCPixelLayoutOf(code).alpha >= 0;
 }
 std::uint32_t VortoPixelFormat::getGLInternalFormat(Code code) {
-  return formatOf(code).glInternalFormat;
+  return formatOf(code).internalFormat;
 }
 std::uint32_t VortoPixelFormat::getGLDataFormat(Code code) {
-  return formatOf(code).glDataFormat;
+  return formatOf(code).dataFormat;
 }
 std::uint32_t VortoPixelFormat::getGLDataType(Code code) {
-  return formatOf(code).glDataType;
+  return formatOf(code).dataType;
 }
 std::uint32_t VortoPixelFormat::getBitsPerPixel(Code code) {
-  return formatOf(code).bitsPerPixel;
+  const VortoPixelLayout& layout = TCPixelLayoutOf(code);
+  return 8 * layout.bytesPerPixel() * (layout.isPaired ? 2 : 1);  // of 4:2:2 those of a pair
 }
 std::uint32_t VortoPixelFormat::getBitsPerChannel(Code code) {
-  return formatOf(code).bitsPerChannel;
+  return 8 * TCPixelLayoutOf(code).bytesPerChannel();
 }
 
 VortoPixelFormat::Code VortoPixelFormat::getPixelFormat(std::uint32_t glFormat, std::uint32_t glType) {

@@ -184,6 +184,18 @@ INSTANTIATE_TEST_SUITE_P(Gradient, Segments,
                                          SegmentCase{"unknown", 3, 0.25, -1}, SegmentCase{"nan", 1, kNaN, 0.25}),
                          [](const auto& test) { return test.param.name; });
 
+// More of them than a sort leaves in their order by chance.
+TEST(GradientEvaluation, TheLastOfManySamplesAtOnePositionCounts) {
+  VRTChannelGradientAlphaFolder folder;
+  folder.addSample(0, 0.9, 0.5, 1);
+  for (int i = 1; i <= 300; ++i) folder.addSample(i, i % 3 * 0.25, 0.5, 1);
+  VRTGradientLookup lookup;
+  folder.getLookup(0.0, lookup);
+  ASSERT_EQ(lookup.size(), 4u);
+  const double last[] = {300, 298, 299, 0};
+  for (std::size_t i = 0; i < 4; ++i) EXPECT_EQ(lookup.begin()[i].sample.alpha, last[i]);
+}
+
 TEST(GradientEvaluation, WhatIsLeftUnwrittenReadsZeroInATable) {
   VRTChannelGradient gradient;
   Pair::clear(gradient.rgbFolder);

@@ -33,10 +33,10 @@ TEST(BlendModes, FollowTheirFormulas) {
       const Bitmap background = randomImage(layout, 255, 64, Noise::Premultiplied, 31);
       const Bitmap foreground = randomImage(layout, 255, 64, Noise::Premultiplied, 32);
       const ConstBitmap out = blended(mode, background, foreground);
-      for (std::size_t i = 0; i < 255 * 64; ++i) {
-        const Values b = pixelAt(*background, layout, i % 255, i / 255);
-        const Values f = pixelAt(*foreground, layout, i % 255, i / 255);
-        const Values got = pixelAt(*out, layout, i % 255, i / 255);
+      const auto under = pixelsOf(*background, layout), above = pixelsOf(*foreground, layout);
+      const auto results = pixelsOf(*out, layout);
+      for (std::size_t i = 0; i < results.size(); ++i) {
+        const Values &b = under[i], &f = above[i], &got = results[i];
         for (int c = 0; c < 4; ++c) {
           const double full = layout.full;
           const double exact = formula(b[c] / full, f[c] / full, b[3] / full, f[3] / full) * full;
@@ -55,12 +55,10 @@ TEST(BlendModes, CoveringAndEmptyForegroundsAreExact) {
   for (const Layout& layout : layouts) {
     const Bitmap background = randomImage(layout, 50, 9, Noise::Premultiplied, 33);
     const Bitmap empty = makeImage(layout, 50, 9);
-    EXPECT_EQ(pixelBytes(*blended("Over", background, empty)), pixelBytes(*background)) << layout.name;
-    EXPECT_EQ(pixelBytes(*blended("Multiply", background, empty)), pixelBytes(*background)) << layout.name;
-    const Bitmap white = makeImage(layout, 50, 9);
-    for (std::size_t i = 0; i < 50 * 9; ++i) {
-      setPixel(*white, layout, i % 50, i / 50, {layout.full, layout.full, layout.full, layout.full});
+    for (const char* mode : {"Over", "Multiply"}) {
+      EXPECT_EQ(pixelBytes(*blended(mode, background, empty)), pixelBytes(*background)) << mode << " " << layout.name;
     }
+    const Bitmap white = makeImage(layout, 50, 9, {layout.full, layout.full, layout.full, layout.full});
     EXPECT_EQ(pixelBytes(*blended("Over", background, white)), pixelBytes(*white)) << layout.name;
     const Bitmap opaque = randomImage(layout, 50, 9, Noise::Premultiplied, 34);
     opaque->setConstantAlpha(1);

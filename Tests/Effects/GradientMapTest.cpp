@@ -50,9 +50,9 @@ TEST(GradientMap, TakesTheEightBitTableAtTheLuma) {
   for (const Layout& layout : {layouts[0], layouts[1]}) {
     const Bitmap image = randomImage(layout, 128, 128, Noise::Premultiplied, 21);
     const ConstBitmap out = mapped(image, threeColors);
-    for (std::size_t i = 0; i < 128 * 128; ++i) {
-      const Values in = pixelAt(*image, layout, i % 128, i / 128);
-      const Values got = pixelAt(*out, layout, i % 128, i / 128);
+    const auto before = pixelsOf(*image, layout), after = pixelsOf(*out, layout);
+    for (std::size_t i = 0; i < before.size(); ++i) {
+      const Values &in = before[i], &got = after[i];
       if (in[3] == 0) {
         ASSERT_EQ(got, (Values{0, 0, 0, 0}));
         continue;
@@ -75,9 +75,9 @@ TEST(GradientMap, AboveEightBitsFollowsTheGradientItself) {
     const ConstBitmap out = mapped(image, threeColors);
     // 16 bits: the luma's rounding moves a color by one step, the roundings of color and alpha by one more.
     const double tolerance = layout.code == 9 ? 4e-5 : 3;
-    for (std::size_t i = 0; i < 97 * 41; ++i) {
-      const Values in = pixelAt(*image, layout, i % 97, i / 97);
-      const Values got = pixelAt(*out, layout, i % 97, i / 97);
+    const auto before = pixelsOf(*image, layout), after = pixelsOf(*out, layout);
+    for (std::size_t i = 0; i < before.size(); ++i) {
+      const Values &in = before[i], &got = after[i];
       const Values want =
           in[3] == 0 ? Values{0, 0, 0, 0} : laid(layout, threeColorsAt(straightLuma(in), layout.full), in[3]);
       for (int c = 0; c < 4; ++c) ASSERT_NEAR(got[c], want[c], tolerance) << layout.name << " pixel " << i;
@@ -103,8 +103,7 @@ TEST(GradientMap, FloatsOutsideTheRangeTakeTheEnds) {
   const bool last[] = {false, false, true, true, true, false, false};
   const PropertyList gradient = linearGradient({{0, 0.25, 0.25, 0.25}, {1, 0.75, 0.75, 0.75}}, {{0, 1}});
   for (std::size_t i = 0; i < std::size(values); ++i) {
-    const Bitmap image = makeImage(layout, 1, 1);
-    setPixel(*image, layout, 0, 0, {values[i], values[i], values[i], 1});
+    const Bitmap image = makeImage(layout, 1, 1, {values[i], values[i], values[i], 1});
     EXPECT_NEAR(pixelAt(*mapped(image, gradient), layout, 0, 0)[0], last[i] ? 0.75 : 0.25, 1e-6) << values[i];
   }
 }

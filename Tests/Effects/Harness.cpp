@@ -64,9 +64,20 @@ void setPixel(VortoBitmap& bitmap, const Layout& layout, std::size_t x, std::siz
   }
 }
 
-Bitmap makeImage(const Layout& layout, std::uint32_t width, std::uint32_t height) {
+std::vector<Values> pixelsOf(const VortoBitmap& bitmap, const Layout& layout) {
+  std::vector<Values> pixels;
+  for (std::size_t i = 0; i < std::size_t{bitmap.width} * bitmap.height; ++i) {
+    pixels.push_back(pixelAt(bitmap, layout, i % bitmap.width, i / bitmap.width));
+  }
+  return pixels;
+}
+
+Bitmap makeImage(const Layout& layout, std::uint32_t width, std::uint32_t height, const Values& everywhere) {
   Bitmap bitmap(TCCreateBitmap(width, height, layout.code));
   EXPECT_TRUE(bitmap && bitmap->data);
+  for (std::size_t i = 0; i < std::size_t{width} * height; ++i) {
+    setPixel(*bitmap, layout, i % width, i / width, everywhere);
+  }
   return bitmap;
 }
 

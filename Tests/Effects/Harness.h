@@ -34,7 +34,9 @@ using Values = std::array<double, 4>;
 Values pixelAt(const VortoBitmap& bitmap, const Layout& layout, std::size_t x, std::size_t y);
 void setPixel(VortoBitmap& bitmap, const Layout& layout, std::size_t x, std::size_t y, const Values& values);
 
-Bitmap makeImage(const Layout& layout, std::uint32_t width, std::uint32_t height);
+std::vector<Values> pixelsOf(const VortoBitmap& bitmap, const Layout& layout);  // row by row
+
+Bitmap makeImage(const Layout& layout, std::uint32_t width, std::uint32_t height, const Values& everywhere = {});
 enum class Noise {
   Premultiplied,  // every kind of alpha, many of them 0 and 1.0; colors up to alpha
   Anything,       // any value in any channel; floats also negative, huge, infinite and NaN

@@ -1,15 +1,25 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "TarnCore/TCBitmap.h"
+#include "TarnCore/TCBitmapSharing.h"
 #include "TarnCore/TCPixel.h"
 
 #include "Platform/Mach/mach.h"
 #include "Platform/Sanitizer.h"
+#include "Tests/Support/ChildProcess.h"
+#include "Tests/TarnCore/PixelOracle.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstring>
+#include <filesystem>
+#include <iterator>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -32,23 +42,19 @@ void fill(VortoBitmap& bitmap, int seed) {
 }
 
 TEST(Bitmap, FactoryMakesNineFormats) {
-  const struct {
-    std::uint32_t code, bits, channels;
-  } formats[] = {{0, 8, 4},  {1, 8, 4},  {2, 8, 2},  {4, 16, 4}, {5, 16, 3},
-                 {6, 16, 2}, {7, 16, 1}, {8, 16, 4}, {9, 32, 4}};
-  for (const auto& format : formats) {
-    const Bitmap bitmap = made(3, 2, format.code);
-    ASSERT_NE(bitmap, nullptr);
-    EXPECT_EQ(bitmap->bitsPerChannel, format.bits);
-    EXPECT_EQ(bitmap->channels, format.channels);
-    EXPECT_EQ(bitmap->formatCode, format.code);
+  for (std::uint32_t code = 0; code < 12; ++code) {
+    const Bitmap bitmap = made(3, 2, code);
+    ASSERT_EQ(bitmap == nullptr, code == 3 || code > 9) << code;
+    if (!bitmap) continue;
+    const oracle::Layout layout = oracle::layoutOf(code);
+    EXPECT_EQ(bitmap->bitsPerChannel, 8 * oracle::bytesOf(layout.number));
+    EXPECT_EQ(bitmap->channels, static_cast<std::uint32_t>(layout.channels));
+    EXPECT_EQ(bitmap->getSize(), 6 * layout.pixelBytes());
+    EXPECT_EQ(bitmap->formatCode, code);
     EXPECT_EQ(bitmap->imageTag, 9u);
-    EXPECT_NE(bitmap->data, nullptr);
-    EXPECT_NE(bitmap->memoryEntry, 0u);
-    EXPECT_EQ(bitmap->getSize(), 6 * format.bits / 8 * format.channels);
+    EXPECT_TRUE(bitmap->data && bitmap->memoryEntry);
   }
   EXPECT_NE(dynamic_cast<VortoBitmapRGB16*>(made(1, 1, 5).get()), nullptr);
-  for (const std::uint32_t code : {3u, 10u, 0xFFFFFFFFu}) EXPECT_EQ(made(1, 1, code), nullptr);
 }
 
 TEST(Bitmap, ReservesTheStatedSizes) {
@@ -94,16 +100,13 @@ TEST(Bitmap, EmptyOneDoesNothing) {
 TEST(Bitmap, SetDataCopiesRowsWithTheirPaddingOrTheSize) {
   std::vector<std::uint8_t> source(10000);
   for (std::size_t i = 0; i < source.size(); ++i) source[i] = static_cast<std::uint8_t>(i * 13 + 1);
-  VortoBitmap plain(5, 3, 8, 4, 0, 0);
-  openSlack(plain);
-  plain.setData(source.data());
-  EXPECT_EQ(std::memcmp(plain.data, source.data(), 60), 0);
-  EXPECT_EQ(plain.data[60], 0);
-  VortoBitmap padded(5, 3, 8, 4, 0, 7);
-  openSlack(padded);
-  padded.setData(source.data());
-  EXPECT_EQ(std::memcmp(padded.data, source.data(), 81), 0);
-  EXPECT_EQ(padded.data[81], 0);
+  for (const auto& [padding, size] : {std::pair{0u, 60u}, {7u, 81u}}) {
+    VortoBitmap bitmap(5, 3, 8, 4, 0, padding);
+    openSlack(bitmap);
+    bitmap.setData(source.data());
+    EXPECT_EQ(std::memcmp(bitmap.data, source.data(), size), 0);
+    EXPECT_EQ(bitmap.data[size], 0);
+  }
 }
 
 TEST(Bitmap, CopiesHaveMemoryOfTheirOwn) {
@@ -205,6 +208,166 @@ TEST(Bitmap, ConvertsOddPixelCountsByTheirSteps) {
   yuv->copy(*argb);
   EXPECT_NE(yuv->data[1], 1);
   EXPECT_EQ(yuv->data[5], 1) << "a pixel without a partner is dropped";
+}
+
+std::ptrdiff_t openDescriptors() {
+  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), std::filesystem::directory_iterator());
+}
+
+TEST(BitmapMemory, TenThousandBitmapsNeedNoDescriptors) {
+  rlimit limit;
+  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
+  limit.rlim_cur = 1024;
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
+  const auto before = openDescriptors();
+  std::vector<Bitmap> bitmaps;
+  for (int i = 0; i < 10000; ++i) {
+    bitmaps.emplace_back(TCCreateBitmap(16, 16, 0));
+    ASSERT_NE(bitmaps.back()->data, nullptr) << i;
+    std::memset(bitmaps.back()->data, i, 1024);
+  }
+  EXPECT_EQ(openDescriptors(), before);
+  for (int i = 0; i < 10000; ++i) ASSERT_EQ(bitmaps[i]->data[1023], static_cast<std::uint8_t>(i));
+  bitmaps.clear();
+  EXPECT_EQ(openDescriptors(), before);
+}
+
+TEST(BitmapMemory, IsMappedAgainWithItsPixels) {
+  const Bitmap bitmap(TCCreateBitmap(100, 100, 9));
+  std::memset(bitmap->data, 77, bitmap->getSize());
+  std::uint8_t* const address = bitmap->data;
+  bitmap->mapIntoMemory();
+  EXPECT_EQ(bitmap->data, address) << "it was there already";
+  bitmap->unmapFromMemory();
+  EXPECT_EQ(bitmap->data, nullptr);
+  EXPECT_NE(bitmap->memoryEntry, 0u);
+  bitmap->mapIntoMemory();
+  ASSERT_NE(bitmap->data, nullptr);
+  EXPECT_EQ(bitmap->data[bitmap->getSize() - 1], 77);
+}
+
+int callbackCalls = 0;
+unsigned callbackSize = 0;
+bool countCall(unsigned size) {
+  ++callbackCalls;
+  callbackSize = size;
+  return true;
+}
+
+// In a process of its own: leaves so little address space that a bitmap does not fit. Returns what went wrong, 0 for
+// nothing.
+int failToAllocate() {
+  const rlimit limit{64 << 20, 64 << 20};
+  setrlimit(RLIMIT_AS, &limit);
+  VortoBitmap::setGuaranteeMemoryCallback(countCall);
+  VortoBitmap bitmap(8000, 8000, 8, 4, 0, 0);
+  if (bitmap.data || bitmap.memoryEntry != 0) return 1;
+  if (callbackCalls != 1 || callbackSize != bitmap.allocSize) return 2;
+  if (bitmap.allocSize != (8000u * 8000 * 4 + 1024 + 32767) / 32768 * 32768 + 4096) return 3;
+  VortoBitmap::setGuaranteeMemoryCallback(nullptr);
+  const VortoBitmap copied(bitmap);
+  if (copied.data || callbackCalls != 1) return 4;
+  bitmap.setData("");
+  bitmap.copy(copied);
+  bitmap.clear();
+  return 0;
+}
+
+TEST(BitmapMemory, FailingAllocationCallsBackOnceReportsAndLeavesAnEmptyBitmap) {
+  if (hasAddressSanitizer) GTEST_SKIP() << "no limit of address space under the address sanitizer";
+  const ChildResult child = RunInChild([] {
+    dup2(STDOUT_FILENO, STDERR_FILENO);
+    return failToAllocate();
+  });
+  EXPECT_TRUE(child.exitedWith(0));
+  const std::string line = "could not allocate vm of size 256020480 because 3\n";
+  EXPECT_EQ(child.output, line + line);
+}
+
+TEST(BitmapMemory, ReportsWhatItCannotMapOrGiveBack) {
+  VortoBitmap bitmap;
+  bitmap.allocSize = 4096;
+  bitmap.memoryEntry = 0x7ABCDEF0;
+  testing::internal::CaptureStderr();
+  bitmap.mapIntoMemory();
+  EXPECT_EQ(bitmap.data, nullptr);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "Could not map 7ABCDEF0 because 29\n");
+  testing::internal::CaptureStderr();
+  bitmap.deallocateMemory();
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "could not deallocate port 7ABCDEF0 because 15\n");
+  EXPECT_EQ(bitmap.memoryEntry, 0u);
+
+  std::uint8_t byte = 0;
+  bitmap.data = &byte;  // not the start of a page
+  bitmap.allocSize = 0;
+  testing::internal::CaptureStderr();
+  bitmap.unmapFromMemory();
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "Could not unmap: Invalid argument\n");
+  EXPECT_EQ(bitmap.data, &byte);
+  bitmap.data = nullptr;
+}
+
+class Sockets {
+ public:
+  Sockets() { EXPECT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends), 0); }
+  ~Sockets() {
+    close(ends[0]);
+    close(ends[1]);
+  }
+  int ends[2];
+};
+
+// The other process: every pixel arrives, and is changed.
+int receiveAndChange(int socket) {
+  int result = -1;
+  const Bitmap bitmap(TCReceiveBitmap(socket, &result));
+  if (!bitmap || result != 0) return 1;
+  if (bitmap->width != 640 || bitmap->height != 480 || bitmap->formatCode != 4 || bitmap->imageTag != 9) return 2;
+  for (std::uint32_t i = 0; i < bitmap->getSize(); ++i) {
+    if (bitmap->data[i] != static_cast<std::uint8_t>(i * 3)) return 3;
+  }
+  std::memset(bitmap->data, 0xEE, bitmap->getSize());
+  return 0;
+}
+
+TEST(BitmapSharing, AnotherProcessReadsAndChangesThePixels) {
+  Sockets sockets;
+  const Bitmap bitmap(TCCreateBitmap(640, 480, 4));
+  for (std::uint32_t i = 0; i < bitmap->getSize(); ++i) bitmap->data[i] = static_cast<std::uint8_t>(i * 3);
+  std::uint8_t* const address = bitmap->data;
+  const pid_t child = fork();
+  if (child == 0) _exit(receiveAndChange(sockets.ends[1]));
+  ASSERT_EQ(TCSendBitmap(*bitmap, sockets.ends[0]), 0);
+  int status = -1;
+  waitpid(child, &status, 0);
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(bitmap->data, address);
+  for (std::uint32_t i = 0; i < bitmap->getSize(); ++i) ASSERT_EQ(bitmap->data[i], 0xEE);
+}
+
+TEST(BitmapSharing, RefusesDescriptorsThatDoNotFitTheMemory) {
+  const Bitmap good(TCCreateBitmap(64, 64, 0));
+  struct Lie {
+    std::uint32_t& field;
+    std::uint32_t value;
+  };
+  VortoBitmap& b = *good;
+  const Lie lies[] = {{b.formatCode, 3},      {b.formatCode, 10},     {b.formatCode, 9},      {b.allocSize, 0},
+                      {b.allocSize, 1 << 20}, {b.width, 0x40000040},  {b.height, 100},        {b.height, 0xFFFFFFFF},
+                      {b.channels, 3},        {b.bitsPerChannel, 16}, {b.rowPadding, 1 << 30}};
+  for (const Lie& lie : lies) {
+    Sockets sockets;
+    const auto before = openDescriptors();
+    const std::uint32_t truth = std::exchange(lie.field, lie.value);
+    ASSERT_EQ(TCSendBitmap(*good, sockets.ends[0]), 0);
+    lie.field = truth;
+    int result = 0;
+    EXPECT_EQ(Bitmap(TCReceiveBitmap(sockets.ends[1], &result)), nullptr);
+    EXPECT_EQ(result, KERN_INVALID_VALUE) << lie.value;
+    EXPECT_LE(openDescriptors(), before + 1) << "the entry's own";
+  }
+  Sockets sockets;
+  EXPECT_EQ(TCSendBitmap(VortoBitmap(), sockets.ends[0]), KERN_INVALID_NAME);
 }
 
 }  // namespace

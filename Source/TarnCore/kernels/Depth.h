@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include "TarnCore/TCPixelLayout.h"
 #include "TarnCore/kernels/Scale.h"
 
 #include <cstddef>
@@ -10,19 +11,15 @@
 namespace vorto::kernels {
 
 // The layouts that a conversion reads, and those of them that it writes.
-enum class DepthLayout { RGBA8, ARGB8, RGBA16, RGBAHalf, RGBAFloat };
+enum class DepthLayout : VortoPixelFormat::Code {
+  RGBA8 = VortoPixelFormat::RGBA8,
+  ARGB8 = VortoPixelFormat::ARGB8,
+  RGBA16 = VortoPixelFormat::RGBA16,
+  RGBAHalf = VortoPixelFormat::RGBAHalfFloat,
+  RGBAFloat = VortoPixelFormat::RGBAFloat,
+};
 constexpr std::size_t depthPixelBytes(DepthLayout layout) {
-  switch (layout) {
-    case DepthLayout::RGBA8:
-    case DepthLayout::ARGB8:
-      return 4;
-    case DepthLayout::RGBA16:
-    case DepthLayout::RGBAHalf:
-      return 8;
-    case DepthLayout::RGBAFloat:
-      return 16;
-  }
-  return 4;
+  return TCPixelLayoutOf(static_cast<VortoPixelFormat::Code>(layout)).bytesPerPixel();
 }
 
 // `count` consecutive pixels: every channel through its value as a float. `to` is ARGB8, RGBA16 or RGBAFloat. The two

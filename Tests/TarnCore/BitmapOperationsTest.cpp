@@ -1,0 +1,497 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "TarnCore/TCBitmap.h"
+#include "TarnCore/TCBitmapScaling.h"
+#include "TarnCore/TCColor.h"
+#include "TarnCore/TCPixel.h"
+#include "Tests/TarnCore/PixelOracle.h"
+
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <functional>
+#include <random>
+#include <utility>
+
+// Whole-image operations through the bitmap: which layout each code gets, rows and padding, reports, and the ends of
+// the allocation. Bitmaps lie between two pages that nobody may touch.
+
+namespace {
+
+using oracle::Bytes;
+using oracle::From;
+using oracle::layoutOf;
+using oracle::randomBytes;
+using oracle::To;
+
+struct Size {
+  std::uint32_t width, height, padding = 0;
+};
+
+// A bitmap of one page that ends where the next page may not be touched.
+class PageBitmap : public VortoBitmap {
+ public:
+  static constexpr std::size_t kPage = 4096;
+
+  PageBitmap(Size size, std::uint32_t code, unsigned seed = 1) {
+    region_ = static_cast<std::uint8_t*>(mmap(nullptr, 3 * kPage, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+    mprotect(region_ + kPage, kPage, PROT_READ | PROT_WRITE);
+    data = region_ + kPage;
+    allocSize = kPage;
+    width = size.width;
+    height = size.height;
+    bitsPerChannel = static_cast<std::uint32_t>(8 * oracle::bytesOf(layoutOf(code).number));
+    channels = static_cast<std::uint32_t>(layoutOf(code).channels);
+    rowPadding = size.padding;
+    formatCode = code;
+    const Bytes content = randomBytes(kPage, seed);
+    std::copy(content.begin(), content.end(), data);
+  }
+  ~PageBitmap() override {
+    data = nullptr;
+    munmap(region_, 3 * kPage);
+  }
+  Bytes bytes() const { return Bytes(data, data + kPage); }
+  std::size_t pixel() const { return channels * bitsPerChannel / 8; }
+  std::size_t row() const { return width * pixel() + rowPadding; }
+
+ private:
+  std::uint8_t* region_;
+};
+
+constexpr oracle::Color kUnder = {0.25f, 0.5f, 0.75f};
+const VortoColor kBackground(0.25f, 0.5f, 0.75f, 1);
+
+struct InPlace {
+  const char* name;
+  void (*run)(VortoBitmap&);
+  const char* layouts;  // the format whose layout each code takes, by code from 0 to 10; '-' leaves the bitmap alone
+  bool inRows;          // of so many channels and bits with padding; else consecutive pixels of the layout
+  void (*pixel)(const oracle::Layout&, To);
+};
+
+const InPlace kInPlace[] = {
+    {"invertAlpha", [](VortoBitmap& b) { b.invertAlpha(); }, "01004060890", false, oracle::complementAlpha},
+    {"setConstantAlpha", [](VortoBitmap& b) { b.setConstantAlpha(0.5); }, "01004060890", false,
+     [](const auto& layout, To p) { oracle::setAlpha(layout, p, 0.5); }},
+    {"setConstantAlpha of more than 1", [](VortoBitmap& b) { b.setConstantAlpha(1.3); }, "01004060890", false,
+     [](const auto& layout, To p) { oracle::setAlpha(layout, p, 1.3); }},
+    {"duplicateAlphaToRGB", [](VortoBitmap& b) { b.duplicateAlphaToRGB(); }, "01004000890", false,
+     oracle::alphaIntoColors},
+    {"unpremultiply", [](VortoBitmap& b) { b.unpremultiply(kBackground); }, "01004000890", false,
+     [](const auto& layout, To p) { oracle::unpremultiply(layout, p, kUnder); }},
+    {"preMult", [](VortoBitmap& b) { b.preMult(); }, "01---------", true, oracle::premultiply},
+    {"unPreMult", [](VortoBitmap& b) { b.unPreMult(); }, "00000000000", true,
+     [](const auto&, To p) { oracle::unpremultiplyTruncated(p); }},
+    {"convertToARGB", [](VortoBitmap& b) { b.convertToARGB(); }, "0---4----9-", false,
+     [](const auto& layout, To p) { oracle::rotate(layout, p, true); }},
+    {"convertToRGBA", [](VortoBitmap& b) { b.convertToRGBA(); }, "-1--4----9-", false,
+     [](const auto& layout, To p) { oracle::rotate(layout, p, false); }},
+    {"doOutputConversion", [](VortoBitmap& b) { b.doOutputConversion(false, true, false, kBackground); }, "01004060890",
+     false, [](const auto& layout, To p) { oracle::setAlpha(layout, p, 1); }},
+    {"doOutputConversion to gray", [](VortoBitmap& b) { b.doOutputConversion(true, true, true, kBackground); },
+     "01004000890", false, oracle::alphaIntoColors},
+    {"doOutputConversion of nothing", [](VortoBitmap& b) { b.doOutputConversion(false, false, false, kBackground); },
+     "-----------", false, nullptr},
+    {"doOutputConversion unpremultiplied",
+     [](VortoBitmap& b) { b.doOutputConversion(true, false, false, kBackground); }, "01004000890", false,
+     [](const auto& layout, To p) { oracle::unpremultiply(layout, p, kUnder); }},
+};
+
+void expectInPlace(const InPlace& operation, const PageBitmap& bitmap, Bytes& expected) {
+  const char layoutCode = operation.layouts[bitmap.formatCode];
+  if (layoutCode == '-') return;
+  const oracle::Layout layout = layoutOf(static_cast<std::uint32_t>(layoutCode - '0'));
+  const std::size_t size = operation.inRows ? 4 : layout.pixelBytes();
+  const std::size_t step = operation.inRows ? bitmap.pixel() : size;
+  for (std::size_t y = 0; y < bitmap.height; ++y) {
+    for (std::size_t x = 0; x < bitmap.width; ++x) {
+      const std::size_t at = operation.inRows ? y * bitmap.row() + x * step : (y * bitmap.width + x) * step;
+      if (at + size <= expected.size()) operation.pixel(layout, expected.data() + at);
+    }
+  }
+}
+
+class BitmapInPlace : public testing::TestWithParam<std::uint32_t> {};
+
+// The last two sizes are larger than the page: what they do ends with it.
+TEST_P(BitmapInPlace, FollowsTheTable) {
+  for (const Size& size : {Size{5, 3}, {16, 4}, {7, 4, 3}, {1, 1}, {0, 5}, {70, 60}, {33, 90, 5}}) {
+    for (const InPlace& operation : kInPlace) {
+      PageBitmap bitmap(size, GetParam());
+      bitmap.data[0] = 0;
+      Bytes expected = bitmap.bytes();
+      expectInPlace(operation, bitmap, expected);
+      operation.run(bitmap);
+      EXPECT_TRUE(oracle::areSame(layoutOf(GetParam()).number, expected, bitmap.bytes()))
+          << operation.name << " of " << size.width << " x " << size.height;
+    }
+    PageBitmap bitmap(size, GetParam());
+    const Bytes before = bitmap.bytes();
+    Bytes expected = before;
+    for (std::size_t i = 0; i < bitmap.row() * size.height && i < before.size(); ++i) {
+      const std::size_t from = (size.height - 1 - i / bitmap.row()) * bitmap.row() + i % bitmap.row();
+      if (from < before.size()) expected[i] = before[from];
+    }
+    bitmap.flip();
+    EXPECT_TRUE(expected == bitmap.bytes()) << "flip of " << size.width << " x " << size.height;
+  }
+}
+
+TEST_P(BitmapInPlace, OnlyEightBitReorderingChangesTheCode) {
+  PageBitmap bitmap({4, 4}, GetParam());
+  bitmap.convertToARGB();
+  EXPECT_EQ(bitmap.formatCode, GetParam() == 0 ? 1 : GetParam());
+  bitmap.formatCode = GetParam();
+  bitmap.convertToRGBA();
+  EXPECT_EQ(bitmap.formatCode, GetParam() == 1 ? 0 : GetParam());
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryCode, BitmapInPlace, testing::Range(0u, 11u));
+
+// What a copy makes of the destination's bytes, on bitmaps that lie in separate pages or are one.
+struct Copy {
+  const char* name;
+  void (*run)(VortoBitmap& to, const VortoBitmap& from);
+  bool mirrored;
+  void (*pixel)(To, From);  // of the first four bytes of each pixel; null where whole rows go with their padding
+  std::vector<std::uint32_t> codes;
+};
+
+template <bool alphaFirst>
+void swizzlePixel(To to, From from) {
+  Bytes pixel(from, from + 4);
+  oracle::rotate(layoutOf(oracle::kRGBA8), pixel.data(), alphaFirst);
+  std::copy(pixel.begin(), pixel.end(), to);
+}
+void straightPixel(To to, From from) {
+  oracle::unpremultiplyTruncated(to, from, kUnder);
+}
+
+using V = VortoBitmap;
+const Copy kCopies[] = {
+    {"copyWithFlip", [](V& to, const V& from) { to.copyWithFlip(from); }, true, nullptr, {0, 1, 2, 4, 5, 6, 7, 8, 9}},
+    {"copyWithFlipAndSwizzleARGBtoRGBA",
+     [](V& to, const V& from) { to.copyWithFlipAndSwizzleARGBtoRGBA(from); },
+     true,
+     swizzlePixel<false>,
+     {0, 1}},
+    {"copyWithSwizzleARGBToRGBA",
+     [](V& to, const V& from) { to.copyWithSwizzleARGBToRGBA(from); },
+     false,
+     swizzlePixel<false>,
+     {0, 1, 4, 5, 9}},
+    {"copyWithSwizzleRGBToARGB",
+     [](V& to, const V& from) { to.copyWithSwizzleRGBToARGB(from); },
+     false,
+     swizzlePixel<true>,
+     {0, 1, 4, 5, 9}},
+    {"copyWithUnPreMult",
+     [](V& to, const V& from) { to.copyWithUnPreMult(from, kBackground); },
+     false,
+     straightPixel,
+     {0, 1, 4, 5, 9}},
+    {"copyWithOutputConversion",
+     [](V& to, const V& from) { to.copyWithOutputConversion(from, true, false, false, kBackground); },
+     false,
+     straightPixel,
+     {0, 1, 9}},
+};
+
+void expectCopy(const Copy& copy, const PageBitmap& to, const PageBitmap& from, const Bytes& in, Bytes& expected) {
+  const std::size_t size = copy.pixel ? 4 : 1;
+  const std::size_t step = copy.pixel ? from.pixel() : 1;
+  for (std::size_t y = 0; y < from.height; ++y) {
+    const std::size_t line = (copy.mirrored ? from.height - 1 - y : y) * from.row();
+    for (std::size_t x = 0; copy.pixel ? x < from.width * step : x < from.row(); x += step) {
+      if (y * to.row() + x + size > expected.size() || line + x + size > in.size()) continue;
+      if (copy.pixel) {
+        copy.pixel(&expected[y * to.row() + x], &in[line + x]);
+      } else {
+        expected[y * to.row() + x] = in[line + x];
+      }
+    }
+  }
+}
+
+TEST(BitmapCopies, FollowTheTable) {
+  for (const Copy& copy : kCopies) {
+    for (const std::uint32_t code : copy.codes) {
+      for (const Size& size :
+           {Size{16, 1, 4}, {9, 2}, {7, 4, 5}, {20, 60, 4}, {70, 70}}) {  // the last two exceed the page
+        PageBitmap from(size, code);
+        from.data[0] = 0;
+        const Size shape = {size.width, size.height, copy.mirrored ? size.padding : 2 * size.padding};
+        PageBitmap to(shape, code, 2);
+        const Bytes in = from.bytes();
+        Bytes expected = to.bytes();
+        expectCopy(copy, to, from, in, expected);
+        copy.run(to, from);
+        EXPECT_TRUE(to.bytes() == expected)
+            << copy.name << " of " << code << ", " << size.width << " x " << size.height;
+        EXPECT_TRUE(from.bytes() == in);
+      }
+    }
+  }
+}
+
+// Rows follow one another, so the upper half becomes the lower one, which then finds itself.
+TEST(BitmapCopies, FlippingItself) {
+  PageBitmap bitmap({8, 5}, 0);
+  Bytes expected = bitmap.bytes();
+  for (std::size_t i = 0; i < 64; ++i) expected[i] = expected[(4 - i / 32) * 32 + i % 32];
+  bitmap.copyWithFlip(bitmap);
+  EXPECT_EQ(bitmap.bytes(), expected);
+}
+
+TEST(BitmapCopies, FlippingConversion) {
+  for (const std::uint32_t width : {1u, 5u, 16u}) {
+    PageBitmap from({width, 6, 2}, 2);
+    PageBitmap to({width, 6, 4}, 1, 2);
+    Bytes expected = to.bytes();
+    for (std::size_t row = 0; row < 6; ++row) {
+      for (std::size_t i = 0; i < from.row(); i += 4) {
+        oracle::pairToARGB(&expected[row * to.row() + 2 * i], from.data + (5 - row) * from.row() + i);
+      }
+    }
+    to.copyWithFlip(from);
+    EXPECT_EQ(to.bytes(), expected) << width;
+  }
+}
+
+TEST(BitmapCopies, CroppingCopiesWhatBothHave) {
+  constexpr int most = 2147483647;
+  for (const std::uint32_t code : {0u, 4u, 7u}) {
+    for (const bool flip : {false, true}) {
+      for (const auto& [x, y] :
+           {std::pair{0, 0}, {3, 2}, {-4, -3}, {0, -1}, {5, 1000}, {-2000000000, 7}, {most, -most - 1}}) {
+        PageBitmap from({17, 9, 6}, code);
+        PageBitmap to({11, 6}, code, 2);
+        const Bytes in = from.bytes();
+        Bytes expected = to.bytes();
+        for (std::size_t i = 0; i < to.row() * 6; ++i) {
+          const auto row = static_cast<std::int64_t>(i / to.row());
+          const std::int64_t begin = (y + (flip ? 5 - row : row)) * static_cast<std::int64_t>(from.row()) +
+                                     x * static_cast<std::int64_t>(from.pixel()) +
+                                     static_cast<std::int64_t>(i % to.row());
+          if (begin >= 0 && begin < 4096) expected[i] = in[static_cast<std::size_t>(begin)];
+        }
+        to.copyWithCropping(from, x, y, flip);
+        EXPECT_EQ(to.bytes(), expected) << code << " at " << x << ", " << y;
+      }
+    }
+  }
+}
+
+TEST(BitmapCopies, CroppedChromaLags) {
+  for (const std::uint32_t code : {1u, 4u}) {  // four and eight bytes a pixel
+    for (const std::size_t x : {0, 1, 2, 5}) {
+      PageBitmap from({80, 6}, 2);
+      PageBitmap to({70, 3}, code, 2);
+      Bytes expected = to.bytes();
+      for (std::size_t row = 0; row < 3; ++row) {
+        oracle::laggingRow(&expected[row * to.row()], to.pixel(), from.data + (4 - row) * from.row() + 2 * x,
+                           x % 2 == 1, 70);
+      }
+      to.copyWithCropping(from, static_cast<int>(x), 2, true);
+      EXPECT_EQ(to.bytes(), expected) << code << " from column " << x;
+    }
+  }
+}
+
+// One bitmap from the other in all ways that do not abort.
+void runAll(VortoBitmap& to, VortoBitmap& from, int x, int y, bool flip) {
+  to.copyWithCropping(from, x, y, flip);
+  for (const Copy& copy : kCopies) {
+    if (!copy.mirrored) copy.run(to, from);
+  }
+  VortoBitmap::convertYUVtoRGBA(&to, &from);
+  VortoBitmap::convertRGBAtoYUV(&to, &from);
+  for (const InPlace& operation : kInPlace) operation.run(to);
+  to.flip();
+}
+
+// Wherever the rectangle lies, and whatever the descriptors say, the pages around stay untouched.
+TEST(BitmapCopies, NothingLeavesTheAllocation) {
+  const std::uint32_t sizes[] = {0, 1, 3, 64, 1000, 65536, 0x40000001, 0xFFFFFFFF};
+  const int places[] = {0, 1, -1, -70, 2047, 2048, 1000000, 2147483647, -2147483647 - 1};
+  std::mt19937 random(5);
+  const auto pick = [&](const auto& values) { return values[random() % std::size(values)]; };
+  const auto shape = [&] {
+    return Size{pick(sizes), pick(sizes), random() % 3 ? 0 : static_cast<std::uint32_t>(random() % 9)};
+  };
+  for (int round = 0; round < 3000; ++round) {
+    PageBitmap a(shape(), random() % 11);
+    PageBitmap b(shape(), random() % 11, 2);
+    if (random() % 4 == 0) a.channels = pick(sizes);
+    if (random() % 4 == 0) b.bitsPerChannel = pick(sizes);
+    runAll(a, b, pick(places), pick(places), random() % 2);
+    a.channels = b.channels;
+    a.bitsPerChannel = b.bitsPerChannel;
+    a.width = b.width;
+    a.rowPadding = b.rowPadding;
+    a.copyWithFlip(b);
+    a.copyWithFlipAndSwizzleARGBtoRGBA(b);
+  }
+}
+
+TEST(BitmapCopies, WithoutMemoryNothingHappens) {
+  VortoBitmap empty;
+  PageBitmap other({4, 4}, 1);
+  const Bytes before = other.bytes();
+  for (std::uint32_t code = 0; code < 11; ++code) {
+    empty.formatCode = code;
+    empty.width = empty.height = empty.channels = 4;
+    empty.bitsPerChannel = 8;
+    empty.allocSize = 4096;  // as after a failed allocation
+    runAll(empty, other, 0, 0, false);
+    EXPECT_EQ(empty.formatCode, code);
+    other.copyWithCropping(empty, 0, 0, false);
+    for (const Copy& copy : kCopies) copy.run(other, empty);
+    for (VortoBitmap* to : {&empty, static_cast<VortoBitmap*>(&other)}) {
+      VortoBitmap& from = to == &empty ? static_cast<VortoBitmap&>(other) : empty;
+      to->copyWithScaling(from);
+      to->copyWithScalingAndDepthConversion(from);
+      for (const Copy& copy : kCopies) copy.run(*to, from);
+    }
+  }
+  EXPECT_EQ(other.bytes(), before);
+}
+
+TEST(BitmapCopiesDeathTest, MismatchedRowsAndFormatsAreReported) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  PageBitmap narrow({4, 4}, 0);
+  PageBitmap wide({5, 4}, 0);
+  PageBitmap yuv({4, 4}, 2);
+  // The report goes to standard output; the sink turns it to where it can be matched.
+  const auto reported = [](auto run) {
+    dup2(2, 1);
+    run();
+  };
+  const char* const report = "File TarnCore/TCBitmap, line [0-9]+ should not have been reached";
+  EXPECT_DEATH(reported([&] { narrow.copyWithFlip(wide); }), report);
+  EXPECT_DEATH(reported([&] { narrow.copyWithFlip(yuv); }), report);
+  EXPECT_DEATH(reported([&] { yuv.copyWithFlip(narrow); }), report);
+  EXPECT_DEATH(reported([&] { narrow.copyWithFlipAndSwizzleARGBtoRGBA(wide); }), report);
+}
+
+// What scaling by nearest neighbours makes, each pixel by convert.
+template <class Convert>
+Bytes scaled(const PageBitmap& to, std::size_t written, const PageBitmap& from, std::size_t read, Convert convert) {
+  Bytes expected = to.bytes();
+  for (std::size_t i = 0; i < std::size_t{to.width} * to.height; ++i) {
+    const std::uint64_t row = oracle::sourceIndex(i / to.width, to.height, from.height);
+    convert(&expected[i * written],
+            from.data + (row * from.width + oracle::sourceIndex(i % to.width, to.width, from.width)) * read);
+  }
+  return expected;
+}
+
+constexpr Size kScales[] = {{6, 4}, {3, 2}, {24, 9}, {4, 1}};
+
+TEST(BitmapScaling, TakesPixelsInTheDestinationsLayoutAndConvertsThemByBothCodes) {
+  for (const Size& size : kScales) {
+    for (std::uint32_t code = 0; code < 11; ++code) {  // 3 and 10 count as RGBA8
+      PageBitmap to(size, code, 2);
+      PageBitmap from({6, 4}, code == 2 ? 7 : code);  // 4:2:2 is none of the scaler's
+      const std::size_t step = to.pixel();
+      const Bytes expected = scaled(to, step, from, step, [&](To o, From i) { std::copy_n(i, step, o); });
+      to.copyWithScaling(from);
+      EXPECT_EQ(to.bytes(), expected) << code << " to " << size.width;
+    }
+    for (std::uint32_t to = 0; to < 11; ++to) {
+      for (const std::uint32_t from : {0u, 1u, 4u, 6u, 8u, 9u, 10u}) {
+        PageBitmap destination(size, to, 2);
+        PageBitmap source({6, 4}, from);
+        const oracle::Layout in = layoutOf(from == 6 ? 0 : from);  // LuminanceAlpha16 counts as RGBA8
+        Bytes expected = destination.bytes();
+        if (to == 1 || to == 4 || to == 9) {
+          expected = scaled(destination, layoutOf(to).pixelBytes(), source, in.pixelBytes(),
+                            [&](To o, From i) { oracle::convert(layoutOf(to), o, in, i); });
+        }
+        destination.copyWithScalingAndDepthConversion(source);
+        EXPECT_TRUE(oracle::areSame(layoutOf(to).number, destination.bytes(), expected)) << to << " from " << from;
+      }
+    }
+  }
+}
+
+TEST(BitmapScaling, ChromaIsTurnedIntoColorsFirst) {
+  PageBitmap from({8, 4}, 2);
+  PageBitmap argb({8, 4}, 1);
+  for (std::size_t i = 0; i < 16; ++i) oracle::pairToARGB(argb.data + 8 * i, from.data + 4 * i);
+  for (const std::uint32_t code : {1u, 2u}) {  // the latter takes the colors' first bytes
+    PageBitmap to({4, 2}, code, 3);
+    const std::size_t step = to.pixel();
+    const Bytes expected = scaled(to, step, argb, step, [&](To o, From i) { std::copy_n(i, step, o); });
+    to.copyWithScaling(from);
+    EXPECT_EQ(to.bytes(), expected) << code;
+  }
+  PageBitmap deep({4, 2}, 9, 3);
+  const Bytes expected =
+      scaled(deep, 16, argb, 4, [](To o, From i) { oracle::convert(layoutOf(9), o, layoutOf(1), i); });
+  deep.copyWithScalingAndDepthConversion(from);
+  EXPECT_EQ(deep.bytes(), expected);
+}
+
+// The two families take their arguments in opposite orders.
+TEST(BitmapScaling, TypedScalers) {
+  using Pixel = VortoPixel4<std::uint16_t, VortoPixelInfoRGBA16>;
+  VortoBitmapRGBA16 source(4, 4);
+  VortoBitmapRGBA16 half(2, 2);
+  VortoBitmapARGB8 bytes(2, 2);
+  source.setData(randomBytes(source.getSize(), 5).data());
+  const Bytes before(source.data, source.data + 128);
+  scaleBitmap<VortoBitmapRGBA16, Pixel>(&half, &source);
+  scaleAndDepthConvertBitmapToARGB8<VortoBitmapRGBA16, Pixel>(&source, &bytes);
+  for (std::size_t i = 0; i < 4; ++i) {
+    const From from = source.data + (i / 2 * 8 + i % 2 * 2) * 8;
+    std::uint8_t pixel[4];
+    oracle::convert(layoutOf(1), pixel, layoutOf(4), from);
+    EXPECT_TRUE(std::equal(from, from + 8, half.data + i * 8));
+    EXPECT_TRUE(std::equal(pixel, pixel + 4, bytes.data + i * 4));
+  }
+  scaleBitmap<VortoBitmapRGBA16, Pixel>(&source, &source);
+  scaleBitmap<VortoBitmapRGBA16, Pixel>(&source, nullptr);
+  scaleAndDepthConvertBitmapToARGB8<VortoBitmapRGBA16, Pixel>(nullptr, &bytes);
+  EXPECT_EQ(Bytes(source.data, source.data + 128), before);
+}
+
+TEST(BitmapScaling, OutputWithoutUnpremultiplicationClonesAndFinishesAlpha) {
+  for (const bool gray : {false, true}) {
+    PageBitmap source({7, 3}, 4);
+    Bytes expected = source.bytes();
+    expected.resize(7 * 3 * 8);
+    for (std::size_t i = 0; i < expected.size() && gray; i += 8) oracle::alphaIntoColors(layoutOf(4), &expected[i]);
+    for (std::size_t i = 0; i < expected.size() && !gray; i += 8) oracle::setAlpha(layoutOf(4), &expected[i], 1);
+    VortoBitmap output;
+    output.copyWithOutputConversion(source, false, true, gray, kBackground);
+    EXPECT_EQ(output.width, 7u);
+    EXPECT_EQ(output.formatCode, 4u);
+    EXPECT_EQ(Bytes(output.data, output.data + output.getSize()), expected);
+  }
+}
+
+// What follows must not stop in a build with the address sanitizer: each reaches behind the pixels by its rule.
+TEST(BitmapSlack, RulesThatReachFurtherAreNoFaults) {
+  const auto made = [](std::uint32_t width, std::uint32_t height, std::uint32_t code) {
+    return std::unique_ptr<VortoBitmap>(TCCreateBitmap(width, height, code));
+  };
+  for (const std::uint32_t code : {2u, 5u, 7u}) {
+    const auto bitmap = made(33, 3, code);
+    for (const InPlace& operation : kInPlace) operation.run(*bitmap);
+    bitmap->flip();
+  }
+  const auto small = made(3, 3, 0), large = made(50, 7, 0), wide = made(20, 5, 9), odd = made(33, 1, 2);
+  large->copy(*small);
+  large->copyWithSwizzleARGBToRGBA(*made(60, 9, 9));
+  wide->copyWithScaling(*small);
+  wide->copyWithScalingAndDepthConversion(*odd);
+  large->copyWithCropping(*small, 2, 2, true);
+  made(33, 1, 1)->copy(*odd);
+  const VortoBitmap padded(10, 4, 8, 4, 0, 6);
+  const VortoBitmap copied(padded);
+  EXPECT_EQ(copied.getSize(), padded.getSize());
+}
+
+}  // namespace

@@ -1,0 +1,438 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Platform/Sanitizer.h"
+#include "TarnCore/TCBitmap.h"
+#include "TarnCore/kernels/AlphaComplement.h"
+#include "TarnCore/kernels/BytePatterns.h"
+#include "TarnCore/kernels/Depth.h"
+#include "TarnCore/kernels/Dispatch.h"
+#include "TarnCore/kernels/Histogram.h"
+#include "TarnCore/kernels/Memory.h"
+#include "TarnCore/kernels/Premultiply.h"
+#include "TarnCore/kernels/UnpremultiplyTruncated.h"
+#include "TarnCore/kernels/YUV422.h"
+#include "Tests/TarnCore/PixelOracle.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cstring>
+#include <functional>
+#include <random>
+
+// Every kernel in every instruction set of the machine against its oracle: every width around those of vectors, any
+// alignment, overlaps, whole domains. Between instruction sets every bit is equal; with the oracle NaN equals NaN.
+
+namespace {
+
+using namespace vorto::kernels;
+using namespace oracle;
+
+template <class Function>
+void onEveryTarget(Function function) {
+  for (const SimdTarget& target : simdTargets()) {
+    SCOPED_TRACE(target.name);
+    forceSimdTarget(target);
+    function();
+  }
+  restoreSimdTarget();
+}
+
+using Form = std::function<void(To, From, Count, const Color& background)>;
+using Unit = std::function<void(To, From, const Color& background)>;
+
+struct Operation {
+  std::string name;
+  std::size_t written, read;  // bytes of a unit; in place, `read` is 0
+  Number number;              // what is written
+  Form run, expected;
+  const Bytes* domain = nullptr;  // what it reads; null where any bytes do
+  bool hasBackground = false;
+
+  bool isInPlace() const { return read == 0; }
+  std::size_t taken() const { return isInPlace() ? written : read; }
+};
+
+// Unit by unit, in order.
+Form each(std::size_t written, std::size_t read, Unit unit) {
+  return [=](To to, From from, Count n, const Color& b) {
+    for (Count i = 0; i < n; ++i) unit(to + i * written, from + i * read, b);
+  };
+}
+
+Background kernelColor(const Color& c) {
+  return {c.values[0], c.values[1], c.values[2]};
+}
+
+std::vector<Operation> inPlaceOperations() {
+  std::vector<Operation> all;
+  const auto add = [&](const char* name, std::uint32_t code, Form run, Unit unit, bool hasBackground = false) {
+    const Layout layout = layoutOf(code);
+    all.push_back({name + std::to_string(code), layout.pixelBytes(), 0, layout.number, run,
+                   each(layout.pixelBytes(), 0, unit), &domainOf(layout), hasBackground});
+  };
+  const auto addPlain = [&](const char* name, std::uint32_t code, void (*run)(To, Count), auto pixel) {
+    add(
+        name, code, [=](To p, From, Count n, auto&) { run(p, n); },
+        [=](To p, From, auto&) { pixel(layoutOf(code), p); });
+  };
+  const auto addUnpremultiply = [&](std::uint32_t code, void (*run)(To, Count, const Background&)) {
+    add(
+        "unpremultiply", code, [=](To p, From, Count n, auto& b) { run(p, n, kernelColor(b)); },
+        [=](To p, From, auto& b) { unpremultiply(layoutOf(code), p, b); }, true);
+  };
+  for (const std::uint32_t code : {kRGBA8, kARGB8, kRGBA16, kLuminanceAlpha16, kHalf, kFloat}) {
+    const Layout layout = layoutOf(code);
+    const std::size_t size = layout.pixelBytes();
+    std::uint8_t values[16] = {};
+    std::uint8_t mask[16] = {};
+    for (std::size_t i = 0; i < 16; i += size) {
+      setAlpha(layout, values + i, 0.3);
+      std::fill_n(layout.channel(mask + i, layout.alpha), bytesOf(layout.number), std::uint8_t{255});
+    }
+    const auto alpha = BytePattern::ofPixel(mask), value = BytePattern::ofPixel(values);
+    add(
+        "replace", code, [=](To p, From, Count n, auto&) { replaceBytes(p, n * size, alpha, value); },
+        [=](To p, From, auto&) { setAlpha(layout, p, 0.3); });
+    if (code == kHalf || code == kFloat) continue;
+    add(
+        "complement", code, [=](To p, From, Count n, auto&) { complementBytes(p, n * size, alpha); },
+        [=](To p, From, auto&) { complementAlpha(layout, p); });
+  }
+  addPlain("complement", kHalf, complementAlphaHalf, complementAlpha);
+  addPlain("complement", kFloat, complementAlphaFloat, complementAlpha);
+  addPlain("premultiply", kRGBA8, premultiplyRGBA8, premultiply);
+  addPlain("premultiply", kARGB8, premultiplyARGB8, premultiply);
+  addUnpremultiply(kRGBA8, unpremultiplyRGBA8);
+  addUnpremultiply(kARGB8, unpremultiplyARGB8);
+  addUnpremultiply(kRGBA16, unpremultiplyRGBA16);
+  addUnpremultiply(kHalf, unpremultiplyRGBAHalf);
+  addUnpremultiply(kFloat, unpremultiplyRGBAFloat);
+  add(
+      "truncate", kARGB8, [](To p, From, Count n, auto&) { unpremultiplyTruncatedInPlace(p, n, 4); },
+      [](To p, From, auto&) { unpremultiplyTruncated(p); });
+  all.push_back({"swap", 8, 0, Number::Byte, [](To p, From, Count n, auto&) { swapBytes(p, p + 4 * n, 4 * n); },
+                 [](To p, From, Count n, auto&) { std::rotate(p, p + 4 * n, p + 8 * n); }});
+  return all;
+}
+
+void appendCopies(std::vector<Operation>& all, bool streamed) {
+  const auto add = [&](std::string name, std::size_t written, std::size_t read, Number number, Form run, Form expected,
+                       const Bytes* domain = nullptr, bool hasBackground = false) {
+    if (streamed) domain = nullptr;
+    all.push_back({name + (streamed ? "Streamed" : ""), written, read, number, run, expected, domain, hasBackground});
+  };
+  add(
+      "copy", 1, 1, Number::Byte, [=](To to, From from, Count n, auto&) { copyBytes(to, from, n, streamed); },
+      [](To to, From from, Count n, auto&) {
+        const Bytes before(from, from + n);
+        std::copy(before.begin(), before.end(), to);
+      });
+  for (const std::uint32_t code : {kRGBA8, kRGBA16, kFloat}) {
+    const Layout layout = layoutOf(code);
+    const std::size_t size = layout.pixelBytes();
+    BytePattern order;
+    for (std::uint8_t i = 0; i < 16; ++i) order.bytes[i] = i;
+    for (std::size_t i = 0; i < 16; i += size) rotate(layout, order.bytes + i, true);
+    add(
+        "shuffle" + std::to_string(code), size, size, Number::Byte,
+        [=](To to, From from, Count n, auto&) { shuffleBytes(to, from, size * n, order, size, streamed); },
+        each(size, size, [=](To to, From from, auto&) {
+          Bytes pixel(from, from + size);
+          rotate(layout, pixel.data(), true);
+          std::copy(pixel.begin(), pixel.end(), to);
+        }));
+  }
+  add(
+      "YUVtoARGB", 8, 4, Number::Byte,
+      [=](To to, From from, Count n, auto&) { convertYUVtoARGB(to, from, n, streamed); },
+      each(8, 4, [](To to, From from, auto&) { pairToARGB(to, from); }), &yuvDomain());
+  add(
+      "ARGBtoYUV", 4, 8, Number::Byte,
+      [=](To to, From from, Count n, auto&) { convertARGBtoYUV(to, from, n, streamed); },
+      each(4, 8, [](To to, From from, auto&) { pairToYUV(to, from); }), &argbDomain());
+  for (const std::size_t step : {4u, 8u}) {
+    for (const std::size_t odd : {0u, 1u}) {  // from an odd column on, whose pair begins in the column before
+      const auto rest = [=](Count n) { return n < odd ? 0 : n - odd; };
+      add(
+          "lagging" + std::to_string(step) + (odd ? "Odd" : "Even"), step, 2, Number::Byte,
+          [=](To to, From from, Count n, auto&) {
+            convertLaggingYUVtoARGB(to, step, from + 2 * odd, odd == 1, rest(n), streamed);
+          },
+          [=](To to, From from, Count n, auto&) { laggingRow(to, step, from + 2 * odd, odd == 1, rest(n)); },
+          &yuvDomain());
+    }
+  }
+  for (const std::size_t step : {4u, 6u, 16u}) {
+    if (streamed) break;
+    add(
+        "truncateBy" + std::to_string(step), step, step, Number::Byte,
+        [=](To to, From from, Count n, auto& b) { unpremultiplyTruncated(to, from, n, step, kernelColor(b)); },
+        each(step, step, [](To to, From from, auto& b) { unpremultiplyTruncated(to, from, b); }),
+        step == 4 ? &domainOf(layoutOf(kARGB8)) : nullptr, true);
+  }
+}
+
+struct Depth {
+  DepthLayout layout;
+  std::uint32_t code;
+};
+constexpr Depth kDepths[] = {{DepthLayout::RGBA8, kRGBA8},
+                             {DepthLayout::RGBAHalf, kHalf},
+                             {DepthLayout::ARGB8, kARGB8},
+                             {DepthLayout::RGBA16, kRGBA16},
+                             {DepthLayout::RGBAFloat, kFloat}};
+
+template <class Function>
+void forConversions(Function function) {  // function(to, its layout, from, its layout)
+  for (const Depth& to : kDepths) {
+    if (to.code == kRGBA8 || to.code == kHalf) continue;
+    for (const Depth& from : kDepths) function(to.layout, layoutOf(to.code), from.layout, layoutOf(from.code));
+  }
+}
+
+std::vector<Operation> operations() {
+  std::vector<Operation> all = inPlaceOperations();
+  for (const bool streamed : {false, true}) {
+    appendCopies(all, streamed);
+    forConversions([&](DepthLayout to, const Layout& out, DepthLayout from, const Layout& in) {
+      all.push_back({"depth" + std::to_string(all.size()), out.pixelBytes(), in.pixelBytes(), out.number,
+                     [=](To o, From i, Count n, auto&) { convertDepth(o, to, i, from, n, streamed); },
+                     each(out.pixelBytes(), in.pixelBytes(), [=](To o, From i, auto&) { convert(out, o, in, i); }),
+                     streamed ? nullptr : &domainOf(in)});
+    });
+  }
+  return all;
+}
+
+// The bytes between guards, at an offset from the alignment of vectors.
+class Guarded {
+ public:
+  explicit Guarded(const Bytes& bytes, std::size_t offset = 0)
+      : all_(bytes.size() + 2 * kGuard + 64 + offset, 0xA5), size_(bytes.size()) {
+    begin_ = kGuard + offset + (64 - reinterpret_cast<std::uintptr_t>(all_.data()) % 64) % 64;
+    std::copy(bytes.begin(), bytes.end(), data());
+  }
+  To data() { return all_.data() + begin_; }
+  // Where the two differ first, guards included; "" where they are the same.
+  std::string difference(Guarded& other, Number number, bool everyBit) {
+    const To mine = data() - kGuard, others = other.data() - kGuard;
+    if (std::memcmp(mine, others, size_ + 2 * kGuard) == 0) return "";
+    for (std::size_t i = 0, step = bytesOf(number); i + step <= size_ + 2 * kGuard; i += step) {
+      const bool same = everyBit ? std::memcmp(mine + i, others + i, step) == 0 : areSame(number, mine + i, others + i);
+      if (!same) return "byte " + std::to_string(static_cast<std::ptrdiff_t>(i - kGuard));
+    }
+    return "";
+  }
+
+ private:
+  static constexpr std::size_t kGuard = 128;
+  Bytes all_;
+  std::size_t size_, begin_;
+};
+
+const std::vector<Color>& backgrounds() {
+  static const std::vector<Color> all = [] {
+    std::vector<Color> made = {
+        {0.2f, 0.7f, 0.9f},    {0, 0, 0}, {-0.5f, 1.5f, -0.0f},    {8192, -8192, 3}, {INFINITY, NAN, 0.5f},
+        {9000, -1e30f, 1e38f}, {1, 1, 1}, {0.1f, 1 / 3.0f, 0.013f}};
+    std::mt19937 generator(7);
+    std::uniform_real_distribution<float> anywhere(-0.25f, 1.25f);
+    for (int i = 0; i < 40; ++i) {  // half of them with colors that land next to a half when they are seen through
+      const float grey = static_cast<float>(i) / 255;
+      made.push_back(i % 2 ? Color{anywhere(generator), anywhere(generator), anywhere(generator)}
+                           : Color{grey, std::nextafter(grey, 1.0f), 0.5f / 255 * static_cast<float>(i)});
+    }
+    return made;
+  }();
+  return all;
+}
+
+struct Case {
+  Bytes memory;
+  std::size_t offset;  // from alignment
+  Count count;
+  From from;  // null: in the memory itself, `distance` before what is written
+  std::ptrdiff_t distance = 0;
+  std::size_t first = 0;  // where writing begins
+  Color background = backgrounds()[0];
+};
+
+class Kernel : public testing::TestWithParam<Operation> {
+ protected:
+  const Operation& operation = GetParam();
+
+  // In every instruction set: the first one against the oracle, all others against the first.
+  void compare(const std::vector<Case>& cases) {
+    const auto ran = [](const Form& run, const Case& c) {
+      Guarded memory(c.memory, c.offset);
+      const To to = memory.data() + c.first;
+      run(to, c.from ? c.from : to - c.distance, c.count, c.background);
+      return memory;
+    };
+    std::vector<Guarded> reference;
+    for (const Case& c : cases) reference.push_back(ran(operation.expected, c));
+    bool everyBit = false;
+    onEveryTarget([&] {
+      for (std::size_t i = 0; i < cases.size(); ++i) {
+        Guarded actual = ran(operation.run, cases[i]);
+        ASSERT_EQ(actual.difference(reference[i], operation.number, everyBit), "")
+            << cases[i].count << " units at " << cases[i].offset << ", distance " << cases[i].distance;
+        if (!everyBit) reference[i] = std::move(actual);
+      }
+      everyBit = true;
+    });
+  }
+};
+
+TEST_P(Kernel, EveryWidthAndOffset) {
+  std::vector<Case> cases;
+  std::vector<Guarded> sources;
+  sources.reserve(1000);
+  for (Count width = 0; width <= 130; ++width) {
+    for (const auto& [to, from] : {std::pair{0u, 0u}, {1u, 0u}, {0u, 1u}, {4u, 60u}, {63u, 2u}}) {
+      sources.emplace_back(randomBytes(width * operation.taken(), static_cast<unsigned>(width)), from);
+      cases.push_back({randomBytes(width * operation.written, 300 + to), to, width, sources.back().data()});
+    }
+  }
+  compare(cases);
+}
+
+TEST_P(Kernel, WholeDomains) {
+  const std::size_t most = !operation.hasBackground ? 1 : operation.number == Number::Byte ? 48 : 5;
+  for (std::size_t i = 0; i < most && operation.domain; ++i) {
+    const Count units = operation.domain->size() / operation.taken();
+    const Bytes before = operation.isInPlace() ? *operation.domain : Bytes(units * operation.written, 1);
+    compare({{before, 0, units, operation.domain->data(), 0, 0, backgrounds()[i]}});
+    ASSERT_FALSE(HasFailure()) << "background " << i;
+  }
+}
+
+// Both ends in the same memory, at every distance that a vector could notice: units are taken in order.
+TEST_P(Kernel, OverlappingMemory) {
+  if (operation.isInPlace() || operation.name.rfind("depth", 0) == 0) return;
+  std::vector<Case> cases;
+  for (const int distance : {-200, -65, -64, -33, -8, -4, -1, 0, 1, 2, 4, 8, 16, 31, 64, 100, 200}) {
+    const Count count = 400 / std::max(operation.written, operation.read);
+    cases.push_back({randomBytes(1500, 3), 0, count, nullptr, distance, static_cast<std::size_t>(500 + distance)});
+  }
+  compare(cases);
+}
+
+// In a build with the address sanitizer whoever runs past the pixels of a bitmap is stopped.
+TEST_P(Kernel, OverrunIsSeen) {
+  if (!hasAddressSanitizer || operation.name == "swap") return;
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  static Bytes elsewhere(std::size_t{1} << 14);
+  for (const std::size_t unit : {operation.written, operation.read}) {
+    const bool reads = unit != operation.written;
+    if (unit == 0) continue;
+    const VortoBitmap bitmap(static_cast<std::uint32_t>(64 * unit), 1, 8, 1, 0, 0);
+    const auto run = [&](Count n) {
+      operation.run(reads ? elsewhere.data() : bitmap.data, reads ? bitmap.data : elsewhere.data(), n, {});
+    };
+    run(64);
+    EXPECT_DEATH(run(65), "AddressSanitizer") << unit;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Every, Kernel, testing::ValuesIn(operations()),
+                         [](const auto& row) { return row.param.name; });
+
+struct Scaling {
+  std::uint32_t width, height, toWidth, toHeight;
+  std::size_t missingSource = 0, missingDestination = 0;
+};
+
+// run(destination, source) on random pixels against pixel(to, from) on those that it should name.
+template <class Scale, class Pixel>
+void compareScaling(const Scaling& s, std::size_t written, std::size_t read, Number number, Scale run, Pixel pixel) {
+  const std::size_t pixels = std::size_t{s.width} * s.height - s.missingSource;
+  const std::size_t all = std::size_t{s.toWidth} * s.toHeight;
+  const Bytes in = randomBytes(pixels * read, 9);
+  Guarded expected(Bytes(all * written, 7)), actual(Bytes(all * written, 7));
+  for (std::size_t i = 0; i < all - s.missingDestination; ++i) {
+    const std::uint64_t k =
+        sourceIndex(i / s.toWidth, s.toHeight, s.height) * s.width + sourceIndex(i % s.toWidth, s.toWidth, s.width);
+    if (k < pixels) pixel(expected.data() + i * written, in.data() + k * read);
+  }
+  run(ScaleDestination{actual.data(), s.toWidth, s.toHeight, all - s.missingDestination},
+      ScaleSource{in.data(), s.width, s.height, pixels});
+  ASSERT_EQ(actual.difference(expected, number, false), "") << s.width << " to " << s.toWidth;
+}
+
+TEST(ScaleKernel, TakesTheNearestPixels) {
+  std::vector<Scaling> scalings = {{4000, 3, 9001, 4}, {1920, 4, 1280, 3}, {70, 9, 40, 9, 17}, {70, 9, 40, 9, 0, 17},
+                                   {90, 4, 700, 3},    {90, 4, 1, 1},      {3, 1, 0, 1},       {0, 0, 2, 1}};
+  for (std::uint32_t width = 1; width <= 130; ++width) {
+    scalings.push_back({width, 3, 64, 2});
+    scalings.push_back({61, 2, width, 5});
+  }
+  onEveryTarget([&] {
+    for (const Scaling& scaling : scalings) {
+      for (const std::size_t bytes : {2, 4, 6, 8, 16}) {
+        compareScaling(
+            scaling, bytes, bytes, Number::Byte,
+            [&](const auto& to, const auto& from) { scaleNearest(to, from, bytes); },
+            [&](To to, From from) { std::copy_n(from, bytes, to); });
+      }
+      forConversions([&](DepthLayout to, const Layout& out, DepthLayout from, const Layout& in) {
+        compareScaling(
+            scaling, out.pixelBytes(), in.pixelBytes(), out.number,
+            [&](const auto& d, const auto& s) { scaleAndConvert(d, to, s, from); },
+            [&](To o, From i) { convert(out, o, in, i); });
+      });
+      if (::testing::Test::HasFatalFailure()) return;
+    }
+  });
+}
+
+class HistogramKernel : public testing::TestWithParam<std::uint32_t> {
+ protected:
+  const Layout layout = layoutOf(GetParam());
+  const std::size_t pixelBytes = layout.pixelBytes();
+
+  void compare(From pixels, std::size_t width, std::size_t height, std::size_t pitch) {
+    HistogramTables expected = {};
+    for (std::size_t i = 0; i < width * height * 4; ++i) {
+      const From row = pixels + i / (width * 4) * pitch;
+      ++expected.counts[i % 4][bin(layout.number, row + i % (width * 4) * bytesOf(layout.number))];
+    }
+    const auto depth = static_cast<HistogramDepth>(std::countr_zero(pixelBytes / 4));
+    onEveryTarget([&] {
+      HistogramTables actual = {};
+      countHistogram(actual, {depth, pixels, width, height, pitch});
+      ASSERT_EQ(std::memcmp(&actual, &expected, sizeof actual), 0) << width << " wide";
+    });
+  }
+};
+
+// Each value once, and each in a row of its own that is long enough for what is counted once for a block.
+TEST_P(HistogramKernel, WholeDomain) {
+  const Bytes& domain = domainOf(layout);
+  compare(domain.data(), domain.size() / pixelBytes, 1, domain.size());
+  const std::size_t values = std::min<std::size_t>(domain.size() / pixelBytes, 100000);
+  Bytes blocks(values * 20 * pixelBytes);
+  for (std::size_t i = 0; i < blocks.size(); ++i) {
+    blocks[i] = domain[domain.size() - (i / (20 * pixelBytes) + 1) * pixelBytes + i % pixelBytes];
+  }
+  compare(blocks.data(), 20, values, 20 * pixelBytes);
+}
+
+// Rows of every width from every alignment with gaps between them, one of one color and one of one alpha, and no byte
+// more than the image has.
+TEST_P(HistogramKernel, EveryWidthPitchAndOffset) {
+  for (std::size_t width = 1; width <= 70; ++width) {
+    const std::size_t offset = width % 3;
+    const std::size_t pitch = width * pixelBytes + width % 5;
+    Bytes bytes = randomBytes(offset + pitch * 4 + width * pixelBytes, 7);
+    std::fill_n(bytes.data() + offset, width * pixelBytes, std::uint8_t{60});
+    for (std::size_t x = 1; x <= width; ++x) {
+      std::fill_n(bytes.data() + offset + pitch + x * pixelBytes - pixelBytes / 4, pixelBytes / 4, std::uint8_t{62});
+    }
+    compare(bytes.data() + offset, width, 5, pitch);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Depths, HistogramKernel, testing::Values(kRGBA8, kRGBA16, kFloat));
+
+}  // namespace
