@@ -33,7 +33,7 @@ bool IsPlainName(std::string_view name) {
          name.find_first_of(kRefused) == std::string_view::npos;
 }
 
-// Null, with the cause in *reason, as CFBundleCreate answers.
+// Null, with the cause in *reason, as CFBundleCreate returns it.
 CFBundleRef Refuse(std::string* reason, std::string cause) {
   if (reason != nullptr) *reason = std::move(cause);
   return nullptr;
@@ -103,7 +103,7 @@ CFBundleRef CFBundleCreate(CFAllocatorRef, const std::string& path, std::string*
   bundle->path = canonical;
   bundle->info = std::move(*info);
   bundle->identifier = identifier;
-  CFBundleRegistryAdd(bundle);
+  CFBundleRegistryAdd(bundle, canonical, identifier);
   return bundle;
 }
 
