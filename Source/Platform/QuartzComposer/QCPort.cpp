@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/QuartzComposer/QCPort.h"
 
+#include "Platform/QuartzComposer/QCReason.h"
+
 #include <string_view>
 
 namespace {
@@ -51,13 +53,8 @@ std::optional<PropertyList> QCPort::stateValue() const {
 
 bool QCPort::setStateValue(const PropertyList& state, std::string* reason) {
   const NSObjectRef value = valueFromState(state);
-  if (value && setValue(value)) {
-    return true;
-  }
-  if (reason) {
-    *reason = std::string("this ") + state.typeName() + " does not fit a port of kind " + kind();
-  }
-  return false;
+  return (value && setValue(value)) ||
+         QCRefuse(reason, std::string("this ") + state.typeName() + " does not fit a port of kind " + kind());
 }
 
 NSObjectRef QCPort::valueFromState(const PropertyList& state) const {
