@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Asks for its manager and for nodes while it is loaded, and loads the folder that it is in.
+// Looks for its manager and for nodes while it is loaded, and loads the folder that it is in.
 #include "Platform/QuartzComposer/QCPlugIn.h"
 
 #include <filesystem>
@@ -19,7 +19,7 @@ void registerNodes(GFNodeManager& manager) {
     seen.append(PropertyList::string(name));
   }
   attributes.set("seen", std::move(seen));
-  manager.registerNodeWithName("Asking", attributes, [] { return std::make_shared<QCPatch>(); });
+  manager.registerNodeWithName("Searching", attributes, [] { return std::make_shared<QCPatch>(); });
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Asks for the framework's own manager while that one is being made.
+// Looks for the framework's own manager while that one is being made.
 #include "Platform/QuartzComposer/QCPlugIn.h"
 #include "Registry/VRTNodeManager.h"
 
@@ -8,7 +8,7 @@ namespace {
 void registerNodes(GFNodeManager& manager) {
   PropertyList attributes;
   attributes.set("managerIsShared", PropertyList::boolean(VRTNodeManager::manager().get() == &manager));
-  manager.registerNodeWithName("Asking Shared", attributes,
+  manager.registerNodeWithName("Searching Shared", attributes,
                                [attributes] { return std::make_shared<QCPatch>(attributes); });
 }
 
