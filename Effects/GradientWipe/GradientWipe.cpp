@@ -7,6 +7,7 @@
 #include "Platform/QuartzComposer/QCPlugIn.h"
 #include "Ports/VRTObjects.h"
 #include "Ports/VRTPorts.h"
+#include "Ports/VRTStateKeys.h"
 
 namespace vorto::effects {
 namespace {
@@ -15,13 +16,17 @@ constexpr double defaultSoftness = 0.1;
 
 // Black to white in a straight line: an even wipe from the first edge to the last.
 std::shared_ptr<VRTGradient> evenGradient() {
-  constexpr double linear = 1;
+  using namespace VRTStateKeys;
+  constexpr int linear = 1;
   PropertyList samples = PropertyList::array();
   for (const double place : {0.0, 1.0}) {
-    for (const double entry : {place, 0.5, linear, place, place, place}) samples.append(PropertyList::real(entry));
+    for (std::size_t entry = 0; entry < kRGBSamples.entries.size(); ++entry) {
+      samples.append(entry == kInterpolation ? PropertyList::integer(linear)
+                                             : PropertyList::real(entry == kMiddle ? 0.5 : place));
+    }
   }
   PropertyList state;
-  state.set("rgbSamples", std::move(samples));
+  state.set(kRGBSamples.key, std::move(samples));
   auto gradient = VRTGradient::gradient();
   gradient->initWithStateValue(state);
   return gradient;

@@ -235,8 +235,8 @@ int runProgram(int argc, char** argv, const InspectAction& inspect) {
     addCommands(app, options);
     try {
       app.parse(argc, argv);
-    } catch (const CLI::Success& answer) {  // --help and --version
-      app.exit(answer);
+    } catch (const CLI::Success& success) {  // --help and --version
+      app.exit(success);
       finishStandardOutput();
       return static_cast<int>(ExitCode::Success);
     } catch (const CLI::ParseError& error) {

@@ -16,12 +16,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The file that a symbolic link leads to, so that the link stays one.
-fs::path targetOf(const std::string& path) {
+// The file that a chain of symbolic links leads to, there or not; empty, with the cause, when it leads nowhere.
+std::string resolvedPath(const std::string& path, std::string* reason) {
   std::error_code error;
   if (!fs::is_symlink(fs::symlink_status(path, error))) return path;
   const fs::path target = fs::weakly_canonical(path, error);
-  return error ? fs::path(path) : target;
+  if (!error) return target.string();
+  if (reason) *reason = error.message();
+  return {};
 }
 
 [[noreturn]] void refuse(const std::string& path, const std::string& reason) {
@@ -31,7 +33,9 @@ fs::path targetOf(const std::string& path) {
 }  // namespace
 
 void checkOutput(const std::string& path) {
-  const fs::path target = targetOf(path);
+  std::string reason = "it has no name";
+  const fs::path target = resolvedPath(path, &reason);
+  if (target.empty()) refuse(path, reason);
   const fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
   std::error_code error;
   if (!fs::is_directory(folder, error)) refuse(path, "there is no folder " + folder.string());
@@ -45,7 +49,7 @@ void checkOutput(const std::string& path) {
 void replaceFile(const std::string& path, std::span<const std::uint8_t> bytes) {
   checkOutput(path);
   std::string reason;
-  if (!NSWriteFile(targetOf(path).string(), bytes, &reason)) refuse(path, reason);
+  if (!NSWriteFile(path, bytes, &reason)) refuse(path, reason);
 }
 
 }  // namespace host

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/ImageFiles/Channels.h"
 
+#include "Host/ImageFiles/Reason.h"
+
 #include <algorithm>
 
 namespace host {
@@ -69,8 +71,7 @@ bool depthOf(const OIIO::TypeDesc& type, Depth* depth, SampleType* sample) {
 bool findColorChannels(const OIIO::ImageSpec& spec, ColorChannels* channels, std::string* reason) {
   const int alpha = alphaChannel(spec);
   if (!findColors(spec, alpha, &channels->index)) {
-    *reason = "it has no channels that make a gray or an RGB picture";
-    return false;
+    return refuse(reason, "it has no channels that make a gray or an RGB picture");
   }
   channels->first = spec.nchannels;
   channels->end = 0;
@@ -82,9 +83,8 @@ bool findColorChannels(const OIIO::ImageSpec& spec, ColorChannels* channels, std
     Depth depth;
     SampleType sample;
     if (!depthOf(spec.channelformat(channel), &depth, &sample)) {
-      *reason = std::string("its samples are of the type ") + spec.channelformat(channel).c_str() +
-                "; 8 and 16 bits without a sign, half and float are read";
-      return false;
+      return refuse(reason, std::string("its samples are of the type ") + spec.channelformat(channel).c_str() +
+                                "; 8 and 16 bits without a sign, half and float are read");
     }
     if (first || depth > channels->depth) {
       channels->depth = depth;

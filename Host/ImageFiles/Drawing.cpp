@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/ImageFiles/Drawing.h"
 
+#include "Host/ImageFiles/Reason.h"
+
 #include <OpenImageIO/imagebuf.h>
 #include <OpenImageIO/imagebufalgo.h>
 
@@ -24,8 +26,7 @@ bool resizeImage(const ImagePixels& source, ImagePixels* target, std::string* re
   const OIIO::ImageBuf from = wrapped(source);
   OIIO::ImageBuf to = wrapped(*target);
   if (!OIIO::ImageBufAlgo::resize(to, from, "lanczos3")) {
-    *reason = to.geterror();
-    return false;
+    return refuse(reason, to.geterror());
   }
   return true;
 }
@@ -37,8 +38,7 @@ bool drawTextInImage(ImagePixels* image, int x, int baseline, const std::string&
   const bool drawn =
       OIIO::ImageBufAlgo::render_text(buffer, x, baseline, text, style.pixelSize, style.fontFile, color,
                                       OIIO::ImageBufAlgo::TextAlignX::Center, OIIO::ImageBufAlgo::TextAlignY::Baseline);
-  if (!drawn) *reason = buffer.geterror();
-  return drawn;
+  return drawn || refuse(reason, buffer.geterror());
 }
 
 int widthOfText(const std::string& text, const TextStyle& style) {

@@ -3,6 +3,7 @@
 
 #include "Host/ImageFiles/Drawing.h"
 #include "Host/ImageFiles/Reading.h"
+#include "Host/ImageFiles/Reason.h"
 #include "Host/ImageFiles/Writing.h"
 #include "Platform/Visibility.h"
 
@@ -13,15 +14,15 @@
 namespace host {
 namespace {
 
-// Runs a step that may throw (the library, or memory that ran out) and answers false instead.
+// Runs a step that may throw (the library, or memory that ran out) and returns false instead.
 template <class Step>
 bool guarded(std::string* reason, Step step) {
   try {
     return step();
   } catch (const std::bad_alloc&) {
-    *reason = "there is not enough memory for it";
+    refuse(reason, "there is not enough memory for it");
   } catch (const std::exception& error) {
-    *reason = error.what();
+    refuse(reason, error.what());
   }
   return false;
 }

@@ -9,7 +9,7 @@
 #include <vector>
 
 // What the program and its module for image files say to each other. Files are handed over as bytes: the program opens,
-// checks and replaces them. Nothing throws; a call that fails answers false and puts the cause, without the file's
+// checks and replaces them. Nothing throws; a call that fails returns false and puts the cause, without the file's
 // name, in *reason.
 namespace host {
 

@@ -6,7 +6,7 @@
 
 namespace host {
 
-// Whether a PNG file is whole: every chunk there with the right checksum, up to the one that ends the file. Asked
+// Whether a PNG file is whole: every chunk there with the right checksum, up to the one that ends the file. Called
 // before decoding, since the decoder reports damage on standard error by itself.
 bool isWholePng(std::span<const std::uint8_t> file);
 

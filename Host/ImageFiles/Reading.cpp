@@ -4,6 +4,7 @@
 #include "Host/ImageFiles/Channels.h"
 #include "Host/ImageFiles/Orientation.h"
 #include "Host/ImageFiles/PngStructure.h"
+#include "Host/ImageFiles/Reason.h"
 
 #include <OpenImageIO/filesystem.h>
 #include <OpenImageIO/imageio.h>
@@ -52,24 +53,20 @@ class OpenedFile {
 
   bool open(std::string* reason) {
     if (!format_) {
-      *reason = "it is not a PNG, JPEG, TIFF or EXR file";
-      return false;
+      return refuse(reason, "it is not a PNG, JPEG, TIFF or EXR file");
     }
     if (std::string_view(format_) == "png" && !isWholePng(file_)) {
-      *reason = Damaged;
-      return false;
+      return refuse(reason, Damaged);
     }
     input_ = OIIO::ImageInput::create(format_);
     if (!input_) {
-      *reason = cleaned(OIIO::geterror());
-      return false;
+      return refuse(reason, cleaned(OIIO::geterror()));
     }
     OIIO::ImageSpec configuration;
     configuration.attribute("oiio:UnassociatedAlpha", 1);  // alpha as the file has it: we multiply ourselves
     input_->set_ioproxy(&proxy_);
     if (!input_->open("image", spec_, configuration)) {
-      *reason = cleaned(input_->geterror());
-      return false;
+      return refuse(reason, cleaned(input_->geterror()));
     }
     return check(reason) && findColorChannels(spec_, &channels_, reason);
   }
@@ -85,18 +82,17 @@ class OpenedFile {
     const bool read = input_->read_image(0, 0, channels_.first, channels_.end, type, samples);
     // Decoders go on after damage that they only warn of, and leave the rest of the picture as it is.
     if (read && !input_->has_error()) return true;
-    *reason = std::string(Damaged) + " (" + cleaned(input_->geterror()) + ")";
-    return false;
+    return refuse(reason, std::string(Damaged) + " (" + cleaned(input_->geterror()) + ")");
   }
 
  private:
   bool check(std::string* reason) const {
     if (spec_.deep) {
-      *reason = "it is a deep image, which has no single color at a pixel";
+      refuse(reason, "it is a deep image, which has no single color at a pixel");
     } else if (spec_.depth > 1) {
-      *reason = "it is a volume, not a picture";
+      refuse(reason, "it is a volume, not a picture");
     } else if (spec_.width <= 0 || spec_.height <= 0 || spec_.full_width <= 0 || spec_.full_height <= 0) {
-      *reason = "it has no pixels";
+      refuse(reason, "it has no pixels");
     } else {
       return true;
     }
@@ -176,9 +172,8 @@ bool readImage(std::span<const std::uint8_t> bytes, std::uint64_t maximumBytes, 
   OpenedFile file(bytes);
   if (!file.open(reason)) return false;
   if (isTooLarge(file, maximumBytes)) {
-    *reason = "its " + std::to_string(file.width()) + " x " + std::to_string(file.height()) +
-              " pixels are more than a bitmap can hold";
-    return false;
+    return refuse(reason, "its " + std::to_string(file.width()) + " x " + std::to_string(file.height()) +
+                              " pixels are more than a bitmap can hold");
   }
   image->width = file.width();
   image->height = file.height();

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/ImageFiles/Writing.h"
 
+#include "Host/ImageFiles/Reason.h"
+
 #include <OpenImageIO/filesystem.h>
 #include <OpenImageIO/imageio.h>
 
@@ -65,8 +67,7 @@ bool writeImage(const ImagePixels& image, FileFormat format, Depth depth, std::v
 
   const auto output = OIIO::ImageOutput::create(libraryName(format));
   if (!output) {
-    *reason = OIIO::geterror();
-    return false;
+    return refuse(reason, OIIO::geterror());
   }
   OIIO::Filesystem::IOVecOutput proxy;
   output->set_ioproxy(&proxy);
@@ -74,8 +75,7 @@ bool writeImage(const ImagePixels& image, FileFormat format, Depth depth, std::v
   // No short cut: each of the steps may fail, and the file is complete only after the last.
   if (!output->open("image", spec) || !output->write_image(typeOf(image.sample), image.bytes.get(), pixelSize) ||
       !output->close()) {
-    *reason = output->geterror();
-    return false;
+    return refuse(reason, output->geterror());
   }
   file->assign(proxy.buffer().begin(), proxy.buffer().end());
   return true;

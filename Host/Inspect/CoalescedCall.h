@@ -6,7 +6,7 @@
 
 namespace host {
 
-// A call that many may ask for: it runs once, when the events that are waiting have been handled. There is never more
+// A call that many may want: it runs once, when the events that are waiting have been handled. There is never more
 // than one pending, however fast the requests come and however long the call takes.
 class CoalescedCall {
  public:

@@ -5,6 +5,7 @@
 #include "Host/Files/ImageFileLoader.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Messages/Utf8.h"
+#include "Host/Rendering/Assignment.h"
 #include "Host/Rendering/Parameters.h"
 #include "Host/Rendering/PortKinds.h"
 #include "Platform/QuartzComposer/QCPatch.h"
@@ -56,8 +57,8 @@ EffectSession::EffectSession(const InspectOptions& options)
 void EffectSession::readParameters(const InspectOptions& options) {
   setParameters(rendering_, options.values, options.states);
   for (const std::string& text : options.states) {
-    const std::size_t equals = text.find('=');
-    document_->setFile(inputPortNamed(rendering_.patch(), name(), text.substr(0, equals)), text.substr(equals + 1));
+    const auto [port, path] = stateAssignment(text);
+    document_->setFile(inputPortNamed(rendering_.patch(), name(), port), path);
   }
   document_->forgetHistory();
 }

@@ -51,7 +51,7 @@ void inspectState(const InspectOptions& options) {
 
 void inspectEffect(const InspectOptions& options) {
   EffectSession session(options);
-  session.render();  // what the command line asks for either works, or is refused as by render
+  session.render();  // what the command line says either works, or is refused as by render
   EffectWindow window(session);
   window.renderNow();
   showWindow(window, options);

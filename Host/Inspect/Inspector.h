@@ -5,7 +5,7 @@
 
 namespace host {
 
-// Opens the window and answers once it is closed, or writes its screenshot. Throws Failure.
+// Opens the window and returns once it is closed, or writes its screenshot. Throws Failure.
 void runInspector(const InspectOptions& options, int argc, char** argv);
 
 }  // namespace host

@@ -4,6 +4,7 @@
 #include "Host/Inspect/Appearance.h"
 #include "Host/Inspect/DocumentActions.h"
 #include "Host/Inspect/EditorSlot.h"
+#include "Host/Inspect/InspectorMetrics.h"
 #include "Host/Inspect/ParameterSection.h"
 #include "Host/Inspect/ValueEditors.h"
 #include "Host/Rendering/PortKinds.h"
@@ -16,6 +17,8 @@
 namespace host {
 namespace {
 
+using namespace inspectorMetrics;
+
 constexpr int LabelWidth = 78;
 constexpr int RowHeight = 24;
 
@@ -23,7 +26,7 @@ bool bringsEditor(const QCPort& port) {
   return ParameterDocument::hasStateFile(port) || portKindOf(port) == PortKind::Object;
 }
 
-constexpr QMargins Insets{InspectorColumn::LeftInset, 0, InspectorColumn::RightInset, 0};
+constexpr QMargins Insets{kLeftInset, 0, kRightInset, 0};
 
 class Rule : public QWidget {
  public:
@@ -41,16 +44,16 @@ InspectorColumn::InspectorColumn(DocumentActions& actions, const Heading& headin
     : QScrollArea(parent), content_(new QWidget) {
   setFrameShape(QFrame::NoFrame);
   setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-  setFixedWidth(ContentWidth + 2 * SideMargin);
-  content_->setMinimumWidth(ContentWidth + SideMargin);
+  setFixedWidth(kContentWidth + 2 * kSideMargin);
+  content_->setMinimumWidth(kContentWidth + kSideMargin);
   auto* column = new QVBoxLayout(content_);
-  column->setContentsMargins(SideMargin, 18, 0, 18);
+  column->setContentsMargins(kSideMargin, 18, 0, 18);
   column->setSpacing(10);
   addHeading(*column, heading);
   bool afterSection = true;
   for (QCPort* port : actions.document().parameters()) {
     const bool isSection = bringsEditor(*port);
-    if (isSection || afterSection) addSeparator(*column);
+    if (isSection || afterSection) addRule(*column);
     if (isSection) {
       addSection(*column, *port, actions);
     } else {
@@ -75,14 +78,14 @@ void InspectorColumn::addHeading(QVBoxLayout& column, const Heading& heading) {
   auto* detail = new QLabel(heading.detail, content_);
   detail->setForegroundRole(QPalette::PlaceholderText);
   detail->setWordWrap(true);
-  detail->setFixedWidth(ContentWidth);
+  detail->setFixedWidth(kContentWidth);
   detail->setContentsMargins(Insets);
   column.addWidget(detail);
 }
 
 void InspectorColumn::addRow(QVBoxLayout& column, QCPort& port) {
   auto* row = new QWidget(content_);
-  row->setFixedWidth(ContentWidth);
+  row->setFixedWidth(kContentWidth);
   row->setMinimumHeight(RowHeight);
   auto* layout = new QHBoxLayout(row);
   layout->setContentsMargins(Insets);
@@ -101,14 +104,14 @@ void InspectorColumn::addRow(QVBoxLayout& column, QCPort& port) {
 
 void InspectorColumn::addSection(QVBoxLayout& column, QCPort& port, DocumentActions& actions) {
   auto* section = new ParameterSection(port, actions, ParameterSection::Folding::Possible, content_);
-  section->setFixedWidth(ContentWidth);
+  section->setFixedWidth(kContentWidth);
   column.addWidget(section);
   sections_.push_back(section);
 }
 
-void InspectorColumn::addSeparator(QVBoxLayout& column) {
+void InspectorColumn::addRule(QVBoxLayout& column) {
   auto* line = new Rule(content_);
-  line->setFixedSize(ContentWidth, 1);
+  line->setFixedSize(kContentWidth, 1);
   column.addSpacing(2);
   column.addWidget(line);
   column.addSpacing(2);

@@ -17,12 +17,6 @@ class ParameterSection;
 // section when it brings an editor of its own.
 class InspectorColumn : public QScrollArea {
  public:
-  static constexpr int ContentWidth = 236;  // that of the gradient editor; everything is aligned to it
-  static constexpr int SideMargin = 20;     // on the right it also holds the scroll bar
-  // How far the wells of the editors are inside their frames on the left and on the right; rows keep to it too.
-  static constexpr int LeftInset = 4;
-  static constexpr int RightInset = 2;
-
   struct Heading {
     QString title;
     QString detail;
@@ -37,7 +31,7 @@ class InspectorColumn : public QScrollArea {
   void addHeading(QVBoxLayout& column, const Heading& heading);
   void addRow(QVBoxLayout& column, QCPort& port);
   void addSection(QVBoxLayout& column, QCPort& port, DocumentActions& actions);
-  void addSeparator(QVBoxLayout& column);
+  void addRule(QVBoxLayout& column);
 
   QWidget* content_;
   std::vector<ParameterSection*> sections_;

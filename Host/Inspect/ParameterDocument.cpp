@@ -3,6 +3,7 @@
 
 #include "Host/Files/OutputFile.h"
 #include "Host/Messages/Failure.h"
+#include "Host/Rendering/Assignment.h"
 #include "Host/Rendering/PortKinds.h"
 #include "Platform/Foundation/NSKeyedArchiver.h"
 #include "Platform/QuartzComposer/QCPatch.h"
@@ -83,16 +84,13 @@ ParameterDocument::ParameterDocument(std::vector<QCPort*> parameters)
 ParameterDocument::~ParameterDocument() = default;
 
 std::unique_ptr<ParameterDocument> ParameterDocument::ofState(const std::string& assignment) {
-  const std::size_t equals = assignment.find('=');
-  if (equals == std::string::npos || equals == 0) {
-    throw Failure(ExitCode::Usage, "--state " + assignment + ": give a kind and a file, as in --state gradient=FILE");
-  }
-  const StateKind kind = stateKindNamed(assignment.substr(0, equals));
+  const auto [name, path] = kindAssignment(assignment);
+  const StateKind kind = stateKindNamed(name);
   auto patch = std::make_shared<QCPatch>();
   QCPort& port = onlyPortOfKind(*patch, kind);
   auto document = std::make_unique<ParameterDocument>(std::vector<QCPort*>{&port});
   document->ownPatch_ = std::move(patch);
-  document->load(assignment.substr(equals + 1), &port);
+  document->load(path, &port);
   document->forgetHistory();
   return document;
 }

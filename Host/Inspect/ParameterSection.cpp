@@ -3,7 +3,7 @@
 
 #include "Host/Inspect/DocumentActions.h"
 #include "Host/Inspect/EditorSlot.h"
-#include "Host/Inspect/InspectorColumn.h"
+#include "Host/Inspect/InspectorMetrics.h"
 
 #include <QAbstractButton>
 #include <QHBoxLayout>
@@ -64,7 +64,7 @@ ParameterSection::ParameterSection(QCPort& port, DocumentActions& actions, Foldi
 
   auto* header = new QHBoxLayout;
   header->setSpacing(4);
-  header->setContentsMargins(InspectorColumn::LeftInset, 0, 0, 0);
+  header->setContentsMargins(inspectorMetrics::kLeftInset, 0, 0, 0);
   header->addWidget(title_);
   header->addStretch(1);
   header->addWidget(menu_);

@@ -4,7 +4,7 @@
 #include "Host/Inspect/DocumentActions.h"
 #include "Host/Inspect/Drops.h"
 #include "Host/Inspect/EditorSlot.h"
-#include "Host/Inspect/InspectorColumn.h"
+#include "Host/Inspect/InspectorMetrics.h"
 #include "Host/Inspect/MessageBar.h"
 #include "Host/Inspect/ParameterSection.h"
 
@@ -25,9 +25,9 @@ StateWindow::StateWindow(ParameterDocument& document) : messages_(new MessageBar
                                   .loaded = [this](QCPort&) { section_->slot().refresh(); },
                                   .changed = [this] { updateTitle(); }});
   section_ = new ParameterSection(*document.parameters().front(), *actions_, ParameterSection::Folding::None, this);
-  section_->setFixedWidth(InspectorColumn::ContentWidth);
+  section_->setFixedWidth(inspectorMetrics::kContentWidth);
   auto* inner = new QVBoxLayout;
-  inner->setContentsMargins(Margin - InspectorColumn::LeftInset, Margin - 6, Margin - InspectorColumn::RightInset,
+  inner->setContentsMargins(Margin - inspectorMetrics::kLeftInset, Margin - 6, Margin - inspectorMetrics::kRightInset,
                             Margin - 2);
   inner->addWidget(section_);
   auto* outer = new QVBoxLayout(this);

@@ -2,6 +2,7 @@
 #include "Host/Inspect/UndoHistory.h"
 
 #include "Platform/QuartzComposer/QCPort.h"
+#include "Ports/VRTStateKeys.h"
 
 #include <utility>
 
@@ -9,13 +10,13 @@ namespace host {
 namespace {
 
 constexpr std::size_t MostSteps = 500;
-constexpr const char* SelectedChannel = "selectedChannel";
+using VRTStateKeys::kSelectedChannel;
 
 }  // namespace
 
 std::optional<PropertyList> editedState(const QCPort& port) {
   auto state = port.stateValue();
-  if (state && state->find(SelectedChannel)) state->set(SelectedChannel, PropertyList::integer(0));
+  if (state && state->find(kSelectedChannel)) state->set(kSelectedChannel, PropertyList::integer(0));
   return state;
 }
 
@@ -26,8 +27,8 @@ void setEditedState(QCPort& port, const std::optional<PropertyList>& state) {
   }
   PropertyList whole = *state;
   const auto present = port.stateValue();
-  const PropertyList* onView = present ? present->find(SelectedChannel) : nullptr;
-  if (onView && whole.find(SelectedChannel)) whole.set(SelectedChannel, *onView);
+  const PropertyList* onView = present ? present->find(kSelectedChannel) : nullptr;
+  if (onView && whole.find(kSelectedChannel)) whole.set(kSelectedChannel, *onView);
   port.setStateValue(whole, nullptr);
 }
 

@@ -6,11 +6,11 @@
 
 namespace host {
 
-// What the program answers to the shell.
+// What the program returns to the shell.
 enum class ExitCode {
   Success = 0,
   Unexpected = 1,  // a fault of the program itself, or no memory left
-  Usage = 2,       // the command line asks for something that does not exist or does not fit
+  Usage = 2,       // the command line names something that does not exist or does not fit
   Input = 3,       // a file could not be read, or holds something else than it should
   Output = 4,      // a file could not be written
   Effect = 5,      // the effect could not render

@@ -27,21 +27,28 @@ std::size_t sequenceLength(std::string_view text, std::size_t position) {
   return overlong || outside ? 0 : length;
 }
 
+// Bytes of the longest well-formed beginning.
+std::size_t validPrefixLength(std::string_view text) {
+  std::size_t position = 0;
+  while (position < text.size()) {
+    const std::size_t length = sequenceLength(text, position);
+    if (length == 0) break;
+    position += length;
+  }
+  return position;
+}
+
 }  // namespace
 
 std::string validUtf8(std::string_view text) {
   std::string valid;
-  for (std::size_t position = 0; position < text.size();) {
-    const std::size_t length = sequenceLength(text, position);
-    if (length == 0) {
-      valid += "\xEF\xBF\xBD";
-      ++position;
-    } else {
-      valid += text.substr(position, length);
-      position += length;
-    }
+  for (;;) {
+    const std::size_t length = validPrefixLength(text);
+    valid += text.substr(0, length);
+    if (length == text.size()) return valid;
+    valid += "\xEF\xBF\xBD";
+    text.remove_prefix(length + 1);
   }
-  return valid;
 }
 
 std::string printable(std::string_view text) {

@@ -26,7 +26,7 @@ std::uint32_t formatCodeOf(SampleType sample);
 // What flows between patches: premultiplied RGBA.
 BitmapRef makeBitmap(ImagePixels image, const std::string& what);
 
-// The other way, for any bitmap that an effect may answer with (ARGB8 too).
+// The other way, for any bitmap that an effect may give (ARGB8 too).
 ImagePixels pixelsOfBitmap(const VortoBitmap& bitmap, const std::string& what);
 
 // Another size by nearest neighbour, as VortoBitmap::copyWithScaling has it.

@@ -34,7 +34,7 @@ using LuminanceAlphaPixel = VortoPixel2<std::uint16_t, VortoPixelInfoLuminanceAl
 using LuminancePixel = VortoPixel1<std::uint16_t, VortoPixelInfoLuminance16>;
 using HalfPixel = VortoPixel4<half, VortoPixelInfoRGBAHalfFloat>;
 
-// What the bitmap's own conversion answers with: it knows ARGB8, RGBA16 and RGBAFloat.
+// What the bitmap's own conversion gives: it knows ARGB8, RGBA16 and RGBAFloat.
 std::shared_ptr<VortoBitmap> depthConverted(const VortoBitmap& bitmap, std::uint32_t formatCode,
                                             const std::string& what) {
   const auto result = newBitmap(bitmap.width, bitmap.height, formatCode, what);

@@ -25,7 +25,7 @@ struct Picture {
 // One effect that renders pictures, frame after frame.
 //
 // A size scales by nearest neighbour: what a filter gives, what blend modes and transitions are given (so that two
-// pictures of different size can meet). Generators are asked for it through their ports "inputWidth", "inputHeight",
+// pictures of different size can meet). Generators are told it through their ports "inputWidth", "inputHeight",
 // and for the depth through "inputDepth" (0: 8 bits, 1: 16 bits, 2: float), where they have them.
 class EffectRendering {
  public:
@@ -43,7 +43,7 @@ class EffectRendering {
 
   // The same in steps, for hosts that render the same pictures again with other parameters.
   void connect(const InputPictures& pictures);
-  BitmapRef result(double time);                       // runs the effect; what it gave, in the size asked for
+  BitmapRef result(double time);                       // runs the effect; what it gave, in the size that was wanted
   Picture pictureOf(const VortoBitmap& result) const;  // in the depth to write it in
 
  private:

@@ -11,7 +11,7 @@ class VortoBitmap;
 
 namespace host {
 
-// What this host answers about the images that flow through its patches: those of VRTImage, in RGBA8, RGBA16 and RGBA
+// What this host tells about the images that flow through its patches: those of VRTImage, in RGBA8, RGBA16 and RGBA
 // float as they are, in ARGB8 as a copy with red first that is kept as long as the image. Other images have a size but
 // no pixels: their address is null and their row pitch 0.
 class ExecutionContext : public VortoExecutionContext {
@@ -30,7 +30,7 @@ class ExecutionContext : public VortoExecutionContext {
   std::vector<Copy> copies_;
 };
 
-// Makes one such context answer for all patches of the process.
+// Makes one such context serve all patches of the process.
 void provideExecutionContext();
 
 }  // namespace host

@@ -2,26 +2,15 @@
 #include "Host/Rendering/Parameters.h"
 
 #include "Host/Messages/Failure.h"
+#include "Host/Rendering/Assignment.h"
 #include "Host/Rendering/EffectRendering.h"
 #include "Host/Rendering/PortKinds.h"
 #include "Host/Rendering/PortValues.h"
 #include "Host/States/StateFile.h"
 #include "Platform/QuartzComposer/QCPatch.h"
 
-#include <algorithm>
-#include <utility>
-
 namespace host {
 namespace {
-
-std::pair<std::string, std::string> splitAssignment(const std::string& option, const std::string& text) {
-  const std::size_t equals = text.find('=');
-  if (equals == std::string::npos || equals == 0) {
-    throw Failure(ExitCode::Usage, option + " " + text + ": give a port and its value, as in " + option +
-                                       (option == "--set" ? " port=value" : " port=FILE"));
-  }
-  return {text.substr(0, equals), text.substr(equals + 1)};
-}
 
 PortKind portKindFor(StateKind kind) {
   switch (kind) {
@@ -53,11 +42,11 @@ void setPortFromState(QCPort& port, const std::string& path) {
 void setParameters(EffectRendering& rendering, const std::vector<std::string>& values,
                    const std::vector<std::string>& states) {
   for (const std::string& text : states) {
-    const auto [name, path] = splitAssignment("--state", text);
+    const auto [name, path] = stateAssignment(text);
     setPortFromState(inputPortNamed(rendering.patch(), rendering.effect(), name), path);
   }
   for (const std::string& text : values) {
-    const auto [name, value] = splitAssignment("--set", text);
+    const auto [name, value] = valueAssignment(text);
     QCPort& port = inputPortNamed(rendering.patch(), rendering.effect(), name);
     if (&port == rendering.roles().time) {
       throw Failure(ExitCode::Usage, port.key() + " is the time of the transition; give it with --time");

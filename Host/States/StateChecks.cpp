@@ -1,23 +1,24 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/States/StateChecks.h"
 
+#include "Ports/VRTStateKeys.h"
+
+#include <algorithm>
 #include <cmath>
 
 namespace host {
 namespace {
-
-constexpr const char* LevelsValues[] = {"blackIn", "blackOut", "whiteIn", "whiteOut", "gamma"};
-constexpr const char* LevelsChannels[] = {"RGB", "Red", "Green", "Blue", "Alpha"};
 
 std::string faultOfNumber(const PropertyList& value, const std::string& where) {
   if (!value.isNumber()) return where + " is a " + value.typeName() + ", not a number";
   return std::isfinite(value.doubleValue()) ? "" : where + " is not a finite number";
 }
 
-std::string faultOfSamples(const PropertyList& state, const char* key, std::size_t numbersPerSample) {
-  const PropertyList* samples = state.find(key);
+std::string faultOfSamples(const PropertyList& state, const VRTStateKeys::Samples& form) {
+  const PropertyList* samples = state.find(form.key);
   if (!samples) return "";
-  const std::string quoted = std::string("\"") + key + '"';
+  const std::string quoted = std::string("\"") + form.key + '"';
+  const std::size_t numbersPerSample = form.entries.size();
   if (!samples->isArray()) return quoted + " is a " + samples->typeName() + ", not an array";
   const auto& numbers = samples->items();
   if (numbers.size() % numbersPerSample != 0) {
@@ -32,35 +33,28 @@ std::string faultOfSamples(const PropertyList& state, const char* key, std::size
 }
 
 std::string faultOfLevels(const PropertyList& state) {
-  std::string fault;
-  const auto check = [&](const std::string& key) {
+  for (const std::string& key : VRTStateKeys::levelsKeys()) {
     const PropertyList* value = state.find(key);
-    if (value && fault.empty()) fault = faultOfNumber(*value, '"' + key + '"');
-  };
-  check("selectedChannel");
-  for (const char* channel : LevelsChannels) {
-    for (const char* value : LevelsValues) check(std::string(value) + channel);
+    if (const std::string fault = value ? faultOfNumber(*value, '"' + key + '"') : ""; !fault.empty()) return fault;
   }
-  return fault;
+  return "";
 }
 
 }  // namespace
 
 std::optional<StateKind> kindOfDictionary(const PropertyList& state) {
-  if (state.find("rgbSamples") || state.find("alphaSamples")) return StateKind::Gradient;
-  for (const char* channel : LevelsChannels) {
-    for (const char* value : LevelsValues) {
-      if (state.find(std::string(value) + channel)) return StateKind::Levels;
-    }
-  }
+  using namespace VRTStateKeys;
+  if (state.find(kRGBSamples.key) || state.find(kAlphaSamples.key)) return StateKind::Gradient;
+  const auto isOfLevels = [&](const std::string& key) { return key != kSelectedChannel && state.find(key); };
+  if (std::any_of(levelsKeys().begin(), levelsKeys().end(), isOfLevels)) return StateKind::Levels;
   return std::nullopt;
 }
 
 std::string faultOfState(StateKind kind, const PropertyList& state) {
   switch (kind) {
     case StateKind::Gradient: {
-      const std::string fault = faultOfSamples(state, "rgbSamples", 6);
-      return fault.empty() ? faultOfSamples(state, "alphaSamples", 4) : fault;
+      const std::string fault = faultOfSamples(state, VRTStateKeys::kRGBSamples);
+      return fault.empty() ? faultOfSamples(state, VRTStateKeys::kAlphaSamples) : fault;
     }
     case StateKind::Levels:
       return faultOfLevels(state);

@@ -116,23 +116,29 @@ const char* stateKindName(StateKind kind) {
   return "opaque";
 }
 
-StateFile readStateFile(const std::string& path) {
-  std::string reason;
-  auto bytes = NSReadFile(path, &reason);
-  if (!bytes) throw Failure(ExitCode::Input, "cannot read " + path + ": " + reason);
+std::optional<StateFile> stateFileFromBytes(PropertyList::Bytes bytes, std::string* reason) {
   StateFile file;
-  auto list = PropertyListFromBytes(*bytes, &reason, &file.format);
-  if (!list) throw Failure(ExitCode::Input, "cannot read " + path + ": " + reason);
+  auto list = PropertyListFromBytes(bytes, reason, &file.format);
+  if (!list) return std::nullopt;
   file.list = std::move(*list);
   try {
-    interpret(file, std::move(*bytes));
+    interpret(file, std::move(bytes));
     completeState(file);
+    return file;
   } catch (const std::bad_alloc&) {
     throw;
   } catch (const std::exception& error) {
-    throw Failure(ExitCode::Input, "cannot read " + path + ": " + error.what());
+    if (reason) *reason = error.what();
+    return std::nullopt;
   }
-  return file;
+}
+
+StateFile readStateFile(const std::string& path) {
+  std::string reason;
+  auto bytes = NSReadFile(path, &reason);
+  auto file = bytes ? stateFileFromBytes(std::move(*bytes), &reason) : std::nullopt;
+  if (!file) throw Failure(ExitCode::Input, "cannot read " + path + ": " + reason);
+  return std::move(*file);
 }
 
 PropertyList::Bytes convertedState(const StateFile& file, const std::string& path, PropertyListFormat format,

@@ -6,6 +6,7 @@
 #include "Ports/VRTObjects.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace host {
@@ -16,12 +17,11 @@ enum class StateForm { Dictionary, Archive };
 const char* stateKindName(StateKind kind);  // "gradient", "levels", "opaque"
 
 // A parameter as a document keeps it. What counts as one, each as an XML or a binary property list:
-//   - a dictionary with "rgbSamples" or "alphaSamples": a gradient;
-//   - a dictionary with any of the keys of levels ("blackInRGB", ...): levels;
+//   - a dictionary with one of the arrays of a gradient's samples: a gradient;
+//   - a dictionary with any of the values of levels: levels (the selected channel alone is not enough);
 //   - data that holds a keyed archive: opaque data (of the form Dictionary too: it is what the port stores);
 //   - a keyed archive of a gradient, levels or opaque data, under their present or older class names, or of one of
-//   those
-//     dictionaries;
+//     those dictionaries;
 //   - any other keyed archive: opaque data whose value is what the archive holds.
 struct StateFile {
   StateKind kind = StateKind::Gradient;
@@ -32,8 +32,10 @@ struct StateFile {
   PropertyList state;                 // what a port takes: object->stateValue()
 };
 
-// Throws Failure for a file that is none of these, or whose numbers are not finite or not complete.
-StateFile readStateFile(const std::string& path);
+// The same from the bytes of such a file. Nothing, with the cause, when they are none of these, or the numbers are not
+// finite or not complete.
+std::optional<StateFile> stateFileFromBytes(PropertyList::Bytes bytes, std::string* reason);
+StateFile readStateFile(const std::string& path);  // throws Failure
 
 // The bytes of the same state in a format and form. In the form that the file has, everything in it is kept; another
 // form is made anew.

@@ -5,6 +5,7 @@
 #include "Host/Messages/Table.h"
 #include "Host/Messages/Utf8.h"
 #include "Platform/Foundation/NSValues.h"
+#include "Ports/VRTStateKeys.h"
 
 #include <cmath>
 
@@ -41,42 +42,49 @@ std::string colorCode(const PropertyList::Array& numbers, std::size_t first) {
   return '#' + hexadecimal(bytes);
 }
 
-std::string samplesAsText(const PropertyList* samples, std::size_t numbersPerSample, std::vector<std::string> heading) {
-  const bool colors = numbersPerSample == 6;
+// One row a sample; colors also as a code.
+std::string samplesAsText(const PropertyList& state, const VRTStateKeys::Samples& form) {
+  using namespace VRTStateKeys;
+  const bool colors = &form == &kRGBSamples;
+  std::vector<std::string> heading(form.entries.begin(), form.entries.end());
+  if (colors) heading.emplace_back("code");
   Table table(std::vector<Table::Alignment>(heading.size(), Table::Right));
   table.addRow(std::move(heading));
+  const PropertyList* samples = state.find(form.key);
   const PropertyList::Array none;
   const auto& numbers = samples ? samples->items() : none;
-  for (std::size_t i = 0; i + numbersPerSample <= numbers.size(); i += numbersPerSample) {
-    std::vector<std::string> row{number(&numbers[i]), number(&numbers[i + 1]), interpolationName(numbers[i + 2])};
-    for (std::size_t j = 3; j < numbersPerSample; ++j) row.push_back(number(&numbers[i + j]));
-    if (colors) row.push_back(colorCode(numbers, i + 3));
+  for (std::size_t first = 0; first + form.entries.size() <= numbers.size(); first += form.entries.size()) {
+    std::vector<std::string> row;
+    for (std::size_t entry = 0; entry < form.entries.size(); ++entry) {
+      const PropertyList& value = numbers[first + entry];
+      row.push_back(entry == kInterpolation ? interpolationName(value) : number(&value));
+    }
+    if (colors) row.push_back(colorCode(numbers, first + kRed));
     table.addRow(std::move(row));
   }
   return table.text("  ");
 }
 
 std::string gradientAsText(const PropertyList& state) {
-  return "colors\n" +
-         samplesAsText(state.find("rgbSamples"), 6,
-                       {"position", "middle", "interpolation", "red", "green", "blue", "code"}) +
-         "opacities\n" + samplesAsText(state.find("alphaSamples"), 4, {"position", "middle", "interpolation", "alpha"});
+  return "colors\n" + samplesAsText(state, VRTStateKeys::kRGBSamples) + "opacities\n" +
+         samplesAsText(state, VRTStateKeys::kAlphaSamples);
 }
 
 std::string levelsAsText(const PropertyList& state) {
-  static constexpr const char* channels[] = {"RGB", "Red", "Green", "Blue", "Alpha"};
+  using namespace VRTStateKeys;
   Table table({Table::Left, Table::Right, Table::Right, Table::Right, Table::Right, Table::Right});
   table.addRow({"channel", "black in", "white in", "gamma", "black out", "white out"});
-  for (const std::string channel : channels) {
-    std::vector<std::string> row{channel};
-    for (const char* value : {"blackIn", "whiteIn", "gamma", "blackOut", "whiteOut"}) {
-      row.push_back(number(state.find(value + channel)));
+  for (std::size_t channel = 0; channel < kLevelsChannels.size(); ++channel) {
+    std::vector<std::string> row{kLevelsChannels[channel]};
+    for (const LevelsValue value : {kBlackIn, kWhiteIn, kGamma, kBlackOut, kWhiteOut}) {
+      row.push_back(number(state.find(levelsKey(value, channel))));
     }
     table.addRow(std::move(row));
   }
-  const PropertyList* selected = state.find("selectedChannel");
+  const PropertyList* selected = state.find(kSelectedChannel);
   const std::int64_t index = selected ? selected->integerValue() : 0;
-  const std::string name = index >= 0 && index < 5 ? channels[index] : std::to_string(index);
+  const bool known = index >= 0 && index < static_cast<std::int64_t>(kLevelsChannels.size());
+  const std::string name = known ? kLevelsChannels[static_cast<std::size_t>(index)] : std::to_string(index);
   return table.text("  ") + "selected channel  " + name + "\n";
 }
 

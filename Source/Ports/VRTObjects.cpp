@@ -8,8 +8,10 @@
 #include "Platform/Foundation/NSKeyedArchiver.h"
 #include "Platform/Foundation/NSKeyedUnarchiver.h"
 #include "Platform/Foundation/NSValues.h"
+#include "Ports/VRTStateKeys.h"
 
 #include <array>
+#include <initializer_list>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -32,9 +34,6 @@ class OpaqueNesting {
   static inline int depth = 0;
 };
 
-constexpr std::size_t rgbGroupSize = 6;
-constexpr std::size_t alphaGroupSize = 4;
-
 void deleteSamples(VRTChannelFolder& folder) {
   auto& samples = folder.getDescendants();
   while (!samples.empty()) {
@@ -43,33 +42,40 @@ void deleteSamples(VRTChannelFolder& folder) {
   }
 }
 
-// Entries of anything but a number read as 0; an entry past the end throws std::out_of_range.
-void readRGBSamples(const PropertyList::Array& entries, VRTChannelGradientRGBFolder& folder) {
-  const auto real = [&](std::size_t index) { return entries.at(index).doubleValue(); };
+// Calls add(entry) for every sample, where entry(kPosition) and so on are its numbers. What is no number reads as 0; an
+// entry past the end throws std::out_of_range.
+template <class Add>
+void readSamples(const PropertyList::Array& numbers, const VRTStateKeys::Samples& samples, VRTChannelFolder& folder,
+                 Add add) {
   deleteSamples(folder);
-  for (std::size_t i = 0; i < entries.size(); i += rgbGroupSize) {
-    const double position = real(i);
-    const double middle = real(i + 1);
-    const int interpolation = entries.at(i + 2).intValue();
-    folder.addSample(real(i + 3), real(i + 4), real(i + 5), position, middle, interpolation);
+  for (std::size_t first = 0; first < numbers.size(); first += samples.entries.size()) {
+    add([&](VRTStateKeys::SampleEntry entry) -> const PropertyList& { return numbers.at(first + entry); });
   }
 }
 
-void readAlphaSamples(const PropertyList::Array& entries, VRTChannelGradientAlphaFolder& folder) {
-  const auto real = [&](std::size_t index) { return entries.at(index).doubleValue(); };
-  deleteSamples(folder);
-  for (std::size_t i = 0; i < entries.size(); i += alphaGroupSize) {
-    const double position = real(i);
-    const double middle = real(i + 1);
-    const int interpolation = entries.at(i + 2).intValue();
-    folder.addSample(real(i + 3), position, middle, interpolation);
-  }
+void readRGBSamples(const PropertyList::Array& numbers, VRTChannelGradientRGBFolder& folder) {
+  using namespace VRTStateKeys;
+  readSamples(numbers, kRGBSamples, folder, [&](const auto& entry) {
+    const int interpolation = entry(kInterpolation).intValue();
+    folder.addSample(entry(kRed).doubleValue(), entry(kGreen).doubleValue(), entry(kBlue).doubleValue(),
+                     entry(kPosition).doubleValue(), entry(kMiddle).doubleValue(), interpolation);
+  });
 }
 
-void appendSample(PropertyList& array, const VRTChannelGradientSample& sample) {
+void readAlphaSamples(const PropertyList::Array& numbers, VRTChannelGradientAlphaFolder& folder) {
+  using namespace VRTStateKeys;
+  readSamples(numbers, kAlphaSamples, folder, [&](const auto& entry) {
+    const int interpolation = entry(kInterpolation).intValue();
+    folder.addSample(entry(kAlpha).doubleValue(), entry(kPosition).doubleValue(), entry(kMiddle).doubleValue(),
+                     interpolation);
+  });
+}
+
+void appendSample(PropertyList& array, const VRTChannelGradientSample& sample, std::initializer_list<double> values) {
   array.append(PropertyList::real(sample.position));
   array.append(PropertyList::real(sample.middle));
   array.append(PropertyList::integer(sample.interpolation));
+  for (const double value : values) array.append(PropertyList::real(value));
 }
 
 std::unique_ptr<VRTChannelGradient> makeDefaultGradient() {
@@ -79,24 +85,29 @@ std::unique_ptr<VRTChannelGradient> makeDefaultGradient() {
   return channel;
 }
 
-struct LevelsProperty {
-  const char* name;
+struct LevelsAccess {
   double (VRTHistogram::*get)(int) const;
   void (VRTHistogram::*set)(double, int);
 };
 
-constexpr std::array<LevelsProperty, 5> levelsProperties{{
-    {"blackIn", &VRTHistogram::blackInForChannel, &VRTHistogram::setBlackIn},
-    {"blackOut", &VRTHistogram::blackOutForChannel, &VRTHistogram::setBlackOut},
-    {"whiteIn", &VRTHistogram::whiteInForChannel, &VRTHistogram::setWhiteIn},
-    {"whiteOut", &VRTHistogram::whiteOutForChannel, &VRTHistogram::setWhiteOut},
-    {"gamma", &VRTHistogram::gammaForChannel, &VRTHistogram::setGamma},
+// In the order of VRTStateKeys::kLevelsValues.
+constexpr std::array<LevelsAccess, VRTStateKeys::kLevelsValues.size()> levelsAccess{{
+    {&VRTHistogram::blackInForChannel, &VRTHistogram::setBlackIn},
+    {&VRTHistogram::blackOutForChannel, &VRTHistogram::setBlackOut},
+    {&VRTHistogram::whiteInForChannel, &VRTHistogram::setWhiteIn},
+    {&VRTHistogram::whiteOutForChannel, &VRTHistogram::setWhiteOut},
+    {&VRTHistogram::gammaForChannel, &VRTHistogram::setGamma},
 }};
-constexpr std::array<const char*, 5> levelsChannels{"RGB", "Red", "Green", "Blue", "Alpha"};
-constexpr const char* selectedChannelKey = "selectedChannel";
 
-std::string levelsKey(const LevelsProperty& property, std::size_t channel) {
-  return std::string(property.name) + levelsChannels[channel];
+// Calls visit(access, channel, key) for every value of levels, in the order in which they are written.
+template <class Visit>
+void visitLevels(Visit visit) {
+  using namespace VRTStateKeys;
+  for (std::size_t channel = 0; channel < kLevelsChannels.size(); ++channel) {
+    for (std::size_t value = 0; value < kLevelsValues.size(); ++value) {
+      visit(levelsAccess[value], static_cast<int>(channel), levelsKey(static_cast<LevelsValue>(value), channel));
+    }
+  }
 }
 
 const NSClassRegistration objectClass("VRTObject", "QCObject", {});
@@ -167,27 +178,23 @@ std::optional<PropertyList> VRTGradient::stateValue() const {
   for (const VRTChannelBase* child : _kxChannelGradient->rgbFolder.getDescendants()) {
     const auto* sample = dynamic_cast<const VRTChannelGradientSampleRGB*>(child);
     if (!sample) continue;
-    appendSample(rgbSamples, *sample);
-    rgbSamples.append(PropertyList::real(sample->red));
-    rgbSamples.append(PropertyList::real(sample->green));
-    rgbSamples.append(PropertyList::real(sample->blue));
+    appendSample(rgbSamples, *sample, {sample->red, sample->green, sample->blue});
   }
   PropertyList alphaSamples = PropertyList::array();
   for (const VRTChannelBase* child : _kxChannelGradient->alphaFolder.getDescendants()) {
     const auto* sample = dynamic_cast<const VRTChannelGradientSampleAlpha*>(child);
     if (!sample) continue;
-    appendSample(alphaSamples, *sample);
-    alphaSamples.append(PropertyList::real(sample->alpha));
+    appendSample(alphaSamples, *sample, {sample->alpha});
   }
   PropertyList state;
-  state.set("rgbSamples", std::move(rgbSamples));
-  state.set("alphaSamples", std::move(alphaSamples));
+  state.set(VRTStateKeys::kRGBSamples.key, std::move(rgbSamples));
+  state.set(VRTStateKeys::kAlphaSamples.key, std::move(alphaSamples));
   return state;
 }
 
 bool VRTGradient::initWithStateValue(const PropertyList& state) {
-  const PropertyList* rgbSamples = state.find("rgbSamples");
-  const PropertyList* alphaSamples = state.find("alphaSamples");
+  const PropertyList* rgbSamples = state.find(VRTStateKeys::kRGBSamples.key);
+  const PropertyList* alphaSamples = state.find(VRTStateKeys::kAlphaSamples.key);
   if (!state.isDictionary() || (rgbSamples && !rgbSamples->isArray()) || (alphaSamples && !alphaSamples->isArray())) {
     return false;
   }
@@ -256,25 +263,21 @@ void VRTHistogram::setGamma(double value, int channel) {
 
 std::optional<PropertyList> VRTHistogram::stateValue() const {
   PropertyList state;
-  state.set(selectedChannelKey, PropertyList::integer(selectedChannel()));
-  for (std::size_t channel = 0; channel < levelsChannels.size(); ++channel) {
-    for (const LevelsProperty& property : levelsProperties) {
-      state.set(levelsKey(property, channel), PropertyList::real((this->*property.get)(static_cast<int>(channel))));
-    }
-  }
+  state.set(VRTStateKeys::kSelectedChannel, PropertyList::integer(selectedChannel()));
+  visitLevels([&](const LevelsAccess& access, int channel, const std::string& key) {
+    state.set(key, PropertyList::real((this->*access.get)(channel)));
+  });
   return state;
 }
 
 bool VRTHistogram::initWithStateValue(const PropertyList& state) {
   if (!state.isDictionary()) return false;
-  const PropertyList* selected = state.find(selectedChannelKey);
+  const PropertyList* selected = state.find(VRTStateKeys::kSelectedChannel);
   setSelectedChannel(selected ? selected->intValue() : 0);
-  for (std::size_t channel = 0; channel < levelsChannels.size(); ++channel) {
-    for (const LevelsProperty& property : levelsProperties) {
-      const PropertyList* value = state.find(levelsKey(property, channel));
-      (this->*property.set)(value ? value->doubleValue() : 0, static_cast<int>(channel));
-    }
-  }
+  visitLevels([&](const LevelsAccess& access, int channel, const std::string& key) {
+    const PropertyList* value = state.find(key);
+    (this->*access.set)(value ? value->doubleValue() : 0, channel);
+  });
   return true;
 }
 

@@ -25,9 +25,7 @@ class TARN_EXPORT VRTObject : public QCObject {
 
 // A gradient. Owns its channel from construction to destruction.
 //
-// State: "rgbSamples", six numbers per color sample (position, middle, interpolation, red, green, blue), and
-// "alphaSamples", four per opacity sample (position, middle, interpolation, alpha); interpolation is an integer, the
-// others are reals.
+// State: the arrays of its color and of its opacity samples, in the form that VRTStateKeys.h describes.
 class TARN_EXPORT VRTGradient : public VRTObject {
  public:
   VRTGradient();  // white at 0 to black at 1, smooth, opaque
@@ -75,8 +73,7 @@ class TARN_EXPORT VRTHistogram : public VRTObject {
   void setWhiteOut(double value, int channel);
   void setGamma(double value, int channel);
 
-  // 26 keys: "selectedChannel", then blackIn, blackOut, whiteIn, whiteOut and gamma of "RGB", "Red", "Green", "Blue",
-  // "Alpha".
+  // The keys of VRTStateKeys::levelsKeys(), in that order.
   std::optional<PropertyList> stateValue() const override;
   bool initWithStateValue(const PropertyList& state) override;  // a missing key reads as 0
 

@@ -9,7 +9,7 @@
 class NSTarnView;
 class VRTOpaqueDataPort;
 
-// How an inspector asks a port for the editor of its parameter.
+// How an inspector gets the editor of a port's parameter.
 class TARN_EXPORT ParameterView {
  public:
   virtual ~ParameterView();
@@ -53,6 +53,6 @@ class TARN_EXPORT VRTOpaqueDataPort : public QCObjectPort, public ParameterView 
   using QCObjectPort::QCObjectPort;
   std::string className() const override { return "VRTOpaqueDataPort"; }
   std::string objectClass() const override { return "VRTOpaqueData"; }
-  NSTarnView* setupParameterView() override;  // what the port's node answers to viewForOpaqueDataPort, or null
+  NSTarnView* setupParameterView() override;  // viewForOpaqueDataPort() of the port's node, or null
   void resetParameterView(NSTarnView* view) override;
 };

@@ -17,7 +17,7 @@ inline constexpr std::string_view VRTNodeNamespace = "org.vorto.framework.nodes"
 //   /Library/Plug-Ins/Vorto
 //   ~/Library/Plug-Ins/Vorto
 // in this order, the home folder being $HOME or, without it, that of the user database; without either the third is
-// passed over. A plug-in may ask for manager() while it is loaded. Further objects that are given init() load the
+// passed over. A plug-in may call manager() while it is loaded. Further objects that are given init() load the
 // folders again, for themselves; the shared one stays.
 class TARN_EXPORT VRTNodeManager : public GFNodeManager {
  public:

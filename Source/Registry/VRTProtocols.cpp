@@ -95,6 +95,6 @@ void VortoSetExecutionContextProvider(VortoExecutionContextProvider newProvider)
 
 VortoExecutionContext* vortoExecutionContext(QCPatch& patch) {
   if (auto* runtime = dynamic_cast<VortoRuntime*>(&patch)) return runtime->vortoExecutionContext();
-  const VortoExecutionContextProvider current = provider();  // it may replace itself while it answers
+  const VortoExecutionContextProvider current = provider();  // it may replace itself while it runs
   return current ? current(patch) : nullptr;
 }

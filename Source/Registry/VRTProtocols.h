@@ -11,7 +11,7 @@ class QCPatch;
 class QCPort;
 
 // What kind of effect a patch is, and which of its ports play which role, read from the "protocols" entry of its
-// attributes. A patch may be of several kinds. Port accessors answer null when the role is not declared or names no
+// attributes. A patch may be of several kinds. Port accessors return null when the role is not declared or names no
 // port; the port belongs to the patch.
 
 TARN_EXPORT bool isVortoGenerator(const QCPatch& patch);
@@ -32,7 +32,7 @@ TARN_EXPORT QCPort* transitionInputImageBPort(const QCPatch& patch);
 TARN_EXPORT QCPort* transitionInputTimePort(const QCPatch& patch);
 TARN_EXPORT QCPort* transitionOutputImagePort(const QCPatch& patch);
 
-// What a host answers about the images that flow through its patches. Pixels are RGBA or BGRA at 8 bits, 16 bits or
+// What a host tells about the images that flow through its patches. Pixels are RGBA or BGRA at 8 bits, 16 bits or
 // float.
 class TARN_EXPORT VortoExecutionContext {
  public:
@@ -51,8 +51,8 @@ class TARN_EXPORT VortoRuntime {
   virtual VortoExecutionContext* vortoExecutionContext();  // null here
 };
 
-// Answers for the patches that come from elsewhere, plug-ins and compositions, and so do not implement VortoRuntime: a
-// host that runs them registers one provider for the process. It may answer null; a null provider takes the
+// Speaks for the patches that come from elsewhere, plug-ins and compositions, and so do not implement VortoRuntime: a
+// host that runs them registers one provider for the process. It may return null; a null provider takes the
 // registration back.
 using VortoExecutionContextProvider = std::function<VortoExecutionContext*(QCPatch& patch)>;
 TARN_EXPORT void VortoSetExecutionContextProvider(VortoExecutionContextProvider provider);

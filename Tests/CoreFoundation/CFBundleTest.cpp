@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/CoreFoundation/CFBundle.h"
 
-#include "Platform/CoreFoundation/CFBundleRegistry.h"
+#include "Platform/CoreFoundation/CFBundleSearch.h"
 #include "Platform/Foundation/PropertyList.h"
 #include "Tests/CoreFoundation/CFTestText.h"
 #include "Tests/Support/ChildProcess.h"

@@ -63,7 +63,8 @@ PropertyList::Bytes fileOf(const std::string& name) {
 
 PropertyList::Bytes xmlList(const std::string& input) {
   const std::string mark = "document:";
-  return bytesOf(input.starts_with(mark) ? input.substr(mark.size()) : "<plist version=\"1.0\">" + input + "</plist>\n");
+  return bytesOf(input.starts_with(mark) ? input.substr(mark.size())
+                                         : "<plist version=\"1.0\">" + input + "</plist>\n");
 }
 
 void appendNumber(PropertyList::Bytes& out, std::uint64_t value, unsigned size) {

@@ -72,11 +72,11 @@ P::Bytes container(std::uint8_t kind, const std::vector<std::uint64_t>& referenc
 TEST(BinaryLists, ReferencesAndOffsetsOfEveryWidthAreRead) {
   for (unsigned width = 1; width <= 8; ++width) {
     const auto list = PropertyListFromBytes(
-        binaryList({container(0xA0, {1, 2, 1}, width), {0x51, 's'}, container(0xD0, {1, 3}, width), {0x09}}, width, width),
+        binaryList({container(0xA0, {1, 2, 1}, width), {0x51, 's'}, container(0xD0, {1, 3}, width), {0x09}}, width,
+                   width),
         nullptr);
     ASSERT_TRUE(list) << width;
-    EXPECT_EQ(compactXml(*list),
-              "<array><string>s</string><dict><key>s</key><true/></dict><string>s</string></array>");
+    EXPECT_EQ(compactXml(*list), "<array><string>s</string><dict><key>s</key><true/></dict><string>s</string></array>");
   }
 }
 
@@ -88,8 +88,8 @@ TEST(BinaryLists, NestingIsBoundedAlsoWhereItIsReachedBySharing) {
       std::vector<P::Bytes> objects;
       const std::size_t middle = depth / 2;
       for (std::size_t i = 0; i + 1 < depth; ++i) {
-        const std::vector<std::uint64_t> ways = shortWayFirst ? std::vector<std::uint64_t>{middle, i + 1}
-                                                              : std::vector<std::uint64_t>{i + 1, middle};
+        const std::vector<std::uint64_t> ways =
+            shortWayFirst ? std::vector<std::uint64_t>{middle, i + 1} : std::vector<std::uint64_t>{i + 1, middle};
         objects.push_back(container(0xA0, i == 0 ? ways : std::vector<std::uint64_t>{i + 1}, 2));
       }
       objects.push_back({0xA0});

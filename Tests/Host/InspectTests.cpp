@@ -15,17 +15,11 @@ struct Size {
   std::uint32_t width, height;
 };
 
-TestImage screenshot(std::vector<std::string> arguments, const std::string& path) {
+TestImage screenshot(Words arguments, const std::string& path) {
   arguments.insert(arguments.begin(), "inspect");
   arguments.insert(arguments.end(), {"--screenshot", path});
   EXPECT_EQ(vortoSucceeds(arguments).out, "");
   return readTiff(path);
-}
-
-TestImage flat(double gray) {
-  TestImage image{64, 48, 8, {}};
-  for (int i = 0; i < 64 * 48; ++i) image.samples.insert(image.samples.end(), {gray, gray, gray, 255});
-  return image;
 }
 
 std::size_t at(const TestImage& image, std::uint32_t x, std::uint32_t y) {
@@ -75,14 +69,14 @@ std::string gradientOfOneColor(double red, double green, double blue) {
 TEST(Inspect, ShowsThePictureThatRenderGives) {
   const TemporaryFolder folder;
   const std::string& path = folder.path();
-  const std::vector<std::string> effect{"Levels", "--input", VORTO_PHOTOS "/coffee.png", "--state",
-                                        "levels=" VORTO_DOCUMENTS "/contrast.levels"};
-  std::vector<std::string> render{"render"};
+  const Words effect{"Levels", "--input", VORTO_PHOTOS "/coffee.png", "--state",
+                     "levels=" VORTO_DOCUMENTS "/contrast.levels"};
+  Words render{"render"};
   render.insert(render.end(), effect.begin(), effect.end());
   render.insert(render.end(), {"--output", path + "/rendered.tif"});
   vortoSucceeds(render);
   const TestImage rendered = readTiff(path + "/rendered.tif");
-  std::vector<std::string> light = effect;
+  Words light = effect;
   light.insert(light.end(), {"--appearance", "light", "--scale", "1"});
   const TestImage shot = screenshot(light, path + "/shot.tif");
   ASSERT_GT(shot.width, rendered.width);
@@ -95,7 +89,7 @@ TEST(Inspect, ShowsTheHistogramOfTheImageThatFlows) {
   const std::string& path = folder.path();
   const std::array<double, 3> bar{25, 29, 38};
   const auto barColumns = [&](double gray) {
-    writeTiff(path + "/in.tif", flat(gray));
+    writeTiff(path + "/in.tif", flatImage(64, 48, {gray, gray, gray, 255}));
     return columnsOf(
         screenshot({"Levels", "--input", path + "/in.tif", "--scale", "1", "--appearance", "dark"}, path + "/shot.tif"),
         bar);

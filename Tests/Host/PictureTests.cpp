@@ -16,7 +16,7 @@ struct RoundTrip {
   int bits;             // of the first file
   bool halves;          // its floats are halves
   const char* between;  // the file that the picture takes its way through
-  const char* depth;    // asked for; empty for the input's
+  const char* depth;    // wanted; empty for the input's
 };
 
 class LosslessRoundTrip : public testing::TestWithParam<RoundTrip> {};
@@ -31,12 +31,8 @@ TEST_P(LosslessRoundTrip, GivesTheSamePixels) {
   const std::string last = folder.path() + "/last.tif";
   const TestImage image = variedImage(37, 23, way.bits, way.halves);
   writeTiff(first, image);
-  std::vector<std::string> depth;
-  if (*way.depth) depth = {"--depth", way.depth};
-  passThrough(first, between, depth);
-  passThrough(
-      between, last,
-      way.bits == 32 ? std::vector<std::string>{} : std::vector<std::string>{"--depth", std::to_string(way.bits)});
+  passThrough(first, between, *way.depth ? Words{"--depth", way.depth} : Words{});
+  passThrough(between, last, way.bits == 32 ? Words{} : Words{"--depth", std::to_string(way.bits)});
   EXPECT_EQ(readTiff(last), image);
 }
 
@@ -52,11 +48,10 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(Depth, FollowsTheInputAndTheFormat) {
   const TemporaryFolder folder;
-  const auto bitsAfter = [&](const std::string& between, int bits, const std::vector<std::string>& arguments) {
+  const auto bitsAfter = [&](const std::string& file, int bits, const Words& arguments) {
     writeTiff(folder.path() + "/in.tif", variedImage(4, 3, bits));
-    passThrough(folder.path() + "/in.tif", folder.path() + between, arguments);
-    passThrough(folder.path() + between, folder.path() + "/out.tif");
-    return readTiff(folder.path() + "/out.tif").bits;
+    passThrough(folder.path() + "/in.tif", folder.path() + file, arguments);
+    return readImage(folder.path() + file).bits;
   };
   EXPECT_EQ(bitsAfter("/a.png", 8, {}), 8);
   EXPECT_EQ(bitsAfter("/a.png", 16, {}), 16);
@@ -96,16 +91,14 @@ TEST(Alpha, StraightFilesAreMultiplied) {
   writePng(folder.path() + "/in.png", straight);
   passThrough(folder.path() + "/in.png", folder.path() + "/png.tif");
   EXPECT_EQ(readTiff(folder.path() + "/png.tif").samples, expected);
-  writeTiff(folder.path() + "/in.tif", straight, TiffAlpha::Straight);
+  writeTiff(folder.path() + "/in.tif", straight, Alpha::Straight);
   passThrough(folder.path() + "/in.tif", folder.path() + "/tiff.tif");
   EXPECT_EQ(readTiff(folder.path() + "/tiff.tif").samples, expected);
 }
 
 TEST(Alpha, JpegShowsThePictureOverBlack) {
   const TemporaryFolder folder;
-  TestImage image{16, 16, 8, {}};
-  for (int i = 0; i < 256; ++i) image.samples.insert(image.samples.end(), {60, 60, 60, 128});
-  writeTiff(folder.path() + "/in.tif", image);
+  writeTiff(folder.path() + "/in.tif", flatImage(16, 16, {60, 60, 60, 128}));
   passThrough(folder.path() + "/in.tif", folder.path() + "/out.jpg");
   passThrough(folder.path() + "/out.jpg", folder.path() + "/out.tif");
   for (const auto value : readTiff(folder.path() + "/out.tif").pixel(8, 8))
@@ -124,10 +117,11 @@ TEST(Orientation, PicturesAreReadUpright) {
               {7, 3, {6, 4, 2, 5, 3, 1}}, {8, 3, {2, 4, 6, 1, 3, 5}}};
   TestImage stored{2, 3, 8, {}};
   for (int i = 1; i <= 6; ++i) stored.samples.insert(stored.samples.end(), {double(i), 0, 0, 255});
+  const auto frame = [&](const char* name, int tag) { return folder.path() + name + std::to_string(tag) + ".tif"; };
+  for (const auto& row : rows) writeTiff(frame("/in.", row.tag), stored, Alpha::Premultiplied, row.tag);
+  passThrough(folder.path() + "/in.%d.tif", folder.path() + "/out.%d.tif");
   for (const auto& row : rows) {
-    writeTiff(folder.path() + "/in.tif", stored, TiffAlpha::Premultiplied, row.tag);
-    passThrough(folder.path() + "/in.tif", folder.path() + "/out.tif");
-    const TestImage out = readTiff(folder.path() + "/out.tif");
+    const TestImage out = readTiff(frame("/out.", row.tag));
     EXPECT_EQ(out.width, row.width) << row.tag;
     std::vector<double> reds;
     for (std::size_t i = 0; i < out.samples.size(); i += 4) reds.push_back(out.samples[i]);
@@ -150,32 +144,35 @@ TEST(Size, ScalesByNearestNeighbour) {
   }
 }
 
-TEST(Render, EveryKindOfEffectMakesAPicture) {
+// Generators are told their depth through a port, the others by their input.
+TEST(Render, EveryKindOfEffectMakesAPictureOfTheWantedDepth) {
   const TemporaryFolder folder;
   const std::string coffee = VORTO_PHOTOS "/coffee.png";
   const std::string rocket = VORTO_PHOTOS "/rocket.jpg";
-  const std::string out = folder.path() + "/out.tif";
-  for (const std::string depth : {"8", "16", "half", "float"}) {
-    const int bits = depth == "8" ? 8 : depth == "16" ? 16 : 32;
-    const std::vector<std::vector<std::string>> commands = {
-        {"Gradient Map", "--input", coffee, "--size", "60x40"},
-        {"Levels", "--input", coffee, "--size", "60x40"},
-        {"Duotone", "--input", rocket, "--size", "60x40"},
-        {"Over", "--input", coffee, rocket, "--size", "60x40"},
-        {"Multiply", "--input", coffee, rocket, "--size", "60x40"},
-        {"Dissolve", "--input", coffee, "--input", rocket, "--size", "60x40", "--time", "0.25"},
-        {"Gradient Wipe", "--input", coffee, rocket, "--size", "60x40", "--time", "0.5"},
-        {"Gradient Ramp", "--size", "60x40"},
-        {"Checkerboard", "--size", "60x40"}};
-    for (std::vector<std::string> command : commands) {
-      command.insert(command.begin(), "render");
-      command.insert(command.end(), {"--output", out, "--depth", depth});
-      vortoSucceeds(command);
-      const TestImage image = readTiff(out);
-      EXPECT_EQ(image.width, 60u) << command[1];
-      EXPECT_EQ(image.height, 40u) << command[1];
-      EXPECT_EQ(image.bits, bits) << command[1];
-    }
+  const struct {
+    const char* depth;
+    Words effect;
+  } commands[] = {{"8", {"Gradient Map", "--input", coffee}},
+                  {"16", {"Levels", "--input", coffee}},
+                  {"float", {"Duotone", "--input", rocket}},
+                  {"16", {"Over", "--input", coffee, rocket}},
+                  {"half", {"Multiply", "--input", coffee, rocket}},
+                  {"8", {"Dissolve", "--input", coffee, "--input", rocket, "--time", "0.25"}},
+                  {"float", {"Gradient Wipe", "--input", coffee, rocket, "--time", "0.5"}},
+                  {"16", {"Gradient Ramp"}},
+                  {"8", {"Checkerboard"}},
+                  {"16", {"Checkerboard"}},
+                  {"half", {"Checkerboard"}},
+                  {"float", {"Checkerboard"}}};
+  for (const auto& [depth, effect] : commands) {
+    Words command = effect;
+    command.insert(command.begin(), "render");
+    command.insert(command.end(), {"--size", "60x40", "--output", folder.path() + "/out.tif", "--depth", depth});
+    vortoSucceeds(command);
+    const TestImage image = readTiff(folder.path() + "/out.tif");
+    EXPECT_EQ(image.width, 60u) << effect[0];
+    EXPECT_EQ(image.height, 40u) << effect[0];
+    EXPECT_EQ(std::to_string(image.bits), depth[0] == 'f' || depth[0] == 'h' ? "32" : depth) << effect[0];
   }
 }
 
@@ -186,7 +183,7 @@ TEST(Render, InputsKeepTheirRoles) {
   const std::string out = folder.path() + "/out.tif";
   writeTiff(red, TestImage{1, 1, 8, {255, 0, 0, 255}});
   writeTiff(blue, TestImage{1, 1, 8, {0, 0, 255, 255}});
-  const auto firstPixel = [&](std::vector<std::string> arguments) {
+  const auto firstPixel = [&](Words arguments) {
     arguments.insert(arguments.begin(), "render");
     arguments.insert(arguments.end(), {"--output", out});
     vortoSucceeds(arguments);
@@ -202,8 +199,8 @@ TEST(Render, InputsKeepTheirRoles) {
 TEST(Render, ValuesReachThePorts) {
   const TemporaryFolder folder;
   const std::string out = folder.path() + "/out.tif";
-  const auto corner = [&](const std::vector<std::string>& settings) {
-    std::vector<std::string> arguments{"render", "Checkerboard", "--size", "4x4", "--output", out};
+  const auto corner = [&](const Words& settings) {
+    Words arguments{"render", "Checkerboard", "--size", "4x4", "--output", out};
     for (const std::string& setting : settings) arguments.insert(arguments.end(), {"--set", setting});
     vortoSucceeds(arguments);
     return readTiff(out);

@@ -109,17 +109,22 @@ class PixelFormatTest : public testing::TestWithParam<PixelFormat> {};
 TEST_P(PixelFormatTest, HoldsWhatItsLayoutCan) {
   const PixelFormat& format = GetParam();
   const TemporaryFolder folder;
-  for (const std::uint32_t width : {8u, 7u, 1u}) {
-    TestImage image = variedImage(width, 6, format.inputBits);
-    writeTiff(folder.path() + "/in.tif", image);
-    passThrough(folder.path() + "/in.tif", folder.path() + "/out.tif", {"--pixel-format", format.name});
-    const TestImage out = readTiff(folder.path() + "/out.tif");
+  const auto frame = [&](const char* name, int number) {
+    return folder.path() + name + std::to_string(number) + ".tif";
+  };
+  std::vector<TestImage> images;
+  for (const std::uint32_t width : {8u, 7u, 1u}) images.push_back(variedImage(width, 6, format.inputBits));
+  for (int i = 0; i < 3; ++i) writeTiff(frame("/in.", i), images[static_cast<std::size_t>(i)]);
+  passThrough(folder.path() + "/in.%d.tif", folder.path() + "/out.%d.tif", {"--pixel-format", format.name});
+  for (int frameNumber = 0; frameNumber < 3; ++frameNumber) {
+    TestImage& image = images[static_cast<std::size_t>(frameNumber)];
+    const TestImage out = readTiff(frame("/out.", frameNumber));
     EXPECT_EQ(out.bits, format.outputBits);
     ASSERT_EQ(out.samples.size(), image.samples.size());
     format.expected(image);
     for (std::size_t i = 0; i < image.samples.size(); ++i)
       ASSERT_NEAR(out.samples[i], image.samples[i], i % 4 == 3 && format.outputBits != 32 ? 0 : format.tolerance)
-          << "width " << width << ", sample " << i;
+          << "width " << image.width << ", sample " << i;
   }
 }
 

@@ -29,8 +29,8 @@ bool isPassedOn(std::string_view variable) {
   return false;
 }
 
-std::vector<std::string> environmentFor(const std::string& home, const RunOptions& options) {
-  std::vector<std::string> variables{"HOME=" + home};
+Words environmentFor(const std::string& home, const RunOptions& options) {
+  Words variables{"HOME=" + home};
   for (char** variable = environ; *variable; ++variable) {
     if (isPassedOn(*variable)) variables.emplace_back(*variable);
   }
@@ -38,62 +38,48 @@ std::vector<std::string> environmentFor(const std::string& home, const RunOption
   return variables;
 }
 
-std::vector<char*> pointers(std::vector<std::string>& texts) {
+std::vector<char*> pointers(Words& texts) {
   std::vector<char*> list;
   for (std::string& text : texts) list.push_back(text.data());
   list.push_back(nullptr);
   return list;
 }
 
-[[noreturn]] void execute(char** arguments, char** variables, const RunOptions& options, int out, int err) {
-  if (options.fileSizeLimit) {
-    const rlimit limit{options.fileSizeLimit, options.fileSizeLimit};
-    setrlimit(RLIMIT_FSIZE, &limit);
-    signal(SIGXFSZ, SIG_IGN);
-  }
-  dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
-  dup2(out, STDOUT_FILENO);
-  dup2(err, STDERR_FILENO);
-  execve(arguments[0], arguments, variables);
-  _exit(127);
-}
-
 }  // namespace
 
-ProgramRun vorto(const std::vector<std::string>& arguments, const RunOptions& options) {
+ProgramRun vorto(const Words& arguments, const RunOptions& options) {
   const TemporaryFolder scratch;
   const std::string home = scratch.path() + "/home";
   fs::create_directory(home);
-  std::vector<std::string> words{programPath()};
+  Words words{programPath()};
   words.insert(words.end(), arguments.begin(), arguments.end());
-  std::vector<std::string> variables = environmentFor(home, options);
-  auto wordPointers = pointers(words);
-  auto variablePointers = pointers(variables);
-  const int out = memfd_create("out", MFD_CLOEXEC);
-  const int err = memfd_create("err", MFD_CLOEXEC);
-
-  const pid_t child = fork();
-  if (child == 0) execute(wordPointers.data(), variablePointers.data(), options, out, err);
-  int status = 0;
-  waitpid(child, &status, 0);
-  ProgramRun run;
-  run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-  run.out = readFile("/proc/self/fd/" + std::to_string(out));
-  run.err = readFile("/proc/self/fd/" + std::to_string(err));
-  close(out);
-  close(err);
-  return run;
+  Words variables = environmentFor(home, options);
+  const auto wordPointers = pointers(words);
+  const auto variablePointers = pointers(variables);
+  const ChildResult child = RunInChild([&] {
+    if (options.fileSizeLimit) {
+      const rlimit limit{options.fileSizeLimit, options.fileSizeLimit};
+      setrlimit(RLIMIT_FSIZE, &limit);
+      signal(SIGXFSZ, SIG_IGN);
+    }
+    dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
+    execve(wordPointers[0], wordPointers.data(), variablePointers.data());
+    return 127;
+  });
+  const bool exited = WIFEXITED(child.status);
+  return {exited ? WEXITSTATUS(child.status) : 128 + WTERMSIG(child.status), child.output, child.errors};
 }
 
-ProgramRun vortoSucceeds(const std::vector<std::string>& arguments, const RunOptions& options) {
+ProgramRun vortoSucceeds(const Words& arguments, const RunOptions& options) {
   ProgramRun run = vorto(arguments, options);
   EXPECT_EQ(run.exitCode, 0) << run.err;
   EXPECT_EQ(run.err, "");
   return run;
 }
 
-void passThrough(const std::string& input, const std::string& output, const std::vector<std::string>& arguments) {
-  std::vector<std::string> words{"render", "Levels", "--input", input, "--output", output};
+void passThrough(const std::string& input, const std::string& output, const Words& arguments,
+                 const std::string& effect) {
+  Words words{"render", effect, "--input", input, "--output", output};
   words.insert(words.end(), arguments.begin(), arguments.end());
   vortoSucceeds(words);
 }

@@ -18,15 +18,18 @@ struct RunOptions {
   unsigned long fileSizeLimit = 0;       // bytes; 0 for none
 };
 
+using Words = std::vector<std::string>;
+
 // Runs the built vorto with the arguments, in an environment of nothing but a home folder of its own and the locale,
 // and waits for it.
-ProgramRun vorto(const std::vector<std::string>& arguments, const RunOptions& options = {});
+ProgramRun vorto(const Words& arguments, const RunOptions& options = {});
 
 // The same, and fails the test when the program does.
-ProgramRun vortoSucceeds(const std::vector<std::string>& arguments, const RunOptions& options = {});
+ProgramRun vortoSucceeds(const Words& arguments, const RunOptions& options = {});
 
-// "Levels", which changes nothing unless told to: INPUT to OUTPUT with more arguments.
-void passThrough(const std::string& input, const std::string& output, const std::vector<std::string>& arguments = {});
+// INPUT to OUTPUT through an effect, with more arguments. "Levels" changes nothing unless told to.
+void passThrough(const std::string& input, const std::string& output, const Words& arguments = {},
+                 const std::string& effect = "Levels");
 
 std::string readFile(const std::string& path);
 void writeFile(const std::string& path, const std::string& bytes);

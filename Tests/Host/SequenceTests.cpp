@@ -7,7 +7,7 @@
 namespace {
 
 TestImage grayPixel(double value) {
-  return TestImage{1, 1, 8, {value, value, value, 255}};
+  return flatImage(1, 1, {value, value, value, 255});
 }
 
 double valueOf(const std::string& path) {
@@ -51,7 +51,7 @@ TEST(Sequence, TransitionsRunFromTheFirstFrameToTheLast) {
   EXPECT_FALSE(std::filesystem::exists(path + "/still.1.tif"));
 }
 
-TEST(Sequence, GeneratorsRenderTheFramesAskedFor) {
+TEST(Sequence, GeneratorsRenderTheFramesWanted) {
   const TemporaryFolder folder;
   vortoSucceeds(
       {"render", "Checkerboard", "--size", "2x2", "--frames", "9-11", "--output", folder.path() + "/f%03d.png"});

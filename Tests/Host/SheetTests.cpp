@@ -9,9 +9,7 @@ namespace {
 const std::array<double, 4> ground{38, 38, 38, 255};
 
 TestImage plain(std::uint32_t width, std::uint32_t height, double red) {
-  TestImage image{width, height, 8, {}};
-  for (std::uint32_t i = 0; i < width * height; ++i) image.samples.insert(image.samples.end(), {red, 0, 0, 255});
-  return image;
+  return flatImage(width, height, {red, 0, 0, 255});
 }
 
 // Whether something brighter than the ground is drawn inside a rectangle.

@@ -1,60 +1,26 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/Foundation/NSKeyedArchiver.h"
-#include "Tests/Host/JsonChecker.h"
 #include "Tests/Host/Program.h"
 #include "Tests/Host/TestImages.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <set>
+
+using Json = nlohmann::json;
 
 namespace {
 
-std::string plist(const std::string& content) {
-  return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\">" + content + "</plist>\n";
+Json parsed(const std::string& text) {
+  Json json = Json::parse(text, nullptr, false);
+  EXPECT_FALSE(json.is_discarded()) << text;
+  return json;
 }
 
-std::string numbers(const std::vector<std::string>& texts) {
-  std::string list = "<array>";
-  for (std::size_t i = 0; i < texts.size(); ++i) {
-    const std::string type = texts[i].find('.') == std::string::npos ? "integer" : "real";
-    list += "<" + type + ">" + texts[i] + "</" + type + ">";
-  }
-  return list + "</array>";
-}
-
-// Numbers that need all their digits, and a zero with a sign.
-std::string gradientPlist() {
-  return plist("<dict><key>rgbSamples</key>" +
-               numbers({"-0.0", "0.5", "1", "0.10000000000000001", "0.0", "0.33333333333333331", "1.0", "0.25", "2",
-                        "0.9", "0.80000000000000004", "0.1"}) +
-               "<key>alphaSamples</key>" + numbers({"0.0", "0.5", "2", "0.75"}) + "</dict>");
-}
-
-std::string levelsPlist() {
-  std::string text = "<dict><key>selectedChannel</key><integer>2</integer>";
-  for (const std::string channel : {"RGB", "Red", "Green", "Blue", "Alpha"}) {
-    text += "<key>blackIn" + channel + "</key><real>0.050000000000000003</real>";
-    text += "<key>blackOut" + channel + "</key><real>0.0</real>";
-    text += "<key>whiteIn" + channel + "</key><real>0.90000000000000002</real>";
-    text += "<key>whiteOut" + channel + "</key><real>1.0</real>";
-    text += "<key>gamma" + channel + "</key><real>1.2</real>";
-  }
-  return plist(text + "</dict>");
-}
-
-// An archive of a dictionary, as another program would write it.
-std::string opaquePlist() {
-  return plist(
-      "<dict><key>$archiver</key><string>NSKeyedArchiver</string><key>$objects</key><array><string>$null</string><dict>"
-      "<key>$class</key><dict><key>CF$UID</key><integer>4</integer></dict>"
-      "<key>NS.keys</key><array><dict><key>CF$UID</key><integer>2</integer></dict></array>"
-      "<key>NS.objects</key><array><dict><key>CF$UID</key><integer>3</integer></dict></array></dict>"
-      "<string>seed</string><integer>42</integer>"
-      "<dict><key>$classes</key><array><string>NSDictionary</string><string>NSObject</string></array>"
-      "<key>$classname</key><string>NSDictionary</string></dict></array>"
-      "<key>$top</key><dict><key>root</key><dict><key>CF$UID</key><integer>1</integer></dict></dict>"
-      "<key>$version</key><integer>100000</integer></dict>");
+std::string document(const std::string& name) {
+  return VORTO_TEST_DOCUMENTS "/" + name + ".plist";
 }
 
 std::string replaced(std::string text, const std::string& from, const std::string& to) {
@@ -65,7 +31,6 @@ std::string replaced(std::string text, const std::string& from, const std::strin
 
 struct Document {
   const char* name;
-  std::string content;
   const char* effect;
   const char* port;
   const char* className;
@@ -76,12 +41,13 @@ class SavedDocument : public testing::TestWithParam<Document> {};
 
 }  // namespace
 
-// A state in either format and form, and an archive under the older class name, render the same picture to the byte.
+// A state in either format and form, and an archive under the older class name, are the same state and render the same
+// picture to the byte.
 TEST_P(SavedDocument, SurvivesEveryFormatAndForm) {
-  const Document& document = GetParam();
+  const Document& row = GetParam();
   const TemporaryFolder folder;
   const auto at = [&](const std::string& name) { return folder.path() + "/" + name; };
-  writeFile(at("saved.plist"), document.content);
+  writeFile(at("saved.plist"), readFile(document(row.name)));
   const auto convert = [&](const std::string& from, const std::string& to, const std::string& format,
                            const std::string& form) {
     vortoSucceeds({"state", at(from), "--convert", format, "--form", form, "--output", at(to)});
@@ -91,41 +57,38 @@ TEST_P(SavedDocument, SurvivesEveryFormatAndForm) {
   convert("dictionary.binary", "archive.xml", "xml", "archive");
   convert("saved.plist", "archive.binary", "binary", "archive");
   convert("archive.binary", "back.xml", "xml", "dictionary");
-  writeFile(at("older.xml"), replaced(readFile(at("archive.xml")), document.className, document.olderName));
+  writeFile(at("older.xml"), replaced(readFile(at("archive.xml")), row.className, row.olderName));
   convert("older.xml", "older.binary", "binary", "archive");
-  EXPECT_NE(readFile(at("older.binary")).find(document.olderName), std::string::npos) << "the class is kept";
-  EXPECT_EQ(readFile(at("older.binary")).find(document.className), std::string::npos);
+  EXPECT_NE(readFile(at("older.binary")).find(row.olderName), std::string::npos) << "the class is kept";
+  EXPECT_EQ(readFile(at("older.binary")).find(row.className), std::string::npos);
   EXPECT_TRUE(readFile(at("archive.binary")).starts_with("bplist00"));
 
-  std::set<std::string> pictures;
   std::set<std::string> texts;
   for (const char* state : {"saved.plist", "dictionary.xml", "dictionary.binary", "archive.xml", "archive.binary",
                             "back.xml", "older.xml", "older.binary"}) {
-    vortoSucceeds({"render", document.effect, "--input", VORTO_PHOTOS "/coffee.png", "--depth", "16", "--state",
-                   std::string(document.port) + "=" + at(state), "--output", at("out.tif")});
-    pictures.insert(readFile(at("out.tif")));
-    const std::string text = vortoSucceeds({"state", at(state)}).out;
-    texts.insert(text.substr(text.find('\n')));  // the first line names the class and the form
+    texts.insert(parsed(vortoSucceeds({"state", at(state), "--json"}).out)["state"].dump());
   }
-  EXPECT_EQ(pictures.size(), 1u);
   EXPECT_EQ(texts.size(), 1u);
 
-  vortoSucceeds(
-      {"render", document.effect, "--input", VORTO_PHOTOS "/coffee.png", "--depth", "16", "--output", at("out.tif")});
-  EXPECT_FALSE(pictures.contains(readFile(at("out.tif")))) << "the state matters";
+  writeTiff(at("in.tif"), variedImage(19, 7, 16));
+  const auto rendered = [&](const std::string& state) {
+    passThrough(at("in.tif"), at("out.tif"), state.empty() ? Words{} : Words{"--state", row.port + ("=" + at(state))},
+                row.effect);
+    return readFile(at("out.tif"));
+  };
+  const std::string picture = rendered("saved.plist");
+  EXPECT_NE(picture, rendered("")) << "the state matters";
+  for (const char* state : {"dictionary.binary", "archive.xml", "older.binary"}) EXPECT_EQ(rendered(state), picture);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Host, SavedDocument,
-    testing::Values(Document{"Gradient", gradientPlist(), "Gradient Map", "gradient", "VRTGradient", "TarnGradient"},
-                    Document{"Levels", levelsPlist(), "Levels", "levels", "VRTHistogram", "TarnHistogram"}),
-    [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(Host, SavedDocument,
+                         testing::Values(Document{"gradient", "Gradient Map", "gradient", "VRTGradient",
+                                                  "TarnGradient"},
+                                         Document{"levels", "Levels", "levels", "VRTHistogram", "TarnHistogram"}),
+                         [](const auto& row) { return std::string(row.param.name); });
 
 TEST(State, PrintsTables) {
-  const TemporaryFolder folder;
-  const std::string path = folder.path() + "/state.plist";
-  writeFile(path, gradientPlist());
-  EXPECT_EQ(vortoSucceeds({"state", path}).out,
+  EXPECT_EQ(vortoSucceeds({"state", document("gradient")}).out,
             "gradient, class VRTGradient, XML dictionary\n"
             "colors\n"
             "  position  middle  interpolation  red  green                blue     code\n"
@@ -134,39 +97,35 @@ TEST(State, PrintsTables) {
             "opacities\n"
             "  position  middle  interpolation  alpha\n"
             "         0     0.5         smooth   0.75\n");
-  writeFile(path, levelsPlist());
-  const std::string levels = vortoSucceeds({"state", path}).out;
+  const std::string levels = vortoSucceeds({"state", document("levels")}).out;
   EXPECT_NE(levels.find("  Green        0.05       0.9    1.2          0          1\n"), std::string::npos) << levels;
   EXPECT_NE(levels.find("selected channel  Green\n"), std::string::npos) << levels;
-  writeFile(path, opaquePlist());
-  const std::string opaque = vortoSucceeds({"state", path}).out;
+  const std::string opaque = vortoSucceeds({"state", document("opaque")}).out;
   EXPECT_NE(opaque.find("seed  42"), std::string::npos) << opaque;
 }
 
 TEST(State, OpaqueDataSurvivesEveryFormatAndForm) {
   const TemporaryFolder folder;
   const auto at = [&](const std::string& name) { return folder.path() + "/" + name; };
-  writeFile(at("raw"), opaquePlist());
-  vortoSucceeds({"state", at("raw"), "--convert", "binary", "--output", at("raw.binary")});
-  vortoSucceeds({"state", at("raw.binary"), "--convert", "xml", "--form", "dictionary", "--output", at("data")});
+  vortoSucceeds({"state", document("opaque"), "--convert", "binary", "--output", at("raw")});
+  vortoSucceeds({"state", at("raw"), "--convert", "xml", "--form", "dictionary", "--output", at("data")});
   vortoSucceeds({"state", at("data"), "--convert", "binary", "--form", "archive", "--output", at("archive")});
-  for (const char* name : {"raw", "raw.binary", "data", "archive"}) {
-    const std::string json = vortoSucceeds({"state", at(name), "--json"}).out;
-    EXPECT_TRUE(isJson(json)) << json;
-    EXPECT_NE(json.find("\"seed\": 42"), std::string::npos) << name << json;
+  for (const std::string& file : {document("opaque"), at("raw"), at("data"), at("archive")}) {
+    EXPECT_EQ(parsed(vortoSucceeds({"state", file, "--json"}).out)["state"]["value"], Json({{"seed", 42}})) << file;
   }
 }
 
 TEST(State, JsonTellsEverything) {
-  const TemporaryFolder folder;
-  const std::string path = folder.path() + "/state.plist";
-  writeFile(path, gradientPlist());
-  const std::string json = vortoSucceeds({"state", path, "--json"}).out;
-  EXPECT_TRUE(isJson(json)) << json;
-  for (const char* part : {"\"kind\": \"gradient\"", "\"class\": \"VRTGradient\"", "\"form\": \"dictionary\"",
-                           "\"format\": \"xml\"", "\"rgbSamples\": [", "-0,", "0.3333333333333333"}) {
-    EXPECT_NE(json.find(part), std::string::npos) << part;
-  }
+  const std::string out = vortoSucceeds({"state", document("gradient"), "--json"}).out;
+  EXPECT_NE(out.find(" -0,"), std::string::npos) << "the library reads it as 0: " << out;
+  const Json json = parsed(out);
+  EXPECT_EQ(json["kind"], "gradient");
+  EXPECT_EQ(json["class"], "VRTGradient");
+  EXPECT_EQ(json["form"], "dictionary");
+  EXPECT_EQ(json["format"], "xml");
+  const auto colors = json["state"]["rgbSamples"].get<std::vector<double>>();
+  EXPECT_EQ(colors, (std::vector<double>{0, 0.5, 1, 0.1, 0, 1 / 3.0, 1, 0.25, 2, 0.9, 0.8, 0.1}));
+  EXPECT_EQ(json["state"]["alphaSamples"], Json({0, 0.5, 2, 0.75}));
 }
 
 TEST(Effects, AreListedByKindWithPortsAndRanges) {
@@ -176,12 +135,24 @@ TEST(Effects, AreListedByKindWithPortsAndRanges) {
         "gradient", "levels", "1 to 4096; default 8", "8-bit, 16-bit, Float", "from --input 2", "from --time"}) {
     EXPECT_NE(list.find(part), std::string::npos) << part << "\n" << list;
   }
-  const std::string json = vortoSucceeds({"effects", "--json"}).out;
-  EXPECT_TRUE(isJson(json)) << json;
-  for (const char* part : {"\"filter\": [", "\"blendMode\": [", "\"minimum\": 1,", "\"menu\": [",
-                           "\"inputImageAPort\": \"inputImageA\""}) {
-    EXPECT_NE(json.find(part), std::string::npos) << part << "\n" << json;
+  const Json json = parsed(vortoSucceeds({"effects", "--json"}).out);
+  EXPECT_EQ(json.size(), 4u);
+  EXPECT_EQ(json["filter"].size(), 3u);
+  EXPECT_EQ(json["blendMode"].size(), 2u);
+  for (const Json& transition : json["transition"]) {
+    EXPECT_EQ(transition["roles"]["inputImageAPort"], "inputImageA") << transition["name"];
   }
+  const auto cellSize = Json::parse(R"({"key": "inputCellSize", "name": "Cell Size", "kind": "index", "minimum": 1,
+                                        "maximum": 4096, "default": 8})");
+  const Json& generators = json["generator"];
+  const auto checkerboard =
+      std::find_if(generators.begin(), generators.end(), [](const Json& e) { return e["name"] == "Checkerboard"; });
+  ASSERT_NE(checkerboard, generators.end());
+  const Json& inputs = (*checkerboard)["inputs"];
+  EXPECT_NE(std::find(inputs.begin(), inputs.end(), cellSize), inputs.end()) << inputs;
+  EXPECT_TRUE(std::any_of(inputs.begin(), inputs.end(), [](const Json& port) {
+    return port.contains("menu") && port["menu"] == Json({"8-bit", "16-bit", "Float"});
+  })) << inputs;
 }
 
 TEST(Help, GoesToStandardOutput) {

@@ -2,40 +2,19 @@
 #include "Host/Inspect/EditorSlot.h"
 
 #include "Editors/VRTEditors.h"
-#include "Host/Rendering/ExecutionContext.h"
-#include "Platform/Foundation/PropertyList.h"
 #include "Platform/QuartzComposer/QCPatch.h"
 #include "Ports/VRTImage.h"
 #include "Ports/VRTObjects.h"
 #include "Ports/VRTPorts.h"
 #include "TarnCore/TCBitmap.h"
 #include "Tests/Inspect/InspectFixture.h"
+#include "Tests/Support/Lists.h"
 
 #include <gtest/gtest.h>
 
 #include <QLabel>
 
 namespace {
-
-// Counts how often somebody looks at the pixels of an image.
-class CountingContext : public host::ExecutionContext {
- public:
-  void getPixelsFromImage(const QCImage& image, const void** address, std::size_t* rowBytes) override {
-    ++asked;
-    ExecutionContext::getPixelsFromImage(image, address, rowBytes);
-  }
-  int asked = 0;
-};
-
-PropertyList filterAttributes() {
-  PropertyList roles = PropertyList::dictionary();
-  roles.set("inputImagePort", PropertyList::string("image"));
-  PropertyList protocols = PropertyList::dictionary();
-  protocols.set("filter", roles);
-  PropertyList attributes = PropertyList::dictionary();
-  attributes.set("protocols", protocols);
-  return attributes;
-}
 
 class EditorSlotTest : public testing::Test {
  protected:
@@ -48,13 +27,13 @@ class EditorSlotTest : public testing::Test {
 
   // How often pixels are looked at when another image flows in.
   int looksAtNewImage() {
-    const int before = context.asked;
+    const int before = context.queried;
     VRTImage::setBitmapOfPort(*image, std::shared_ptr<const VortoBitmap>(TCCreateBitmap(4, 4, 0)));
-    return context.asked - before;
+    return context.queried - before;
   }
 
-  CountingContext context;
-  QCPatch patch{filterAttributes()};
+  inspect_test::CountingContext context;
+  QCPatch patch{attributesOfKind("filter", dict({{"inputImagePort", text("image")}}))};
   QCImagePort* const image = patch.addInputPort<QCImagePort>("image").get();
   VRTHistogramPort* const levels = patch.addInputPort<VRTHistogramPort>("levels").get();
 };

@@ -10,7 +10,6 @@
 #include "Host/Inspect/PreviewView.h"
 #include "Host/Inspect/TransportBar.h"
 #include "Host/Messages/Failure.h"
-#include "Host/Rendering/ExecutionContext.h"
 #include "Ports/VRTObjects.h"
 #include "TarnCore/TCBitmap.h"
 #include "Tests/Inspect/InspectFixture.h"
@@ -29,18 +28,10 @@
 
 namespace {
 
+using inspect_test::CountingContext;
 using inspect_test::handleEvents;
 using inspect_test::optionsFor;
 using inspect_test::writeFlatPicture;
-
-class CountingContext : public host::ExecutionContext {
- public:
-  void getPixelsFromImage(const QCImage& image, const void** address, std::size_t* rowBytes) override {
-    ++asked;
-    ExecutionContext::getPixelsFromImage(image, address, rowBytes);
-  }
-  int asked = 0;
-};
 
 class EffectWindowTest : public testing::Test {
  protected:
@@ -90,7 +81,7 @@ TEST_F(EffectWindowTest, RendersOnceHoweverManyChangesWait) {
   open(optionsFor("Levels", {at("in.png")}));
   EXPECT_EQ(shown(), qRgb(0, 0, 0));
   const int before = window->renderCount();
-  const int counted = context.asked;
+  const int counted = context.queried;
   for (int i = 1; i <= 100; ++i) setBlackOut(i / 100.0);
   handleEvents();
   EXPECT_EQ(window->renderCount(), before + 1);
@@ -100,7 +91,7 @@ TEST_F(EffectWindowTest, RendersOnceHoweverManyChangesWait) {
     handleEvents();
   }
   EXPECT_EQ(window->renderCount(), before + 11);
-  EXPECT_EQ(context.asked, counted) << "the image that flows in is the same: nothing to count";
+  EXPECT_EQ(context.queried, counted) << "the image that flows in is the same: nothing to count";
 }
 
 TEST_F(EffectWindowTest, UndoRedoAndResetRenderToo) {
@@ -134,26 +125,26 @@ TEST_F(EffectWindowTest, PlaysASequenceAndTheHistogramFollows) {
   auto* slider = editorOf<QSlider>("Time");
   ASSERT_NE(slider, nullptr);
   EXPECT_EQ(slider->maximum(), 3);
-  const int counted = context.asked;
+  const int counted = context.queried;
   slider->setValue(2);
   EXPECT_EQ(shown(), qRgb(50, 50, 50));
-  EXPECT_EQ(context.asked, counted + 1);
+  EXPECT_EQ(context.queried, counted + 1);
 
   QTest::keyClick(window.get(), Qt::Key_Space);
   EXPECT_TRUE(window->transport().isPlaying());
   const int before = window->renderCount();
-  const int countedBefore = context.asked;
+  const int countedBefore = context.queried;
   const bool wentRound = QTest::qWaitFor([&] { return window->renderCount() >= before + 5; }, 20000);
   QTest::keyClick(window.get(), Qt::Key_Space);
   EXPECT_TRUE(wentRound);
   EXPECT_FALSE(window->transport().isPlaying());
-  EXPECT_EQ(context.asked - countedBefore, window->renderCount() - before) << "once a frame";
+  EXPECT_EQ(context.queried - countedBefore, window->renderCount() - before) << "once a frame";
 
   window->column().section(port(0))->setFolded(true);
-  const int folded = context.asked;
+  const int folded = context.queried;
   slider->setValue(0);
   slider->setValue(1);
-  EXPECT_EQ(context.asked, folded) << "an editor that nobody sees costs nothing";
+  EXPECT_EQ(context.queried, folded) << "an editor that nobody sees costs nothing";
   EXPECT_EQ(shown(), qRgb(40, 40, 40));
 }
 

@@ -46,8 +46,7 @@ TEST(Gradient, KeepsSamplesAsTheyStandInTheState) {
 
 TEST(Gradient, MissingArraysKeepTheDefaultsAndEmptyOnesGiveNoSamples) {
   const PropertyList defaults = *VRTGradient::gradient()->stateValue();
-  PropertyList onlyAlpha;
-  onlyAlpha.set("alphaSamples", sampleArray(4, {0, 0.5, 1, 0.25}));
+  const PropertyList onlyAlpha = dict({{"alphaSamples", sampleArray(4, {0, 0.5, 1, 0.25})}});
   VRTGradient gradient;
   ASSERT_TRUE(gradient.initWithStateValue(onlyAlpha));
   EXPECT_EQ(*gradient.stateValue()->find("rgbSamples"), *defaults.find("rgbSamples"));
@@ -64,23 +63,18 @@ TEST(Gradient, MissingArraysKeepTheDefaultsAndEmptyOnesGiveNoSamples) {
 }
 
 TEST(Gradient, EntriesThatAreNoNumbersReadAsZero) {
-  PropertyList samples =
-      PropertyList::array({PropertyList::string("0.5"), PropertyList::array(), PropertyList::real(1.9),
-                           PropertyList::boolean(true), PropertyList::integer(2), PropertyList()});
-  PropertyList state;
-  state.set("rgbSamples", samples);
+  const PropertyList samples = list({text("0.5"), PropertyList::array(), PropertyList::real(1.9),
+                                     PropertyList::boolean(true), PropertyList::integer(2), PropertyList()});
   VRTGradient gradient;
-  ASSERT_TRUE(gradient.initWithStateValue(state));
+  ASSERT_TRUE(gradient.initWithStateValue(dict({{"rgbSamples", samples}})));
   EXPECT_EQ(*gradient.stateValue()->find("rgbSamples"), sampleArray(6, {0, 0, 1, 1, 2, 0}));
 }
 
 TEST(Gradient, RefusesStatesOfAnotherTypeAndStaysAsItWas) {
-  PropertyList textInPlaceOfRGB;
-  textInPlaceOfRGB.set("rgbSamples", PropertyList::string("red"));
   PropertyList dictionaryInPlaceOfAlpha = gradientState({0, 0.5, 1, 0.5, 0.5, 0.5}, {});
   dictionaryInPlaceOfAlpha.set("alphaSamples", PropertyList());
   for (const PropertyList& state : {PropertyList::array(), PropertyList::integer(1), PropertyList::data({1, 2}),
-                                    textInPlaceOfRGB, dictionaryInPlaceOfAlpha}) {
+                                    dict({{"rgbSamples", text("red")}}), dictionaryInPlaceOfAlpha}) {
     VRTGradient gradient;
     EXPECT_FALSE(gradient.initWithStateValue(state));
     EXPECT_EQ(gradient.stateValue(), VRTGradient::gradient()->stateValue());
@@ -92,10 +86,9 @@ TEST(Gradient, AnArrayThatEndsWithinAGroupIsOutOfRange) {
     for (int missing = 1; missing < groupSize; ++missing) {
       PropertyList array = PropertyList::array();
       for (int i = 0; i < 2 * groupSize - missing; ++i) array.append(PropertyList::real(0.5));
-      PropertyList state;
-      state.set(key, array);
       VRTGradient gradient;
-      EXPECT_THROW(gradient.initWithStateValue(state), std::out_of_range) << key << " short by " << missing;
+      EXPECT_THROW(gradient.initWithStateValue(dict({{key, array}})), std::out_of_range)
+          << key << " short by " << missing;
       EXPECT_EQ(gradient.stateValue(), VRTGradient::gradient()->stateValue());
     }
   }

@@ -5,6 +5,7 @@
 #include "Ports/VRTImage.h"
 #include "Registry/BrivoCompatability.h"
 #include "TarnCore/TCBitmap.h"
+#include "Tests/Support/Lists.h"
 
 #include <gtest/gtest.h>
 
@@ -46,9 +47,7 @@ TEST(ParameterPorts, StatesMakeValuesAndBadOnesAreRefused) {
   ASSERT_TRUE(value);
   EXPECT_EQ(value->className(), "VRTGradient");
 
-  PropertyList partial;
-  partial.set("rgbSamples", PropertyList::array({PropertyList::real(0)}));
-  for (const PropertyList& state : {PropertyList::string("red"), partial}) {
+  for (const PropertyList& state : {text("red"), dict({{"rgbSamples", list({PropertyList::real(0)})}})}) {
     reason.clear();
     EXPECT_FALSE(port.setStateValue(state, &reason));
     EXPECT_FALSE(reason.empty());
@@ -56,20 +55,20 @@ TEST(ParameterPorts, StatesMakeValuesAndBadOnesAreRefused) {
   }
 }
 
-TEST(ParameterPorts, AskTheRegisteredFactoryForAnEditor) {
+TEST(ParameterPorts, GetTheirEditorFromTheRegisteredFactory) {
   TarnGradientPort gradientPort("inputGradient");
   VRTHistogramPort histogramPort("inputLevels");
   EXPECT_EQ(gradientPort.setupParameterView(), nullptr);
 
-  std::vector<QCObjectPort*> asked;
+  std::vector<QCObjectPort*> given;
   VRTRegisterParameterViewFactory("VRTGradientPort", [&](QCObjectPort& port) {
-    asked.push_back(&port);
+    given.push_back(&port);
     return new NSTarnView;
   });
   const std::unique_ptr<NSTarnView> first(gradientPort.setupParameterView());
   const std::unique_ptr<NSTarnView> second(gradientPort.setupParameterView());
   EXPECT_TRUE(first && second && first != second);
-  EXPECT_EQ(asked, (std::vector<QCObjectPort*>{&gradientPort, &gradientPort}));
+  EXPECT_EQ(given, (std::vector<QCObjectPort*>{&gradientPort, &gradientPort}));
   EXPECT_EQ(histogramPort.setupParameterView(), nullptr);
   gradientPort.resetParameterView(first.get());
   gradientPort.resetParameterView(nullptr);
@@ -81,18 +80,18 @@ TEST(ParameterPorts, AskTheRegisteredFactoryForAnEditor) {
 class PatchWithEditor : public QCPatch, public VRTOpaqueDataViewing {
  public:
   NSTarnView* viewForOpaqueDataPort(VRTOpaqueDataPort* port) override {
-    asked = port;
+    given = port;
     return &view;
   }
   NSTarnView view;
-  VRTOpaqueDataPort* asked = nullptr;
+  VRTOpaqueDataPort* given = nullptr;
 };
 
-TEST(ParameterPorts, OpaqueDataAsksItsNode) {
+TEST(ParameterPorts, OpaqueDataGetsItFromItsNode) {
   PatchWithEditor patch;
   const auto port = patch.addInputPort<VRTOpaqueDataPort>("inputData");
   EXPECT_EQ(port->setupParameterView(), &patch.view);
-  EXPECT_EQ(patch.asked, port.get());
+  EXPECT_EQ(patch.given, port.get());
 
   QCPatch plain;
   EXPECT_EQ(plain.addInputPort<TarnOpaqueDataPort>("inputData")->setupParameterView(), nullptr);
@@ -136,14 +135,6 @@ TEST(Compatibility, NamesStandInTheClassTableUnderTheirSuperclasses) {
     EXPECT_EQ(object->className(), name);
     EXPECT_TRUE(object->isKindOfClass(superclass));
   }
-}
-
-TEST(Compatibility, TheOlderManagerIsTheSameManager) {
-  TarnEffectManager::initialize();
-  const auto older = TarnEffectManager::manager();
-  ASSERT_TRUE(older);
-  EXPECT_EQ(older, VRTNodeManager::manager());
-  EXPECT_EQ(GFNodeManager::managerForNodeNamespace(older->nodeNamespace()), older);
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include "Platform/Foundation/PropertyList.h"
+#include "Tests/Support/Lists.h"
 
 #include <array>
 #include <initializer_list>
@@ -22,10 +22,7 @@ inline PropertyList sampleArray(std::size_t groupSize, std::initializer_list<dou
 
 inline PropertyList gradientState(std::initializer_list<double> rgbSamples,
                                   std::initializer_list<double> alphaSamples) {
-  PropertyList state;
-  state.set("rgbSamples", sampleArray(6, rgbSamples));
-  state.set("alphaSamples", sampleArray(4, alphaSamples));
-  return state;
+  return dict({{"rgbSamples", sampleArray(6, rgbSamples)}, {"alphaSamples", sampleArray(4, alphaSamples)}});
 }
 
 inline constexpr std::array<const char*, 26> levelsKeys{

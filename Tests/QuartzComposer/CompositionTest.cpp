@@ -11,21 +11,6 @@ namespace {
 using P = PropertyList;
 using Names = std::vector<std::string>;
 
-// Listed against the flow: "last" takes what "first" and "second" give, and "second" takes from "first" too.
-PropertyList diamond() {
-  return composition(
-      "Diamond",
-      list({node("last", "Sum", dict({{"label", text("last")}})),
-            node("second", "Sum", dict({{"label", text("second")}, {"b", P::real(10)}})),
-            node("first", "Sum", dict({{"label", text("first")}, {"object", P::integer(6)}}))}),
-      list({connection("second.sum", "last.a"), connection("first.sum", "last.b"),
-            connection("first.outputImage", "second.image"), connection("second.outputImage", "last.image"),
-            connection("first.outputObject", "last.object")}),
-      list({published("x", "first", "a"), published("x", "second", "a"), published("image", "first", "image")}),
-      list({published("sum", "last", "sum"), published("outputImage", "last", "outputImage"),
-            published("outputObject", "last", "outputObject")}));
-}
-
 double numberAt(const QCPatch& patch, const char* key) {
   return dynamic_cast<QCNumberPort&>(*patch.portForKey(key)).doubleValue();
 }
@@ -34,7 +19,7 @@ double numberAt(const QCPatch& patch, const char* key) {
 
 TEST(Composition, CarriesEveryValueAlongItsConnection) {
   const auto manager = managerWithTestPatches();
-  load(*manager, diamond());
+  loadFile(*manager, "Diamond");
   const auto patch = manager->nodeInstanceWithName("Diamond");
   ASSERT_TRUE(patch);
   const auto image = std::make_shared<TestImage>();
@@ -58,16 +43,9 @@ TEST(Composition, CarriesEveryValueAlongItsConnection) {
 }
 
 TEST(Composition, PublishesPortsInTheirClassWithTheirValueAndAttributes) {
-  P input = published("a", "n", "a");
-  input.set("minimum", P::real(-2));
-  P withDefault = published("b", "n", "b");
-  withDefault.set("default", P::real(5));
-  withDefault.set("name", text("Second"));
   const auto manager = managerWithTestPatches();
-  load(*manager,
-       composition("C", list({node("n", "Sum", dict({{"a", P::real(0.5)}, {"object", P::integer(4)}}))}), P::array(),
-                   list({input, withDefault, published("o", "n", "object")}), list({published("s", "n", "sum")})));
-  const auto patch = manager->nodeInstanceWithName("C");
+  loadFile(*manager, "Published");
+  const auto patch = manager->nodeInstanceWithName("Published");
   ASSERT_TRUE(patch);
   EXPECT_EQ(numberAt(*patch, "a"), 0.5);
   EXPECT_EQ(numberAt(*patch, "b"), 5);
@@ -82,10 +60,8 @@ TEST(Composition, PublishesPortsInTheirClassWithTheirValueAndAttributes) {
 
 TEST(Composition, NestsAndPublishesAgain) {
   const auto manager = managerWithTestPatches();
-  load(*manager, composition("Outer", list({node("inner", "Diamond"), node("add", "Sum")}),
-                             list({connection("inner.sum", "add.b"), connection("inner.outputObject", "add.object")}),
-                             list({published("y", "inner", "x")}), list({published("total", "add", "sum")})));
-  load(*manager, diamond());  // named before it was there
+  loadFile(*manager, "Outer");
+  loadFile(*manager, "Diamond");  // named before it was there
   EXPECT_EQ(manager->nodeNames(), (Names{"Sum", "Throw", "Diamond", "Outer"}));
   const auto patch = manager->nodeInstanceWithName("Outer");
   ASSERT_TRUE(patch);
@@ -96,9 +72,9 @@ TEST(Composition, NestsAndPublishesAgain) {
 
 TEST(Composition, NamesTheNodeThatFailed) {
   const auto manager = managerWithTestPatches();
-  load(*manager, composition("C", list({node("t", "Throw"), node("s", "Sum")}), list({connection("t.sum", "s.a")})));
+  loadFile(*manager, "Throws");
   std::string reason;
-  EXPECT_FALSE(manager->nodeInstanceWithName("C")->executeAtTime(0, &reason));
+  EXPECT_FALSE(manager->nodeInstanceWithName("Throws")->executeAtTime(0, &reason));
   EXPECT_EQ(reason, "node \"t\" (Throw): thrown on purpose");
 }
 
@@ -112,19 +88,19 @@ TEST(Composition, TakesItsNameFromTheFileWhenItHasNone) {
 TEST(Composition, WaitsForItsNodesUntilLoadingHasEnded) {
   const TestFolder folder;
   folder.writeBundle("A.plugin", "Good");
-  folder.writeBundle("B.plugin", "Asking");
+  folder.writeBundle("B.plugin", "Searching");
   const auto manager = newManager();
-  load(*manager, composition("Ready", list({node("n", "Good A")})), "Ready.qtz");
-  load(*manager, composition("Waiting", list({node("n", "Later")})), "Waiting.qtz");
+  load(*manager, composition("Ready", {"Good A"}), "Ready.qtz");
+  load(*manager, composition("Waiting", {"Later"}), "Waiting.qtz");
   testing::internal::CaptureStderr();
   manager->loadPlugInsInFolder(folder.path(), {"plugin"});
   const std::string printed = testing::internal::GetCapturedStderr();
-  EXPECT_EQ(printed.find("qtz"), std::string::npos) << "a question while loading reports no composition";
+  EXPECT_EQ(printed.find("qtz"), std::string::npos) << "what looks while loading reports no composition";
   EXPECT_TRUE(manager->registerNodeWithName("Later", {}, [] { return std::make_shared<QCPatch>(); }));
   EXPECT_FALSE(manager->registerNodeWithName("Waiting", {}, [] { return std::make_shared<QCPatch>(); }));
   const Names names = manager->nodeNames();
   EXPECT_EQ(std::set<std::string>(names.begin(), names.end()),
-            (std::set<std::string>{"Good A", "Good B", "Ready", "Asking", "Later", "Waiting"}));
+            (std::set<std::string>{"Good A", "Good B", "Ready", "Searching", "Later", "Waiting"}));
   EXPECT_NE(manager->nodeInstanceWithName("Waiting"), nullptr);
 }
 
@@ -132,9 +108,9 @@ TEST(Composition, DoesNotOutliveANodeThatWasTakenBack) {
   const TestFolder folder;
   folder.writeBundle("A.plugin", "Throwing");
   const auto manager = newManager();
-  load(*manager, composition("Built On It", list({node("n", "Taken Back")})));
+  load(*manager, composition("Built On It", {"Taken Back"}));
   manager->loadPlugInsInFolder(folder.path(), {"plugin"});
   EXPECT_EQ(manager->nodeNames(), Names{});
   ASSERT_EQ(manager->loadFailures().size(), 2u);
-  EXPECT_EQ(manager->loadFailures()[1].reason, "node \"n\": there is no node \"Taken Back\"");
+  EXPECT_EQ(manager->loadFailures()[1].reason, "node \"n0\": there is no node \"Taken Back\"");
 }

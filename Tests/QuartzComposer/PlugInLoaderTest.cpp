@@ -8,20 +8,13 @@
 #include <unistd.h>
 
 #include <filesystem>
-#include <fstream>
 #include <functional>
-#include <iterator>
 
 namespace fs = std::filesystem;
 
 namespace {
 
 using Names = std::vector<std::string>;
-
-std::string contentsOf(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 // A bundle "M.plugin" that lies between two whole ones, and what is wrong with it.
 struct BrokenBundle {
@@ -105,16 +98,16 @@ TEST_P(BrokenBundles, IsReportedAndTheOthersLoad) {
   const TestFolder folder;
   folder.writeBundle("A.plugin", "Good");
   GetParam().make(folder);
-  folder.writeBundle("Z.plugin", "Asking");
+  folder.writeBundle("Z.plugin", "Searching");
 
   const auto manager = newManager();
   testing::internal::CaptureStderr();
   manager->loadPlugInsInFolder(folder.path(), {"plugin", "qtz"});
   const std::string printed = testing::internal::GetCapturedStderr();
 
-  EXPECT_EQ(manager->nodeNames(), (Names{"Good A", "Good B", "Asking"}));
+  EXPECT_EQ(manager->nodeNames(), (Names{"Good A", "Good B", "Searching"}));
   const auto& failures = manager->loadFailures();
-  // The bundle "Asking" loads the folder once more: what failed fails again, what registered is a duplicate.
+  // The bundle "Searching" loads the folder once more: what failed fails again, what registered is a duplicate.
   ASSERT_FALSE(failures.empty());
   EXPECT_EQ(failures[0].path, folder.path() + "/M.plugin");
   EXPECT_NE(failures[0].reason.find(GetParam().reason), std::string::npos) << failures[0].reason;
@@ -160,12 +153,12 @@ TEST(PlugInLoader, TwoManagersLoadTheSameBundle) {
 TEST(PlugInLoader, APlugInFindsItsManagerWhileItIsLoaded) {
   const TestFolder folder;
   folder.writeBundle("A.plugin", "Good");
-  folder.writeBundle("B.plugin", "Asking");
+  folder.writeBundle("B.plugin", "Searching");
   const auto manager = newManager();
   testing::internal::CaptureStderr();
   manager->loadPlugInsInFolder(folder.path(), {"plugin"});
   testing::internal::GetCapturedStderr();
-  const PropertyList* attributes = manager->nodeAttributesWithName("Asking");
+  const PropertyList* attributes = manager->nodeAttributesWithName("Searching");
   ASSERT_NE(attributes, nullptr);
   EXPECT_TRUE(attributes->find("managerIsFound")->boolValue());
   EXPECT_EQ(attributes->find("seen")->items().size(), 2u);

@@ -44,7 +44,7 @@ const StateRow stateRows[] = {
     {"NumberMakesIntegersReal", make<QCNumberPort>, P::integer(3), P::real(3)},
     {"NumberTakesBooleans", make<QCNumberPort>, P::boolean(true), P::real(1)},
     {"NumberRefusesText", make<QCNumberPort>, text("1"), {}},
-    {"BooleanAsksForZero", make<QCBooleanPort>, P::real(0.25), P::boolean(true)},
+    {"BooleanIsNotZero", make<QCBooleanPort>, P::real(0.25), P::boolean(true)},
     {"BooleanOfNegativeZero", make<QCBooleanPort>, P::real(-0.0), P::boolean(false)},
     {"BooleanRefusesText", make<QCBooleanPort>, text("yes"), {}},
     {"IndexTakesWholeReals", make<QCIndexPort>, P::real(7), P::integer(7)},

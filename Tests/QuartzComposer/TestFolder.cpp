@@ -1,43 +1,34 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Tests/QuartzComposer/TestFolder.h"
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <stdexcept>
+#include <iterator>
 
 namespace fs = std::filesystem;
 
-TestFolder::TestFolder() {
-  const char* base = std::getenv("TMPDIR");
-  path_ = std::string(base && *base ? base : "/tmp") + "/vorto-test-XXXXXX";
-  if (!mkdtemp(path_.data())) {
-    throw std::runtime_error("no temporary folder can be made");
-  }
-}
-
-TestFolder::~TestFolder() {
-  std::error_code ignored;
-  fs::remove_all(path_, ignored);
-}
-
 std::string TestFolder::write(const std::string& name, std::string_view contents) const {
-  const fs::path path = fs::path(path_) / name;
-  fs::create_directories(path.parent_path());
-  std::ofstream(path, std::ios::binary).write(contents.data(), static_cast<std::streamsize>(contents.size()));
-  return path.string();
+  const fs::path file = fs::path(path()) / name;
+  fs::create_directories(file.parent_path());
+  std::ofstream(file, std::ios::binary).write(contents.data(), static_cast<std::streamsize>(contents.size()));
+  return file.string();
 }
 
 std::string TestFolder::writeBundle(const std::string& bundle, const std::string& plugIn) const {
   write(bundle + "/Contents/Info.plist", infoPlist("Program"));
-  const fs::path bundlePath = fs::path(path_) / bundle;
-  fs::create_directories(bundlePath / "Contents/Linux");
-  fs::copy_file(testPlugIn(plugIn), bundlePath / "Contents/Linux/Program");
-  return bundlePath.string();
+  const fs::path folder = fs::path(path()) / bundle;
+  fs::create_directories(folder / "Contents/Linux");
+  fs::copy_file(testPlugIn(plugIn), folder / "Contents/Linux/Program");
+  return folder.string();
 }
 
 std::string testPlugIn(const std::string& plugIn) {
   return std::string(TEST_PLUGIN_FOLDER) + "/" + plugIn + ".so";
+}
+
+std::string contentsOf(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
 }
 
 std::string infoPlist(std::string_view executable) {

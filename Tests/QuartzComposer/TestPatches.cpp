@@ -78,42 +78,19 @@ std::shared_ptr<GFNodeManager> managerWithTestPatches() {
   return manager;
 }
 
-PropertyList dict(std::initializer_list<std::pair<const char*, PropertyList>> entries) {
-  PropertyList dictionary;
-  for (const auto& [key, value] : entries) {
-    dictionary.set(key, value);
+PropertyList composition(const char* name, const std::vector<std::string>& nodeNames) {
+  PropertyList nodes = PropertyList::array();
+  for (const std::string& node : nodeNames) {
+    nodes.append(dict({{"identifier", text("n" + std::to_string(nodes.items().size()))}, {"name", text(node)}}));
   }
-  return dictionary;
+  return dict(
+      {{"formatVersion", PropertyList::integer(1)}, {"attributes", dict({{"name", text(name)}})}, {"nodes", nodes}});
 }
 
-PropertyList list(std::initializer_list<PropertyList> items) {
-  return PropertyList::array(items);
-}
-
-PropertyList text(std::string string) {
-  return PropertyList::string(std::move(string));
-}
-
-PropertyList node(const char* identifier, const char* name, PropertyList values) {
-  return dict({{"identifier", text(identifier)}, {"name", text(name)}, {"values", std::move(values)}});
-}
-
-PropertyList connection(const char* from, const char* to) {
-  return dict({{"from", text(from)}, {"to", text(to)}});
-}
-
-PropertyList published(const char* key, const char* node, const char* port) {
-  return dict({{"key", text(key)}, {"node", text(node)}, {"port", text(port)}});
-}
-
-PropertyList composition(const char* name, PropertyList nodes, PropertyList connections, PropertyList inputs,
-                         PropertyList outputs) {
-  return dict({{"formatVersion", PropertyList::integer(1)},
-               {"attributes", dict({{"name", text(name)}})},
-               {"nodes", std::move(nodes)},
-               {"connections", std::move(connections)},
-               {"inputs", std::move(inputs)},
-               {"outputs", std::move(outputs)}});
+void loadFile(GFNodeManager& manager, const std::string& name) {
+  const TestFolder folder;
+  folder.write(name + ".qtz", contentsOf(TEST_DATA "/compositions/" + name + ".qtz"));
+  manager.loadPlugInsInFolder(folder.path(), {"qtz"});
 }
 
 void load(GFNodeManager& manager, const PropertyList& composition, const std::string& file) {

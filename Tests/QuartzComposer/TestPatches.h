@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Platform/QuartzComposer/GFNodeManager.h"
+#include "Tests/Support/Lists.h"
 
 #include <memory>
 #include <string>
@@ -48,19 +49,13 @@ class TestImage : public QCImage {
 std::vector<std::string>& executedLabels();
 
 // A manager of a namespace of its own with the nodes
-//   "Sum"   inputs a (default 1), b (numbers), label (string), image, object; outputs sum, image, object: passed
-//   through "Throw" output sum; throws when it is executed
+//   "Sum"   inputs a (default 1), b (numbers), label (string), image, object; outputs sum, outputImage, outputObject
+//   "Throw" output sum; throws when it is executed
 std::shared_ptr<GFNodeManager> newManager();
 std::shared_ptr<GFNodeManager> managerWithTestPatches();
 
-// Property lists without ceremony.
-PropertyList dict(std::initializer_list<std::pair<const char*, PropertyList>> entries);
-PropertyList list(std::initializer_list<PropertyList> items);
-PropertyList text(std::string string);
-PropertyList node(const char* identifier, const char* name, PropertyList values = {});
-PropertyList connection(const char* from, const char* to);
-PropertyList published(const char* key, const char* node, const char* port);
-PropertyList composition(const char* name, PropertyList nodes, PropertyList connections = PropertyList::array(),
-                         PropertyList inputs = PropertyList::array(), PropertyList outputs = PropertyList::array());
+// A composition of nodes "n0", "n1", ... that are not connected.
+PropertyList composition(const char* name, const std::vector<std::string>& nodeNames);
+void loadFile(GFNodeManager& manager, const std::string& name);  // of the folder "compositions"
 // Writes one list into a folder of its own and has the manager load it.
 void load(GFNodeManager& manager, const PropertyList& composition, const std::string& file = "Test.qtz");

@@ -3,6 +3,7 @@
 
 #include "Registry/BrivoCompatability.h"
 #include "Tests/QuartzComposer/TestFolder.h"
+#include "Tests/Support/Lists.h"
 
 #include <gtest/gtest.h>
 
@@ -17,13 +18,13 @@ const char* const compositionText =
     "<plist version=\"1.0\"><dict><key>formatVersion</key><integer>1</integer><key>attributes</key><dict>"
     "<key>protocols</key><dict><key>generator</key><dict/><key>filter</key><dict/></dict></dict></dict></plist>";
 
-// A home folder with one composition that is both a generator and a filter, and one plug-in that asks for the manager.
+// A home folder with one composition that is both a generator and a filter, and one plug-in that looks for the manager.
 // Each test runs in a process of its own, so that the shared manager is made after this.
 class NodeManagerInHome : public testing::Test {
  protected:
   NodeManagerInHome() {
     home_.write("Library/Plug-Ins/Vorto/Both.qtz", compositionText);
-    home_.writeBundle("Library/Plug-Ins/Vorto/Asking.plugin", "AskingShared");
+    home_.writeBundle("Library/Plug-Ins/Vorto/Searching.plugin", "SearchingShared");
     setenv("HOME", home_.path().c_str(), 1);
   }
   static bool has(const Names& names, const std::string& name) {
@@ -32,14 +33,6 @@ class NodeManagerInHome : public testing::Test {
   TestFolder home_;
 };
 
-PropertyList filterAttributes() {
-  PropertyList protocols;
-  protocols.set("filter", PropertyList());
-  PropertyList attributes;
-  attributes.set("protocols", protocols);
-  return attributes;
-}
-
 std::shared_ptr<QCPatch> plainPatch() {
   return std::make_shared<QCPatch>();
 }
@@ -47,10 +40,10 @@ std::shared_ptr<QCPatch> plainPatch() {
 class Instantiating : public VRTNodeManager, public GFNodeInstantiating {
  public:
   std::shared_ptr<QCPatch> instantiateNodeWithName(std::string_view name) override {
-    asked = name;
+    wanted = name;
     return name == "Own" ? plainPatch() : nullptr;
   }
-  std::string asked;
+  std::string wanted;
 };
 
 }  // namespace
@@ -71,7 +64,7 @@ TEST_F(NodeManagerInHome, LoadsTheHomeFolderOnFirstUseAndListsByKind) {
 }
 
 TEST_F(NodeManagerInHome, APlugInFindsTheManagerThatIsBeingMade) {
-  const PropertyList* attributes = VRTNodeManager::manager()->nodeAttributesWithName("Asking Shared");
+  const PropertyList* attributes = VRTNodeManager::manager()->nodeAttributesWithName("Searching Shared");
   ASSERT_NE(attributes, nullptr);
   EXPECT_TRUE(attributes->find("managerIsShared")->boolValue());
 }
@@ -92,7 +85,7 @@ TEST_F(NodeManagerInHome, CompatibilityClassMakesNoSecondManager) {
 
 TEST_F(NodeManagerInHome, FallsBackToBuiltInPatches) {
   const auto manager = VRTNodeManager::manager();
-  QCPatch::registerPatch("Built In", filterAttributes(), plainPatch);
+  QCPatch::registerPatch("Built In", attributesOfKind("filter"), plainPatch);
   EXPECT_EQ(manager->nodeAttributesWithName("Built In"), QCPatch::patchAttributesWithName("Built In"));
   EXPECT_NE(manager->nodeInstanceWithName("Built In"), nullptr);
   EXPECT_FALSE(has(manager->filterNames(), "Built In")) << "only nodes of the manager are listed";
@@ -100,13 +93,13 @@ TEST_F(NodeManagerInHome, FallsBackToBuiltInPatches) {
   EXPECT_EQ(manager->nodeInstanceWithName("unknown"), nullptr);
 }
 
-TEST_F(NodeManagerInHome, AsksTheSharedManagerForTheKindAndItselfForTheNames) {
+TEST_F(NodeManagerInHome, TakesKindsFromTheSharedManagerAndNamesFromItself) {
   const auto shared = VRTNodeManager::manager();
   const auto other = std::make_shared<VRTNodeManager>();
   ASSERT_TRUE(other->initWithNamespace("org.vorto.test.other"));
-  other->registerNodeWithName("Only Here", filterAttributes(), plainPatch);
+  other->registerNodeWithName("Only Here", attributesOfKind("filter"), plainPatch);
   other->registerNodeWithName("Filter There", {}, plainPatch);
-  shared->registerNodeWithName("Filter There", filterAttributes(), plainPatch);
+  shared->registerNodeWithName("Filter There", attributesOfKind("filter"), plainPatch);
   EXPECT_FALSE(has(other->filterNames(), "Only Here"));
   EXPECT_TRUE(has(other->filterNames(), "Filter There"));
 }
@@ -116,8 +109,8 @@ TEST_F(NodeManagerInHome, ASubclassMayMakeTheInstances) {
   ASSERT_TRUE(manager->initWithNamespace("org.vorto.test.instantiating"));
   EXPECT_NE(manager->nodeInstanceWithName("Own"), nullptr);
   manager->registerNodeWithName("Registered", {}, plainPatch);
-  EXPECT_EQ(manager->nodeInstanceWithName("Registered"), nullptr) << "asked instead of the table";
-  EXPECT_EQ(manager->asked, "Registered");
+  EXPECT_EQ(manager->nodeInstanceWithName("Registered"), nullptr) << "used instead of the table";
+  EXPECT_EQ(manager->wanted, "Registered");
 }
 
 TEST_F(NodeManagerInHome, SamplerSlotsKeepNothingAlive) {

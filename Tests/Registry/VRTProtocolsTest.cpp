@@ -2,6 +2,7 @@
 #include "Registry/VRTProtocols.h"
 
 #include "Platform/QuartzComposer/QCPatch.h"
+#include "Tests/Support/Lists.h"
 
 #include <gtest/gtest.h>
 
@@ -29,11 +30,7 @@ const Role roles[] = {
 
 // A patch that declares one entry of one protocol, with a port for it.
 std::unique_ptr<QCPatch> patchWith(const char* kind, PropertyList roleEntries) {
-  PropertyList protocols;
-  protocols.set(kind, std::move(roleEntries));
-  PropertyList attributes;
-  attributes.set("protocols", std::move(protocols));
-  auto patch = std::make_unique<QCPatch>(std::move(attributes));
+  auto patch = std::make_unique<QCPatch>(attributesOfKind(kind, std::move(roleEntries)));
   patch->addInputPort<QCImagePort>("thePort");
   return patch;
 }
@@ -50,29 +47,24 @@ class Context : public VortoExecutionContext {
 
 TEST(Protocols, EveryAccessorReadsItsOwnEntryAlone) {
   for (const Role& declared : roles) {
-    PropertyList entries;
-    entries.set(declared.role, PropertyList::string("thePort"));
-    const auto patch = patchWith(declared.kind, entries);
-    for (const Role& asked : roles) {
-      const bool sameKind = std::string_view(asked.kind) == declared.kind;
-      EXPECT_EQ(asked.isOfKind(*patch), sameKind) << declared.kind << " asked " << asked.kind;
-      const bool sameRole = sameKind && std::string_view(asked.role) == declared.role;
-      EXPECT_EQ(asked.port(*patch), sameRole ? patch->portForKey("thePort") : nullptr) << declared.role << asked.role;
+    const auto patch = patchWith(declared.kind, dict({{declared.role, text("thePort")}}));
+    for (const Role& wanted : roles) {
+      const bool sameKind = std::string_view(wanted.kind) == declared.kind;
+      EXPECT_EQ(wanted.isOfKind(*patch), sameKind) << declared.kind << " wanted " << wanted.kind;
+      const bool sameRole = sameKind && std::string_view(wanted.role) == declared.role;
+      EXPECT_EQ(wanted.port(*patch), sameRole ? patch->portForKey("thePort") : nullptr) << declared.role << wanted.role;
     }
   }
 }
 
-TEST(Protocols, MissingAndMalformedEntriesAnswerNull) {
-  for (const PropertyList& key :
-       {PropertyList::string("noSuchPort"), PropertyList::string(""), PropertyList::integer(1)}) {
-    PropertyList entries;
-    entries.set("inputTimePort", key);
-    const auto patch = patchWith("transition", entries);
+TEST(Protocols, MissingAndMalformedEntriesGiveNull) {
+  for (const PropertyList& key : {text("noSuchPort"), text(""), PropertyList::integer(1)}) {
+    const auto patch = patchWith("transition", dict({{"inputTimePort", key}}));
     EXPECT_TRUE(isVortoTransition(*patch));
     EXPECT_EQ(transitionInputTimePort(*patch), nullptr);
     EXPECT_EQ(transitionInputImageAPort(*patch), nullptr);
   }
-  EXPECT_TRUE(isVortoFilter(*patchWith("filter", PropertyList::string("no dictionary"))));
+  EXPECT_TRUE(isVortoFilter(*patchWith("filter", text("no dictionary"))));
   for (const PropertyList& attributes : {PropertyList(), PropertyList::array()}) {
     const QCPatch plain(attributes);
     EXPECT_FALSE(isVortoFilter(plain));
@@ -80,7 +72,7 @@ TEST(Protocols, MissingAndMalformedEntriesAnswerNull) {
   }
 }
 
-TEST(Protocols, ContextComesFromPatchesThatAnswer) {
+TEST(Protocols, ContextComesFromPatchesThatHaveOne) {
   struct Plain : QCPatch {
   } plain;
   struct WithoutContext : QCPatch, VortoRuntime {

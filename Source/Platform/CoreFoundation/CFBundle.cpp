@@ -30,7 +30,7 @@ bool IsPlainName(std::string_view name) {
          name.find_first_of(kRefused) == std::string_view::npos;
 }
 
-// Null, with the cause in *reason, as CFBundleCreate answers.
+// Null, with the cause in *reason, as CFBundleCreate returns it.
 CFBundleRef Refuse(std::string* reason, std::string cause) {
   if (reason != nullptr) *reason = std::move(cause);
   return nullptr;
@@ -100,7 +100,7 @@ CFBundleRef CFBundleCreate(CFAllocatorRef, const std::string& path, std::string*
   bundle->path = canonical;
   bundle->info = std::move(*info);
   bundle->identifier = std::move(identifier);
-  CFBundleRegistryAdd(bundle);
+  CFBundleRegistryAdd(bundle, canonical, bundle->identifier.get());
   return bundle;
 }
 

@@ -1,113 +1,46 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/CoreFoundation/CFBundleRegistry.h"
 
-#include "Platform/CoreFoundation/CFRuntime.h"
-#include "Platform/CoreFoundation/CFStringObject.h"
-
-#include <dlfcn.h>
-#include <link.h>
-
 #include <algorithm>
-#include <deque>
-#include <filesystem>
+#include <utility>
+#include <vector>
 
 namespace {
 
-namespace fs = std::filesystem;
-
-struct Registry {
-  std::vector<CFBundleRef> open;  // in the order in which they were opened
-  std::deque<std::string> unsearched;
-  bool ownFoldersAdded = false;
+struct Entry {
+  const CFBundleObject* bundle;
+  std::string path;
+  CFStringRef identifier;
 };
 
-Registry& TheRegistry() {
+// In the order in which they were opened.
+std::vector<Entry>& Entries() {
   // Never destroyed: bundles may be released while the process ends.
-  static Registry& registry = *new Registry;
-  return registry;
+  static std::vector<Entry>& entries = *new std::vector<Entry>;
+  return entries;
 }
 
-// The folder of the library, or of the program, that this code is linked into. Empty when the system does not tell.
-std::string OwnFolder() {
-  Dl_info info{};
-  link_map* map = nullptr;
-  if (dladdr1(reinterpret_cast<void*>(&OwnFolder), &info, reinterpret_cast<void**>(&map), RTLD_DL_LINKMAP) == 0) {
-    return {};
-  }
-  const bool isProgram = map == nullptr || map->l_name == nullptr || *map->l_name == '\0';
-  std::error_code error;
-  const fs::path path = fs::canonical(isProgram ? "/proc/self/exe" : map->l_name, error);
-  return error ? std::string() : path.parent_path().string();
-}
-
-// Opens every bundle of a folder for good.
-void Search(const std::string& folder) {
-  std::vector<std::string> paths;
-  std::error_code error;
-  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
-    if (entry->path().extension() == ".bundle") paths.push_back(entry->path().string());
-  }
-  std::sort(paths.begin(), paths.end());
-  for (const std::string& path : paths) {
-    std::string reason;
-    if (CFBundleCreate(kCFAllocatorDefault, path, &reason) == nullptr) CFReport("%s: %s", path.c_str(), reason.c_str());
-  }
-}
-
-CFBundleRef FindOpen(CFStringRef identifier) {
-  const std::vector<CFBundleRef>& open = TheRegistry().open;
-  const auto found = std::find_if(open.begin(), open.end(), [&](CFBundleRef bundle) {
-    return CFStringCompare(CFBundleGetIdentifier(bundle), identifier, 0) == kCFCompareEqualTo;
-  });
-  return found == open.end() ? nullptr : *found;
+template <class Predicate>
+const CFBundleObject* Find(Predicate matches) {
+  const auto found = std::find_if(Entries().begin(), Entries().end(), matches);
+  return found == Entries().end() ? nullptr : found->bundle;
 }
 
 }  // namespace
 
-std::vector<std::string> CFBundleFoldersBeside(const std::string& folder) {
-  std::vector<std::string> folders;
-  if (folder.empty()) return folders;
-  for (const char* relative : {"", "../lib", "../share/vorto", "../../share/vorto"}) {
-    std::string path = (fs::path(folder) / relative).lexically_normal().string();
-    if (path.size() > 1 && path.back() == '/') path.pop_back();
-    if (std::find(folders.begin(), folders.end(), path) == folders.end()) folders.push_back(path);
-  }
-  return folders;
+void CFBundleRegistryAdd(const CFBundleObject* bundle, std::string canonicalPath, CFStringRef identifier) {
+  Entries().push_back({bundle, std::move(canonicalPath), identifier});
 }
 
-void CFBundleRegistryAdd(CFBundleRef bundle) {
-  TheRegistry().open.push_back(bundle);
+void CFBundleRegistryRemove(const CFBundleObject* bundle) {
+  std::erase_if(Entries(), [&](const Entry& entry) { return entry.bundle == bundle; });
 }
 
-void CFBundleRegistryRemove(CFBundleRef bundle) {
-  std::erase(TheRegistry().open, bundle);
+const CFBundleObject* CFBundleRegistryFindPath(const std::string& canonicalPath) {
+  return Find([&](const Entry& entry) { return entry.path == canonicalPath; });
 }
 
-CFBundleRef CFBundleRegistryFindPath(const std::string& canonicalPath) {
-  for (CFBundleRef bundle : TheRegistry().open) {
-    if (CFBundleGetPath(bundle) == canonicalPath) return bundle;
-  }
-  return nullptr;
-}
-
-CFBundleRef CFBundleGetBundleWithIdentifier(CFStringRef identifier) {
-  if (identifier == nullptr) return nullptr;
-  Registry& registry = TheRegistry();
-  for (;;) {
-    if (CFBundleRef bundle = FindOpen(identifier)) return bundle;
-    if (registry.unsearched.empty()) {
-      if (registry.ownFoldersAdded) return nullptr;
-      registry.ownFoldersAdded = true;
-      const std::vector<std::string> own = CFBundleFoldersBeside(OwnFolder());
-      registry.unsearched.assign(own.begin(), own.end());
-      continue;
-    }
-    const std::string folder = registry.unsearched.front();
-    registry.unsearched.pop_front();
-    Search(folder);
-  }
-}
-
-void CFBundleAddSearchFolder(const std::string& folder) {
-  TheRegistry().unsearched.push_back(folder);
+const CFBundleObject* CFBundleRegistryFindIdentifier(CFStringRef identifier) {
+  return Find(
+      [&](const Entry& entry) { return CFStringCompare(entry.identifier, identifier, 0) == kCFCompareEqualTo; });
 }

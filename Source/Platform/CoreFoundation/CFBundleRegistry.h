@@ -1,16 +1,18 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include "Platform/CoreFoundation/CFBundle.h"
+#include "Platform/CoreFoundation/CFString.h"
 
 #include <string>
-#include <vector>
 
-// The open bundles of the process, and where the framework's own are looked for.
+// The open bundles of the process, each under its canonical path and its identifier. It knows nothing else of them, and
+// keeps none alive: a bundle enters it when it is opened and leaves it when it is destroyed.
 
-void CFBundleRegistryAdd(CFBundleRef bundle);  // not retained
-void CFBundleRegistryRemove(CFBundleRef bundle);
-CFBundleRef CFBundleRegistryFindPath(const std::string& canonicalPath);
+struct CFBundleObject;
 
-// The folders searched for a library or program that lies in `folder`.
-std::vector<std::string> CFBundleFoldersBeside(const std::string& folder);
+// The identifier must outlive the entry.
+void CFBundleRegistryAdd(const CFBundleObject* bundle, std::string canonicalPath, CFStringRef identifier);
+void CFBundleRegistryRemove(const CFBundleObject* bundle);
+// Of several, the one opened first; null when there is none.
+const CFBundleObject* CFBundleRegistryFindPath(const std::string& canonicalPath);
+const CFBundleObject* CFBundleRegistryFindIdentifier(CFStringRef identifier);

@@ -5,6 +5,7 @@
 #include "Platform/QuartzComposer/QCCompositionQueue.h"
 #include "Platform/QuartzComposer/QCInstance.h"
 #include "Platform/QuartzComposer/QCPlugInBundle.h"
+#include "Platform/QuartzComposer/QCReason.h"
 
 #include <algorithm>
 #include <exception>
@@ -110,8 +111,7 @@ struct GFNodeManager::State {
   bool loadBundle(GFNodeManager& manager, const std::string& path, std::string* reason) {
     std::error_code error;
     if (!fs::is_directory(path, error)) {
-      *reason = "it is not a folder";
-      return false;
+      return QCRefuse(reason, "it is not a folder");
     }
     const QCPlugInDescription* description = QCLoadPlugInBundle(path, reason);
     if (!description) {
@@ -124,9 +124,9 @@ struct GFNodeManager::State {
       registeringPath = outer;
       return true;
     } catch (const std::exception& exception) {
-      *reason = std::string("it threw while it registered its nodes: ") + exception.what();
+      QCRefuse(reason, std::string("it threw while it registered its nodes: ") + exception.what());
     } catch (...) {
-      *reason = "it threw while it registered its nodes";
+      QCRefuse(reason, "it threw while it registered its nodes");
     }
     registeringPath = outer;
     withdraw(path, mark);

@@ -11,8 +11,8 @@
 
 // The nodes of one namespace: made known by plug-ins and compositions, listed and instantiated by name.
 //
-// A manager enters the table of managers when it is initialised, before it loads anything, since a plug-in may ask for
-// it while it loads; the first manager of a namespace is the one that managerForNodeNamespace() answers.
+// A manager enters the table of managers when it is initialised, before it loads anything, since a plug-in may look for
+// it while it loads; the first manager of a namespace is the one that managerForNodeNamespace() returns.
 class TARN_EXPORT GFNodeManager : public NSObject {
  public:
   // A file that was not loaded, or a part of one that was not taken, and why.
@@ -44,8 +44,8 @@ class TARN_EXPORT GFNodeManager : public NSObject {
   // hidden files and all other extensions are passed over. A missing folder is no error. What cannot be loaded is
   // printed on standard error, kept in loadFailures(), and skipped.
   //
-  // A composition may name nodes that a later folder brings: it becomes a node when nodes are first asked for, by any
-  // of the questions here, after loading has ended. Questions that a plug-in asks while it is loaded see the
+  // A composition may name nodes that a later folder brings: it becomes a node when one of the
+  // functions here first looks for nodes after loading has ended. What a plug-in calls while it is loaded sees the
   // compositions that are complete by then. A composition whose name a plug-in claims after it keeps the name.
   void loadPlugInsInFolder(const std::string& folder, const std::vector<std::string>& extensions);
   // In the order in which they were found out. Resolves what still waits for nodes first.
@@ -56,7 +56,7 @@ class TARN_EXPORT GFNodeManager : public NSObject {
   std::unique_ptr<State> state_;
 };
 
-// A manager that makes its instances another way implements this; VRTNodeManager asks for it first.
+// A manager that makes its instances another way implements this; VRTNodeManager tries it first.
 class TARN_EXPORT GFNodeInstantiating {
  public:
   virtual ~GFNodeInstantiating();

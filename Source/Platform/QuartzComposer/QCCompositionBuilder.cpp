@@ -2,8 +2,11 @@
 #include "Platform/QuartzComposer/QCCompositionBuilder.h"
 
 #include "Platform/QuartzComposer/GFNodeManager.h"
+#include "Platform/QuartzComposer/QCCompositionPatch.h"
+#include "Platform/QuartzComposer/QCReason.h"
 
 #include <algorithm>
+#include <exception>
 #include <optional>
 #include <string_view>
 
@@ -42,13 +45,34 @@ void checkMatch(const QCPort& from, const QCPort& to, const std::string& what) {
   }
 }
 
-}  // namespace
+// Collects what an instance consists of: the nodes, their values, the connections, the published ports. Every method
+// throws a QCCompositionRefusal on what does not fit.
+class Builder {
+ public:
+  Builder(const QCComposition& composition, GFNodeManager& manager) : composition_(composition), manager_(manager) {}
+  QCCompositionPatch::Parts build();
 
-QCCompositionBuilder::QCCompositionBuilder(const QCComposition& composition, GFNodeManager& manager,
-                                           QCCompositionPatch& patch)
-    : composition_(composition), manager_(manager), patch_(patch) {}
+ private:
+  void makeNodes();
+  void setValues(std::size_t node);
+  void connect();
+  void publishInput(const QCComposition::PublishedPort& published);
+  void publishOutput(const QCComposition::PublishedPort& published);
+  // A port of the inner one's class, the attributes overridden by those that the composition states.
+  std::shared_ptr<QCPort> publishedPort(const QCComposition::PublishedPort& published, const QCPort& inner,
+                                        PropertyList attributes) const;
+  QCPort& inputAt(const QCComposition::End& end) const;
+  QCPort& outputAt(const QCComposition::End& end) const;
+  QCPort& portAt(const QCComposition::End& end, const QCPatch::Ports& ports, const char* side) const;
+  std::string labelOf(std::size_t node) const;
 
-void QCCompositionBuilder::build() {
+  const QCComposition& composition_;
+  GFNodeManager& manager_;
+  std::vector<std::shared_ptr<QCPatch>> nodes_;  // in the composition's order
+  QCCompositionPatch::Parts parts_;
+};
+
+QCCompositionPatch::Parts Builder::build() {
   makeNodes();
   for (std::size_t node = 0; node < nodes_.size(); ++node) {
     setValues(node);
@@ -60,9 +84,10 @@ void QCCompositionBuilder::build() {
   for (const QCComposition::PublishedPort& published : composition_.outputs) {
     publishOutput(published);
   }
+  return std::move(parts_);
 }
 
-void QCCompositionBuilder::makeNodes() {
+void Builder::makeNodes() {
   for (std::size_t node = 0; node < composition_.nodes.size(); ++node) {
     nodes_.push_back(manager_.nodeInstanceWithName(composition_.nodes[node].name));
     if (!nodes_.back()) {
@@ -71,7 +96,7 @@ void QCCompositionBuilder::makeNodes() {
   }
 }
 
-void QCCompositionBuilder::setValues(std::size_t node) {
+void Builder::setValues(std::size_t node) {
   const PropertyList::Dictionary& values = composition_.nodes[node].values;
   for (std::size_t i = 0; i < values.size(); ++i) {
     std::string cause;
@@ -81,7 +106,7 @@ void QCCompositionBuilder::setValues(std::size_t node) {
   }
 }
 
-void QCCompositionBuilder::connect() {
+void Builder::connect() {
   std::vector<std::vector<QCCompositionPatch::Link>> incoming(nodes_.size());
   for (const QCComposition::Connection& connection : composition_.connections) {
     QCPort& from = outputAt(connection.from);
@@ -93,11 +118,11 @@ void QCCompositionBuilder::connect() {
     incoming[connection.to.node].push_back({&from, &to});
   }
   for (const std::size_t node : composition_.order) {
-    patch_.steps_.push_back({labelOf(node), nodes_[node], std::move(incoming[node])});
+    parts_.steps.push_back({labelOf(node), nodes_[node], std::move(incoming[node])});
   }
 }
 
-void QCCompositionBuilder::publishInput(const QCComposition::PublishedPort& published) {
+void Builder::publishInput(const QCComposition::PublishedPort& published) {
   const QCPort& inner = inputAt(published.ends.front());
   PropertyList attributes = inner.attributes();
   if (std::optional<PropertyList> initial = statesItsDefault(inner) ? inner.stateValue() : std::nullopt) {
@@ -108,7 +133,7 @@ void QCCompositionBuilder::publishInput(const QCComposition::PublishedPort& publ
   if (!QCCompositionPatch::carry({{&inner, port.get()}}, &cause)) {
     refuse("the input \"" + published.key + "\" cannot be published: " + cause);
   }
-  patch_.addInputPort(port);
+  parts_.inputs.push_back(port);
   if (const PropertyList* initial = published.overrides.find("default")) {
     if (!port->setStateValue(*initial, &cause)) {
       refuse("the default of the input \"" + published.key + "\" is refused: " + cause);
@@ -119,19 +144,19 @@ void QCCompositionBuilder::publishInput(const QCComposition::PublishedPort& publ
     checkMatch(
         *port, target,
         "the input \"" + published.key + "\" to \"" + composition_.nodes[end.node].identifier + "." + end.port + '"');
-    patch_.inputLinks_.push_back({port.get(), &target});
+    parts_.inputLinks.push_back({port.get(), &target});
   }
 }
 
-void QCCompositionBuilder::publishOutput(const QCComposition::PublishedPort& published) {
+void Builder::publishOutput(const QCComposition::PublishedPort& published) {
   const QCPort& inner = outputAt(published.ends.front());
   const std::shared_ptr<QCPort> port = publishedPort(published, inner, inner.attributes());
-  patch_.addOutputPort(port);
-  patch_.outputLinks_.push_back({&inner, port.get()});
+  parts_.outputs.push_back(port);
+  parts_.outputLinks.push_back({&inner, port.get()});
 }
 
-std::shared_ptr<QCPort> QCCompositionBuilder::publishedPort(const QCComposition::PublishedPort& published,
-                                                            const QCPort& inner, PropertyList attributes) const {
+std::shared_ptr<QCPort> Builder::publishedPort(const QCComposition::PublishedPort& published, const QCPort& inner,
+                                               PropertyList attributes) const {
   for (std::size_t i = 0; i < published.overrides.size(); ++i) {
     attributes.set(published.overrides.keyAt(i), published.overrides.valueAt(i));
   }
@@ -143,16 +168,15 @@ std::shared_ptr<QCPort> QCCompositionBuilder::publishedPort(const QCComposition:
   return port;
 }
 
-QCPort& QCCompositionBuilder::inputAt(const QCComposition::End& end) const {
+QCPort& Builder::inputAt(const QCComposition::End& end) const {
   return portAt(end, nodes_[end.node]->inputPorts(), "input");
 }
 
-QCPort& QCCompositionBuilder::outputAt(const QCComposition::End& end) const {
+QCPort& Builder::outputAt(const QCComposition::End& end) const {
   return portAt(end, nodes_[end.node]->outputPorts(), "output");
 }
 
-QCPort& QCCompositionBuilder::portAt(const QCComposition::End& end, const QCPatch::Ports& ports,
-                                     const char* side) const {
+QCPort& Builder::portAt(const QCComposition::End& end, const QCPatch::Ports& ports, const char* side) const {
   QCPort* port = portIn(ports, end.port);
   if (!port) {
     refuse(labelOf(end.node) + " has no " + side + " \"" + end.port + "\"; its " + side + "s: " + keysOf(ports));
@@ -160,7 +184,23 @@ QCPort& QCCompositionBuilder::portAt(const QCComposition::End& end, const QCPatc
   return *port;
 }
 
-std::string QCCompositionBuilder::labelOf(std::size_t node) const {
+std::string Builder::labelOf(std::size_t node) const {
   const QCComposition::Node& described = composition_.nodes[node];
   return "node \"" + described.identifier + "\" (" + described.name + ")";
+}
+
+}  // namespace
+
+std::shared_ptr<QCPatch> QCPatchWithComposition(const QCComposition& composition, GFNodeManager& manager,
+                                                std::string* reason) {
+  try {
+    return std::make_shared<QCCompositionPatch>(composition.attributes, Builder(composition, manager).build());
+  } catch (const QCCompositionRefusal& refusal) {
+    QCRefuse(reason, refusal.reason);
+  } catch (const std::exception& error) {  // of the nodes' own code
+    QCRefuse(reason, error.what());
+  } catch (...) {
+    QCRefuse(reason, "a node failed without a reason");
+  }
+  return nullptr;
 }

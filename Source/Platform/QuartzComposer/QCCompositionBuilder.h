@@ -1,32 +1,14 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include "Platform/QuartzComposer/QCCompositionPatch.h"
+#include "Platform/QuartzComposer/QCComposition.h"
+#include "Platform/QuartzComposer/QCPatch.h"
 
 // Inside this room only.
 
-// Fills an instance of a composition: the nodes, their values, the connections, the published ports.
-class QCCompositionBuilder {
- public:
-  QCCompositionBuilder(const QCComposition& composition, GFNodeManager& manager, QCCompositionPatch& patch);
-  void build();  // throws a QCCompositionRefusal
+class GFNodeManager;
 
- private:
-  void makeNodes();
-  void setValues(std::size_t node);
-  void connect();
-  void publishInput(const QCComposition::PublishedPort& published);
-  void publishOutput(const QCComposition::PublishedPort& published);
-  // A port of the inner one's class, the attributes overridden by those that the composition states.
-  std::shared_ptr<QCPort> publishedPort(const QCComposition::PublishedPort& published, const QCPort& inner,
-                                        PropertyList attributes) const;
-  QCPort& inputAt(const QCComposition::End& end) const;
-  QCPort& outputAt(const QCComposition::End& end) const;
-  QCPort& portAt(const QCComposition::End& end, const QCPatch::Ports& ports, const char* side) const;
-  std::string labelOf(std::size_t node) const;
-
-  const QCComposition& composition_;
-  GFNodeManager& manager_;
-  QCCompositionPatch& patch_;
-  std::vector<std::shared_ptr<QCPatch>> nodes_;  // in the composition's order
-};
+// Makes an instance of a composition, its nodes through the manager. Null, with the cause, when a node cannot be made
+// or lacks a port that the composition names, values do not fit, or ports that are connected do not match.
+std::shared_ptr<QCPatch> QCPatchWithComposition(const QCComposition& composition, GFNodeManager& manager,
+                                                std::string* reason);

@@ -1,43 +1,29 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/QuartzComposer/QCCompositionPatch.h"
 
-#include "Platform/QuartzComposer/QCCompositionBuilder.h"
+#include "Platform/QuartzComposer/QCReason.h"
 
-#include <exception>
-
-std::shared_ptr<QCCompositionPatch> QCCompositionPatch::patchWithComposition(const QCComposition& composition,
-                                                                             GFNodeManager& manager,
-                                                                             std::string* reason) {
-  auto patch = std::make_shared<QCCompositionPatch>(composition);
-  try {
-    QCCompositionBuilder(composition, manager, *patch).build();
-  } catch (const QCCompositionRefusal& refusal) {
-    *reason = refusal.reason;
-    return nullptr;
-  } catch (const std::exception& error) {  // of the nodes' own code
-    *reason = error.what();
-    return nullptr;
-  } catch (...) {
-    *reason = "a node failed without a reason";
-    return nullptr;
+QCCompositionPatch::QCCompositionPatch(PropertyList attributes, Parts parts)
+    : QCPatch(std::move(attributes)), parts_(std::move(parts)) {
+  for (const std::shared_ptr<QCPort>& port : parts_.inputs) {
+    addInputPort(port);
   }
-  return patch;
+  for (const std::shared_ptr<QCPort>& port : parts_.outputs) {
+    addOutputPort(port);
+  }
 }
 
-QCCompositionPatch::QCCompositionPatch(const QCComposition& composition) : QCPatch(composition.attributes) {}
-
 bool QCCompositionPatch::execute(double time, std::string* reason) {
-  if (!carry(inputLinks_, reason)) {
+  if (!carry(parts_.inputLinks, reason)) {
     return false;
   }
-  for (const Step& step : steps_) {
+  for (const Step& step : parts_.steps) {
     std::string cause;
     if (!carry(step.incoming, &cause) || !step.patch->executeAtTime(time, &cause)) {
-      *reason = step.label + ": " + cause;
-      return false;
+      return QCRefuse(reason, step.label + ": " + cause);
     }
   }
-  return carry(outputLinks_, reason);
+  return carry(parts_.outputLinks, reason);
 }
 
 bool QCCompositionPatch::carry(const std::vector<Link>& links, std::string* reason) {
@@ -45,13 +31,12 @@ bool QCCompositionPatch::carry(const std::vector<Link>& links, std::string* reas
     const NSObjectRef value = link.from->value();
     const NSObjectRef copy = value ? value->copyWithZone() : nullptr;
     if (value && !copy) {
-      *reason =
-          "the value of the port \"" + link.from->key() + "\" is a " + value->className() + ", which cannot be copied";
-      return false;
+      return QCRefuse(reason, "the value of the port \"" + link.from->key() + "\" is a " + value->className() +
+                                  ", which cannot be copied");
     }
     if (!link.to->setValue(copy)) {
-      *reason = "the port \"" + link.to->key() + "\" does not take the value of \"" + link.from->key() + '"';
-      return false;
+      return QCRefuse(reason,
+                      "the port \"" + link.to->key() + "\" does not take the value of \"" + link.from->key() + '"');
     }
   }
   return true;

@@ -2,7 +2,7 @@
 #include "Platform/QuartzComposer/QCCompositionQueue.h"
 
 #include "Platform/QuartzComposer/QCCloseNames.h"
-#include "Platform/QuartzComposer/QCCompositionPatch.h"
+#include "Platform/QuartzComposer/QCCompositionBuilder.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -81,7 +81,7 @@ struct QCCompositionQueue::Attempt {
 
   void addToTable(Candidate& candidate, QCNodeExtent extent) {
     std::string reason;
-    if (!QCCompositionPatch::patchWithComposition(*candidate.composition, manager, &reason)) {
+    if (!QCPatchWithComposition(*candidate.composition, manager, &reason)) {
       refuse(candidate, reason);
       return;
     }
@@ -89,7 +89,7 @@ struct QCCompositionQueue::Attempt {
     GFNodeManager* owner = &manager;  // owns the table, and so the factory
     const auto factory = [composition, owner]() -> std::shared_ptr<QCPatch> {
       std::string cause;
-      std::shared_ptr<QCPatch> patch = QCCompositionPatch::patchWithComposition(*composition, *owner, &cause);
+      std::shared_ptr<QCPatch> patch = QCPatchWithComposition(*composition, *owner, &cause);
       if (!patch) {
         throw std::runtime_error(cause);
       }

@@ -16,7 +16,7 @@ class QCCompositionQueue {
   bool empty() const { return waiting_.empty(); }
   const QCComposition* find(std::string_view name) const;  // null when none of that name waits
 
-  // Adds to the table every composition that is complete, those that others name first. The manager is asked for nodes
+  // Adds to the table every composition that is complete, those that others name first. The manager supplies nodes
   // that are not in the table.
   void resolve(GFNodeManager& manager, QCNodeTable& table);
   // The same, then gives up on those that are left: none waits any more, and each has its failure.

@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <optional>
 
-// Base of the objects that object ports carry. What a subclass answers as its state value is what documents and
+// Base of the objects that object ports carry. What a subclass returns as its state value is what documents and
 // compositions store.
 class TARN_EXPORT QCObject : public NSObject {
  public:

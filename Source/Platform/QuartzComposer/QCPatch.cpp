@@ -3,6 +3,7 @@
 
 #include "Platform/Foundation/NSClassTable.h"
 #include "Platform/QuartzComposer/QCInstance.h"
+#include "Platform/QuartzComposer/QCReason.h"
 
 #include <exception>
 #include <map>
@@ -63,10 +64,7 @@ bool QCPatch::executeAtTime(double time, std::string* reason) {
   } catch (...) {
     cause.clear();
   }
-  if (reason) {
-    *reason = cause.empty() ? "the patch failed without a reason" : cause;
-  }
-  return false;
+  return QCRefuse(reason, cause.empty() ? "the patch failed without a reason" : std::move(cause));
 }
 
 bool QCPatch::execute(double, std::string*) {

@@ -22,7 +22,7 @@ class TARN_EXPORT QCPatch : public NSObject {
   using Factory = std::function<std::shared_ptr<QCPatch>()>;
 
   explicit QCPatch(PropertyList attributes = {});
-  ~QCPatch() override;  // ports that outlive the patch answer null as their node
+  ~QCPatch() override;  // ports that outlive the patch have null as their node
   std::string className() const override { return "QCPatch"; }
 
   const PropertyList& attributes() const { return attributes_; }

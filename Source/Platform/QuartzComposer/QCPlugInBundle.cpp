@@ -2,6 +2,7 @@
 #include "Platform/QuartzComposer/QCPlugInBundle.h"
 
 #include "Platform/QuartzComposer/QCPlugInBinary.h"
+#include "Platform/QuartzComposer/QCReason.h"
 
 #include <dlfcn.h>
 
@@ -20,27 +21,27 @@ std::string executableName(const std::string& bundle, std::string* reason) {
   std::error_code error;
   const fs::file_status status = fs::status(path, error);
   if (status.type() == fs::file_type::not_found) {
-    *reason = "it has no Contents/Info.plist";
+    QCRefuse(reason, "it has no Contents/Info.plist");
     return {};
   }
   if (!fs::is_regular_file(status) || fs::file_size(path, error) > largestInfo || error) {
-    *reason = "its Info.plist cannot be read";
+    QCRefuse(reason, "its Info.plist cannot be read");
     return {};
   }
   std::string cause;
   const std::optional<PropertyList> info = PropertyListFromFile(path, &cause);
   if (!info || !info->isDictionary()) {
-    *reason = "its Info.plist cannot be read: " + (info ? "it is no dictionary" : cause);
+    QCRefuse(reason, "its Info.plist cannot be read: " + (info ? "it is no dictionary" : cause));
     return {};
   }
   const PropertyList* name = info->find("CFBundleExecutable");
   if (!name || name->stringValue().empty()) {
-    *reason = "its Info.plist names no CFBundleExecutable";
+    QCRefuse(reason, "its Info.plist names no CFBundleExecutable");
     return {};
   }
   const std::string& text = name->stringValue();
   if (text.find('/') != std::string::npos || text.find('\0') != std::string::npos || text == "." || text == "..") {
-    *reason = "its CFBundleExecutable is not the plain name of a file";
+    QCRefuse(reason, "its CFBundleExecutable is not the plain name of a file");
     return {};
   }
   return text;
@@ -50,7 +51,7 @@ void* open(const std::string& binary, std::string* reason) {
   void* handle = dlopen(binary.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (!handle) {
     const char* message = dlerror();
-    *reason = std::string("its binary cannot be loaded: ") + (message ? message : "no reason given");
+    QCRefuse(reason, std::string("its binary cannot be loaded: ") + (message ? message : "no reason given"));
   }
   return handle;
 }
@@ -59,19 +60,19 @@ const QCPlugInDescription* describe(void* handle, std::string* reason) {
   using Describe = const QCPlugInDescription* (*)();
   const auto function = reinterpret_cast<Describe>(dlsym(handle, "QCPlugInDescribe"));
   if (!function) {
-    *reason = "its binary does not export QCPlugInDescribe";
+    QCRefuse(reason, "its binary does not export QCPlugInDescribe");
     return nullptr;
   }
   try {
     const QCPlugInDescription* description = function();
     if (!description) {
-      *reason = "QCPlugInDescribe gives no description";
+      QCRefuse(reason, "QCPlugInDescribe gives no description");
     }
     return description;
   } catch (const std::exception& error) {
-    *reason = std::string("QCPlugInDescribe threw: ") + error.what();
+    QCRefuse(reason, std::string("QCPlugInDescribe threw: ") + error.what());
   } catch (...) {
-    *reason = "QCPlugInDescribe threw";
+    QCRefuse(reason, "QCPlugInDescribe threw");
   }
   return nullptr;
 }
@@ -86,7 +87,7 @@ const QCPlugInDescription* QCLoadPlugInBundle(const std::string& path, std::stri
   const std::string binary = path + "/Contents/Linux/" + name;
   std::error_code error;
   if (!fs::is_regular_file(binary, error)) {
-    *reason = "it has no binary Contents/Linux/" + name;
+    QCRefuse(reason, "it has no binary Contents/Linux/" + name);
     return nullptr;
   }
   if (!QCCheckPlugInBinary(binary, reason)) {
@@ -99,12 +100,12 @@ const QCPlugInDescription* QCLoadPlugInBundle(const std::string& path, std::stri
     return nullptr;
   }
   if (description->interfaceVersion != QCPlugInInterfaceVersion) {
-    *reason = "it was built for interface version " + std::to_string(description->interfaceVersion) + ", not " +
-              std::to_string(QCPlugInInterfaceVersion);
+    QCRefuse(reason, "it was built for interface version " + std::to_string(description->interfaceVersion) + ", not " +
+                         std::to_string(QCPlugInInterfaceVersion));
     return nullptr;
   }
   if (!description->registerNodes) {
-    *reason = "its description has no function that registers nodes";
+    QCRefuse(reason, "its description has no function that registers nodes");
     return nullptr;
   }
   return description;

@@ -5,6 +5,6 @@
 
 // Inside this room only.
 
-// Loads the binary of a bundle, for good, and asks it for its description; null, with the cause, when the bundle is
+// Loads the binary of a bundle, for good, and returns its description; null, with the cause, when the bundle is
 // broken or was built for another interface. The description's function is there.
 const QCPlugInDescription* QCLoadPlugInBundle(const std::string& path, std::string* reason);

@@ -2,6 +2,7 @@
 #include "Platform/QuartzComposer/QCPort.h"
 
 #include "Platform/Foundation/NSClassTable.h"
+#include "Platform/QuartzComposer/QCReason.h"
 
 #include <string_view>
 
@@ -53,13 +54,8 @@ std::optional<PropertyList> QCPort::stateValue() const {
 
 bool QCPort::setStateValue(const PropertyList& state, std::string* reason) {
   const NSObjectRef value = valueFromState(state);
-  if (value && setValue(value)) {
-    return true;
-  }
-  if (reason) {
-    *reason = std::string("this ") + state.typeName() + " does not fit a port of kind " + kind();
-  }
-  return false;
+  return (value && setValue(value)) ||
+         QCRefuse(reason, std::string("this ") + state.typeName() + " does not fit a port of kind " + kind());
 }
 
 NSObjectRef QCPort::valueFromState(const PropertyList& state) const {

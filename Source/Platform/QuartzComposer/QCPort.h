@@ -21,7 +21,7 @@ class QCPatch;
 // way in; hosts check.
 //
 // Numbers, booleans and indexes convert into one another where nothing is lost but precision: a number port stores
-// reals, a boolean port asks whether the number is not zero, an index port takes whole numbers only.
+// reals, a boolean port is true for a number that is not zero, an index port takes whole numbers only.
 class TARN_EXPORT QCPort : public NSObject {
  public:
   explicit QCPort(std::string key, PropertyList attributes = {});

@@ -2,6 +2,7 @@
 #include "Platform/QuartzComposer/QCPort.h"
 
 #include "Platform/Foundation/NSClassTable.h"
+#include "Platform/QuartzComposer/QCReason.h"
 
 #include <algorithm>
 #include <cmath>
@@ -27,13 +28,6 @@ const NSNumber* asNumber(const NSObjectRef& value) {
 }
 
 constexpr double largestIndex = 4294967295.0;
-
-bool setReason(std::string* reason, std::string text) {
-  if (reason) {
-    *reason = std::move(text);
-  }
-  return false;
-}
 
 }  // namespace
 
@@ -153,7 +147,7 @@ std::optional<PropertyList> QCImagePort::stateValue() const {
 }
 
 bool QCImagePort::setStateValue(const PropertyList&, std::string* reason) {
-  return setReason(reason, "an image is not stored as a state");
+  return QCRefuse(reason, "an image is not stored as a state");
 }
 
 std::optional<NSObjectRef> QCImagePort::acceptedValue(const NSObjectRef& value) const {
@@ -175,16 +169,16 @@ bool QCObjectPort::setStateValue(const PropertyList& state, std::string* reason)
   const NSObjectRef object = entry && entry->factory ? entry->factory() : nullptr;
   auto* restored = dynamic_cast<QCObject*>(object.get());
   if (!restored) {
-    return setReason(reason, "no objects of class " + name + " can be made");
+    return QCRefuse(reason, "no objects of class " + name + " can be made");
   }
   try {
     if (!restored->initWithStateValue(state)) {
-      return setReason(reason, std::string("this ") + state.typeName() + " is no state of a " + name);
+      return QCRefuse(reason, std::string("this ") + state.typeName() + " is no state of a " + name);
     }
   } catch (const std::exception& error) {
-    return setReason(reason, "this state does not fit a " + name + ": " + error.what());
+    return QCRefuse(reason, "this state does not fit a " + name + ": " + error.what());
   }
-  return setValue(object) || setReason(reason, "the port refuses objects of class " + name);
+  return setValue(object) || QCRefuse(reason, "the port refuses objects of class " + name);
 }
 
 bool QCObjectPort::takesValuesOf(const QCPort& source) const {

@@ -39,7 +39,7 @@ class ForeignImage : public QCImage {
 
 }  // namespace
 
-TEST(ExecutionContext, AnswersThePixelsThatFlow) {
+TEST(ExecutionContext, GivesThePixelsThatFlow) {
   host::ExecutionContext context;
   const struct {
     std::uint32_t format;
@@ -57,7 +57,7 @@ TEST(ExecutionContext, AnswersThePixelsThatFlow) {
   }
 }
 
-TEST(ExecutionContext, AnswersArgbWithRedFirstAsLongAsTheImageLives) {
+TEST(ExecutionContext, GivesArgbWithRedFirstAsLongAsTheImageLives) {
   host::ExecutionContext context;
   const VRTImage image(countingBitmap(3, 2, VortoPixelFormat::ARGB8));
   const VRTImage other(countingBitmap(2, 2, VortoPixelFormat::ARGB8));
@@ -100,6 +100,6 @@ TEST(ExecutionContext, IsProvidedToPatchesThatBringNone) {
 
   class OwnPatch : public QCPatch, public VortoRuntime {};
   OwnPatch own;
-  EXPECT_EQ(vortoExecutionContext(own), nullptr) << "its own answer counts";
+  EXPECT_EQ(vortoExecutionContext(own), nullptr) << "its own result counts";
   VortoSetExecutionContextProvider(nullptr);
 }

@@ -1,0 +1,8 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <string>
+#include <vector>
+
+// The folders searched for the framework's own bundles when the library or program lies in `folder`.
+std::vector<std::string> CFBundleFoldersBeside(const std::string& folder);
