@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Inspect/ColorEditor.h"
 
+#include "Controls/VRTInteractions.h"
 #include "Host/Inspect/Appearance.h"
-#include "Host/Inspect/Interactions.h"
 
 #include <QAbstractButton>
 #include <QColorDialog>
@@ -75,7 +75,7 @@ ColorEditor::ColorEditor(QCColorPort& port, QWidget* parent)
 ColorEditor::~ColorEditor() {
   if (!dialog_) return;
   delete dialog_;
-  endInteraction(port_);
+  VRTPostEndInteraction(&port_);
 }
 
 void ColorEditor::show() {
@@ -92,7 +92,7 @@ void ColorEditor::openDialog() {
     return;
   }
   const NSObjectRef before = port_.value();
-  startInteraction(port_);
+  VRTPostStartInteraction(&port_);
   dialog_ = new QColorDialog(colorOf(port_), this);
   dialog_->setWindowTitle(QString::fromStdString(port_.name()));
   dialog_->setOption(QColorDialog::ShowAlphaChannel);
@@ -101,7 +101,7 @@ void ColorEditor::openDialog() {
     port_.setValue(std::make_shared<QCColor>(color.redF(), color.greenF(), color.blueF(), color.alphaF()));
   });
   QObject::connect(dialog_, &QDialog::rejected, this, [this, before] { port_.setValue(before); });
-  QObject::connect(dialog_, &QDialog::finished, this, [this] { endInteraction(port_); });
+  QObject::connect(dialog_, &QDialog::finished, this, [this] { VRTPostEndInteraction(&port_); });
   dialog_->open();
 }
 

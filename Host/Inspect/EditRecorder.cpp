@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Inspect/EditRecorder.h"
 
-#include "Host/Inspect/Interactions.h"
+#include "Controls/VRTInteractions.h"
 
 #include <utility>
 
@@ -21,11 +21,11 @@ void EditRecorder::watch(QCPort& port) {
     told_.valueChanged(port);
   }));
   auto& center = NSNotificationCenter::defaultCenter();
-  observations_.push_back(center.addObserver(StartInteraction, &port, [this, &port](const NSNotification&) {
+  observations_.push_back(center.addObserver(kVortoStartInteraction, &port, [this, &port](const NSNotification&) {
     document_.history().startInteraction();
     told_.interactionStarted(port);
   }));
-  observations_.push_back(center.addObserver(EndInteraction, &port, [this](const NSNotification&) {
+  observations_.push_back(center.addObserver(kVortoEndInteraction, &port, [this](const NSNotification&) {
     document_.history().endInteraction();
     commit_.request();
   }));

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Inspect/NumberEditor.h"
 
-#include "Host/Inspect/Interactions.h"
+#include "Controls/VRTInteractions.h"
 #include "Host/Inspect/WheelGuard.h"
 
 #include <QDoubleSpinBox>
@@ -85,8 +85,8 @@ void NumberEditor::addSlider() {
   guardWheel(*slider_);
   QObject::connect(slider_, &QSlider::valueChanged, this,
                    [this, span](int step) { give(*range_.minimum + span * step / slider_->maximum()); });
-  QObject::connect(slider_, &QSlider::sliderPressed, this, [this] { startInteraction(port_); });
-  QObject::connect(slider_, &QSlider::sliderReleased, this, [this] { endInteraction(port_); });
+  QObject::connect(slider_, &QSlider::sliderPressed, this, [this] { VRTPostStartInteraction(&port_); });
+  QObject::connect(slider_, &QSlider::sliderReleased, this, [this] { VRTPostEndInteraction(&port_); });
 }
 
 double NumberEditor::present() const {

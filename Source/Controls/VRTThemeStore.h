@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include "Platform/TarnKit/TarnTheme.h"
+#include "Platform/TarnKit/TarnThemeProvider.h"
 #include "Platform/Visibility.h"
 
 #include <string>

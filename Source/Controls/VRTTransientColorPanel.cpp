@@ -5,6 +5,7 @@
 #include "Controls/VRTThemeStore.h"
 #include "Platform/TarnKit/NSGraphicsContext.h"
 #include "Platform/TarnKit/NSTarnColor.h"
+#include "Platform/TarnKit/TarnTheme.h"
 
 #include <QApplication>
 #include <QKeyEvent>

@@ -3,6 +3,7 @@
 
 #include "Channels/VRTChannelGradient.h"
 #include "Controls/VRTLocalizedText.h"
+#include "Controls/VRTPortReference.h"
 #include "Controls/VRTTransientColorPicker.h"
 #include "GradientEditor/VRTGradientGutter.h"
 #include "GradientEditor/VRTGradientGutterGeometry.h"

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "Channels/VRTChannelRef.h"
-#include "Controls/VRTPortReference.h"
 #include "GradientEditor/VRTGradientEditorDelegate.h"
+#include "GradientEditor/VRTGradientGutterOwner.h"
 #include "Platform/Foundation/NSKeyValueObserving.h"
 #include "Platform/TarnKit/NSTarnButton.h"
 #include "Platform/TarnKit/NSTarnView.h"
@@ -25,25 +25,23 @@ class VRTTransientColorPicker;
 //
 // The port is retained. The panel comes from the interface file "TarnGradientEditor"; without it, which is logged, the
 // editor stays empty. An editor may be destroyed at any time, by observers that it tells something too.
-class TARN_EXPORT VRTGradientEditor : public NSTarnView, public NSKeyValueObserver {
+class TARN_EXPORT VRTGradientEditor : public NSTarnView, public NSKeyValueObserver, public VRTGradientGutterOwner {
  public:
   explicit VRTGradientEditor(NSRect frame, QWidget* parent = nullptr);
   ~VRTGradientEditor() override;
 
   void setDelegate(VRTGradientEditorDelegate* delegate);  // not retained
-  VRTGradientEditorDelegate* delegate() const;            // null when there is none any more
-  void setGradientPort(VRTGradientPort* port);            // null detaches
-  VRTChannelGradient* getGradientChannel() const;         // of the port's current value, or null
-  void setEnabled(bool enabled);                          // of the gutters
+  VRTGradientEditorDelegate* delegate() const override;
+  void setGradientPort(VRTGradientPort* port);     // null detaches
+  VRTChannelGradient* getGradientChannel() const;  // of the port's current value, or null
+  void setEnabled(bool enabled);                   // of the gutters
 
-  // The selected sample, or the middle point of the segment that begins at it. Null selects nothing. A sample that
-  // leaves the gradient, or whose gradient is replaced, is selected no longer.
-  void setSelectedSample(VRTChannelGradientSample* sample, bool middleSelected, bool doubleClick);
-  VRTChannelGradientSample* getSelectedSample() const;
-  bool getMiddleSelected() const { return _middleSelected; }
+  void setSelectedSample(VRTChannelGradientSample* sample, bool middleSelected, bool doubleClick) override;
+  VRTChannelGradientSample* getSelectedSample() const override;
+  bool getMiddleSelected() const override { return _middleSelected; }
 
   // Lays the panel out for its width and what the port carries, and repaints everything.
-  void update();
+  void update() override;
   // Puts a part into the panel, or takes it out and keeps it; true when it has been put there by this call.
   bool manageSubview(QWidget* view, bool on);
 
@@ -53,10 +51,8 @@ class TARN_EXPORT VRTGradientEditor : public NSTarnView, public NSKeyValueObserv
   void alphaSpread(QWidget* sender);
   void alphaFlop(QWidget* sender);
 
-  // Store the picker's color in the selected sample of that kind: red, green and blue, or red as the opacity, in single
-  // precision. With a delegate that is left to it.
-  void updateSelectedSampleRGBFrom(VRTTransientColorPicker* picker);
-  void updateSelectedSampleAlphaFrom(VRTTransientColorPicker* picker);
+  void updateSelectedSampleRGBFrom(VRTTransientColorPicker* picker) override;
+  void updateSelectedSampleAlphaFrom(VRTTransientColorPicker* picker) override;
 
   void observeValueForKeyPath(const std::string& keyPath, NSObject* object, const PropertyList& change,
                               void* context) override;

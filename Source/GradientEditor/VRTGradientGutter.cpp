@@ -2,13 +2,11 @@
 #include "GradientEditor/VRTGradientGutter.h"
 
 #include "Channels/VRTChannelGradient.h"
-#include "GradientEditor/VRTGradientEditor.h"
-#include "Platform/Foundation/NSNotificationCenter.h"
+#include "GradientEditor/VRTGradientGutterOwner.h"
 #include "Platform/TarnKit/NSAnimationEffect.h"
 #include "TarnCore/TCPrint.h"
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 namespace {
@@ -19,19 +17,7 @@ constexpr const char* kSource = "GradientEditor/VRTGradientGutter";
 
 VRTGradientGutter::VRTGradientGutter(NSRect frame, QWidget* parent) : VRTGradientView(frame, parent) {}
 
-VRTGradientGutter::~VRTGradientGutter() {
-  if (!interacting_) return;
-  const auto port = gradientPort();
-  if (port) NSNotificationCenter::defaultCenter().postNotificationName("VortoEndInteraction", port.get());
-}
-
-void VRTGradientGutter::setGradientEditor(VRTGradientEditor* editor) {
-  _pGradientEditor = editor;
-}
-
-VRTGradientEditor* VRTGradientGutter::editor() const {
-  return static_cast<VRTGradientEditor*>(_pGradientEditor.data());
-}
+VRTGradientGutter::~VRTGradientGutter() = default;
 
 void VRTGradientGutter::setEnabled(bool enabled) {
   _enabled = enabled;
@@ -76,13 +62,13 @@ void VRTGradientGutter::viewDidEndLiveResize() {
 // The selection.
 
 VRTGradientSelection VRTGradientGutter::selection() const {
-  const VRTGradientEditor* owner = editor();
+  const VRTGradientGutterOwner* owner = editor();
   if (!owner) return {};
   return {owner->getSelectedSample(), owner->getMiddleSelected()};
 }
 
 VRTChannelGradientSample* VRTGradientGutter::selectedSampleOfFolder() const {
-  const VRTGradientEditor* owner = editor();
+  const VRTGradientGutterOwner* owner = editor();
   VRTChannelGradientSample* sample = owner ? owner->getSelectedSample() : nullptr;
   const VRTChannelGradientFolder* folder = sample ? getFolder() : nullptr;
   if (!folder) return nullptr;
@@ -91,12 +77,12 @@ VRTChannelGradientSample* VRTGradientGutter::selectedSampleOfFolder() const {
 }
 
 bool VRTGradientGutter::select(VRTChannelGradientSample* sample, bool middle, bool doubleClick) {
-  const QPointer<VRTGradientGutter> self(this);
-  if (VRTGradientEditor* owner = editor()) owner->setSelectedSample(sample, middle, doubleClick);
-  return self;
+  const VRTGesture::Alive alive = gesture_.alive();
+  if (VRTGradientGutterOwner* owner = editor()) owner->setSelectedSample(sample, middle, doubleClick);
+  return static_cast<bool>(alive);
 }
 
-// Interactions: what belongs together, between two notifications.
+// What is edited between the start and the end of a gesture.
 
 void VRTGradientGutter::rememberFolder() {
   VRTChannelGradientFolder* folder = getFolder();
@@ -113,38 +99,16 @@ void VRTGradientGutter::abandonDrag() {
   _moving = MovingNothing;
 }
 
-bool VRTGradientGutter::beginInteraction() {
-  const QPointer<VRTGradientGutter> self(this);
-  const auto port = gradientPort();
-  interacting_ = true;
-  NSNotificationCenter::defaultCenter().postNotificationName("VortoStartInteraction", port.get());
-  return self;
-}
-
-void VRTGradientGutter::finishInteraction(const NSEvent* release) {
-  const auto port = gradientPort();
-  interacting_ = picking_ = false;
-  heldKeys_.clear();
-  {
-    const VRTPortChange change(port);
-    if (_pDeleted) {
-      if (release) {
-        NSShowAnimationEffect(NSAnimationEffectDisappearingItemDefault, release->globalPosition(), NSSize{});
-      }
-      _pDeleted.reset();
-    }
-    const bool dragged = std::exchange(_moving, MovingNothing) != MovingNothing;
-    const bool keyed = std::exchange(keying_, false);
-    if ((dragged || keyed) && folderIsRemembered()) getFolder()->sortAndRename();
+// Positions may have crossed, and what was dragged off goes. The observers of the change may destroy the gutter.
+void VRTGradientGutter::settle(const VRTGesture::Ending& ending) {
+  if (ending.by == VRTGesture::By::Picker) return;
+  const VRTPortChange change(ending.port);
+  if (_pDeleted && ending.release) {
+    NSShowAnimationEffect(NSAnimationEffectDisappearingItemDefault, ending.release->globalPosition(), NSSize{});
   }
-  // The observers of the change may have destroyed the gutter.
-  NSNotificationCenter::defaultCenter().postNotificationName("VortoEndInteraction", port.get());
-}
-
-void VRTGradientGutter::endLostInteraction() {
-  if (!interacting_ || picking_) return;
-  endMadeUp_ = !keying_;
-  finishInteraction(nullptr);
+  _pDeleted.reset();
+  const bool moved = std::exchange(_moving, MovingNothing) != MovingNothing || ending.by == VRTGesture::By::Keys;
+  if (moved && folderIsRemembered()) getFolder()->sortAndRename();
 }
 
 void VRTGradientGutter::hideEvent(QHideEvent* event) {

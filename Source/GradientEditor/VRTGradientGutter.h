@@ -2,19 +2,18 @@
 #pragma once
 
 #include "Channels/VRTChannelRef.h"
+#include "Controls/VRTGesture.h"
 #include "Controls/VRTTransientColorPicker.h"
 #include "GradientEditor/VRTGradientGutterMap.h"
 #include "GradientEditor/VRTGradientView.h"
 
-#include <QPointer>
 #include <functional>
 #include <memory>
 #include <optional>
-#include <set>
 #include <vector>
 
 class VRTChannelGradientFolder;
-class VRTGradientEditor;
+class VRTGradientGutterOwner;
 
 // A strip with the markers of its samples, edited with mouse and keyboard: the behaviour that the color gutter
 // (VRTGradientGutterRGB) and the opacity gutter (VRTGradientGutterAlpha) share. VRTGradientGutterGeometry has the
@@ -30,18 +29,17 @@ class VRTGradientEditor;
 //
 // Every change of the gradient is bracketed by willChangeValue and didChangeValue of the port, except that a sample
 // inserted by a click first shows in those of the drag or the release that follow, and that color drops announce
-// nothing. What belongs together (one drag, held keys, one pick by keyboard) is framed by the notifications
-// "VortoStartInteraction" and "VortoEndInteraction" of the port; a pick by mouse has no frame. An end that gets lost,
-// because the gutter is destroyed or the next click comes first, is made up for.
+// nothing. What belongs together (one drag, held keys, one pick by keyboard) is one VRTGesture; a pick by mouse is
+// none.
 //
 // Observers of any of these may replace the value and destroy samples, the gutter and its editor. A drag whose gradient
 // is replaced ends there: the new gradient is left alone.
-class TARN_EXPORT VRTGradientGutter : public VRTGradientView {
+class VRTGradientGutter : public VRTGradientView {
  public:
   explicit VRTGradientGutter(NSRect frame, QWidget* parent = nullptr);
   ~VRTGradientGutter() override;
 
-  void setGradientEditor(VRTGradientEditor* editor);  // not retained; keeps the selection
+  void setGradientEditor(VRTGradientGutterOwner* editor) { _pGradientEditor = editor; }  // not retained
   void setEnabled(bool enabled);  // at first false: mouse events go to the superview, keys are not taken
   void setNeedsToBeKeyframed(bool needed) { _needsToBeKeyframed = needed; }  // edits must create a keyframe
   bool keyframed() const { return _keyframed; }                  // a position has changed while one was needed
@@ -69,7 +67,7 @@ class TARN_EXPORT VRTGradientGutter : public VRTGradientView {
   void keyDown(QKeyEvent& event) override;
 
   // Ends what the mouse or the keyboard is doing, whose own end may never come: the gutter is about to be hidden.
-  void endLostInteraction();
+  void endLostInteraction() { gesture_.lose(); }
 
   void update() override;
   void updateToolTips();
@@ -90,7 +88,7 @@ class TARN_EXPORT VRTGradientGutter : public VRTGradientView {
   virtual QString sampleKind() const;  // "Color stop", for people
   QString stripHelp() const;           // what the mouse does here
 
-  VRTGradientEditor* editor() const;
+  VRTGradientGutterOwner* editor() const { return _pGradientEditor; }
   VRTGradientGutterGeometry geometry() const { return VRTGradientGutterGeometry(bounds()); }
 
   void keyReleaseEvent(QKeyEvent* event) override;
@@ -114,23 +112,23 @@ class TARN_EXPORT VRTGradientGutter : public VRTGradientView {
   void rememberFolder();
   bool folderIsRemembered() const;
   void abandonDrag();
-  bool beginInteraction();  // false when the gutter has been destroyed meanwhile
-  void finishInteraction(const NSEvent* release);
+  void settle(const VRTGesture::Ending& ending);
   void putColorBack(const VRTChannelRef& picked, const VRTChannelBase& before);
   void pickerDidEnd();
 
   bool useKey(const QKeyEvent& event);
-  void moveByKey(double step);
-  void moveByKeyTo(double end);
-  void changeByKey(const std::function<void(VRTChannelGradientSample&)>& change);
+  void moveByKey(int key, double step);
+  void moveByKeyTo(int key, double target);
+  void changeByKey(int key, const std::function<void(VRTChannelGradientSample&)>& change);
   void selectNeighbour(int direction);
   void deleteByKey();
+  void deleteSelectedSample(const std::shared_ptr<QCPort>& port);
   void pickByKey();
 
   void drawMarkers(int sampleIndex, int middleIndex);
   void announceAccessibility();
 
-  QPointer<QWidget> _pGradientEditor;                   // a VRTGradientEditor
+  VRTGradientGutterOwner* _pGradientEditor = nullptr;
   std::unique_ptr<VRTChannelGradientSample> _pDeleted;  // dragged off: out of its folder, destroyed on release
   NSPoint _startingLocation;                            // of the last press, in single precision
   double _startingValue = 0;
@@ -142,11 +140,6 @@ class TARN_EXPORT VRTGradientGutter : public VRTGradientView {
   bool _enabled = false;
 
   std::unique_ptr<VRTChannelRef> editedFolder_;  // whose samples the interaction edits
-  bool interacting_ = false;                     // a start has been posted, its end has not
-  bool picking_ = false;                         // the interaction is a pick by keyboard
-  int pressedKey_ = 0;                           // the key that is being used
-  bool endMadeUp_ = false;                       // the release of a drag has been made up for
-  bool keying_ = false;                          // keys move what is selected
-  std::set<int> heldKeys_;                       // those that are down
   std::vector<double> announcedPositions_;       // what assistive technology knows
+  VRTGesture gesture_{[this](const VRTGesture::Ending& ending) { settle(ending); }};
 };

@@ -3,7 +3,7 @@
 
 #include "Channels/VRTChannelGradient.h"
 #include "Controls/VRTLocalizedText.h"
-#include "GradientEditor/VRTGradientEditor.h"
+#include "GradientEditor/VRTGradientGutterOwner.h"
 
 VRTChannelGradientFolder* VRTGradientGutterAlpha::getFolder() const {
   VRTChannelGradient* channel = getGradientChannel();
@@ -27,11 +27,11 @@ void VRTGradientGutterAlpha::startColorPicker(const NSEvent& event) {
 }
 
 void VRTGradientGutterAlpha::takeColorFromTransientColorPicker(VRTTransientColorPicker* picker) {
-  if (VRTGradientEditor* owner = editor()) owner->updateSelectedSampleAlphaFrom(picker);
+  if (VRTGradientGutterOwner* owner = editor()) owner->updateSelectedSampleAlphaFrom(picker);
 }
 
 std::optional<NSColor> VRTGradientGutterAlpha::color() const {
-  const VRTGradientEditor* owner = editor();
+  const VRTGradientGutterOwner* owner = editor();
   const auto* sample = dynamic_cast<VRTChannelGradientSampleAlpha*>(owner ? owner->getSelectedSample() : nullptr);
   if (!sample) return std::nullopt;
   return NSColor::colorWithCalibratedRed(sample->alpha, sample->alpha, sample->alpha, 1.0);

@@ -4,7 +4,7 @@
 #include "GradientEditor/VRTGradientGutter.h"
 
 // The opacity gutter, above the preview: its markers on top, its strip below.
-class TARN_EXPORT VRTGradientGutterAlpha : public VRTGradientGutter {
+class VRTGradientGutterAlpha : public VRTGradientGutter {
  public:
   using VRTGradientGutter::VRTGradientGutter;
 

@@ -4,6 +4,7 @@
 #include "Controls/VRTTheme.h"
 #include "Controls/VRTThemeStore.h"
 #include "GradientEditor/VRTGradientGutter.h"
+#include "Platform/TarnKit/TarnTheme.h"
 #include "TarnCore/TCString.h"
 
 #include <QAccessible>
@@ -67,15 +68,15 @@ std::vector<NSAccessibilityElement> VRTGradientGutter::accessibilityElements() c
 }
 
 void VRTGradientGutter::setAccessibilityValue(std::size_t element, double value) {
-  if (!getGradientChannel() || !_enabled || interacting_) return;
+  if (!getGradientChannel() || !_enabled || gesture_.isOpen()) return;
   VRTGradientGutterMap samples;
   getSamples(samples);
   if (element >= samples.size()) return;
   const auto entry = std::next(samples.begin(), static_cast<std::ptrdiff_t>(element));
   if (!select(entry->second.sample, false, false) || !selectedSampleOfFolder()) return;
-  const QPointer<VRTGradientGutter> self(this);
-  moveByKeyTo(value);
-  if (self && interacting_) finishInteraction(nullptr);
+  const VRTGesture::Alive alive = gesture_.alive();
+  moveByKeyTo(VRTGesture::kNoKey, value);
+  if (alive) gesture_.end();
 }
 
 void VRTGradientGutter::announceAccessibility() {

@@ -3,7 +3,8 @@
 #include "Controls/VRTTheme.h"
 #include "Controls/VRTThemeStore.h"
 #include "GradientEditor/VRTGradientGutter.h"
-#include "Platform/TarnKit/NSGraphicsContext.h"
+#include "Platform/TarnKit/NSBezierPath.h"
+#include "Platform/TarnKit/TarnTheme.h"
 
 #include <iterator>
 
@@ -37,7 +38,8 @@ void VRTGradientGutter::drawMarkers(int sampleIndex, int middleIndex) {
   VRTGradientGutterMap samples;
   getSamples(samples);
   for (auto entry = samples.begin(); entry != samples.end(); ++entry) {
-    const auto& [position, record] = *entry;
+    const double position = entry->first;
+    const KXGutterSample& record = entry->second;
     const auto next = std::next(entry);
     const bool isSelected = selected.isSample(record);
     const auto drawSample = [&](bool highlighted) {

@@ -2,14 +2,13 @@
 #pragma once
 
 #include "Platform/Foundation/NSGeometry.h"
-#include "Platform/Visibility.h"
 
 // The geometry of a gradient gutter: pairs of inverse functions between positions (0 to 1 along the gradient) and
 // points of the view, and the rectangles that are drawn and hit.
 //
 // A gutter has two bands. Markers stand in y 0 to 14, the strip in y 13 to 26; the view is flipped or not so that the
 // strip faces the preview. The track, on which positions lie, is 5 points shorter than the view at both ends.
-class TARN_EXPORT VRTGradientGutterGeometry {
+class VRTGradientGutterGeometry {
  public:
   explicit VRTGradientGutterGeometry(NSRect viewBounds) : bounds_(viewBounds) {}
 
@@ -50,7 +49,7 @@ class TARN_EXPORT VRTGradientGutterGeometry {
 
 // Rounded to single precision. Not inline: where two such conversions stand side by side, GCC 12 vectorises them and
 // drops the rounding.
-TARN_EXPORT double VRTSinglePrecision(double value);
+double VRTSinglePrecision(double value);
 
 // 0 to 1; NaN gives 0.
 constexpr double VRTClampToUnit(double value) {

@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Channels/VRTChannelGradient.h"
-#include "GradientEditor/VRTGradientEditor.h"
 #include "GradientEditor/VRTGradientGutter.h"
 #include "GradientEditor/VRTGradientKeyboard.h"
-#include "Platform/Foundation/NSNotificationCenter.h"
 
 #include <QFocusEvent>
 #include <QKeyEvent>
 #include <iterator>
 
-// The keyboard in a gutter. From the first key that changes something until the last one is let go is one interaction.
+// The keyboard in a gutter.
 
 void VRTGradientGutter::keyDown(QKeyEvent& event) {
   if (!getGradientChannel() || !_enabled || !useKey(event)) VRTGradientView::keyDown(event);
@@ -43,7 +41,7 @@ bool VRTGradientGutter::useKey(const QKeyEvent& event) {
     default:
       return false;
   }
-  if (interacting_ && !keying_) return true;  // the mouse has the gutter
+  if (!gesture_.keysMayAct()) return true;
 
   if (direction == 0) {
     if (control || shift || event.isAutoRepeat()) return true;
@@ -56,26 +54,25 @@ bool VRTGradientGutter::useKey(const QKeyEvent& event) {
     selectNeighbour(direction);
     return true;
   }
-  pressedKey_ = event.key();
   if (event.key() == Qt::Key_Home || event.key() == Qt::Key_End) {
-    moveByKeyTo(direction < 0 ? 0 : 1);
+    moveByKeyTo(event.key(), direction < 0 ? 0 : 1);
   } else {
-    moveByKey(direction * (shift ? VRTGradientFineKeyStep : VRTGradientKeyStep));
+    moveByKey(event.key(), direction * (shift ? VRTGradientFineKeyStep : VRTGradientKeyStep));
   }
   return true;
 }
 
-void VRTGradientGutter::moveByKey(double step) {
+void VRTGradientGutter::moveByKey(int key, double step) {
   const VRTChannelGradientSample* sample = selectedSampleOfFolder();
-  moveByKeyTo((selection().middle ? sample->middle : sample->position) + step);
+  moveByKeyTo(key, (selection().middle ? sample->middle : sample->position) + step);
 }
 
-void VRTGradientGutter::moveByKeyTo(double target) {
+void VRTGradientGutter::moveByKeyTo(int key, double target) {
   const VRTChannelGradientSample* sample = selectedSampleOfFolder();
   if (selection().middle) {
     const double middle = VRTClampToUnit(target);
-    if (middle != sample->middle) changeByKey([middle](VRTChannelGradientSample& changed) { changed.middle = middle; });
-    return;
+    if (middle == sample->middle) return;
+    return changeByKey(key, [middle](VRTChannelGradientSample& changed) { changed.middle = middle; });
   }
   std::vector<double> others;
   for (const VRTChannelBase* child : getFolder()->getDescendants()) {
@@ -84,16 +81,12 @@ void VRTGradientGutter::moveByKeyTo(double target) {
   }
   const double position = VRTFreeGradientPosition(sample->position, target, others);
   if (position == sample->position) return;
-  changeByKey([position](VRTChannelGradientSample& changed) { changed.position = position; });
+  changeByKey(key, [position](VRTChannelGradientSample& changed) { changed.position = position; });
 }
 
-void VRTGradientGutter::changeByKey(const std::function<void(VRTChannelGradientSample&)>& change) {
-  heldKeys_.insert(pressedKey_);
-  if (!interacting_) {
-    rememberFolder();
-    keying_ = true;
-    if (!beginInteraction()) return;
-  }
+void VRTGradientGutter::changeByKey(int key, const std::function<void(VRTChannelGradientSample&)>& change) {
+  if (!gesture_.isOpen()) rememberFolder();
+  if (!gesture_.hold(key, gradientPort())) return;
   VRTChannelGradientSample* sample = folderIsRemembered() ? selectedSampleOfFolder() : nullptr;
   if (!sample) return;
   if (_needsToBeKeyframed) _keyframed = true;
@@ -102,10 +95,8 @@ void VRTGradientGutter::changeByKey(const std::function<void(VRTChannelGradientS
 }
 
 void VRTGradientGutter::keyReleaseEvent(QKeyEvent* event) {
-  const bool held = !event->isAutoRepeat() && heldKeys_.erase(event->key()) > 0;
-  if (!held) return VRTGradientView::keyReleaseEvent(event);
+  if (event->isAutoRepeat() || !gesture_.letGo(event->key())) return VRTGradientView::keyReleaseEvent(event);
   event->accept();
-  if (heldKeys_.empty() && keying_) finishInteraction(nullptr);
 }
 
 void VRTGradientGutter::selectNeighbour(int direction) {
@@ -125,41 +116,40 @@ void VRTGradientGutter::selectNeighbour(int direction) {
 }
 
 void VRTGradientGutter::deleteByKey() {
-  const QPointer<VRTGradientGutter> self(this);
-  if (interacting_) finishInteraction(nullptr);
-  if (!self || !getFolder() || !selectedSampleOfFolder() || selection().middle) return;
+  const VRTGesture::Alive alive = gesture_.alive();
+  gesture_.end();
+  if (!alive || !getFolder() || !selectedSampleOfFolder() || selection().middle) return;
   if (getFolder()->getNumberOfDescendants() < 2) return;
 
   rememberFolder();
-  if (!beginInteraction()) return;
-  const auto port = gradientPort();
+  if (!gesture_.start(VRTGesture::By::Keys, gradientPort())) return;
+  gesture_.endWith([this](const VRTGesture::Ending& ending) { deleteSelectedSample(ending.port); });
+}
+
+void VRTGradientGutter::deleteSelectedSample(const std::shared_ptr<QCPort>& port) {
   VRTChannelGradientSample* sample = folderIsRemembered() ? selectedSampleOfFolder() : nullptr;
-  interacting_ = false;
-  if (sample) {
-    const VRTPortChange change(port);
-    VRTChannelGradientFolder* folder = getFolder();
-    folder->removeDescendant(sample);
-    delete sample;
-    folder->sortAndRename();
-    select(nullptr, false, false);
-  }
-  NSNotificationCenter::defaultCenter().postNotificationName("VortoEndInteraction", port.get());
+  if (!sample) return;
+  const VRTPortChange change(port);
+  VRTChannelGradientFolder* folder = getFolder();
+  folder->removeDescendant(sample);
+  delete sample;
+  folder->sortAndRename();
+  select(nullptr, false, false);
 }
 
 void VRTGradientGutter::pickByKey() {
-  const QPointer<VRTGradientGutter> self(this);
-  if (interacting_) finishInteraction(nullptr);
-  if (!self || !selectedSampleOfFolder() || selection().middle) return;
-  if (!beginInteraction()) return;
+  const VRTGesture::Alive alive = gesture_.alive();
+  gesture_.end();
+  if (!alive || !selectedSampleOfFolder() || selection().middle) return;
+  if (!gesture_.start(VRTGesture::By::Picker, gradientPort())) return;
   const VRTChannelGradientSample* sample = selectedSampleOfFolder();
-  picking_ = true;
   if (sample) {
     const NSRect swatch = geometry().swatch(VRTClampToUnit(sample->position));
     const NSPoint centre = {swatch.origin.x + swatch.size.width / 2, swatch.origin.y + swatch.size.height / 2};
     const QPoint onScreen = mapToGlobal(toWidget(centre).toPoint());
     startColorPicker(NSEvent(convertPointToWindow(centre), 0, 1, onScreen));
   }
-  if (self && picking_ && !VRTTransientColorPicker::current()) pickerDidEnd();
+  if (alive && !VRTTransientColorPicker::current()) pickerDidEnd();
 }
 
 void VRTGradientGutter::focusInEvent(QFocusEvent* event) {
@@ -168,9 +158,7 @@ void VRTGradientGutter::focusInEvent(QFocusEvent* event) {
 }
 
 void VRTGradientGutter::focusOutEvent(QFocusEvent* event) {
-  const QPointer<VRTGradientGutter> self(this);
   VRTGradientView::focusOutEvent(event);
   setNeedsDisplay(true);
-  // The keys that are down will be let go elsewhere.
-  if (self && keying_) finishInteraction(nullptr);
+  gesture_.loseKeys();
 }

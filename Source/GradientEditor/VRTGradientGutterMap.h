@@ -35,7 +35,7 @@ struct VRTGradientSelection {
 // From left to right each sample's marker is tried, then its middle point's. Middle points are hit only next to the
 // selection: that of the selected sample's own segment, and, unless a middle point is selected, the one before it.
 // Whether they are drawn plays no part.
-TARN_EXPORT VRTGradientGutterMap::const_iterator VRTHitTestGradientGutter(const VRTGradientGutterMap& map,
-                                                                          const VRTGradientGutterGeometry& geometry,
-                                                                          const VRTGradientSelection& selection,
-                                                                          NSPoint point, bool* hitMiddle);
+VRTGradientGutterMap::const_iterator VRTHitTestGradientGutter(const VRTGradientGutterMap& map,
+                                                              const VRTGradientGutterGeometry& geometry,
+                                                              const VRTGradientSelection& selection, NSPoint point,
+                                                              bool* hitMiddle);

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Channels/VRTChannelGradient.h"
-#include "GradientEditor/VRTGradientEditor.h"
 #include "GradientEditor/VRTGradientGutter.h"
+#include "GradientEditor/VRTGradientGutterOwner.h"
 
 #include <iterator>
-#include <utility>
 
 // The mouse in a gutter. Everything that tells others (a selection, a change, a notification) may destroy the gutter or
 // replace the gradient: what was looked up before is not used afterwards.
@@ -19,17 +18,12 @@ NSPoint singlePrecision(NSPoint point) {
 
 void VRTGradientGutter::mouseDown(const NSEvent& event) {
   if (!getGradientChannel() || !_enabled) return VRTGradientView::mouseDown(event);
-  const QPointer<VRTGradientGutter> self(this);
-  endMadeUp_ = false;
-  if (interacting_) {
-    finishInteraction(nullptr);
-    if (!self || !getGradientChannel()) return;
-  }
+  if (!gesture_.clearForPress() || !getGradientChannel()) return;
   if (event.modifierFlags() & NSControlKeyMask) return rightMouseDown(event);
   bool onSample = false;
   if (!pressAt(convertPointFromWindow(event.locationInWindow()), event, &onSample)) return;
-  if (!beginInteraction()) return;
-  const VRTGradientEditor* owner = editor();
+  if (!gesture_.start(VRTGesture::By::Mouse, gradientPort())) return;
+  const VRTGradientGutterOwner* owner = editor();
   if (onSample && event.clickCount() == 2 && owner && !owner->delegate()) startColorPicker(event);
 }
 
@@ -127,8 +121,7 @@ void VRTGradientGutter::dragMiddle(double travel) {
 
 void VRTGradientGutter::mouseUp(const NSEvent& event) {
   if (!_enabled) return VRTGradientView::mouseUp(event);
-  if (std::exchange(endMadeUp_, false)) return;
-  finishInteraction(&event);
+  gesture_.release(event, gradientPort());
 }
 
 void VRTGradientGutter::rightMouseDown(const NSEvent& event) {

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Channels/VRTChannelGradientSample.h"
-#include "GradientEditor/VRTGradientEditor.h"
 #include "GradientEditor/VRTGradientGutter.h"
-#include "Platform/Foundation/NSNotificationCenter.h"
+#include "GradientEditor/VRTGradientGutterOwner.h"
 
 // Choosing a sample's color from a pop-up.
 
@@ -38,25 +37,23 @@ std::optional<NSColor> VRTGradientGutter::color() const {
 }
 
 VRTTransientColorPicker::Action VRTGradientGutter::pickerAction() {
-  const QPointer<VRTGradientGutter> self(this);
   VRTChannelGradientSample* const sample = selectedSampleOfFolder();
   const std::shared_ptr<VRTChannelRef> picked(sample ? sample->getRef() : nullptr);
-  return [self, picked](VRTTransientColorPicker& picker) {
-    if (!self || !picked || !picked->getChannel()) return;
-    if (self->selectedSampleOfFolder() == picked->getChannel()) self->takeColorFromTransientColorPicker(&picker);
+  return [this, alive = gesture_.alive(), picked](VRTTransientColorPicker& picker) {
+    if (!alive || !picked || !picked->getChannel()) return;
+    if (selectedSampleOfFolder() == picked->getChannel()) takeColorFromTransientColorPicker(&picker);
   };
 }
 
 VRTTransientColorPicker::Options VRTGradientGutter::pickerOptions() {
-  const QPointer<VRTGradientGutter> self(this);
   VRTChannelGradientSample* const sample = selectedSampleOfFolder();
   const std::shared_ptr<VRTChannelRef> picked(sample ? sample->getRef() : nullptr);
   const std::shared_ptr<VRTChannelBase> before(sample ? sample->clone() : nullptr);
   VRTTransientColorPicker::Options options;
   options.oldColor = color();
-  options.didEnd = [self, picked, before](bool taken) {
-    if (self && !taken && picked) self->putColorBack(*picked, *before);
-    if (self) self->pickerDidEnd();
+  options.didEnd = [this, alive = gesture_.alive(), picked, before](bool taken) {
+    if (alive && !taken && picked) putColorBack(*picked, *before);
+    if (alive) pickerDidEnd();
   };
   return options;
 }
@@ -65,15 +62,12 @@ VRTTransientColorPicker::Options VRTGradientGutter::pickerOptions() {
 // last digits return.
 void VRTGradientGutter::putColorBack(const VRTChannelRef& picked, const VRTChannelBase& before) {
   VRTChannelGradientSample* sample = selectedSampleOfFolder();
-  const VRTGradientEditor* owner = editor();
+  const VRTGradientGutterOwner* owner = editor();
   if (!sample || sample != picked.getChannel() || !owner || owner->delegate()) return;
   if (!restoreColor(*sample, before)) return;
   const VRTPortChange change(gradientPort());
 }
 
 void VRTGradientGutter::pickerDidEnd() {
-  if (!picking_) return;
-  interacting_ = picking_ = false;
-  const auto port = gradientPort();
-  NSNotificationCenter::defaultCenter().postNotificationName("VortoEndInteraction", port.get());
+  if (gesture_.openedBy() == VRTGesture::By::Picker) gesture_.end();
 }

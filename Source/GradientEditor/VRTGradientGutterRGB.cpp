@@ -3,7 +3,7 @@
 
 #include "Channels/VRTChannelGradient.h"
 #include "Controls/VRTLocalizedText.h"
-#include "GradientEditor/VRTGradientEditor.h"
+#include "GradientEditor/VRTGradientGutterOwner.h"
 
 namespace {
 
@@ -37,11 +37,11 @@ void VRTGradientGutterRGB::startColorPicker(const NSEvent& event) {
 }
 
 void VRTGradientGutterRGB::takeColorFromTransientColorPicker(VRTTransientColorPicker* picker) {
-  if (VRTGradientEditor* owner = editor()) owner->updateSelectedSampleRGBFrom(picker);
+  if (VRTGradientGutterOwner* owner = editor()) owner->updateSelectedSampleRGBFrom(picker);
 }
 
 std::optional<NSColor> VRTGradientGutterRGB::color() const {
-  const VRTGradientEditor* owner = editor();
+  const VRTGradientGutterOwner* owner = editor();
   const auto* sample = dynamic_cast<VRTChannelGradientSampleRGB*>(owner ? owner->getSelectedSample() : nullptr);
   if (!sample) return std::nullopt;
   return NSColor::colorWithCalibratedRed(sample->red, sample->green, sample->blue, 1.0);
@@ -73,7 +73,7 @@ bool VRTGradientGutterRGB::performDragOperation(const NSDraggingInfo& info) {
   const std::optional<NSColor> color = info.colorFromPasteboard();
   if (!sample || !color) return false;
   color->getRed(&sample->red, &sample->green, &sample->blue, nullptr);
-  if (VRTGradientEditor* owner = editor()) {
+  if (VRTGradientGutterOwner* owner = editor()) {
     owner->update();
   } else {
     update();

@@ -4,7 +4,7 @@
 #include "GradientEditor/VRTGradientGutter.h"
 
 // The color gutter, below the preview: its strip on top, its markers below. Takes dropped colors on its markers.
-class TARN_EXPORT VRTGradientGutterRGB : public VRTGradientGutter {
+class VRTGradientGutterRGB : public VRTGradientGutter {
  public:
   explicit VRTGradientGutterRGB(NSRect frame, QWidget* parent = nullptr);
 

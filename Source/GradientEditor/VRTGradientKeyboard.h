@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include "Platform/Visibility.h"
-
 #include <vector>
 
 // How far one key press moves, as a fraction of the whole.
@@ -12,4 +10,4 @@ constexpr double VRTGradientFineKeyStep = 0.001;
 // Where a sample at `from` comes to stand when a key sends it to `target`, which is limited to 0 to 1. Samples at equal
 // positions would merge, so a place closer than half a fine step to another sample is passed by: the sample goes on in
 // fine steps, and when that leads beyond the end, back to the last free place before. `from` when there is none.
-TARN_EXPORT double VRTFreeGradientPosition(double from, double target, const std::vector<double>& others);
+double VRTFreeGradientPosition(double from, double target, const std::vector<double>& others);

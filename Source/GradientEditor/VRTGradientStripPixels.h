@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include "Platform/Visibility.h"
-
 #include <cstdint>
 
 // How the entries of a gradient table become the pixels of a strip.
@@ -15,4 +13,4 @@ enum VRTGradientRenderMode : std::int32_t {
 // Turns `count` entries of four bytes in the order alpha, red, green, blue in place into pixels in the order red,
 // green, blue, alpha. Premultiplied colors are color * alpha / 255, rounded. Any other mode leaves the bytes as they
 // are.
-TARN_EXPORT void VRTConvertGradientEntries(std::uint8_t* entries, std::uint32_t count, std::int32_t renderMode);
+void VRTConvertGradientEntries(std::uint8_t* entries, std::uint32_t count, std::int32_t renderMode);

@@ -6,11 +6,12 @@
 #include "Controls/VRTTheme.h"
 #include "Controls/VRTThemeStore.h"
 #include "Platform/CoreFoundation/CFBundle.h"
+#include "Platform/TarnKit/NSBezierPath.h"
 #include "Platform/TarnKit/NSBitmapImageRep.h"
-#include "Platform/TarnKit/NSGraphicsContext.h"
 #include "Platform/TarnKit/NSImage.h"
 #include "Platform/TarnKit/NSTarnColor.h"
 #include "Platform/TarnKit/TarnReport.h"
+#include "Platform/TarnKit/TarnTheme.h"
 #include "Ports/VRTObjects.h"
 
 #include <algorithm>

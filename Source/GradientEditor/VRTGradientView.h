@@ -14,14 +14,14 @@ class NSImage;
 class VRTChannelGradient;
 
 // The gradient of the port's current value; null for a null or empty port.
-TARN_EXPORT VRTChannelGradient* VRTGradientChannelOfPort(const VRTGradientPort* port);
+VRTChannelGradient* VRTGradientChannelOfPort(const VRTGradientPort* port);
 
 // Paints the gradient of a port as a horizontal strip in a recessed frame: the large preview of the gradient editor,
 // and the base of its gutters.
 //
 // The strip is evaluated once per change and size, one row of one pixel a point; drawing composites the cached bitmap.
 // Without a gradient (no port, no value) the inside of the frame is a flat light color.
-class TARN_EXPORT VRTGradientView : public NSTarnView {
+class VRTGradientView : public NSTarnView {
  public:
   explicit VRTGradientView(NSRect frame, QWidget* parent = nullptr);
   ~VRTGradientView() override;

@@ -4,7 +4,6 @@
 #include "Platform/Foundation/NSGeometry.h"
 #include "Platform/TarnKit/NSBitmapImageRep.h"
 #include "Platform/TarnKit/NSImage.h"
-#include "Platform/Visibility.h"
 
 #include <memory>
 
@@ -18,8 +17,8 @@ struct VRTHistogramBitmap {
 
 // An image of that size with one bitmap: whole pixels, fractions cut off, none for negative sizes and NaN; rows padded
 // to 16 bytes.
-TARN_EXPORT VRTHistogramBitmap VRTMakeHistogramBitmap(NSSize size);
+VRTHistogramBitmap VRTMakeHistogramBitmap(NSSize size);
 
 // Where the picture's lower left corner stands in a view with those bounds, for a frame drawn into the rectangle.
-TARN_EXPORT NSPoint VRTHistogramPictureOrigin(NSRect rect, NSRect bounds, bool isFlipped);
-TARN_EXPORT NSSize VRTHistogramPictureSize(NSRect rect);
+NSPoint VRTHistogramPictureOrigin(NSRect rect, NSRect bounds, bool isFlipped);
+NSSize VRTHistogramPictureSize(NSRect rect);

@@ -2,13 +2,12 @@
 #pragma once
 
 #include "Platform/Foundation/NSGeometry.h"
-#include "Platform/Visibility.h"
 
 // Where the parts of the levels editor stand in its master view, lower left origin, for a panel of some size.
 //
 // From the top: the channels' pop-up, the histogram, its handles, the ramp, its handles. Only the histogram grows with
 // the height. The handle of 0 stands above the left inner edge of graph and ramp, that of 1 above the right one.
-struct TARN_EXPORT VRTHistogramEditorLayout {
+struct VRTHistogramEditorLayout {
   explicit VRTHistogramEditorLayout(NSSize panel);
 
   NSRect popUp;

@@ -5,6 +5,7 @@
 #include "Controls/VRTTheme.h"
 #include "Controls/VRTThemeStore.h"
 #include "HistogramEditor/VRTHistogramGraph.h"
+#include "Platform/TarnKit/TarnTheme.h"
 
 #include <QPaintEvent>
 

@@ -5,7 +5,7 @@
 #include "Platform/TarnKit/NSTarnView.h"
 
 // A ramp from black to white in a recessed frame, against which the handles of the levels gutters are read.
-class TARN_EXPORT VRTHistogramGradientView : public NSTarnView {
+class VRTHistogramGradientView : public NSTarnView {
  public:
   explicit VRTHistogramGradientView(NSRect frame, QWidget* parent = nullptr);
   ~VRTHistogramGradientView() override;

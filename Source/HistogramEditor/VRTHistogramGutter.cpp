@@ -4,12 +4,11 @@
 #include "Channels/VRTChannelHistogram.h"
 #include "Controls/VRTTheme.h"
 #include "Controls/VRTThemeStore.h"
-#include "Platform/Foundation/NSNotificationCenter.h"
-#include "Platform/TarnKit/NSGraphicsContext.h"
+#include "Platform/TarnKit/NSBezierPath.h"
+#include "Platform/TarnKit/TarnTheme.h"
 #include "Ports/VRTObjects.h"
 
 #include <QLocale>
-#include <QPointer>
 
 // Drawing and the mouse. Everything that tells others may destroy the gutter or replace the levels: what was looked up
 // before is not used afterwards.
@@ -24,15 +23,11 @@ VRTHistogramGutter::VRTHistogramGutter(NSRect frame, QWidget* parent) : NSTarnVi
   setFocusPolicy(Qt::StrongFocus);
 }
 
-VRTHistogramGutter::~VRTHistogramGutter() {
-  makeUpEnd();
-}
-
 void VRTHistogramGutter::setHistogramPort(VRTHistogramPort* port) {
-  const QPointer<VRTHistogramGutter> self(this);
+  const VRTGesture::Alive alive = gesture_.alive();
   const VRTObjectReference<VRTHistogramPort> reference(port);
-  if (histogramPort().get() != port) makeUpEnd();
-  if (!self) return;
+  if (histogramPort().get() != port) gesture_.lose();
+  if (!alive) return;
   _pHistogramPort = reference;
   setNeedsDisplay(true);
 }
@@ -71,22 +66,19 @@ VRTHistogramGutter::Handle VRTHistogramGutter::handleAt(NSPoint point, const VRT
 }
 
 void VRTHistogramGutter::mouseDown(const NSEvent& event) {
-  if (!getHistogramChannel()) return;
-  const QPointer<VRTHistogramGutter> self(this);
-  makeUpEnd();
-  const VRTChannelHistogram* channel = self ? getHistogramChannel() : nullptr;
+  if (!getHistogramChannel() || !gesture_.clearForPress()) return;
+  const VRTChannelHistogram* channel = getHistogramChannel();
   if (!channel) return;
   const NSPoint point = convertPointFromWindow(event.locationInWindow());
   _startingLocation = {static_cast<float>(point.x), static_cast<float>(point.y)};
   _selectedChannel = handleAt(point, *channel);
   showsFocus_ = false;
-  endIsMadeUp_ = false;
   if (_selectedChannel != NoHandle) {
     _startingValue = positionOf(_selectedChannel, *channel);
     focusedHandle_ = _selectedChannel;
     setNeedsDisplay(true);
   }
-  beginInteraction();
+  gesture_.start(VRTGesture::By::Mouse, histogramPort());
 }
 
 void VRTHistogramGutter::mouseDragged(const NSEvent& event) {
@@ -95,63 +87,39 @@ void VRTHistogramGutter::mouseDragged(const NSEvent& event) {
   const double travel = geometry().valuesOfDistance(point.x - static_cast<double>(_startingLocation.x));
   const double position = travel + _startingValue;
   const Handle handle = _selectedChannel;
-  const auto move = [&](VRTChannelHistogram& channel) { setPositionOf(handle, position, channel); };
-  if (changeChannel(move)) showValue();
+  const VRTGesture::Alive alive = gesture_.alive();
+  changeChannel([&](VRTChannelHistogram& channel) { setPositionOf(handle, position, channel); });
+  if (alive) showValue();
 }
 
-void VRTHistogramGutter::mouseUp(const NSEvent&) {
+void VRTHistogramGutter::mouseUp(const NSEvent& event) {
+  showToolTip({}, QString());
+  gesture_.release(event, histogramPort());
+}
+
+void VRTHistogramGutter::letGoOfHandle() {
   if (_selectedChannel != NoHandle) setNeedsDisplay(true);
   _selectedChannel = NoHandle;
-  showToolTip({}, QString());
-  if (endIsMadeUp_) {
-    endIsMadeUp_ = false;
-    return;
-  }
-  endInteraction();
 }
 
-// Changes the levels of the port between its announcements. False when there are none, or when the gutter has been
-// destroyed meanwhile. The levels live at least as long as they are changed.
-bool VRTHistogramGutter::changeChannel(const std::function<void(VRTChannelHistogram&)>& change) {
-  const QPointer<VRTHistogramGutter> self(this);
+// Changes the levels of the port between its announcements; whoever hears of them may destroy the gutter. Nothing when
+// there are none. The levels live at least as long as they are changed.
+void VRTHistogramGutter::changeChannel(const std::function<void(VRTChannelHistogram&)>& change) {
+  const VRTGesture::Alive alive = gesture_.alive();
   const auto port = histogramPort();
-  if (!VRTHistogramChannelOfPort(port.get())) return false;
+  if (!VRTHistogramChannelOfPort(port.get())) return;
   {
     const VRTPortChange announced(port);
     const NSObjectRef value = port->rawValue();
     VRTChannelHistogram* channel = VRTHistogramChannelOfPort(port.get());
-    if (self && channel) change(*channel);
+    if (alive && channel) change(*channel);
   }
-  if (!self) return false;
-  update();
-  return true;
-}
-
-bool VRTHistogramGutter::beginInteraction() {
-  const QPointer<VRTHistogramGutter> self(this);
-  const auto port = histogramPort();
-  interacting_ = true;
-  NSNotificationCenter::defaultCenter().postNotificationName("VortoStartInteraction", port.get());
-  return self;
-}
-
-void VRTHistogramGutter::endInteraction() {
-  const auto port = histogramPort();
-  interacting_ = false;
-  heldKeys_.clear();
-  NSNotificationCenter::defaultCenter().postNotificationName("VortoEndInteraction", port.get());
-}
-
-void VRTHistogramGutter::makeUpEnd() {
-  if (!interacting_) return;
-  endIsMadeUp_ = heldKeys_.empty();
-  _selectedChannel = NoHandle;
-  endInteraction();
+  if (alive) update();
 }
 
 void VRTHistogramGutter::hideEvent(QHideEvent* event) {
   NSTarnView::hideEvent(event);
-  makeUpEnd();
+  gesture_.lose();
 }
 
 // The value of what is dragged, above its handle.

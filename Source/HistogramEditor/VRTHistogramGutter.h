@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include "Controls/VRTPortReference.h"
+#include "Controls/VRTGesture.h"
 #include "HistogramEditor/VRTHistogramGutterGeometry.h"
 #include "Platform/TarnKit/NSTarnView.h"
 #include "Ports/VRTPorts.h"
@@ -10,13 +10,12 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <set>
 #include <vector>
 
 class VRTChannelHistogram;
 
 // The levels of a port's current value; null for a null or empty port.
-TARN_EXPORT VRTChannelHistogram* VRTHistogramChannelOfPort(const VRTHistogramPort* port);
+VRTChannelHistogram* VRTHistogramChannelOfPort(const VRTHistogramPort* port);
 
 // A strip of handles below a graph, edited with mouse and keyboard: the behaviour that the input gutter and the output
 // gutter share. Both edit the channel that the levels select.
@@ -26,15 +25,12 @@ TARN_EXPORT VRTChannelHistogram* VRTHistogramChannelOfPort(const VRTHistogramPor
 // with Shift by 0.1%; Home and End send it to the ends.
 //
 // Every change is bracketed by willChangeValue and didChangeValue of the port. A press of the mouse (on a handle or
-// not) and its release post "VortoStartInteraction" and "VortoEndInteraction" with the port as object, and so do the
-// first key that changes something and the release of the last one. When a release never comes, because the gutter is
-// hidden or destroyed meanwhile, the end is made up for.
+// not) until its release is one VRTGesture, and so are the first key that changes something until the last is let go.
 //
 // Observers of any of these may replace the value and destroy the gutter. A drag goes on in the new value.
-class TARN_EXPORT VRTHistogramGutter : public NSTarnView {
+class VRTHistogramGutter : public NSTarnView {
  public:
   VRTHistogramGutter(NSRect frame, QWidget* parent);
-  ~VRTHistogramGutter() override;
 
   void setHistogramPort(VRTHistogramPort* port);     // not retained
   VRTChannelHistogram* getHistogramChannel() const;  // of the port's current value, or null
@@ -77,14 +73,12 @@ class TARN_EXPORT VRTHistogramGutter : public NSTarnView {
   VRTHistogramGutterGeometry geometry() const { return VRTHistogramGutterGeometry(bounds()); }
   Handle handleAt(NSPoint point, const VRTChannelHistogram& channel) const;
   std::vector<Handle> handlesFromLeft() const;  // as they stand by default: the order of the Tab key
-  bool changeChannel(const std::function<void(VRTChannelHistogram&)>& change);
+  void changeChannel(const std::function<void(VRTChannelHistogram&)>& change);
   void showValue();
 
   bool useKey(const QKeyEvent& event);
-  bool moveByKey(Handle handle, double position, int key);
-  bool beginInteraction();  // false when the gutter has been destroyed meanwhile
-  void endInteraction();
-  void makeUpEnd();
+  void moveByKey(Handle handle, double position, int key);
+  void letGoOfHandle();
   void setFocusedHandle(Handle handle);
   void announceAccessibility();
 
@@ -96,16 +90,14 @@ class TARN_EXPORT VRTHistogramGutter : public NSTarnView {
   Handle _selectedChannel = NoHandle;  // what is being dragged, despite the name
   double _startingValue = 0;           // its position when it was grabbed
 
-  bool interacting_ = false;             // a start has been posted, its end has not
-  bool endIsMadeUp_ = false;             // the release that belongs to the last press needs no end
   Handle focusedHandle_ = NoHandle;      // the one that keys move
   bool showsFocus_ = false;              // by the keyboard, not by a click
-  std::set<int> heldKeys_;               // those that have changed something and are down
   std::vector<double> announcedValues_;  // what assistive technology knows
+  VRTGesture gesture_{[this](const VRTGesture::Ending&) { letGoOfHandle(); }};
 };
 
 // Black, white and gamma of the input. The gamma handle stands between the two others, in the middle for gamma 1.
-class TARN_EXPORT VRTHistogramGutterIn : public VRTHistogramGutter {
+class VRTHistogramGutterIn : public VRTHistogramGutter {
  public:
   explicit VRTHistogramGutterIn(NSRect frame, QWidget* parent = nullptr) : VRTHistogramGutter(frame, parent) {}
   QString accessibilityLabel() const override;
@@ -121,7 +113,7 @@ class TARN_EXPORT VRTHistogramGutterIn : public VRTHistogramGutter {
 };
 
 // Black and white of the output.
-class TARN_EXPORT VRTHistogramGutterOut : public VRTHistogramGutter {
+class VRTHistogramGutterOut : public VRTHistogramGutter {
  public:
   explicit VRTHistogramGutterOut(NSRect frame, QWidget* parent = nullptr) : VRTHistogramGutter(frame, parent) {}
   QString accessibilityLabel() const override;

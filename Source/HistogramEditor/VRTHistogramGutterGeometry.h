@@ -2,13 +2,12 @@
 #pragma once
 
 #include "Platform/Foundation/NSGeometry.h"
-#include "Platform/Visibility.h"
 
 // Where the handles of a levels gutter stand, and what their movement means.
 //
 // The track of the values 0 to 1 begins 5 points from the view's left edge and ends 5 from its right one. Handles are
 // 11 x 9 points at the bottom of the view.
-class TARN_EXPORT VRTHistogramGutterGeometry {
+class VRTHistogramGutterGeometry {
  public:
   explicit VRTHistogramGutterGeometry(NSRect bounds) : bounds_(bounds) {}
 
@@ -23,12 +22,12 @@ class TARN_EXPORT VRTHistogramGutterGeometry {
 };
 
 // 0 for what is below it, 1 for what is not at most 1, NaN included.
-TARN_EXPORT double VRTHistogramClampToUnit(double value);
+double VRTHistogramClampToUnit(double value);
 
 constexpr double VRTHistogramLargestGamma = 5;
 
 // Where the handle of a gamma stands between black and white: in the middle for 1.
-TARN_EXPORT double VRTHistogramPositionOfGamma(double black, double white, double gamma);
+double VRTHistogramPositionOfGamma(double black, double white, double gamma);
 // The gamma of a place, 0 to 5: 5 at and beyond black, 0 at and beyond white; where the two are equal, 0 to their right
 // and 5 elsewhere.
-TARN_EXPORT double VRTHistogramGammaOfPosition(double black, double white, double position);
+double VRTHistogramGammaOfPosition(double black, double white, double position);

@@ -5,13 +5,11 @@
 #include <QAccessible>
 #include <QFocusEvent>
 #include <QKeyEvent>
-#include <QPointer>
 #include <algorithm>
 #include <cmath>
 #include <utility>
 
-// The keyboard and assistive technology. From the first key that changes something until the last one is let go is one
-// interaction.
+// The keyboard and assistive technology.
 
 namespace {
 
@@ -41,9 +39,9 @@ bool VRTHistogramGutter::focusNextPrevChild(bool next) {
   if (!hasFocus() || !getHistogramChannel() || focused == order.end() || isLast) {
     return NSTarnView::focusNextPrevChild(next);
   }
-  const QPointer<VRTHistogramGutter> self(this);
-  if (interacting_ && !heldKeys_.empty()) makeUpEnd();
-  if (!self) return true;
+  const VRTGesture::Alive alive = gesture_.alive();
+  gesture_.loseKeys();
+  if (!alive) return true;
   showsFocus_ = true;
   setFocusedHandle(next ? *(focused + 1) : *(focused - 1));
   return true;
@@ -60,11 +58,9 @@ void VRTHistogramGutter::focusInEvent(QFocusEvent* event) {
 }
 
 void VRTHistogramGutter::focusOutEvent(QFocusEvent* event) {
-  const QPointer<VRTHistogramGutter> self(this);
   NSTarnView::focusOutEvent(event);
   setNeedsDisplay(true);
-  // The keys that are down will be let go elsewhere.
-  if (self && !heldKeys_.empty()) makeUpEnd();
+  gesture_.loseKeys();
 }
 
 void VRTHistogramGutter::keyDown(QKeyEvent& event) {
@@ -96,7 +92,7 @@ bool VRTHistogramGutter::useKey(const QKeyEvent& event) {
     default:
       return false;
   }
-  if (_selectedChannel != NoHandle) return true;  // the mouse has the gutter
+  if (!gesture_.keysMayAct()) return true;
   const bool hasNoRange = positionOf(BlackHandle, *channel) == positionOf(WhiteHandle, *channel);
   if (focusedHandle_ == GammaHandle && hasNoRange) return true;
   showsFocus_ = true;
@@ -104,22 +100,18 @@ bool VRTHistogramGutter::useKey(const QKeyEvent& event) {
   return true;
 }
 
-// Announces nothing when nothing would change: the same steps on a copy tell. False when the gutter has been destroyed.
-bool VRTHistogramGutter::moveByKey(Handle handle, double position, int key) {
+// Announces nothing when nothing would change: the same steps on a copy tell.
+void VRTHistogramGutter::moveByKey(Handle handle, double position, int key) {
   VRTChannelHistogram copy(*getHistogramChannel());
   const double before = valueOf(handle, copy);
   setPositionOf(handle, position, copy);
-  if (valueOf(handle, copy) == before) return true;
-  if (!interacting_ && !beginInteraction()) return false;
-  heldKeys_.insert(key);
-  return changeChannel([&](VRTChannelHistogram& channel) { setPositionOf(handle, position, channel); });
+  if (valueOf(handle, copy) == before || !gesture_.hold(key, histogramPort())) return;
+  changeChannel([&](VRTChannelHistogram& channel) { setPositionOf(handle, position, channel); });
 }
 
 void VRTHistogramGutter::keyReleaseEvent(QKeyEvent* event) {
-  const bool held = !event->isAutoRepeat() && heldKeys_.erase(event->key()) > 0;
-  if (!held) return NSTarnView::keyReleaseEvent(event);
+  if (event->isAutoRepeat() || !gesture_.letGo(event->key())) return NSTarnView::keyReleaseEvent(event);
   event->accept();
-  if (heldKeys_.empty() && interacting_) endInteraction();
 }
 
 std::vector<NSAccessibilityElement> VRTHistogramGutter::accessibilityElements() const {
@@ -140,11 +132,13 @@ std::vector<NSAccessibilityElement> VRTHistogramGutter::accessibilityElements() 
 
 void VRTHistogramGutter::setAccessibilityValue(std::size_t element, double value) {
   const std::vector<Handle> order = handlesFromLeft();
-  if (element >= order.size() || interacting_ || std::isnan(value) || !getHistogramChannel()) return;
+  if (element >= order.size() || gesture_.isOpen() || std::isnan(value) || !getHistogramChannel()) return;
   const Handle handle = order[element];
   const double limited = std::clamp(value, 0.0, largestValueOf(handle));
-  if (!beginInteraction()) return;
-  if (changeChannel([&](VRTChannelHistogram& channel) { setValueOf(handle, limited, channel); })) endInteraction();
+  const VRTGesture::Alive alive = gesture_.alive();
+  if (!gesture_.hold(VRTGesture::kNoKey, histogramPort())) return;
+  changeChannel([&](VRTChannelHistogram& channel) { setValueOf(handle, limited, channel); });
+  if (alive) gesture_.end();
 }
 
 void VRTHistogramGutter::announceAccessibility() {

@@ -7,7 +7,8 @@
 #include "Controls/VRTThemeStore.h"
 #include "HistogramEditor/VRTHistogramGutter.h"
 #include "Platform/QuartzComposer/QCPatch.h"
-#include "Platform/TarnKit/NSGraphicsContext.h"
+#include "Platform/TarnKit/NSBezierPath.h"
+#include "Platform/TarnKit/TarnTheme.h"
 #include "Registry/VRTProtocols.h"
 
 #include <QActionGroup>

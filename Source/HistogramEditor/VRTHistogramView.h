@@ -22,7 +22,7 @@ class VRTChannelHistogram;
 // observes and counts nothing.
 //
 // The context menu chooses between linear and logarithmic bars.
-class TARN_EXPORT VRTHistogramView : public NSTarnView, public NSKeyValueObserver {
+class VRTHistogramView : public NSTarnView, public NSKeyValueObserver {
  public:
   explicit VRTHistogramView(NSRect frame, QWidget* parent = nullptr);
   ~VRTHistogramView() override;

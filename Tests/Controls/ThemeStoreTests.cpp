@@ -3,6 +3,7 @@
 #include "Controls/VRTTheme.h"
 #include "Controls/VRTThemeStore.h"
 #include "Platform/TarnKit/NSTarnView.h"
+#include "Platform/TarnKit/TarnTheme.h"
 
 #include <gtest/gtest.h>
 

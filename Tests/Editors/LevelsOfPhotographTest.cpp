@@ -1,18 +1,18 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Editors/VRTEditors.h"
 #include "HistogramEditor/VRTHistogramEditor.h"
-#include "HistogramEditor/VRTHistogramGutter.h"
 #include "HistogramEditor/VRTHistogramView.h"
 #include "Platform/QuartzComposer/GFNodeManager.h"
 #include "Platform/QuartzComposer/QCPatch.h"
 #include "Ports/VRTImage.h"
+#include "Ports/VRTObjects.h"
 #include "Registry/VRTProtocols.h"
 #include "TarnCore/TCBitmap.h"
-#include "Tests/HistogramEditor/LevelsScene.h"
 
 #include <gtest/gtest.h>
 
 #include <QImage>
+#include <QTest>
 #include <array>
 #include <cmath>
 #include <cstring>
@@ -107,15 +107,6 @@ class PhotographContext : public VortoExecutionContext {
   std::vector<std::uint8_t> swapped;
 };
 
-template <class Part>
-Part* partOf(QWidget& editor) {
-  Part* found = nullptr;
-  for (QWidget* child : editor.findChildren<QWidget*>()) {
-    if (auto* part = dynamic_cast<Part*>(child)) found = part;
-  }
-  return found;
-}
-
 class LevelsOfPhotograph : public testing::Test {
  protected:
   void SetUp() override {
@@ -145,7 +136,8 @@ class LevelsOfPhotograph : public testing::Test {
 };
 
 TEST_F(LevelsOfPhotograph, CountsAreThoseOfAPlainLoop) {
-  const auto* view = partOf<VRTHistogramView>(*editor);
+  const auto* view = dynamic_cast<VRTHistogramView*>(editor->findChild<QWidget*>("histogramView"));
+  ASSERT_NE(view, nullptr);
   for (const char* name : {"coffee.png", "chelsea.png"}) {
     const Photograph photograph(name);
     ASSERT_GT(photograph.image.width(), 300) << name;
@@ -180,11 +172,11 @@ TEST_F(LevelsOfPhotograph, AHandleChangesWhatTheEffectRenders) {
   };
   const auto before = render();
   editor->show();
-  auto* gutter = partOf<VRTHistogramGutterOut>(*editor);
-  press(*gutter, {213, 6});
-  drag(*gutter, {109, 6});
+  auto* gutter = editor->findChild<QWidget*>("gutterOut");
+  QTest::mousePress(gutter, Qt::LeftButton, {}, {213, 6});
+  QTest::mouseMove(gutter, {109, 6});
   const auto after = render();
-  release(*gutter, {109, 6});
+  QTest::mouseRelease(gutter, Qt::LeftButton, {}, {109, 6});
   ASSERT_EQ(before.size(), after.size());
   EXPECT_NE(before, after);
   for (std::size_t i = 0; i < after.size(); i += 4) ASSERT_LE(after[i], 128);

@@ -1,26 +1,21 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "Tests/GradientEditor/Panel.h"
+#include "GradientEditor/VRTGradientEditorLayout.h"
+#include "Registry/BrivoCompatability.h"
+#include "Tests/Support/GradientScene.h"
 
-#include <QApplication>
 #include <QDropEvent>
 #include <QMimeData>
-#include <cstdlib>
-
-#include "GradientEditor/VRTGradientEditorLayout.h"
-#include "Platform/TarnKit/NSDragging.h"
-#include "Registry/BrivoCompatability.h"
 
 namespace {
 
 void expectFrame(QWidget* part, NSRect expected) {
   const NSRect frame = NSGetFrame(*part);
-  EXPECT_EQ(frame.origin.x, expected.origin.x) << part->objectName().toStdString();
-  EXPECT_EQ(frame.origin.y, expected.origin.y) << part->objectName().toStdString();
-  EXPECT_EQ(frame.size.width, expected.size.width) << part->objectName().toStdString();
-  EXPECT_EQ(frame.size.height, expected.size.height) << part->objectName().toStdString();
+  EXPECT_TRUE(frame.origin.x == expected.origin.x && frame.origin.y == expected.origin.y &&
+              NSEqualSizes(frame.size, expected.size))
+      << part->objectName().toStdString();
 }
 
-void expectLayout(const Panel& panel, double width) {
+void expectLayout(const GradientScene& panel, double width) {
   const VRTGradientEditorLayout layout(width, true);
   EXPECT_EQ(panel.editor->frame().size.height, 75);
   expectFrame(panel.part("masterView"), NSMakeRect(0, 0, width, 75));
@@ -33,8 +28,9 @@ void expectLayout(const Panel& panel, double width) {
   expectFrame(panel.part("alphaFlop"), layout.alphaFlop);
 }
 
-constexpr const char* kOptionalParts[] = {"gradientGutterRGB", "gradientGutterAlpha", "rgbSpread",
-                                          "rgbFlop",           "alphaSpread",         "alphaFlop"};
+// In the order of the Tab key.
+constexpr const char* kOptionalParts[] = {"gradientGutterAlpha", "alphaSpread", "alphaFlop",
+                                          "gradientGutterRGB",   "rgbSpread",   "rgbFlop"};
 
 }  // namespace
 
@@ -61,7 +57,7 @@ TEST(Editor, PortsMakeIt) {
 }
 
 TEST(Editor, LaysItsPartsOutForEveryWidth) {
-  Panel panel;
+  GradientScene panel;
   expectLayout(panel, 236);
   panel.editor->setFrameSize({612, 75});
   expectLayout(panel, 612);
@@ -70,14 +66,14 @@ TEST(Editor, LaysItsPartsOutForEveryWidth) {
 }
 
 TEST(Editor, ShowsOnlyThePreviewWithoutAGradient) {
-  Panel panel;
+  GradientScene panel;
   QWidget* const gutter = panel.part("gradientGutterRGB");
   panel.port->setValue(nullptr);
   EXPECT_EQ(panel.editor->frame().size.height, 25);
   for (const char* name : kOptionalParts) EXPECT_EQ(panel.part(name), nullptr) << name;
   expectFrame(panel.part("gradientView"), VRTGradientEditorLayout(236, false).preview);
-  panel.editor->rgbSpread(nullptr);
-  panel.editor->alphaFlop(nullptr);
+  panel.editorPart().rgbSpread(nullptr);
+  panel.editorPart().alphaFlop(nullptr);
   EXPECT_EQ(panel.takeLog(), "change") << "of the value itself";
 
   panel.editor->setFrameSize({300, 25});
@@ -86,10 +82,10 @@ TEST(Editor, ShowsOnlyThePreviewWithoutAGradient) {
   EXPECT_EQ(panel.part("gradientGutterRGB"), gutter) << "the same one, kept meanwhile";
   for (const char* name : kOptionalParts) EXPECT_TRUE(panel.part(name)->isVisible()) << name;
 
-  EXPECT_FALSE(panel.editor->manageSubview(gutter, true));
-  EXPECT_FALSE(panel.editor->manageSubview(gutter, false));
-  EXPECT_FALSE(panel.editor->manageSubview(gutter, false));
-  EXPECT_TRUE(panel.editor->manageSubview(gutter, true));
+  EXPECT_FALSE(panel.editorPart().manageSubview(gutter, true));
+  EXPECT_FALSE(panel.editorPart().manageSubview(gutter, false));
+  EXPECT_FALSE(panel.editorPart().manageSubview(gutter, false));
+  EXPECT_TRUE(panel.editorPart().manageSubview(gutter, true));
 }
 
 TEST(Editor, ButtonsSpreadAndFlop) {
@@ -102,7 +98,7 @@ TEST(Editor, ButtonsSpreadAndFlop) {
                {"rgbFlop", false, {1, 0.75, 0.4, 0}},
                {"alphaFlop", true, {1, 0.75, 0.4, 0}}};
   for (const auto& each : cases) {
-    Panel panel(236, each.alpha);
+    GradientScene panel(each.alpha);
     QTest::mouseClick(panel.part(each.button), Qt::LeftButton);
     const std::vector<double> positions = panel.positions();
     for (std::size_t i = 0; i < 4; ++i) EXPECT_NEAR(positions[i], each.expected[i], 1e-12) << each.button;
@@ -126,10 +122,9 @@ namespace {
 
 // What a picker does, without its window: opens one and takes the color at a place of its swatch.
 template <class Check>
-void pick(Panel& panel, double position, QPoint place, Check check) {
+void pick(GradientScene& panel, double position, QPoint place, Check check) {
   panel.press({panel.xOf(position), 5}, {}, Qt::RightButton);
   ASSERT_NE(VRTTransientColorPicker::panel(), nullptr);
-  QTest::mouseMove(VRTTransientColorPicker::panel(), place);
   QMouseEvent move(QEvent::MouseMove, place, VRTTransientColorPicker::panel()->mapToGlobal(place), Qt::NoButton,
                    Qt::NoButton, {});
   QApplication::sendEvent(VRTTransientColorPicker::panel(), &move);
@@ -141,7 +136,7 @@ void pick(Panel& panel, double position, QPoint place, Check check) {
 }  // namespace
 
 TEST(Editor, PickedColorsAreStoredInSinglePrecisionAndPutBackOnCancel) {
-  Panel colors;
+  GradientScene colors;
   auto* color = dynamic_cast<VRTChannelGradientSampleRGB*>(colors.sample(1));
   color->green = 0.3;
   pick(colors, 0.25, {40, 40}, [&](const std::optional<NSColor>& picked) {
@@ -153,7 +148,7 @@ TEST(Editor, PickedColorsAreStoredInSinglePrecisionAndPutBackOnCancel) {
   });
   EXPECT_EQ(color->green, 0.3) << "exactly what it was";
 
-  Panel opacities(236, true);
+  GradientScene opacities(true);
   auto* opacity = dynamic_cast<VRTChannelGradientSampleAlpha*>(opacities.sample(1));
   const double before = opacity->alpha;
   pick(opacities, 0.25, {40, 12}, [&](const std::optional<NSColor>& picked) {
@@ -170,26 +165,26 @@ TEST(Editor, ColorsGoToTheDelegateInstead) {
     void updateSelectedSampleAlphaFrom(VRTTransientColorPicker*) override { got += "alpha "; }
     std::string got;
   };
-  Panel panel;
+  GradientScene panel;
   auto delegate = std::make_unique<Delegate>();
-  panel.editor->setDelegate(delegate.get());
+  panel.editorPart().setDelegate(delegate.get());
   const auto* color = dynamic_cast<VRTChannelGradientSampleRGB*>(panel.sample(1));
   const double red = color->red;
   pick(panel, 0.25, {40, 40}, [](const auto&) {});
   EXPECT_EQ(delegate->got.substr(0, 4), "rgb ");
-  panel.editor->updateSelectedSampleAlphaFrom(nullptr);
+  panel.editorPart().updateSelectedSampleAlphaFrom(nullptr);
   EXPECT_TRUE(delegate->got.ends_with("alpha "));
   EXPECT_EQ(color->red, red);
   EXPECT_EQ(panel.takeLog(), "");
 
   delegate.reset();
-  EXPECT_EQ(panel.editor->delegate(), nullptr) << "forgotten";
+  EXPECT_EQ(panel.editorPart().delegate(), nullptr) << "forgotten";
   panel.clickSample(2);
-  EXPECT_EQ(panel.editor->getSelectedSample(), panel.sample(2));
+  EXPECT_EQ(panel.selected(), panel.sample(2));
 }
 
 TEST(Editor, DropsOfColorsReachSamplesOnly) {
-  Panel panel;
+  GradientScene panel;
   panel.clickSample(1);
   panel.takeLog();
   auto* third = dynamic_cast<VRTChannelGradientSampleRGB*>(panel.sample(2));
@@ -221,7 +216,7 @@ TEST(Editor, DropsOfColorsReachSamplesOnly) {
   EXPECT_NE(panel.part("gradientView")->grab().toImage(), before) << "the preview follows";
   EXPECT_EQ(panel.takeLog(), "");
 
-  Panel opacities(236, true);
+  GradientScene opacities(true);
   QDragEnterEvent enter(QPoint(60, 5), Qt::CopyAction, &color, Qt::LeftButton, {});
   QApplication::sendEvent(opacities.gutter, &enter);
   EXPECT_FALSE(enter.isAccepted()) << "opacities take no colors";
@@ -235,7 +230,7 @@ TEST(Editor, ManyChangesMakeOnePaint) {
     }
     int paints = 0;
   } counter;
-  Panel panel;
+  GradientScene panel;
   panel.window->grab();
   QCoreApplication::processEvents();
   for (const char* name : {"gradientView", "gradientGutterRGB", "gradientGutterAlpha"}) {
@@ -247,4 +242,39 @@ TEST(Editor, ManyChangesMakeOnePaint) {
   }
   QTest::qWait(50);
   EXPECT_EQ(counter.paints, 3);
+}
+
+TEST(Editor, TabGoesThroughThePanelFromTheTop) {
+  GradientScene panel;
+  panel.focus(panel.part(kOptionalParts[0]));
+  for (const char* name : kOptionalParts) {
+    EXPECT_EQ(QApplication::focusWidget(), panel.part(name)) << name;
+    panel.key(Qt::Key_Tab);
+  }
+}
+
+TEST(Editor, KeepsItsPortAndForgetsSamplesThatLeave) {
+  GradientScene panel;
+  panel.clickSample(1);
+  VRTChannelGradientSample* sample = panel.sample(1);
+  {
+    const VRTPortChange change(panel.port);
+    panel.folder().removeDescendant(sample);
+  }
+  EXPECT_EQ(panel.selected(), nullptr);
+  delete sample;
+  panel.clickSample(2);
+  panel.folder().deleteSample(0);  // the first one
+  panel.window->grab();
+  EXPECT_NE(panel.selected(), nullptr);
+
+  const std::weak_ptr<VRTGradientPort> port = panel.port;
+  panel.letGoOfPort();
+  panel.port.reset();
+  panel.value.reset();
+  EXPECT_FALSE(port.expired());
+  panel.clickSample(1);
+  panel.window->grab();
+  delete panel.editor;
+  EXPECT_TRUE(port.expired());
 }

@@ -1,337 +1,205 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "Channels/VRTChannelHistogram.h"
-#include "HistogramEditor/VRTHistogramGutter.h"
-#include "Tests/HistogramEditor/LevelsScene.h"
 #include "Tests/Support/EnglishTexts.h"
-
-#include <gtest/gtest.h>
+#include "Tests/Support/LevelsScene.h"
 
 #include <QPixmap>
 #include <cmath>
 
-// Handles dragged and moved through real events.
+// What mouse and keyboard do to the levels; what is the same in every editor's gutters is among the tests of Editors.
 
 namespace {
 
-constexpr NSRect kFrame = {{0, 0}, {218, 10}};  // a track of 208 points
-constexpr int kRed = 1;
+constexpr int kRed = LevelsScene::kRed;
+constexpr auto on = LevelsScene::on;
 
-// A point on the handle of a value.
-QPointF on(double value) {
-  return {208 * value + 5, 6};
-}
-
-template <class Gutter>
-class GutterTest : public testing::Test {
- protected:
-  GutterTest() : listener(*scene.levels) {
-    scene.histogram().setSelectedChannel(kRed);
-    gutter = std::make_unique<Gutter>(kFrame);
-    gutter->setHistogramPort(scene.levels.get());
-    gutter->show();
+struct InputGutter : testing::Test {
+  VRTHistogram& levels() const { return scene.histogram(); }
+  void dragFromTo(double from, double to) { scene.drag(on(from, 0), on(to, 0)); }
+  void expectInput(double black, double white, double gamma) const {
+    EXPECT_DOUBLE_EQ(levels().blackInForChannel(kRed), black);
+    EXPECT_DOUBLE_EQ(levels().whiteInForChannel(kRed), white);
+    EXPECT_NEAR(levels().gammaForChannel(kRed), gamma, 1e-6);
   }
-  void dragFromTo(double from, double to) {
-    press(*gutter, on(from));
-    drag(*gutter, on(to));
-    release(*gutter, on(to));
+  void set(double black, double white, double gamma) const {
+    levels().setBlackIn(black, kRed);
+    levels().setWhiteIn(white, kRed);
+    levels().setGamma(gamma, kRed);
   }
-  VRTHistogram& levels() { return scene.histogram(); }
 
-  Scene scene;
-  Listener listener;
-  std::unique_ptr<Gutter> gutter;
+  LevelsScene scene;
 };
-using HistogramGutterIn = GutterTest<VRTHistogramGutterIn>;
-using HistogramGutterOut = GutterTest<VRTHistogramGutterOut>;
 
-TEST_F(HistogramGutterIn, EveryHandleIsDragged) {
+TEST_F(InputGutter, DragsEveryHandleOfItsChannel) {
   dragFromTo(0, 0.25);
-  EXPECT_DOUBLE_EQ(levels().blackInForChannel(kRed), 0.25);
   dragFromTo(1, 0.75);
-  EXPECT_DOUBLE_EQ(levels().whiteInForChannel(kRed), 0.75);
   dragFromTo(0.5, 0.375);
-  EXPECT_NEAR(levels().gammaForChannel(kRed), 2, 1e-9);
+  expectInput(0.25, 0.75, 2);
   EXPECT_EQ(levels().blackOutForChannel(kRed), 0);
   for (const int other : {0, 2, 3, 4}) {
     EXPECT_EQ(levels().blackInForChannel(other), 0);
     EXPECT_EQ(levels().whiteInForChannel(other), 1);
     EXPECT_EQ(levels().gammaForChannel(other), 1);
   }
+  set(0, 1, 1);
+  dragFromTo(0, 0.8125);
+  dragFromTo(1, 0.3125);
+  expectInput(0.8125, 0.3125, 1);  // black and white may cross
+  dragFromTo(0.5625, 0.4375);      // gamma, three quarters of the way from black to white
+  expectInput(0.8125, 0.3125, std::log(0.75) / std::log(0.5));
 }
 
-TEST_F(HistogramGutterOut, EveryHandleIsDragged) {
-  dragFromTo(0, 0.5);
-  EXPECT_DOUBLE_EQ(levels().blackOutForChannel(kRed), 0.5);
-  dragFromTo(1, 0.25);
-  EXPECT_DOUBLE_EQ(levels().whiteOutForChannel(kRed), 0.25) << "black and white may cross";
-  dragFromTo(0.5, -3);
-  EXPECT_EQ(levels().blackOutForChannel(kRed), 0);
-  dragFromTo(0.25, 3);
-  EXPECT_EQ(levels().whiteOutForChannel(kRed), 1);
-  EXPECT_EQ(levels().blackInForChannel(kRed), 0);
-  EXPECT_EQ(levels().gammaForChannel(kRed), 1);
+TEST(OutputGutter, DragsEveryHandleOfItsChannel) {
+  LevelsScene scene(true);
+  const VRTHistogram& levels = scene.histogram();
+  scene.drag(on(0, 0), on(0.5, 0));
+  scene.drag(on(1, 0), on(0.25, 0));
+  EXPECT_DOUBLE_EQ(levels.blackOutForChannel(kRed), 0.5);
+  EXPECT_DOUBLE_EQ(levels.whiteOutForChannel(kRed), 0.25) << "black and white may cross";
+  scene.drag(on(0.5, 0), on(-3, 0));
+  scene.drag(on(0.25, 0), on(3, 0));
+  EXPECT_EQ(levels.blackOutForChannel(kRed), 0);
+  EXPECT_EQ(levels.whiteOutForChannel(kRed), 1);
+  EXPECT_EQ(levels.blackInForChannel(kRed), 0);
+  EXPECT_EQ(levels.gammaForChannel(kRed), 1);
 }
 
-TEST_F(HistogramGutterIn, NotificationsAndBracketsInOrder) {
-  press(*gutter, on(0));
-  EXPECT_EQ(listener.take(), kStart);
-  drag(*gutter, on(0.1));
-  drag(*gutter, on(0.2));
-  EXPECT_EQ(listener.take(), (Listener::Told{"value", "value"}));
-  release(*gutter, on(0.2));
-  EXPECT_EQ(listener.take(), kEnd);
-  drag(*gutter, on(0.4));
-  EXPECT_EQ(listener.take(), Listener::Told());
-
-  press(*gutter, on(0.8));  // on no handle
-  drag(*gutter, on(0.9));
-  release(*gutter, on(0.9));
-  EXPECT_EQ(listener.take(), (Listener::Told{"StartInteraction", "EndInteraction"}));
-  EXPECT_DOUBLE_EQ(levels().blackInForChannel(kRed), 0.2);
-
-  scene.levels->setValue(nullptr);
-  listener.take();
-  press(*gutter, on(0));
-  drag(*gutter, on(0.1));
-  EXPECT_EQ(listener.take(), Listener::Told()) << "no levels, no start";
-  release(*gutter, on(0.1));
-  EXPECT_EQ(listener.take(), kEnd) << "the end is told always";
-}
-
-TEST_F(HistogramGutterIn, HandlesAreHalfOpenRectangles) {
-  const double half = 0.5;  // gamma: 104 to 115 across, 0 to 9 upwards
+TEST_F(InputGutter, HandlesAreHalfOpenRectangles) {
+  // Gamma: 104 to 115 across, 0 to 9 upwards.
   const struct {
-    QPointF place;
+    NSPoint place;
     bool hit;
-  } places[] = {{{104, 6}, true}, {{103, 6}, false}, {{114, 6}, true}, {{115, 6}, false},
-                {{109, 1}, true}, {{109, 0}, false}, {{109, 9}, true}};
+  } places[] = {{{104, 3}, true}, {{103, 3}, false}, {{114, 3}, true}, {{115, 3}, false},
+                {{109, 8}, true}, {{109, 9}, false}, {{109, 0}, true}};
   for (const auto& [place, hit] : places) {
-    levels().setGamma(1, kRed);
-    press(*gutter, place);
-    drag(*gutter, place + QPointF(-20, 40));
-    release(*gutter, place);
-    EXPECT_EQ(levels().gammaForChannel(kRed) != 1, hit) << place.x() << ", " << place.y();
+    set(0, 1, 1);
+    scene.drag(place, {place.x - 20, place.y - 30});
+    EXPECT_EQ(levels().gammaForChannel(kRed) != 1, hit) << place.x << ", " << place.y;
   }
-  EXPECT_EQ(half, VRTHistogramPositionOfGamma(0, 1, 1));
 }
 
-TEST_F(HistogramGutterIn, OfOverlappingHandlesTheLastDrawnIsTaken) {
-  levels().setBlackIn(0.5, kRed);
-  levels().setWhiteIn(0.5, kRed);  // and gamma between them
-  press(*gutter, on(0.5));
-  drag(*gutter, on(0.6));
-  release(*gutter, on(0.6));
-  EXPECT_EQ(levels().gammaForChannel(kRed), 0) << "right of white";
-  EXPECT_EQ(levels().blackInForChannel(kRed), 0.5);
-  EXPECT_EQ(levels().whiteInForChannel(kRed), 0.5);
-
-  levels().setBlackIn(0.48, kRed);
-  levels().setWhiteIn(0.5, kRed);
-  levels().setGamma(0, kRed);  // on white, which lies over black
-  levels().setWhiteIn(0.5, kRed);
-  levels().setGamma(-2, kRed);  // at 0.56
-  press(*gutter, {208 * 0.5 + 1, 6});
-  drag(*gutter, {208 * 0.75 + 1, 6});
-  release(*gutter, {});
-  EXPECT_DOUBLE_EQ(levels().whiteInForChannel(kRed), 0.75);
-  EXPECT_DOUBLE_EQ(levels().blackInForChannel(kRed), 0.48);
+TEST_F(InputGutter, OfOverlappingHandlesTheLastDrawnIsTaken) {
+  set(0.5, 0.5, 1);  // gamma between them
+  dragFromTo(0.5, 0.625);
+  expectInput(0.5, 0.5, 0);  // right of white
+  set(0.48, 0.5, -2);        // gamma at 0.56
+  scene.drag(on(0.5, -4), on(0.75, -4));
+  expectInput(0.48, 0.75, -2);
 }
 
-TEST_F(HistogramGutterIn, GammaStopsAtBothEnds) {
-  levels().setBlackIn(0.25, kRed);
-  levels().setWhiteIn(0.75, kRed);
-  press(*gutter, on(0.5));
-  for (const double beyond : {0.25, 0.1, -4.0}) {
-    drag(*gutter, on(beyond));
-    EXPECT_EQ(levels().gammaForChannel(kRed), 5) << beyond;
+TEST_F(InputGutter, GammaStopsAtBothEnds) {
+  set(0.25, 0.75, 1);
+  scene.press(on(0.5, 0));
+  const struct {
+    double place, gamma;
+  } moves[] = {{0.25, 5}, {0.125, 5}, {-4, 5}, {0.75, 0}, {0.875, 0}, {4, 0}, {0.5, 1}};
+  for (const auto& [place, gamma] : moves) {
+    scene.move(on(place, 0));
+    expectInput(0.25, 0.75, gamma);
   }
-  for (const double beyond : {0.75, 0.9, 4.0}) {
-    drag(*gutter, on(beyond));
-    EXPECT_EQ(levels().gammaForChannel(kRed), 0) << beyond;
-  }
-  drag(*gutter, on(0.5));
-  EXPECT_NEAR(levels().gammaForChannel(kRed), 1, 1e-9) << "the way is counted from the press";
+  scene.release();
 }
 
-TEST_F(HistogramGutterIn, BlackAndWhiteMayCross) {
-  dragFromTo(0, 0.8);
-  dragFromTo(1, 0.3);
-  EXPECT_DOUBLE_EQ(levels().blackInForChannel(kRed), 0.8);
-  EXPECT_DOUBLE_EQ(levels().whiteInForChannel(kRed), 0.3);
-  dragFromTo(0.55, 0.425);  // gamma, three quarters of the way from black to white
-  EXPECT_NEAR(levels().gammaForChannel(kRed), std::log(0.75) / std::log(0.5), 1e-6);
-}
-
-TEST_F(HistogramGutterIn, HandlesAreDrawnWhereTheyAreGrabbed) {
-  const auto picture = [&] { return gutter->grab().toImage(); };
-  const auto differsAt = [&](const QImage& a, const QImage& b, double value) {
-    const double ratio = gutter->devicePixelRatioF();
-    const int x = int(on(value).x() * ratio);
-    for (int y = 0; y < a.height(); ++y) {
-      if (a.pixel(x, y) != b.pixel(x, y)) return true;
-    }
-    return false;
-  };
+TEST_F(InputGutter, DrawsHandlesWhereTheyAreGrabbed) {
+  const auto picture = [&] { return scene.gutter->grab().toImage(); };
+  const double ratio = scene.gutter->devicePixelRatioF();
+  const auto column = [&](double value) { return int(on(value, 0).x * ratio); };
   scene.levels->setValue(nullptr);
   const QImage empty = picture();
   scene.levels->setValue(scene.value);
   const QImage all = picture();
-  for (const double place : {0.0, 0.5, 1.0}) EXPECT_TRUE(differsAt(empty, all, place)) << place;
-  for (const double place : {0.25, 0.75}) EXPECT_FALSE(differsAt(empty, all, place)) << place;
-  const auto middle = [&](double value) {
-    const double ratio = gutter->devicePixelRatioF();
-    return qGray(all.pixel(int(on(value).x() * ratio), int(6.5 * ratio)));
-  };
+  for (const double place : {0.0, 0.25, 0.5, 0.75, 1.0}) {
+    bool differs = false;
+    for (int y = 0; y < all.height(); ++y) differs |= empty.pixel(column(place), y) != all.pixel(column(place), y);
+    EXPECT_EQ(differs, place * 2 == std::floor(place * 2)) << place;
+  }
+  const auto middle = [&](double value) { return qGray(all.pixel(column(value), int(6.5 * ratio))); };
   EXPECT_LT(middle(0), middle(0.5));
   EXPECT_LT(middle(0.5), middle(1));
-  press(*gutter, on(0));
+  scene.press(on(0, 0));
   EXPECT_EQ(picture(), all) << "a grabbed handle looks no different";
-  release(*gutter, on(0));
+  scene.release();
   for (const double strange : {std::nan(""), 1e300, -1e300}) {
     levels().setBlackIn(strange, kRed);
-    gutter->grab();
+    picture();
   }
 }
 
-TEST_F(HistogramGutterIn, KeysMoveTheHandleThatHasTheKeyboard) {
-  QApplication::setActiveWindow(gutter.get());
-  gutter->setFocus(Qt::TabFocusReason);
-  QTest::keyClick(gutter.get(), Qt::Key_Right);
-  EXPECT_DOUBLE_EQ(levels().blackInForChannel(kRed), 0.01);
-  EXPECT_EQ(listener.take(), (Listener::Told{"StartInteraction", "value", "EndInteraction"}));
-  QTest::keyClick(gutter.get(), Qt::Key_Right, Qt::ShiftModifier);
-  EXPECT_DOUBLE_EQ(levels().blackInForChannel(kRed), 0.011);
-  QTest::keyClick(gutter.get(), Qt::Key_Home);
-  EXPECT_EQ(levels().blackInForChannel(kRed), 0);
-  listener.take();
-  QTest::keyClick(gutter.get(), Qt::Key_Left);
-  EXPECT_EQ(listener.take(), Listener::Told()) << "nothing changed";
-
-  QTest::keyPress(gutter.get(), Qt::Key_Right);
-  QTest::keyPress(gutter.get(), Qt::Key_Right);
-  QTest::keyRelease(gutter.get(), Qt::Key_Right);
-  EXPECT_EQ(listener.take(), (Listener::Told{"StartInteraction", "value", "value", "EndInteraction"}));
-  levels().setBlackIn(0, kRed);
-
-  QTest::keyClick(gutter.get(), Qt::Key_Tab);  // gamma, whose handle goes to the left
-  QTest::keyClick(gutter.get(), Qt::Key_Left);
+TEST_F(InputGutter, KeysMoveTheHandleThatHasTheKeyboard) {
+  scene.focus();
+  const struct {
+    int key;
+    Qt::KeyboardModifiers modifiers;
+    double black;
+    const char* told;
+  } keys[] = {{Qt::Key_Right, {}, 0.01, "start change end"},
+              {Qt::Key_Up, Qt::ShiftModifier, 0.011, "start change end"},
+              {Qt::Key_Home, {}, 0, "start change end"},
+              {Qt::Key_Left, {}, 0, ""},
+              {Qt::Key_A, {}, 0, ""}};
+  for (const auto& each : keys) {
+    scene.key(each.key, each.modifiers);
+    EXPECT_DOUBLE_EQ(levels().blackInForChannel(kRed), each.black);
+    EXPECT_EQ(scene.takeLog(), each.told);
+  }
+  scene.key(Qt::Key_Tab);  // gamma, whose handle goes to the left
+  scene.key(Qt::Key_Left);
   EXPECT_NEAR(levels().gammaForChannel(kRed), std::log(0.49) / std::log(0.5), 1e-9);
-  QTest::keyClick(gutter.get(), Qt::Key_Tab);
-  QTest::keyClick(gutter.get(), Qt::Key_Down);
+  scene.key(Qt::Key_Tab);
+  scene.key(Qt::Key_Down);
   EXPECT_DOUBLE_EQ(levels().whiteInForChannel(kRed), 0.99);
-  levels().setBlackIn(0.99, kRed);
-  levels().setGamma(1, kRed);
-  QTest::keyClick(gutter.get(), Qt::Key_Backtab);
-  QTest::keyClick(gutter.get(), Qt::Key_Left);
-  EXPECT_EQ(levels().gammaForChannel(kRed), 1) << "there is no way to go";
-
-  listener.take();
-  QTest::keyClick(gutter.get(), Qt::Key_A);
-  EXPECT_EQ(listener.take(), Listener::Told());
-  QTest::keyClick(gutter.get(), Qt::Key_Backtab);
-  QTest::keyPress(gutter.get(), Qt::Key_Left);
-  gutter->clearFocus();
-  EXPECT_EQ(listener.take(), (Listener::Told{"StartInteraction", "value", "EndInteraction"}));
+  set(0.99, 0.99, 1);
+  scene.key(Qt::Key_Backtab);
+  scene.key(Qt::Key_Left);
+  expectInput(0.99, 0.99, 1);  // there is no way to go
+  scene.takeLog();
+  scene.key(Qt::Key_Backtab);
+  scene.keyDown(Qt::Key_Left);
+  scene.key(Qt::Key_Tab);
+  EXPECT_EQ(scene.takeLog(), "start change end") << "the next handle is another gesture";
 }
 
-TEST_F(HistogramGutterIn, AssistiveTechnologySeesSliders) {
+TEST_F(InputGutter, ShowsSlidersAndCursors) {
   readEnglishTexts();
-  const auto elements = gutter->accessibilityElements();
+  const auto elements = scene.gutter->accessibilityElements();
   ASSERT_EQ(elements.size(), 3u);
   EXPECT_EQ(elements[0].name, "Input black");
   EXPECT_EQ(elements[1].name, "Gamma");
   EXPECT_EQ(elements[1].maximum, 5);
   EXPECT_EQ(elements[2].value, 1);
-  gutter->setAccessibilityValue(1, 9);
+  scene.gutter->setAccessibilityValue(1, 9);
   EXPECT_EQ(levels().gammaForChannel(kRed), 5);
-  EXPECT_EQ(listener.take(), (Listener::Told{"StartInteraction", "value", "EndInteraction"}));
-  gutter->setAccessibilityValue(3, 1);
-  gutter->setAccessibilityValue(0, std::nan(""));
-  EXPECT_EQ(listener.take(), Listener::Told());
+  scene.takeLog();
+  scene.gutter->setAccessibilityValue(3, 1);
+  scene.gutter->setAccessibilityValue(0, std::nan(""));
+  EXPECT_EQ(scene.takeLog(), "");
+
+  EXPECT_EQ(scene.gutter->cursorAtPoint({5, 4})->shape(), Qt::SizeHorCursor);
+  EXPECT_EQ(scene.gutter->cursorAtPoint({60, 4}), std::nullopt);
+  scene.press(on(0, 0));
+  EXPECT_EQ(scene.gutter->cursorAtPoint({60, 4})->shape(), Qt::SizeHorCursor);
+  scene.release();
   scene.levels->setValue(nullptr);
-  EXPECT_TRUE(gutter->accessibilityElements().empty());
+  EXPECT_TRUE(scene.gutter->accessibilityElements().empty());
 }
 
-TEST_F(HistogramGutterIn, ThePointerShowsWhatCanBeDragged) {
-  EXPECT_EQ(gutter->cursorAtPoint({5, 4})->shape(), Qt::SizeHorCursor);
-  EXPECT_EQ(gutter->cursorAtPoint({60, 4}), std::nullopt);
-  press(*gutter, on(0));
-  EXPECT_EQ(gutter->cursorAtPoint({60, 4})->shape(), Qt::SizeHorCursor);
-  release(*gutter, on(0));
-}
-
-TEST_F(HistogramGutterIn, ADragGoesOnInAReplacedValue) {
-  press(*gutter, on(0));
+TEST_F(InputGutter, ADragGoesOnInAReplacedValue) {
+  scene.press(on(0, 0));
   const auto replaced = std::make_shared<VRTHistogram>();
   replaced->setSelectedChannel(3);
   scene.levels->setValue(replaced);
-  drag(*gutter, on(0.5));
+  scene.move(on(0.5, 0));
   EXPECT_DOUBLE_EQ(replaced->blackInForChannel(3), 0.5);
   EXPECT_EQ(scene.value->blackInForChannel(kRed), 0);
   scene.levels->setValue(nullptr);
-  drag(*gutter, on(0.6));
-  listener.take();
-  release(*gutter, on(0.6));
-  EXPECT_EQ(listener.take(), kEnd);
-}
-
-TEST_F(HistogramGutterIn, EndsThatNeverCameAreMadeUpFor) {
-  press(*gutter, on(0));
-  gutter->hide();
-  EXPECT_EQ(listener.take(), (Listener::Told{"StartInteraction", "EndInteraction"}));
-  gutter->show();
-  drag(*gutter, on(0.3));
-  release(*gutter, on(0.3));
-  EXPECT_EQ(listener.take(), Listener::Told());
-  press(*gutter, on(0));
-  press(*gutter, on(0));
-  EXPECT_EQ(listener.take(), (Listener::Told{"StartInteraction", "EndInteraction", "StartInteraction"}));
-  gutter.reset();
-  EXPECT_EQ(listener.take(), kEnd);
-}
-
-TEST_F(HistogramGutterIn, ObserversMayDestroyTheGutter) {
-  const auto destroyOn = [&](const std::string& what) {
-    gutter = std::make_unique<VRTHistogramGutterIn>(kFrame);
-    gutter->setHistogramPort(scene.levels.get());
-    gutter->show();
-    listener.take();
-    listener.onTold = [this, what](const std::string& told) {
-      if (told == what) gutter.reset();
-    };
-  };
-  for (const std::string what : {"StartInteraction", "value", "EndInteraction"}) {
-    destroyOn(what);
-    const QPointer<QWidget> victim(gutter.get());
-    press(*victim, on(scene.value->blackInForChannel(kRed)));
-    if (victim) drag(*victim, on(0.3));
-    if (victim) release(*victim, on(0.3));
-    EXPECT_FALSE(victim) << what;
-
-    destroyOn(what);
-    QApplication::setActiveWindow(gutter.get());
-    gutter->setFocus(Qt::TabFocusReason);
-    const QPointer<QWidget> byKey(gutter.get());
-    QTest::keyPress(byKey.data(), Qt::Key_Right);
-    if (byKey) QTest::keyRelease(byKey.data(), Qt::Key_Right);
-    EXPECT_FALSE(byKey) << what;
-    listener.onTold = nullptr;
-  }
-}
-
-TEST_F(HistogramGutterIn, ThePortMayDieInADrag) {
-  press(*gutter, on(0));
-  Scene other;
-  std::swap(scene.patch, other.patch);
-  other.patch.reset();
-  other.levels.reset();
-  scene.patch.reset();
-  scene.image.reset();
-  scene.levels.reset();
-  drag(*gutter, on(0.5));
-  release(*gutter, on(0.5));
-  EXPECT_EQ(gutter->getHistogramChannel(), nullptr);
-  gutter->grab();
+  scene.move(on(0.625, 0));
+  scene.takeLog();
+  scene.release();
+  EXPECT_EQ(scene.takeLog(), "end");
+  scene.press(on(0, 0));
+  scene.move(on(0.1, 0));
+  EXPECT_EQ(scene.takeLog(), "") << "no levels, no start";
+  scene.release();
+  EXPECT_EQ(scene.takeLog(), "end") << "the end is told always";
 }
 
 }  // namespace

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "HistogramEditor/VRTHistogramGradientView.h"
 #include "HistogramEditor/VRTHistogramView.h"
-#include "Tests/HistogramEditor/LevelsScene.h"
-
-#include <gtest/gtest.h>
+#include "Tests/Support/LevelsScene.h"
 
 #include <QImage>
 #include <QMenu>
@@ -30,7 +28,7 @@ std::vector<std::uint8_t> pixelOf(std::initializer_list<Channel> channels) {
 }
 
 TEST(HistogramView, CountsWhatFlowsIn) {
-  Scene scene;
+  LevelsPatch scene;
   scene.image->setValue(imageOf({10, 20, 30, 40}, 5, 4));
   VRTHistogramView view(kFrame);
   view.setHistogramPort(scene.levels.get());
@@ -53,7 +51,7 @@ TEST(HistogramView, CountsWhatFlowsIn) {
 }
 
 TEST(HistogramView, UnusableImagesCountNothing) {
-  Scene scene;
+  LevelsPatch scene;
   VRTHistogramView view(kFrame);
   view.setHistogramPort(scene.levels.get());
   const auto expectNothing = [&](const std::shared_ptr<SceneImage>& image) {
@@ -77,7 +75,7 @@ TEST(HistogramView, UnusableImagesCountNothing) {
 }
 
 TEST(HistogramView, WithoutAContextTheCountsAreEmpty) {
-  Scene scene;
+  LevelsPatch scene;
   VRTHistogramView view(kFrame);
   scene.image->setValue(imageOf({1, 2, 3, 4}, 2, 2));
   view.setHistogramPort(scene.levels.get());
@@ -88,7 +86,7 @@ TEST(HistogramView, WithoutAContextTheCountsAreEmpty) {
 }
 
 TEST(HistogramView, OnlyFiltersHaveAnInputImage) {
-  Scene scene("generator");
+  LevelsPatch scene("generator");
   scene.image->setValue(imageOf({1, 2, 3, 4}, 2, 2));
   VRTHistogramView view(kFrame);
   EXPECT_EQ(view.imageInputPort(), nullptr);
@@ -98,7 +96,7 @@ TEST(HistogramView, OnlyFiltersHaveAnInputImage) {
 }
 
 TEST(HistogramView, ADetachedViewCostsNothing) {
-  Scene scene, other;
+  LevelsPatch scene, other;
   VRTHistogramView view(kFrame);
   view.setHistogramPort(scene.levels.get());
   view.setHistogramPort(scene.levels.get());
@@ -128,7 +126,7 @@ QRgb colorAt(QWidget& view, int x, int y) {
 }
 
 TEST(HistogramView, DrawsBarsInsideItsFrame) {
-  Scene scene;
+  LevelsPatch scene;
   std::vector<std::uint8_t> pixels;  // 14 reds of 100, 28 of 150, 56 of 200
   for (int i = 0; i < 98; ++i) {
     const std::uint8_t red = i < 14 ? 100 : i < 42 ? 150 : 200;
@@ -188,7 +186,7 @@ TEST(HistogramView, TheMenuChoosesTheScale) {
 
 TEST(HistogramView, AnythingMayDieFirst) {
   auto view = std::make_unique<VRTHistogramView>(kFrame);
-  auto scene = std::make_unique<Scene>();
+  auto scene = std::make_unique<LevelsPatch>();
   view->setHistogramPort(scene->levels.get());
   const auto image = scene->image;
   const auto levels = scene->levels;
@@ -198,14 +196,14 @@ TEST(HistogramView, AnythingMayDieFirst) {
   EXPECT_EQ(countsOf(*view), 0u);
   view->setHistogramPort(nullptr);
 
-  scene = std::make_unique<Scene>();
+  scene = std::make_unique<LevelsPatch>();
   view->setHistogramPort(scene->levels.get());
   scene.reset();  // everything
   EXPECT_EQ(view->getHistogramChannel(), nullptr);
   view->resampleInputImage();
   view->grab();
 
-  scene = std::make_unique<Scene>();
+  scene = std::make_unique<LevelsPatch>();
   view->setHistogramPort(scene->levels.get());
   scene->levels->setValue(nullptr);
   EXPECT_EQ(view->getHistogramChannel(), nullptr);

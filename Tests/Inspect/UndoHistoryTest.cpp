@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Inspect/UndoHistory.h"
 
+#include "Controls/VRTInteractions.h"
 #include "Host/Inspect/EditRecorder.h"
-#include "Host/Inspect/Interactions.h"
 #include "Platform/QuartzComposer/QCPatch.h"
 #include "Ports/VRTObjects.h"
 #include "Ports/VRTPorts.h"
@@ -96,17 +96,17 @@ TEST_F(UndoHistoryTest, OneDragIsOneStep) {
                                          .historyChanged = [] {}});
   history.forget();
   setGamma(2);  // the press already changes something, and tells of its start afterwards
-  host::startInteraction(*levels);
+  VRTPostStartInteraction(levels.get());
   for (int i = 0; i < 20; ++i) {
     setGamma(2 + i);
     handleEvents();
   }
   history.undo();
   EXPECT_EQ(value().gammaForChannel(0), 21) << "not in the middle of a drag";
-  host::endInteraction(*levels);
+  VRTPostEndInteraction(levels.get());
   handleEvents();
   setGamma(50);  // a click elsewhere, without a start
-  host::endInteraction(*levels);
+  VRTPostEndInteraction(levels.get());
   handleEvents();
   EXPECT_EQ(changes, 22);
   EXPECT_EQ(interactions, 1);

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+#include "Platform/TarnKit/NSBezierPath.h"
 #include "Platform/TarnKit/NSGraphicsContext.h"
 #include "Platform/TarnKit/NSImage.h"
 #include "Platform/TarnKit/NSTarnColor.h"

@@ -44,7 +44,7 @@ struct InterfaceFile : testing::Test {
 
   std::unique_ptr<QWidget> load(const TarnInterfaceFile& file, const std::string& text) {
     testing::internal::CaptureStderr();
-    std::unique_ptr<QWidget> root = file.loadFile(folder.write("Form.ui", text), reason);
+    std::unique_ptr<QWidget> root = file.loadFile(folder.write("Form.ui", text), &reason);
     reports = testing::internal::GetCapturedStderr();
     return root;
   }
@@ -124,9 +124,9 @@ TEST_F(InterfaceFile, FailsWithTheReason) {
     EXPECT_FALSE(load(file, text)) << text;
     EXPECT_NE(reason.find("Form.ui"), std::string::npos) << text;
   }
-  EXPECT_FALSE(file.loadFile(folder.path("none.ui"), reason));
+  EXPECT_FALSE(file.loadFile(folder.path("none.ui"), &reason));
   EXPECT_NE(reason.find("none.ui"), std::string::npos);
-  EXPECT_FALSE(file.load("org.example.nobody", "Form", reason));
+  EXPECT_FALSE(file.load("org.example.nobody", "Form", &reason));
   EXPECT_NE(reason.find("org.example.nobody"), std::string::npos);
 }
 
@@ -138,8 +138,8 @@ TEST_F(InterfaceFile, IsFoundInABundleByName) {
   folder.write(contents + "Resources/Panel.ui", form(""));
   const CFBundleRef bundle = CFBundleCreate(nullptr, folder.path("Panels.bundle"), &reason);
   ASSERT_TRUE(bundle) << reason;
-  EXPECT_TRUE(TarnInterfaceFile().load("org.example.panels", "Panel", reason)) << reason;
-  EXPECT_FALSE(TarnInterfaceFile().load("org.example.panels", "Other", reason));
+  EXPECT_TRUE(TarnInterfaceFile().load("org.example.panels", "Panel", &reason)) << reason;
+  EXPECT_FALSE(TarnInterfaceFile().load("org.example.panels", "Other", &reason));
   EXPECT_NE(reason.find("Other"), std::string::npos);
   CFRelease(bundle);
 }

@@ -2,6 +2,9 @@
 #include "Platform/TarnKit/NSColor.h"
 
 #include "Platform/TarnKit/NSGraphicsContext.h"
+#include "Platform/TarnKit/NSImage.h"
+
+#include <QImage>
 
 namespace {
 
@@ -9,6 +12,13 @@ namespace {
 float limited(double component) {
   if (!(component > 0)) return 0;
   return component < 1 ? float(component) : 1;
+}
+
+// The brush has its own copy: it may outlive color and image.
+QBrush brushOfPattern(const NSImage* image) {
+  const NSBitmapImageRep* bitmap = image ? image->representation().get() : nullptr;
+  const QImage picture = bitmap ? NSImageOfBitmap(*bitmap) : QImage();
+  return picture.isNull() ? QBrush() : QBrush(picture.copy());
 }
 
 }  // namespace
@@ -41,7 +51,8 @@ void NSColor::getRed(double* red, double* green, double* blue, double* alpha) co
 }
 
 void NSColor::set() const {
-  if (NSGraphicsContext* context = NSGraphicsContext::currentContext()) context->setColor(*this);
+  NSGraphicsContext* context = NSGraphicsContext::currentContext();
+  if (context) context->setFill(pattern_ ? brushOfPattern(image_.get()) : QBrush(toQColor()));
 }
 
 QColor NSColor::toQColor() const {

@@ -28,8 +28,6 @@ class TARN_EXPORT NSColor {
   // Makes it the color that NSBezierPath fills and strokes with, until drawRect ends. Does nothing outside drawRect.
   void set() const;
 
-  bool isPattern() const { return pattern_; }
-  const std::shared_ptr<NSImage>& patternImage() const { return image_; }
   QColor toQColor() const;  // limited to 0 to 1; NaN counts as 0
 
  private:

@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/TarnKit/NSGraphicsContext.h"
 
-#include "Platform/TarnKit/NSImage.h"
-#include "Platform/TarnKit/NSTarnColor.h"
-
 #include <QPainter>
 #include <QWidget>
 #include <algorithm>
@@ -12,30 +9,6 @@
 namespace {
 
 NSGraphicsContext* current = nullptr;
-
-bool isDrawable(NSRect rect) {
-  return rect.size.width > 0 && rect.size.height > 0;
-}
-
-void fillWithPattern(const NSGraphicsContext& context, const QRectF& rect) {
-  const std::shared_ptr<NSImage>& pattern = context.color().patternImage();
-  if (!pattern || !pattern->representation()) return;
-  const QImage image = NSImageOfBitmap(*pattern->representation());
-  if (image.isNull()) return;
-  QPainter& painter = context.painter();
-  painter.save();
-  painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
-  painter.setBrushOrigin(context.toWidget(NSPoint{}));
-  painter.fillRect(rect, QBrush(image));
-  painter.restore();
-}
-
-void fill(const NSGraphicsContext& context, NSRect rect) {
-  if (!isDrawable(rect)) return;
-  const QRectF target = context.toWidgetAligned(rect);
-  if (context.color().isPattern()) return fillWithPattern(context, target);
-  context.painter().fillRect(target, context.color().toQColor());
-}
 
 }  // namespace
 
@@ -76,31 +49,13 @@ QRectF NSGraphicsContext::toWidgetAligned(NSRect rect, QSize* pixels) const {
   return toDevice.inverted().mapRect(QRectF(left, top, width, height));
 }
 
-void NSBezierPath::fillRect(NSRect rect) {
-  if (current) fill(*current, rect);
-}
-
-void NSBezierPath::strokeRect(NSRect rect, double lineWidth) {
-  if (!current || !isDrawable(rect) || !(lineWidth > 0)) return;
-  const double line = std::min({lineWidth, rect.size.width / 2, rect.size.height / 2});
-  const auto [x, y] = rect.origin;
-  const auto [width, height] = rect.size;
-  fill(*current, NSMakeRect(x, y, width, line));
-  fill(*current, NSMakeRect(x, y + height - line, width, line));
-  fill(*current, NSMakeRect(x, y + line, line, height - 2 * line));
-  fill(*current, NSMakeRect(x + width - line, y + line, line, height - 2 * line));
-}
-
-void NSDrawFocusRing(NSRect rect) {
-  NSGraphicsContext* context = NSGraphicsContext::currentContext();
-  if (!context) return;
-  const double width = 1.5;
-  QPainter& painter = context->painter();
-  painter.save();
-  painter.setRenderHint(QPainter::Antialiasing);
-  painter.setBrush(Qt::NoBrush);
-  painter.setPen(QPen(NSTarnColor::focusRingColor().toQColor(), width));
-  const QRectF ring = context->toWidget(rect).adjusted(width / 2, width / 2, -width / 2, -width / 2);
-  painter.drawRoundedRect(ring, 3, 3);
-  painter.restore();
+void NSGraphicsContext::fill(NSRect rect) const {
+  if (!(rect.size.width > 0) || !(rect.size.height > 0)) return;
+  const QRectF target = toWidgetAligned(rect);
+  if (fill_.style() == Qt::SolidPattern) return painter_.fillRect(target, fill_.color());
+  painter_.save();
+  painter_.setRenderHint(QPainter::SmoothPixmapTransform, false);
+  painter_.setBrushOrigin(toWidget(NSPoint{}));
+  painter_.fillRect(target, fill_);
+  painter_.restore();
 }

@@ -2,9 +2,9 @@
 #pragma once
 
 #include "Platform/Foundation/NSGeometry.h"
-#include "Platform/TarnKit/NSColor.h"
 #include "Platform/Visibility.h"
 
+#include <QBrush>
 #include <QRectF>
 
 class QPainter;
@@ -36,24 +36,15 @@ class TARN_EXPORT NSGraphicsContext {
   // fractional ratios. `pixels`, when given, receives its size in device pixels.
   QRectF toWidgetAligned(NSRect rect, QSize* pixels = nullptr) const;
 
-  void setColor(const NSColor& color) { color_ = color; }
-  const NSColor& color() const { return color_; }
+  // What fills from now on; opaque black at first. A brush with a picture repeats it from the view's origin.
+  void setFill(const QBrush& fill) { fill_ = fill; }
+  // The rectangle, its edges on device pixels; an empty one and NaN fill nothing.
+  void fill(NSRect rect) const;
 
  private:
   QPainter& painter_;
   const QWidget& widget_;
   bool flipped_;
-  NSColor color_;
+  QBrush fill_{Qt::black};
   NSGraphicsContext* previous_;
 };
-
-// Filling and stroking with the current color, edges on device pixels. Outside drawRect nothing happens.
-class TARN_EXPORT NSBezierPath {
- public:
-  static void fillRect(NSRect rect);
-  // A line of that width in points, inside the rectangle's edges.
-  static void strokeRect(NSRect rect, double lineWidth = 1);
-};
-
-// The ring around what has the keyboard, just inside the rectangle.
-TARN_EXPORT void NSDrawFocusRing(NSRect rect);

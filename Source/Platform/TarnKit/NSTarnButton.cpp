@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/TarnKit/NSTarnButton.h"
 
+#include "Platform/TarnKit/NSBezierPath.h"
 #include "Platform/TarnKit/NSGraphicsContext.h"
 #include "Platform/TarnKit/NSTarnColor.h"
 #include "Platform/TarnKit/NSTarnView.h"

@@ -11,6 +11,7 @@
 #include <QComboBox>
 #include <QFile>
 #include <QUiLoader>
+#include <cstddef>
 #include <cstdio>
 
 namespace {
@@ -53,6 +54,11 @@ class Loader : public QUiLoader {
   std::string file_;
 };
 
+std::nullptr_t fail(std::string* reason, const std::string& why) {
+  if (reason) *reason = why;
+  return nullptr;
+}
+
 QWidget* findChild(QWidget& root, const std::string& name) {
   const QString wanted = QString::fromStdString(name);
   return root.objectName() == wanted ? &root : root.findChild<QWidget*>(wanted);
@@ -69,18 +75,16 @@ void TarnInterfaceFile::addAction(const std::string& name, Action action) {
 }
 
 std::unique_ptr<QWidget> TarnInterfaceFile::load(const std::string& bundleIdentifier, const std::string& name,
-                                                 std::string& reason) const {
+                                                 std::string* reason) const {
   const CFOwned<CFStringRef> identifier(
       CFStringCreateWithCString(nullptr, bundleIdentifier.c_str(), kCFStringEncodingUTF8));
   const CFBundleRef bundle = CFBundleGetBundleWithIdentifier(identifier.get());
   if (!bundle) {
-    reason = "no bundle " + bundleIdentifier;
-    return nullptr;
+    return fail(reason, "no bundle " + bundleIdentifier);
   }
   const std::string path = CFBundleCopyResourcePath(bundle, name, "ui");
   if (path.empty()) {
-    reason = "no interface file " + name + " in " + CFBundleGetPath(bundle);
-    return nullptr;
+    return fail(reason, "no interface file " + name + " in " + CFBundleGetPath(bundle));
   }
   return loadFile(path, reason);
 }
@@ -88,7 +92,7 @@ std::unique_ptr<QWidget> TarnInterfaceFile::load(const std::string& bundleIdenti
 std::unique_ptr<NSTarnView> TarnInterfaceFile::loadMasterView(const std::string& bundleIdentifier,
                                                               const std::string& name) const {
   std::string reason = "its root is no view named masterView";
-  std::unique_ptr<QWidget> root = load(bundleIdentifier, name, reason);
+  std::unique_ptr<QWidget> root = load(bundleIdentifier, name, &reason);
   auto* master = dynamic_cast<NSTarnView*>(root.get());
   if (!master || master->objectName() != QLatin1String("masterView")) {
     std::fprintf(stderr, "Unable to load nib %s: %s\n", name.c_str(), reason.c_str());
@@ -98,17 +102,15 @@ std::unique_ptr<NSTarnView> TarnInterfaceFile::loadMasterView(const std::string&
   return std::unique_ptr<NSTarnView>(master);
 }
 
-std::unique_ptr<QWidget> TarnInterfaceFile::loadFile(const std::string& path, std::string& reason) const {
+std::unique_ptr<QWidget> TarnInterfaceFile::loadFile(const std::string& path, std::string* reason) const {
   QFile file(QString::fromStdString(path));
   if (!file.open(QIODevice::ReadOnly)) {
-    reason = path + ": " + file.errorString().toStdString();
-    return nullptr;
+    return fail(reason, path + ": " + file.errorString().toStdString());
   }
   Loader loader(path);
   std::unique_ptr<QWidget> root(loader.load(&file));
   if (!root) {
-    reason = path + ": " + loader.errorString().toStdString();
-    return nullptr;
+    return fail(reason, path + ": " + loader.errorString().toStdString());
   }
   bindOutlets(*root, path);
   bindActions(*root, path);

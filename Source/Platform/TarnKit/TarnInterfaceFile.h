@@ -21,7 +21,7 @@
 //   TarnInterfaceFile file;
 //   file.addOutlet("gradientView", gradientView_);
 //   file.addAction("rgbSpread:", [this](QWidget*) { rgbSpread(); });
-//   std::unique_ptr<QWidget> root = file.load(bundleIdentifier, "TarnGradientEditor", reason);
+//   std::unique_ptr<QWidget> root = file.load(bundleIdentifier, "TarnGradientEditor", &reason);
 class TARN_EXPORT TarnInterfaceFile {
  public:
   using Action = std::function<void(QWidget* sender)>;
@@ -48,12 +48,12 @@ class TARN_EXPORT TarnInterfaceFile {
   // with the reason when the file is missing or broken. Outlets that are missing or of another class, actions that
   // nobody answers, and classes that nobody knows are reported by name on standard error; the rest works.
   std::unique_ptr<QWidget> load(const std::string& bundleIdentifier, const std::string& name,
-                                std::string& reason) const;
+                                std::string* reason = nullptr) const;
   // The form of a panel: its root, a view named "masterView". Null when there is none, which is logged as "Unable to
   // load nib" with the name and the reason.
   std::unique_ptr<NSTarnView> loadMasterView(const std::string& bundleIdentifier, const std::string& name) const;
   // The form at a path.
-  std::unique_ptr<QWidget> loadFile(const std::string& path, std::string& reason) const;
+  std::unique_ptr<QWidget> loadFile(const std::string& path, std::string* reason = nullptr) const;
 
  private:
   struct Outlet {

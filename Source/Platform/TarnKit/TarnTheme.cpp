@@ -45,8 +45,6 @@ void draw(NSRect rect, TarnTheme* theme, double opacity, Render render) {
 
 }  // namespace
 
-TarnThemeProvider::~TarnThemeProvider() = default;
-
 TarnTheme* _RegisterThemeProvider(std::unique_ptr<TarnThemeProvider> provider) {
   static auto& themes = *new std::vector<std::unique_ptr<TarnTheme>>;  // for the life of the process
   if (!provider) return nullptr;

@@ -2,42 +2,18 @@
 #pragma once
 
 #include "Platform/Foundation/NSGeometry.h"
+#include "Platform/TarnKit/TarnThemeProvider.h"
 #include "Platform/Visibility.h"
 
 #include <QCursor>
 #include <cstdint>
 #include <memory>
-#include <optional>
-#include <string>
 
-// Theme drawing. A theme atom is a 32-bit value that names a family of pictures, an index one picture of it.
+// Theme drawing.
 //
 // Artwork is SVG, rendered at the device's pixel ratio and kept per atom, index, size in device pixels and light or
 // dark. A picture that is unknown, missing or broken is reported once by its name on standard error; something plain is
 // drawn instead.
-
-// How much of each side of a nine-part picture keeps its size when the picture is stretched, in points of the artwork.
-struct TarnThemeSlices {
-  double left = 0;
-  double right = 0;
-  double top = 0;
-  double bottom = 0;
-};
-
-struct TarnThemeArtwork {
-  std::string file;  // path of the SVG file
-  NSSize size;       // in points
-  TarnThemeSlices slices;
-  NSPoint hotSpot;  // of a cursor, from its upper left corner
-};
-
-// Knows which artwork stands for an atom. Asked on the main thread, once per picture and set.
-class TARN_EXPORT TarnThemeProvider {
- public:
-  virtual ~TarnThemeProvider();
-  // Empty when the provider has no such picture.
-  virtual std::optional<TarnThemeArtwork> artworkForAtom(std::uint32_t atom, int index, bool dark) const = 0;
-};
 
 class TarnTheme;  // one registered provider and its rendered pictures
 

@@ -65,6 +65,8 @@ void renderNineParts(QPainter& painter, const TarnTheme::Picture& picture, QSize
 
 }  // namespace
 
+TarnThemeProvider::~TarnThemeProvider() = default;
+
 TarnTheme::TarnTheme(std::unique_ptr<TarnThemeProvider> provider) : provider_(std::move(provider)) {}
 TarnTheme::~TarnTheme() = default;
 

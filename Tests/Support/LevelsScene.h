@@ -1,23 +1,18 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include "Platform/Foundation/NSKeyValueObserving.h"
-#include "Platform/Foundation/NSNotificationCenter.h"
+#include "Channels/VRTChannelHistogram.h"
+#include "HistogramEditor/VRTHistogramEditor.h"
+#include "HistogramEditor/VRTHistogramGutter.h"
 #include "Platform/QuartzComposer/QCPatch.h"
 #include "Ports/VRTObjects.h"
 #include "Ports/VRTPorts.h"
 #include "Registry/VRTProtocols.h"
+#include "Tests/Support/EditorScene.h"
 
-#include <QApplication>
-#include <QMouseEvent>
-#include <QTest>
 #include <cstdint>
-#include <functional>
-#include <memory>
-#include <string>
-#include <vector>
 
-// A patch with an image and levels, its host's execution context, and people who edit the levels.
+// A patch with an image and levels, its host's execution context, and the editor of the levels.
 
 class SceneImage : public QCImage {
  public:
@@ -77,14 +72,14 @@ class ScenePatch : public QCPatch, public VortoRuntime {
   }
 };
 
-struct Scene {
-  explicit Scene(const char* kind = "filter") : patch(std::make_shared<ScenePatch>(kind)) {
+struct LevelsPatch {
+  explicit LevelsPatch(const char* kind = "filter") : patch(std::make_shared<ScenePatch>(kind)) {
     patch->context = &context;
     image = patch->addInputPort<QCImagePort>("image");
     levels = patch->addInputPort<VRTHistogramPort>("levels");
     levels->setValue(value);
   }
-  VRTHistogram& histogram() { return dynamic_cast<VRTHistogram&>(*levels->value()); }
+  VRTHistogram& histogram() const { return dynamic_cast<VRTHistogram&>(*levels->value()); }
 
   SceneContext context;
   std::shared_ptr<ScenePatch> patch;
@@ -93,52 +88,42 @@ struct Scene {
   std::shared_ptr<VRTHistogram> value = std::make_shared<VRTHistogram>();
 };
 
-// What a port's value and its interactions tell, in order.
-class Listener : public NSKeyValueObserver {
+// A levels editor, and its input or its output gutter: a track of 208 points. It edits the reds.
+class LevelsScene : public EditorScene, public LevelsPatch {
  public:
-  explicit Listener(VRTHistogramPort& port) : port_(&port) {
-    port.addObserver(this, "value", 0, nullptr);
-    auto& center = NSNotificationCenter::defaultCenter();
-    for (const char* name : {"VortoStartInteraction", "VortoEndInteraction"}) {
-      observations_.push_back(center.addObserver(name, nullptr, [this](const NSNotification& notification) {
-        tell(notification.object == port_ ? notification.name.substr(5) : notification.name + " of another port");
-      }));
-    }
-  }
-  void observeValueForKeyPath(const std::string&, NSObject*, const PropertyList&, void*) override { tell("value"); }
+  static constexpr int kRed = 1;
 
-  using Told = std::vector<std::string>;
-  Told take() { return std::exchange(told_, {}); }
-  std::function<void(const std::string&)> onTold;
+  explicit LevelsScene(bool output = false) {
+    histogram().setSelectedChannel(kRed);
+    auto* made = new VRTHistogramEditor(NSMakeRect(0, 0, 218, 137));
+    made->setHistogramPort(levels.get());
+    show(made, NSMakeRect(11, 40, 218, 137), levels);
+    gutter = output ? part<VRTHistogramGutterOut>() : static_cast<NSTarnView*>(part<VRTHistogramGutterIn>());
+    isOutput_ = output;
+  }
+
+  // A point on the handle of a value.
+  static constexpr NSPoint on(double value, double beside = 0) { return {208 * value + 5 + beside, 3}; }
+
+  void attach(EditorScene* other) override {
+    editorPart().setHistogramPort(other ? dynamic_cast<LevelsScene&>(*other).levels.get() : nullptr);
+  }
+  std::shared_ptr<NSObject> newValue() const override {
+    auto fresh = std::make_shared<VRTHistogram>();
+    fresh->setSelectedChannel(kRed);
+    return fresh;
+  }
+  NSPoint handle() const override { return on(0); }
+  NSPoint nothing() const override { return on(0.75); }
+  double position() const override {
+    return isOutput_ ? histogram().blackOutForChannel(kRed) : histogram().blackInForChannel(kRed);
+  }
+  void chooseHandle() override {}
+  bool settles() const override { return false; }
+
+  VRTHistogramEditor& editorPart() const { return dynamic_cast<VRTHistogramEditor&>(*editor); }
+  VRTHistogramGutter& gutterPart() const { return dynamic_cast<VRTHistogramGutter&>(*gutter); }
 
  private:
-  void tell(const std::string& what) {
-    told_.push_back(what);
-    if (onTold) onTold(what);
-  }
-  const void* port_;
-  std::vector<NSNotificationCenter::Observation> observations_;
-  Told told_;
+  bool isOutput_ = false;
 };
-
-inline const Listener::Told kStart{"StartInteraction"};
-inline const Listener::Told kEnd{"EndInteraction"};
-inline const Listener::Told kValue{"value"};
-
-// The left button goes down, moves, and goes up, at points of the widget (upper left origin).
-inline void sendMouse(QWidget& widget, QEvent::Type type, QPointF position) {
-  const bool moves = type == QEvent::MouseMove;
-  QMouseEvent event(type, position, widget.mapTo(widget.window(), position), widget.mapToGlobal(position),
-                    moves ? Qt::NoButton : Qt::LeftButton,
-                    type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton, Qt::NoModifier);
-  QApplication::sendEvent(&widget, &event);
-}
-inline void press(QWidget& widget, QPointF position) {
-  sendMouse(widget, QEvent::MouseButtonPress, position);
-}
-inline void drag(QWidget& widget, QPointF position) {
-  sendMouse(widget, QEvent::MouseMove, position);
-}
-inline void release(QWidget& widget, QPointF position) {
-  sendMouse(widget, QEvent::MouseButtonRelease, position);
-}

@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include "Channels/VRTChannelGradient.h"
+#include "Controls/VRTTransientColorPicker.h"
+#include "GradientEditor/VRTGradientEditor.h"
+#include "GradientEditor/VRTGradientGutterAlpha.h"
+#include "GradientEditor/VRTGradientGutterRGB.h"
+#include "Ports/VRTObjects.h"
+#include "Tests/Support/EditorScene.h"
+
+#include <cmath>
+
+// A gradient editor, and its color or its opacity gutter.
+class GradientScene : public EditorScene {
+ public:
+  explicit GradientScene(bool alpha = false, int width = 236, const std::vector<double>& positions = {0, 0.25, 0.6, 1})
+      : value(gradientAt(positions)), port(std::make_shared<VRTGradientPort>("inputGradient")) {
+    port->setValue(value);
+    auto* made = new VRTGradientEditor(NSMakeRect(0, 0, width, 76));
+    made->setGradientPort(port.get());
+    made->setEnabled(true);
+    show(made, NSMakeRect(11, 40, width, 75), port);
+    gutter = alpha ? part<VRTGradientGutterAlpha>() : static_cast<NSTarnView*>(part<VRTGradientGutterRGB>());
+  }
+  ~GradientScene() override {
+    if (auto* picker = VRTTransientColorPicker::current()) picker->cancel();
+  }
+
+  static std::shared_ptr<VRTGradient> gradientAt(const std::vector<double>& positions) {
+    PropertyList colors = PropertyList::array(), opacities = PropertyList::array();
+    const auto add = [](PropertyList& list, std::initializer_list<double> reals) {
+      for (const double real : reals) list.append(PropertyList::real(real));
+    };
+    double shade = 0.1;
+    for (const double position : positions) {
+      add(colors, {position, 0.5});
+      colors.append(PropertyList::integer(VRTGradientSmooth));
+      add(colors, {shade, 0.5, 1 - shade});
+      add(opacities, {position, 0.5});
+      opacities.append(PropertyList::integer(VRTGradientSmooth));
+      add(opacities, {1 - shade / 2});
+      shade += 0.2;
+    }
+    PropertyList state;
+    state.set("rgbSamples", colors);
+    state.set("alphaSamples", opacities);
+    auto gradient = VRTGradient::gradient();
+    EXPECT_TRUE(gradient->initWithStateValue(state));
+    return gradient;
+  }
+
+  void attach(EditorScene* other) override {
+    editorPart().setGradientPort(other ? dynamic_cast<GradientScene&>(*other).port.get() : nullptr);
+  }
+  std::shared_ptr<NSObject> newValue() const override { return gradientAt({0.1, 0.5, 0.5}); }
+  NSPoint handle() const override { return {xOf(0.25), 5}; }
+  NSPoint nothing() const override { return {xOf(0.8), 5}; }
+  double position() const override { return sample(1)->position; }
+  void chooseHandle() override { editorPart().setSelectedSample(sample(1), false, false); }
+  bool settles() const override { return true; }
+
+  VRTGradientEditor& editorPart() const { return dynamic_cast<VRTGradientEditor&>(*editor); }
+  VRTGradientGutter& gutterPart() const { return dynamic_cast<VRTGradientGutter&>(*gutter); }
+  VRTChannelGradientFolder& folder() const { return *gutterPart().getFolder(); }
+  std::size_t count() const { return folder().getNumberOfDescendants(); }
+  VRTChannelGradientSample* sample(std::size_t index) const {
+    return dynamic_cast<VRTChannelGradientSample*>(folder().getDescendants().at(index));
+  }
+  VRTChannelGradientSample* selected() const { return editorPart().getSelectedSample(); }
+  void select(std::size_t index, bool middle = false) const {
+    editorPart().setSelectedSample(sample(index), middle, false);
+  }
+  std::vector<double> positions() const {
+    std::vector<double> all;
+    for (std::size_t i = 0; i < count(); ++i) all.push_back(sample(i)->position);
+    return all;
+  }
+  VRTGradientGutterGeometry geometry() const { return VRTGradientGutterGeometry(gutter->bounds()); }
+  double span() const { return geometry().trackSpan(); }
+  double xOf(double position) const { return std::round(geometry().xOfPosition(position)); }
+  double middleX(std::size_t index) const {
+    const auto* left = sample(index);
+    return xOf(VRTGradientGutterGeometry::positionOfMiddle(left->position, sample(index + 1)->position, left->middle));
+  }
+  // Whether events come at whole points, not at device pixels between them.
+  bool wholePoints() const { return window->devicePixelRatioF() == 1; }
+  void click(NSPoint point, Qt::KeyboardModifiers modifiers = {}, Qt::MouseButton button = Qt::LeftButton) {
+    press(point, modifiers, button);
+    release(modifiers, button);
+  }
+  void clickSample(std::size_t index) { click({xOf(sample(index)->position), 5}); }
+
+  using EditorScene::count;
+  std::shared_ptr<VRTGradient> value;
+  std::shared_ptr<VRTGradientPort> port;
+};
