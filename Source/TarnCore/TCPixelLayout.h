@@ -7,19 +7,19 @@
 #include <cstdint>
 #include <iterator>
 
-// How the pixels of a format lie in memory: the one description from which sizes, orders and texts are taken, at compile
-// time where a loop depends on them.
+// How the pixels of a format lie in memory: the one description from which sizes, orders and texts are taken, at
+// compile time where a loop depends on them.
 //
 // Whether colors are premultiplied is not part of a layout: between patches they are, in files mostly not.
 struct VortoPixelLayout {
   enum class Number : std::uint8_t { Byte, Word, Half, Float };  // unsigned integers of 8 and 16 bits, and floats
 
   Number number;
-  std::int8_t channels;                  // numbers that each pixel has in memory, without padding between pixels
-  std::int8_t red, green, blue, alpha;   // which of them; -1 where there is none. Luminance is all three colors
-  bool isPaired;                         // 4:2:2: U and V, of two pixels, take turns in the first number; Y is the second
-  bool isExchanged;                      // flows between patches
-  const char* name;                      // for messages, in English
+  std::int8_t channels;                 // numbers that each pixel has in memory, without padding between pixels
+  std::int8_t red, green, blue, alpha;  // which of them; -1 where there is none. Luminance is all three colors
+  bool isPaired;     // 4:2:2: U and V, of two pixels, take turns in the first number; Y is the second
+  bool isExchanged;  // flows between patches
+  const char* name;  // for messages, in English
 
   constexpr std::uint32_t bytesPerChannel() const {
     return number == Number::Byte ? 1 : number == Number::Float ? 4 : 2;
