@@ -17,6 +17,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr const char* kSwedishRed =
+    "R\xC3\xB6"
+    "d";
+
 void Write(const fs::path& path, std::string_view text) {
   fs::create_directories(path.parent_path());
   std::ofstream(path, std::ios::binary) << text;
@@ -37,9 +41,7 @@ std::string MakeBundle(const fs::path& path, const std::string& identifier) {
              Entry("CFBundleDevelopmentRegion", "sv")));
   const fs::path resources = path / "Contents/Resources";
   Write(resources / "en.lproj/Localizable.strings", "\"red\" = \"Red\";\n\"only\" = \"English only\";\n");
-  Write(resources / "sv.lproj/Localizable.strings",
-        "\"red\" = \"R\xC3\xB6"
-        "d\";\n");
+  Write(resources / "sv.lproj/Localizable.strings", std::string("\"red\" = \"") + kSwedishRed + "\";\n");
   Write(resources / "pt-BR.lproj/Localizable.strings", "\"red\" = \"Vermelho (BR)\";\n");
   Write(resources / "pt.lproj/Localizable.strings", "\"red\" = \"Vermelho\";\n\"hue\" = \"Matiz\";\n");
   Write(resources / "de.lproj/Localizable.strings", "\"red\" = \"Rot\"\n");
@@ -61,6 +63,8 @@ std::string Localized(CFBundleRef bundle, const char* key, CFStringRef value = n
 
 TEST(CFBundleTest, IsFoundByIdentifierWhileItIsOpen) {
   const TemporaryFolder folder;
+  CFRelease(CFBundleCreate(nullptr, MakeBundle(folder.path() + "/Gone.bundle", "test.gone")));
+  EXPECT_EQ(CFBundleGetBundleWithIdentifier(CFSTR("test.gone")), nullptr) << "forgotten with its last release";
   const std::string path = MakeBundle(folder.path() + "/A.plugin", "test.a");
   std::string reason;
   CFOwned<CFBundleRef> bundle(CFBundleCreate(nullptr, path, &reason));
@@ -75,12 +79,6 @@ TEST(CFBundleTest, IsFoundByIdentifierWhileItIsOpen) {
   EXPECT_EQ(CFBundleGetBundleWithIdentifier(CFSTR("test.a")), again.get());
   CFRelease(CFRetain(again.get()));
   EXPECT_EQ(CFBundleGetBundleWithIdentifier(CFSTR("test.b")), nullptr);
-}
-
-TEST(CFBundleTest, IsForgottenWithItsLastRelease) {
-  const TemporaryFolder folder;
-  CFRelease(CFBundleCreate(nullptr, MakeBundle(folder.path() + "/A.bundle", "test.gone")));
-  EXPECT_EQ(CFBundleGetBundleWithIdentifier(CFSTR("test.gone")), nullptr);
 }
 
 TEST(CFBundleTest, RefusesWhatIsNoBundle) {
@@ -125,29 +123,20 @@ TEST(CFBundleTest, LocalizesInTheUsersLanguage) {
   const TemporaryFolder folder;
   const CFOwned<CFBundleRef> bundle(CFBundleCreate(nullptr, MakeBundle(folder.path() + "/L.bundle", "test.l")));
   ASSERT_NE(bundle, nullptr);
-  struct Row {
-    const char* locale;
-    const char* key;
-    const char* expected;
-  };
-  const Row rows[] = {
+  const struct {
+    const char *locale, *key, *expected;
+  } rows[] = {
       {"pt_BR.UTF-8", "red", "Vermelho (BR)"},
       {"pt_PT.UTF-8", "red", "Vermelho"},
       {"pt_BR", "hue", "Matiz"},
       {"en_GB", "red", "Red"},
-      {"C", "red",
-       "R\xC3\xB6"
-       "d"},  // the development region
-      {"fr_FR", "red",
-       "R\xC3\xB6"
-       "d"},
+      {"C", "red", kSwedishRed},  // the development region
+      {"fr_FR", "red", kSwedishRed},
       {"pt_PT", "only", "English only"},
       {"en_GB", "missing", "missing"},
-      {"../../x", "red",
-       "R\xC3\xB6"
-       "d"},
+      {"../../x", "red", kSwedishRed},
   };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     SetLanguage(row.locale);
     EXPECT_EQ(Localized(bundle.get(), row.key), row.expected) << row.locale;
   }
@@ -161,12 +150,7 @@ TEST(CFBundleTest, ReportsAMalformedTableOnceAndGoesOn) {
   const CFOwned<CFBundleRef> bundle(CFBundleCreate(nullptr, MakeBundle(folder.path() + "/M.bundle", "test.m")));
   SetLanguage("de_DE");
   Capture errors(STDERR_FILENO);
-  EXPECT_EQ(Localized(bundle.get(), "red"),
-            "R\xC3\xB6"
-            "d");
-  EXPECT_EQ(Localized(bundle.get(), "red"),
-            "R\xC3\xB6"
-            "d");
+  for (int i = 0; i < 2; ++i) EXPECT_EQ(Localized(bundle.get(), "red"), kSwedishRed);
   const std::string report = errors.text();
   EXPECT_NE(report.find("de.lproj/Localizable.strings: line 2: ';' is missing"), std::string::npos) << report;
   EXPECT_EQ(std::count(report.begin(), report.end(), '\n'), 1) << report;

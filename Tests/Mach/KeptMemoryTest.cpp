@@ -63,7 +63,7 @@ TEST_F(KeptMemoryTest, IsUnmappedForItsFormerOwnerAndZeroForTheNext) {
 
 TEST_F(KeptMemoryTest, OfEntriesIsKeptOnceNobodyNamesIt) {
   for (const bool entryFirst : {false, true}) {
-    const vm_address_t address = filled(large);
+    const vm_address_t address = filled(large);  // either may be released first
     const mach_port_t entry = entryOf(address, large);
     if (entryFirst) mach_port_deallocate(self, entry);
     giveBack(address, large);

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+#include "Platform/Sanitizer.h"
 #include "TarnCore/TCBitmap.h"
 #include "TarnCore/TCBitmapScaling.h"
 #include "TarnCore/TCColor.h"
@@ -469,6 +470,19 @@ TEST(BitmapScaling, OutputWithoutUnpremultiplicationClonesAndFinishesAlpha) {
     EXPECT_EQ(output.width, 7u);
     EXPECT_EQ(output.formatCode, 4u);
     EXPECT_EQ(Bytes(output.data, output.data + output.getSize()), expected);
+  }
+}
+
+// In a build with the address sanitizer, though the allocation goes on behind the pixels.
+TEST(BitmapSlack, FirstByteBehindThePixelsIsOutOfBounds) {
+  for (const auto& [code, padding] : {std::pair{0u, 0u}, {2u, 0u}, {5u, 0u}, {9u, 0u}, {0u, 6u}}) {
+    if (!hasAddressSanitizer) break;
+    const oracle::Layout layout = layoutOf(code);
+    const VortoBitmap bitmap(37, 5, static_cast<std::uint32_t>(8 * oracle::bytesOf(layout.number)),
+                             static_cast<std::uint32_t>(layout.channels), code, padding);
+    volatile std::uint8_t* const end = bitmap.data + 5 * (37 * layout.pixelBytes() + padding);
+    end[-1] = 1;
+    EXPECT_DEATH(end[0] = 1, "AddressSanitizer") << code;
   }
 }
 

@@ -2,25 +2,19 @@
 #include "TarnCore/TCHash128.h"
 #include "TarnCore/TCString.h"
 #include "TarnCore/kernels/MD5.h"
+#include "Tests/TarnCore/PixelOracle.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <cstring>
-#include <random>
 #include <string>
 #include <vector>
 
 namespace {
 
-using Bytes = std::vector<unsigned char>;
-
-Bytes randomBytes(std::size_t count, unsigned seed) {
-  std::mt19937 generator(seed);
-  Bytes bytes(count);
-  for (unsigned char& byte : bytes) byte = static_cast<unsigned char>(generator());
-  return bytes;
-}
+using oracle::Bytes;
+using oracle::randomBytes;
 
 VortoHash128 hashOf(const Bytes& bytes) {
   return VortoHash128(bytes.data(), static_cast<std::uint32_t>(bytes.size()));
