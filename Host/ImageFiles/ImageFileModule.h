@@ -10,7 +10,7 @@
 
 // What the program and its module for image files say to each other. Files are handed over as bytes: the program opens,
 // checks and replaces them. Nothing throws; a call that fails returns false and puts the cause, without the file's
-// name, in *reason.
+// name, in *reason (which may be null).
 namespace host {
 
 enum class FileFormat { Png, Jpeg, Tiff, Exr };

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+#include "Platform/QuartzComposer/QCCompositionBuilder.h"
 #include "Tests/QuartzComposer/TestFolder.h"
 #include "Tests/QuartzComposer/TestPatches.h"
 
@@ -49,6 +50,15 @@ TEST(BrokenCompositions, OfTooManyNodes) {
   const auto manager = managerWithTestPatches();
   load(*manager, composition("C", std::vector<std::string>(1025, "Sum")), "Broken.qtz");
   expectRefusal(*manager, "1025 nodes, more than 1024");
+}
+
+TEST(BrokenCompositions, AreRefusedWithoutAReasonToo) {
+  const auto manager = managerWithTestPatches();
+  EXPECT_EQ(QCCompositionFromFile("/nowhere.qtz", nullptr), nullptr);
+  EXPECT_EQ(QCCompositionFromPropertyList(PropertyList::array(), "C.qtz", nullptr), nullptr);
+  const auto unknown = QCCompositionFromPropertyList(composition("C", {"Sun"}), "C.qtz", nullptr);
+  ASSERT_TRUE(unknown);
+  EXPECT_EQ(QCPatchWithComposition(*unknown, *manager, nullptr), nullptr);
 }
 
 TEST(BrokenCompositions, AreRefusedBeforeTheyAreRead) {

@@ -60,6 +60,12 @@ TEST_P(DamagedPictures, AreRefusedWhenTheyAreCutShort) {
   }
 }
 
+TEST_P(DamagedPictures, AreRefusedWithoutAReasonToo) {
+  host::ImagePixels image;
+  const std::vector<std::uint8_t> bytes(whole.begin(), whole.begin() + 9);
+  EXPECT_FALSE(host::imageFiles().read(bytes, 1 << 20, &image, nullptr));
+}
+
 TEST_P(DamagedPictures, NeverCrash) {
   for (std::size_t step = 1; step <= 60; ++step) {
     std::string bytes = whole;
