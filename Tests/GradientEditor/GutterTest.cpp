@@ -134,7 +134,8 @@ TEST_P(GradientGutter, ASampleDraggedOffIsDestroyedOnReleaseOrComesBack) {
   const struct {
     double rise;
     bool on;
-  } moves[] = {{12 - fraction, true}, {13 + fraction, false}, {0, true}, {fraction - 13, true}, {-14 - fraction, false}};
+  } moves[] = {
+      {12 - fraction, true}, {13 + fraction, false}, {0, true}, {fraction - 13, true}, {-14 - fraction, false}};
   for (const auto& [rise, on] : moves) {
     scene.move({x + 8, kBand + rise});
     EXPECT_EQ(scene.count(), on ? 4u : 3u) << rise;

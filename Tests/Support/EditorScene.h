@@ -30,13 +30,13 @@ class EditorScene : public NSKeyValueObserver {
   EditorScene& operator=(const EditorScene&) = delete;
 
   // What gestures of any editor need.
-  virtual void attach(EditorScene* other) = 0;     // to the port of another scene; to none
+  virtual void attach(EditorScene* other) = 0;  // to the port of another scene; to none
   virtual std::shared_ptr<NSObject> newValue() const = 0;
-  virtual NSPoint handle() const = 0;              // a point on something that the mouse and the key Right move up
-  virtual NSPoint nothing() const = 0;             // a point where a press does nothing
-  virtual double position() const = 0;             // of what is moved, 0 to 1
-  virtual void chooseHandle() = 0;                 // for the keyboard, which the gutter has
-  virtual bool settles() const = 0;                // whether ends announce a change of their own
+  virtual NSPoint handle() const = 0;   // a point on something that the mouse and the key Right move up
+  virtual NSPoint nothing() const = 0;  // a point where a press does nothing
+  virtual double position() const = 0;  // of what is moved, 0 to 1
+  virtual void chooseHandle() = 0;      // for the keyboard, which the gutter has
+  virtual bool settles() const = 0;     // whether ends announce a change of their own
 
   void observeValueForKeyPath(const std::string&, NSObject*, const PropertyList&, void*) override { note("change"); }
   void note(const std::string& what) {
