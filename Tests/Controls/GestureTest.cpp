@@ -70,6 +70,7 @@ constexpr std::pair<const char*, const char*> kGestures[] = {
     {"pvrpr", "start mouse end start mouse^ end "},  // and not for the next press
     {"pvpr", "start mouse end start mouse^ end "},
     {"Kvk", "start keys end "},
+    {"pvKvkr", "start mouse end start keys end "},
     {"ppr", "start mouse end start mouse^ end "},  // a press ends whatever is open
     {"Kpkr", "start keys end start mouse^ end "},
     {"opr", "start picker end start mouse^ end "},
