@@ -43,14 +43,17 @@ void VRTGesture::end() {
 }
 
 void VRTGesture::endWith(const Settle& settle) {
-  if (isOpen()) close(nullptr, port_.lock(), settle);
+  if (!isOpen()) return;
+  if (by_ == By::Mouse) releaseIsMadeUpFor_ = true;
+  close(nullptr, port_.lock(), settle);
 }
 
 bool VRTGesture::clearForPress() {
   const Alive owner = alive();
-  releaseIsMadeUpFor_ = false;
   end();
-  return static_cast<bool>(owner);
+  if (!owner) return false;
+  releaseIsMadeUpFor_ = false;
+  return true;
 }
 
 void VRTGesture::release(const NSEvent& event, const std::shared_ptr<QCPort>& port) {
@@ -74,7 +77,5 @@ void VRTGesture::loseKeys() {
 }
 
 void VRTGesture::lose() {
-  if (!isOpen() || by_ == By::Picker) return;
-  releaseIsMadeUpFor_ = by_ == By::Mouse;
-  end();
+  if (by_ != By::Picker) end();
 }

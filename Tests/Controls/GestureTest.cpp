@@ -11,143 +11,131 @@ namespace {
 
 using By = VRTGesture::By;
 
-// A gesture without a view, and what it tells in order.
+// A gesture without a view, and what it tells in order: "start", who is settled for (with ^ when a button was let go),
+// and "end".
 struct GestureTest : testing::Test {
   GestureTest() {
-    const auto listen = [this](const char* name, const std::string& told) {
-      observations.push_back(
-          NSNotificationCenter::defaultCenter().addObserver(name, nullptr, [this, told](const NSNotification& got) {
-            tell(told + (got.object == port.get() ? "" : got.object ? " of another" : " of none"));
-          }));
-    };
-    listen("VortoStartInteraction", "start");
-    listen("VortoEndInteraction", "end");
+    for (const std::string name : {"VortoStartInteraction", "VortoEndInteraction"}) {
+      const std::string word = name == "VortoEndInteraction" ? "end " : "start ";
+      observations.push_back(NSNotificationCenter::defaultCenter().addObserver(
+          name, nullptr, [this, word](const NSNotification& told) { tell(told.object == port.get() ? word : "! "); }));
+    }
   }
-  std::unique_ptr<VRTGesture> make() {
-    return std::make_unique<VRTGesture>([this](const VRTGesture::Ending& ending) {
+  void make() {
+    gesture = std::make_unique<VRTGesture>([this](const VRTGesture::Ending& ending) {
       const char* by[] = {"nothing", "mouse", "keys", "picker"};
-      tell(std::string("settle ") + by[int(ending.by)] + (ending.release ? " released" : ""));
+      tell(by[int(ending.by)] + std::string(ending.release ? "^ " : " "));
     });
   }
   void tell(const std::string& what) {
-    log += (log.empty() ? "" : ", ") + what;
-    if (onTold) onTold(what);
+    log += what;
+    if (onTold) onTold();
+  }
+  // Does what the letters say: press, release, Keys 1 and 2 down and up, a picker opens and closes, the keyboard or the
+  // view is lost, the view is destroyed.
+  void act(char letter) {
+    if (!gesture) return;
+    if (letter == 'p' && gesture->clearForPress()) gesture->start(By::Mouse, port);
+    if (letter == 'r') gesture->release(NSEvent(), port);
+    if (letter == 'K' || letter == 'L') gesture->hold(letter, port);
+    if (letter == 'k' || letter == 'l') gesture->letGo(std::toupper(letter));
+    if (letter == 'o') gesture->start(By::Picker, port);
+    if (letter == 'c') gesture->end();
+    if (letter == 'f') gesture->loseKeys();
+    if (letter == 'v') gesture->lose();
+    if (letter == 'd') gesture.reset();
+  }
+  std::string logOf(const std::string& letters) {
+    make();
+    for (const char letter : letters) act(letter);
+    return take();
   }
   std::string take() { return std::exchange(log, {}); }
 
   std::shared_ptr<QCPort> port = std::make_shared<QCNumberPort>("number");
   std::vector<NSNotificationCenter::Observation> observations;
   std::string log;
-  std::function<void(const std::string&)> onTold;
-  std::unique_ptr<VRTGesture> gesture = make();
+  std::function<void()> onTold;
+  std::unique_ptr<VRTGesture> gesture;
 };
 
-TEST_F(GestureTest, OpensAndEndsWithWhatOpenedIt) {
-  const NSEvent up;
-  EXPECT_TRUE(gesture->clearForPress());
+constexpr std::pair<const char*, const char*> kGestures[] = {
+    {"pr", "start mouse^ end "},
+    {"pfr", "start mouse^ end "},   // the keyboard is not what opened it
+    {"KLkKkl", "start keys end "},  // until the last key is let go
+    {"KLfkl", "start keys end "},
+    {"ovc", "start picker end "},                    // pickers go on without the view
+    {"ccfvkl", ""},                                  // nothing is open
+    {"pvvr", "start mouse end "},                    // lost ends are made up for once
+    {"pvrpr", "start mouse end start mouse^ end "},  // and not for the next press
+    {"pvpr", "start mouse end start mouse^ end "},
+    {"Kvk", "start keys end "},
+    {"pvKvkr", "start mouse end start keys end "},
+    {"ppr", "start mouse end start mouse^ end "},  // a press ends whatever is open
+    {"Kpkr", "start keys end start mouse^ end "},
+    {"opr", "start picker end start mouse^ end "},
+    {"pd", "start end "},
+    {"Kd", "start end "},
+    {"od", "start end "},
+    {"pvd", "start mouse end "},
+};
+
+TEST_F(GestureTest, EveryStartHasItsEnd) {
+  for (const auto& [letters, told] : kGestures) EXPECT_EQ(logOf(letters), told) << letters;
+  EXPECT_EQ(logOf("r"), "nothing^ end ") << "a press without a start";
+  EXPECT_EQ(logOf("pvrr"), "start mouse end nothing^ end ");
+  EXPECT_EQ(logOf("Kvr"), "start keys end nothing^ end ") << "keys owe no release";
+}
+
+// Whoever is told, of anything, may end the gesture or destroy its view.
+TEST_F(GestureTest, EveryStartHasItsEndWhateverThoseDoWhoAreTold) {
+  for (const auto& gestureAndLog : kGestures) {
+    const std::string letters = gestureAndLog.first;
+    for (const char deed : {'d', 'v', 'c'}) {
+      for (int which = 0; which < 6; ++which) {
+        onTold = [&, left = which]() mutable {
+          if (left-- == 0) act(deed);
+        };
+        const std::string told = logOf(letters + 'd');
+        std::size_t starts = 0, ends = 0;
+        for (std::size_t at = 0; (at = told.find("start", at)) != told.npos; ++at) ++starts;
+        for (std::size_t at = 0; (at = told.find("end", at)) != told.npos; ++at) ++ends;
+        EXPECT_EQ(starts, ends) << letters << ", " << deed << " at " << which << ": " << told;
+      }
+    }
+  }
+}
+
+TEST_F(GestureTest, SaysWhatIsOpenAndWhetherTheViewLives) {
+  make();
+  const VRTGesture::Alive alive = gesture->alive();
   EXPECT_TRUE(gesture->start(By::Mouse, port));
   EXPECT_EQ(gesture->openedBy(), By::Mouse);
   EXPECT_FALSE(gesture->keysMayAct());
-  gesture->loseKeys();
-  gesture->release(up, nullptr);
-  EXPECT_FALSE(gesture->isOpen());
-  EXPECT_EQ(take(), "start, settle mouse released, end");
-  gesture->release(up, port);
-  EXPECT_EQ(take(), "settle nothing released, end") << "a press without a start";
-
+  gesture->endWith([this](const VRTGesture::Ending& ending) { tell(ending.port == port ? "own " : "! "); });
   EXPECT_TRUE(gesture->hold(1, port));
-  EXPECT_TRUE(gesture->hold(2, port));
   EXPECT_TRUE(gesture->keysMayAct());
+  EXPECT_FALSE(gesture->letGo(2));
   EXPECT_TRUE(gesture->letGo(1));
-  EXPECT_FALSE(gesture->letGo(1));
-  EXPECT_FALSE(gesture->letGo(3));
-  EXPECT_EQ(take(), "start");
-  EXPECT_TRUE(gesture->letGo(2));
-  EXPECT_EQ(take(), "settle keys, end");
-
-  EXPECT_TRUE(gesture->start(By::Picker, port));
-  gesture->lose();
-  EXPECT_EQ(take(), "start") << "a picker goes on";
-  gesture->endWith([this](const VRTGesture::Ending& ending) { tell(ending.port == port ? "own" : ""); });
-  gesture->end();
-  EXPECT_EQ(take(), "own, end");
-}
-
-TEST_F(GestureTest, MakesUpForLostEndsOnce) {
-  gesture->start(By::Mouse, port);
-  gesture->lose();
-  gesture->lose();
-  EXPECT_EQ(take(), "start, settle mouse, end");
-  gesture->release(NSEvent(), port);
-  EXPECT_EQ(take(), "") << "its end has been told";
-  gesture->release(NSEvent(), port);
-  EXPECT_EQ(take(), "settle nothing released, end") << "but not that of another press";
-
-  gesture->hold(1, port);
-  gesture->lose();
-  EXPECT_FALSE(gesture->letGo(1));
-  gesture->release(NSEvent(), port);
-  EXPECT_EQ(take(), "start, settle keys, end, settle nothing released, end") << "keys owe no release";
-
-  gesture->start(By::Mouse, port);
-  gesture->lose();
-  EXPECT_TRUE(gesture->clearForPress());
-  gesture->start(By::Mouse, port);
-  take();
-  gesture->release(NSEvent(), port);
-  EXPECT_EQ(take(), "settle mouse released, end");
-
-  for (const By by : {By::Mouse, By::Keys, By::Picker}) {
-    gesture->start(by, port);
-    take();
-    EXPECT_TRUE(gesture->clearForPress());
-    EXPECT_NE(take().find(", end"), std::string::npos);
-    gesture->start(by, port);
-    take();
-    gesture = make();
-    EXPECT_EQ(take(), "end");
-  }
+  EXPECT_FALSE(gesture->isOpen());
+  onTold = [this] { act('v'); };
+  EXPECT_FALSE(gesture->start(By::Mouse, port)) << "ended by whom it told";
+  onTold = [this] { act('d'); };
+  EXPECT_TRUE(alive);
+  EXPECT_FALSE(gesture->start(By::Mouse, port));
+  EXPECT_FALSE(alive);
+  EXPECT_FALSE(VRTGesture::Alive());
+  EXPECT_EQ(take(), "start own end start keys end start mouse end start end ");
 }
 
 TEST_F(GestureTest, EndsForThePortThatItStartedWith) {
+  make();
   gesture->start(By::Mouse, port);
   gesture->release(NSEvent(), std::make_shared<QCNumberPort>("other"));
-  EXPECT_EQ(take(), "start, settle mouse released, end");
-  gesture->start(By::Mouse, port);
-  port.reset();
-  gesture->release(NSEvent(), nullptr);
-  EXPECT_EQ(take(), "start, settle mouse released, end");
+  EXPECT_EQ(take(), "start mouse^ end ");
   gesture->start(By::Mouse, std::make_shared<QCNumberPort>("dying"));
-  take();
   gesture.reset();
-  EXPECT_EQ(take(), "") << "nobody is left to hear of it";
-}
-
-// Whoever is told may end the gesture or destroy its view, at every step.
-TEST_F(GestureTest, KnowsWhetherItSurvived) {
-  for (const bool destroys : {false, true}) {
-    for (const std::string when : {"start", "settle mouse released", "end"}) {
-      gesture = make();
-      take();
-      onTold = [&](const std::string& told) {
-        if (told == when) destroys ? gesture.reset() : gesture->lose();
-      };
-      const VRTGesture::Alive alive = gesture->alive();
-      EXPECT_TRUE(alive);
-      EXPECT_EQ(gesture->start(By::Mouse, port), when != "start");
-      if (gesture) gesture->release(NSEvent(), port);
-      EXPECT_EQ(static_cast<bool>(alive), !destroys);
-      EXPECT_EQ(take(), when != "start" ? "start, settle mouse released, end"
-                        : destroys      ? "start, end"
-                                        : "start, settle mouse, end");
-    }
-  }
-  onTold = nullptr;
-  gesture = make();
-  gesture->hold(1, port);
-  onTold = [&](const std::string&) { gesture.reset(); };
-  EXPECT_FALSE(gesture->clearForPress());
-  EXPECT_FALSE(VRTGesture::Alive());
+  EXPECT_EQ(take(), "! ") << "nobody is left to hear of the end";
 }
 
 }  // namespace

@@ -119,93 +119,66 @@ TEST_F(Picker, OpensCentredUnderThePointerAndStaysOnTheScreen) {
   }
 }
 
-TEST_F(Picker, ReportsTheColorUnderThePointerAndTakesItOnAClick) {
-  open(true);
-  move(place(51, 10));
-  ASSERT_TRUE(last);
-  EXPECT_NEAR(last->redComponent(), 0.2, 1e-9);
-  move(QPoint(0, 3));
-  EXPECT_EQ(last->redComponent(), 0);
-  move(QPoint(-30, 3));  // outside nothing is reported
-  EXPECT_EQ(log, "start color color ");
-  QTest::mousePress(panel, Qt::LeftButton, {}, place(102, 10));
-  EXPECT_NEAR(last->greenComponent(), 0.4, 1e-9);
-  ASSERT_TRUE(VRTTransientColorPicker::current());
-  QTest::mouseRelease(panel, Qt::LeftButton, {}, place(255, 10));
-  EXPECT_EQ(last->blueComponent(), 1);
-  EXPECT_EQ(log, "start color color color color taken ");
-  EXPECT_EQ(VRTTransientColorPicker::current(), nullptr);
-  EXPECT_FALSE(panel->isVisible());
-}
-
-TEST_F(Picker, LettingGoTakesOnlyAfterARealDrag) {
-  open();
-  const QPoint middle = panel->rect().center();
-  QTest::mouseRelease(panel, Qt::RightButton, {}, middle);  // of the press that opened it
-  EXPECT_EQ(log, "start ");
-  move(middle + QPoint(1, 0), Qt::LeftButton);
-  QTest::mouseRelease(panel, Qt::LeftButton, {}, middle + QPoint(1, 0));
-  EXPECT_EQ(log, "start color ");
-  move(middle + QPoint(40, 0), Qt::LeftButton);
-  QTest::mouseRelease(panel, Qt::LeftButton, {}, middle + QPoint(40, 0));
-  EXPECT_EQ(log, "start color color color taken ");
-}
-
-TEST_F(Picker, CancellingPutsTheOldColorBack) {
-  struct Case {
+// What people do in an open picker, what it says then, and which gray it reported last.
+TEST_F(Picker, ReportsWhatPeopleDo) {
+  const auto press = [this](QPoint at) { QTest::mousePress(panel, Qt::LeftButton, {}, at); };
+  const auto release = [this](QPoint at, Qt::MouseButton b = Qt::LeftButton) { QTest::mouseRelease(panel, b, {}, at); };
+  const auto key = [this](int code, Qt::KeyboardModifiers modifiers = {}) {
+    QTest::keyClick(panel, static_cast<Qt::Key>(code), modifiers);
+  };
+  const QPoint far(-90, 5);
+  const auto middle = [this] { return panel->rect().center(); };
+  const struct {
     const char* name;
-    std::function<void()> cancel;
+    std::optional<double> old;
+    std::function<void()> act;
+    std::string told;
+    std::optional<double> red = std::nullopt;
+  } cases[] = {
+      {"hover", 0.5, [&] { move(place(51, 10)); }, "color ", 51 / 255.0},
+      {"hover in the margin", 0.5, [&] { move(QPoint(0, 3)); }, "color ", 0},
+      {"hover outside", 0.5, [&] { move(QPoint(-30, 3)); }, ""},
+      {"press", 0.5, [&] { press(place(102, 10)); }, "color ", 102 / 255.0},
+      {"click", 0.5, [&] { press(place(102, 10)), release(place(255, 10)); }, "color color taken ", 1},
+      {"release of the press that opened it", 0.5, [&] { release(middle(), Qt::RightButton); }, ""},
+      {"release after a trembling hand", 0.5,
+       [&] { move(middle() + QPoint(1, 0), Qt::LeftButton), release(middle() + QPoint(1, 0)); }, "color "},
+      {"drag", 0.5, [&] { move(place(51, 10), Qt::LeftButton), release(place(51, 10)); }, "color color taken ", 0.2},
+      {"arrows", 0.2, [&] { key(Qt::Key_Right), key(Qt::Key_Left, Qt::ShiftModifier), key(Qt::Key_Return); },
+       "color color taken ", 42 / 255.0},
+      {"enter alone keeps what was there", 0.2, [&] { key(Qt::Key_Enter); }, "taken "},
+      {"enter alone takes what is shown", std::nullopt, [&] { key(Qt::Key_Enter); }, "color taken "},
+      {"Escape", 0.5, [&] { move(place(30, 20)), key(Qt::Key_Escape); }, "color color cancelled ", 0.5},
+      {"Escape at once", 0.5, [&] { key(Qt::Key_Escape); }, "cancelled "},
+      {"Escape without an old color", std::nullopt, [&] { move(place(51, 20)), key(Qt::Key_Escape); },
+       "color cancelled ", 0.2},
+      {"click outside", 0.5, [&] { move(place(30, 20)), press(QPoint(-20, -20)); }, "color color cancelled ", 0.5},
+      {"release outside", 0.5, [&] { move(place(30, 20)), move(far, Qt::LeftButton), release(far); },
+       "color color cancelled ", 0.5},
+      {"closed from outside", 0.5, [&] { move(place(30, 20)), panel->hide(); }, "color color cancelled ", 0.5},
+      {"cancel", 0.5, [&] { move(place(30, 20)), VRTTransientColorPicker::current()->cancel(); },
+       "color color cancelled ", 0.5},
+      {"another picker", 0.5,
+       [&] { move(place(30, 20)), VRTTransientColorPicker::popupColorPickerFrom(view.get(), NSEvent(), {}); },
+       "color color cancelled ", 0.5},
   };
-  const Case cases[] = {
-      {"Escape", [this] { QTest::keyClick(panel, Qt::Key_Escape); }},
-      {"click outside", [this] { QTest::mousePress(panel, Qt::LeftButton, {}, QPoint(-20, -20)); }},
-      {"release outside",
-       [this] {
-         move(QPoint(-90, 5), Qt::LeftButton);
-         QTest::mouseRelease(panel, Qt::LeftButton, {}, QPoint(-90, 5));
-       }},
-      {"closed from outside", [this] { panel->hide(); }},
-      {"cancel", [] { VRTTransientColorPicker::current()->cancel(); }},
-      {"another picker", [this] { VRTTransientColorPicker::popupColorPickerFrom(view.get(), NSEvent(), {}); }},
-  };
-  for (const Case& test : cases) {
+  for (const auto& each : cases) {
+    SCOPED_TRACE(each.name);
+    if (auto* open = VRTTransientColorPicker::current()) open->cancel();
     log.clear();
-    open();
-    move(place(30, 20));
-    test.cancel();
-    EXPECT_EQ(log, "start color color cancelled ") << test.name;
-    EXPECT_EQ(last->redComponent(), 0.5) << test.name;
+    last.reset();
+    open(true, each.old ? std::optional(gray(*each.old)) : std::nullopt);
+    const QPointer<QWidget> opened = panel;
+    each.act();
+    EXPECT_EQ(log, "start " + each.told);
+    if (each.red) {
+      ASSERT_TRUE(last);
+      EXPECT_NEAR(last->redComponent(), *each.red, 1e-6);
+      EXPECT_EQ(last->redComponent(), last->blueComponent());
+    }
+    const bool ended = each.told.ends_with("taken ") || each.told.ends_with("cancelled ");
+    EXPECT_EQ(opened && opened->isVisible(), !ended);
   }
-}
-
-TEST_F(Picker, CancellingWithoutAReportOrAnOldColorCallsNoAction) {
-  open();
-  QTest::keyClick(panel, Qt::Key_Escape);
-  EXPECT_EQ(log, "start cancelled ");
-  log.clear();
-  open(false, std::nullopt);
-  move(place(30, 20));
-  QTest::keyClick(panel, Qt::Key_Escape);
-  EXPECT_EQ(log, "start color cancelled ");
-}
-
-TEST_F(Picker, TheKeyboardMovesFromTheOldColor) {
-  open(true, gray(0.2));
-  QTest::keyClick(panel, Qt::Key_Right);
-  EXPECT_NEAR(last->redComponent(), 52 / 255.0, 1e-6);
-  QTest::keyClick(panel, Qt::Key_Left, Qt::ShiftModifier);
-  EXPECT_NEAR(last->redComponent(), 42 / 255.0, 1e-6);
-  QTest::keyClick(panel, Qt::Key_Return);
-  EXPECT_EQ(log, "start color color taken ");
-  // Enter alone keeps what was there; without an old color it takes the place that is shown.
-  log.clear();
-  open(true, gray(0.2));
-  QTest::keyClick(panel, Qt::Key_Enter);
-  EXPECT_EQ(log, "start taken ");
-  log.clear();
-  open(true, std::nullopt);
-  QTest::keyClick(panel, Qt::Key_Enter);
-  EXPECT_EQ(log, "start color taken ");
 }
 
 TEST_F(Picker, ADeadOwnerClosesItAndNobodyIsCalled) {

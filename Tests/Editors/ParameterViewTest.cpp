@@ -32,56 +32,48 @@ TEST(ParameterViews, ComeWithTheStart) {
   EXPECT_NE(View(port->setupParameterView()), nullptr);
 }
 
-template <class Port>
-class ParameterViewsOfPort : public testing::Test {};
-
-template <class PortClass, class EditorClass, class ValueClass, int editorWidth>
-struct Kind {
-  using Port = PortClass;
-  using Editor = EditorClass;
-  using Value = ValueClass;
-  static constexpr int width = editorWidth;
-};
-using Kinds = testing::Types<Kind<VRTGradientPort, VRTGradientEditor, VRTGradient, 236>,
-                             Kind<TarnGradientPort, VRTGradientEditor, TarnGradient, 236>,
-                             Kind<VRTHistogramPort, VRTHistogramEditor, VRTHistogram, 218>,
-                             Kind<TarnHistogramPort, VRTHistogramEditor, TarnHistogram, 218>>;
-struct KindNames {
-  template <class Type>
-  static std::string GetName(int) {
-    return typename Type::Port("").className();
-  }
-};
-TYPED_TEST_SUITE(ParameterViewsOfPort, Kinds, KindNames);
-
-TYPED_TEST(ParameterViewsOfPort, TwoCallsGiveTwoEditors) {
-  VRTStartEditors();
-  QCPatch patch;
-  const auto port =
-      portWithValue<typename TypeParam::Port>(patch, "parameter", std::make_shared<typename TypeParam::Value>());
-  const View first(port->setupParameterView());
-  const View second(port->setupParameterView());
-  ASSERT_NE(dynamic_cast<typename TypeParam::Editor*>(first.get()), nullptr);
-  ASSERT_NE(dynamic_cast<typename TypeParam::Editor*>(second.get()), nullptr);
-  EXPECT_NE(first, second);
-  EXPECT_EQ(first->parent(), nullptr);
-  EXPECT_EQ(first->frame().origin.x, 0);
-  EXPECT_EQ(first->frame().size.width, TypeParam::width);
-
-  const QImage before = second->grab().toImage();
-  port->resetParameterView(first.get());
-  port->resetParameterView(nullptr);
-  EXPECT_EQ(second->grab().toImage(), before);
-  port->setValue(nullptr);
-  EXPECT_NE(first->grab().toImage(), before) << "both are bound to the port";
-  EXPECT_NE(second->grab().toImage(), before);
+template <class Port, class Value>
+std::shared_ptr<QCPort> portOf(QCPatch& patch) {
+  return portWithValue<Port>(patch, "parameter", std::make_shared<Value>());
 }
 
-TEST(ParameterViews, OfLevelsAre137High) {
+TEST(ParameterViews, TwoCallsGiveTwoEditors) {
   VRTStartEditors();
-  QCPatch patch;
-  const auto port = portWithValue<VRTHistogramPort>(patch, "levels", std::make_shared<VRTHistogram>());
-  EXPECT_EQ(View(port->setupParameterView())->frame().size.height, 137);
+  QCPatch gradients, oldGradients, levels, oldLevels;
+  const struct {
+    std::shared_ptr<QCPort> port;
+    bool ofGradient;
+    NSSize size;
+  } cases[] = {{portOf<VRTGradientPort, VRTGradient>(gradients), true, {236, 75}},
+               {portOf<TarnGradientPort, TarnGradient>(oldGradients), true, {236, 75}},
+               {portOf<VRTHistogramPort, VRTHistogram>(levels), false, {218, 137}},
+               {portOf<TarnHistogramPort, TarnHistogram>(oldLevels), false, {218, 137}}};
+  for (const auto& each : cases) {
+    SCOPED_TRACE(each.port->className());
+    auto& viewing = dynamic_cast<ParameterView&>(*each.port);
+    const View first(viewing.setupParameterView());
+    const View second(viewing.setupParameterView());
+    EXPECT_NE(first, second);
+    for (const View* view : {&first, &second}) {
+      EXPECT_EQ(dynamic_cast<VRTGradientEditor*>(view->get()) != nullptr, each.ofGradient);
+      EXPECT_EQ(dynamic_cast<VRTHistogramEditor*>(view->get()) != nullptr, !each.ofGradient);
+      EXPECT_EQ((*view)->parent(), nullptr);
+      EXPECT_EQ((*view)->frame().origin.x, 0);
+      EXPECT_TRUE(NSEqualSizes((*view)->frame().size, each.size));
+      EXPECT_EQ((*view)->sizeHint(), QSize(int(each.size.width), int(each.size.height)));
+    }
+    const auto* gutter = first->findChild<QWidget*>(each.ofGradient ? "gradientGutterRGB" : "gutterIn");
+    ASSERT_NE(gutter, nullptr);
+    EXPECT_EQ(gutter->focusPolicy(), Qt::StrongFocus) << "enabled";
+
+    const QImage before = second->grab().toImage();
+    viewing.resetParameterView(first.get());
+    viewing.resetParameterView(nullptr);
+    EXPECT_EQ(second->grab().toImage(), before);
+    each.port->setValue(nullptr);
+    EXPECT_NE(first->grab().toImage(), before) << "both are bound to the port";
+    EXPECT_NE(second->grab().toImage(), before);
+  }
 }
 
 class ViewingPatch : public QCPatch, public VRTOpaqueDataViewing {

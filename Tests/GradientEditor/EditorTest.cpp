@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "GradientEditor/VRTGradientEditorLayout.h"
-#include "Registry/BrivoCompatability.h"
 #include "Tests/Support/GradientScene.h"
 
 #include <QDropEvent>
@@ -33,28 +32,6 @@ constexpr const char* kOptionalParts[] = {"gradientGutterAlpha", "alphaSpread", 
                                           "gradientGutterRGB",   "rgbSpread",   "rgbFlop"};
 
 }  // namespace
-
-TEST(Editor, PortsMakeIt) {
-  VRTRegisterGradientEditor();
-  const auto port = std::make_shared<VRTGradientPort>("inputGradient");
-  const auto old = std::make_shared<TarnGradientPort>("inputGradient");
-  port->setValue(VRTGradient::gradient());
-  old->setValue(VRTGradient::gradient());
-  const std::unique_ptr<NSTarnView> first(port->setupParameterView()), second(port->setupParameterView());
-  const std::unique_ptr<NSTarnView> third(old->setupParameterView());
-  EXPECT_NE(first, second);
-  for (const auto& view : {first.get(), second.get(), third.get()}) {
-    auto* editor = dynamic_cast<VRTGradientEditor*>(view);
-    ASSERT_NE(editor, nullptr);
-    EXPECT_NE(editor->getGradientChannel(), nullptr);
-    EXPECT_EQ(editor->frame().size.width, 236);
-    EXPECT_EQ(editor->sizeHint(), QSize(236, 75));
-    EXPECT_EQ(editor->findChild<QWidget*>("gradientGutterRGB")->focusPolicy(), Qt::StrongFocus) << "enabled";
-  }
-  const VRTGradientEditorLayout layout(236, true);
-  expectFrame(first->findChild<QWidget*>("gradientGutterAlpha"), layout.gutterAlpha);
-  VRTRegisterParameterViewFactory("VRTGradientPort", nullptr);
-}
 
 TEST(Editor, LaysItsPartsOutForEveryWidth) {
   GradientScene panel;

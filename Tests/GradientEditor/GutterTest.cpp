@@ -400,7 +400,10 @@ TEST_P(GradientGutter, AReplacedGradientIsLeftAlone) {
       drag.move({drag.xOf(0.3), y});
       drag.port->setValue(GradientScene::gradientAt({0.1, 0.5, 0.5}));
       EXPECT_EQ(drag.selected(), nullptr);
-      for (const double next : {60.0, 5.0, 60.0}) drag.move({drag.xOf(0.4), next});
+      for (const double next : {60.0, 5.0, 60.0}) {
+        drag.move({drag.xOf(0.4), next});
+        EXPECT_EQ(drag.positions(), (Positions{0.1, 0.5, 0.5}));
+      }
       drag.release();
       EXPECT_EQ(drag.positions(), (Positions{0.1, 0.5, 0.5}));
       if (!kept) continue;

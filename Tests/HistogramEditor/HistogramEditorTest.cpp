@@ -89,13 +89,13 @@ TEST_F(HistogramEditor, FollowsTheValueAndTheSize) {
 }
 
 TEST_F(HistogramEditor, ADetachedEditorCostsNothing) {
-  EXPECT_EQ(scene.context.reads, 1);
-  for (std::uint8_t frame = 0; frame < 10; ++frame) scene.image->setValue(imageOf({frame, 2, 3, 4}, 4, 4));
-  EXPECT_EQ(scene.context.reads, 11) << "every frame is counted once";
+  const int reads = scene.context.reads;
+  scene.image->setValue(imageOf({1, 2, 3, 4}, 4, 4));
+  EXPECT_EQ(scene.context.reads, reads + 1);
   editor->setHistogramPort(nullptr);
   EXPECT_EQ(scene.levels.use_count(), 3) << "the scene, its listener and its patch";
-  for (std::uint8_t frame = 0; frame < 10; ++frame) scene.image->setValue(imageOf({frame, 2, 3, 4}, 4, 4));
-  EXPECT_EQ(scene.context.reads, 11);
+  scene.image->setValue(imageOf({2, 2, 3, 4}, 4, 4));
+  EXPECT_EQ(scene.context.reads, reads + 1);
   EXPECT_EQ(editor->getHistogramChannel(), nullptr);
 }
 

@@ -74,25 +74,19 @@ TEST(HistogramView, UnusableImagesCountNothing) {
   expectNothing(changed([](SceneImage& image) { image.width = image.height = std::size_t(-1); }));
 }
 
-TEST(HistogramView, WithoutAContextTheCountsAreEmpty) {
-  LevelsPatch scene;
-  VRTHistogramView view(kFrame);
-  scene.image->setValue(imageOf({1, 2, 3, 4}, 2, 2));
-  view.setHistogramPort(scene.levels.get());
-  EXPECT_EQ(countsOf(view), 12u);
-  scene.patch->context = nullptr;
-  scene.image->setValue(imageOf({1, 2, 3, 4}, 2, 2));
-  EXPECT_EQ(countsOf(view), 0u);
-}
-
-TEST(HistogramView, OnlyFiltersHaveAnInputImage) {
-  LevelsPatch scene("generator");
-  scene.image->setValue(imageOf({1, 2, 3, 4}, 2, 2));
-  VRTHistogramView view(kFrame);
-  EXPECT_EQ(view.imageInputPort(), nullptr);
-  view.setHistogramPort(scene.levels.get());
-  EXPECT_EQ(view.imageInputPort(), nullptr);
-  EXPECT_EQ(scene.context.reads, 0);
+TEST(HistogramView, OnlyFiltersWithAContextHaveCounts) {
+  for (const std::string kind : {"filter", "generator"}) {
+    LevelsPatch scene(kind.c_str());
+    scene.image->setValue(imageOf({1, 2, 3, 4}, 2, 2));
+    VRTHistogramView view(kFrame);
+    EXPECT_EQ(view.imageInputPort(), nullptr);
+    view.setHistogramPort(scene.levels.get());
+    EXPECT_EQ(view.imageInputPort(), kind == "filter" ? scene.image.get() : nullptr);
+    EXPECT_EQ(countsOf(view), kind == "filter" ? 12u : 0u);
+    scene.patch->context = nullptr;
+    scene.image->setValue(imageOf({1, 2, 3, 4}, 2, 2));
+    EXPECT_EQ(countsOf(view), 0u);
+  }
 }
 
 TEST(HistogramView, ADetachedViewCostsNothing) {

@@ -96,17 +96,17 @@ TEST_F(UndoHistoryTest, OneDragIsOneStep) {
                                          .historyChanged = [] {}});
   history.forget();
   setGamma(2);  // the press already changes something, and tells of its start afterwards
-  VRTPostStartInteraction(levels.get());
+  VRTPostStartInteraction(levels);
   for (int i = 0; i < 20; ++i) {
     setGamma(2 + i);
     handleEvents();
   }
   history.undo();
   EXPECT_EQ(value().gammaForChannel(0), 21) << "not in the middle of a drag";
-  VRTPostEndInteraction(levels.get());
+  VRTPostEndInteraction(levels);
   handleEvents();
   setGamma(50);  // a click elsewhere, without a start
-  VRTPostEndInteraction(levels.get());
+  VRTPostEndInteraction(levels);
   handleEvents();
   EXPECT_EQ(changes, 22);
   EXPECT_EQ(interactions, 1);

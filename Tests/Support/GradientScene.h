@@ -54,10 +54,10 @@ class GradientScene : public EditorScene {
     editorPart().setGradientPort(other ? dynamic_cast<GradientScene&>(*other).port.get() : nullptr);
   }
   std::shared_ptr<NSObject> newValue() const override { return gradientAt({0.1, 0.5, 0.5}); }
-  NSPoint handle() const override { return {xOf(0.25), 5}; }
+  NSPoint handle() const override { return {xOf(sample(count() - 3)->position), 5}; }
   NSPoint nothing() const override { return {xOf(0.8), 5}; }
   double position() const override { return sample(1)->position; }
-  void chooseHandle() override { editorPart().setSelectedSample(sample(1), false, false); }
+  void chooseHandle() override { select(1); }
   bool settles() const override { return true; }
 
   VRTGradientEditor& editorPart() const { return dynamic_cast<VRTGradientEditor&>(*editor); }

@@ -99,30 +99,25 @@ TEST(Drops, OperationsFollowWhatTheSourceAllows) {
   }
 }
 
-TEST(Drops, OfOtherTypesNeverReachTheView) {
-  DropView view(NSMakeRect(0, 0, 100, 40));
-  QMimeData text;
-  text.setText("red");
-  EXPECT_FALSE(send<QDragEnterEvent>(view, QPoint(20, 10), Qt::CopyAction, &text).accepted);
-  EXPECT_FALSE(send<QDropEvent>(view, QPoint(20, 10), Qt::CopyAction, &text).accepted);
-  EXPECT_EQ(view.mask, 0U);
-  NSTarnView plain(NSMakeRect(0, 0, 10, 10));
-  EXPECT_FALSE(plain.acceptDrops());
-}
-
-TEST(Drops, ColorsOfOtherToolkitsAndUnreadableOnes) {
+TEST(Drops, TakeColorsOfAnyToolkitAndNothingElse) {
   const std::uint16_t words[] = {65535, 0, 32768, 65535};
-  QMimeData foreign;
+  QMimeData text, foreign, broken;
+  text.setText("red");
   foreign.setData(NSColorPboardType, QByteArray(reinterpret_cast<const char*>(words), sizeof words));
-  QMimeData broken;
   broken.setData(NSColorPboardType, "xyz");
-  DropView view(NSMakeRect(0, 0, 100, 40));
-  send<QDragEnterEvent>(view, QPoint(20, 10), Qt::CopyAction, &foreign);
-  EXPECT_TRUE(send<QDropEvent>(view, QPoint(20, 10), Qt::CopyAction, &foreign).accepted);
-  ASSERT_TRUE(view.color);
-  EXPECT_NEAR(view.color->blueComponent(), 0.5, 1e-4);
-  send<QDragEnterEvent>(view, QPoint(20, 10), Qt::CopyAction, &broken);
-  EXPECT_FALSE(send<QDropEvent>(view, QPoint(20, 10), Qt::CopyAction, &broken).accepted);
+  const struct {
+    const QMimeData& data;
+    bool reaches, taken;
+  } cases[] = {{text, false, false}, {foreign, true, true}, {broken, true, false}};
+  for (const auto& each : cases) {
+    DropView view(NSMakeRect(0, 0, 100, 40));
+    EXPECT_EQ(send<QDragEnterEvent>(view, QPoint(20, 10), Qt::CopyAction, &each.data).accepted, each.reaches);
+    EXPECT_EQ(send<QDropEvent>(view, QPoint(20, 10), Qt::CopyAction, &each.data).accepted, each.taken);
+    EXPECT_EQ(view.mask != 0, each.reaches);
+    ASSERT_EQ(view.color.has_value(), each.taken);
+    EXPECT_TRUE(!each.taken || std::abs(view.color->blueComponent() - 0.5) < 1e-4);
+  }
+  EXPECT_FALSE(NSTarnView(NSMakeRect(0, 0, 10, 10)).acceptDrops());
 }
 
 TEST(Drops, AHandlerMayDeleteTheView) {
