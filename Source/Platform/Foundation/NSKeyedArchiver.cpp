@@ -3,6 +3,7 @@
 
 #include "Platform/Foundation/NSClassTable.h"
 #include "Platform/Foundation/NSCoding.h"
+#include "Platform/Foundation/NSReason.h"
 #include "Platform/Foundation/NSValues.h"
 
 #include <unordered_map>
@@ -206,8 +207,8 @@ std::optional<PropertyList::Bytes> NSKeyedArchiver::archivedData(const NSObjectR
   NSKeyedArchiver archiver(format);
   archiver.encodeObject(root, "root");
   auto bytes = archiver.finishEncoding();
-  if (!bytes && reason != nullptr) {
-    *reason = archiver.error();
+  if (!bytes) {
+    NSRefuse(reason, archiver.error());
   }
   return bytes;
 }
