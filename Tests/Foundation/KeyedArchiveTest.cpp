@@ -112,12 +112,15 @@ TEST(KeyedArchive, HasTheLayoutThatOthersRead) {
   archiver.encodeObject(text("plain"));
   archiver.encodeObject(NSNumber::numberWithInt(3), "number");
   archiver.encodeObject(text("plain"), "again");
+  archiver.encodeObject(NSNumber::numberWithInt(3), "same");
+  archiver.encodeObject(NSNumber::numberWithDouble(3), "real");
   archiver.encodeObject(nullptr, "nil");
   const auto bytes = archiver.finishEncoding();
   ASSERT_TRUE(bytes) << archiver.error();
   const auto expected = PropertyListFromBytes(
-      keyedArchive("$0=@1 $1=@3 number=@4 again=@3 nil=@0 ; {NS.data=<data>CQ==</data> $class=@2} "
-                   "{$classname=\"NSMutableData\" $classes=[\"NSMutableData\" \"NSData\" \"NSObject\"]} \"plain\" #3"),
+      keyedArchive("$0=@1 $1=@3 number=@4 again=@3 same=@4 real=@5 nil=@0 ; {NS.data=<data>CQ==</data> $class=@2} "
+                   "{$classname=\"NSMutableData\" $classes=[\"NSMutableData\" \"NSData\" \"NSObject\"]} \"plain\" #3 "
+                   "<real>3</real>"),
       nullptr);
   ASSERT_TRUE(expected);
   EXPECT_EQ(compactXml(*PropertyListFromBytes(*bytes, nullptr)), compactXml(*expected));

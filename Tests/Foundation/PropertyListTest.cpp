@@ -45,6 +45,10 @@ TEST_P(PropertyListFormats, WhatCannotBeKeptIsRefusedWithAReason) {
   const bool xml = GetParam() == PropertyListFormat::Xml;
   P badKey;
   badKey.set(std::string_view("a\0b", 3), P::integer(1));
+  P many;
+  for (std::uint64_t i = 0; i < PropertyListMaximumValues / 2; ++i) {
+    many.set(std::to_string(i), P::boolean(true));
+  }
   const P large = P::data(P::Bytes(PropertyListMaximumBytes / 4 + 1));
   const struct {
     const char* reason;
@@ -65,6 +69,7 @@ TEST_P(PropertyListFormats, WhatCannotBeKeptIsRefusedWithAReason) {
       {"too deeply", nested(PropertyListMaximumDepth + 1), true},
       {"too deeply", nested(5000), true},
       {"too many values", P::array(P::Array(PropertyListMaximumValues, P::boolean(true))), true},
+      {"too many values", many, true},
       {"too large", P::array({large, large}), true},
   };
   for (const auto& each : cases) {
