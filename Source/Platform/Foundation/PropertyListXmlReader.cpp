@@ -167,7 +167,7 @@ class XmlReader {
     std::transform(encoding.begin(), encoding.end(), encoding.begin(),
                    [](char each) { return each >= 'A' && each <= 'Z' ? static_cast<char>(each - 'A' + 'a') : each; });
     if (encoding != "utf-8" && encoding != "utf8" && !isAscii(document_)) {
-      fail("is in the encoding \"" + encoding + "\"; only UTF-8 is read");
+      fail("the encoding \"" + encoding + "\", where only UTF-8 is read");
     }
   }
 
