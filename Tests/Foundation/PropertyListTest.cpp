@@ -47,6 +47,7 @@ TEST_P(PropertyListFormats, EveryOneOfManyValuesIsKept) {
   for (int i = 0; i < 300000; ++i) {
     list.set("key " + std::to_string(i), P::real(i + 0.1));
   }
+  EXPECT_EQ(list.entries().size(), 300000u);
   const auto bytes = PropertyListToBytes(list, GetParam(), nullptr);
   ASSERT_TRUE(bytes);
   EXPECT_TRUE(PropertyListFromBytes(*bytes, nullptr) == list);
