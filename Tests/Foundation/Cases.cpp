@@ -113,6 +113,9 @@ PropertyList::Bytes binaryList(const std::string& notation) {
 }
 
 PropertyList::Bytes keyedArchive(const std::string& notation) {
+  if (notation.starts_with("list:")) {
+    return listInNotation(notation.substr(5));
+  }
   const std::size_t semicolon = std::min(notation.find(" ;"), notation.size());
   return listInNotation("{$version=#100000 $archiver=\"NSKeyedArchiver\" $top={" + notation.substr(0, semicolon) +
                         "} $objects=[\"$null\" " + notation.substr(std::min(semicolon + 2, notation.size())) + "]}");

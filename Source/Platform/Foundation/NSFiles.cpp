@@ -182,7 +182,7 @@ std::string NSResolvedPath(const std::string& path, std::string* reason) {
       return {};
     }
     const std::string text(target, static_cast<std::size_t>(length));
-    current = text.starts_with('/') ? text : folderOf(current) + text;
+    current = text.starts_with('/') ? text : folderOf(current).append(text);
   }
   errno = ELOOP;
   NSRefuseWithError(reason, "cannot follow the symbolic link");

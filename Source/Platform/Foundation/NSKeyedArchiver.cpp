@@ -3,6 +3,7 @@
 
 #include "Platform/Foundation/NSClassTable.h"
 #include "Platform/Foundation/NSCoding.h"
+#include "Platform/Foundation/NSReason.h"
 #include "Platform/Foundation/NSValues.h"
 
 #include <unordered_map>
@@ -31,7 +32,7 @@ struct NSKeyedArchiver::State {
     contexts.emplace_back();
   }
 
-  void put(std::string key, PropertyList value) {
+  void put(const std::string& key, PropertyList value) {
     PropertyList::Dictionary& entries = contexts.back().entries;
     if (finished) {
       archiver.fail("the archive is finished");
@@ -145,9 +146,9 @@ NSKeyedArchiver::~NSKeyedArchiver() = default;
 
 void NSKeyedArchiver::encodeObject(const NSObjectRef& object) {
   // The number is taken first: the object may encode others without a key within its own, but never in this one.
-  std::string key = "$" + std::to_string(state_->contexts.back().unnamed++);
+  const std::string key = "$" + std::to_string(state_->contexts.back().unnamed++);
   PropertyList reference = state_->referenceTo(object);
-  state_->put(std::move(key), std::move(reference));
+  state_->put(key, std::move(reference));
 }
 
 void NSKeyedArchiver::encodeObject(const NSObjectRef& object, std::string_view key) {
@@ -206,8 +207,8 @@ std::optional<PropertyList::Bytes> NSKeyedArchiver::archivedData(const NSObjectR
   NSKeyedArchiver archiver(format);
   archiver.encodeObject(root, "root");
   auto bytes = archiver.finishEncoding();
-  if (!bytes && reason != nullptr) {
-    *reason = archiver.error();
+  if (!bytes) {
+    NSRefuse(reason, archiver.error());
   }
   return bytes;
 }

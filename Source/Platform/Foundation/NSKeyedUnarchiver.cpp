@@ -3,6 +3,7 @@
 
 #include "Platform/Foundation/NSClassTable.h"
 #include "Platform/Foundation/NSCoding.h"
+#include "Platform/Foundation/NSReason.h"
 #include "Platform/Foundation/NSValues.h"
 #include "Platform/Foundation/PropertyListCoding.h"
 
@@ -371,8 +372,6 @@ NSObjectRef NSKeyedUnarchiver::unarchiveObject(std::span<const std::uint8_t> byt
   if (unarchiver.error().empty()) {
     return object;
   }
-  if (reason != nullptr) {
-    *reason = unarchiver.error();
-  }
+  NSRefuse(reason, unarchiver.error());
   return nullptr;
 }

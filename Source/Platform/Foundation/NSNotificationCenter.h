@@ -15,7 +15,7 @@ struct NSNotification {
   const void* object = nullptr;  // the sender; an identity, never dereferenced by the center
 };
 
-// Tells everyone who asked about a name. Posting is synchronous, in the order of registration; an observer may add and
+// Tells everyone who observes a name. Posting is synchronous, in the order of registration; an observer may add and
 // remove observers, itself included, while it is told.
 class TARN_EXPORT NSNotificationCenter {
  public:

@@ -115,52 +115,55 @@ bool PropertyList::DateValue::operator==(const DateValue& other) const {
   return sameBits(seconds, other.seconds);
 }
 
-PropertyList::PropertyList() : storage_(Dictionary{}) {}
-PropertyList::PropertyList(Storage storage) : storage_(std::move(storage)) {}
+template <typename Value, typename... Arguments>
+PropertyList::PropertyList(std::in_place_type_t<Value> type, Arguments&&... arguments)
+    : storage_(type, std::forward<Arguments>(arguments)...) {}
+
+PropertyList::PropertyList() : storage_(std::in_place_type<Dictionary>) {}
 
 PropertyList PropertyList::boolean(bool value) {
-  return PropertyList(Storage(std::in_place_type<bool>, value));
+  return PropertyList(std::in_place_type<bool>, value);
 }
 
 PropertyList PropertyList::integer(std::int64_t value) {
-  return PropertyList(Storage(IntegerValue{static_cast<std::uint64_t>(value), false}));
+  return PropertyList(std::in_place_type<IntegerValue>, IntegerValue{static_cast<std::uint64_t>(value), false});
 }
 
 PropertyList PropertyList::unsignedInteger(std::uint64_t value) {
-  return PropertyList(
-      Storage(IntegerValue{value, value > static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max())}));
+  const bool isUnsigned = value > static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
+  return PropertyList(std::in_place_type<IntegerValue>, IntegerValue{value, isUnsigned});
 }
 
 PropertyList PropertyList::real(double value) {
-  return PropertyList(Storage(std::in_place_type<double>, value));
+  return PropertyList(std::in_place_type<double>, value);
 }
 
 PropertyList PropertyList::string(std::string utf8) {
-  return PropertyList(Storage(std::move(utf8)));
+  return PropertyList(std::in_place_type<std::string>, std::move(utf8));
 }
 
 PropertyList PropertyList::data(Bytes bytes) {
-  return PropertyList(Storage(DataValue{std::move(bytes), false}));
+  return PropertyList(std::in_place_type<DataValue>, DataValue{std::move(bytes), false});
 }
 
 PropertyList PropertyList::mutableData(Bytes bytes) {
-  return PropertyList(Storage(DataValue{std::move(bytes), true}));
+  return PropertyList(std::in_place_type<DataValue>, DataValue{std::move(bytes), true});
 }
 
 PropertyList PropertyList::date(double secondsSince2001) {
-  return PropertyList(Storage(DateValue{secondsSince2001}));
+  return PropertyList(std::in_place_type<DateValue>, DateValue{secondsSince2001});
 }
 
 PropertyList PropertyList::uid(std::uint64_t value) {
-  return PropertyList(Storage(UidValue{value}));
+  return PropertyList(std::in_place_type<UidValue>, UidValue{value});
 }
 
 PropertyList PropertyList::array(Array items) {
-  return PropertyList(Storage(std::move(items)));
+  return PropertyList(std::in_place_type<Array>, std::move(items));
 }
 
 PropertyList PropertyList::dictionary(Dictionary entries) {
-  return PropertyList(Storage(std::move(entries)));
+  return PropertyList(std::in_place_type<Dictionary>, std::move(entries));
 }
 
 PropertyList::Type PropertyList::type() const {

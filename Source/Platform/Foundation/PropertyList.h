@@ -10,6 +10,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -131,7 +132,8 @@ class TARN_EXPORT PropertyList {
   };
   using Storage =
       std::variant<bool, IntegerValue, double, std::string, DataValue, DateValue, UidValue, Array, Dictionary>;
-  explicit PropertyList(Storage storage);
+  template <typename Value, typename... Arguments>
+  explicit PropertyList(std::in_place_type_t<Value> type, Arguments&&... arguments);
   Storage storage_;
 };
 

@@ -291,8 +291,21 @@ class BinaryBuilder {
  public:
   explicit BinaryBuilder(const BinaryFile& file) : file_(file) {}
 
-  PropertyList value(std::size_t number) {
+  PropertyList value(std::uint64_t number) {
     const Object object = find(number);
+    return object.kind == ObjectKind::Array        ? array(object)
+           : object.kind == ObjectKind::Dictionary ? dictionary(object)
+                                                   : leaf(object);
+  }
+
+ private:
+  Object find(std::uint64_t number) const {
+    Object object{};
+    file_.find(static_cast<std::size_t>(number), object);
+    return object;
+  }
+
+  PropertyList leaf(const Object& object) {
     switch (object.kind) {
       case ObjectKind::Simple:
         return PropertyList::boolean(object.count == kTrue);
@@ -306,24 +319,11 @@ class BinaryBuilder {
         const Bytes bytes = file_.contents(object.at, object.count);
         return PropertyList::data(PropertyList::Bytes(bytes.begin(), bytes.end()));
       }
-      case ObjectKind::Ascii:
-      case ObjectKind::Utf16:
-        return PropertyList::string(std::string(text(object)));
       case ObjectKind::Uid:
         return PropertyList::uid(file_.numberAt(object.at, object.count));
-      case ObjectKind::Array:
-        return array(object);
-      case ObjectKind::Dictionary:
-        return dictionary(object);
+      default:
+        return PropertyList::string(std::string(text(object)));
     }
-    return {};
-  }
-
- private:
-  Object find(std::uint64_t number) const {
-    Object object{};
-    file_.find(static_cast<std::size_t>(number), object);
-    return object;
   }
 
   PropertyList integer(const Object& object) const {
@@ -372,7 +372,7 @@ class BinaryBuilder {
     PropertyList::Array items;
     items.reserve(object.count);
     for (std::size_t i = 0; i < object.count; ++i) {
-      items.push_back(value(static_cast<std::size_t>(file_.reference(object, i))));
+      items.push_back(value(file_.reference(object, i)));
     }
     return PropertyList::array(std::move(items));
   }
@@ -381,7 +381,7 @@ class BinaryBuilder {
     PropertyList::Dictionary entries;
     entries.reserve(object.count);
     for (std::size_t i = 0; i < object.count; ++i) {
-      PropertyList child = value(static_cast<std::size_t>(file_.reference(object, object.count + i)));
+      PropertyList child = value(file_.reference(object, object.count + i));
       entries.set(text(find(file_.reference(object, i))), std::move(child));
     }
     return PropertyList::dictionary(std::move(entries));

@@ -62,10 +62,10 @@ class WriteCheck {
 
   bool dictionary(const PropertyList::Dictionary& entries, int depth) {
     for (std::size_t i = 0; i < entries.size(); ++i) {
+      ++values_;  // the key
       if (!text(entries.keyAt(i)) || !value(entries.valueAt(i), depth + 1)) {
         return false;
       }
-      ++values_;  // the key
     }
     return true;
   }

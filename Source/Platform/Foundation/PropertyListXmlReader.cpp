@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/Foundation/NSReason.h"
-#include "Platform/Foundation/NSUnicode.h"
 #include "Platform/Foundation/PropertyListCoding.h"
 
 #include <expat.h>
@@ -40,7 +39,7 @@ bool isBlank(char each) {
 }
 
 bool isWhiteSpace(std::string_view text) {
-  return std::all_of(text.begin(), text.end(), isBlank);
+  return std::all_of(text.begin(), text.end(), [](char each) { return isBlank(each); });
 }
 
 std::string_view trimmed(std::string_view text) {
@@ -89,8 +88,7 @@ class XmlReader {
     }
     setHandlers();
     if (!parse()) {
-      const std::string fault = fault_.empty() ? faultOf(XML_GetErrorCode(parser_.get())) : fault_;
-      NSRefuse(reason, "line " + std::to_string(XML_GetCurrentLineNumber(parser_.get())) + ": " + fault);
+      NSRefuse(reason, isText() ? faultAndLine() : "is no property list: it is no text in UTF-8");
       return std::nullopt;
     }
     return std::move(root_);
@@ -157,12 +155,19 @@ class XmlReader {
 
   bool failed() const { return !fault_.empty(); }
 
+  bool isText() const { return faultOfText(document_) == nullptr; }
+
+  std::string faultAndLine() const {
+    const std::string fault = fault_.empty() ? faultOf(XML_GetErrorCode(parser_.get())) : fault_;
+    return "line " + std::to_string(XML_GetCurrentLineNumber(parser_.get())) + ": " + fault;
+  }
+
   // Text that is ASCII is UTF-8 whatever it says of itself.
   void checkEncoding(std::string encoding) {
     std::transform(encoding.begin(), encoding.end(), encoding.begin(),
                    [](char each) { return each >= 'A' && each <= 'Z' ? static_cast<char>(each - 'A' + 'a') : each; });
     if (encoding != "utf-8" && encoding != "utf8" && !isAscii(document_)) {
-      fail("is in the encoding \"" + encoding + "\"; only UTF-8 is read");
+      fail("the encoding \"" + encoding + "\", where only UTF-8 is read");
     }
   }
 
@@ -241,41 +246,35 @@ class XmlReader {
   }
 
   void endLeaf(Element element) {
-    if (element == Element::Key) {
-      containers_.back().key.swap(text_);
-      containers_.back().hasKey = true;
-    } else if (auto value = leafOf(element)) {
-      put(*std::move(value));
-    } else {
-      fail("a malformed <" + std::string(nameOf(element)) + ">");
-    }
-  }
-
-  static std::string_view nameOf(Element element) {
-    return std::find_if(std::begin(kNames), std::end(kNames), [&](const Name& each) { return each.element == element; })
-        ->text;
-  }
-
-  std::optional<PropertyList> leafOf(Element element) const {
     switch (element) {
+      case Element::Key:
+        containers_.back().key.swap(text_);
+        containers_.back().hasKey = true;
+        return;
       case Element::String:
-        return PropertyList::string(text_);
+        return put(PropertyList::string(text_));
       case Element::Integer:
-        return integerFromXml(trimmed(text_));
+        return putIfAny(integerFromXml(trimmed(text_)), element, [](PropertyList&& value) { return std::move(value); });
       case Element::Real:
-        return wrapped(realFromXml(trimmed(text_)), PropertyList::real);
+        return putIfAny(realFromXml(trimmed(text_)), element, PropertyList::real);
       case Element::Date:
-        return wrapped(dateFromXml(trimmed(text_)), PropertyList::date);
+        return putIfAny(dateFromXml(trimmed(text_)), element, PropertyList::date);
       case Element::Data:
-        return wrapped(dataFromXml(text_), PropertyList::data);
+        return putIfAny(dataFromXml(text_), element, PropertyList::data);
       default:
-        return isWhiteSpace(text_) ? std::optional(PropertyList::boolean(element == Element::True)) : std::nullopt;
+        return isWhiteSpace(text_) ? put(PropertyList::boolean(element == Element::True)) : failAt(element);
     }
   }
 
-  template <typename Value>
-  static std::optional<PropertyList> wrapped(std::optional<Value> value, PropertyList (*make)(Value)) {
-    return value ? std::optional(make(*std::move(value))) : std::nullopt;
+  template <typename Value, typename Make>
+  void putIfAny(std::optional<Value> value, Element element, Make make) {
+    return value ? put(make(*std::move(value))) : failAt(element);
+  }
+
+  void failAt(Element element) {
+    const Name* name =
+        std::find_if(std::begin(kNames), std::end(kNames), [&](const Name& each) { return each.element == element; });
+    fail("a malformed <" + std::string(name->text) + ">");
   }
 
   void endContainer() {
@@ -294,7 +293,7 @@ class XmlReader {
     return isUid ? PropertyList::uid(uid->unsignedValue()) : PropertyList::dictionary(std::move(entries));
   }
 
-  void put(PropertyList value) {
+  void put(PropertyList&& value) {
     if (containers_.empty()) {
       root_ = std::move(value);
     } else if (Container& container = containers_.back(); container.isDictionary) {
@@ -319,12 +318,9 @@ class XmlReader {
 }  // namespace
 
 std::optional<PropertyList> readXml(std::string_view document, std::string* reason) {
-  if (document.find('\0') != std::string_view::npos) {
-    NSRefuse(reason, "is no property list: it holds control characters");
-    return std::nullopt;
-  }
-  if (NSValidUTF8Length(document) != document.size()) {
-    NSRefuse(reason, "is not UTF-8");
+  const std::string_view start = document.substr(0, 2);
+  if (start == "\xFF\xFE" || start == "\xFE\xFF" || start.find('\0') != std::string_view::npos) {
+    NSRefuse(reason, "is not UTF-8");  // the parser would take it for UTF-16
     return std::nullopt;
   }
   return XmlReader(document).read(reason);

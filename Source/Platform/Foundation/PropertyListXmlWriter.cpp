@@ -59,7 +59,20 @@ class XmlWriter {
   }
 
   void value(const PropertyList& list, std::size_t depth) {
-    put(depth, '\t');
+    indent(depth);
+    if (list.isArray()) {
+      array(list.items(), depth);
+    } else if (list.isDictionary()) {
+      dictionary(list.entries(), depth);
+    } else {
+      leaf(list, depth);
+    }
+  }
+
+  [[gnu::noinline]] void indent(std::size_t depth) { put(depth, '\t'); }
+
+  // Apart from what calls itself, so that its texts do not lie on the stack once a level.
+  [[gnu::noinline]] void leaf(const PropertyList& list, std::size_t depth) {
     switch (list.type()) {
       case PropertyList::Type::Boolean:
         return put(list.boolValue() ? "<true/>\n" : "<false/>\n");
@@ -73,12 +86,8 @@ class XmlWriter {
         return data(list.bytes(), depth);
       case PropertyList::Type::Date:
         return element("date", xmlDate(list.dateValue()).value_or(std::string()));
-      case PropertyList::Type::Uid:
+      default:
         return uid(list.uidValue(), depth);
-      case PropertyList::Type::Array:
-        return array(list.items(), depth);
-      case PropertyList::Type::Dictionary:
-        return dictionary(list.entries(), depth);
     }
   }
 
@@ -98,11 +107,11 @@ class XmlWriter {
 
   void uid(std::uint64_t value, std::size_t depth) {
     put("<dict>\n");
-    put(depth + 1, '\t');
+    indent(depth + 1);
     element("key", kXmlUidKey);
-    put(depth + 1, '\t');
+    indent(depth + 1);
     digits(value);
-    put(depth, '\t');
+    indent(depth);
     put("</dict>\n");
   }
 
@@ -114,7 +123,7 @@ class XmlWriter {
     for (const PropertyList& each : items) {
       value(each, depth + 1);
     }
-    put(depth, '\t');
+    indent(depth);
     put("</array>\n");
   }
 
@@ -124,11 +133,11 @@ class XmlWriter {
     }
     put("<dict>\n");
     for (std::size_t i = 0; i < entries.size(); ++i) {
-      put(depth + 1, '\t');
+      indent(depth + 1);
       textElement("key", entries.keyAt(i));
       value(entries.valueAt(i), depth + 1);
     }
-    put(depth, '\t');
+    indent(depth);
     put("</dict>\n");
   }
 
@@ -139,11 +148,11 @@ class XmlWriter {
     const std::size_t bytesPerLine = (76 - 8 * tabs) / 4 * 3;
     put("<data>\n");
     for (std::size_t at = 0; at < bytes.size(); at += bytesPerLine) {
-      put(tabs, '\t');
+      indent(tabs);
       base64(std::span(bytes).subspan(at, std::min(bytesPerLine, bytes.size() - at)));
       put("\n");
     }
-    put(depth, '\t');
+    indent(depth);
     close("data");
   }
 
