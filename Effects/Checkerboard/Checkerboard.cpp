@@ -12,7 +12,7 @@ namespace vorto::effects {
 namespace {
 
 template <class Layout>
-using Pixel = std::array<typename Layout::Channel, Layout::channels>;
+using Pixel = std::array<typename Layout::Channel, Layout::kChannels>;
 
 // A straight color as a premultiplied pixel; components that are not finite count as 0.
 template <class Layout>
@@ -20,10 +20,10 @@ Pixel<Layout> pixelOf(const QCColor& color) {
   using Channel = typename Layout::Channel;
   const double alpha = finiteOr(color.alpha, 0);
   Pixel<Layout> pixel;
-  pixel[Layout::red] = quantized<Channel>(finiteOr(color.red, 0) * alpha);
-  pixel[Layout::green] = quantized<Channel>(finiteOr(color.green, 0) * alpha);
-  pixel[Layout::blue] = quantized<Channel>(finiteOr(color.blue, 0) * alpha);
-  pixel[Layout::alpha] = quantized<Channel>(alpha);
+  pixel[Layout::kRed] = quantized<Channel>(finiteOr(color.red, 0) * alpha);
+  pixel[Layout::kGreen] = quantized<Channel>(finiteOr(color.green, 0) * alpha);
+  pixel[Layout::kBlue] = quantized<Channel>(finiteOr(color.blue, 0) * alpha);
+  pixel[Layout::kAlpha] = quantized<Channel>(alpha);
   return pixel;
 }
 
@@ -31,8 +31,8 @@ template <class Layout>
 void fillRow(VortoBitmap& out, std::size_t y, std::size_t cell, const Pixel<Layout>& first,
              const Pixel<Layout>& second) {
   auto* row = rowOf<typename Layout::Channel>(out, y);
-  for (std::size_t x = 0; x < out.width; ++x, row += Layout::channels) {
-    std::copy_n((x / cell) % 2 == 0 ? first.data() : second.data(), Layout::channels, row);
+  for (std::size_t x = 0; x < out.width; ++x, row += Layout::kChannels) {
+    std::copy_n((x / cell) % 2 == 0 ? first.data() : second.data(), Layout::kChannels, row);
   }
 }
 

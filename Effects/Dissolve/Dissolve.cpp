@@ -17,7 +17,7 @@ class DissolvePatch : public TransitionPatch {
     withLayout(out.formatCode, [&](auto layout) {
       using Channel = typename decltype(layout)::Channel;
       const MixWeight<Channel> weight = mixWeight<Channel>(time);
-      const std::size_t count = std::size_t{out.width} * layout.channels;
+      const std::size_t count = std::size_t{out.width} * layout.kChannels;
       for (std::size_t y = 0; y < out.height; ++y) {
         mixRow(rowOf<Channel>(a, y), rowOf<Channel>(b, y), rowOf<Channel>(out, y), count, weight);
       }

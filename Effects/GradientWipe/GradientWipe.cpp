@@ -12,7 +12,7 @@
 namespace vorto::effects {
 namespace {
 
-constexpr double defaultSoftness = 0.1;
+constexpr double kDefaultSoftness = 0.1;
 
 // Black to white in a straight line: an even wipe from the first edge to the last.
 std::shared_ptr<VRTGradient> evenGradient() {
@@ -44,14 +44,14 @@ class GradientWipePatch : public TransitionPatch {
     gradient_ = addInputPort<VRTGradientPort>("inputGradient", portAttributes("Shape"));
     gradient_->setValue(evenGradient());
     angle_ = addInputPort<QCNumberPort>("inputAngle", numberAttributes("Angle", -360, 360, 0));
-    softness_ = addInputPort<QCNumberPort>("inputSoftness", numberAttributes("Softness", 0, 1, defaultSoftness));
+    softness_ = addInputPort<QCNumberPort>("inputSoftness", numberAttributes("Softness", 0, 1, kDefaultSoftness));
   }
 
  private:
   void mix(const VortoBitmap& a, const VortoBitmap& b, double time, VortoBitmap& out) override {
     const auto held = std::dynamic_pointer_cast<VRTGradient>(gradient_->value());
     const auto table = floatGradientTable(held ? *held : *evenGradient());
-    const double softness = std::clamp(finiteOr(softness_->doubleValue(), defaultSoftness), 0.0, 1.0);
+    const double softness = std::clamp(finiteOr(softness_->doubleValue(), kDefaultSoftness), 0.0, 1.0);
     const Ramp ramp = Ramp::across(out.width, out.height, finiteOr(angle_->doubleValue(), 0));
     withLayout(out.formatCode, [&](auto layout) {
       using Channel = typename decltype(layout)::Channel;

@@ -6,9 +6,9 @@ namespace vorto::effects {
 template <class Channel>
 std::vector<MixWeight<Channel>> wipeWeights(const std::vector<GradientEntry<float>>& gradient, double time,
                                             double softness) {
-  std::vector<MixWeight<Channel>> weights(gradientSteps);
+  std::vector<MixWeight<Channel>> weights(kGradientSteps);
   const double edge = time * (1 + softness);
-  for (std::size_t i = 0; i < gradientSteps; ++i) {
+  for (std::size_t i = 0; i < kGradientSteps; ++i) {
     const GradientEntry<float>& entry = gradient[i];
     const double luma = 0.2126 * entry.red + 0.7152 * entry.green + 0.0722 * entry.blue;
     const double ahead = edge - luma;

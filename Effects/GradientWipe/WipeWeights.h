@@ -24,7 +24,7 @@ void wipeRow(double start, double step, const Weight* weights, Weight* out, std:
   for (std::size_t i = 0; i < count; ++i) {
     const double position = start + static_cast<double>(i) * step;
     const double clamped = position > 0 ? std::min(position, 1.0) : 0.0;
-    out[i] = weights[static_cast<int>(clamped * (gradientSteps - 1) + 0.5)];
+    out[i] = weights[static_cast<int>(clamped * (kGradientSteps - 1) + 0.5)];
   }
 }
 

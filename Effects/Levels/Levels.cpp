@@ -30,9 +30,9 @@ bool isNeutral(const VRTHistogram& levels) {
 // The values of a curve for every value of an integer channel.
 template <class Channel, class Curve>
 std::vector<Channel> tabulated(const Curve& curve) {
-  std::vector<Channel> table(full<Channel> + std::size_t{1});
+  std::vector<Channel> table(kFull<Channel> + std::size_t{1});
   for (std::size_t i = 0; i < table.size(); ++i) {
-    table[i] = quantized<Channel>(curve.applyClipped(static_cast<double>(i) / full<Channel>));
+    table[i] = quantized<Channel>(curve.applyClipped(static_cast<double>(i) / kFull<Channel>));
   }
   return table;
 }

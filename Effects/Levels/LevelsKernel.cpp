@@ -10,20 +10,20 @@ template <class Layout>
 void levelsRow(const typename Layout::Channel* in, typename Layout::Channel* out, std::size_t count,
                const LevelsTables<typename Layout::Channel>& tables) {
   using Channel = typename Layout::Channel;
-  for (std::size_t i = 0; i < count; ++i, in += Layout::channels, out += Layout::channels) {
-    const Channel alpha = in[Layout::alpha];
+  for (std::size_t i = 0; i < count; ++i, in += Layout::kChannels, out += Layout::kChannels) {
+    const Channel alpha = in[Layout::kAlpha];
     const Channel newAlpha = tables.alpha[alpha];
-    Channel red = in[Layout::red];
-    Channel green = in[Layout::green];
-    Channel blue = in[Layout::blue];
-    if (alpha == full<Channel> && newAlpha == full<Channel>) {  // most pixels of most images
-      out[Layout::red] = tables.red[red];
-      out[Layout::green] = tables.green[green];
-      out[Layout::blue] = tables.blue[blue];
-      out[Layout::alpha] = newAlpha;
+    Channel red = in[Layout::kRed];
+    Channel green = in[Layout::kGreen];
+    Channel blue = in[Layout::kBlue];
+    if (alpha == kFull<Channel> && newAlpha == kFull<Channel>) {  // most pixels of most images
+      out[Layout::kRed] = tables.red[red];
+      out[Layout::kGreen] = tables.green[green];
+      out[Layout::kBlue] = tables.blue[blue];
+      out[Layout::kAlpha] = newAlpha;
       continue;
     }
-    if (alpha != 0 && alpha != full<Channel>) {
+    if (alpha != 0 && alpha != kFull<Channel>) {
       red = straight(red, alpha);
       green = straight(green, alpha);
       blue = straight(blue, alpha);
@@ -33,10 +33,10 @@ void levelsRow(const typename Layout::Channel* in, typename Layout::Channel* out
       green = product(tables.green[green], newAlpha);
       blue = product(tables.blue[blue], newAlpha);
     }
-    out[Layout::red] = red;
-    out[Layout::green] = green;
-    out[Layout::blue] = blue;
-    out[Layout::alpha] = newAlpha;
+    out[Layout::kRed] = red;
+    out[Layout::kGreen] = green;
+    out[Layout::kBlue] = blue;
+    out[Layout::kAlpha] = newAlpha;
   }
 }
 
@@ -46,23 +46,23 @@ template void levelsRow<RGBA16>(const std::uint16_t*, std::uint16_t*, std::size_
 
 void levelsFloatRow(const float* in, float* out, std::size_t count, const LevelsCurves& curves) {
   const bool keepsColor = curves.red.isNeutral() && curves.green.isNeutral() && curves.blue.isNeutral();
-  for (std::size_t i = 0; i < count; ++i, in += RGBAFloat::channels, out += RGBAFloat::channels) {
-    const float alpha = in[RGBAFloat::alpha];
+  for (std::size_t i = 0; i < count; ++i, in += RGBAFloat::kChannels, out += RGBAFloat::kChannels) {
+    const float alpha = in[RGBAFloat::kAlpha];
     const float newAlpha = curves.alpha.apply(alpha);
     const bool covered = alpha > 0;
-    float red = in[RGBAFloat::red];
-    float green = in[RGBAFloat::green];
-    float blue = in[RGBAFloat::blue];
+    float red = in[RGBAFloat::kRed];
+    float green = in[RGBAFloat::kGreen];
+    float blue = in[RGBAFloat::kBlue];
     if ((covered || newAlpha > 0) && !(keepsColor && newAlpha == alpha)) {
       const float divisor = covered ? alpha : 1.0F;
       red = curves.red.apply(red / divisor) * newAlpha;
       green = curves.green.apply(green / divisor) * newAlpha;
       blue = curves.blue.apply(blue / divisor) * newAlpha;
     }
-    out[RGBAFloat::red] = red;
-    out[RGBAFloat::green] = green;
-    out[RGBAFloat::blue] = blue;
-    out[RGBAFloat::alpha] = newAlpha;
+    out[RGBAFloat::kRed] = red;
+    out[RGBAFloat::kGreen] = green;
+    out[RGBAFloat::kBlue] = blue;
+    out[RGBAFloat::kAlpha] = newAlpha;
   }
 }
 

@@ -7,7 +7,7 @@
 namespace vorto::effects {
 namespace {
 
-constexpr double nearZero = 0.00001;
+constexpr double kNearZero = 0.00001;
 
 template <class Real>
 Real clipped(Real value) {
@@ -23,8 +23,8 @@ LevelsStage<Real>::LevelsStage(const VRTHistogram& levels, int channel) {
   const double whiteIn = finiteOr(levels.whiteInForChannel(channel), 1);
   const double whiteOut = finiteOr(levels.whiteOutForChannel(channel), 1);
   const double gamma = finiteOr(levels.gammaForChannel(channel), 1);
-  step_ = std::abs(whiteIn - blackIn) < nearZero;
-  gamma_ = gamma < nearZero ? Gamma::Zero : (gamma == 1 ? Gamma::None : Gamma::Power);
+  step_ = std::abs(whiteIn - blackIn) < kNearZero;
+  gamma_ = gamma < kNearZero ? Gamma::Zero : (gamma == 1 ? Gamma::None : Gamma::Power);
   neutral_ = blackIn == 0 && blackOut == 0 && whiteIn == 1 && whiteOut == 1 && gamma == 1;
   blackIn_ = static_cast<Real>(blackIn);
   inputSpan_ = static_cast<Real>(whiteIn - blackIn);

@@ -15,10 +15,10 @@ Channel multiplied(Channel background, Channel foreground, Channel backgroundAlp
     return foreground * background + foreground * (1 - backgroundAlpha) + background * (1 - foregroundAlpha);
   } else {
     using Wide = std::conditional_t<sizeof(Channel) == 1, std::uint32_t, std::uint64_t>;
-    const Wide sum = Wide{foreground} * (Wide{background} + full<Channel> - backgroundAlpha) +
-                     Wide{background} * (full<Channel> - foregroundAlpha);
-    const Wide rounded = (sum + full<Channel> / 2) / full<Channel>;
-    return static_cast<Channel>(std::min<Wide>(rounded, full<Channel>));
+    const Wide sum = Wide{foreground} * (Wide{background} + kFull<Channel> - backgroundAlpha) +
+                     Wide{background} * (kFull<Channel> - foregroundAlpha);
+    const Wide rounded = (sum + kFull<Channel> / 2) / kFull<Channel>;
+    return static_cast<Channel>(std::min<Wide>(rounded, kFull<Channel>));
   }
 }
 
@@ -27,10 +27,10 @@ Channel multiplied(Channel background, Channel foreground, Channel backgroundAlp
 template <class Layout>
 VORTO_CLONES void multiplyRow(const typename Layout::Channel* background, const typename Layout::Channel* foreground,
                               typename Layout::Channel* out, std::size_t count) {
-  for (std::size_t i = 0; i < count * Layout::channels; i += Layout::channels) {
-    const auto backgroundAlpha = background[i + Layout::alpha];
-    const auto foregroundAlpha = foreground[i + Layout::alpha];
-    for (int c = 0; c < Layout::channels; ++c) {
+  for (std::size_t i = 0; i < count * Layout::kChannels; i += Layout::kChannels) {
+    const auto backgroundAlpha = background[i + Layout::kAlpha];
+    const auto foregroundAlpha = foreground[i + Layout::kAlpha];
+    for (int c = 0; c < Layout::kChannels; ++c) {
       out[i + c] = multiplied(background[i + c], foreground[i + c], backgroundAlpha, foregroundAlpha);
     }
   }

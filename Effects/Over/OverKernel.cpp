@@ -14,7 +14,7 @@ Channel over(Channel background, Channel foreground, Channel uncovered) {
     return foreground + background * uncovered;
   } else {
     const std::uint32_t sum = std::uint32_t{foreground} + product(background, uncovered);
-    return static_cast<Channel>(std::min(sum, full<Channel>));
+    return static_cast<Channel>(std::min(sum, kFull<Channel>));
   }
 }
 
@@ -25,9 +25,9 @@ VORTO_CLONES void overRow(const typename Layout::Channel* background, const type
                           typename Layout::Channel* out, std::size_t count) {
   using Channel = typename Layout::Channel;
   constexpr Channel one = std::is_same_v<Channel, float> ? Channel{1} : std::numeric_limits<Channel>::max();
-  for (std::size_t i = 0; i < count * Layout::channels; i += Layout::channels) {
-    const auto uncovered = static_cast<Channel>(one - foreground[i + Layout::alpha]);
-    for (int c = 0; c < Layout::channels; ++c) out[i + c] = over(background[i + c], foreground[i + c], uncovered);
+  for (std::size_t i = 0; i < count * Layout::kChannels; i += Layout::kChannels) {
+    const auto uncovered = static_cast<Channel>(one - foreground[i + Layout::kAlpha]);
+    for (int c = 0; c < Layout::kChannels; ++c) out[i + c] = over(background[i + c], foreground[i + c], uncovered);
   }
 }
 

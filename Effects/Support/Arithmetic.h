@@ -12,7 +12,7 @@
 namespace vorto::effects {
 
 template <class Channel>
-inline constexpr std::uint32_t full = std::numeric_limits<Channel>::max();  // what 1.0 is at an integer depth
+inline constexpr std::uint32_t kFull = std::numeric_limits<Channel>::max();  // what 1.0 is at an integer depth
 
 // The product of two channel values. Exact for every pair: multiplying by 1.0 changes nothing.
 inline std::uint8_t product(std::uint8_t a, std::uint8_t b) {
@@ -32,8 +32,8 @@ inline float product(float a, float b) {
 // The straight color of a premultiplied one; alpha must not be 0. A color above its alpha gives 1.0.
 template <class Channel>
 Channel straight(Channel color, Channel alpha) {
-  const std::uint32_t quotient = (std::uint32_t{color} * full<Channel> + alpha / 2U) / alpha;
-  return static_cast<Channel>(std::min(quotient, full<Channel>));
+  const std::uint32_t quotient = (std::uint32_t{color} * kFull<Channel> + alpha / 2U) / alpha;
+  return static_cast<Channel>(std::min(quotient, kFull<Channel>));
 }
 
 // A value as a channel stores it: integers are clamped to 0 to 1 (NaN is 0) and rounded with the system's bias, so that
@@ -43,9 +43,9 @@ Channel quantized(double value) {
   if constexpr (std::is_same_v<Channel, float>) {
     return static_cast<float>(value);
   } else {
-    const double scaled = value * full<Channel> + 0.5 + 1e-7;
+    const double scaled = value * kFull<Channel> + 0.5 + 1e-7;
     if (!(scaled > 0)) return 0;
-    return static_cast<Channel>(std::min(scaled, static_cast<double>(full<Channel>)));  // truncates: it is positive
+    return static_cast<Channel>(std::min(scaled, static_cast<double>(kFull<Channel>)));  // truncates: it is positive
   }
 }
 
@@ -53,7 +53,7 @@ Channel quantized(double value) {
 template <class Channel>
 using MixWeight = std::conditional_t<std::is_same_v<Channel, float>, float, std::uint32_t>;
 
-inline constexpr std::uint32_t mixOne = 65536;
+inline constexpr std::uint32_t kMixOne = 65536;
 
 template <class Channel>
 MixWeight<Channel> mixWeight(double value) {
@@ -61,14 +61,14 @@ MixWeight<Channel> mixWeight(double value) {
   if constexpr (std::is_same_v<Channel, float>) {
     return static_cast<float>(clamped);
   } else {
-    return static_cast<std::uint32_t>(clamped * mixOne + 0.5);
+    return static_cast<std::uint32_t>(clamped * kMixOne + 0.5);
   }
 }
 
 // The mixture of two channel values: exactly a at weight 0 and exactly b at weight 1, whatever the other one holds.
 template <class Channel>
 Channel mixed(Channel a, Channel b, std::uint32_t weight) {
-  return static_cast<Channel>((a * (mixOne - weight) + b * weight + mixOne / 2) / mixOne);
+  return static_cast<Channel>((a * (kMixOne - weight) + b * weight + kMixOne / 2) / kMixOne);
 }
 
 inline float mixed(float a, float b, float weight) {

@@ -13,7 +13,7 @@ namespace vorto::effects {
 namespace {
 
 // What a bitmap may hold: its size with the slack that it adds is a 32-bit count of bytes.
-constexpr std::uint64_t maximumBytes = 0xFFFFFFFFULL - 65536;
+constexpr std::uint64_t kMaximumBytes = 0xFFFFFFFFULL - 65536;
 
 bool isOurLayout(std::uint32_t formatCode) {
   return TCPixelLayoutOf(formatCode).isExchanged;
@@ -71,8 +71,8 @@ std::shared_ptr<VortoBitmap> makeBitmap(std::uint64_t width, std::uint64_t heigh
     explain(reason, "effects do not make images of format " + std::to_string(formatCode));
     return nullptr;
   }
-  const std::uint64_t stride = std::min<std::uint64_t>(width, maximumBytes) * bytesPerPixel(formatCode);
-  if (stride != 0 && (stride > maximumBytes || height > maximumBytes / stride)) {
+  const std::uint64_t stride = std::min<std::uint64_t>(width, kMaximumBytes) * bytesPerPixel(formatCode);
+  if (stride != 0 && (stride > kMaximumBytes || height > kMaximumBytes / stride)) {
     explain(reason, "an image of " + size + " pixels is larger than 4 GiB");
     return nullptr;
   }

@@ -8,9 +8,9 @@
 namespace vorto::effects {
 namespace {
 
-constexpr std::array<std::uint32_t, 3> formatOfDepth{VortoPixelFormat::RGBA8, VortoPixelFormat::RGBA16,
-                                                     VortoPixelFormat::RGBAFloat};
-constexpr int largestEdge = 65536;
+constexpr std::array<std::uint32_t, 3> kFormatOfDepth{VortoPixelFormat::RGBA8, VortoPixelFormat::RGBA16,
+                                                      VortoPixelFormat::RGBAFloat};
+constexpr int kLargestEdge = 65536;
 
 }  // namespace
 
@@ -19,8 +19,8 @@ PropertyList GeneratorPatch::describe(const std::string& name, const std::string
 }
 
 void GeneratorPatch::addSizePorts() {
-  width_ = addInputPort<QCIndexPort>("inputWidth", indexAttributes("Width", 1, largestEdge, 1920));
-  height_ = addInputPort<QCIndexPort>("inputHeight", indexAttributes("Height", 1, largestEdge, 1080));
+  width_ = addInputPort<QCIndexPort>("inputWidth", indexAttributes("Width", 1, kLargestEdge, 1920));
+  height_ = addInputPort<QCIndexPort>("inputHeight", indexAttributes("Height", 1, kLargestEdge, 1080));
   depth_ = addInputPort<QCIndexPort>("inputDepth", menuAttributes("Depth", {"8-bit", "16-bit", "Float"}, 0));
 }
 
@@ -32,11 +32,11 @@ std::optional<BitmapRef> GeneratorPatch::render(std::string* reason) {
     if (reason) *reason = "an image of " + std::to_string(width) + " x " + std::to_string(height) + " pixels is empty";
     return std::nullopt;
   }
-  if (depth >= formatOfDepth.size()) {
+  if (depth >= kFormatOfDepth.size()) {
     if (reason) *reason = "inputDepth: there is no depth " + std::to_string(depth);
     return std::nullopt;
   }
-  auto out = makeBitmap(width, height, formatOfDepth[depth], reason);
+  auto out = makeBitmap(width, height, kFormatOfDepth[depth], reason);
   if (!out) return std::nullopt;
   fill(*out);
   return out;

@@ -7,9 +7,9 @@ namespace vorto::effects {
 
 std::vector<GradientEntry<float>> floatGradientTable(const VRTGradient& gradient) {
   static_assert(sizeof(GradientEntry<float>) == 4 * sizeof(float));
-  std::vector<GradientEntry<float>> table(gradientSteps + 1);
-  gradient.getGradientFloat(&table.front().alpha, gradientSteps);
-  table.back() = table[gradientSteps - 1];
+  std::vector<GradientEntry<float>> table(kGradientSteps + 1);
+  gradient.getGradientFloat(&table.front().alpha, kGradientSteps);
+  table.back() = table[kGradientSteps - 1];
   return table;
 }
 
@@ -23,8 +23,8 @@ std::vector<GradientEntry<std::uint8_t>> byteGradientTable(const VRTGradient& gr
 template <class Channel>
 std::vector<GradientEntry<Channel>> roundedGradientTable(const VRTGradient& gradient) {
   const auto exact = floatGradientTable(gradient);
-  std::vector<GradientEntry<Channel>> table(gradientSteps);
-  for (std::size_t i = 0; i < gradientSteps; ++i) {
+  std::vector<GradientEntry<Channel>> table(kGradientSteps);
+  for (std::size_t i = 0; i < kGradientSteps; ++i) {
     table[i] = {quantized<Channel>(exact[i].alpha), quantized<Channel>(exact[i].red),
                 quantized<Channel>(exact[i].green), quantized<Channel>(exact[i].blue)};
   }

@@ -21,7 +21,7 @@ struct GradientEntry {
 };
 
 // Positions above 8 bits: as many entries as a 16-bit channel has values.
-inline constexpr std::size_t gradientSteps = 65536;
+inline constexpr std::size_t kGradientSteps = 65536;
 
 // gradientSteps entries over the positions 0 to 1, then the last one once more, so that an interpolation at position 1
 // may read its right neighbor.
@@ -38,7 +38,7 @@ std::vector<GradientEntry<Channel>> roundedGradientTable(const VRTGradient& grad
 // first entry for NaN.
 inline GradientEntry<float> gradientEntryAt(const GradientEntry<float>* table, float position) {
   const float clamped = position > 0 ? (position < 1 ? position : 1.0F) : 0.0F;
-  const float place = clamped * static_cast<float>(gradientSteps - 1);
+  const float place = clamped * static_cast<float>(kGradientSteps - 1);
   const auto index = static_cast<std::size_t>(place);
   const float part = place - static_cast<float>(index);
   const GradientEntry<float>& left = table[index];
@@ -51,21 +51,21 @@ inline GradientEntry<float> gradientEntryAt(const GradientEntry<float>* table, f
 template <class Layout, class Channel = typename Layout::Channel>
 void storeEntry(const GradientEntry<Channel>& entry, Channel alpha, Channel* out) {
   const Channel coverage = product(entry.alpha, alpha);
-  out[Layout::alpha] = coverage;
-  out[Layout::red] = product(entry.red, coverage);
-  out[Layout::green] = product(entry.green, coverage);
-  out[Layout::blue] = product(entry.blue, coverage);
+  out[Layout::kAlpha] = coverage;
+  out[Layout::kRed] = product(entry.red, coverage);
+  out[Layout::kGreen] = product(entry.green, coverage);
+  out[Layout::kBlue] = product(entry.blue, coverage);
 }
 
 // The pixels of opaque images, ready to be copied.
 template <class Layout>
-using LaidPixel = std::array<typename Layout::Channel, Layout::channels>;
+using LaidPixel = std::array<typename Layout::Channel, Layout::kChannels>;
 
 template <class Layout, class Channel = typename Layout::Channel>
 std::vector<LaidPixel<Layout>> laidTable(const std::vector<GradientEntry<Channel>>& table) {
   std::vector<LaidPixel<Layout>> pixels(table.size());
   for (std::size_t i = 0; i < table.size(); ++i) {
-    storeEntry<Layout>(table[i], static_cast<Channel>(full<Channel>), pixels[i].data());
+    storeEntry<Layout>(table[i], static_cast<Channel>(kFull<Channel>), pixels[i].data());
   }
   return pixels;
 }

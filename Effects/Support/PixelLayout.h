@@ -12,11 +12,11 @@ namespace vorto::effects {
 template <class ChannelType, VortoPixelFormat::Code code>
 struct PixelLayout {
   using Channel = ChannelType;
-  static constexpr int red = TCPixelLayoutOf(code).red;
-  static constexpr int green = TCPixelLayoutOf(code).green;
-  static constexpr int blue = TCPixelLayoutOf(code).blue;
-  static constexpr int alpha = TCPixelLayoutOf(code).alpha;
-  static constexpr int channels = TCPixelLayoutOf(code).channels;
+  static constexpr int kRed = TCPixelLayoutOf(code).red;
+  static constexpr int kGreen = TCPixelLayoutOf(code).green;
+  static constexpr int kBlue = TCPixelLayoutOf(code).blue;
+  static constexpr int kAlpha = TCPixelLayoutOf(code).alpha;
+  static constexpr int kChannels = TCPixelLayoutOf(code).channels;
   static_assert(TCPixelLayoutOf(code).isExchanged && sizeof(Channel) == TCPixelLayoutOf(code).bytesPerChannel());
 };
 

@@ -10,12 +10,12 @@
 namespace host {
 namespace {
 
-constexpr const char* FontFiles[] = {"/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf",
-                                     "/usr/share/fonts/dejavu-sans-fonts/DejaVuSans.ttf",
-                                     "/usr/share/fonts/TTF/DejaVuSans.ttf"};
+constexpr const char* kFontFiles[] = {"/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf",
+                                      "/usr/share/fonts/dejavu-sans-fonts/DejaVuSans.ttf",
+                                      "/usr/share/fonts/TTF/DejaVuSans.ttf"};
 
 std::string findFont() {
-  for (const char* file : FontFiles) {
+  for (const char* file : kFontFiles) {
     std::error_code error;
     if (std::filesystem::exists(file, error)) return file;
   }
@@ -43,13 +43,13 @@ std::string shortened(std::string text) {
   return text + "…";
 }
 
-constexpr std::size_t LongestCaption = 400;  // bytes; more is never visible
+constexpr std::size_t kLongestCaption = 400;  // bytes; more is never visible
 
 }  // namespace
 
 void drawCaption(const std::string& text, const SheetLayout::Cell& cell, ImagePixels& sheet) {
   if (captionStyle().fontFile.empty() || text.empty()) return;
-  const std::string caption = shortened(printable(text.substr(0, LongestCaption)));
+  const std::string caption = shortened(printable(text.substr(0, kLongestCaption)));
   std::string reason;
   if (!imageFiles().drawText(&sheet, static_cast<int>(cell.captionX), static_cast<int>(cell.captionBaseline), caption,
                              captionStyle(), &reason)) {

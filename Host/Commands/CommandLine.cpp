@@ -20,7 +20,7 @@
 namespace host {
 namespace {
 
-constexpr const char* Footer = R"(
+constexpr const char* kFooter = R"(
 Effects are found in /Library/Application Support/Hollin/Internal Plug-Ins/Vorto, /Library/Plug-Ins/Vorto and
 ~/Library/Plug-Ins/Vorto, then in the folders of VORTO_PLUGIN_PATH (separated by colons), then beside the program.
 
@@ -29,7 +29,7 @@ Exit codes: 0 done; 1 unexpected; 2 the command line does not fit; 3 a file cann
 
 vorto COMMAND --help tells more about a command.)";
 
-constexpr const char* RenderFooter = R"(
+constexpr const char* kRenderFooter = R"(
 Values of --set, by the kind of the port (vorto effects lists ports; one is named by its key, as inputLevels, or by its
 name, as Levels):
   number    -1.5 or 2e-3, within the port's range
@@ -60,11 +60,11 @@ Examples:
   vorto render Levels --input in.%04d.exr --state levels=grade.plist --output out.%04d.exr
   vorto render Checkerboard --size 640x480 --set "first color=#202020" --output board.png)";
 
-constexpr const char* StateFooter = R"(
+constexpr const char* kStateFooter = R"(
 A state is a property list, XML or binary: a gradient's or levels' dictionary, opaque data, or a keyed archive of one,
 under present or older class names. --convert keeps the form of the file (dictionary or archive) unless --form is given.)";
 
-constexpr const char* InspectFooter = R"(
+constexpr const char* kInspectFooter = R"(
 Every input parameter of the effect has a row; the preview is rendered again on every change. Sequences play (space).
 Ctrl+S saves the state of a gradient, levels or opaque parameter where it came from, Ctrl+Shift+S elsewhere; Ctrl+E
 saves the picture in full size, Ctrl+Z and Ctrl+Shift+Z undo and redo, Ctrl+Q quits. A state file dropped on the window
@@ -87,7 +87,7 @@ void addEffects(CLI::App& app, EffectsOptions& options) {
 
 void addRender(CLI::App& app, RenderOptions& options) {
   CLI::App* command = app.add_subcommand("render", "Render an effect to a picture or a sequence");
-  command->footer(RenderFooter + ("\n\nPixel formats:\n" + layoutList()));
+  command->footer(kRenderFooter + ("\n\nPixel formats:\n" + layoutList()));
   command->add_option("effect", options.effect, "The effect's name")->required()->type_name("EFFECT");
   command
       ->add_option("-i,--input", options.inputs,
@@ -127,7 +127,7 @@ void addRender(CLI::App& app, RenderOptions& options) {
 
 void addState(CLI::App& app, StateOptions& options) {
   CLI::App* command = app.add_subcommand("state", "Print or convert a saved gradient, levels or opaque state");
-  command->footer(StateFooter);
+  command->footer(kStateFooter);
   command->add_option("file", options.file, "The state's file")->required()->type_name("FILE");
   command->add_flag("--json", options.json, "As JSON");
   command->add_option("--convert", options.convert, "Write it as xml or binary")
@@ -153,7 +153,7 @@ void addSheet(CLI::App& app, SheetOptions& options) {
 void addInspect(CLI::App& app, InspectOptions& options) {
   CLI::App* command =
       app.add_subcommand("inspect", "Open an effect's parameters, or one saved state, in a window with a live preview");
-  command->footer(InspectFooter);
+  command->footer(kInspectFooter);
   command->add_option("effect", options.effect, "The effect's name; left out to edit a state alone")
       ->type_name("EFFECT");
   command->add_option("-i,--input", options.inputs, "The effect's pictures or sequences, as for render")
@@ -196,7 +196,7 @@ struct Options {
 
 void addCommands(CLI::App& app, Options& options) {
   app.name("vorto");
-  app.footer(Footer);
+  app.footer(kFooter);
   app.set_version_flag("--version", "vorto " VORTO_VERSION);
   app.require_subcommand(1);
   addEffects(app, options.effects);

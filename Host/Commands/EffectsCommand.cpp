@@ -166,7 +166,7 @@ void writeEffect(JsonWriter& json, const std::string& name, const QCPatch& patch
 
 void printList() {
   bool first = true;
-  for (const EffectKind kind : EffectKinds) {
+  for (const EffectKind kind : kEffectKinds) {
     const auto names = effectNames(kind);
     if (names.empty()) continue;
     printText(std::string(first ? "" : "\n") + effectKindPlural(kind) + "\n");
@@ -179,7 +179,7 @@ void printList() {
 void printJson() {
   JsonWriter json;
   json.beginObject();
-  for (const EffectKind kind : EffectKinds) {
+  for (const EffectKind kind : kEffectKinds) {
     json.key(effectKindKey(kind));
     json.beginArray();
     for (const std::string& name : effectNames(kind)) writeEffect(json, name, *makeEffect(name), kind);

@@ -19,10 +19,10 @@
 namespace host {
 namespace {
 
-constexpr std::uint8_t GroundGray = 38;
+constexpr std::uint8_t kGroundGray = 38;
 
 ImagePixels emptySheet(const SheetLayout& layout) {
-  if (layout.width() * layout.height() > LargestBitmapBytes / 4) {
+  if (layout.width() * layout.height() > kLargestBitmapBytes / 4) {
     throw Failure(ExitCode::Usage, "the sheet would be too large: " + std::to_string(layout.width()) + " x " +
                                        std::to_string(layout.height()) + " pixels");
   }
@@ -31,7 +31,7 @@ ImagePixels emptySheet(const SheetLayout& layout) {
   sheet.height = static_cast<std::uint32_t>(layout.height());
   allocatePixels(sheet);
   const auto samples = sheet.samples<std::uint8_t>();
-  for (std::size_t i = 0; i < samples.size(); ++i) samples[i] = i % 4 == 3 ? 255 : GroundGray;
+  for (std::size_t i = 0; i < samples.size(); ++i) samples[i] = i % 4 == 3 ? 255 : kGroundGray;
   return sheet;
 }
 
@@ -54,7 +54,7 @@ ImagePixels fittedPicture(const std::string& path) {
 }
 
 std::uint8_t overGround(float color, float alpha) {
-  const float value = color * 255.0f + (1.0f - alpha) * GroundGray;
+  const float value = color * 255.0f + (1.0f - alpha) * kGroundGray;
   return static_cast<std::uint8_t>(value > 0 ? std::min(value + 0.5f, 255.0f) : 0.0f);  // NaN is 0
 }
 

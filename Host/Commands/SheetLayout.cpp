@@ -7,12 +7,12 @@
 namespace host {
 namespace {
 
-constexpr std::size_t Margin = 40;
-constexpr std::size_t Gap = 32;
-constexpr std::size_t CaptionHeight = 40;
-constexpr std::size_t BaselineBelowPicture = 28;
-constexpr std::size_t CellWidth = SheetLayout::PictureWidth;
-constexpr std::size_t CellHeight = SheetLayout::PictureHeight + CaptionHeight;
+constexpr std::size_t kMargin = 40;
+constexpr std::size_t kGap = 32;
+constexpr std::size_t kCaptionHeight = 40;
+constexpr std::size_t kBaselineBelowPicture = 28;
+constexpr std::size_t kCellWidth = SheetLayout::PictureWidth;
+constexpr std::size_t kCellHeight = SheetLayout::PictureHeight + kCaptionHeight;
 
 }  // namespace
 
@@ -23,17 +23,17 @@ SheetLayout::SheetLayout(std::size_t pictures, std::size_t columns) {
 }
 
 std::uint64_t SheetLayout::width() const {
-  return 2 * Margin + columns_ * (CellWidth + Gap) - Gap;
+  return 2 * kMargin + columns_ * (kCellWidth + kGap) - kGap;
 }
 
 std::uint64_t SheetLayout::height() const {
-  return 2 * Margin + rows_ * (CellHeight + Gap) - Gap;
+  return 2 * kMargin + rows_ * (kCellHeight + kGap) - kGap;
 }
 
 SheetLayout::Cell SheetLayout::cell(std::size_t index) const {
-  const std::size_t x = Margin + index % columns_ * (CellWidth + Gap);
-  const std::size_t y = Margin + index / columns_ * (CellHeight + Gap);
-  return {x, y, x + CellWidth / 2, y + PictureHeight + BaselineBelowPicture};
+  const std::size_t x = kMargin + index % columns_ * (kCellWidth + kGap);
+  const std::size_t y = kMargin + index / columns_ * (kCellHeight + kGap);
+  return {x, y, x + kCellWidth / 2, y + PictureHeight + kBaselineBelowPicture};
 }
 
 std::pair<std::uint32_t, std::uint32_t> SheetLayout::fitted(std::uint32_t width, std::uint32_t height) {

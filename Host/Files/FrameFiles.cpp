@@ -12,7 +12,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int MostDigits = 20;
+constexpr int kMostDigits = 20;
 
 struct Placeholder {
   std::size_t begin = 0;
@@ -27,7 +27,7 @@ std::optional<Placeholder> findPlaceholder(const std::string& text, std::size_t 
     int digits = 1;
     if (end < text.size() && text[end] == '0') {
       const auto result = std::from_chars(text.data() + end, text.data() + text.size(), digits);
-      if (result.ec != std::errc() || digits < 1 || digits > MostDigits) continue;
+      if (result.ec != std::errc() || digits < 1 || digits > kMostDigits) continue;
       end = static_cast<std::size_t>(result.ptr - text.data());
     }
     if (end < text.size() && text[end] == 'd') return Placeholder{begin, end + 1, digits};

@@ -26,7 +26,7 @@ ImageFileModule& loadModule() {
     if (!std::filesystem::exists(path, ignored)) continue;
     void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
     const auto entry =
-        library ? reinterpret_cast<ImageFileModuleFunction>(dlsym(library, ImageFileModuleEntry)) : nullptr;
+        library ? reinterpret_cast<ImageFileModuleFunction>(dlsym(library, kImageFileModuleEntry)) : nullptr;
     if (entry) return *entry();
     const char* error = dlerror();
     reason = error ? error : "it has no entry point";
@@ -52,7 +52,7 @@ ImageFileModule& imageFiles() {
 ImagePixels readImageFile(const std::string& path) {
   ImagePixels image;
   std::string reason;
-  if (!imageFiles().read(readWhole(path), LargestBitmapBytes, &image, &reason)) {
+  if (!imageFiles().read(readWhole(path), kLargestBitmapBytes, &image, &reason)) {
     throw Failure(ExitCode::Input, "cannot read " + path + ": " + reason);
   }
   return image;

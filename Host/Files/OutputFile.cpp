@@ -16,16 +16,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The file that a chain of symbolic links leads to, there or not; empty, with the cause, when it leads nowhere.
-std::string resolvedPath(const std::string& path, std::string* reason) {
-  std::error_code error;
-  if (!fs::is_symlink(fs::symlink_status(path, error))) return path;
-  const fs::path target = fs::weakly_canonical(path, error);
-  if (!error) return target.string();
-  if (reason) *reason = error.message();
-  return {};
-}
-
 [[noreturn]] void refuse(const std::string& path, const std::string& reason) {
   throw Failure(ExitCode::Output, "cannot write " + path + ": " + reason);
 }
@@ -34,7 +24,7 @@ std::string resolvedPath(const std::string& path, std::string* reason) {
 
 void checkOutput(const std::string& path) {
   std::string reason = "it has no name";
-  const fs::path target = resolvedPath(path, &reason);
+  const fs::path target = NSResolvedPath(path, &reason);
   if (target.empty()) refuse(path, reason);
   const fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
   std::error_code error;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/ImageFiles/Channels.h"
 
-#include "Host/ImageFiles/Reason.h"
+#include "Platform/Foundation/NSReason.h"
 
 #include <algorithm>
 
@@ -71,7 +71,7 @@ bool depthOf(const OIIO::TypeDesc& type, Depth* depth, SampleType* sample) {
 bool findColorChannels(const OIIO::ImageSpec& spec, ColorChannels* channels, std::string* reason) {
   const int alpha = alphaChannel(spec);
   if (!findColors(spec, alpha, &channels->index)) {
-    return refuse(reason, "it has no channels that make a gray or an RGB picture");
+    return NSRefuse(reason, "it has no channels that make a gray or an RGB picture");
   }
   channels->first = spec.nchannels;
   channels->end = 0;
@@ -83,8 +83,8 @@ bool findColorChannels(const OIIO::ImageSpec& spec, ColorChannels* channels, std
     Depth depth;
     SampleType sample;
     if (!depthOf(spec.channelformat(channel), &depth, &sample)) {
-      return refuse(reason, std::string("its samples are of the type ") + spec.channelformat(channel).c_str() +
-                                "; 8 and 16 bits without a sign, half and float are read");
+      return NSRefuse(reason, std::string("its samples are of the type ") + spec.channelformat(channel).c_str() +
+                                  "; 8 and 16 bits without a sign, half and float are read");
     }
     if (first || depth > channels->depth) {
       channels->depth = depth;

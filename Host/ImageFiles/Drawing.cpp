@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/ImageFiles/Drawing.h"
 
-#include "Host/ImageFiles/Reason.h"
+#include "Platform/Foundation/NSReason.h"
 
 #include <OpenImageIO/imagebuf.h>
 #include <OpenImageIO/imagebufalgo.h>
@@ -26,7 +26,7 @@ bool resizeImage(const ImagePixels& source, ImagePixels* target, std::string* re
   const OIIO::ImageBuf from = wrapped(source);
   OIIO::ImageBuf to = wrapped(*target);
   if (!OIIO::ImageBufAlgo::resize(to, from, "lanczos3")) {
-    return refuse(reason, to.geterror());
+    return NSRefuse(reason, to.geterror());
   }
   return true;
 }
@@ -38,7 +38,7 @@ bool drawTextInImage(ImagePixels* image, int x, int baseline, const std::string&
   const bool drawn =
       OIIO::ImageBufAlgo::render_text(buffer, x, baseline, text, style.pixelSize, style.fontFile, color,
                                       OIIO::ImageBufAlgo::TextAlignX::Center, OIIO::ImageBufAlgo::TextAlignY::Baseline);
-  return drawn || refuse(reason, buffer.geterror());
+  return drawn || NSRefuse(reason, buffer.geterror());
 }
 
 int widthOfText(const std::string& text, const TextStyle& style) {

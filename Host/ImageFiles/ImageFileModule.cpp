@@ -3,8 +3,8 @@
 
 #include "Host/ImageFiles/Drawing.h"
 #include "Host/ImageFiles/Reading.h"
-#include "Host/ImageFiles/Reason.h"
 #include "Host/ImageFiles/Writing.h"
+#include "Platform/Foundation/NSReason.h"
 #include "Platform/Visibility.h"
 
 #include <OpenImageIO/imageio.h>
@@ -20,9 +20,9 @@ bool guarded(std::string* reason, Step step) {
   try {
     return step();
   } catch (const std::bad_alloc&) {
-    refuse(reason, "there is not enough memory for it");
+    NSRefuse(reason, "there is not enough memory for it");
   } catch (const std::exception& error) {
-    refuse(reason, error.what());
+    NSRefuse(reason, error.what());
   }
   return false;
 }

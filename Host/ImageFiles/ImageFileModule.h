@@ -78,7 +78,7 @@ class ImageFileModule {
 };
 
 // The module's one exported function. The object lives as long as the module is loaded.
-inline constexpr const char* ImageFileModuleEntry = "VortoImageFileModule";
+inline constexpr const char* kImageFileModuleEntry = "VortoImageFileModule";
 using ImageFileModuleFunction = ImageFileModule* (*)();
 
 }  // namespace host

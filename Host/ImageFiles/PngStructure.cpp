@@ -7,8 +7,8 @@
 namespace host {
 namespace {
 
-constexpr std::size_t SignatureSize = 8;
-constexpr std::size_t ChunkOverhead = 12;  // length, type and checksum, four bytes each
+constexpr std::size_t kSignatureSize = 8;
+constexpr std::size_t kChunkOverhead = 12;  // length, type and checksum, four bytes each
 
 // The checksum of the format's definition (polynomial 0xEDB88320, reflected), a byte at a time.
 constexpr std::array<std::uint32_t, 256> makeChecksumTable() {
@@ -35,14 +35,14 @@ std::uint32_t bigEndian(const std::uint8_t* bytes) {
 }  // namespace
 
 bool isWholePng(std::span<const std::uint8_t> file) {
-  std::size_t position = SignatureSize;
-  while (position <= file.size() && file.size() - position >= ChunkOverhead) {
+  std::size_t position = kSignatureSize;
+  while (position <= file.size() && file.size() - position >= kChunkOverhead) {
     const std::size_t length = bigEndian(&file[position]);
-    if (length > file.size() - position - ChunkOverhead) return false;
+    if (length > file.size() - position - kChunkOverhead) return false;
     const auto typeAndData = file.subspan(position + 4, length + 4);
     if (checksum(typeAndData) != bigEndian(&file[position + 8 + length])) return false;
     if (std::memcmp(typeAndData.data(), "IEND", 4) == 0) return true;
-    position += length + ChunkOverhead;
+    position += length + kChunkOverhead;
   }
   return false;
 }

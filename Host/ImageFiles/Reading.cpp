@@ -4,7 +4,7 @@
 #include "Host/ImageFiles/Channels.h"
 #include "Host/ImageFiles/Orientation.h"
 #include "Host/ImageFiles/PngStructure.h"
-#include "Host/ImageFiles/Reason.h"
+#include "Platform/Foundation/NSReason.h"
 
 #include <OpenImageIO/filesystem.h>
 #include <OpenImageIO/imageio.h>
@@ -31,7 +31,7 @@ const char* formatOf(std::span<const std::uint8_t> file) {
   return nullptr;
 }
 
-constexpr const char* Damaged = "it is damaged or cut short";
+constexpr const char* kDamaged = "it is damaged or cut short";
 
 // One line, without the name under which the library knows the bytes.
 std::string cleaned(std::string message) {
@@ -40,7 +40,7 @@ std::string cleaned(std::string message) {
   }
   std::replace(message.begin(), message.end(), '\n', ' ');
   while (!message.empty() && (message.back() == ' ' || message.back() == '.')) message.pop_back();
-  return message.empty() ? Damaged : message;
+  return message.empty() ? kDamaged : message;
 }
 
 class OpenedFile {
@@ -53,20 +53,20 @@ class OpenedFile {
 
   bool open(std::string* reason) {
     if (!format_) {
-      return refuse(reason, "it is not a PNG, JPEG, TIFF or EXR file");
+      return NSRefuse(reason, "it is not a PNG, JPEG, TIFF or EXR file");
     }
     if (std::string_view(format_) == "png" && !isWholePng(file_)) {
-      return refuse(reason, Damaged);
+      return NSRefuse(reason, kDamaged);
     }
     input_ = OIIO::ImageInput::create(format_);
     if (!input_) {
-      return refuse(reason, cleaned(OIIO::geterror()));
+      return NSRefuse(reason, cleaned(OIIO::geterror()));
     }
     OIIO::ImageSpec configuration;
     configuration.attribute("oiio:UnassociatedAlpha", 1);  // alpha as the file has it: we multiply ourselves
     input_->set_ioproxy(&proxy_);
     if (!input_->open("image", spec_, configuration)) {
-      return refuse(reason, cleaned(input_->geterror()));
+      return NSRefuse(reason, cleaned(input_->geterror()));
     }
     return check(reason) && findColorChannels(spec_, &channels_, reason);
   }
@@ -82,17 +82,17 @@ class OpenedFile {
     const bool read = input_->read_image(0, 0, channels_.first, channels_.end, type, samples);
     // Decoders go on after damage that they only warn of, and leave the rest of the picture as it is.
     if (read && !input_->has_error()) return true;
-    return refuse(reason, std::string(Damaged) + " (" + cleaned(input_->geterror()) + ")");
+    return NSRefuse(reason, std::string(kDamaged) + " (" + cleaned(input_->geterror()) + ")");
   }
 
  private:
   bool check(std::string* reason) const {
     if (spec_.deep) {
-      refuse(reason, "it is a deep image, which has no single color at a pixel");
+      NSRefuse(reason, "it is a deep image, which has no single color at a pixel");
     } else if (spec_.depth > 1) {
-      refuse(reason, "it is a volume, not a picture");
+      NSRefuse(reason, "it is a volume, not a picture");
     } else if (spec_.width <= 0 || spec_.height <= 0 || spec_.full_width <= 0 || spec_.full_height <= 0) {
-      refuse(reason, "it has no pixels");
+      NSRefuse(reason, "it has no pixels");
     } else {
       return true;
     }
@@ -172,8 +172,8 @@ bool readImage(std::span<const std::uint8_t> bytes, std::uint64_t maximumBytes, 
   OpenedFile file(bytes);
   if (!file.open(reason)) return false;
   if (isTooLarge(file, maximumBytes)) {
-    return refuse(reason, "its " + std::to_string(file.width()) + " x " + std::to_string(file.height()) +
-                              " pixels are more than a bitmap can hold");
+    return NSRefuse(reason, "its " + std::to_string(file.width()) + " x " + std::to_string(file.height()) +
+                                " pixels are more than a bitmap can hold");
   }
   image->width = file.width();
   image->height = file.height();

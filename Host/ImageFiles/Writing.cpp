@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/ImageFiles/Writing.h"
 
-#include "Host/ImageFiles/Reason.h"
+#include "Platform/Foundation/NSReason.h"
 
 #include <OpenImageIO/filesystem.h>
 #include <OpenImageIO/imageio.h>
@@ -67,7 +67,7 @@ bool writeImage(const ImagePixels& image, FileFormat format, Depth depth, std::v
 
   const auto output = OIIO::ImageOutput::create(libraryName(format));
   if (!output) {
-    return refuse(reason, OIIO::geterror());
+    return NSRefuse(reason, OIIO::geterror());
   }
   OIIO::Filesystem::IOVecOutput proxy;
   output->set_ioproxy(&proxy);
@@ -75,7 +75,7 @@ bool writeImage(const ImagePixels& image, FileFormat format, Depth depth, std::v
   // No short cut: each of the steps may fail, and the file is complete only after the last.
   if (!output->open("image", spec) || !output->write_image(typeOf(image.sample), image.bytes.get(), pixelSize) ||
       !output->close()) {
-    return refuse(reason, output->geterror());
+    return NSRefuse(reason, output->geterror());
   }
   file->assign(proxy.buffer().begin(), proxy.buffer().end());
   return true;

@@ -15,7 +15,7 @@
 namespace host {
 namespace {
 
-constexpr QSize SwatchSize{66, 22};
+constexpr QSize kSwatchSize{66, 22};
 
 QColor colorOf(const QCColorPort& port) {
   const auto color = port.colorValue();
@@ -27,7 +27,7 @@ QColor colorOf(const QCColorPort& port) {
 class Swatch : public QAbstractButton {
  public:
   Swatch(const QCColorPort& port, QWidget* parent) : QAbstractButton(parent), port_(port) {
-    setFixedSize(SwatchSize);
+    setFixedSize(kSwatchSize);
     setFocusPolicy(Qt::StrongFocus);
     setCursor(Qt::PointingHandCursor);
   }

@@ -15,7 +15,7 @@
 namespace host {
 namespace {
 
-const QString StateFilter = QStringLiteral("States (*.plist *.gradient *.levels *.inks);;All files (*)");
+const QString kStateFilter = QStringLiteral("States (*.plist *.gradient *.levels *.inks);;All files (*)");
 
 }  // namespace
 
@@ -90,7 +90,7 @@ void DocumentActions::load(const std::string& path, QCPort* preferred) {
 }
 
 void DocumentActions::open(QCPort* port) {
-  const QString path = QFileDialog::getOpenFileName(&window_, "Open State", {}, StateFilter);
+  const QString path = QFileDialog::getOpenFileName(&window_, "Open State", {}, kStateFilter);
   if (!path.isEmpty()) load(path.toStdString(), port);
 }
 
@@ -105,7 +105,7 @@ void DocumentActions::save(QCPort& port) {
 void DocumentActions::saveAs(QCPort& port) {
   const QString present = QString::fromStdString(document_.file(port));
   const QString suggested = present.isEmpty() ? QString::fromStdString(port.name()).toLower() + ".plist" : present;
-  const QString path = QFileDialog::getSaveFileName(&window_, "Save State", suggested, StateFilter);
+  const QString path = QFileDialog::getSaveFileName(&window_, "Save State", suggested, kStateFilter);
   if (!path.isEmpty() && tried([&] { document_.save(port, path.toStdString()); })) updateActions();
 }
 

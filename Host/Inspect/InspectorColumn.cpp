@@ -19,14 +19,14 @@ namespace {
 
 using namespace inspectorMetrics;
 
-constexpr int LabelWidth = 78;
-constexpr int RowHeight = 24;
+constexpr int kLabelWidth = 78;
+constexpr int kRowHeight = 24;
 
 bool bringsEditor(const QCPort& port) {
   return ParameterDocument::hasStateFile(port) || portKindOf(port) == PortKind::Object;
 }
 
-constexpr QMargins Insets{kLeftInset, 0, kRightInset, 0};
+constexpr QMargins kInsets{kLeftInset, 0, kRightInset, 0};
 
 class Rule : public QWidget {
  public:
@@ -34,7 +34,7 @@ class Rule : public QWidget {
 
  protected:
   void paintEvent(QPaintEvent*) override {
-    QPainter(this).fillRect(rect().marginsRemoved(Insets), inspectorColors(palette()).separator);
+    QPainter(this).fillRect(rect().marginsRemoved(kInsets), inspectorColors(palette()).separator);
   }
 };
 
@@ -72,28 +72,28 @@ void InspectorColumn::addHeading(QVBoxLayout& column, const Heading& heading) {
   font.setPointSizeF(font.pointSizeF() * 1.35);
   font.setWeight(QFont::DemiBold);
   title->setFont(font);
-  title->setContentsMargins(Insets);
+  title->setContentsMargins(kInsets);
   column.addWidget(title);
   if (heading.detail.isEmpty()) return;
   auto* detail = new QLabel(heading.detail, content_);
   detail->setForegroundRole(QPalette::PlaceholderText);
   detail->setWordWrap(true);
   detail->setFixedWidth(kContentWidth);
-  detail->setContentsMargins(Insets);
+  detail->setContentsMargins(kInsets);
   column.addWidget(detail);
 }
 
 void InspectorColumn::addRow(QVBoxLayout& column, QCPort& port) {
   auto* row = new QWidget(content_);
   row->setFixedWidth(kContentWidth);
-  row->setMinimumHeight(RowHeight);
+  row->setMinimumHeight(kRowHeight);
   auto* layout = new QHBoxLayout(row);
-  layout->setContentsMargins(Insets);
+  layout->setContentsMargins(kInsets);
   layout->setSpacing(6);
   const QString name = QString::fromStdString(port.name());
   auto* label = new QLabel(row);
-  label->setFixedWidth(LabelWidth);
-  label->setText(label->fontMetrics().elidedText(name, Qt::ElideRight, LabelWidth));
+  label->setFixedWidth(kLabelWidth);
+  label->setText(label->fontMetrics().elidedText(name, Qt::ElideRight, kLabelWidth));
   label->setToolTip(QString::fromStdString(port.key()));
   layout->addWidget(label);
   QWidget* editor = makeValueEditor(port, row);

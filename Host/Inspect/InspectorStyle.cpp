@@ -8,8 +8,8 @@
 namespace host {
 namespace {
 
-constexpr double GrooveHeight = 3;
-constexpr int HandleSize = 13;
+constexpr double kGrooveHeight = 3;
+constexpr int kHandleSize = 13;
 
 QColor mixed(const QColor& a, const QColor& b, float part) {
   return QColor::fromRgbF(a.redF() + (b.redF() - a.redF()) * part, a.greenF() + (b.greenF() - a.greenF()) * part,
@@ -23,7 +23,7 @@ void drawSlider(const QStyleOptionSlider& option, const QRect& handle, QPainter&
   const bool focused = option.state & QStyle::State_HasFocus;
   const bool pressed = option.activeSubControls & QStyle::SC_SliderHandle && option.state & QStyle::State_Sunken;
   const QPointF center = QRectF(handle).center();
-  const QRectF groove(option.rect.left() + 1, center.y() - GrooveHeight / 2, option.rect.width() - 2, GrooveHeight);
+  const QRectF groove(option.rect.left() + 1, center.y() - kGrooveHeight / 2, option.rect.width() - 2, kGrooveHeight);
   QRectF filled = groove;
   filled.setRight(center.x());
 
@@ -31,10 +31,10 @@ void drawSlider(const QStyleOptionSlider& option, const QRect& handle, QPainter&
   painter.setRenderHint(QPainter::Antialiasing);
   painter.setPen(Qt::NoPen);
   painter.setBrush(mixed(ground, ink, 0.22f));
-  painter.drawRoundedRect(groove, GrooveHeight / 2, GrooveHeight / 2);
+  painter.drawRoundedRect(groove, kGrooveHeight / 2, kGrooveHeight / 2);
   painter.setBrush(mixed(ground, ink, 0.55f));
-  painter.drawRoundedRect(filled, GrooveHeight / 2, GrooveHeight / 2);
-  const double radius = HandleSize / 2.0 - 1;
+  painter.drawRoundedRect(filled, kGrooveHeight / 2, kGrooveHeight / 2);
+  const double radius = kHandleSize / 2.0 - 1;
   painter.setBrush(pressed ? mixed(ground, ink, 0.75f)
                            : mixed(ink, QColor(Qt::white), ink.lightness() < 128 ? 0.95f : 0));
   painter.setPen(QPen(focused ? palette.color(QPalette::Highlight) : mixed(ground, ink, 0.6f), focused ? 2 : 1));
@@ -58,7 +58,7 @@ void InspectorStyle::drawComplexControl(ComplexControl control, const QStyleOpti
 
 int InspectorStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const {
   if (metric == PM_SliderLength || metric == PM_SliderThickness || metric == PM_SliderControlThickness)
-    return HandleSize;
+    return kHandleSize;
   return QProxyStyle::pixelMetric(metric, option, widget);
 }
 

@@ -15,9 +15,9 @@
 namespace host {
 namespace {
 
-constexpr int SliderSteps = 1000;
-constexpr double WidestSlider = 4096;  // beyond it a step of a slider is too much for anybody
-constexpr int BoxWidth = 66;
+constexpr int kSliderSteps = 1000;
+constexpr double kWidestSlider = 4096;  // beyond it a step of a slider is too much for anybody
+constexpr int kBoxWidth = 66;
 
 int decimalsFor(const PortRange& range) {
   if (!range.minimum || !range.maximum) return 3;
@@ -57,7 +57,7 @@ NumberEditor::NumberEditor(QCPort& port, QWidget* parent)
   box_->setButtonSymbols(QAbstractSpinBox::NoButtons);
   box_->setKeyboardTracking(false);
   box_->setAccelerated(true);
-  box_->setFixedWidth(BoxWidth);
+  box_->setFixedWidth(kBoxWidth);
   box_->setAlignment(Qt::AlignRight);
   box_->setAccessibleName(QString::fromStdString(port.name()));
   guardWheel(*box_);
@@ -66,7 +66,7 @@ NumberEditor::NumberEditor(QCPort& port, QWidget* parent)
   auto* row = new QHBoxLayout(this);
   row->setContentsMargins(0, 0, 0, 0);
   row->setSpacing(8);
-  if (range_.minimum && range_.maximum && span > 0 && span <= WidestSlider) {
+  if (range_.minimum && range_.maximum && span > 0 && span <= kWidestSlider) {
     addSlider();
     row->addWidget(slider_, 1);
   } else {
@@ -79,7 +79,7 @@ NumberEditor::NumberEditor(QCPort& port, QWidget* parent)
 void NumberEditor::addSlider() {
   const double span = *range_.maximum - *range_.minimum;
   slider_ = new QSlider(Qt::Horizontal, this);
-  slider_->setRange(0, whole_ ? static_cast<int>(span) : SliderSteps);
+  slider_->setRange(0, whole_ ? static_cast<int>(span) : kSliderSteps);
   slider_->setPageStep(std::max(1, slider_->maximum() / 10));
   slider_->setAccessibleName(QString::fromStdString(port_.name()));
   guardWheel(*slider_);

@@ -12,18 +12,18 @@
 namespace host {
 namespace {
 
-constexpr int Margin = 24;  // points around the picture
-constexpr int Cell = 8;     // points of the checkerboard
+constexpr int kMargin = 24;  // points around the picture
+constexpr int kCell = 8;     // points of the checkerboard
 
 QSize areaOf(const QWidget& widget) {
   const double ratio = widget.devicePixelRatioF();
-  const QSize points = widget.size().shrunkBy({Margin, Margin, Margin, Margin});
+  const QSize points = widget.size().shrunkBy({kMargin, kMargin, kMargin, kMargin});
   return {static_cast<int>(points.width() * ratio), static_cast<int>(points.height() * ratio)};
 }
 
 void paintCheckerboard(QPainter& painter, const QTransform& points, const QRect& device, double ratio,
                        const InspectorColors& colors) {
-  const int cell = std::max(1, static_cast<int>(std::lround(Cell * ratio)));
+  const int cell = std::max(1, static_cast<int>(std::lround(kCell * ratio)));
   painter.fillRect(points.mapRect(QRectF(device)), colors.checkerLight);
   for (int y = device.top(); y <= device.bottom(); y += cell) {
     const int odd = (y - device.top()) / cell % 2;
@@ -92,7 +92,7 @@ void PreviewView::paintEvent(QPaintEvent*) {
   if (picture_.isNull()) return;
   const double ratio = painter.device()->devicePixelRatioF();
   const QTransform points = painter.deviceTransform().inverted();  // what, painted, fills device pixels
-  const QPointF origin = painter.deviceTransform().map(QPointF(Margin, Margin));
+  const QPointF origin = painter.deviceTransform().map(QPointF(kMargin, kMargin));
   const QRect device = deviceRect().translated(origin.toPoint());
   if (picture_.hasAlphaChannel()) paintCheckerboard(painter, points, device, ratio, colors);
   painter.drawImage(points.mapRect(QRectF(device)), scaled(device.size()));

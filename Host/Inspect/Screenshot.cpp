@@ -16,14 +16,14 @@
 namespace host {
 namespace {
 
-constexpr int MostMilliseconds = 10000;  // until a window system has shown a window
+constexpr int kMostMilliseconds = 10000;  // until a window system has shown a window
 
 void waitUntilShown(QWidget& window) {
   window.show();
   QElapsedTimer waited;
   waited.start();
   while (!window.windowHandle() || !window.windowHandle()->isExposed()) {
-    if (waited.hasExpired(MostMilliseconds)) throw Failure(ExitCode::Unexpected, "the window did not appear");
+    if (waited.hasExpired(kMostMilliseconds)) throw Failure(ExitCode::Unexpected, "the window did not appear");
     QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
   }
   QCoreApplication::processEvents();

@@ -15,7 +15,7 @@
 namespace host {
 namespace {
 
-constexpr int Margin = 20;
+constexpr int kMargin = 20;
 
 }  // namespace
 
@@ -27,8 +27,8 @@ StateWindow::StateWindow(ParameterDocument& document) : messages_(new MessageBar
   section_ = new ParameterSection(*document.parameters().front(), *actions_, ParameterSection::Folding::None, this);
   section_->setFixedWidth(inspectorMetrics::kContentWidth);
   auto* inner = new QVBoxLayout;
-  inner->setContentsMargins(Margin - inspectorMetrics::kLeftInset, Margin - 6, Margin - inspectorMetrics::kRightInset,
-                            Margin - 2);
+  inner->setContentsMargins(kMargin - inspectorMetrics::kLeftInset, kMargin - 6,
+                            kMargin - inspectorMetrics::kRightInset, kMargin - 2);
   inner->addWidget(section_);
   auto* outer = new QVBoxLayout(this);
   outer->setContentsMargins(0, 0, 0, 0);

@@ -10,8 +10,8 @@
 namespace host {
 namespace {
 
-constexpr std::uint64_t TransitionSteps = 1000;
-constexpr double TransitionSeconds = 2;
+constexpr std::uint64_t kTransitionSteps = 1000;
+constexpr double kTransitionSeconds = 2;
 
 }  // namespace
 
@@ -28,9 +28,9 @@ Timeline Timeline::ofSequence(EffectKind kind, const FrameRange& frames, double 
 Timeline Timeline::ofTransition(double rate) {
   Timeline timeline;
   timeline.kind_ = EffectKind::Transition;
-  timeline.count_ = TransitionSteps + 1;
-  const double stride = static_cast<double>(TransitionSteps) / (rate * TransitionSeconds);
-  timeline.stride_ = static_cast<std::uint64_t>(std::clamp(std::round(stride), 1.0, TransitionSteps / 2.0));
+  timeline.count_ = kTransitionSteps + 1;
+  const double stride = static_cast<double>(kTransitionSteps) / (rate * kTransitionSeconds);
+  timeline.stride_ = static_cast<std::uint64_t>(std::clamp(std::round(stride), 1.0, kTransitionSteps / 2.0));
   timeline.rate_ = rate;
   return timeline;
 }
@@ -47,8 +47,8 @@ double Timeline::timeAt(std::uint64_t position) const {
 std::string Timeline::labelAt(std::uint64_t position) const {
   if (isSequence_) return std::to_string(frameAt(position));
   char text[32];
-  std::snprintf(text, sizeof text, "%llu.%02llu", static_cast<unsigned long long>(position / TransitionSteps),
-                static_cast<unsigned long long>(position % TransitionSteps / 10));
+  std::snprintf(text, sizeof text, "%llu.%02llu", static_cast<unsigned long long>(position / kTransitionSteps),
+                static_cast<unsigned long long>(position % kTransitionSteps / 10));
   return text;
 }
 

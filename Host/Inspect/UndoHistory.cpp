@@ -9,7 +9,7 @@
 namespace host {
 namespace {
 
-constexpr std::size_t MostSteps = 500;
+constexpr std::size_t kMostSteps = 500;
 using VRTStateKeys::kSelectedChannel;
 
 }  // namespace
@@ -55,7 +55,7 @@ bool UndoHistory::commit() {
   if (step.empty()) return false;
   steps_.resize(position_);
   steps_.push_back(std::move(step));
-  if (steps_.size() > MostSteps) steps_.erase(steps_.begin());
+  if (steps_.size() > kMostSteps) steps_.erase(steps_.begin());
   position_ = steps_.size();
   return true;
 }

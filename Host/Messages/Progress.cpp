@@ -9,7 +9,7 @@
 namespace host {
 namespace {
 
-constexpr std::uint64_t BarWidth = 40;
+constexpr std::uint64_t kBarWidth = 40;
 
 }  // namespace
 
@@ -23,8 +23,8 @@ Progress::~Progress() {
 
 void Progress::finished(std::uint64_t stepsSoFar) {
   if (!shown_) return;
-  const auto filled = static_cast<std::size_t>(BarWidth * stepsSoFar / steps_);
-  const std::string bar = std::string(filled, '#') + std::string(BarWidth - filled, '.');
+  const auto filled = static_cast<std::size_t>(kBarWidth * stepsSoFar / steps_);
+  const std::string bar = std::string(filled, '#') + std::string(kBarWidth - filled, '.');
   std::fprintf(stderr, "\r[%s] %llu of %llu", bar.c_str(), static_cast<unsigned long long>(stepsSoFar),
                static_cast<unsigned long long>(steps_));
   std::fflush(stderr);

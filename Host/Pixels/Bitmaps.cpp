@@ -13,7 +13,7 @@
 namespace host {
 namespace {
 
-constexpr std::uint32_t LargestEdge = 1u << 26;  // a row's bits fit 32 bits
+constexpr std::uint32_t kLargestEdge = 1u << 26;  // a row's bits fit 32 bits
 
 std::string sizeText(std::uint32_t width, std::uint32_t height) {
   return std::to_string(width) + " x " + std::to_string(height);
@@ -22,7 +22,7 @@ std::string sizeText(std::uint32_t width, std::uint32_t height) {
 void checkSize(std::uint32_t width, std::uint32_t height, std::uint32_t formatCode, const std::string& what) {
   const std::uint64_t pixels = std::uint64_t{width} * height;
   const std::uint64_t pixelBytes = VortoPixelFormat::getBitsPerPixel(formatCode) / 8;
-  if (pixels <= LargestBitmapBytes / pixelBytes && width <= LargestEdge && height <= LargestEdge) return;
+  if (pixels <= kLargestBitmapBytes / pixelBytes && width <= kLargestEdge && height <= kLargestEdge) return;
   throw Failure(ExitCode::Input,
                 what + ": " + sizeText(width, height) + " pixels at this depth are more than a bitmap can hold");
 }

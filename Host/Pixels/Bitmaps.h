@@ -13,7 +13,7 @@ namespace host {
 using BitmapRef = std::shared_ptr<const VortoBitmap>;
 
 // The most bytes of pixels in a bitmap: its size is a 32-bit number, and memory is reserved with some slack.
-inline constexpr std::uint64_t LargestBitmapBytes = 0xFFFFFFFFu - 65536u;
+inline constexpr std::uint64_t kLargestBitmapBytes = 0xFFFFFFFFu - 65536u;
 
 // A new bitmap, zero. `what` names the picture in the Failure that is thrown when it is more than a bitmap can hold, or
 // memory ran out.

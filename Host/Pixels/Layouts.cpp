@@ -14,7 +14,7 @@ namespace {
 
 using Format = VortoPixelFormat;
 
-constexpr Layout layouts[] = {
+constexpr Layout kLayouts[] = {
     {"rgba8", Format::RGBA8, Depth::Bits8, "8-bit red, green, blue, alpha"},
     {"argb8", Format::ARGB8, Depth::Bits8, "8-bit alpha, red, green, blue"},
     {"yuv422", Format::YUV8, Depth::Bits8,
@@ -37,13 +37,13 @@ using HalfPixel = VortoPixel4<half, VortoPixelInfoRGBAHalfFloat>;
 // What the bitmap's own conversion gives: it knows ARGB8, RGBA16 and RGBAFloat.
 std::shared_ptr<VortoBitmap> depthConverted(const VortoBitmap& bitmap, std::uint32_t formatCode,
                                             const std::string& what) {
-  const auto result = newBitmap(bitmap.width, bitmap.height, formatCode, what);
+  auto result = newBitmap(bitmap.width, bitmap.height, formatCode, what);
   result->copyWithScalingAndDepthConversion(bitmap);
   return result;
 }
 
 std::shared_ptr<VortoBitmap> asRGBA8(const VortoBitmap& bitmap, const std::string& what) {
-  const auto result = depthConverted(bitmap, Format::ARGB8, what);
+  auto result = depthConverted(bitmap, Format::ARGB8, what);
   result->convertToRGBA();
   return result;
 }
@@ -52,7 +52,7 @@ std::shared_ptr<VortoBitmap> asRGBA8(const VortoBitmap& bitmap, const std::strin
 template <class From, class To, class Convert>
 std::shared_ptr<VortoBitmap> converted(const VortoBitmap& bitmap, std::uint32_t formatCode, const std::string& what,
                                        Convert convert) {
-  const auto result = newBitmap(bitmap.width, bitmap.height, formatCode, what);
+  auto result = newBitmap(bitmap.width, bitmap.height, formatCode, what);
   const auto* const from = reinterpret_cast<const From*>(bitmap.data);
   auto* const to = reinterpret_cast<To*>(result->data);
   const std::size_t count = std::size_t{bitmap.width} * bitmap.height;
@@ -92,7 +92,7 @@ BitmapRef throughHalves(const VortoBitmap& bitmap, const std::string& what) {
 
 // The picture with its last column twice.
 std::shared_ptr<VortoBitmap> widened(const VortoBitmap& argb, const std::string& what) {
-  const auto result = newBitmap(argb.width + 1, argb.height, Format::ARGB8, what);
+  auto result = newBitmap(argb.width + 1, argb.height, Format::ARGB8, what);
   const std::size_t row = std::size_t{argb.width} * 4;
   for (std::size_t y = 0; y < argb.height; ++y) {
     const std::uint8_t* const from = argb.data + y * row;
@@ -110,14 +110,14 @@ BitmapRef throughYUV(const VortoBitmap& bitmap, const std::string& what) {
   held->copy(*argb);
   argb->copy(*held);
   if (argb->width == bitmap.width) return argb;
-  const auto result = newBitmap(bitmap.width, bitmap.height, Format::ARGB8, what);
+  auto result = newBitmap(bitmap.width, bitmap.height, Format::ARGB8, what);
   result->copyWithCropping(*argb, 0, 0, false);
   return result;
 }
 
 std::vector<std::string> layoutNames() {
   std::vector<std::string> names;
-  for (const Layout& layout : layouts) names.emplace_back(layout.name);
+  for (const Layout& layout : kLayouts) names.emplace_back(layout.name);
   return names;
 }
 
@@ -125,7 +125,7 @@ std::vector<std::string> layoutNames() {
 
 std::optional<Layout> parsedLayout(const std::string& name) {
   if (name.empty()) return std::nullopt;
-  for (const Layout& layout : layouts) {
+  for (const Layout& layout : kLayouts) {
     if (name == layout.name) return layout;
   }
   throw Failure(ExitCode::Usage, "--pixel-format " + name + ": give " + joinedNames(layoutNames(), " or "));
@@ -133,7 +133,7 @@ std::optional<Layout> parsedLayout(const std::string& name) {
 
 std::string layoutList() {
   std::string list;
-  for (const Layout& layout : layouts) {
+  for (const Layout& layout : kLayouts) {
     std::string name = layout.name;
     name.resize(10, ' ');
     list += "  " + name + layout.description + "\n";

@@ -9,11 +9,11 @@ namespace host {
 namespace {
 
 template <class Sample>
-constexpr std::uint32_t Full = std::numeric_limits<Sample>::max();
+constexpr std::uint32_t kFull = std::numeric_limits<Sample>::max();
 
 template <class Sample>
 void premultiplyIntegers(std::span<Sample> samples) {
-  constexpr std::uint64_t full = Full<Sample>;
+  constexpr std::uint64_t full = kFull<Sample>;
   for (std::size_t i = 0; i < samples.size(); i += 4) {
     const std::uint64_t alpha = samples[i + 3];
     for (std::size_t c = 0; c < 3; ++c) {
@@ -32,7 +32,7 @@ void premultiplyFloats(std::span<float> samples) {
 
 template <class Sample>
 void unpremultiplyIntegers(std::span<Sample> samples) {
-  constexpr std::uint64_t full = Full<Sample>;
+  constexpr std::uint64_t full = kFull<Sample>;
   for (std::size_t i = 0; i < samples.size(); i += 4) {
     const std::uint64_t alpha = samples[i + 3];
     if (alpha == full) continue;
@@ -47,11 +47,11 @@ void unpremultiplyIntegers(std::span<Sample> samples) {
 template <class To, class From>
 To convertedSample(From value) {
   if constexpr (std::is_same_v<To, float>) {
-    return static_cast<float>(value) / static_cast<float>(Full<From>);
+    return static_cast<float>(value) / static_cast<float>(kFull<From>);
   } else if constexpr (std::is_same_v<From, float>) {
     if (!(value > 0.0f)) return 0;  // NaN too
-    if (value >= 1.0f) return static_cast<To>(Full<To>);
-    return static_cast<To>(static_cast<double>(value) * Full<To> + 0.5);
+    if (value >= 1.0f) return static_cast<To>(kFull<To>);
+    return static_cast<To>(static_cast<double>(value) * kFull<To> + 0.5);
   } else if constexpr (sizeof(To) > sizeof(From)) {
     return static_cast<To>(value * 257u);
   } else {

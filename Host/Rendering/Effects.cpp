@@ -44,7 +44,7 @@ bool isOfKind(const QCPatch& patch, EffectKind kind) {
 
 std::vector<std::string> allEffectNames() {
   std::vector<std::string> names;
-  for (const EffectKind kind : EffectKinds) {
+  for (const EffectKind kind : kEffectKinds) {
     for (const std::string& name : effectNames(kind)) {
       if (std::find(names.begin(), names.end(), name) == names.end()) names.push_back(name);
     }
@@ -108,7 +108,7 @@ std::shared_ptr<QCPatch> makeEffect(const std::string& name) {
 
 std::vector<EffectKind> effectKindsOf(const QCPatch& patch) {
   std::vector<EffectKind> kinds;
-  for (const EffectKind kind : EffectKinds) {
+  for (const EffectKind kind : kEffectKinds) {
     if (isOfKind(patch, kind)) kinds.push_back(kind);
   }
   return kinds;

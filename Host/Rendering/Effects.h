@@ -13,8 +13,8 @@ namespace host {
 
 enum class EffectKind { Filter, Transition, Generator, BlendMode };
 
-inline constexpr EffectKind EffectKinds[] = {EffectKind::Filter, EffectKind::Transition, EffectKind::Generator,
-                                             EffectKind::BlendMode};
+inline constexpr EffectKind kEffectKinds[] = {EffectKind::Filter, EffectKind::Transition, EffectKind::Generator,
+                                              EffectKind::BlendMode};
 
 const char* effectKindKey(EffectKind kind);     // "filter", "transition", "generator", "blendMode"
 const char* effectKindPlural(EffectKind kind);  // "Filters", ...

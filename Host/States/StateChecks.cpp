@@ -26,7 +26,7 @@ std::string faultOfSamples(const PropertyList& state, const VRTStateKeys::Sample
            std::to_string(numbersPerSample);
   }
   for (std::size_t i = 0; i < numbers.size(); ++i) {
-    const std::string fault = faultOfNumber(numbers[i], "entry " + std::to_string(i) + " of " + quoted);
+    std::string fault = faultOfNumber(numbers[i], "entry " + std::to_string(i) + " of " + quoted);
     if (!fault.empty()) return fault;
   }
   return "";
@@ -35,7 +35,7 @@ std::string faultOfSamples(const PropertyList& state, const VRTStateKeys::Sample
 std::string faultOfLevels(const PropertyList& state) {
   for (const std::string& key : VRTStateKeys::levelsKeys()) {
     const PropertyList* value = state.find(key);
-    if (const std::string fault = value ? faultOfNumber(*value, '"' + key + '"') : ""; !fault.empty()) return fault;
+    if (std::string fault = value ? faultOfNumber(*value, '"' + key + '"') : ""; !fault.empty()) return fault;
   }
   return "";
 }
@@ -53,7 +53,7 @@ std::optional<StateKind> kindOfDictionary(const PropertyList& state) {
 std::string faultOfState(StateKind kind, const PropertyList& state) {
   switch (kind) {
     case StateKind::Gradient: {
-      const std::string fault = faultOfSamples(state, VRTStateKeys::kRGBSamples);
+      std::string fault = faultOfSamples(state, VRTStateKeys::kRGBSamples);
       return fault.empty() ? faultOfSamples(state, VRTStateKeys::kAlphaSamples) : fault;
     }
     case StateKind::Levels:

@@ -6,9 +6,9 @@
 
 namespace {
 
-constexpr int grayColumn = 16;
-constexpr QSize colorSize(grayColumn + 216, 145);
-constexpr QSize grayscaleSize(256, 32);
+constexpr int kGrayColumn = 16;
+constexpr QSize kColorSize(kGrayColumn + 216, 145);
+constexpr QSize kGrayscaleSize(256, 32);
 
 // Hue in turns at full saturation and value: each component is 1 for a third of the turn around its own hue and falls
 // to 0 over a sixth on both sides.
@@ -33,7 +33,7 @@ NSColor shadeOfHue(double hue, double shade) {
 }  // namespace
 
 QSize VRTColorSwatch::size() const {
-  return kind_ == Kind::color ? colorSize : grayscaleSize;
+  return kind_ == Kind::color ? kColorSize : kGrayscaleSize;
 }
 
 QPointF VRTColorSwatch::limited(QPointF place) const {
@@ -42,21 +42,21 @@ QPointF VRTColorSwatch::limited(QPointF place) const {
 
 NSColor VRTColorSwatch::colorAt(QPointF place) const {
   const QPointF at = limited(place);
-  if (kind_ == Kind::grayscale) return gray(at.x() / (grayscaleSize.width() - 1));
-  const double down = at.y() / (colorSize.height() - 1);
-  if (at.x() < grayColumn) return gray(1 - down);
-  return shadeOfHue((at.x() - grayColumn) / (colorSize.width() - grayColumn), down);
+  if (kind_ == Kind::grayscale) return gray(at.x() / (kGrayscaleSize.width() - 1));
+  const double down = at.y() / (kColorSize.height() - 1);
+  if (at.x() < kGrayColumn) return gray(1 - down);
+  return shadeOfHue((at.x() - kGrayColumn) / (kColorSize.width() - kGrayColumn), down);
 }
 
 QPointF VRTColorSwatch::placeOf(const NSColor& color) const {
   const QColor visible = color.toQColor();
   const double bottom = size().height() - 1;
-  if (kind_ == Kind::grayscale) return {visible.redF() * (grayscaleSize.width() - 1), bottom / 2};
+  if (kind_ == Kind::grayscale) return {visible.redF() * (kGrayscaleSize.width() - 1), bottom / 2};
   const double saturation = visible.hsvSaturationF();
   const double value = visible.valueF();
-  if (!(saturation > 0) || visible.hsvHueF() < 0) return {grayColumn / 2.0, (1 - value) * bottom};
+  if (!(saturation > 0) || visible.hsvHueF() < 0) return {kGrayColumn / 2.0, (1 - value) * bottom};
   const double shade = value < 1 ? 1 - value / 2 : saturation / 2;
-  return {grayColumn + visible.hsvHueF() * (colorSize.width() - grayColumn), shade * bottom};
+  return {kGrayColumn + visible.hsvHueF() * (kColorSize.width() - kGrayColumn), shade * bottom};
 }
 
 QImage VRTColorSwatch::image(double devicePixelRatio) const {

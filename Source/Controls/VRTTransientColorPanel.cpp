@@ -17,10 +17,10 @@
 
 namespace {
 
-constexpr int margin = 6;
-constexpr double ringRadius = 5;
-constexpr int step = 1;
-constexpr int largeStep = 10;
+constexpr int kMargin = 6;
+constexpr double kRingRadius = 5;
+constexpr int kStep = 1;
+constexpr int kLargeStep = 10;
 
 QPoint keptOnScreen(QPoint centre, QSize size) {
   const QScreen* screen = QGuiApplication::screenAt(centre);
@@ -65,7 +65,7 @@ VRTTransientColorPanel::VRTTransientColorPanel(QWidget& owner, VRTColorSwatch::K
   setAccessibleName(kind == VRTColorSwatch::Kind::color ? QStringLiteral("Color picker")
                                                         : QStringLiteral("Gray picker"));
   setCursor(CursorOfThemeAtomAtIndex(VRTTheme::theme(), VRTThemeAtomCursor, 0));
-  const QSize size = swatch_.size() + QSize(2 * margin, 2 * margin);
+  const QSize size = swatch_.size() + QSize(2 * kMargin, 2 * kMargin);
   setFixedSize(size);
   move(keptOnScreen(globalPosition, size));
   place_ = oldColor ? swatch_.placeOf(*oldColor)
@@ -77,7 +77,7 @@ VRTTransientColorPanel::~VRTTransientColorPanel() {
 }
 
 QPoint VRTTransientColorPanel::swatchOrigin() {
-  return {margin, margin};
+  return {kMargin, kMargin};
 }
 
 bool VRTTransientColorPanel::event(QEvent* event) {
@@ -97,9 +97,9 @@ void VRTTransientColorPanel::paintEvent(QPaintEvent*) {
   painter.setRenderHint(QPainter::Antialiasing);
   const QPointF centre = place_ + swatchOrigin() + QPointF(0.5, 0.5);
   painter.setPen(QPen(QColor(0, 0, 0, 160), 3));
-  painter.drawEllipse(centre, ringRadius, ringRadius);
+  painter.drawEllipse(centre, kRingRadius, kRingRadius);
   painter.setPen(QPen(Qt::white, 1.5));
-  painter.drawEllipse(centre, ringRadius, ringRadius);
+  painter.drawEllipse(centre, kRingRadius, kRingRadius);
 }
 
 // Copies run: the panel may be destroyed by what it calls.
@@ -158,7 +158,7 @@ void VRTTransientColorPanel::keyPressEvent(QKeyEvent* event) {
   if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) return takeByKey();
   const QPoint direction = directionOf(event->key());
   if (direction.isNull()) return;
-  reportPlace(swatch_.limited(place_ + direction * (event->modifiers() & Qt::ShiftModifier ? largeStep : step)));
+  reportPlace(swatch_.limited(place_ + direction * (event->modifiers() & Qt::ShiftModifier ? kLargeStep : kStep)));
 }
 
 // Closed from outside: another window came to the front, or the application hid its windows.

@@ -20,7 +20,7 @@
 #include <sanitizer/asan_interface.h>
 #endif
 
-inline constexpr bool hasAddressSanitizer = TARN_ADDRESS_SANITIZER != 0;
+inline constexpr bool kHasAddressSanitizer = TARN_ADDRESS_SANITIZER != 0;
 
 inline void poisonMemory([[maybe_unused]] const void* start, [[maybe_unused]] std::size_t size) {
 #if TARN_ADDRESS_SANITIZER

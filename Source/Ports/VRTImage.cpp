@@ -9,7 +9,7 @@
 
 namespace {
 
-const NSClassRegistration imageClass("VRTImage", "QCImage", {});
+const NSClassRegistration kImageClass("VRTImage", "QCImage", {});
 
 }  // namespace
 

@@ -20,7 +20,7 @@ namespace {
 
 // Opaque data may hold opaque data, each level in an archive of its own: the depth is bounded so that neither a crafted
 // document nor an object that holds itself can exhaust the stack.
-constexpr int maximumOpaqueNesting = 32;
+constexpr int kMaximumOpaqueNesting = 32;
 
 class OpaqueNesting {
  public:
@@ -28,7 +28,7 @@ class OpaqueNesting {
   ~OpaqueNesting() { --depth; }
   OpaqueNesting(const OpaqueNesting&) = delete;
   OpaqueNesting& operator=(const OpaqueNesting&) = delete;
-  static bool tooDeep() { return depth > maximumOpaqueNesting; }
+  static bool tooDeep() { return depth > kMaximumOpaqueNesting; }
 
  private:
   static inline int depth = 0;
@@ -91,7 +91,7 @@ struct LevelsAccess {
 };
 
 // In the order of VRTStateKeys::kLevelsValues.
-constexpr std::array<LevelsAccess, VRTStateKeys::kLevelsValues.size()> levelsAccess{{
+constexpr std::array<LevelsAccess, VRTStateKeys::kLevelsValues.size()> kLevelsAccess{{
     {&VRTHistogram::blackInForChannel, &VRTHistogram::setBlackIn},
     {&VRTHistogram::blackOutForChannel, &VRTHistogram::setBlackOut},
     {&VRTHistogram::whiteInForChannel, &VRTHistogram::setWhiteIn},
@@ -105,16 +105,16 @@ void visitLevels(Visit visit) {
   using namespace VRTStateKeys;
   for (std::size_t channel = 0; channel < kLevelsChannels.size(); ++channel) {
     for (std::size_t value = 0; value < kLevelsValues.size(); ++value) {
-      visit(levelsAccess[value], static_cast<int>(channel), levelsKey(static_cast<LevelsValue>(value), channel));
+      visit(kLevelsAccess[value], static_cast<int>(channel), levelsKey(static_cast<LevelsValue>(value), channel));
     }
   }
 }
 
-const NSClassRegistration objectClass("VRTObject", "QCObject", {});
-const NSClassRegistration gradientClass("VRTGradient", "VRTObject", [] { return std::make_shared<VRTGradient>(); });
-const NSClassRegistration histogramClass("VRTHistogram", "VRTObject", [] { return std::make_shared<VRTHistogram>(); });
-const NSClassRegistration opaqueDataClass("VRTOpaqueData", "VRTObject",
-                                          [] { return std::make_shared<VRTOpaqueData>(); });
+const NSClassRegistration kObjectClass("VRTObject", "QCObject", {});
+const NSClassRegistration kGradientClass("VRTGradient", "VRTObject", [] { return std::make_shared<VRTGradient>(); });
+const NSClassRegistration kHistogramClass("VRTHistogram", "VRTObject", [] { return std::make_shared<VRTHistogram>(); });
+const NSClassRegistration kOpaqueDataClass("VRTOpaqueData", "VRTObject",
+                                           [] { return std::make_shared<VRTOpaqueData>(); });
 
 }  // namespace
 

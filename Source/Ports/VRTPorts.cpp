@@ -22,12 +22,12 @@ NSTarnView* makeParameterView(const char* portClass, QCObjectPort& port) {
 }
 
 // Patches make ports with their keys; made by name a port has none.
-const NSClassRegistration gradientPortClass("VRTGradientPort", "QCObjectPort",
-                                            [] { return std::make_shared<VRTGradientPort>(""); });
-const NSClassRegistration histogramPortClass("VRTHistogramPort", "QCObjectPort",
-                                             [] { return std::make_shared<VRTHistogramPort>(""); });
-const NSClassRegistration opaqueDataPortClass("VRTOpaqueDataPort", "QCObjectPort",
-                                              [] { return std::make_shared<VRTOpaqueDataPort>(""); });
+const NSClassRegistration kGradientPortClass("VRTGradientPort", "QCObjectPort",
+                                             [] { return std::make_shared<VRTGradientPort>(""); });
+const NSClassRegistration kHistogramPortClass("VRTHistogramPort", "QCObjectPort",
+                                              [] { return std::make_shared<VRTHistogramPort>(""); });
+const NSClassRegistration kOpaqueDataPortClass("VRTOpaqueDataPort", "QCObjectPort",
+                                               [] { return std::make_shared<VRTOpaqueDataPort>(""); });
 
 }  // namespace
 

@@ -5,19 +5,20 @@
 
 namespace {
 
-const NSClassRegistration managerClass("TarnEffectManager", "VRTNodeManager",
-                                       [] { return std::make_shared<TarnEffectManager>(); });
-const NSClassRegistration gradientPortClass("TarnGradientPort", "VRTGradientPort",
-                                            [] { return std::make_shared<TarnGradientPort>(""); });
-const NSClassRegistration histogramPortClass("TarnHistogramPort", "VRTHistogramPort",
-                                             [] { return std::make_shared<TarnHistogramPort>(""); });
-const NSClassRegistration opaqueDataPortClass("TarnOpaqueDataPort", "VRTOpaqueDataPort",
-                                              [] { return std::make_shared<TarnOpaqueDataPort>(""); });
-const NSClassRegistration gradientClass("TarnGradient", "VRTGradient", [] { return std::make_shared<TarnGradient>(); });
-const NSClassRegistration histogramClass("TarnHistogram", "VRTHistogram",
-                                         [] { return std::make_shared<TarnHistogram>(); });
-const NSClassRegistration opaqueDataClass("TarnOpaqueData", "VRTOpaqueData",
-                                          [] { return std::make_shared<TarnOpaqueData>(); });
+const NSClassRegistration kManagerClass("TarnEffectManager", "VRTNodeManager",
+                                        [] { return std::make_shared<TarnEffectManager>(); });
+const NSClassRegistration kGradientPortClass("TarnGradientPort", "VRTGradientPort",
+                                             [] { return std::make_shared<TarnGradientPort>(""); });
+const NSClassRegistration kHistogramPortClass("TarnHistogramPort", "VRTHistogramPort",
+                                              [] { return std::make_shared<TarnHistogramPort>(""); });
+const NSClassRegistration kOpaqueDataPortClass("TarnOpaqueDataPort", "VRTOpaqueDataPort",
+                                               [] { return std::make_shared<TarnOpaqueDataPort>(""); });
+const NSClassRegistration kGradientClass("TarnGradient", "VRTGradient",
+                                         [] { return std::make_shared<TarnGradient>(); });
+const NSClassRegistration kHistogramClass("TarnHistogram", "VRTHistogram",
+                                          [] { return std::make_shared<TarnHistogram>(); });
+const NSClassRegistration kOpaqueDataClass("TarnOpaqueData", "VRTOpaqueData",
+                                           [] { return std::make_shared<TarnOpaqueData>(); });
 
 }  // namespace
 

@@ -10,8 +10,8 @@
 
 namespace {
 
-const NSClassRegistration registeredManager("VRTNodeManager", "GFNodeManager",
-                                            [] { return std::make_shared<VRTNodeManager>(); });
+const NSClassRegistration kRegisteredManager("VRTNodeManager", "GFNodeManager",
+                                             [] { return std::make_shared<VRTNodeManager>(); });
 
 // Empty unless there is one with an absolute path: a relative one would load code from wherever the process stands.
 std::string homeFolder() {

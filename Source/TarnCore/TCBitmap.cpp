@@ -10,25 +10,25 @@
 
 namespace {
 
-constexpr std::uint32_t bitmapTag = 9;
+constexpr std::uint32_t kBitmapTag = 9;
 
 }  // namespace
 
 VortoBitmap::VortoBitmap() : VortoImage(0, 0, 0, 0, 0) {
-  imageTag = bitmapTag;
+  imageTag = kBitmapTag;
 }
 
 VortoBitmap::VortoBitmap(std::uint32_t w, std::uint32_t h, std::uint32_t bits, std::uint32_t channelCount,
                          std::uint32_t code, std::uint32_t padding)
     : VortoImage(w, h, bits, channelCount, padding), formatCode(code) {
-  imageTag = bitmapTag;
+  imageTag = kBitmapTag;
   allocateMemory();
 }
 
 // The source's pointer is taken over with the descriptor, but nothing of its memory: with allocSize 0, the release
 // inside clone() gives nothing back.
 VortoBitmap::VortoBitmap(const VortoBitmap& source) : VortoImage(source) {
-  imageTag = bitmapTag;
+  imageTag = kBitmapTag;
   clone(source);
 }
 
@@ -42,7 +42,7 @@ void VortoBitmap::clear() {
   bitsPerChannel = 0;
   channels = 0;
   formatCode = 0;
-  imageTag = bitmapTag;
+  imageTag = kBitmapTag;
   deallocateMemory();
 }
 

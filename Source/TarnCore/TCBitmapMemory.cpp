@@ -8,30 +8,30 @@
 
 namespace {
 
-constexpr std::uint32_t slack = 1024;        // bytes that every bitmap has beyond its pixels
-constexpr std::uint32_t largeSize = 204800;  // bytes with slack above which whole blocks are reserved
-constexpr std::uint32_t blockSize = 32768;   // bytes
-constexpr std::uint32_t vmPageSize = 4096;   // bytes; one more is always added
-constexpr int allocationFlags = VM_FLAGS_ANYWHERE | VM_MAKE_TAG(VM_MEMORY_APPLICATION_SPECIFIC_1);
-constexpr vm_prot_t readAndWrite = VM_PROT_READ | VM_PROT_WRITE;
+constexpr std::uint32_t kSlack = 1024;        // bytes that every bitmap has beyond its pixels
+constexpr std::uint32_t kLargeSize = 204800;  // bytes with slack above which whole blocks are reserved
+constexpr std::uint32_t kBlockSize = 32768;   // bytes
+constexpr std::uint32_t kVmPageSize = 4096;   // bytes; one more is always added
+constexpr int kAllocationFlags = VM_FLAGS_ANYWHERE | VM_MAKE_TAG(VM_MEMORY_APPLICATION_SPECIFIC_1);
+constexpr vm_prot_t kReadAndWrite = VM_PROT_READ | VM_PROT_WRITE;
 
 constexpr std::uint32_t roundedUpToBlocks(std::uint32_t size) {
-  return (size + blockSize - 1) / blockSize * blockSize;
+  return (size + kBlockSize - 1) / kBlockSize * kBlockSize;
 }
 
 // Every step wraps at 32 bits.
 std::uint32_t allocationSize(const VortoBitmap& bitmap) {
   const std::uint32_t raw =
       (bitmap.width * bitmap.bitsPerChannel / 8 * bitmap.channels + bitmap.rowPadding) * bitmap.height;
-  std::uint32_t size = raw + slack;
-  if (size > largeSize) {
+  std::uint32_t size = raw + kSlack;
+  if (size > kLargeSize) {
     if (bitmap.channels == 2 && bitmap.formatCode == VortoPixelFormat::YUV8) {
-      size = roundedUpToBlocks(bitmap.width * bitmap.height * bitmap.bitsPerChannel / 8 * 4 + slack) / 2;
+      size = roundedUpToBlocks(bitmap.width * bitmap.height * bitmap.bitsPerChannel / 8 * 4 + kSlack) / 2;
     } else {
-      size = roundedUpToBlocks(raw + slack);
+      size = roundedUpToBlocks(raw + kSlack);
     }
   }
-  return size / vmPageSize * vmPageSize + vmPageSize;
+  return size / kVmPageSize * kVmPageSize + kVmPageSize;
 }
 
 vm_address_t addressOf(const void* data) {
@@ -40,7 +40,7 @@ vm_address_t addressOf(const void* data) {
 
 kern_return_t allocate(std::uint8_t** data, std::uint32_t size) {
   vm_address_t address = 0;
-  const kern_return_t result = vm_allocate(mach_task_self(), &address, size, allocationFlags);
+  const kern_return_t result = vm_allocate(mach_task_self(), &address, size, kAllocationFlags);
   if (result == KERN_SUCCESS) *data = reinterpret_cast<std::uint8_t*>(address);
   return result;
 }
@@ -69,8 +69,8 @@ void VortoBitmap::allocateMemory() {
   }
 
   vm_size_t entrySize = allocSize;
-  result =
-      mach_make_memory_entry(mach_task_self(), &entrySize, addressOf(data), readAndWrite, &memoryEntry, MACH_PORT_NULL);
+  result = mach_make_memory_entry(mach_task_self(), &entrySize, addressOf(data), kReadAndWrite, &memoryEntry,
+                                  MACH_PORT_NULL);
   if (result != KERN_SUCCESS) {
     std::fprintf(stderr, "could not make port for %p because %d\n", static_cast<void*>(data), result);
     vm_deallocate(mach_task_self(), addressOf(data), allocSize);
@@ -100,7 +100,7 @@ void VortoBitmap::mapIntoMemory() {
   if (data) return;
   vm_address_t address = 0;
   const kern_return_t result = vm_map(mach_task_self(), &address, allocSize, 0, VM_FLAGS_ANYWHERE, memoryEntry, 0,
-                                      false, readAndWrite, readAndWrite, VM_INHERIT_SHARE);
+                                      false, kReadAndWrite, kReadAndWrite, VM_INHERIT_SHARE);
   if (result != KERN_SUCCESS) {
     std::fprintf(stderr, "Could not map %X because %d\n", memoryEntry, result);
     return;

@@ -13,7 +13,7 @@ constinit const VortoColor VortoColor::YELLOW(1, 1, 0, 1);
 
 namespace {
 
-constexpr float tolerance5 = 0.00001f;
+constexpr float kTolerance5 = 0.00001f;
 
 bool isClose(float a, float b, float tolerance) {
   return std::fabs(a - b) < tolerance;
@@ -27,8 +27,8 @@ float clamped(float x, float low, float high) {
 
 // Whether a color of one of the three hue models has no hue of its own.
 bool isGray(const VortoColor& color) {
-  if (color.type == VortoColor::HWB) return std::fabs(1 - color.c3 - color.c2) < tolerance5;
-  return std::fabs(color.c2) < tolerance5;
+  if (color.type == VortoColor::HWB) return std::fabs(1 - color.c3 - color.c2) < kTolerance5;
+  return std::fabs(color.c2) < kTolerance5;
 }
 
 // Calls `change` on the components that carry light in the color's model.
@@ -291,8 +291,8 @@ VortoColor& VortoColor::clamp() {
 
 bool VortoColor::operator==(const VortoColor& o) const {
   const VortoColor other = convertedTo(type, o);
-  return isClose(c1, other.c1, tolerance5) && isClose(c2, other.c2, tolerance5) && isClose(c3, other.c3, tolerance5) &&
-         isClose(alpha, other.alpha, tolerance5);
+  return isClose(c1, other.c1, kTolerance5) && isClose(c2, other.c2, kTolerance5) &&
+         isClose(c3, other.c3, kTolerance5) && isClose(alpha, other.alpha, kTolerance5);
 }
 
 bool VortoColor::operator!=(const VortoColor& o) const {

@@ -9,10 +9,10 @@
 
 namespace {
 
-constexpr float closeToZero = 0.00001f;
+constexpr float kCloseToZero = 0.00001f;
 
 bool isCloseToZero(float x) {
-  return std::fabs(x) < closeToZero;
+  return std::fabs(x) < kCloseToZero;
 }
 
 float largest(float r, float g, float b) {
@@ -139,7 +139,7 @@ void VortoColor::HWBtoRGB(float h, float whiteness, float blackness, float* r, f
   const float v = 1 - blackness;
   if (isCloseToZero(v - whiteness)) return store(v, v, v, r, g, b);
 
-  const float sextant = std::floor(h / 60 + closeToZero);
+  const float sextant = std::floor(h / 60 + kCloseToZero);
   if (!(sextant >= 0 && sextant <= 6)) return;
   const int i = static_cast<int>(sextant);
   float f = h / 60 - sextant;

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr std::uint32_t BlockBytes = 64;
+constexpr std::uint32_t kBlockBytes = 64;
 
 // The value of a hexadecimal digit; -1 for anything else. Independent of the locale.
 int digitValue(char c) {
@@ -50,19 +50,19 @@ void VortoHash128::startIfEmpty() {
 void VortoHash128::addData(const unsigned char* data, std::uint32_t length) {
   if (data == nullptr || length == 0) return;
   startIfEmpty();
-  const std::uint32_t whole = length / BlockBytes;
+  const std::uint32_t whole = length / kBlockBytes;
   vorto::kernels::md5Blocks(words, data, whole);
-  const std::uint32_t rest = length % BlockBytes;
+  const std::uint32_t rest = length % kBlockBytes;
   if (rest == 0) return;
-  unsigned char block[BlockBytes] = {};
-  std::memcpy(block, data + std::size_t{whole} * BlockBytes, rest);
+  unsigned char block[kBlockBytes] = {};
+  std::memcpy(block, data + std::size_t{whole} * kBlockBytes, rest);
   block[rest] = 0x80;
   vorto::kernels::md5Blocks(words, block, 1);
 }
 
 void VortoHash128::transform(const std::uint32_t* block) {
-  unsigned char bytes[BlockBytes];
-  for (std::uint32_t i = 0; i < BlockBytes; ++i) bytes[i] = static_cast<unsigned char>(block[i / 4] >> (8 * (i % 4)));
+  unsigned char bytes[kBlockBytes];
+  for (std::uint32_t i = 0; i < kBlockBytes; ++i) bytes[i] = static_cast<unsigned char>(block[i / 4] >> (8 * (i % 4)));
   vorto::kernels::md5Blocks(words, bytes, 1);
 }
 

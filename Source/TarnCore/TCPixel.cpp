@@ -75,42 +75,42 @@ std::uint16_t denormalized<std::uint16_t>(double v) {
 
 template <class T, class Info, int count>
 float VortoPixelN<T, Info, count>::getRedfn() const {
-  return channel<Info::red>(values);
+  return channel<Info::kRed>(values);
 }
 
 template <class T, class Info, int count>
 float VortoPixelN<T, Info, count>::getGreenfn() const {
-  return channel<Info::green>(values);
+  return channel<Info::kGreen>(values);
 }
 
 template <class T, class Info, int count>
 float VortoPixelN<T, Info, count>::getBluefn() const {
-  return channel<Info::blue>(values);
+  return channel<Info::kBlue>(values);
 }
 
 template <class T, class Info, int count>
 float VortoPixelN<T, Info, count>::getAlphafn() const {
-  return channel<Info::alpha>(values);
+  return channel<Info::kAlpha>(values);
 }
 
 template <class T, class Info, int count>
 void VortoPixelN<T, Info, count>::setRedfn(float v) {
-  setChannel<Info::red>(values, v);
+  setChannel<Info::kRed>(values, v);
 }
 
 template <class T, class Info, int count>
 void VortoPixelN<T, Info, count>::setGreenfn(float v) {
-  setChannel<Info::green>(values, v);
+  setChannel<Info::kGreen>(values, v);
 }
 
 template <class T, class Info, int count>
 void VortoPixelN<T, Info, count>::setBluefn(float v) {
-  setChannel<Info::blue>(values, v);
+  setChannel<Info::kBlue>(values, v);
 }
 
 template <class T, class Info, int count>
 void VortoPixelN<T, Info, count>::setAlphafn(float v) {
-  setChannel<Info::alpha>(values, v);
+  setChannel<Info::kAlpha>(values, v);
 }
 
 template struct VortoPixelN<std::uint8_t, VortoPixelInfoRGBA8, 4>;

@@ -34,10 +34,10 @@ TARN_EXPORT std::uint16_t denormalized<std::uint16_t>(double v);
 // Where each channel lies in the record; -1 where there is none.
 template <VortoPixelFormat::Code code>
 struct TARN_EXPORT VortoPixelInfo {
-  static constexpr int red = TCPixelLayoutOf(code).red;
-  static constexpr int green = TCPixelLayoutOf(code).green;
-  static constexpr int blue = TCPixelLayoutOf(code).blue;
-  static constexpr int alpha = TCPixelLayoutOf(code).alpha;
+  static constexpr int kRed = TCPixelLayoutOf(code).red;
+  static constexpr int kGreen = TCPixelLayoutOf(code).green;
+  static constexpr int kBlue = TCPixelLayoutOf(code).blue;
+  static constexpr int kAlpha = TCPixelLayoutOf(code).alpha;
 };
 struct TARN_EXPORT VortoPixelInfoRGBA8 : VortoPixelInfo<VortoPixelFormat::RGBA8> {};
 struct TARN_EXPORT VortoPixelInfoARGB8 : VortoPixelInfo<VortoPixelFormat::ARGB8> {};

@@ -37,7 +37,7 @@ const OpenGLFormat& formatOf(VortoPixelFormat::Code code) {
 }
 
 // Bits of four channels of each depth.
-constexpr std::int64_t channelCount = 4;
+constexpr std::int64_t kChannelCount = 4;
 
 VortoBitDepth::Type depthOf(std::int64_t bitsPerPixel, bool integer) {
   switch (bitsPerPixel) {
@@ -123,7 +123,7 @@ VortoBitDepth::Type VortoBitDepth::getFromBitsPerPixel(int bits, bool integer) {
   return depthOf(bits, integer);
 }
 VortoBitDepth::Type VortoBitDepth::getFromBitsPerChannel(int bits, bool integer) {
-  return depthOf(channelCount * bits, integer);
+  return depthOf(kChannelCount * bits, integer);
 }
 
 void VortoMakeCheckerImage(void* pixels, unsigned width, unsigned height) {

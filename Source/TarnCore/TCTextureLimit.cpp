@@ -10,11 +10,11 @@
 
 namespace {
 
-constexpr std::int64_t mebibyte = 1048576;
-constexpr std::string_view limitedRendererName = "ATI Radeon X1600";
-constexpr std::size_t comparedNameLength = 16;
-constexpr int unknownHardwareMaximum = 2048;  // pixels; what every device of the last decades takes
-constexpr std::uint32_t mostDisplays = 4;
+constexpr std::int64_t kMebibyte = 1048576;
+constexpr std::string_view kLimitedRendererName = "ATI Radeon X1600";
+constexpr std::size_t kComparedNameLength = 16;
+constexpr int kUnknownHardwareMaximum = 2048;  // pixels; what every device of the last decades takes
+constexpr std::uint32_t kMostDisplays = 4;
 
 int memoryLimit(std::int64_t mebibytesPerDisplay) {
   if (mebibytesPerDisplay < 33) return 1920;
@@ -46,12 +46,12 @@ void askDevice(CGLContextObj context, TCTextureLimit& limit) {
   CGLGetIntegerv(gl::MAX_TEXTURE_SIZE, &maximum);
   name = CGLGetString(gl::RENDERER);
 
-  CGDirectDisplayID displays[mostDisplays];
+  CGDirectDisplayID displays[kMostDisplays];
   std::uint32_t displayCount = 0;
-  CGGetActiveDisplayList(mostDisplays, displays, &displayCount);
+  CGGetActiveDisplayList(kMostDisplays, displays, &displayCount);
   std::int32_t rendererCount = 0;
   CGLQueryRendererInfo(CGDisplayIDToOpenGLDisplayMask(CGMainDisplayID()), &mainRenderer, &rendererCount);
-  limit.setDevice(maximum > 0 ? maximum : unknownHardwareMaximum, displayCount, name ? name : "");
+  limit.setDevice(maximum > 0 ? maximum : kUnknownHardwareMaximum, displayCount, name ? name : "");
 
   if (context) CGLSetCurrentContext(previous);
   if (own) CGLDestroyContext(own);
@@ -62,11 +62,11 @@ void askDevice(CGLContextObj context, TCTextureLimit& limit) {
 void TCTextureLimit::setDevice(int hardwareMaximum, std::uint32_t displayCount, std::string_view rendererName) {
   cachedMaximum = hardwareMaximum;
   displays = displayCount;
-  isLimitedRenderer = rendererName.substr(0, comparedNameLength).find(limitedRendererName) != std::string_view::npos;
+  isLimitedRenderer = rendererName.substr(0, kComparedNameLength).find(kLimitedRendererName) != std::string_view::npos;
 }
 
 int TCTextureLimit::limit(std::int64_t videoMemory, int bitsPerChannel) {
-  const std::int64_t perDisplay = videoMemory / mebibyte / std::max<std::int64_t>(displays, 1);
+  const std::int64_t perDisplay = videoMemory / kMebibyte / std::max<std::int64_t>(displays, 1);
   if (cachedMaximum >= 2049 && perDisplay < 128) cachedMaximum = perDisplay < 33 ? 1920 : 2048;
   if (isLimitedRenderer) cachedMaximum = std::min(cachedMaximum, 2048);
   cachedMaximum = std::min(cachedMaximum, memoryLimit(perDisplay));

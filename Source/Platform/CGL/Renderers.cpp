@@ -13,8 +13,8 @@ struct CGLRendererInfoObject {
 
 namespace {
 
-constexpr const char* graphicsCards = "/sys/class/drm";
-constexpr std::uint32_t mostDisplays = 32;  // one bit of a display mask each
+constexpr const char* kGraphicsCards = "/sys/class/drm";
+constexpr std::uint32_t kMostDisplays = 32;  // one bit of a display mask each
 
 // Asked before an extension's enumerant is used: an unknown one would leave an error in the host's context.
 bool hasExtension(std::string_view wanted) {
@@ -47,13 +47,13 @@ bool isSoftwareRenderer() {
 std::uint64_t videoMemory() {
   if (const std::uint64_t dedicated = dedicatedMemoryOfContext()) return dedicated;
   if (!isSoftwareRenderer()) {
-    if (const std::uint64_t dedicated = cgl::dedicatedMemory(graphicsCards)) return dedicated;
+    if (const std::uint64_t dedicated = cgl::dedicatedMemory(kGraphicsCards)) return dedicated;
   }
   return cgl::mainMemory() / 2;
 }
 
 std::uint32_t displayCount() {
-  return std::clamp(cgl::activeDisplays(graphicsCards), 1u, mostDisplays);
+  return std::clamp(cgl::activeDisplays(kGraphicsCards), 1u, kMostDisplays);
 }
 
 }  // namespace
@@ -71,7 +71,7 @@ CGDirectDisplayID CGMainDisplayID() {
 }
 
 CGOpenGLDisplayMask CGDisplayIDToOpenGLDisplayMask(CGDirectDisplayID display) {
-  return display >= 1 && display <= mostDisplays ? 1u << (display - 1) : 0;
+  return display >= 1 && display <= kMostDisplays ? 1u << (display - 1) : 0;
 }
 
 CGLError CGLQueryRendererInfo(CGOpenGLDisplayMask mask, CGLRendererInfoObj* info, std::int32_t* count) {

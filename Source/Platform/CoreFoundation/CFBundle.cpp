@@ -5,6 +5,7 @@
 #include "Platform/CoreFoundation/CFLocale.h"
 #include "Platform/CoreFoundation/CFStringObject.h"
 #include "Platform/CoreFoundation/CFStringsFile.h"
+#include "Platform/Foundation/NSReason.h"
 #include "Platform/Foundation/PropertyList.h"
 
 #include <filesystem>
@@ -32,7 +33,7 @@ bool IsPlainName(std::string_view name) {
 
 // Null, with the cause in *reason, as CFBundleCreate returns it.
 CFBundleRef Refuse(std::string* reason, std::string cause) {
-  if (reason != nullptr) *reason = std::move(cause);
+  NSRefuse(reason, std::move(cause));
   return nullptr;
 }
 

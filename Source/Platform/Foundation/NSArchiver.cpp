@@ -10,9 +10,9 @@
 
 namespace {
 
-constexpr const char* archiverName = "NSArchiver";
-constexpr std::int64_t archiveVersion = 1;
-constexpr const char* unkeyed = "this coder has no keys";
+constexpr const char* kArchiverName = "NSArchiver";
+constexpr std::int64_t kArchiveVersion = 1;
+constexpr const char* kUnkeyed = "this coder has no keys";
 
 }  // namespace
 
@@ -107,7 +107,7 @@ void NSArchiver::encodeObject(const NSObjectRef& object) {
 }
 
 void NSArchiver::encodeObject(const NSObjectRef&, std::string_view) {
-  fail(unkeyed);
+  fail(kUnkeyed);
 }
 
 NSObjectRef NSArchiver::decodeObject() {
@@ -116,7 +116,7 @@ NSObjectRef NSArchiver::decodeObject() {
 }
 
 NSObjectRef NSArchiver::decodeObjectForKey(std::string_view) {
-  fail(unkeyed);
+  fail(kUnkeyed);
   return nullptr;
 }
 
@@ -133,8 +133,8 @@ std::optional<PropertyList::Bytes> NSArchiver::finishEncoding() {
     return std::nullopt;
   }
   PropertyList archive;
-  archive.set("archiver", PropertyList::string(archiverName));
-  archive.set("version", PropertyList::integer(archiveVersion));
+  archive.set("archiver", PropertyList::string(kArchiverName));
+  archive.set("version", PropertyList::integer(kArchiveVersion));
   archive.set("objects", PropertyList::array(std::move(state_->objects)));
   archive.set("top", PropertyList::array(std::move(state_->contexts.front())));
   std::string reason;
@@ -167,12 +167,12 @@ struct NSUnarchiver::State {
     const PropertyList* version = archive.find("version");
     const PropertyList* array = archive.find("objects");
     const PropertyList* top = archive.find("top");
-    if (name == nullptr || name->stringValue() != archiverName || version == nullptr || array == nullptr ||
+    if (name == nullptr || name->stringValue() != kArchiverName || version == nullptr || array == nullptr ||
         !array->isArray() || top == nullptr || !top->isArray()) {
       unarchiver.fail("is no archive of this coder");
       return false;
     }
-    if (version->integerValue() != archiveVersion) {
+    if (version->integerValue() != kArchiveVersion) {
       unarchiver.fail("is an archive of version " + std::to_string(version->integerValue()));
       return false;
     }
@@ -322,7 +322,7 @@ void NSUnarchiver::encodeObject(const NSObjectRef&) {
 }
 
 void NSUnarchiver::encodeObject(const NSObjectRef&, std::string_view) {
-  fail(unkeyed);
+  fail(kUnkeyed);
 }
 
 NSObjectRef NSUnarchiver::decodeObject() {
@@ -330,7 +330,7 @@ NSObjectRef NSUnarchiver::decodeObject() {
 }
 
 NSObjectRef NSUnarchiver::decodeObjectForKey(std::string_view) {
-  fail(unkeyed);
+  fail(kUnkeyed);
   return nullptr;
 }
 

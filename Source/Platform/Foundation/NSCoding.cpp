@@ -7,7 +7,7 @@
 namespace coding {
 namespace {
 
-constexpr int maximumCoders = 16;  // each holds a copy of what lies within the one before
+constexpr int kMaximumCoders = 16;  // each holds a copy of what lies within the one before
 
 thread_local int levels = 0;
 thread_local int coders = 0;
@@ -41,7 +41,7 @@ Level::~Level() {
 }
 
 bool Level::isTooDeep() const {
-  return levels > PropertyListMaximumDepth || coders > maximumCoders;
+  return levels > PropertyListMaximumDepth || coders > kMaximumCoders;
 }
 
 std::optional<PropertyList> plainValue(const NSObject& object) {

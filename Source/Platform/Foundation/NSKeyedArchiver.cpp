@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr std::int64_t archiveVersion = 100000;
+constexpr std::int64_t kArchiveVersion = 100000;
 
 // Keys that begin with "$" belong to the layout; those of objects get another one in front.
 std::string archivedKey(std::string_view key) {
@@ -190,7 +190,7 @@ std::optional<PropertyList::Bytes> NSKeyedArchiver::finishEncoding() {
     return std::nullopt;
   }
   PropertyList archive;
-  archive.set("$version", PropertyList::integer(archiveVersion));
+  archive.set("$version", PropertyList::integer(kArchiveVersion));
   archive.set("$archiver", PropertyList::string("NSKeyedArchiver"));
   archive.set("$top", PropertyList::dictionary(std::move(state_->contexts.front().entries)));
   archive.set("$objects", PropertyList::array(std::move(state_->objects)));

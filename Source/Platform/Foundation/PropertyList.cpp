@@ -13,10 +13,10 @@ namespace {
 constexpr std::size_t kKeysWithoutIndex = 12;  // looking through so few costs less than a hash
 constexpr std::size_t kFirstKeys = 4;          // room for as many is taken at once
 
-const std::string emptyString;
-const PropertyList::Bytes emptyBytes;
-const PropertyList::Array emptyArray;
-const PropertyList::Dictionary emptyDictionary;
+const std::string kEmptyString;
+const PropertyList::Bytes kEmptyBytes;
+const PropertyList::Array kEmptyArray;
+const PropertyList::Dictionary kEmptyDictionary;
 
 // The nearest integer towards zero, saturated; NaN gives 0.
 template <typename Integer>
@@ -243,22 +243,22 @@ double PropertyList::doubleValue() const {
 
 const std::string& PropertyList::stringValue() const {
   const auto* value = std::get_if<std::string>(&storage_);
-  return value == nullptr ? emptyString : *value;
+  return value == nullptr ? kEmptyString : *value;
 }
 
 const PropertyList::Bytes& PropertyList::bytes() const {
   const auto* value = std::get_if<DataValue>(&storage_);
-  return value == nullptr ? emptyBytes : value->bytes;
+  return value == nullptr ? kEmptyBytes : value->bytes;
 }
 
 const PropertyList::Array& PropertyList::items() const {
   const auto* value = std::get_if<Array>(&storage_);
-  return value == nullptr ? emptyArray : *value;
+  return value == nullptr ? kEmptyArray : *value;
 }
 
 const PropertyList::Dictionary& PropertyList::entries() const {
   const auto* value = std::get_if<Dictionary>(&storage_);
-  return value == nullptr ? emptyDictionary : *value;
+  return value == nullptr ? kEmptyDictionary : *value;
 }
 
 double PropertyList::dateValue() const {

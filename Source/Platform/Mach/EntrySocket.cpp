@@ -17,10 +17,10 @@
 
 namespace {
 
-constexpr std::uint32_t messageMark = 0x31454D56;  // "VME1"
+constexpr std::uint32_t kMessageMark = 0x31454D56;  // "VME1"
 
 struct Head {
-  std::uint32_t mark = messageMark;
+  std::uint32_t mark = kMessageMark;
   std::uint32_t noteSize = 0;
   std::uint64_t offset = 0;  // of the entry in the memory file, in bytes, whole pages
   std::uint64_t size = 0;
@@ -129,7 +129,7 @@ kern_return_t checkFile(int file, const Head& head) {
 }
 
 bool isWellFormed(const Head& head, std::size_t capacity) {
-  return head.mark == messageMark && head.noteSize <= capacity && head.size > 0 && head.size % mach::pageSize() == 0 &&
+  return head.mark == kMessageMark && head.noteSize <= capacity && head.size > 0 && head.size % mach::pageSize() == 0 &&
          head.offset % mach::pageSize() == 0;
 }
 

@@ -13,10 +13,10 @@ namespace mach {
 
 namespace {
 
-constexpr std::size_t leastSize = std::size_t{128} << 10;  // below, page faults cost no more than moving pages
-constexpr std::size_t usualLimit = std::size_t{256} << 20;
-constexpr std::size_t mostRanges = 64;
-constexpr int mostFailures = 16;  // each may cost the address space of a range
+constexpr std::size_t kLeastSize = std::size_t{128} << 10;  // below, page faults cost no more than moving pages
+constexpr std::size_t kUsualLimit = std::size_t{256} << 20;
+constexpr std::size_t kMostRanges = 64;
+constexpr int kMostFailures = 16;  // each may cost the address space of a range
 
 void* at(std::uintptr_t address) {
   return reinterpret_cast<void*>(address);
@@ -42,7 +42,7 @@ bool restore(const Range& range) {
 }  // namespace
 
 // Memory that comes and goes hides mistakes from the address sanitizer: there, only what opts in is kept.
-KeptMemory::KeptMemory() : limit_(hasAddressSanitizer ? 0 : usualLimit) {}
+KeptMemory::KeptMemory() : limit_(kHasAddressSanitizer ? 0 : kUsualLimit) {}
 
 KeptMemory& KeptMemory::shared() {
   static KeptMemory& memory = *new KeptMemory;  // statics may still own bitmaps when the process ends
@@ -50,10 +50,10 @@ KeptMemory& KeptMemory::shared() {
 }
 
 bool KeptMemory::keep(const Range& range) {
-  if (range.size() < leastSize) return false;
+  if (range.size() < kLeastSize) return false;
   {
     const std::lock_guard lock(mutex_);
-    if (range.size() > limit_ || failures_ >= mostFailures) return false;
+    if (range.size() > limit_ || failures_ >= kMostFailures) return false;
   }
   std::uintptr_t place = 0;
   if (!markAsOurs(range) || !reserveLike(range, &place)) return false;
@@ -118,7 +118,7 @@ void KeptMemory::limit(std::size_t bytes) {
 
 std::vector<Range> KeptMemory::removeBeyondLimit() {
   std::vector<Range> removed;
-  while (bytes_ > limit_ || kept_.size() > mostRanges) {
+  while (bytes_ > limit_ || kept_.size() > kMostRanges) {
     removed.push_back(kept_.front());
     bytes_ -= kept_.front().size();
     kept_.erase(kept_.begin());

@@ -15,7 +15,7 @@ namespace mach {
 namespace {
 
 // What a peer must not be able to do to memory that we touch; shrinking would make us fault.
-constexpr int seals = F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL;
+constexpr int kSeals = F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL;
 
 // Growing a file beyond this limit would raise a signal.
 bool fitsFileSizeLimit(std::size_t size) {
@@ -58,7 +58,7 @@ kern_return_t MemoryObject::share() {
   kern_return_t result = KERN_SUCCESS;
   if (ftruncate(file, static_cast<off_t>(size_)) != 0) result = resultOfErrno(errno);
   if (result == KERN_SUCCESS) result = copyInto(file);
-  if (result == KERN_SUCCESS && fcntl(file, F_ADD_SEALS, seals) != 0) result = resultOfErrno(errno);
+  if (result == KERN_SUCCESS && fcntl(file, F_ADD_SEALS, kSeals) != 0) result = resultOfErrno(errno);
 
   void* const place = reinterpret_cast<void*>(home_.start);
   if (result == KERN_SUCCESS && detached_) {

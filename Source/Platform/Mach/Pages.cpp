@@ -13,15 +13,15 @@ namespace mach {
 
 namespace {
 
-constexpr std::size_t hugePageSize = 2 << 20;
+constexpr std::size_t kHugePageSize = 2 << 20;
 
 // Address space that starts `offset` bytes into a huge page.
 bool reserve(std::size_t size, std::size_t offset, std::uintptr_t* address) {
-  const std::size_t room = size >= hugePageSize ? size + hugePageSize : size;
+  const std::size_t room = size >= kHugePageSize ? size + kHugePageSize : size;
   void* const memory = mmap(nullptr, room, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   if (memory == MAP_FAILED) return false;
   const auto start = reinterpret_cast<std::uintptr_t>(memory);
-  const std::uintptr_t wanted = room == size ? start : start + ((offset - start) & (hugePageSize - 1));
+  const std::uintptr_t wanted = room == size ? start : start + ((offset - start) & (kHugePageSize - 1));
   if (wanted > start) munmap(memory, wanted - start);
   if (wanted + size < start + room) munmap(reinterpret_cast<void*>(wanted + size), start + room - (wanted + size));
   *address = wanted;
@@ -39,7 +39,7 @@ kern_return_t mapWhereAsked(std::uintptr_t* address, std::size_t size) {
 }
 
 kern_return_t mapAnywhere(std::uintptr_t* address, std::size_t size) {
-  if (size >= hugePageSize || guardSize() > 0) {
+  if (size >= kHugePageSize || guardSize() > 0) {
     std::uintptr_t place = 0;
     if (reserve(size + guardSize(), 0, &place)) {
       void* const memory = reinterpret_cast<void*>(place);
@@ -106,7 +106,7 @@ kern_return_t resultOfErrno(int error) {
 }
 
 void askForHugePages(void* address, std::size_t size) {
-  if (size >= hugePageSize) madvise(address, size, MADV_HUGEPAGE);
+  if (size >= kHugePageSize) madvise(address, size, MADV_HUGEPAGE);
 }
 
 kern_return_t mapAnonymous(std::uintptr_t* address, std::size_t size, bool fixed) {
@@ -119,7 +119,7 @@ kern_return_t mapAnonymous(std::uintptr_t* address, std::size_t size, bool fixed
 }
 
 bool reserveLike(const Range& range, std::uintptr_t* address) {
-  return reserve(range.size(), range.start % hugePageSize, address);
+  return reserve(range.size(), range.start % kHugePageSize, address);
 }
 
 kern_return_t giveBack(const Range& range) {

@@ -13,7 +13,7 @@ namespace {
 using mach::MemoryEntries;
 using mach::Range;
 
-constexpr mach_port_t taskSelf = 0x103;
+constexpr mach_port_t kTaskSelf = 0x103;
 
 // The size in whole pages; 0 when that is more than can be addressed.
 vm_size_t wholePages(vm_size_t size) {
@@ -101,11 +101,11 @@ kern_return_t mapEntry(vm_address_t* address, vm_size_t size, int flags, mach_po
 }  // namespace
 
 mach_port_t mach_task_self() {
-  return taskSelf;
+  return kTaskSelf;
 }
 
 kern_return_t vm_allocate(vm_map_t task, vm_address_t* address, vm_size_t size, int flags) {
-  if (task != taskSelf || !address) return KERN_INVALID_ARGUMENT;
+  if (task != kTaskSelf || !address) return KERN_INVALID_ARGUMENT;
   if (size == 0) {
     *address = 0;
     return KERN_SUCCESS;
@@ -122,7 +122,7 @@ kern_return_t vm_allocate(vm_map_t task, vm_address_t* address, vm_size_t size, 
 
 kern_return_t vm_deallocate(vm_map_t task, vm_address_t address, vm_size_t size) {
   Range pages;
-  if (task != taskSelf || !mach::pagesOf(address, size, &pages)) return KERN_INVALID_ARGUMENT;
+  if (task != kTaskSelf || !mach::pagesOf(address, size, &pages)) return KERN_INVALID_ARGUMENT;
   if (size == 0) return KERN_SUCCESS;
   const std::lock_guard lock(MemoryEntries::shared().mutex());
   return MemoryEntries::shared().unmap(pages);
@@ -132,7 +132,7 @@ kern_return_t vm_map(vm_map_t task, vm_address_t* address, vm_size_t size, vm_ad
                      mach_port_t name, vm_offset_t offset, boolean_t copy, vm_prot_t protection, vm_prot_t maximum,
                      vm_inherit_t inheritance) {
   const vm_size_t bytes = wholePages(size);
-  if (task != taskSelf || !address || bytes == 0 || mask >= mach::pageSize() || offset % mach::pageSize() != 0 ||
+  if (task != kTaskSelf || !address || bytes == 0 || mask >= mach::pageSize() || offset % mach::pageSize() != 0 ||
       (protection & ~maximum) != 0 || inheritance > VM_INHERIT_NONE)
     return KERN_INVALID_ARGUMENT;
   if ((flags & VM_FLAGS_ANYWHERE) == 0 && *address % mach::pageSize() != 0) return KERN_INVALID_ARGUMENT;
@@ -153,7 +153,7 @@ kern_return_t vm_map(vm_map_t task, vm_address_t* address, vm_size_t size, vm_ad
 kern_return_t mach_make_memory_entry(vm_map_t task, vm_size_t* size, vm_offset_t address, vm_prot_t permission,
                                      mach_port_t* name, mach_port_t parent) {
   Range pages;
-  if (task != taskSelf || !size || *size == 0 || !name || parent != MACH_PORT_NULL ||
+  if (task != kTaskSelf || !size || *size == 0 || !name || parent != MACH_PORT_NULL ||
       permission != (VM_PROT_READ | VM_PROT_WRITE) || !mach::pagesOf(address, *size, &pages))
     return KERN_INVALID_ARGUMENT;
   MemoryEntries& entries = MemoryEntries::shared();
@@ -167,7 +167,7 @@ kern_return_t mach_make_memory_entry(vm_map_t task, vm_size_t* size, vm_offset_t
 }
 
 kern_return_t mach_port_deallocate(vm_map_t task, mach_port_t name) {
-  if (task != taskSelf) return KERN_INVALID_ARGUMENT;
+  if (task != kTaskSelf) return KERN_INVALID_ARGUMENT;
   const std::lock_guard lock(MemoryEntries::shared().mutex());
   return MemoryEntries::shared().remove(name) ? KERN_SUCCESS : KERN_INVALID_NAME;
 }

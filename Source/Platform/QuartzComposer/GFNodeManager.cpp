@@ -2,10 +2,10 @@
 #include "Platform/QuartzComposer/GFNodeManager.h"
 
 #include "Platform/Foundation/NSClassTable.h"
+#include "Platform/Foundation/NSReason.h"
 #include "Platform/QuartzComposer/QCCompositionQueue.h"
 #include "Platform/QuartzComposer/QCInstance.h"
 #include "Platform/QuartzComposer/QCPlugInBundle.h"
-#include "Platform/QuartzComposer/QCReason.h"
 
 #include <algorithm>
 #include <exception>
@@ -17,8 +17,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const NSClassRegistration registeredManager("GFNodeManager", "NSObject",
-                                            [] { return std::make_shared<GFNodeManager>(); });
+const NSClassRegistration kRegisteredManager("GFNodeManager", "NSObject",
+                                             [] { return std::make_shared<GFNodeManager>(); });
 
 using Managers = std::map<std::string, std::shared_ptr<GFNodeManager>, std::less<>>;
 
@@ -111,7 +111,7 @@ struct GFNodeManager::State {
   bool loadBundle(GFNodeManager& manager, const std::string& path, std::string* reason) {
     std::error_code error;
     if (!fs::is_directory(path, error)) {
-      return QCRefuse(reason, "it is not a folder");
+      return NSRefuse(reason, "it is not a folder");
     }
     const QCPlugInDescription* description = QCLoadPlugInBundle(path, reason);
     if (!description) {
@@ -124,9 +124,9 @@ struct GFNodeManager::State {
       registeringPath = outer;
       return true;
     } catch (const std::exception& exception) {
-      QCRefuse(reason, std::string("it threw while it registered its nodes: ") + exception.what());
+      NSRefuse(reason, std::string("it threw while it registered its nodes: ") + exception.what());
     } catch (...) {
-      QCRefuse(reason, "it threw while it registered its nodes");
+      NSRefuse(reason, "it threw while it registered its nodes");
     }
     registeringPath = outer;
     withdraw(path, mark);

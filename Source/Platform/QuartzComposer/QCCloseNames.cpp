@@ -7,8 +7,8 @@
 
 namespace {
 
-constexpr std::size_t mostNames = 3;
-constexpr std::size_t longestName = 256;  // longer ones are not compared
+constexpr std::size_t kMostNames = 3;
+constexpr std::size_t kLongestName = 256;  // longer ones are not compared
 
 char folded(char letter) {
   return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
@@ -32,10 +32,10 @@ std::size_t distance(std::string_view a, std::string_view b) {
 
 std::vector<std::string> QCCloseNames(std::string_view name, const std::vector<std::string>& known) {
   std::vector<std::pair<std::size_t, std::string>> close;
-  if (name.size() <= longestName) {
+  if (name.size() <= kLongestName) {
     const std::size_t farthest = std::max<std::size_t>(2, name.size() / 3);
     for (const std::string& candidate : known) {
-      const std::size_t away = candidate.size() <= longestName ? distance(name, candidate) : farthest + 1;
+      const std::size_t away = candidate.size() <= kLongestName ? distance(name, candidate) : farthest + 1;
       if (away <= farthest) {
         close.emplace_back(away, candidate);
       }
@@ -43,7 +43,7 @@ std::vector<std::string> QCCloseNames(std::string_view name, const std::vector<s
   }
   std::stable_sort(close.begin(), close.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
   std::vector<std::string> names;
-  for (std::size_t i = 0; i < close.size() && i < mostNames; ++i) {
+  for (std::size_t i = 0; i < close.size() && i < kMostNames; ++i) {
     names.push_back(std::move(close[i].second));
   }
   return names;

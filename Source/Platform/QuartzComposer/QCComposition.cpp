@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/QuartzComposer/QCComposition.h"
 
+#include "Platform/Foundation/NSReason.h"
 #include "Platform/QuartzComposer/QCCloseNames.h"
-#include "Platform/QuartzComposer/QCReason.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -270,12 +270,12 @@ class Reader {
 std::shared_ptr<const QCComposition> QCCompositionFromFile(const std::string& path, std::string* reason) {
   std::error_code error;
   if (!fs::is_regular_file(path, error)) {
-    QCRefuse(reason, "it is not a file");
+    NSRefuse(reason, "it is not a file");
     return nullptr;
   }
   const std::uintmax_t size = fs::file_size(path, error);
   if (error || size > QCCompositionLargestFile) {
-    QCRefuse(reason, error ? error.message() : "it is larger than a composition can be");
+    NSRefuse(reason, error ? error.message() : "it is larger than a composition can be");
     return nullptr;
   }
   const std::optional<PropertyList> list = PropertyListFromFile(path, reason);
@@ -290,7 +290,7 @@ std::shared_ptr<const QCComposition> QCCompositionFromPropertyList(const Propert
   try {
     Reader(*composition).read(list);
   } catch (const QCCompositionRefusal& refusal) {
-    QCRefuse(reason, refusal.reason);
+    NSRefuse(reason, refusal.reason);
     return nullptr;
   }
   composition->attributes.set("name", PropertyList::string(composition->name));

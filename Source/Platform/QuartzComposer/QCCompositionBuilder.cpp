@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/QuartzComposer/QCCompositionBuilder.h"
 
+#include "Platform/Foundation/NSReason.h"
 #include "Platform/QuartzComposer/GFNodeManager.h"
 #include "Platform/QuartzComposer/QCCompositionPatch.h"
-#include "Platform/QuartzComposer/QCReason.h"
 
 #include <algorithm>
 #include <exception>
@@ -196,11 +196,11 @@ std::shared_ptr<QCPatch> QCPatchWithComposition(const QCComposition& composition
   try {
     return std::make_shared<QCCompositionPatch>(composition.attributes, Builder(composition, manager).build());
   } catch (const QCCompositionRefusal& refusal) {
-    QCRefuse(reason, refusal.reason);
+    NSRefuse(reason, refusal.reason);
   } catch (const std::exception& error) {  // of the nodes' own code
-    QCRefuse(reason, error.what());
+    NSRefuse(reason, error.what());
   } catch (...) {
-    QCRefuse(reason, "a node failed without a reason");
+    NSRefuse(reason, "a node failed without a reason");
   }
   return nullptr;
 }

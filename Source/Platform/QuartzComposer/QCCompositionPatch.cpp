@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/QuartzComposer/QCCompositionPatch.h"
 
-#include "Platform/QuartzComposer/QCReason.h"
+#include "Platform/Foundation/NSReason.h"
 
 QCCompositionPatch::QCCompositionPatch(PropertyList attributes, Parts parts)
     : QCPatch(std::move(attributes)), parts_(std::move(parts)) {
@@ -20,7 +20,7 @@ bool QCCompositionPatch::execute(double time, std::string* reason) {
   for (const Step& step : parts_.steps) {
     std::string cause;
     if (!carry(step.incoming, &cause) || !step.patch->executeAtTime(time, &cause)) {
-      return QCRefuse(reason, step.label + ": " + cause);
+      return NSRefuse(reason, step.label + ": " + cause);
     }
   }
   return carry(parts_.outputLinks, reason);
@@ -31,11 +31,11 @@ bool QCCompositionPatch::carry(const std::vector<Link>& links, std::string* reas
     const NSObjectRef value = link.from->value();
     const NSObjectRef copy = value ? value->copyWithZone() : nullptr;
     if (value && !copy) {
-      return QCRefuse(reason, "the value of the port \"" + link.from->key() + "\" is a " + value->className() +
+      return NSRefuse(reason, "the value of the port \"" + link.from->key() + "\" is a " + value->className() +
                                   ", which cannot be copied");
     }
     if (!link.to->setValue(copy)) {
-      return QCRefuse(reason,
+      return NSRefuse(reason,
                       "the port \"" + link.to->key() + "\" does not take the value of \"" + link.from->key() + '"');
     }
   }

@@ -9,16 +9,16 @@
 
 namespace {
 
-const NSClassRegistration registeredObject("QCObject", "NSObject", [] { return std::make_shared<QCObject>(); });
-const NSClassRegistration registeredImage("QCImage", "NSObject", nullptr);
-const NSClassRegistration registeredColor("QCColor", "NSObject", [] { return std::make_shared<QCColor>(); });
+const NSClassRegistration kRegisteredObject("QCObject", "NSObject", [] { return std::make_shared<QCObject>(); });
+const NSClassRegistration kRegisteredImage("QCImage", "NSObject", nullptr);
+const NSClassRegistration kRegisteredColor("QCColor", "NSObject", [] { return std::make_shared<QCColor>(); });
 
 struct Component {
   const char* key;
   double QCColor::*field;
 };
 
-constexpr std::array<Component, 4> components{
+constexpr std::array<Component, 4> kComponents{
     {{"red", &QCColor::red}, {"green", &QCColor::green}, {"blue", &QCColor::blue}, {"alpha", &QCColor::alpha}}};
 
 }  // namespace
@@ -49,7 +49,7 @@ bool QCColor::isEqual(const NSObject& other) const {
 }
 
 void QCColor::encodeWithCoder(NSCoder& coder) const {
-  for (const Component& component : components) {
+  for (const Component& component : kComponents) {
     const NSObjectRef number = NSNumber::numberWithDouble(this->*component.field);
     if (coder.allowsKeyedCoding()) {
       coder.encodeObject(number, component.key);
@@ -60,7 +60,7 @@ void QCColor::encodeWithCoder(NSCoder& coder) const {
 }
 
 bool QCColor::initWithCoder(NSCoder& coder) {
-  for (const Component& component : components) {
+  for (const Component& component : kComponents) {
     const NSObjectRef object =
         coder.allowsKeyedCoding() ? coder.decodeObjectForKey(component.key) : coder.decodeObject();
     const auto* number = dynamic_cast<const NSNumber*>(object.get());

@@ -2,15 +2,15 @@
 #include "Platform/QuartzComposer/QCPatch.h"
 
 #include "Platform/Foundation/NSClassTable.h"
+#include "Platform/Foundation/NSReason.h"
 #include "Platform/QuartzComposer/QCInstance.h"
-#include "Platform/QuartzComposer/QCReason.h"
 
 #include <exception>
 #include <map>
 
 namespace {
 
-const NSClassRegistration registeredPatch("QCPatch", "NSObject", [] { return std::make_shared<QCPatch>(); });
+const NSClassRegistration kRegisteredPatch("QCPatch", "NSObject", [] { return std::make_shared<QCPatch>(); });
 
 struct BuiltInPatch {
   PropertyList attributes;
@@ -64,7 +64,7 @@ bool QCPatch::executeAtTime(double time, std::string* reason) {
   } catch (...) {
     cause.clear();
   }
-  return QCRefuse(reason, cause.empty() ? "the patch failed without a reason" : std::move(cause));
+  return NSRefuse(reason, cause.empty() ? "the patch failed without a reason" : std::move(cause));
 }
 
 bool QCPatch::execute(double, std::string*) {

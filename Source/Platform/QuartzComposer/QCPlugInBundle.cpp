@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/QuartzComposer/QCPlugInBundle.h"
 
+#include "Platform/Foundation/NSReason.h"
 #include "Platform/QuartzComposer/QCPlugInBinary.h"
-#include "Platform/QuartzComposer/QCReason.h"
 
 #include <dlfcn.h>
 
@@ -13,7 +13,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::uintmax_t largestInfo = 1 << 20;
+constexpr std::uintmax_t kLargestInfo = 1 << 20;
 
 // The name of the binary, without a path; empty, with the cause, when the bundle does not state one.
 std::string executableName(const std::string& bundle, std::string* reason) {
@@ -21,27 +21,27 @@ std::string executableName(const std::string& bundle, std::string* reason) {
   std::error_code error;
   const fs::file_status status = fs::status(path, error);
   if (status.type() == fs::file_type::not_found) {
-    QCRefuse(reason, "it has no Contents/Info.plist");
+    NSRefuse(reason, "it has no Contents/Info.plist");
     return {};
   }
-  if (!fs::is_regular_file(status) || fs::file_size(path, error) > largestInfo || error) {
-    QCRefuse(reason, "its Info.plist cannot be read");
+  if (!fs::is_regular_file(status) || fs::file_size(path, error) > kLargestInfo || error) {
+    NSRefuse(reason, "its Info.plist cannot be read");
     return {};
   }
   std::string cause;
   const std::optional<PropertyList> info = PropertyListFromFile(path, &cause);
   if (!info || !info->isDictionary()) {
-    QCRefuse(reason, "its Info.plist cannot be read: " + (info ? "it is no dictionary" : cause));
+    NSRefuse(reason, "its Info.plist cannot be read: " + (info ? "it is no dictionary" : cause));
     return {};
   }
   const PropertyList* name = info->find("CFBundleExecutable");
   if (!name || name->stringValue().empty()) {
-    QCRefuse(reason, "its Info.plist names no CFBundleExecutable");
+    NSRefuse(reason, "its Info.plist names no CFBundleExecutable");
     return {};
   }
   const std::string& text = name->stringValue();
   if (text.find('/') != std::string::npos || text.find('\0') != std::string::npos || text == "." || text == "..") {
-    QCRefuse(reason, "its CFBundleExecutable is not the plain name of a file");
+    NSRefuse(reason, "its CFBundleExecutable is not the plain name of a file");
     return {};
   }
   return text;
@@ -51,7 +51,7 @@ void* open(const std::string& binary, std::string* reason) {
   void* handle = dlopen(binary.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (!handle) {
     const char* message = dlerror();
-    QCRefuse(reason, std::string("its binary cannot be loaded: ") + (message ? message : "no reason given"));
+    NSRefuse(reason, std::string("its binary cannot be loaded: ") + (message ? message : "no reason given"));
   }
   return handle;
 }
@@ -60,19 +60,19 @@ const QCPlugInDescription* describe(void* handle, std::string* reason) {
   using Describe = const QCPlugInDescription* (*)();
   const auto function = reinterpret_cast<Describe>(dlsym(handle, "QCPlugInDescribe"));
   if (!function) {
-    QCRefuse(reason, "its binary does not export QCPlugInDescribe");
+    NSRefuse(reason, "its binary does not export QCPlugInDescribe");
     return nullptr;
   }
   try {
     const QCPlugInDescription* description = function();
     if (!description) {
-      QCRefuse(reason, "QCPlugInDescribe gives no description");
+      NSRefuse(reason, "QCPlugInDescribe gives no description");
     }
     return description;
   } catch (const std::exception& error) {
-    QCRefuse(reason, std::string("QCPlugInDescribe threw: ") + error.what());
+    NSRefuse(reason, std::string("QCPlugInDescribe threw: ") + error.what());
   } catch (...) {
-    QCRefuse(reason, "QCPlugInDescribe threw");
+    NSRefuse(reason, "QCPlugInDescribe threw");
   }
   return nullptr;
 }
@@ -87,7 +87,7 @@ const QCPlugInDescription* QCLoadPlugInBundle(const std::string& path, std::stri
   const std::string binary = path + "/Contents/Linux/" + name;
   std::error_code error;
   if (!fs::is_regular_file(binary, error)) {
-    QCRefuse(reason, "it has no binary Contents/Linux/" + name);
+    NSRefuse(reason, "it has no binary Contents/Linux/" + name);
     return nullptr;
   }
   if (!QCCheckPlugInBinary(binary, reason)) {
@@ -100,12 +100,12 @@ const QCPlugInDescription* QCLoadPlugInBundle(const std::string& path, std::stri
     return nullptr;
   }
   if (description->interfaceVersion != QCPlugInInterfaceVersion) {
-    QCRefuse(reason, "it was built for interface version " + std::to_string(description->interfaceVersion) + ", not " +
+    NSRefuse(reason, "it was built for interface version " + std::to_string(description->interfaceVersion) + ", not " +
                          std::to_string(QCPlugInInterfaceVersion));
     return nullptr;
   }
   if (!description->registerNodes) {
-    QCRefuse(reason, "its description has no function that registers nodes");
+    NSRefuse(reason, "its description has no function that registers nodes");
     return nullptr;
   }
   return description;

@@ -2,13 +2,13 @@
 #include "Platform/QuartzComposer/QCPort.h"
 
 #include "Platform/Foundation/NSClassTable.h"
-#include "Platform/QuartzComposer/QCReason.h"
+#include "Platform/Foundation/NSReason.h"
 
 #include <string_view>
 
 namespace {
 
-const NSClassRegistration registeredPort("QCPort", "NSObject", nullptr);
+const NSClassRegistration kRegisteredPort("QCPort", "NSObject", nullptr);
 
 bool isNumeric(std::string_view kind) {
   return kind == "number" || kind == "boolean" || kind == "index";
@@ -55,7 +55,7 @@ std::optional<PropertyList> QCPort::stateValue() const {
 bool QCPort::setStateValue(const PropertyList& state, std::string* reason) {
   const NSObjectRef value = valueFromState(state);
   return (value && setValue(value)) ||
-         QCRefuse(reason, std::string("this ") + state.typeName() + " does not fit a port of kind " + kind());
+         NSRefuse(reason, std::string("this ") + state.typeName() + " does not fit a port of kind " + kind());
 }
 
 NSObjectRef QCPort::valueFromState(const PropertyList& state) const {

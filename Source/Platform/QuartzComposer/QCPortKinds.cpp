@@ -2,7 +2,7 @@
 #include "Platform/QuartzComposer/QCPort.h"
 
 #include "Platform/Foundation/NSClassTable.h"
-#include "Platform/QuartzComposer/QCReason.h"
+#include "Platform/Foundation/NSReason.h"
 
 #include <algorithm>
 #include <cmath>
@@ -16,7 +16,7 @@ NSClassRegistration registered(const char* name) {
   return NSClassRegistration(name, "QCPort", [] { return std::make_shared<Port>(""); });
 }
 
-const NSClassRegistration registrations[] = {
+const NSClassRegistration kRegistrations[] = {
     registered<QCNumberPort>("QCNumberPort"), registered<QCBooleanPort>("QCBooleanPort"),
     registered<QCIndexPort>("QCIndexPort"),   registered<QCStringPort>("QCStringPort"),
     registered<QCColorPort>("QCColorPort"),   registered<QCImagePort>("QCImagePort"),
@@ -27,7 +27,7 @@ const NSNumber* asNumber(const NSObjectRef& value) {
   return dynamic_cast<const NSNumber*>(value.get());
 }
 
-constexpr double largestIndex = 4294967295.0;
+constexpr double kLargestIndex = 4294967295.0;
 
 }  // namespace
 
@@ -89,7 +89,7 @@ std::optional<NSObjectRef> QCIndexPort::acceptedValue(const NSObjectRef& value) 
     return std::nullopt;
   }
   const double index = number->doubleValue();
-  if (!(index >= 0 && index <= largestIndex) || index != std::floor(index)) {
+  if (!(index >= 0 && index <= kLargestIndex) || index != std::floor(index)) {
     return std::nullopt;
   }
   return NSNumber::numberWithInt(static_cast<std::int64_t>(index));
@@ -147,7 +147,7 @@ std::optional<PropertyList> QCImagePort::stateValue() const {
 }
 
 bool QCImagePort::setStateValue(const PropertyList&, std::string* reason) {
-  return QCRefuse(reason, "an image is not stored as a state");
+  return NSRefuse(reason, "an image is not stored as a state");
 }
 
 std::optional<NSObjectRef> QCImagePort::acceptedValue(const NSObjectRef& value) const {
@@ -169,16 +169,16 @@ bool QCObjectPort::setStateValue(const PropertyList& state, std::string* reason)
   const NSObjectRef object = entry && entry->factory ? entry->factory() : nullptr;
   auto* restored = dynamic_cast<QCObject*>(object.get());
   if (!restored) {
-    return QCRefuse(reason, "no objects of class " + name + " can be made");
+    return NSRefuse(reason, "no objects of class " + name + " can be made");
   }
   try {
     if (!restored->initWithStateValue(state)) {
-      return QCRefuse(reason, std::string("this ") + state.typeName() + " is no state of a " + name);
+      return NSRefuse(reason, std::string("this ") + state.typeName() + " is no state of a " + name);
     }
   } catch (const std::exception& error) {
-    return QCRefuse(reason, "this state does not fit a " + name + ": " + error.what());
+    return NSRefuse(reason, "this state does not fit a " + name + ": " + error.what());
   }
-  return setValue(object) || QCRefuse(reason, "the port refuses objects of class " + name);
+  return setValue(object) || NSRefuse(reason, "the port refuses objects of class " + name);
 }
 
 bool QCObjectPort::takesValuesOf(const QCPort& source) const {

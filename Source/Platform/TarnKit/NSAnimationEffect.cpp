@@ -11,10 +11,10 @@
 
 namespace {
 
-constexpr int durationMilliseconds = 320;
-constexpr int frameMilliseconds = 16;
-constexpr double ownSize = 40;
-constexpr int cloudCount = 7;
+constexpr int kDurationMilliseconds = 320;
+constexpr int kFrameMilliseconds = 16;
+constexpr double kOwnSize = 40;
+constexpr int kCloudCount = 7;
 
 // A ring of small clouds that swells and fades around a clear middle.
 class Puff : public QWidget {
@@ -29,7 +29,7 @@ class Puff : public QWidget {
     setGeometry(QRect(centre - QPoint(size.width() / 2, size.height() / 2), size));
     connect(qApp, &QCoreApplication::aboutToQuit, this, &QObject::deleteLater);
     connect(&frames_, &QTimer::timeout, this, [this] { step(); });
-    frames_.start(frameMilliseconds);
+    frames_.start(kFrameMilliseconds);
     clock_.start();
   }
 
@@ -41,14 +41,14 @@ class Puff : public QWidget {
     const double time = progress();
     const double half = std::min(width(), height()) / 2.0;
     const double swelling = 1 - (1 - time) * (1 - time);
-    for (int cloud = 0; cloud < cloudCount; ++cloud) drawCloud(painter, cloud, half, swelling, 1 - time);
+    for (int cloud = 0; cloud < kCloudCount; ++cloud) drawCloud(painter, cloud, half, swelling, 1 - time);
   }
 
  private:
-  double progress() const { return std::min(1.0, double(clock_.elapsed()) / durationMilliseconds); }
+  double progress() const { return std::min(1.0, double(clock_.elapsed()) / kDurationMilliseconds); }
 
   void drawCloud(QPainter& painter, int cloud, double half, double swelling, double opacity) const {
-    const double angle = cloud * 2 * M_PI / cloudCount;
+    const double angle = cloud * 2 * M_PI / kCloudCount;
     const double distance = half * (0.2 + 0.45 * swelling);
     const double radius = half * (cloud % 2 ? 0.22 : 0.3) * (0.7 + 0.3 * swelling);
     const QPointF centre(width() / 2.0 + distance * std::cos(angle), height() / 2.0 + distance * std::sin(angle));
@@ -59,7 +59,7 @@ class Puff : public QWidget {
   }
 
   void step() {
-    if (clock_.elapsed() >= durationMilliseconds) {
+    if (clock_.elapsed() >= kDurationMilliseconds) {
       frames_.stop();
       close();
     } else {
@@ -75,7 +75,7 @@ class Puff : public QWidget {
 
 void NSShowAnimationEffect(int, QPoint globalCentre, NSSize size) {
   if (!qobject_cast<QApplication*>(QCoreApplication::instance()) || QCoreApplication::closingDown()) return;
-  const double width = size.width > 0 ? size.width : ownSize;
-  const double height = size.height > 0 ? size.height : ownSize;
+  const double width = size.width > 0 ? size.width : kOwnSize;
+  const double height = size.height > 0 ? size.height : kOwnSize;
   (new Puff(globalCentre, QSize(int(std::ceil(width)), int(std::ceil(height)))))->show();
 }

@@ -6,13 +6,13 @@
 
 namespace {
 
-constexpr std::uint32_t largestEdge = 32767;  // of a raster image in Qt
-constexpr std::uint32_t largestRow = 4 * largestEdge + 4096;
+constexpr std::uint32_t kLargestEdge = 32767;  // of a raster image in Qt
+constexpr std::uint32_t kLargestRow = 4 * kLargestEdge + 4096;
 
 }  // namespace
 
 NSBitmapImageRep::NSBitmapImageRep(std::uint32_t pixelsWide, std::uint32_t pixelsHigh, std::uint32_t bytesPerRow) {
-  if (pixelsWide > largestEdge || pixelsHigh > largestEdge || bytesPerRow > largestRow) return;
+  if (pixelsWide > kLargestEdge || pixelsHigh > kLargestEdge || bytesPerRow > kLargestRow) return;
   const std::uint32_t pitch = std::max(bytesPerRow, pixelsWide * 4);
   try {
     data_.resize(std::size_t{pitch} * pixelsHigh);

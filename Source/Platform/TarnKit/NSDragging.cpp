@@ -13,8 +13,8 @@
 
 namespace {
 
-constexpr int dragPictureSize = 16;
-constexpr int largestDragPicture = 128;
+constexpr int kDragPictureSize = 16;
+constexpr int kLargestDragPicture = 128;
 
 std::uint32_t operationsOf(Qt::DropActions actions) {
   std::uint32_t mask = NSDragOperationNone;
@@ -43,15 +43,15 @@ std::optional<NSColor> colorFromWords(const QByteArray& data) {
 
 QPixmap pictureOf(const QMimeData& data) {
   if (const auto image = qvariant_cast<QImage>(data.imageData()); !image.isNull()) {
-    const bool large = image.width() > largestDragPicture || image.height() > largestDragPicture;
-    return QPixmap::fromImage(large ? image.scaled(largestDragPicture, largestDragPicture, Qt::KeepAspectRatio)
+    const bool large = image.width() > kLargestDragPicture || image.height() > kLargestDragPicture;
+    return QPixmap::fromImage(large ? image.scaled(kLargestDragPicture, kLargestDragPicture, Qt::KeepAspectRatio)
                                     : image);
   }
-  QPixmap picture(dragPictureSize, dragPictureSize);
+  QPixmap picture(kDragPictureSize, kDragPictureSize);
   picture.fill(qvariant_cast<QColor>(data.colorData()));
   QPainter painter(&picture);
   painter.setPen(Qt::black);
-  painter.drawRect(0, 0, dragPictureSize - 1, dragPictureSize - 1);
+  painter.drawRect(0, 0, kDragPictureSize - 1, kDragPictureSize - 1);
   return picture;
 }
 

@@ -9,11 +9,11 @@
 
 namespace {
 
-constexpr const char* maskProperty = "NSAutoresizingMask";
-constexpr double largestCoordinate = 16777215;  // of a widget
+constexpr const char* kMaskProperty = "NSAutoresizingMask";
+constexpr double kLargestCoordinate = 16777215;  // of a widget
 
 int whole(double value) {
-  return int(std::lround(std::clamp(std::isnan(value) ? 0 : value, -largestCoordinate, largestCoordinate)));
+  return int(std::lround(std::clamp(std::isnan(value) ? 0 : value, -kLargestCoordinate, kLargestCoordinate)));
 }
 
 void autoresizeAxis(double& origin, double& size, double growth, bool before, bool middle, bool after) {
@@ -47,11 +47,11 @@ NSRect NSAutoresizedFrame(NSRect frame, std::uint32_t mask, double growthX, doub
 }
 
 std::uint32_t NSAutoresizingMaskOf(const QWidget& widget) {
-  return widget.property(maskProperty).toUInt();
+  return widget.property(kMaskProperty).toUInt();
 }
 
 void NSSetAutoresizingMask(QWidget& widget, std::uint32_t mask) {
-  widget.setProperty(maskProperty, mask);
+  widget.setProperty(kMaskProperty, mask);
 }
 
 // The superview's layoutSize_ is what the geometry was computed for, even while the superview itself has another size

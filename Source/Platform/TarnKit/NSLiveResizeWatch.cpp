@@ -9,8 +9,8 @@
 
 namespace {
 
-constexpr int quietMilliseconds = 200;  // without a resize, the user has let go
-constexpr const char* watchName = "NSLiveResizeWatch";
+constexpr int kQuietMilliseconds = 200;  // without a resize, the user has let go
+constexpr const char* kWatchName = "NSLiveResizeWatch";
 
 std::vector<QPointer<QWidget>> viewsOf(QWidget& window) {
   std::vector<QPointer<QWidget>> views;
@@ -24,13 +24,13 @@ std::vector<QPointer<QWidget>> viewsOf(QWidget& window) {
 }  // namespace
 
 void NSLiveResizeWatch::watch(QWidget& window) {
-  if (!window.findChild<QObject*>(watchName, Qt::FindDirectChildrenOnly)) new NSLiveResizeWatch(window);
+  if (!window.findChild<QObject*>(kWatchName, Qt::FindDirectChildrenOnly)) new NSLiveResizeWatch(window);
 }
 
 NSLiveResizeWatch::NSLiveResizeWatch(QWidget& window) : QObject(&window), window_(window) {
-  setObjectName(watchName);
+  setObjectName(kWatchName);
   quiet_.setSingleShot(true);
-  quiet_.setInterval(quietMilliseconds);
+  quiet_.setInterval(kQuietMilliseconds);
   connect(&quiet_, &QTimer::timeout, this, [this] { end(); });
   window.installEventFilter(this);
 }

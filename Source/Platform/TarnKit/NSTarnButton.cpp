@@ -11,8 +11,8 @@
 
 namespace {
 
-constexpr double plateRadius = 3;
-constexpr double disabledOpacity = 0.4;
+constexpr double kPlateRadius = 3;
+constexpr double kDisabledOpacity = 0.4;
 
 // How much of the text color shows in the plate.
 double plateStrength(const NSTarnButton& button) {
@@ -48,7 +48,7 @@ void NSTarnButtonCell::drawPlate(NSRect frame) const {
   painter.setRenderHint(QPainter::Antialiasing);
   painter.setPen(Qt::NoPen);
   painter.setBrush(color);
-  painter.drawRoundedRect(context->toWidget(frame), plateRadius, plateRadius);
+  painter.drawRoundedRect(context->toWidget(frame), kPlateRadius, kPlateRadius);
   painter.restore();
 }
 
@@ -57,7 +57,7 @@ void NSTarnButtonCell::drawTitle(NSRect frame) const {
   if (!context || !title_) return;
   QPainter& painter = context->painter();
   painter.save();
-  painter.setOpacity(button_.isEnabled() ? 1 : disabledOpacity);
+  painter.setOpacity(button_.isEnabled() ? 1 : kDisabledOpacity);
   painter.setPen(NSTarnColor::textColor().toQColor());
   painter.drawText(context->toWidget(frame), Qt::AlignCenter, *title_);
   painter.restore();
@@ -66,7 +66,7 @@ void NSTarnButtonCell::drawTitle(NSRect frame) const {
 void NSTarnButtonCell::drawWithFrame(NSRect frame) {
   drawPlate(frame);
   if (const auto& source = currentImageSource()) {
-    source->drawInRect(frame, button_.isEnabled() ? 1 : disabledOpacity);
+    source->drawInRect(frame, button_.isEnabled() ? 1 : kDisabledOpacity);
   } else {
     drawTitle(frame);
   }

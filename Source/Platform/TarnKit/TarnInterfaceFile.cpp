@@ -98,7 +98,7 @@ std::unique_ptr<NSTarnView> TarnInterfaceFile::loadMasterView(const std::string&
     std::fprintf(stderr, "Unable to load nib %s: %s\n", name.c_str(), reason.c_str());
     return nullptr;
   }
-  root.release();
+  static_cast<void>(root.release());
   return std::unique_ptr<NSTarnView>(master);
 }
 

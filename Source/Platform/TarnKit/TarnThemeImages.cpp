@@ -14,7 +14,7 @@
 namespace {
 
 // A window that is resized leaves a rendering for every size that it went through.
-constexpr qsizetype mostRenderedBytes = 16 << 20;
+constexpr qsizetype kMostRenderedBytes = 16 << 20;
 
 std::string nameOf(const TarnThemeKey& key) {
   char name[64];
@@ -120,7 +120,7 @@ QImage TarnTheme::cached(const RenderingKey& key) {
     source.renderer->render(&painter, QRectF(QPointF(), QSizeF(pixels)));
   }
   painter.end();
-  if (renderedBytes_ + image.sizeInBytes() > mostRenderedBytes) {
+  if (renderedBytes_ + image.sizeInBytes() > kMostRenderedBytes) {
     renderings_.clear();
     renderedBytes_ = 0;
   }

@@ -46,34 +46,34 @@ HWY_INLINE FloatVector normalizedVector(FloatVector v, float high, float low) {
 }
 
 struct ReadRGBA8 {
-  static constexpr std::size_t channelBytes = 1;
-  static constexpr float high = 0x1.01p-8f;
-  static constexpr float low = 0x1.010102p-24f;
+  static constexpr std::size_t kChannelBytes = 1;
+  static constexpr float kHigh = 0x1.01p-8f;
+  static constexpr float kLow = 0x1.010102p-24f;
   static HWY_INLINE FloatVector fromBytes(hn::Vec<Bytes> bytes) {
-    return normalizedVector(hn::ConvertTo(Floats(), hn::PromoteTo(Integers(), bytes)), high, low);
+    return normalizedVector(hn::ConvertTo(Floats(), hn::PromoteTo(Integers(), bytes)), kHigh, kLow);
   }
   static HWY_INLINE FloatVector read(const std::uint8_t* in) { return fromBytes(hn::LoadU(Bytes(), in)); }
 };
 
 struct ReadARGB8 {
-  static constexpr std::size_t channelBytes = 1;
+  static constexpr std::size_t kChannelBytes = 1;
   static HWY_INLINE FloatVector read(const std::uint8_t* in) {
     return ReadRGBA8::fromBytes(rotatePixels<8>(Bytes(), hn::LoadU(Bytes(), in)));
   }
 };
 
 struct ReadRGBA16 {
-  static constexpr std::size_t channelBytes = 2;
-  static constexpr float high = 0x1p-16f;
-  static constexpr float low = 0x1.0001p-32f;
+  static constexpr std::size_t kChannelBytes = 2;
+  static constexpr float kHigh = 0x1p-16f;
+  static constexpr float kLow = 0x1.0001p-32f;
   static HWY_INLINE FloatVector read(const std::uint8_t* in) {
     const auto words = hn::LoadU(Words(), reinterpret_cast<const std::uint16_t*>(in));
-    return normalizedVector(hn::ConvertTo(Floats(), hn::PromoteTo(Integers(), words)), high, low);
+    return normalizedVector(hn::ConvertTo(Floats(), hn::PromoteTo(Integers(), words)), kHigh, kLow);
   }
 };
 
 struct ReadRGBAHalf {
-  static constexpr std::size_t channelBytes = 2;
+  static constexpr std::size_t kChannelBytes = 2;
 
   // The exponent moves from 5 to 8 bits by a multiplication, which is exact for subnormals too; infinities and NaN,
   // whose bits are kept, get the largest exponent.
@@ -103,7 +103,7 @@ struct ReadRGBAHalf {
 };
 
 struct ReadRGBAFloat {
-  static constexpr std::size_t channelBytes = 4;
+  static constexpr std::size_t kChannelBytes = 4;
   static HWY_INLINE FloatVector read(const std::uint8_t* in) {
     return hn::LoadU(Floats(), reinterpret_cast<const float*>(in));
   }
@@ -132,8 +132,8 @@ HWY_INLINE hn::Vec<D> inOrder(D d, hn::Vec<D> packed) {
 }
 
 struct WriteARGB8 {
-  static constexpr std::size_t channelBytes = 1;
-  static constexpr std::size_t vectors = 4;
+  static constexpr std::size_t kChannelBytes = 1;
+  static constexpr std::size_t kVectors = 4;
   template <bool streamed>
   static HWY_INLINE void write(const FloatVector (&v)[4], std::uint8_t* out) {
     const auto bytes = packToBytes(packToIntegers(rounded<255>(v[0]), rounded<255>(v[1])),
@@ -145,8 +145,8 @@ struct WriteARGB8 {
 };
 
 struct WriteRGBA16 {
-  static constexpr std::size_t channelBytes = 2;
-  static constexpr std::size_t vectors = 2;
+  static constexpr std::size_t kChannelBytes = 2;
+  static constexpr std::size_t kVectors = 2;
   template <bool streamed>
   static HWY_INLINE void write(const FloatVector (&v)[2], std::uint8_t* out) {
     const auto words = packToWords(rounded<65535>(v[0]), rounded<65535>(v[1]));
@@ -158,24 +158,24 @@ struct WriteRGBA16 {
 #endif
 
 struct WriteRGBAFloat {
-  static constexpr std::size_t channelBytes = 4;
-  static constexpr std::size_t vectors = 1;
+  static constexpr std::size_t kChannelBytes = 4;
+  static constexpr std::size_t kVectors = 1;
   template <bool streamed>
   static HWY_INLINE void write(const FloatVector (&v)[1], std::uint8_t* out) {
     storeNext<streamed>(v[0], Floats(), reinterpret_cast<float*>(out));
   }
 };
 
-// Converts as many whole vectors as are written at once, again and again, and answers how many pixels those were.
+// Converts as many whole vectors as are written at once, again and again, and returns how many pixels those were.
 template <bool streamed, class Write, class Read>
 std::size_t convertVectors(std::uint8_t* out, const std::uint8_t* in, std::size_t count) {
   const std::size_t lanes = hn::Lanes(Floats());
-  const std::size_t step = Write::vectors * lanes;
+  const std::size_t step = Write::kVectors * lanes;
   const std::size_t channels = count * 4 / step * step;
   for (std::size_t i = 0; i < channels; i += step) {
-    FloatVector v[Write::vectors];
-    for (std::size_t k = 0; k < Write::vectors; ++k) v[k] = Read::read(in + (i + k * lanes) * Read::channelBytes);
-    Write::template write<streamed>(v, out + i * Write::channelBytes);
+    FloatVector v[Write::kVectors];
+    for (std::size_t k = 0; k < Write::kVectors; ++k) v[k] = Read::read(in + (i + k * lanes) * Read::kChannelBytes);
+    Write::template write<streamed>(v, out + i * Write::kChannelBytes);
   }
   return channels / 4;
 }

@@ -24,8 +24,8 @@ void countAll(HistogramTables& tables, const HistogramRows& rows) {
   countHistogramScalar(tables, rows);
 }
 #else
-constexpr std::size_t BlockPixels = 16;
-constexpr std::size_t BlockBytes = 4 * BlockPixels;
+constexpr std::size_t kBlockPixels = 16;
+constexpr std::size_t kBlockBytes = 4 * kBlockPixels;
 
 // Four tables for each channel, taken in turns, so that equal neighbours do not wait for one another. The padding
 // keeps equal bins of different tables from sharing the address bits by which the processor orders loads and stores.
@@ -49,7 +49,7 @@ HWY_INLINE void countPixelInTables(std::uint32_t (*tables)[Tallies::Stride], con
 // A block, pixel after pixel: written out, since compilers keep such loops.
 template <std::size_t channels>
 HWY_INLINE void countPixelsOfBlock(Tallies& tallies, const std::uint8_t* in) {
-  for (const std::uint8_t* end = in + BlockBytes; in != end; in += 16) {
+  for (const std::uint8_t* end = in + kBlockBytes; in != end; in += 16) {
     countPixelInTables<channels>(tallies.counts, in);
     countPixelInTables<channels>(tallies.counts + 4, in + 4);
     countPixelInTables<channels>(tallies.counts + 8, in + 8);
@@ -58,27 +58,27 @@ HWY_INLINE void countPixelsOfBlock(Tallies& tallies, const std::uint8_t* in) {
 }
 
 HWY_INLINE void countBlock(Tallies& tallies, const std::uint8_t* in) {
-  const hn::CappedTag<std::uint32_t, BlockPixels> d;
+  const hn::CappedTag<std::uint32_t, kBlockPixels> d;
   const hn::Repartition<std::uint8_t, decltype(d)> bytes;
   std::uint32_t first;
   std::memcpy(&first, in, sizeof first);
   auto different = hn::Zero(d);
-  for (std::size_t i = 0; i < BlockBytes; i += 4 * hn::Lanes(d)) {
+  for (std::size_t i = 0; i < kBlockBytes; i += 4 * hn::Lanes(d)) {
     different = hn::Or(different, hn::Xor(hn::BitCast(d, hn::LoadU(bytes, in + i)), hn::Set(d, first)));
   }
   if (!hn::AllTrue(d, hn::Lt(different, hn::Set(d, 1u << 24)))) {
     return countPixelsOfBlock<4>(tallies, in);
   }
-  tallies.counts[3][in[3]] += BlockPixels;
+  tallies.counts[3][in[3]] += kBlockPixels;
   if (!hn::AllTrue(d, hn::Eq(different, hn::Zero(d)))) {
     return countPixelsOfBlock<3>(tallies, in);
   }
-  for (std::size_t c = 0; c < 3; ++c) tallies.counts[c][in[c]] += BlockPixels;
+  for (std::size_t c = 0; c < 3; ++c) tallies.counts[c][in[c]] += kBlockPixels;
 }
 
 void countBytes(Tallies& tallies, const std::uint8_t* in, std::size_t pixels) {
   std::size_t i = 0;
-  for (; i + BlockPixels <= pixels; i += BlockPixels) countBlock(tallies, in + 4 * i);
+  for (; i + kBlockPixels <= pixels; i += kBlockPixels) countBlock(tallies, in + 4 * i);
   for (; i < pixels; ++i) countPixel(tallies, in + 4 * i);
 }
 
@@ -119,11 +119,11 @@ struct FloatBins {
 template <class Bins>
 void countConverted(Tallies& tallies, const std::uint8_t* in, std::size_t count) {
   using Channel = typename Bins::Channel;
-  constexpr std::size_t BufferPixels = 512;
-  HWY_ALIGN std::uint8_t buffer[4 * BufferPixels];
+  constexpr std::size_t bufferPixels = 512;
+  HWY_ALIGN std::uint8_t buffer[4 * bufferPixels];
   const std::size_t lanes = Bins::lanes();
   while (count > 0) {
-    const std::size_t channels = 4 * std::min(count, BufferPixels);
+    const std::size_t channels = 4 * std::min(count, bufferPixels);
     std::size_t i = 0;
     for (; i + lanes <= channels; i += lanes) {
       Bins::write(buffer + i, reinterpret_cast<const Channel*>(in + i * sizeof(Channel)));

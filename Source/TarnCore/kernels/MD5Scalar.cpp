@@ -9,7 +9,7 @@ namespace vorto::kernels {
 
 namespace {
 
-constexpr int Shifts[4][4] = {{7, 12, 17, 22}, {5, 9, 14, 20}, {4, 11, 16, 23}, {6, 10, 15, 21}};
+constexpr int kShifts[4][4] = {{7, 12, 17, 22}, {5, 9, 14, 20}, {4, 11, 16, 23}, {6, 10, 15, 21}};
 
 // T[i] of the RFC: the integer part of 4294967296 x |sin(i)|, i from 1, in radians.
 std::uint32_t sineConstant(int step) {
@@ -35,9 +35,9 @@ std::uint32_t roundFunction(int round, std::uint32_t x, std::uint32_t y, std::ui
 }
 
 int wordIndex(int round, int step) {
-  constexpr int Factors[4] = {1, 5, 3, 7};
-  constexpr int Offsets[4] = {0, 1, 5, 0};
-  return (Factors[round] * step + Offsets[round]) % 16;
+  constexpr int factors[4] = {1, 5, 3, 7};
+  constexpr int offsets[4] = {0, 1, 5, 0};
+  return (factors[round] * step + offsets[round]) % 16;
 }
 
 void transformBlock(std::uint32_t state[4], const unsigned char* block) {
@@ -52,7 +52,7 @@ void transformBlock(std::uint32_t state[4], const unsigned char* block) {
     a = d;
     d = c;
     c = b;
-    b += std::rotl(sum, Shifts[round][step % 4]);
+    b += std::rotl(sum, kShifts[round][step % 4]);
   }
   state[0] += a;
   state[1] += b;

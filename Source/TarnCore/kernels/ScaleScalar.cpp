@@ -7,8 +7,8 @@
 namespace vorto::kernels {
 
 std::uint32_t scaledIndex(std::uint32_t index, double ratio) {
-  constexpr double Bias = 1e-7;  // an exact ratio hits its pixel although the product is rounded
-  const double place = std::floor(index * ratio + Bias);
+  constexpr double bias = 1e-7;  // an exact ratio hits its pixel although the product is rounded
+  const double place = std::floor(index * ratio + bias);
   if (!(place > 0)) return 0;
   return place >= 4294967295.0 ? 4294967295U : static_cast<std::uint32_t>(place);
 }

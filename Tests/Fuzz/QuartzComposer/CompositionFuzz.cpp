@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+#include "Platform/Foundation/NSClassTable.h"
 #include "Platform/QuartzComposer/GFNodeManager.h"
 #include "Platform/QuartzComposer/QCComposition.h"
 #include "Platform/QuartzComposer/QCCompositionBuilder.h"
