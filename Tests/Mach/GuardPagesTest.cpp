@@ -13,7 +13,7 @@ const mach_port_t self = mach_task_self();
 class GuardPagesTest : public testing::Test {
  protected:
   void SetUp() override {
-    if (!hasAddressSanitizer) GTEST_SKIP() << "guards stand in builds with the address sanitizer alone";
+    if (!kHasAddressSanitizer) GTEST_SKIP() << "guards stand in builds with the address sanitizer alone";
     GTEST_FLAG_SET(death_test_style, "threadsafe");
   }
 };

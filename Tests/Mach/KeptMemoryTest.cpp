@@ -218,7 +218,7 @@ vm_size_t addressSpaceInUse() {
 }
 
 TEST_F(KeptMemoryTest, MakesRoomBeforeAnAllocationFails) {
-  if (hasAddressSanitizer) GTEST_SKIP() << "no limit of address space under the address sanitizer";
+  if (kHasAddressSanitizer) GTEST_SKIP() << "no limit of address space under the address sanitizer";
   constexpr vm_size_t kept = vm_size_t{32} << 20;
   giveBack(filled(kept), kept);
   rlimit before;

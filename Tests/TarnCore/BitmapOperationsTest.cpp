@@ -476,7 +476,7 @@ TEST(BitmapScaling, OutputWithoutUnpremultiplicationClonesAndFinishesAlpha) {
 // In a build with the address sanitizer, though the allocation goes on behind the pixels.
 TEST(BitmapSlack, FirstByteBehindThePixelsIsOutOfBounds) {
   for (const auto& [code, padding] : {std::pair{0u, 0u}, {2u, 0u}, {5u, 0u}, {9u, 0u}, {0u, 6u}}) {
-    if (!hasAddressSanitizer) break;
+    if (!kHasAddressSanitizer) break;
     const oracle::Layout layout = layoutOf(code);
     const VortoBitmap bitmap(37, 5, static_cast<std::uint32_t>(8 * oracle::bytesOf(layout.number)),
                              static_cast<std::uint32_t>(layout.channels), code, padding);

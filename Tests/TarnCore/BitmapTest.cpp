@@ -274,7 +274,7 @@ int failToAllocate() {
 }
 
 TEST(BitmapMemory, FailingAllocationCallsBackOnceReportsAndLeavesAnEmptyBitmap) {
-  if (hasAddressSanitizer) GTEST_SKIP() << "no limit of address space under the address sanitizer";
+  if (kHasAddressSanitizer) GTEST_SKIP() << "no limit of address space under the address sanitizer";
   const ChildResult child = RunInChild([] {
     dup2(STDOUT_FILENO, STDERR_FILENO);
     return failToAllocate();

@@ -325,7 +325,7 @@ TEST_P(Kernel, OverlappingMemory) {
 
 // In a build with the address sanitizer whoever runs past the pixels of a bitmap is stopped.
 TEST_P(Kernel, OverrunIsSeen) {
-  if (!hasAddressSanitizer || operation.name == "swap") return;
+  if (!kHasAddressSanitizer || operation.name == "swap") return;
   static Bytes elsewhere(std::size_t{1} << 14);
   for (const bool reads : {false, true}) {
     const std::size_t unit = reads ? operation.read : operation.written;
