@@ -6,7 +6,7 @@
 #include <memory>
 #include <utility>
 
-// An object that is not retained. Once an object that shared pointers own is destroyed, the reference answers null; of
+// An object that is not retained. Once an object that shared pointers own is destroyed, the reference gives null; of
 // one that nobody owns so (a local variable, say) the caller sees to it that it lives longer than the reference.
 template <class Object>
 class VRTObjectReference {
@@ -18,7 +18,7 @@ class VRTObjectReference {
     owned_ = !owner_.expired();
   }
 
-  // Keeps the object alive for as long as the answer is held, where it can.
+  // Keeps the object alive for as long as the result is held, where it can.
   std::shared_ptr<Object> lock() const {
     if (!owned_) return {std::shared_ptr<void>(), object_};
     const NSObjectRef owner = owner_.lock();

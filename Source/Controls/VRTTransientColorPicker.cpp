@@ -7,7 +7,7 @@
 #include <QPointer>
 
 // What a picker is while it is open. Callbacks may destroy the view, close the picker and open another one; each step
-// holds the session itself and asks whether it still runs.
+// holds the session itself and checks whether it still runs.
 struct VRTTransientColorPicker::Session : std::enable_shared_from_this<Session> {
   Session(VRTTransientColorPicker* newPicker, NSTarnView& newView) : picker(newPicker), view(&newView) {}
 

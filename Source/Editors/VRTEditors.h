@@ -4,6 +4,6 @@
 #include "Platform/Visibility.h"
 
 // Makes the editors of this library known to the parameter ports: from then on setupParameterView() of gradient and
-// levels ports answers new editors. A host calls it once, after it has made its QApplication; further calls change
+// levels ports returns new editors. A host calls it once, after it has made its QApplication; further calls change
 // nothing.
 TARN_EXPORT void VRTStartEditors();

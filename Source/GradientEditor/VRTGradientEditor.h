@@ -83,5 +83,5 @@ class TARN_EXPORT VRTGradientEditor : public NSTarnView, public NSKeyValueObserv
 };
 
 // Makes the editor known to VRTGradientPort::setupParameterView(): 236 x 76 points, attached to the port and enabled.
-// Call it once, before editors are asked for.
+// Call it once, before the first editor is made.
 TARN_EXPORT void VRTRegisterGradientEditor();

@@ -17,7 +17,7 @@ class TARN_EXPORT VRTGradientEditorDelegate {
   VRTGradientEditorDelegate(const VRTGradientEditorDelegate&) = delete;
   VRTGradientEditorDelegate& operator=(const VRTGradientEditorDelegate&) = delete;
 
-  // The selection has changed; a double click asks for a way to choose the sample's color. The sample may be null.
+  // The selection has changed; a double click wants a way to choose the sample's color. The sample may be null.
   virtual void setSelectedSample(VRTChannelGradientSample* sample, bool middleSelected, bool doubleClick);
   // A picker has a color for the selected sample. The editor stores nothing: that is left to the delegate.
   virtual void updateSelectedSampleRGBFrom(VRTTransientColorPicker* picker);

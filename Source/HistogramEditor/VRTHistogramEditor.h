@@ -60,5 +60,5 @@ class TARN_EXPORT VRTHistogramEditor : public NSTarnView, public NSKeyValueObser
 };
 
 // Makes the editor known to VRTHistogramPort::setupParameterView(): 218 x 137 points, attached to the port. Call it
-// once, before editors are asked for.
+// once, before the first editor is made.
 TARN_EXPORT void VRTRegisterHistogramEditor();

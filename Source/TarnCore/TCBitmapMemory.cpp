@@ -77,7 +77,7 @@ void VortoBitmap::allocateMemory() {
     data = nullptr;
     return;
   }
-  // A kernel of larger pages names more than was asked for.
+  // A kernel of larger pages names more than was wanted.
   if (entrySize <= UINT32_MAX) allocSize = static_cast<std::uint32_t>(entrySize);
   vorto::poisonSlack(*this);
 }

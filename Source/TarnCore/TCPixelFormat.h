@@ -71,8 +71,8 @@ TARN_EXPORT void VortoMakeCheckerImage(void* pixels, unsigned width, unsigned he
 // The largest texture edge in pixels to use with a channel depth of 8, 16 or 32 bits on this machine: what the hardware
 // takes, limited by the video memory that each display's share comes to.
 //
-// The first call asks OpenGL with `context` current and puts the previous context back; without a context it asks the
-// current one, or else one that it makes and gives up again. Its answers stay for the life of the process. A renderer
-// in software counts as a graphics device; where none can be asked at all the hardware's limit is taken for 2048. To be
-// called on the thread that owns the host's contexts.
+// The first call queries OpenGL with `context` current and puts the previous context back; without a context it queries
+// the current one, or else one that it makes and gives up again. Its results stay for the life of the process. A
+// renderer in software counts as a graphics device; where none can be queried at all the hardware's limit is taken for
+// 2048. To be called on the thread that owns the host's contexts.
 TARN_EXPORT int VRTMaxTextureDimension(CGLContextObj context, int bitsPerChannel);

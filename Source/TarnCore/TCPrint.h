@@ -12,7 +12,7 @@
 // and flushed after every message; while it cannot be opened nothing is printed, and the next message tries again. Not
 // synchronised: everything here is for one thread.
 
-// The one output routine. Answers what the C library's print function answers; -1 when the log file cannot be opened.
+// The one output routine. Returns what the C library's print function returns; -1 when the log file cannot be opened.
 TARN_EXPORT int VortoPrintVA(const char* format, std::va_list args) __attribute__((format(printf, 1, 0)));
 TARN_EXPORT int VortoPrint(const char* format, ...) __attribute__((format(printf, 1, 2)));
 // The message behind 2 x level spaces.

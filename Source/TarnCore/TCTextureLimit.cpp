@@ -31,7 +31,7 @@ int depthLimit(std::int64_t mebibytesPerDisplay, int bitsPerChannel) {
   return isFloat ? 2048 : 2828;
 }
 
-// The renderer of the main display. It is asked for its memory again and again and is never given up.
+// The renderer of the main display. Its memory is queried again and again and is never given up.
 CGLRendererInfoObj mainRenderer = nullptr;
 
 void askDevice(CGLContextObj context, TCTextureLimit& limit) {

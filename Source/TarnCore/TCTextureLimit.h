@@ -6,7 +6,7 @@
 
 // The rule behind VRTMaxTextureDimension, apart from the questions to the graphics device.
 struct TCTextureLimit {
-  int cachedMaximum = -1;          // pixels; -1 until the device was asked
+  int cachedMaximum = -1;          // pixels; -1 until the device was queried
   std::uint32_t displays = 1;      // 0 counts as 1
   bool isLimitedRenderer = false;  // takes no more than 2048, whatever it says
 

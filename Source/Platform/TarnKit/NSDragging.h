@@ -48,7 +48,7 @@ class TARN_EXPORT NSDraggingInfo {
 TARN_EXPORT std::unique_ptr<QMimeData> NSPasteboardWithColor(const NSColor& color);
 TARN_EXPORT std::unique_ptr<QMimeData> NSPasteboardWithImage(const NSImage& image);
 TARN_EXPORT std::unique_ptr<QMimeData> NSPasteboardWithBitmap(const NSBitmapImageRep& bitmap);
-// Drags that content from a widget with its picture under the pointer, until it is dropped or given up; answers the
+// Drags that content from a widget with its picture under the pointer, until it is dropped or given up; returns the
 // operation. Call it from mouseDragged. Everything may have been destroyed when it returns.
 TARN_EXPORT std::uint32_t NSBeginDrag(QWidget& source, std::unique_ptr<QMimeData> pasteboard,
                                       std::uint32_t operationMask = NSDragOperationCopy);

@@ -35,7 +35,7 @@ NSLiveResizeWatch::NSLiveResizeWatch(QWidget& window) : QObject(&window), window
   window.installEventFilter(this);
 }
 
-// Resizes that come from the window system are spontaneous; those that the program asked for are not. The first one
+// Resizes that come from the window system are spontaneous; those that the program makes are not. The first one
 // places the window and belongs to showing it.
 bool NSLiveResizeWatch::eventFilter(QObject* watched, QEvent* event) {
   if (watched == &window_ && event->type() == QEvent::Resize && event->spontaneous() && window_.isVisible()) begin();

@@ -65,7 +65,7 @@ void NSTarnView::setAutoresizingMask(std::uint32_t mask) {
 }
 
 // Widgets that are hidden hear of a new size when they are shown; frames must hold at once. Hence geometry is brought
-// up to date here, whenever it is asked for, and not by resize events alone.
+// up to date here, whenever it is needed, and not by resize events alone.
 void NSTarnView::layOutSubviews(const QObject* except) {
   if (size() == layoutSize_) return;
   const QSize growth = size() - layoutSize_;
@@ -167,7 +167,7 @@ bool NSTarnView::event(QEvent* event) {
       const auto* help = static_cast<QHelpEvent*>(event);
       const QString text = toolTipAtPoint(fromWidget(QPointF(help->pos()) + QPointF(0, 0.5)));
       if (text.isEmpty()) break;
-      // The text belongs to this spot alone: moving on a point asks again.
+      // The text belongs to this spot alone: moving on a point looks again.
       QToolTip::showText(help->globalPos(), text, this, QRect(help->pos(), QSize(2, 2)));
       return true;
     }

@@ -32,7 +32,7 @@ TARN_EXPORT void NSSetAutoresizingMask(QWidget& widget, std::uint32_t mask);
 
 // The base of all views: a widget in the platform's coordinates.
 //
-// Coordinates are points. A view's origin is its lower left corner, with y upwards, unless isFlipped() answers true:
+// Coordinates are points. A view's origin is its lower left corner, with y upwards, unless isFlipped() returns true:
 // then it is the upper left one, with y downwards. Frames are in the superview's coordinates and are rounded to whole
 // points. When a superview changes its size, the frames of its subviews stay or follow by their autoresizing masks,
 // each in the superview's own coordinates. A superview that is no NSTarnView, and a window's place on the screen, count
@@ -46,7 +46,7 @@ class TARN_EXPORT NSTarnView : public QWidget {
   explicit NSTarnView(NSRect frame, QWidget* parent = nullptr);
   ~NSTarnView() override;
 
-  // Must always give the same answer.
+  // Must always return the same.
   virtual bool isFlipped() const { return false; }
   virtual bool isOpaque() const { return false; }
 
@@ -111,9 +111,9 @@ class TARN_EXPORT NSTarnView : public QWidget {
   // Shows a text near a point at once, for the value under the pointer while dragging; an empty text hides it.
   void showToolTip(NSPoint point, const QString& text);
 
-  // Drops. Drags that carry none of the registered types never reach the view. Updated and entered answer what a drop
-  // would do here, from draggingSourceOperationMask(); 0 refuses. Entered answers none by default, updated what entered
-  // answers.
+  // Drops. Drags that carry none of the registered types never reach the view. Updated and entered return what a drop
+  // would do here, from draggingSourceOperationMask(); 0 refuses. Entered returns none by default, updated what entered
+  // returns.
   void registerForDraggedTypes(const QStringList& types);
   virtual std::uint32_t draggingEntered(const NSDraggingInfo& info);
   virtual std::uint32_t draggingUpdated(const NSDraggingInfo& info);
@@ -122,7 +122,7 @@ class TARN_EXPORT NSTarnView : public QWidget {
 
   // Accessibility: a name for the view, and its parts. Answer the same number of parts until accessibilityChanged() is
   // called.
-  virtual QString accessibilityLabel() const;  // the base answers QWidget::accessibleName()
+  virtual QString accessibilityLabel() const;  // the base returns QWidget::accessibleName()
   virtual std::vector<NSAccessibilityElement> accessibilityElements() const;
   // Assistive technology sets a part's value; the base does nothing.
   virtual void setAccessibilityValue(std::size_t element, double value);
@@ -176,5 +176,5 @@ class TARN_EXPORT NSTarnView : public QWidget {
   bool cursorIsSet_ = false;
   std::vector<ToolTip> toolTips_;
   QStringList draggedTypes_;
-  std::uint32_t dragOperation_ = NSDragOperationNone;  // what the last move over the view answered
+  std::uint32_t dragOperation_ = NSDragOperationNone;  // what the last move over the view returned
 };

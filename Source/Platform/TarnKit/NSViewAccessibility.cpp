@@ -11,7 +11,7 @@ namespace {
 
 class ViewInterface;
 
-// One part of a view. The view's interface owns it; it answers nothing once the view is gone.
+// One part of a view. The view's interface owns it; it tells nothing once the view is gone.
 class ElementInterface : public QAccessibleInterface, public QAccessibleValueInterface {
  public:
   ElementInterface(NSTarnView& view, std::size_t index) : view_(&view), index_(index) {}

@@ -17,7 +17,7 @@ namespace vorto::kernels::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
 // Asks for the line that will be written in a while, so that a loop over a large image does not wait for every line
-// that it is about to overwrite. Lines beyond the image's end are asked for too, which has no effect on them.
+// that it is about to overwrite. Lines beyond the image's end are fetched too, which has no effect on them.
 HWY_INLINE void expectWriteBehind(const void* place) {
   constexpr std::uintptr_t kDistance = 2048;
   const auto* const ahead = reinterpret_cast<const char*>(reinterpret_cast<std::uintptr_t>(place) + kDistance);
