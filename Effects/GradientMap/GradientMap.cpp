@@ -44,7 +44,7 @@ class GradientMapPatch : public EffectPatch {
 
  private:
   std::optional<BitmapRef> render(std::string* reason) override {
-    const auto image = inputBitmap(*image_, reason);
+    auto image = inputBitmap(*image_, reason);
     if (!image || !*image) return image;
     const BitmapRef& in = *image;
     const auto gradient = std::dynamic_pointer_cast<VRTGradient>(gradient_->value());

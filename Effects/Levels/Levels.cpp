@@ -81,7 +81,7 @@ class LevelsPatch : public EffectPatch {
 
  private:
   std::optional<BitmapRef> render(std::string* reason) override {
-    const auto image = inputBitmap(*image_, reason);
+    auto image = inputBitmap(*image_, reason);
     if (!image || !*image) return image;
     const BitmapRef& in = *image;
     const auto levels = std::dynamic_pointer_cast<VRTHistogram>(levels_->value());

@@ -5,6 +5,8 @@
 
 #include <QApplication>
 
+#include <memory>
+
 namespace host {
 namespace {
 
@@ -73,7 +75,7 @@ QPalette darkPalette() {
 
 void applyAppearance(QApplication& application, const std::string& appearance) {
   const bool dark = appearance.empty() ? isDark(application.palette()) : appearance == "dark";
-  application.setStyle(new InspectorStyle);  // takes it over: NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks)
+  application.setStyle(std::make_unique<InspectorStyle>().release());  // which takes it over
   application.setPalette(dark ? darkPalette() : lightPalette());
 }
 

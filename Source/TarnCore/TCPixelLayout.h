@@ -15,11 +15,11 @@ struct VortoPixelLayout {
   enum class Number : std::uint8_t { Byte, Word, Half, Float };  // unsigned integers of 8 and 16 bits, and floats
 
   Number number;
-  std::int8_t channels;                 // numbers that each pixel has in memory, without padding between pixels
-  std::int8_t red, green, blue, alpha;  // which of them; -1 where there is none. Luminance is all three colors
-  bool isPaired;     // 4:2:2: U and V, of two pixels, take turns in the first number; Y is the second
-  bool isExchanged;  // flows between patches
-  const char* name;  // for messages, in English
+  int channels;                 // numbers that each pixel has in memory, without padding between pixels
+  int red, green, blue, alpha;  // which of them; -1 where there is none. Luminance is all three colors
+  bool isPaired;                // 4:2:2: U and V, of two pixels, take turns in the first number; Y is the second
+  bool isExchanged;             // flows between patches
+  const char* name;             // for messages, in English
 
   constexpr std::uint32_t bytesPerChannel() const {
     return number == Number::Byte ? 1 : number == Number::Float ? 4 : 2;

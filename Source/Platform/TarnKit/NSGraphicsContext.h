@@ -14,7 +14,7 @@ class QWidget;
 // destroyed.
 //
 // This is the one place where drawing coordinates are converted: everything that draws takes points of the view and
-// takes from the context the widget's own.
+// gets the widget's own from the context.
 class TARN_EXPORT NSGraphicsContext {
  public:
   // The painter and the widget must outlive the context.
