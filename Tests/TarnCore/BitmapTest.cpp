@@ -14,6 +14,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
 #include <cstring>
 #include <filesystem>
 #include <iterator>
@@ -136,7 +137,7 @@ TEST(Bitmap, CopiesHaveMemoryOfTheirOwn) {
   EXPECT_EQ(bytesOf(*source), before) << "the source lost its memory";
 
   VortoBitmap other(1, 1, 8, 4, 0, 9);
-  for (const VortoBitmap* from : {source.get(), static_cast<const VortoBitmap*>(&other)}) {
+  for (const VortoBitmap* from : std::initializer_list<const VortoBitmap*>{source.get(), &other}) {
     other.clone(*from);
     EXPECT_EQ(other.width, 60u);
     EXPECT_EQ(other.bitsPerChannel, 16u);
@@ -164,11 +165,11 @@ TEST(Bitmap, CopyTakesBytesBetweenEqualChannelCountsAndNothingElse) {
 }
 
 // By pairs over the whole image: the last pixel of an odd count has its partner in the slack one way, and is dropped
-// the other way.
+// the other way. With a width that lies, all that both allocations hold.
 TEST(Bitmap, ConvertsBetweenYUVAndARGB) {
-  for (const auto& [width, height] : {std::pair{6u, 1u}, {3u, 1u}, {1u, 1u}, {5u, 3u}}) {
-    const std::size_t pixels = std::size_t{width} * height;
+  for (const auto& [width, height, pixels] : {std::array{6u, 1u, 6u}, {3, 1, 3}, {1, 1, 1}, {5, 3, 15}, {5, 1, 1024}}) {
     const Bitmap yuv = made(width, height, 2), argb = made(width, height, 1), rgba = made(width, height, 0);
+    for (VortoBitmap* bitmap : {yuv.get(), argb.get()}) bitmap->width = pixels == 1024 ? 0x7FFF : width;
     Bytes expected(argb->allocSize);
     fill(*yuv, 6);
     for (std::size_t i = 0; i < pixels; i += 2) oracle::pairToARGB(&expected[4 * i], yuv->data + 2 * i);

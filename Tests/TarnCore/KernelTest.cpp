@@ -4,17 +4,15 @@
 #include "TarnCore/kernels/AlphaComplement.h"
 #include "TarnCore/kernels/BytePatterns.h"
 #include "TarnCore/kernels/Depth.h"
-#include "TarnCore/kernels/Dispatch.h"
-#include "TarnCore/kernels/Histogram.h"
 #include "TarnCore/kernels/Memory.h"
 #include "TarnCore/kernels/Premultiply.h"
 #include "TarnCore/kernels/UnpremultiplyTruncated.h"
 #include "TarnCore/kernels/YUV422.h"
+#include "Tests/TarnCore/EveryTarget.h"
 #include "Tests/TarnCore/PixelOracle.h"
 
 #include <gtest/gtest.h>
 
-#include <bit>
 #include <cstring>
 #include <functional>
 #include <random>
@@ -26,16 +24,6 @@ namespace {
 
 using namespace vorto::kernels;
 using namespace oracle;
-
-template <class Function>
-void onEveryTarget(Function function) {
-  for (const SimdTarget& target : simdTargets()) {
-    SCOPED_TRACE(target.name);
-    forceSimdTarget(target);
-    function();
-  }
-  restoreSimdTarget();
-}
 
 using Form = std::function<void(To, From, Count, const Color& background)>;
 using Unit = std::function<void(To, From, const Color& background)>;
@@ -341,102 +329,5 @@ TEST_P(Kernel, OverrunIsSeen) {
 
 INSTANTIATE_TEST_SUITE_P(Every, Kernel, testing::ValuesIn(operations()),
                          [](const auto& row) { return row.param.name; });
-
-struct Scaling {
-  std::uint32_t width, height, toWidth, toHeight;
-  std::size_t missingSource = 0, missingDestination = 0;
-};
-
-// run(destination, source) on random pixels against pixel(to, from) on those that it should name.
-template <class Scale, class Pixel>
-void compareScaling(const Scaling& s, std::size_t written, std::size_t read, Number number, Scale run, Pixel pixel) {
-  const std::size_t pixels = std::size_t{s.width} * s.height - s.missingSource;
-  const std::size_t all = std::size_t{s.toWidth} * s.toHeight;
-  const Bytes in = randomBytes(pixels * read, 9);
-  Guarded expected(Bytes(all * written, 7)), actual(Bytes(all * written, 7));
-  for (std::size_t i = 0; i < all - s.missingDestination; ++i) {
-    const std::uint64_t k =
-        sourceIndex(i / s.toWidth, s.toHeight, s.height) * s.width + sourceIndex(i % s.toWidth, s.toWidth, s.width);
-    if (k < pixels) pixel(expected.data() + i * written, in.data() + k * read);
-  }
-  run(ScaleDestination{actual.data(), s.toWidth, s.toHeight, all - s.missingDestination},
-      ScaleSource{in.data(), s.width, s.height, pixels});
-  ASSERT_EQ(actual.difference(expected, number, false), "") << s.width << " to " << s.toWidth;
-}
-
-TEST(ScaleKernel, TakesTheNearestPixels) {
-  std::vector<Scaling> scalings = {{4000, 3, 9001, 4}, {1920, 4, 1280, 3}, {70, 9, 40, 9, 17}, {70, 9, 40, 9, 0, 17},
-                                   {90, 4, 700, 3},    {90, 4, 1, 1},      {3, 1, 0, 1},       {0, 0, 2, 1}};
-  for (std::uint32_t width = 1; width <= 130; ++width) {
-    scalings.push_back({width, 3, 64, 2});
-    scalings.push_back({61, 2, width, 5});
-  }
-  onEveryTarget([&] {
-    for (const Scaling& scaling : scalings) {
-      for (const std::size_t bytes : {2, 4, 6, 8, 16}) {
-        compareScaling(
-            scaling, bytes, bytes, Number::Byte,
-            [&](const auto& to, const auto& from) { scaleNearest(to, from, bytes); },
-            [&](To to, From from) { std::copy_n(from, bytes, to); });
-      }
-      forConversions([&](DepthLayout to, const Layout& out, DepthLayout from, const Layout& in) {
-        compareScaling(
-            scaling, out.pixelBytes(), in.pixelBytes(), out.number,
-            [&](const auto& d, const auto& s) { scaleAndConvert(d, to, s, from); },
-            [&](To o, From i) { convert(out, o, in, i); });
-      });
-      if (::testing::Test::HasFatalFailure()) return;
-    }
-  });
-}
-
-class HistogramKernel : public testing::TestWithParam<std::uint32_t> {
- protected:
-  const Layout layout = layoutOf(GetParam());
-  const std::size_t pixelBytes = layout.pixelBytes();
-
-  void compare(From pixels, std::size_t width, std::size_t height, std::size_t pitch) {
-    HistogramTables expected = {};
-    for (std::size_t i = 0; i < width * height * 4; ++i) {
-      const From row = pixels + i / (width * 4) * pitch;
-      ++expected.counts[i % 4][bin(layout.number, row + i % (width * 4) * bytesOf(layout.number))];
-    }
-    const auto depth = static_cast<HistogramDepth>(std::countr_zero(pixelBytes / 4));
-    onEveryTarget([&] {
-      HistogramTables actual = {};
-      countHistogram(actual, {depth, pixels, width, height, pitch});
-      ASSERT_EQ(std::memcmp(&actual, &expected, sizeof actual), 0) << width << " wide";
-    });
-  }
-};
-
-// Each value once, and each in a row of its own that is long enough for what is counted once for a block.
-TEST_P(HistogramKernel, WholeDomain) {
-  const Bytes& domain = domainOf(layout);
-  compare(domain.data(), domain.size() / pixelBytes, 1, domain.size());
-  const std::size_t values = std::min<std::size_t>(domain.size() / pixelBytes, 100000);
-  Bytes blocks(values * 20 * pixelBytes);
-  for (std::size_t i = 0; i < blocks.size(); ++i) {
-    blocks[i] = domain[domain.size() - (i / (20 * pixelBytes) + 1) * pixelBytes + i % pixelBytes];
-  }
-  compare(blocks.data(), 20, values, 20 * pixelBytes);
-}
-
-// Rows of every width from every alignment with gaps between them, one of one color and one of one alpha, and no byte
-// more than the image has.
-TEST_P(HistogramKernel, EveryWidthPitchAndOffset) {
-  for (std::size_t width = 1; width <= 70; ++width) {
-    const std::size_t offset = width % 3;
-    const std::size_t pitch = width * pixelBytes + width % 5;
-    Bytes bytes = randomBytes(offset + pitch * 4 + width * pixelBytes, 7);
-    std::fill_n(bytes.data() + offset, width * pixelBytes, std::uint8_t{60});
-    for (std::size_t x = 1; x <= width; ++x) {
-      std::fill_n(bytes.data() + offset + pitch + x * pixelBytes - pixelBytes / 4, pixelBytes / 4, std::uint8_t{62});
-    }
-    compare(bytes.data() + offset, width, 5, pitch);
-  }
-}
-
-INSTANTIATE_TEST_SUITE_P(Depths, HistogramKernel, testing::Values(kRGBA8, kRGBA16, kFloat));
 
 }  // namespace
