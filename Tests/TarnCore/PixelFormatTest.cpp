@@ -30,15 +30,16 @@ constexpr Row rows[] = {
 TEST(PixelFormat, Table) {
   using F = VortoPixelFormat;
   for (const Row& row : rows) {
-    const Row actual = {row.code,
-                        F::hasAlpha(row.code),
-                        F::getBitsPerPixel(row.code),
-                        F::getBitsPerChannel(row.code),
-                        F::getGLInternalFormat(row.code),
-                        F::getGLDataFormat(row.code),
-                        F::getGLDataType(row.code)};
-    EXPECT_EQ(std::memcmp(&actual, &row, sizeof row), 0) << row.code;
-    EXPECT_EQ(F::getPixelFormat(row.dataFormat, row.dataType), row.code == 3 || row.code > 9 ? 1 : row.code);
+    const auto c = row.code;
+    const Row actual = {c,
+                        F::hasAlpha(c),
+                        F::getBitsPerPixel(c),
+                        F::getBitsPerChannel(c),
+                        F::getGLInternalFormat(c),
+                        F::getGLDataFormat(c),
+                        F::getGLDataType(c)};
+    EXPECT_EQ(std::memcmp(&actual, &row, sizeof row), 0) << c;
+    EXPECT_EQ(F::getPixelFormat(row.dataFormat, row.dataType), c == 3 || c > 9 ? 1 : c);
   }
   const std::uint32_t others[][3] = {
       {0x80E1, 0x8367, 0}, {0x80E1, 0x1403, 4}, {0x1909, 0x140B, 8}, {0x1908, 0x1401, 1}};
@@ -99,26 +100,26 @@ TEST(Image, DescribesItselfAndCountsPaddingAsPixels) {
 constexpr std::int64_t mebibyte = 1048576;
 
 TEST(TextureLimit, ByMemoryAndDepth) {
-  struct Row {
+  struct Device {
     int hardware, megabytes;
     std::uint32_t displays;  // none counts as one
     int at8, at16, at32;
   };
-  std::vector<Row> rows = {{1024, 256, 1, 1024, 1024, 1024},
-                           {8192, 512, 2, 2048, 2048, 2048},
-                           {8192, 256, 4, 1920, 1414, 1024},
-                           {8192, 256, 0, 2048, 2048, 2048}};
+  std::vector<Device> devices = {{1024, 256, 1, 1024, 1024, 1024},
+                                 {8192, 512, 2, 2048, 2048, 2048},
+                                 {8192, 256, 4, 1920, 1414, 1024},
+                                 {8192, 256, 0, 2048, 2048, 2048}};
   for (const int hardware : {2048, 2049, 8192}) {
-    for (const int megabytes : {0, 32}) rows.push_back({hardware, megabytes, 1, 1920, 1024, 707});
-    for (const int megabytes : {33, 64}) rows.push_back({hardware, megabytes, 1, 1920, 1414, 1024});
-    for (const int megabytes : {65, 127, 128}) rows.push_back({hardware, megabytes, 1, 2048, 2048, 1414});
-    for (const int megabytes : {129, 256, 2047}) rows.push_back({hardware, megabytes, 1, 2048, 2048, 2048});
+    for (const int megabytes : {0, 32}) devices.push_back({hardware, megabytes, 1, 1920, 1024, 707});
+    for (const int megabytes : {33, 64}) devices.push_back({hardware, megabytes, 1, 1920, 1414, 1024});
+    for (const int megabytes : {65, 127, 128}) devices.push_back({hardware, megabytes, 1, 2048, 2048, 1414});
+    for (const int megabytes : {129, 256, 2047}) devices.push_back({hardware, megabytes, 1, 2048, 2048, 2048});
   }
-  for (const Row& row : rows) {
-    for (const auto& [bits, expected] : {std::pair{8, row.at8}, {16, row.at16}, {32, row.at32}}) {
+  for (const Device& d : devices) {
+    for (const auto& [bits, expected] : {std::pair{8, d.at8}, {16, d.at16}, {32, d.at32}}) {
       TCTextureLimit limit;
-      limit.setDevice(row.hardware, row.displays, "Other");
-      EXPECT_EQ(limit.limit(row.megabytes * mebibyte, bits), expected) << row.megabytes << " at " << bits;
+      limit.setDevice(d.hardware, d.displays, "Other");
+      EXPECT_EQ(limit.limit(d.megabytes * mebibyte, bits), expected) << d.megabytes << " at " << bits;
     }
   }
 }
