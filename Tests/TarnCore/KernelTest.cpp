@@ -102,59 +102,55 @@ std::vector<Operation> inPlaceOperations() {
 }
 
 void appendCopies(std::vector<Operation>& all, bool streamed) {
-  const auto add = [&](std::string name, std::size_t written, std::size_t read, Number number, Form run, Form expected,
-                       Domain domain = nullptr, bool hasBackground = false) {
+  const auto push = [&](std::string name, std::size_t written, std::size_t read, Form run, Form expected,
+                        Domain domain = nullptr, bool hasBackground = false) {
     if (streamed) domain = nullptr;
-    all.push_back({name + (streamed ? "Streamed" : ""), written, read, number, run, expected, domain, hasBackground});
+    all.push_back(
+        {name + (streamed ? "Streamed" : ""), written, read, Number::Byte, run, expected, domain, hasBackground});
   };
-  add(
-      "copy", 1, 1, Number::Byte, [=](To to, From from, Count n, auto&) { copyBytes(to, from, n, streamed); },
-      [](To to, From from, Count n, auto&) {
-        const Bytes before(from, from + n);
-        std::copy(before.begin(), before.end(), to);
-      });
+  const auto plain = [](auto run) { return [=](To to, From from, Count n, auto&) { run(to, from, n); }; };
+  const auto eachPlain = [](std::size_t written, std::size_t read, auto unit) {
+    return each(written, read, [=](To to, From from, auto&) { unit(to, from); });
+  };
+  const auto copy = [=](To to, From from, Count n) { copyBytes(to, from, n, streamed); };
+  const auto toARGB = [=](To to, From from, Count n) { convertYUVtoARGB(to, from, n, streamed); };
+  const auto toYUV = [=](To to, From from, Count n) { convertARGBtoYUV(to, from, n, streamed); };
+  push("copy", 1, 1, plain(copy), plain([](To to, From from, Count n) { std::memmove(to, from, n); }));
+  push("YUVtoARGB", 8, 4, plain(toARGB), eachPlain(8, 4, pairToARGB), yuvDomain);
+  push("ARGBtoYUV", 4, 8, plain(toYUV), eachPlain(4, 8, pairToYUV), argbDomain);
   for (const std::uint32_t code : {kRGBA8, kRGBA16, kFloat}) {
     const Layout layout = layoutOf(code);
     const std::size_t size = layout.pixelBytes();
     BytePattern order;
     for (std::uint8_t i = 0; i < 16; ++i) order.bytes[i] = i;
     for (std::size_t i = 0; i < 16; i += size) rotate(layout, order.bytes + i, true);
-    add(
-        "shuffle" + std::to_string(code), size, size, Number::Byte,
-        [=](To to, From from, Count n, auto&) { shuffleBytes(to, from, size * n, order, size, streamed); },
-        each(size, size, [=](To to, From from, auto&) {
-          Bytes pixel(from, from + size);
-          rotate(layout, pixel.data(), true);
-          std::copy(pixel.begin(), pixel.end(), to);
-        }));
+    const auto shuffle = [=](To to, From from, Count n) { shuffleBytes(to, from, size * n, order, size, streamed); };
+    const auto rotated = [=](To to, From from) {
+      std::memmove(to, from, size);
+      rotate(layout, to, true);
+    };
+    push("shuffle" + std::to_string(code), size, size, plain(shuffle), eachPlain(size, size, rotated));
   }
-  add(
-      "YUVtoARGB", 8, 4, Number::Byte,
-      [=](To to, From from, Count n, auto&) { convertYUVtoARGB(to, from, n, streamed); },
-      each(8, 4, [](To to, From from, auto&) { pairToARGB(to, from); }), yuvDomain);
-  add(
-      "ARGBtoYUV", 4, 8, Number::Byte,
-      [=](To to, From from, Count n, auto&) { convertARGBtoYUV(to, from, n, streamed); },
-      each(4, 8, [](To to, From from, auto&) { pairToYUV(to, from); }), argbDomain);
   for (const std::size_t step : {4u, 8u}) {
     for (const std::size_t odd : {0u, 1u}) {  // from an odd column on, whose pair begins in the column before
-      const auto rest = [=](Count n) { return n < odd ? 0 : n - odd; };
-      add(
-          "lagging" + std::to_string(step) + (odd ? "Odd" : "Even"), step, 2, Number::Byte,
-          [=](To to, From from, Count n, auto&) {
-            convertLaggingYUVtoARGB(to, step, from + 2 * odd, odd == 1, rest(n), streamed);
-          },
-          [=](To to, From from, Count n, auto&) { laggingRow(to, step, from + 2 * odd, odd == 1, rest(n)); },
-          yuvDomain);
+      const auto run = [=](To to, From from, Count n) {
+        convertLaggingYUVtoARGB(to, step, from + 2 * odd, odd == 1, n < odd ? 0 : n - odd, streamed);
+      };
+      const auto expected = [=](To to, From from, Count n) {
+        laggingRow(to, step, from + 2 * odd, odd == 1, n < odd ? 0 : n - odd);
+      };
+      const std::string name = "lagging" + std::to_string(step) + (odd ? "Odd" : "Even");
+      push(name, step, 2, plain(run), plain(expected), yuvDomain);
     }
   }
   for (const std::size_t step : {4u, 6u, 16u}) {
     if (streamed) break;
-    add(
-        "truncateBy" + std::to_string(step), step, step, Number::Byte,
-        [=](To to, From from, Count n, auto& b) { unpremultiplyTruncated(to, from, n, step, kernelColor(b)); },
-        each(step, step, [](To to, From from, auto& b) { unpremultiplyTruncated(to, from, b); }),
-        step == 4 ? domain(kARGB8) : nullptr, true);
+    const auto run = [=](To to, From from, Count n, auto& b) {
+      unpremultiplyTruncated(to, from, n, step, kernelColor(b));
+    };
+    const auto unit = [](To to, From from, auto& b) { unpremultiplyTruncated(to, from, b); };
+    const Domain argb = step == 4 ? domain(kARGB8) : nullptr;
+    push("truncateBy" + std::to_string(step), step, step, run, each(step, step, unit), argb, true);
   }
 }
 
