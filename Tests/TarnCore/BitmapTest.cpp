@@ -14,6 +14,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
 #include <cstring>
 #include <filesystem>
 #include <iterator>
@@ -24,6 +25,7 @@
 
 namespace {
 
+using oracle::Bytes;
 using Bitmap = std::unique_ptr<VortoBitmap>;
 
 // These tests look behind the pixels too, up to the end of the allocation.
@@ -37,8 +39,22 @@ Bitmap made(std::uint32_t width, std::uint32_t height, std::uint32_t code) {
   return bitmap;
 }
 
-void fill(VortoBitmap& bitmap, int seed) {
-  for (std::uint32_t i = 0; i < bitmap.allocSize; ++i) bitmap.data[i] = static_cast<std::uint8_t>(i * 7 + seed);
+Bytes bytesOf(const VortoBitmap& bitmap) {
+  return Bytes(bitmap.data, bitmap.data + bitmap.allocSize);
+}
+
+// Returns what it was filled with.
+Bytes fill(VortoBitmap& bitmap, unsigned seed) {
+  const Bytes bytes = oracle::randomBytes(bitmap.allocSize, seed);
+  std::copy(bytes.begin(), bytes.end(), bitmap.data);
+  return bytes;
+}
+
+// The destination's getSize() bytes of the source, 0 behind them.
+Bytes copied(Bytes source, const VortoBitmap& destination) {
+  source.resize(destination.getSize());
+  source.resize(destination.allocSize);
+  return source;
 }
 
 TEST(Bitmap, FactoryMakesNineFormats) {
@@ -87,127 +103,98 @@ TEST(Bitmap, EmptyOneDoesNothing) {
   bitmap.setData("x");
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
   const Bitmap full = made(4, 4, 0);
+  full->rowPadding = 5;
   full->clear();
   full->copy(bitmap);
-  full->rowPadding = 5;
-  EXPECT_EQ(full->data, nullptr);
-  EXPECT_EQ(full->memoryEntry, 0u);
+  EXPECT_TRUE(!full->data && full->memoryEntry == 0);
   EXPECT_EQ(full->allocSize, 4096u) << "what was reserved is not forgotten";
-  full->clear();
   EXPECT_EQ(full->rowPadding, 5u);
 }
 
 TEST(Bitmap, SetDataCopiesRowsWithTheirPaddingOrTheSize) {
-  std::vector<std::uint8_t> source(10000);
-  for (std::size_t i = 0; i < source.size(); ++i) source[i] = static_cast<std::uint8_t>(i * 13 + 1);
   for (const auto& [padding, size] : {std::pair{0u, 60u}, {7u, 81u}}) {
     VortoBitmap bitmap(5, 3, 8, 4, 0, padding);
     openSlack(bitmap);
+    Bytes source = oracle::randomBytes(bitmap.allocSize, 1);
     bitmap.setData(source.data());
-    EXPECT_EQ(std::memcmp(bitmap.data, source.data(), size), 0);
-    EXPECT_EQ(bitmap.data[size], 0);
+    std::fill(source.begin() + size, source.end(), std::uint8_t{0});
+    EXPECT_EQ(bytesOf(bitmap), source);
   }
 }
 
 TEST(Bitmap, CopiesHaveMemoryOfTheirOwn) {
   const Bitmap source = made(60, 60, 4);
-  fill(*source, 1);
+  const Bytes before = fill(*source, 1);
   source->reserved1 = 3;
-  const std::vector<std::uint8_t> before(source->data, source->data + source->allocSize);
   {
-    const VortoBitmap copied(*source);
-    openSlack(copied);
-    EXPECT_NE(copied.data, source->data);
-    EXPECT_NE(copied.memoryEntry, source->memoryEntry);
-    EXPECT_EQ(copied.formatCode, 4u);
-    EXPECT_EQ(copied.reserved1, 3u);
-    EXPECT_EQ(std::memcmp(copied.data, before.data(), source->getSize()), 0);
-    EXPECT_EQ(copied.data[copied.getSize()], 0) << "only the size is copied";
+    const VortoBitmap copy(*source);
+    openSlack(copy);
+    EXPECT_TRUE(copy.data != source->data && copy.memoryEntry != source->memoryEntry);
+    EXPECT_EQ(copy.formatCode, 4u);
+    EXPECT_EQ(copy.reserved1, 3u);
+    EXPECT_EQ(bytesOf(copy), copied(before, copy));
   }
-  EXPECT_EQ(std::memcmp(source->data, before.data(), before.size()), 0) << "the source lost its memory";
+  EXPECT_EQ(bytesOf(*source), before) << "the source lost its memory";
 
   VortoBitmap other(1, 1, 8, 4, 0, 9);
-  other.clone(*source);
-  EXPECT_EQ(other.width, 60u);
-  EXPECT_EQ(other.bitsPerChannel, 16u);
-  EXPECT_EQ(other.rowPadding, 9u);
-  EXPECT_EQ(std::memcmp(other.data, before.data(), source->getSize()), 0);
-  other.clone(other);
-  EXPECT_EQ(std::memcmp(other.data, before.data(), source->getSize()), 0);
+  for (const VortoBitmap* from : std::initializer_list<const VortoBitmap*>{source.get(), &other}) {
+    other.clone(*from);
+    EXPECT_EQ(other.width, 60u);
+    EXPECT_EQ(other.bitsPerChannel, 16u);
+    EXPECT_EQ(other.rowPadding, 9u);
+    EXPECT_EQ(std::memcmp(other.data, before.data(), source->getSize()), 0);
+  }
 }
 
+// Sizes may lie, as they wrap, or are padded in pixels: every access ends with the smaller allocation.
 TEST(Bitmap, CopyTakesBytesBetweenEqualChannelCountsAndNothingElse) {
-  const Bitmap wide = made(8, 8, 4), bytes = made(16, 8, 0), narrow = made(8, 8, 5);
-  fill(*wide, 5);
+  const Bitmap wide = made(8, 8, 4), bytes = made(16, 8, 0), narrow = made(8, 8, 5), large = made(1000, 300, 0);
+  Bytes pixels = fill(*wide, 5);
   bytes->copy(*wide);
-  EXPECT_EQ(std::memcmp(bytes->data, wide->data, 512), 0);
+  EXPECT_EQ(bytesOf(*bytes), copied(pixels, *bytes));
   narrow->copy(*wide);
-  for (std::uint32_t i = 0; i < narrow->allocSize; ++i) ASSERT_EQ(narrow->data[i], 0);
-}
-
-// Sizes that lie: wrapped, padded in pixels, or set by hand. Every access ends with the smaller allocation.
-TEST(Bitmap, CopiesStayWithinWhatWasAllocated) {
-  const Bitmap small = made(4, 4, 0), large = made(1000, 300, 0);
-  fill(*large, 3);
-  fill(*small, 4);
-  large->copy(*small);
-  EXPECT_EQ(std::memcmp(large->data, small->data, small->allocSize), 0);
-  EXPECT_EQ(large->data[small->allocSize], static_cast<std::uint8_t>(small->allocSize * 7 + 3));
+  EXPECT_EQ(bytesOf(*narrow), copied({}, *narrow));
+  large->copy(*wide);
+  EXPECT_EQ(bytesOf(*large), copied(pixels, *large));
 
   VortoBitmap padded(4, 300, 8, 4, 0, 4000);  // getSize() is four times what is there
   ASSERT_GT(padded.getSize(), padded.allocSize);
-  const VortoBitmap copied(padded);
-  std::vector<std::uint8_t> pixels(padded.allocSize, 9);
+  const VortoBitmap copy(padded);
+  pixels.resize(padded.allocSize);
   padded.setData(pixels.data());
-
-  const Bitmap wrapped = made(0x40000001, 4, 0);
-  fill(*wrapped, 1);
-  wrapped->width = 0x3FFFFFFF;
-  wrapped->height = 0x10001;
-  VortoBitmap destination(1, 1, 8, 4, 0, 0);
-  destination.copy(*wrapped);
-  const Bitmap yuv = made(2, 1, 2), argb = made(2, 1, 1);
-  for (VortoBitmap* bitmap : {yuv.get(), argb.get()}) bitmap->width = bitmap->height = 0x7FFF;
-  argb->copy(*yuv);
-  yuv->copy(*argb);
-  EXPECT_EQ(argb->data[argb->allocSize - 8], 255) << "the last pair that fits";
 }
 
+// By pairs over the whole image: the last pixel of an odd count has its partner in the slack one way, and is dropped
+// the other way. With a width that lies, all that both allocations hold.
 TEST(Bitmap, ConvertsBetweenYUVAndARGB) {
-  const Bitmap yuv = made(6, 1, 2), argb = made(6, 1, 1);
-  const std::uint8_t pairs[] = {128, 16, 128, 235, 0, 255, 255, 255, 0, 16, 128, 16};
+  for (const auto& [width, height, pixels] : {std::array{6u, 1u, 6u}, {3, 1, 3}, {1, 1, 1}, {5, 3, 15}, {5, 1, 1024}}) {
+    const Bitmap yuv = made(width, height, 2), argb = made(width, height, 1), rgba = made(width, height, 0);
+    for (VortoBitmap* bitmap : {yuv.get(), argb.get()}) bitmap->width = pixels == 1024 ? 0x7FFF : width;
+    Bytes expected(argb->allocSize);
+    fill(*yuv, 6);
+    for (std::size_t i = 0; i < pixels; i += 2) oracle::pairToARGB(&expected[4 * i], yuv->data + 2 * i);
+    argb->copy(*yuv);
+    EXPECT_EQ(bytesOf(*argb), expected) << width;
+
+    fill(*argb, 7);
+    expected = bytesOf(*yuv);
+    for (std::size_t i = 0; i + 1 < pixels; i += 2) oracle::pairToYUV(&expected[2 * i], argb->data + 4 * i);
+    yuv->copy(*argb);
+    EXPECT_EQ(bytesOf(*yuv), expected) << width;
+
+    VortoBitmap::convertYUVtoRGBA(rgba.get(), yuv.get());
+    VortoBitmap::convertRGBAtoYUV(yuv.get(), rgba.get());
+    VortoBitmap::convertRGBAtoYUV(nullptr, argb.get());
+    rgba->copy(*yuv);
+    EXPECT_EQ(bytesOf(*yuv), expected) << "RGBA8 is no partner";
+    EXPECT_EQ(bytesOf(*rgba), Bytes(rgba->allocSize));
+  }
+  const Bitmap yuv = made(4, 1, 2), argb = made(4, 1, 1);
+  const std::uint8_t pairs[] = {128, 16, 128, 235, 0, 255, 255, 255};
+  const std::uint8_t colors[] = {255, 0, 0, 0, 255, 254, 254, 254, 255, 255, 225, 20, 255, 255, 225, 20};
   yuv->setData(pairs);
   argb->copy(*yuv);
-  const std::uint8_t pixels[] = {255, 0,   0,   0,  255, 254, 254, 254, 255, 255, 225, 20,
-                                 255, 255, 225, 20, 255, 0,   50,  0,   255, 0,   50,  0};
-  EXPECT_EQ(std::memcmp(argb->data, pixels, sizeof pixels), 0);
-
-  const std::uint8_t blackAndWhite[] = {255, 255, 255, 255, 255, 255, 255, 255, 0, 0, 0, 0,
-                                        9,   0,   0,   0,   255, 255, 255, 255, 0, 0, 0, 0};
-  argb->setData(blackAndWhite);
-  yuv->copy(*argb);
-  const std::uint8_t expected[] = {128, 235, 128, 235, 128, 16, 128, 16, 128, 235, 128, 16};
-  EXPECT_EQ(std::memcmp(yuv->data, expected, sizeof expected), 0);
-
-  const Bitmap rgba = made(6, 1, 0);
-  VortoBitmap::convertYUVtoRGBA(rgba.get(), yuv.get());
-  VortoBitmap::convertRGBAtoYUV(yuv.get(), rgba.get());
-  VortoBitmap::convertRGBAtoYUV(nullptr, argb.get());
-  rgba->copy(*yuv);
-  EXPECT_EQ(rgba->data[0], 0) << "RGBA8 is no partner";
-}
-
-TEST(Bitmap, ConvertsOddPixelCountsByTheirSteps) {
-  const Bitmap yuv = made(3, 1, 2), argb = made(3, 1, 1);
-  std::memset(yuv->data, 128, 16);
-  argb->copy(*yuv);
-  EXPECT_EQ(argb->data[8], 255) << "the third pixel";
-  EXPECT_EQ(argb->data[12], 255) << "its partner, in the slack";
-  EXPECT_EQ(argb->data[16], 0);
-  std::memset(yuv->data, 1, 16);
-  yuv->copy(*argb);
-  EXPECT_NE(yuv->data[1], 1);
-  EXPECT_EQ(yuv->data[5], 1) << "a pixel without a partner is dropped";
+  EXPECT_EQ(std::memcmp(argb->data, colors, sizeof colors), 0);
 }
 
 std::ptrdiff_t openDescriptors() {
@@ -233,17 +220,16 @@ TEST(BitmapMemory, TenThousandBitmapsNeedNoDescriptors) {
 }
 
 TEST(BitmapMemory, IsMappedAgainWithItsPixels) {
-  const Bitmap bitmap(TCCreateBitmap(100, 100, 9));
-  std::memset(bitmap->data, 77, bitmap->getSize());
+  const Bitmap bitmap = made(100, 100, 9);
+  const Bytes pixels = fill(*bitmap, 8);
   std::uint8_t* const address = bitmap->data;
   bitmap->mapIntoMemory();
   EXPECT_EQ(bitmap->data, address) << "it was there already";
   bitmap->unmapFromMemory();
-  EXPECT_EQ(bitmap->data, nullptr);
-  EXPECT_NE(bitmap->memoryEntry, 0u);
+  EXPECT_TRUE(!bitmap->data && bitmap->memoryEntry != 0);
   bitmap->mapIntoMemory();
   ASSERT_NE(bitmap->data, nullptr);
-  EXPECT_EQ(bitmap->data[bitmap->getSize() - 1], 77);
+  EXPECT_EQ(std::memcmp(bitmap->data, pixels.data(), bitmap->getSize()), 0);
 }
 
 int callbackCalls = 0;
@@ -286,25 +272,23 @@ TEST(BitmapMemory, FailingAllocationCallsBackOnceReportsAndLeavesAnEmptyBitmap) 
 
 TEST(BitmapMemory, ReportsWhatItCannotMapOrGiveBack) {
   VortoBitmap bitmap;
+  std::uint8_t byte = 0;
   bitmap.allocSize = 4096;
   bitmap.memoryEntry = 0x7ABCDEF0;
   testing::internal::CaptureStderr();
   bitmap.mapIntoMemory();
   EXPECT_EQ(bitmap.data, nullptr);
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "Could not map 7ABCDEF0 because 29\n");
-  testing::internal::CaptureStderr();
   bitmap.deallocateMemory();
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "could not deallocate port 7ABCDEF0 because 15\n");
   EXPECT_EQ(bitmap.memoryEntry, 0u);
-
-  std::uint8_t byte = 0;
   bitmap.data = &byte;  // not the start of a page
   bitmap.allocSize = 0;
-  testing::internal::CaptureStderr();
   bitmap.unmapFromMemory();
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "Could not unmap: Invalid argument\n");
   EXPECT_EQ(bitmap.data, &byte);
   bitmap.data = nullptr;
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "Could not map 7ABCDEF0 because 29\n"
+            "could not deallocate port 7ABCDEF0 because 15\n"
+            "Could not unmap: Invalid argument\n");
 }
 
 class Sockets {
@@ -318,31 +302,29 @@ class Sockets {
 };
 
 // The other process: every pixel arrives, and is changed.
-int receiveAndChange(int socket) {
+int receiveAndChange(int socket, const Bytes& pixels) {
   int result = -1;
   const Bitmap bitmap(TCReceiveBitmap(socket, &result));
   if (!bitmap || result != 0) return 1;
   if (bitmap->width != 640 || bitmap->height != 480 || bitmap->formatCode != 4 || bitmap->imageTag != 9) return 2;
-  for (std::uint32_t i = 0; i < bitmap->getSize(); ++i) {
-    if (bitmap->data[i] != static_cast<std::uint8_t>(i * 3)) return 3;
-  }
+  if (std::memcmp(bitmap->data, pixels.data(), bitmap->getSize()) != 0) return 3;
   std::memset(bitmap->data, 0xEE, bitmap->getSize());
   return 0;
 }
 
 TEST(BitmapSharing, AnotherProcessReadsAndChangesThePixels) {
   Sockets sockets;
-  const Bitmap bitmap(TCCreateBitmap(640, 480, 4));
-  for (std::uint32_t i = 0; i < bitmap->getSize(); ++i) bitmap->data[i] = static_cast<std::uint8_t>(i * 3);
+  const Bitmap bitmap = made(640, 480, 4);
+  const Bytes pixels = fill(*bitmap, 9);
   std::uint8_t* const address = bitmap->data;
   const pid_t child = fork();
-  if (child == 0) _exit(receiveAndChange(sockets.ends[1]));
+  if (child == 0) _exit(receiveAndChange(sockets.ends[1], pixels));
   ASSERT_EQ(TCSendBitmap(*bitmap, sockets.ends[0]), 0);
   int status = -1;
   waitpid(child, &status, 0);
   EXPECT_EQ(status, 0);
   EXPECT_EQ(bitmap->data, address);
-  for (std::uint32_t i = 0; i < bitmap->getSize(); ++i) ASSERT_EQ(bitmap->data[i], 0xEE);
+  EXPECT_EQ(std::count(address, address + bitmap->getSize(), 0xEE), bitmap->getSize());
 }
 
 TEST(BitmapSharing, RefusesDescriptorsThatDoNotFitTheMemory) {

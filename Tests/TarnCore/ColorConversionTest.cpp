@@ -59,11 +59,6 @@ double hueOf(double r, double g, double b) {
   return 360 - part(b);
 }
 
-double foldedHue(double h) {
-  h = std::fmod(h, 360);
-  return h < 0 ? h + 360 : h;
-}
-
 // One channel of the hexcone as a trapezoid around its peak, in degrees from red.
 double trapezoid(double hue, double low, double high) {
   const double distance = std::fabs(std::remainder(hue, 360));
@@ -74,11 +69,11 @@ TEST(ColorConversion, RGBtoHSLAndHSV) {
   expectOnGrid(VortoColor::RGBtoHSL, unit, unit, 3e-4, [](double r, double g, double b) {
     const double max = std::max({r, g, b}), min = std::min({r, g, b}), l = (max + min) / 2;
     const double s = max == min ? 0 : (max - min) / (1 - std::fabs(2 * l - 1));
-    return Triple{foldedHue(hueOf(r, g, b)), s, l};
+    return Triple{std::fmod(hueOf(r, g, b), 360), s, l};
   });
   expectOnGrid(VortoColor::RGBtoHSV, unit, unit, 3e-4, [](double r, double g, double b) {
     const double max = std::max({r, g, b}), min = std::min({r, g, b});
-    return Triple{foldedHue(hueOf(r, g, b)), max == 0 ? 0 : (max - min) / max, max};
+    return Triple{std::fmod(hueOf(r, g, b), 360), max == 0 ? 0 : (max - min) / max, max};
   });
 }
 
@@ -120,23 +115,27 @@ TEST(ColorConversion, HWBtoRGB) {
   });
 }
 
-// Linear models as matrices, in double precision.
-void expectMatrix(Conversion conversion, const double (&m)[3][3]) {
-  expectOnGrid(conversion, steps(-1, 1, 24), steps(-1, 1, 24), 5e-7, [&m](double a, double b, double c) {
-    Triple out;
-    for (int i = 0; i < 3; ++i) out[i] = m[i][0] * a + m[i][1] * b + m[i][2] * c;
-    return out;
-  });
-}
-
+// As matrices, in double precision.
 TEST(ColorConversion, LinearModels) {
-  expectMatrix(VortoColor::RGBtoYIQ, {{0.299, 0.587, 0.114}, {0.596, -0.274, -0.322}, {0.212, -0.523, 0.311}});
-  expectMatrix(VortoColor::YIQtoRGB, {{1, 0.956, 0.621}, {1, -0.272, -0.647}, {1, -1.105, 1.702}});
-  expectMatrix(VortoColor::RGBtoYUV, {{0.299, 0.587, 0.114}, {-0.147, -0.289, 0.436}, {0.615, -0.515, -0.1}});
-  expectMatrix(VortoColor::YUVtoRGB, {{1, 0, 1.14}, {1, -0.396, -0.581}, {1, 2.029, 0}});
   constexpr double c = 0.577 * 0.577, d = 0.999364;
-  expectMatrix(VortoColor::RGBtoCLU, {{c, c, c}, {-0.707, 0.707, 0}, {-0.408, -0.408, 0.816}});
-  expectMatrix(VortoColor::CLUtoRGB, {{d, -0.707, -0.408}, {d, 0.707, -0.408}, {d, 0, 0.816}});
+  const struct {
+    Conversion conversion;
+    double m[3][3];
+  } models[] = {
+      {VortoColor::RGBtoYIQ, {{0.299, 0.587, 0.114}, {0.596, -0.274, -0.322}, {0.212, -0.523, 0.311}}},
+      {VortoColor::YIQtoRGB, {{1, 0.956, 0.621}, {1, -0.272, -0.647}, {1, -1.105, 1.702}}},
+      {VortoColor::RGBtoYUV, {{0.299, 0.587, 0.114}, {-0.147, -0.289, 0.436}, {0.615, -0.515, -0.1}}},
+      {VortoColor::YUVtoRGB, {{1, 0, 1.14}, {1, -0.396, -0.581}, {1, 2.029, 0}}},
+      {VortoColor::RGBtoCLU, {{c, c, c}, {-0.707, 0.707, 0}, {-0.408, -0.408, 0.816}}},
+      {VortoColor::CLUtoRGB, {{d, -0.707, -0.408}, {d, 0.707, -0.408}, {d, 0, 0.816}}},
+  };
+  for (const auto& model : models) {
+    expectOnGrid(model.conversion, steps(-1, 1, 24), steps(-1, 1, 24), 5e-7, [&](double x, double y, double z) {
+      Triple out;
+      for (int i = 0; i < 3; ++i) out[i] = model.m[i][0] * x + model.m[i][1] * y + model.m[i][2] * z;
+      return out;
+    });
+  }
 }
 
 TEST(ColorConversion, LeavesOutputsUnwrittenWhereNoSextantIsMeant) {

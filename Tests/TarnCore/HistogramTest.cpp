@@ -1,25 +1,23 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "TarnCore/TCHistogram.h"
+#include "Tests/TarnCore/EveryTarget.h"
+#include "Tests/TarnCore/PixelOracle.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
+#include <cstring>
 #include <limits>
-#include <numeric>
+#include <utility>
 #include <vector>
 
-// Histograms of whole images.
+// Histograms of whole images, in every instruction set.
 
 namespace {
 
-std::uint64_t sumOf(const TCHistogram::Counts& counts) {
-  return std::accumulate(std::begin(counts), std::end(counts), std::uint64_t{0});
-}
+using namespace oracle;
 
-bool isEmpty(const TCHistogram& histogram) {
-  return sumOf(histogram.rgb) + sumOf(histogram.red) + sumOf(histogram.green) + sumOf(histogram.blue) +
-             sumOf(histogram.alpha) ==
-         0;
+bool areEqual(const TCHistogram& a, const TCHistogram& b) {
+  return std::memcmp(&a, &b, sizeof a) == 0;
 }
 
 TCHistogram filledHistogram() {
@@ -29,29 +27,60 @@ TCHistogram filledHistogram() {
   return histogram;
 }
 
-TEST(Histogram, ChannelsFollowTheOrder) {
-  const std::uint8_t pixel[4] = {10, 20, 30, 40};
-  TCHistogram histogram = filledHistogram();
-  ASSERT_TRUE(TCCountHistogram({pixel, 4, 1, 1, 8, true}, histogram));
-  EXPECT_EQ(histogram.red[10] + histogram.green[20] + histogram.blue[30] + histogram.alpha[40], 4u);
-  ASSERT_TRUE(TCCountHistogram({pixel, 4, 1, 1, 8, false}, histogram));
-  EXPECT_EQ(histogram.red[30] + histogram.green[20] + histogram.blue[10] + histogram.alpha[40], 4u);
-  EXPECT_EQ(histogram.rgb[10] + histogram.rgb[20] + histogram.rgb[30], 3u);
-  EXPECT_EQ(histogram.rgb[40], 0u);
-  EXPECT_EQ(sumOf(histogram.rgb), 3u);
-  EXPECT_EQ(sumOf(histogram.red), 1u);
+class HistogramOf : public testing::TestWithParam<std::uint32_t> {
+ protected:
+  const Layout layout = layoutOf(GetParam());
+  const std::size_t pixelBytes = layout.pixelBytes();
+
+  void compare(From pixels, std::size_t width, std::size_t height, std::size_t pitch) {
+    TCHistogram expected;
+    TCHistogram::Counts* const channels[] = {&expected.red, &expected.green, &expected.blue, &expected.alpha};
+    for (std::size_t i = 0; i < width * height * 4; ++i) {
+      const From row = pixels + i / (width * 4) * pitch;
+      const int at = bin(layout.number, row + i % (width * 4) * bytesOf(layout.number));
+      ++(*channels[i % 4])[at];
+      if (i % 4 != 3) ++expected.rgb[at];
+    }
+    const auto bits = static_cast<std::uint32_t>(8 * bytesOf(layout.number));
+    for (const bool isRedFirst : {true, false}) {
+      onEveryTarget([&] {
+        TCHistogram actual = filledHistogram();
+        ASSERT_TRUE(TCCountHistogram({pixels, pitch, width, height, bits, isRedFirst}, actual));
+        ASSERT_TRUE(areEqual(actual, expected)) << width << " wide";
+      });
+      std::swap(expected.red, expected.blue);
+    }
+  }
+};
+
+// Each value once, and each in a row of its own that is long enough for what is counted once for a block.
+TEST_P(HistogramOf, WholeDomain) {
+  const Bytes& domain = domainOf(layout);
+  compare(domain.data(), domain.size() / pixelBytes, 1, domain.size());
+  const std::size_t values = std::min<std::size_t>(domain.size() / pixelBytes, 100000);
+  Bytes blocks(values * 20 * pixelBytes);
+  for (std::size_t i = 0; i < blocks.size(); ++i) {
+    blocks[i] = domain[domain.size() - (i / (20 * pixelBytes) + 1) * pixelBytes + i % pixelBytes];
+  }
+  compare(blocks.data(), 20, values, 20 * pixelBytes);
 }
 
-TEST(Histogram, WhiteCountsInTheLastBinButOne) {
-  const std::vector<std::uint8_t> white(4 * 37 * 11, 255);
-  TCHistogram histogram;
-  ASSERT_TRUE(TCCountHistogram({white.data(), 4 * 37, 37, 11, 8, true}, histogram));
-  EXPECT_EQ(histogram.rgb[254], 3u * 37 * 11);
-  for (const auto* counts : {&histogram.red, &histogram.green, &histogram.blue, &histogram.alpha}) {
-    EXPECT_EQ((*counts)[254], 37u * 11);
-    EXPECT_EQ((*counts)[255], 0u);
+// Rows of every width from every alignment with gaps between them, one of one color and one of one alpha, and no byte
+// more than the image has.
+TEST_P(HistogramOf, EveryWidthPitchAndOffset) {
+  for (std::size_t width = 1; width <= 70; ++width) {
+    const std::size_t offset = width % 3;
+    const std::size_t pitch = width * pixelBytes + width % 5;
+    Bytes bytes = randomBytes(offset + pitch * 4 + width * pixelBytes, 7);
+    std::fill_n(bytes.data() + offset, width * pixelBytes, std::uint8_t{60});
+    for (std::size_t x = 1; x <= width; ++x) {
+      std::fill_n(bytes.data() + offset + pitch + x * pixelBytes - pixelBytes / 4, pixelBytes / 4, std::uint8_t{62});
+    }
+    compare(bytes.data() + offset, width, 5, pitch);
   }
 }
+
+INSTANTIATE_TEST_SUITE_P(Depths, HistogramOf, testing::Values(kRGBA8, kRGBA16, kFloat));
 
 TEST(Histogram, WhatIsNoImageCountsNothing) {
   const std::vector<std::uint8_t> pixels(64, 7);
@@ -74,7 +103,7 @@ TEST(Histogram, WhatIsNoImageCountsNothing) {
   for (const TCHistogramImage& image : images) {
     TCHistogram histogram = filledHistogram();
     EXPECT_FALSE(TCCountHistogram(image, histogram)) << &image - images;
-    EXPECT_TRUE(isEmpty(histogram)) << &image - images;
+    EXPECT_TRUE(areEqual(histogram, {})) << &image - images;
   }
 }
 

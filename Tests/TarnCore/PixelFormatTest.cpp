@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <limits>
 #include <string>
 #include <vector>
@@ -27,39 +28,38 @@ constexpr Row rows[] = {
 };
 
 TEST(PixelFormat, Table) {
+  using F = VortoPixelFormat;
   for (const Row& row : rows) {
-    EXPECT_EQ(VortoPixelFormat::hasAlpha(row.code), row.hasAlpha != 0) << row.code;
-    EXPECT_EQ(VortoPixelFormat::getBitsPerPixel(row.code), row.perPixel) << row.code;
-    EXPECT_EQ(VortoPixelFormat::getBitsPerChannel(row.code), row.perChannel) << row.code;
-    EXPECT_EQ(VortoPixelFormat::getGLInternalFormat(row.code), row.internalFormat) << row.code;
-    EXPECT_EQ(VortoPixelFormat::getGLDataFormat(row.code), row.dataFormat) << row.code;
-    EXPECT_EQ(VortoPixelFormat::getGLDataType(row.code), row.dataType) << row.code;
-    const std::uint32_t back = row.code == 3 || row.code > 9 ? 1 : row.code;
-    EXPECT_EQ(VortoPixelFormat::getPixelFormat(row.dataFormat, row.dataType), back) << row.code;
+    const auto c = row.code;
+    const Row actual = {c,
+                        F::hasAlpha(c),
+                        F::getBitsPerPixel(c),
+                        F::getBitsPerChannel(c),
+                        F::getGLInternalFormat(c),
+                        F::getGLDataFormat(c),
+                        F::getGLDataType(c)};
+    EXPECT_EQ(std::memcmp(&actual, &row, sizeof row), 0) << c;
+    EXPECT_EQ(F::getPixelFormat(row.dataFormat, row.dataType), c == 3 || c > 9 ? 1 : c);
   }
-  EXPECT_EQ(VortoPixelFormat::getPixelFormat(0x80E1, 0x8367), 0u);
-  EXPECT_EQ(VortoPixelFormat::getPixelFormat(0x80E1, 0x1403), 4u);
-  EXPECT_EQ(VortoPixelFormat::getPixelFormat(0x1909, 0x140B), 8u);
-  EXPECT_EQ(VortoPixelFormat::getPixelFormat(0x1908, 0x1401), 1u);
+  const std::uint32_t others[][3] = {
+      {0x80E1, 0x8367, 0}, {0x80E1, 0x1403, 4}, {0x1909, 0x140B, 8}, {0x1908, 0x1401, 1}};
+  for (const auto& [format, type, code] : others) EXPECT_EQ(F::getPixelFormat(format, type), code) << type;
 }
 
 TEST(BitDepth, TablesAndReverseLookups) {
   using D = VortoBitDepth;
-  const std::uint32_t perPixel[] = {32, 64, 64, 128, 0}, perChannel[] = {8, 16, 16, 32, 0},
-                      format[] = {0x1908, 0x1908, 0x881A, 0x8814, 0};
+  const std::uint32_t types[][3] = {{32, 8, 0x1908}, {64, 16, 0x1908}, {64, 16, 0x881A}, {128, 32, 0x8814}, {0, 0, 0}};
   for (int i = 0; i < 5; ++i) {
-    EXPECT_EQ(D::getBitsPerPixel(D::Type(i)), perPixel[i]);
-    EXPECT_EQ(D::getBitsPerChannel(D::Type(i)), perChannel[i]);
-    EXPECT_EQ(D::getPixelFormat(D::Type(i)), format[i]);
+    EXPECT_EQ(D::getBitsPerPixel(D::Type(i)), types[i][0]);
+    EXPECT_EQ(D::getBitsPerChannel(D::Type(i)), types[i][1]);
+    EXPECT_EQ(D::getPixelFormat(D::Type(i)), types[i][2]);
   }
-  const struct {
-    int bits, integer, half;
-  } cases[] = {{48, 1, 1}, {64, 1, 2}, {128, 3, 3}, {32, 0, 0}, {0, 0, 0}, {-64, 0, 0}, {96, 0, 0}};
+  const int cases[][3] = {{48, 1, 1}, {64, 1, 2}, {128, 3, 3}, {32, 0, 0}, {0, 0, 0}, {-64, 0, 0}, {96, 0, 0}};
   for (const auto& [bits, integer, half] : cases) {
-    EXPECT_EQ(D::getFromBitsPerPixel(bits, true), integer) << bits;
-    EXPECT_EQ(D::getFromBitsPerPixel(bits, false), half) << bits;
-    EXPECT_EQ(D::getFromBitsPerChannel(bits / 4, true), integer) << bits;
-    EXPECT_EQ(D::getFromBitsPerChannel(bits / 4, false), half) << bits;
+    for (const bool isInteger : {true, false}) {
+      EXPECT_EQ(D::getFromBitsPerPixel(bits, isInteger), isInteger ? integer : half) << bits;
+      EXPECT_EQ(D::getFromBitsPerChannel(bits / 4, isInteger), isInteger ? integer : half) << bits;
+    }
   }
   for (const int bits : {1 << 30, (1 << 30) + 16, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()})
     EXPECT_EQ(D::getFromBitsPerChannel(bits, true), 0) << bits;
@@ -67,90 +67,79 @@ TEST(BitDepth, TablesAndReverseLookups) {
 
 TEST(Checker, CellsAreEightByEightAndDarkFirst) {
   constexpr unsigned width = 27, height = 19;
-  std::vector<unsigned char> pixels(width * height * 4 + 4, 1);
-  VortoMakeCheckerImage(pixels.data(), width, height);
-  for (unsigned y = 0; y < height; ++y) {
-    for (unsigned x = 0; x < width; ++x) {
-      const unsigned char* pixel = &pixels[(y * width + x) * 4];
-      const int expected = (x / 8 + y / 8) % 2 == 0 ? 192 : 255;
-      ASSERT_EQ(pixel[0], 255);
-      for (int i = 1; i < 4; ++i) ASSERT_EQ(pixel[i], expected) << x << ", " << y;
-    }
+  std::vector<unsigned char> pixels(width * height * 4 + 4, 1), expected = pixels;
+  for (unsigned i = 0; i < width * height; ++i) {
+    const bool isDark = (i % width / 8 + i / width / 8) % 2 == 0;
+    for (unsigned k = 0; k < 4; ++k) expected[4 * i + k] = k > 0 && isDark ? 192 : 255;
   }
-  EXPECT_EQ(pixels[width * height * 4], 1);
+  VortoMakeCheckerImage(pixels.data(), width, height);
+  EXPECT_EQ(pixels, expected);
   VortoMakeCheckerImage(nullptr, 8, 8);
 }
 
 TEST(Image, DescribesItselfAndCountsPaddingAsPixels) {
-  VortoImage image(10, 3, 16, 4, 2);
+  const VortoImage image(10, 3, 16, 4, 2);
   EXPECT_EQ(image.getSize(), (10u + 2) * 3 * 2 * 4);
-  EXPECT_EQ(image.imageTag, 0u);
-  EXPECT_EQ(image.data, nullptr);
+  EXPECT_EQ(VortoImage(0x10000, 0x10000, 8, 4, 1).getSize(), 0x40000u) << "wraps at 32 bits";
+  EXPECT_TRUE(image.imageTag == 0 && !image.data);
   VortoImageAttributes attributes;
   EXPECT_EQ(attributes.textureTarget, 0x84F5u);
   EXPECT_EQ(attributes.storageHint, 0x85BDu);
   EXPECT_EQ(attributes.flag2, 1);
   attributes.reserved = 5;
   image.getAttributes(attributes);
-  EXPECT_EQ(attributes.width, 10u);
-  EXPECT_EQ(attributes.rowPadding, 2u);
-  EXPECT_EQ(attributes.reserved, 5u);
+  EXPECT_TRUE(attributes.width == 10 && attributes.rowPadding == 2 && attributes.reserved == 5);
 
   VortoImageAttributes other = attributes;
   other.storageHint = other.extra2 = other.flag1 = 9;
   EXPECT_TRUE(attributes == other);
   other.textureTarget = 1;
   EXPECT_FALSE(attributes == other);
-  EXPECT_EQ(VortoImage(0x10000, 0x10000, 8, 4, 1).getSize(), 0x40000u) << "wraps at 32 bits";
 }
 
 constexpr std::int64_t mebibyte = 1048576;
 
-int limitOf(int hardware, std::int64_t megabytes, int bits, std::uint32_t displays = 1, const char* name = "Other") {
-  TCTextureLimit limit;
-  limit.setDevice(hardware, displays, name);
-  return limit.limit(megabytes * mebibyte, bits);
-}
-
 TEST(TextureLimit, ByMemoryAndDepth) {
-  const struct {
-    std::int64_t megabytes;
+  struct Device {
+    int hardware, megabytes;
+    std::uint32_t displays;  // none counts as one
     int at8, at16, at32;
-  } cases[] = {{0, 1920, 1024, 707},    {32, 1920, 1024, 707},   {33, 1920, 1414, 1024},  {64, 1920, 1414, 1024},
-               {65, 2048, 2048, 1414},  {127, 2048, 2048, 1414}, {128, 2048, 2048, 1414}, {129, 2048, 2048, 2048},
-               {256, 2048, 2048, 2048}, {2047, 2048, 2048, 2048}};
-  for (const auto& c : cases) {
-    for (const int hardware : {2048, 2049, 8192}) {
-      EXPECT_EQ(limitOf(hardware, c.megabytes, 8), c.at8) << c.megabytes;
-      EXPECT_EQ(limitOf(hardware, c.megabytes, 16), c.at16 < c.at8 ? c.at16 : c.at8) << c.megabytes;
-      EXPECT_EQ(limitOf(hardware, c.megabytes, 32), c.at32) << c.megabytes;
+  };
+  std::vector<Device> devices = {{1024, 256, 1, 1024, 1024, 1024},
+                                 {8192, 512, 2, 2048, 2048, 2048},
+                                 {8192, 256, 4, 1920, 1414, 1024},
+                                 {8192, 256, 0, 2048, 2048, 2048}};
+  for (const int hardware : {2048, 2049, 8192}) {
+    for (const int megabytes : {0, 32}) devices.push_back({hardware, megabytes, 1, 1920, 1024, 707});
+    for (const int megabytes : {33, 64}) devices.push_back({hardware, megabytes, 1, 1920, 1414, 1024});
+    for (const int megabytes : {65, 127, 128}) devices.push_back({hardware, megabytes, 1, 2048, 2048, 1414});
+    for (const int megabytes : {129, 256, 2047}) devices.push_back({hardware, megabytes, 1, 2048, 2048, 2048});
+  }
+  for (const Device& d : devices) {
+    for (const auto& [bits, expected] : {std::pair{8, d.at8}, {16, d.at16}, {32, d.at32}}) {
+      TCTextureLimit limit;
+      limit.setDevice(d.hardware, d.displays, "Other");
+      EXPECT_EQ(limit.limit(d.megabytes * mebibyte, bits), expected) << d.megabytes << " at " << bits;
     }
   }
-  EXPECT_EQ(limitOf(1024, 256, 8), 1024);
-  EXPECT_EQ(limitOf(8192, 512, 16, 2), 2048);
-  EXPECT_EQ(limitOf(8192, 256, 32, 4), 1024) << "64 MiB each";
-  EXPECT_EQ(limitOf(8192, 256, 8, 0), 2048) << "no display counts as one";
-  EXPECT_EQ(limitOf(8192, 256, 8, 1, "ATI Radeon X1600 OpenGL Engine"), 2048);
 }
 
-TEST(TextureLimit, RendererNameCountsInItsFirstSixteenCharacters) {
-  TCTextureLimit limit;
-  limit.setDevice(8192, 1, "ATI Radeon X1600 OpenGL Engine");
-  EXPECT_TRUE(limit.isLimitedRenderer);
-  limit.setDevice(8192, 1, "An ATI Radeon X1600");
-  EXPECT_FALSE(limit.isLimitedRenderer);
-  limit.setDevice(8192, 1, "");
-  EXPECT_FALSE(limit.isLimitedRenderer);
+// The name counts in its first sixteen characters.
+TEST(TextureLimit, OfALimitedRenderer) {
+  for (const std::string name : {"ATI Radeon X1600 OpenGL Engine", "An ATI Radeon X1600", ""}) {
+    TCTextureLimit limit;
+    limit.setDevice(8192, 1, name);
+    EXPECT_EQ(limit.isLimitedRenderer, name.find("ATI") == 0) << name;
+    EXPECT_EQ(limit.limit(256 * mebibyte, 8), 2048);
+  }
 }
 
 TEST(TextureLimit, WhatMemoryTookStaysTaken) {
   TCTextureLimit limit;
   EXPECT_FALSE(limit.wasAsked());
   limit.setDevice(8192, 1, "Other");
-  EXPECT_EQ(limit.limit(256 * mebibyte, 8), 2048);
-  EXPECT_EQ(limit.limit(32 * mebibyte, 8), 1920);
-  EXPECT_EQ(limit.limit(256 * mebibyte, 8), 1920);
-  EXPECT_EQ(limit.limit(256 * mebibyte, 32), 1920);
+  const int calls[][3] = {{256, 8, 2048}, {32, 8, 1920}, {256, 8, 1920}, {256, 32, 1920}};
+  for (const auto& [megabytes, bits, expected] : calls) EXPECT_EQ(limit.limit(megabytes * mebibyte, bits), expected);
   EXPECT_TRUE(limit.wasAsked());
 }
 

@@ -34,12 +34,6 @@ float valueOfHalf(std::uint16_t bits) {
   return static_cast<float>(bits & 0x8000 ? -magnitude : magnitude);
 }
 
-std::vector<float> everyHalf() {
-  std::vector<float> values;
-  for (int bits = 0; bits < 65536; ++bits) values.push_back(valueOfHalf(static_cast<std::uint16_t>(bits)));
-  return values;
-}
-
 // The nearest half, the even one of two; steps of the exponent's size are counted.
 std::uint16_t nearestHalf(float v) {
   const std::uint32_t sign = std::signbit(v) ? 0x8000 : 0;
@@ -86,10 +80,8 @@ float read(Number number, From at) {
       return static_cast<float>(*at / 255.0);
     case Number::Word:
       return static_cast<float>(load<std::uint16_t>(at) / 65535.0);
-    case Number::Half: {
-      static const std::vector<float> values = everyHalf();
-      return values[load<std::uint16_t>(at)];
-    }
+    case Number::Half:
+      return valueOfHalf(load<std::uint16_t>(at));
     default:
       return load<float>(at);
   }
@@ -175,10 +167,7 @@ void unpremultiply(const Layout& layout, To pixel, const Color& background) {
 }
 
 void unpremultiplyTruncated(To argb) {
-  const float a = read(Number::Byte, argb);
-  if (a == 0) return;
-  for (int k = 1; k < 4; ++k) argb[k] = truncated(limited(read(Number::Byte, argb + k) / a));
-  argb[0] = truncated(a);
+  if (argb[0] != 0) unpremultiplyTruncated(argb, argb, {{0, 0, 0}});
 }
 
 void unpremultiplyTruncated(To argb, From in, const Color& background) {
