@@ -4,11 +4,14 @@
 #include "Platform/Mach/mach.h"
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
+#include <initializer_list>
 #include <iterator>
+#include <utility>
 
 constexpr vm_size_t page = 4096;
 constexpr vm_prot_t readAndWrite = VM_PROT_READ | VM_PROT_WRITE;
@@ -35,6 +38,23 @@ inline kern_return_t mapEntry(mach_port_t entry, vm_address_t* address, vm_size_
                               bool copy = false) {
   return vm_map(mach_task_self(), address, size, 0, VM_FLAGS_ANYWHERE, entry, offset, copy, readAndWrite, readAndWrite,
                 VM_INHERIT_SHARE);
+}
+
+// Where the entry's memory is mapped then.
+inline vm_address_t placeOf(mach_port_t entry, vm_size_t size, vm_offset_t offset = 0, bool copy = false) {
+  vm_address_t address = 0;
+  EXPECT_EQ(mapEntry(entry, &address, size, offset, copy), KERN_SUCCESS);
+  return address;
+}
+
+inline void release(std::initializer_list<mach_port_t> entries,
+                    std::initializer_list<std::pair<vm_address_t, vm_size_t>> memory) {
+  for (const mach_port_t entry : entries) EXPECT_EQ(mach_port_deallocate(mach_task_self(), entry), KERN_SUCCESS);
+  for (const auto& [address, size] : memory) EXPECT_EQ(vm_deallocate(mach_task_self(), address, size), KERN_SUCCESS);
+}
+
+inline bool isMapped(vm_address_t address, vm_size_t size = page) {
+  return msync(bytesAt(address), size, MS_ASYNC) == 0;
 }
 
 inline std::ptrdiff_t openDescriptors() {
