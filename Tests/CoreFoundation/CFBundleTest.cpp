@@ -6,8 +6,6 @@
 #include "Tests/CoreFoundation/CFTestText.h"
 #include "Tests/Support/ChildProcess.h"
 
-#include <gtest/gtest.h>
-
 #include <sys/wait.h>
 
 #include <cstdlib>

@@ -3,8 +3,6 @@
 #include "Tests/CoreFoundation/CFTestText.h"
 #include "Tests/Support/ChildProcess.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 #include <map>
 

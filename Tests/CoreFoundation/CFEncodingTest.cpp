@@ -3,8 +3,6 @@
 
 #include "Tests/CoreFoundation/CFTestText.h"
 
-#include <gtest/gtest.h>
-
 #include <cstring>
 #include <map>
 #include <optional>

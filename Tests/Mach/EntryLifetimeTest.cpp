@@ -6,8 +6,6 @@
 
 namespace {
 
-const mach_port_t self = mach_task_self();
-
 // Memory that came to lie where ours was, somebody else's or a new one, is neither changed, nor shared, nor unmapped.
 TEST(EntryLifetime, StaleEntryLeavesWhoeverTookItsAddressAlone) {
   for (const bool isOurs : {false, true}) {

@@ -5,16 +5,14 @@
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
-
-const mach_port_t self = mach_task_self();
 
 class Pair {
  public:
@@ -145,17 +143,15 @@ TEST(EntrySocket, TakesAMessageThatComesInPieces) {
   Pair pair;
   const int file = memoryFile(2 * page, goodSeals);
   const std::string bytes = message(page, page, "piecemeal");
-  const pid_t child = fork();
-  if (child == 0) {
+  std::thread sender([&] {
     for (std::size_t i = 0; i < bytes.size(); ++i) {
       sendBytes(pair.theirs(), bytes.substr(i, 1), i == 0 ? std::vector<int>{file} : std::vector<int>{});
       usleep(200);
     }
-    _exit(0);
-  }
-  close(file);
+  });
   const Received received = receive(pair.ours());
-  waitpid(child, nullptr, 0);
+  sender.join();
+  close(file);
   ASSERT_EQ(received.result, KERN_SUCCESS);
   EXPECT_EQ(received.note, "piecemeal");
   EXPECT_EQ(received.size, page);

@@ -6,8 +6,6 @@
 
 namespace {
 
-const mach_port_t self = mach_task_self();
-
 class GuardPagesTest : public testing::Test {
  protected:
   void SetUp() override {

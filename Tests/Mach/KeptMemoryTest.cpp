@@ -16,7 +16,6 @@
 
 namespace {
 
-const mach_port_t self = mach_task_self();
 constexpr vm_size_t small = 64 * page;
 constexpr vm_size_t large = 1027 * page;  // some huge pages and a rest
 

@@ -7,8 +7,6 @@
 
 namespace {
 
-const mach_port_t self = mach_task_self();
-
 TEST(VirtualMemory, IsPageAlignedZeroAndWritableToItsLastPage) {
   for (const vm_size_t size : {vm_size_t{1}, page, page + 1, vm_size_t{5} << 20}) {
     const vm_address_t address = allocated(size);
