@@ -61,9 +61,7 @@ TEST(ChannelTree, RefsAnswerNullOnceTheirChannelIsGone) {
   EXPECT_EQ(first->getChannel(), &*channel);
 
   channel.reset();
-  EXPECT_EQ(first->getChannel(), nullptr);
-  EXPECT_EQ(third->getChannel(), nullptr);
-  EXPECT_EQ(copy.getChannel(), nullptr);
+  for (VRTChannelRef* ref : {first.get(), third.get(), &copy}) EXPECT_EQ(ref->getChannel(), nullptr);
   EXPECT_TRUE(assigned == VRTChannelRef(nullptr));
 }
 
@@ -89,22 +87,18 @@ TEST(ChannelTree, AFolderDeletesItsChildrenFirstToLast) {
   EXPECT_EQ(log, (std::vector<int>{2, 1, 3, 4}));
 }
 
-TEST(ChannelTree, ChildrenAreFoundByIDAndNotByPlace) {
+TEST(ChannelTree, ChildrenAreFoundByIDAndACopyHoldsTheSame) {
   VRTChannelFolder folder;
   for (int i = 0; i < 3; ++i) folder.push_back(new VRTChannelBase);
-  for (VRTChannelBase* child : folder.getDescendants()) child->setID(child->getID() + 1000);
+  const auto& children = folder.getDescendants();
+  for (VRTChannelBase* child : children) child->setID(child->getID() + 1000);
   EXPECT_EQ(folder.getDescendant(0), nullptr);
-  folder.getDescendants()[1]->setID(7);
-  folder.getDescendants()[2]->setID(7);
-  EXPECT_EQ(folder.getDescendant(7), folder.getDescendants()[1]);
-}
+  for (const std::size_t i : {1, 2}) children[i]->setID(7);
+  EXPECT_EQ(folder.getDescendant(7), children[1]);
 
-TEST(ChannelTree, ACopiedFolderHoldsTheSameChildren) {
-  VRTChannelFolder folder;
-  folder.push_back(new VRTChannelBase);
   const std::unique_ptr<VRTChannelBase> copy = folder.clone();
   auto& copied = dynamic_cast<VRTChannelFolder&>(*copy);
-  EXPECT_EQ(copied.getDescendants(), folder.getDescendants());
+  EXPECT_EQ(copied.getDescendants(), children);
   EXPECT_NE(copied.getID(), folder.getID());
   copied.getDescendants().clear();
 }

@@ -6,8 +6,6 @@
 #include "Tests/CoreFoundation/CFTestText.h"
 #include "Tests/Support/ChildProcess.h"
 
-#include <gtest/gtest.h>
-
 #include <sys/wait.h>
 
 #include <cstdlib>
@@ -34,7 +32,7 @@ std::string Entry(const std::string& key, const std::string& value) {
   return "<key>" + key + "</key><string>" + value + "</string>";
 }
 
-// A bundle with the tables of four languages.
+// A bundle with the tables of five languages; that of one is malformed.
 std::string MakeBundle(const fs::path& path, const std::string& identifier) {
   Write(path / "Contents/Info.plist",
         Info(Entry("CFBundleIdentifier", identifier) + Entry("CFBundleExecutable", "code") +
@@ -61,56 +59,60 @@ std::string Localized(CFBundleRef bundle, const char* key, CFStringRef value = n
   return CFStringCopyUTF8(text.get());
 }
 
-TEST(CFBundleTest, IsFoundByIdentifierWhileItIsOpen) {
-  const TemporaryFolder folder;
-  CFRelease(CFBundleCreate(nullptr, MakeBundle(folder.path() + "/Gone.bundle", "test.gone")));
+// Each case has a fresh folder, and the bundle "L.bundle" in it.
+class CFBundleTest : public testing::Test {
+ protected:
+  const TemporaryFolder folder_;
+  const fs::path root_ = folder_.path();
+  const std::string path_ = MakeBundle(root_ / "L.bundle", "test.l");
+  const CFOwned<CFBundleRef> bundle_{CFBundleCreate(nullptr, path_)};
+};
+
+TEST_F(CFBundleTest, IsFoundByIdentifierWhileItIsOpen) {
+  CFRelease(CFBundleCreate(nullptr, MakeBundle(root_ / "Gone.bundle", "test.gone")));
   EXPECT_EQ(CFBundleGetBundleWithIdentifier(CFSTR("test.gone")), nullptr) << "forgotten with its last release";
-  const std::string path = MakeBundle(folder.path() + "/A.plugin", "test.a");
   std::string reason;
-  CFOwned<CFBundleRef> bundle(CFBundleCreate(nullptr, path, &reason));
-  ASSERT_NE(bundle, nullptr) << reason;
-  const CFOwned<CFBundleRef> again(CFBundleCreate(nullptr, folder.path() + "/./A.plugin/"));
-  EXPECT_EQ(again, bundle);
-  EXPECT_EQ(CFBundleGetPath(bundle.get()), path);
-  EXPECT_EQ(TextOf(CFBundleGetIdentifier(bundle.get())), u"test.a");
-  EXPECT_EQ(CFBundleGetInfoDictionary(bundle.get()).find("CFBundleExecutable")->stringValue(), "code");
-  EXPECT_EQ(CFBundleCopyExecutablePath(bundle.get()), path + "/Contents/Linux/code");
-  bundle.reset();
-  EXPECT_EQ(CFBundleGetBundleWithIdentifier(CFSTR("test.a")), again.get());
-  CFRelease(CFRetain(again.get()));
-  EXPECT_EQ(CFBundleGetBundleWithIdentifier(CFSTR("test.b")), nullptr);
+  CFOwned<CFBundleRef> again(CFBundleCreate(nullptr, folder_.path() + "/./L.bundle/", &reason));
+  EXPECT_EQ(again, bundle_) << reason;
+  again.reset();
+  EXPECT_EQ(CFBundleGetBundleWithIdentifier(CFSTR("test.l")), bundle_.get());
+  CFRelease(CFRetain(bundle_.get()));
+  EXPECT_EQ(CFBundleGetPath(bundle_.get()), path_);
+  EXPECT_EQ(TextOf(CFBundleGetIdentifier(bundle_.get())), u"test.l");
+  EXPECT_EQ(CFBundleGetInfoDictionary(bundle_.get()).find("CFBundleExecutable")->stringValue(), "code");
+  EXPECT_EQ(CFBundleCopyExecutablePath(bundle_.get()), path_ + "/Contents/Linux/code");
 }
 
-TEST(CFBundleTest, RefusesWhatIsNoBundle) {
-  const TemporaryFolder folder;
-  const fs::path root = folder.path();
-  Write(root / "File.bundle", "no folder");
-  fs::create_directories(root / "Empty.bundle");
-  MakeBundle(root / "Extension.app", "test.extension");
-  Write(root / "Broken.bundle/Contents/Info.plist", "<plist><dict>");
-  Write(root / "Nameless.bundle/Contents/Info.plist", Info(Entry("CFBundleExecutable", "code")));
-  Write(root / "Number.bundle/Contents/Info.plist", Info("<key>CFBundleIdentifier</key><integer>7</integer>"));
-  Write(root / "List.bundle/Contents/Info.plist", R"(<plist version="1.0"><array/></plist>)");
-  const std::pair<const char*, const char*> rows[] = {
-      {"None.bundle", "No such file"},         {"File.bundle", "folder"},
-      {"Empty.bundle", "Info.plist"},          {"Extension.app", "NAME.bundle"},
-      {"Broken.bundle", "Info.plist"},         {"Nameless.bundle", "CFBundleIdentifier"},
-      {"Number.bundle", "CFBundleIdentifier"}, {"List.bundle", "CFBundleIdentifier"},
+TEST_F(CFBundleTest, RefusesWhatIsNoBundle) {
+  Write(root_ / "File.bundle", "no folder");
+  fs::create_directories(root_ / "Empty.bundle");
+  MakeBundle(root_ / "Extension.app", "test.extension");
+  const struct {
+    std::string name, info, cause;
+  } rows[] = {
+      {"None.bundle", "", "No such file"},
+      {"File.bundle", "", "folder"},
+      {"Empty.bundle", "", "Info.plist"},
+      {"Extension.app", "", "NAME.bundle"},
+      {"Broken.bundle", "<plist><dict>", "Info.plist"},
+      {"Nameless.bundle", Info(Entry("CFBundleExecutable", "code")), "CFBundleIdentifier"},
+      {"Number.bundle", Info("<key>CFBundleIdentifier</key><integer>7</integer>"), "CFBundleIdentifier"},
+      {"List.bundle", R"(<plist version="1.0"><array/></plist>)", "CFBundleIdentifier"},
   };
-  for (const auto& [name, cause] : rows) {
+  for (const auto& [name, info, cause] : rows) {
+    if (!info.empty()) Write(root_ / name / "Contents/Info.plist", info);
     std::string reason;
-    EXPECT_EQ(CFBundleCreate(nullptr, (root / name).string(), &reason), nullptr) << name;
+    EXPECT_EQ(CFBundleCreate(nullptr, (root_ / name).string(), &reason), nullptr) << name;
     EXPECT_NE(reason.find(cause), std::string::npos) << name << ": " << reason;
   }
 }
 
-TEST(CFBundleTest, ExecutableIsAPlainFileName) {
-  const TemporaryFolder folder;
+TEST_F(CFBundleTest, ExecutableIsAPlainFileName) {
   int number = 0;
   for (const std::string name : {"../evil", "/bin/sh", "a/b", "..", ".", "a..b", ""}) {
-    const fs::path path = folder.path() + "/" + std::to_string(number++) + ".plugin";
+    const fs::path path = root_ / (std::to_string(number++) + ".plugin");
     Write(path / "Contents/Info.plist",
-          Info(Entry("CFBundleIdentifier", "test.executable") + Entry("CFBundleExecutable", name)));
+          Info(Entry("CFBundleIdentifier", "test.x") + Entry("CFBundleExecutable", name)));
     const CFOwned<CFBundleRef> bundle(CFBundleCreate(nullptr, path.string()));
     ASSERT_NE(bundle, nullptr);
     std::string reason;
@@ -119,10 +121,7 @@ TEST(CFBundleTest, ExecutableIsAPlainFileName) {
   }
 }
 
-TEST(CFBundleTest, LocalizesInTheUsersLanguage) {
-  const TemporaryFolder folder;
-  const CFOwned<CFBundleRef> bundle(CFBundleCreate(nullptr, MakeBundle(folder.path() + "/L.bundle", "test.l")));
-  ASSERT_NE(bundle, nullptr);
+TEST_F(CFBundleTest, LocalizesInTheUsersLanguage) {
   const struct {
     const char *locale, *key, *expected;
   } rows[] = {
@@ -138,76 +137,69 @@ TEST(CFBundleTest, LocalizesInTheUsersLanguage) {
   };
   for (const auto& row : rows) {
     SetLanguage(row.locale);
-    EXPECT_EQ(Localized(bundle.get(), row.key), row.expected) << row.locale;
+    EXPECT_EQ(Localized(bundle_.get(), row.key), row.expected) << row.locale;
   }
-  EXPECT_EQ(Localized(bundle.get(), "missing", CFSTR("value")), "value");
-  EXPECT_EQ(Localized(bundle.get(), "missing", CFSTR("")), "");
+  EXPECT_EQ(Localized(bundle_.get(), "missing", CFSTR("value")), "value");
+  EXPECT_EQ(Localized(bundle_.get(), "missing", CFSTR("")), "");
   EXPECT_EQ(Localized(nullptr, "red"), "red");
 }
 
-TEST(CFBundleTest, ReportsAMalformedTableOnceAndGoesOn) {
-  const TemporaryFolder folder;
-  const CFOwned<CFBundleRef> bundle(CFBundleCreate(nullptr, MakeBundle(folder.path() + "/M.bundle", "test.m")));
+TEST_F(CFBundleTest, ReportsAMalformedTableOnceAndGoesOn) {
   SetLanguage("de_DE");
   Capture errors(STDERR_FILENO);
-  for (int i = 0; i < 2; ++i) EXPECT_EQ(Localized(bundle.get(), "red"), kSwedishRed);
+  for (int i = 0; i < 2; ++i) EXPECT_EQ(Localized(bundle_.get(), "red"), kSwedishRed);
   const std::string report = errors.text();
   EXPECT_NE(report.find("de.lproj/Localizable.strings: line 2: ';' is missing"), std::string::npos) << report;
   EXPECT_EQ(std::count(report.begin(), report.end(), '\n'), 1) << report;
-  EXPECT_EQ(Localized(bundle.get(), "red", nullptr, CFSTR("Other")), "Andersrot");
-  EXPECT_EQ(Localized(bundle.get(), "red", nullptr, CFSTR("../de.lproj/Other")), "red");
+  EXPECT_EQ(Localized(bundle_.get(), "red", nullptr, CFSTR("Other")), "Andersrot");
+  EXPECT_EQ(Localized(bundle_.get(), "red", nullptr, CFSTR("../de.lproj/Other")), "red");
 }
 
-TEST(CFBundleTest, FindsResources) {
-  const TemporaryFolder folder;
-  const std::string path = MakeBundle(folder.path() + "/R.bundle", "test.r");
-  const CFOwned<CFBundleRef> bundle(CFBundleCreate(nullptr, path));
-  EXPECT_EQ(CFBundleCopyResourcePath(bundle.get(), "plain", "txt"), path + "/Contents/Resources/plain.txt");
-  EXPECT_EQ(CFBundleCopyResourcePath(bundle.get(), "plain.txt", ""), path + "/Contents/Resources/plain.txt");
-  EXPECT_EQ(CFBundleCopyResourcePath(bundle.get(), "local", "txt"), path + "/Contents/Resources/en.lproj/local.txt");
-  for (const char* name : {"none", "", "../Info", "en.lproj/local"}) {
-    EXPECT_EQ(CFBundleCopyResourcePath(bundle.get(), name, "txt"), "") << name;
+TEST_F(CFBundleTest, FindsResources) {
+  SetLanguage("C");
+  const std::string resources = path_ + "/Contents/Resources/";
+  EXPECT_EQ(CFBundleCopyResourcePath(bundle_.get(), "plain", "txt"), resources + "plain.txt");
+  EXPECT_EQ(CFBundleCopyResourcePath(bundle_.get(), "plain.txt", ""), resources + "plain.txt");
+  EXPECT_EQ(CFBundleCopyResourcePath(bundle_.get(), "local", "txt"), resources + "en.lproj/local.txt");
+  for (const char* name : {"none", "", "en.lproj/local"}) {
+    EXPECT_EQ(CFBundleCopyResourcePath(bundle_.get(), name, "txt"), "") << name;
   }
-  EXPECT_EQ(CFBundleCopyResourcePath(bundle.get(), "../Info", "plist"), "");
+  EXPECT_EQ(CFBundleCopyResourcePath(bundle_.get(), "../Info", "plist"), "");
 }
 
-TEST(CFBundleTest, SearchesAddedFolders) {
-  const TemporaryFolder folder;
-  const std::string path = MakeBundle(folder.path() + "/S.bundle", "test.s");
-  MakeBundle(folder.path() + "/P.plugin", "test.p");
-  fs::create_directories(folder.path() + "/Broken.bundle");
-  CFBundleAddSearchFolder(folder.path() + "/nowhere");
-  CFBundleAddSearchFolder(folder.path());
+TEST_F(CFBundleTest, SearchesAddedFolders) {
+  const std::string path = MakeBundle(root_ / "S.bundle", "test.s");
+  MakeBundle(root_ / "P.plugin", "test.p");
+  fs::create_directories(root_ / "Broken.bundle");
+  CFBundleAddSearchFolder(root_ / "nowhere");
+  CFBundleAddSearchFolder(root_);
   Capture errors(STDERR_FILENO);
   EXPECT_EQ(CFBundleGetPath(CFBundleGetBundleWithIdentifier(CFSTR("test.s"))), path);
   EXPECT_EQ(CFBundleGetBundleWithIdentifier(CFSTR("test.p")), nullptr) << "plug-ins are not searched for";
   const std::string report = errors.text();
-  EXPECT_TRUE(report.starts_with(folder.path() + "/Broken.bundle: ")) << report;
+  EXPECT_TRUE(report.starts_with(folder_.path() + "/Broken.bundle: ")) << report;
 }
 
-TEST(CFBundleTest, FoldersBesideALibrary) {
+TEST_F(CFBundleTest, FoldersBesideALibrary) {
   using Folders = std::vector<std::string>;
-  EXPECT_EQ(CFBundleFoldersBeside("/opt/v/lib"), (Folders{"/opt/v/lib", "/opt/v/share/vorto", "/opt/share/vorto"}));
   EXPECT_EQ(CFBundleFoldersBeside("/usr/lib/x86_64"),
             (Folders{"/usr/lib/x86_64", "/usr/lib/lib", "/usr/lib/share/vorto", "/usr/share/vorto"}));
-  EXPECT_EQ(CFBundleFoldersBeside("/t/bin"), (Folders{"/t/bin", "/t/lib", "/t/share/vorto", "/share/vorto"}));
+  EXPECT_EQ(CFBundleFoldersBeside("/t/lib"), (Folders{"/t/lib", "/t/share/vorto", "/share/vorto"}));
   EXPECT_EQ(CFBundleFoldersBeside(""), Folders{});
 }
 
 // What FindsTheFrameworksOwnBundles runs in a copy of this program that lies in an installed tree.
-TEST(CFBundleTest, DISABLED_PrintOwnBundles) {
+TEST_F(CFBundleTest, DISABLED_PrintOwnBundles) {
   for (const char* identifier : {"test.shared", "test.beside"}) {
     std::printf("found %s\n", CFBundleGetPath(CFBundleGetBundleWithIdentifier(CFSTR(identifier))).c_str());
   }
 }
 
-TEST(CFBundleTest, FindsTheFrameworksOwnBundles) {
-  const TemporaryFolder folder;
-  const std::string program = folder.path() + "/bin/program";
-  fs::create_directories(folder.path() + "/bin");
+TEST_F(CFBundleTest, FindsTheFrameworksOwnBundles) {
+  const fs::path program = root_ / "bin/program";
+  const std::string shared = MakeBundle(root_ / "share/vorto/Shared.bundle", "test.shared");
+  const std::string beside = MakeBundle(root_ / "bin/Beside.bundle", "test.beside");
   fs::copy_file("/proc/self/exe", program);
-  const std::string shared = MakeBundle(folder.path() + "/share/vorto/Shared.bundle", "test.shared");
-  const std::string beside = MakeBundle(folder.path() + "/bin/Beside.bundle", "test.beside");
   const ChildResult child = RunInChild([&] {
     // Under a name that leads nowhere: where the program lies is not told by its arguments.
     execl(program.c_str(), "vorto", "--gtest_also_run_disabled_tests", "--gtest_filter=*DISABLED_PrintOwnBundles",
@@ -215,8 +207,9 @@ TEST(CFBundleTest, FindsTheFrameworksOwnBundles) {
     return 127;
   });
   EXPECT_TRUE(child.exitedWith(0)) << child.output << child.errors;
-  EXPECT_NE(child.output.find("found " + shared + "\n"), std::string::npos) << child.output;
-  EXPECT_NE(child.output.find("found " + beside + "\n"), std::string::npos) << child.output;
+  for (const std::string& path : {shared, beside}) {
+    EXPECT_NE(child.output.find("found " + path + "\n"), std::string::npos) << child.output;
+  }
 }
 
 }  // namespace

@@ -4,8 +4,6 @@
 #include "Tests/CoreFoundation/CFTestText.h"
 #include "Tests/Support/ChildProcess.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <limits>
 #include <random>
@@ -52,18 +50,15 @@ TEST(CFStringTest, RandomEditsAgreeWithTheDefinition) {
     const std::size_t count = random() % (expected.size() - from + 1);
     const std::u16string piece(random() % 9, static_cast<char16_t>('a' + random() % 26));
     const CFRange range = CFRangeMake(static_cast<CFIndex>(from), static_cast<CFIndex>(count));
-    switch (step % 4) {
-      case 0:
-        CFStringInsert(string.get(), range.location, MakeString(piece).get());
-        expected.insert(from, piece);
-        break;
-      case 1:
-        CFStringDelete(string.get(), range);
-        expected.erase(from, count);
-        break;
-      default:
-        CFStringReplace(string.get(), range, MakeString(piece).get());
-        expected.replace(from, count, piece);
+    if (step % 4 == 0) {
+      CFStringInsert(string.get(), range.location, MakeString(piece).get());
+      expected.insert(from, piece);
+    } else if (step % 4 == 1) {
+      CFStringDelete(string.get(), range);
+      expected.erase(from, count);
+    } else {
+      CFStringReplace(string.get(), range, MakeString(piece).get());
+      expected.replace(from, count, piece);
     }
     ASSERT_EQ(TextOf(string.get()), expected) << "step " << step;
   }
@@ -132,23 +127,17 @@ TEST(CFStringTest, ArraysKeepTheirStringsWhichCombine) {
 }
 
 TEST(CFStringTest, FindsUnitByUnit) {
-  const struct {
-    const char16_t* text;
-    const char16_t* wanted;
-    CFIndex first, last;
-  } rows[] = {
-      {u"abcabc", u"bc", 1, 4},     {u"abc", u"abc", 0, 0},
-      {u"abc", u"abcd", -1, -1},    {u"abc", u"", -1, -1},
-      {u"", u"a", -1, -1},          {u"aaa", u"aa", 0, 1},
-      {u"abc", u"B", -1, -1},       {u"caf\u00e9", u"e\u0301", -1, -1},
-      {u"\U0001F600x", u"x", 2, 2},
-  };
-  for (const auto& row : rows) {
-    const auto text = MakeString(row.text);
-    const auto wanted = MakeString(row.wanted);
-    EXPECT_EQ(CFStringFind(text.get(), wanted.get(), 0).location, row.first);
-    EXPECT_EQ(CFStringFind(text.get(), wanted.get(), kCFCompareBackwards).location, row.last);
-    EXPECT_EQ(CFStringFind(text.get(), wanted.get(), 0).length, row.first < 0 ? 0 : CFStringGetLength(wanted.get()));
+  const std::u16string texts[] = {u"",     u"a", u"aa", u"aaa",       u"abc",     u"abcabc",      u"bc",
+                                  u"abcd", u"B", u"x",  u"caf\u00e9", u"e\u0301", u"\U0001F600x", u"\xDE00"};
+  for (const std::u16string& text : texts) {
+    for (const std::u16string& wanted : texts) {
+      const auto expected = [&](std::size_t at) { return wanted.empty() ? -1 : static_cast<CFIndex>(at); };
+      const auto in = MakeString(text), what = MakeString(wanted);
+      const CFRange first = CFStringFind(in.get(), what.get(), 0);
+      EXPECT_EQ(first.location, expected(text.find(wanted)));
+      EXPECT_EQ(first.length, first.location < 0 ? 0 : static_cast<CFIndex>(wanted.size()));
+      EXPECT_EQ(CFStringFind(in.get(), what.get(), kCFCompareBackwards).location, expected(text.rfind(wanted)));
+    }
   }
 }
 
@@ -161,12 +150,13 @@ TEST(CFStringTest, ShowsTextOnStandardError) {
 
 TEST(CFStringTest, NullIsHarmless) {
   Capture errors(STDERR_FILENO);
-  EXPECT_EQ(CFRetain(nullptr), nullptr);
   CFRelease(nullptr);
-  EXPECT_EQ(CFStringCreateWithCString(nullptr, nullptr, kCFStringEncodingUTF8), nullptr);
-  EXPECT_EQ(CFStringCreateWithCharacters(nullptr, nullptr, 1), nullptr);
-  EXPECT_EQ(CFStringCreateCopy(nullptr, nullptr), nullptr);
-  EXPECT_EQ(CFStringCreateMutableCopy(nullptr, 0, nullptr), nullptr);
+  for (const CFTypeRef none :
+       {CFRetain(nullptr), CFTypeRef{CFStringCreateWithCString(nullptr, nullptr, 0)},
+        CFTypeRef{CFStringCreateWithCharacters(nullptr, nullptr, 1)}, CFTypeRef{CFStringCreateCopy(nullptr, nullptr)},
+        CFTypeRef{CFStringCreateMutableCopy(nullptr, 0, nullptr)}}) {
+    EXPECT_EQ(none, nullptr);
+  }
   EXPECT_EQ(CFStringGetLength(nullptr), 0);
   EXPECT_EQ(CFStringGetCharactersPtr(nullptr), nullptr);
   EXPECT_EQ(CFStringFind(nullptr, CFSTR("a"), 0).location, kCFNotFound);

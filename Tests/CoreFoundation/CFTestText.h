@@ -3,6 +3,8 @@
 
 #include "Platform/CoreFoundation/CFString.h"
 
+#include <gtest/gtest.h>
+
 #include <string>
 #include <string_view>
 #include <vector>

@@ -1,21 +1,24 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Tests/Effects/Harness.h"
 
-#include "Platform/QuartzComposer/QCPatch.h"
 #include "Ports/VRTImage.h"
 #include "Ports/VRTObjects.h"
-
-#include <gtest/gtest.h>
+#include "Tests/Support/Lists.h"
 
 #include <cmath>
-#include <cstring>
 #include <limits>
+#include <type_traits>
 
 namespace {
 
-std::uint8_t* channelAt(const VortoBitmap& bitmap, const Layout& layout, std::size_t x, std::size_t y, int place) {
+// Passes a channel of a pixel, red to alpha, as what it is stored as.
+template <class Use>
+void withChannel(const VortoBitmap& bitmap, const Layout& layout, std::size_t x, std::size_t y, int place, Use use) {
   const std::size_t index = (y * bitmap.width + x) * 4 + static_cast<std::size_t>(layout.places[place]);
-  return static_cast<std::uint8_t*>(bitmap.data) + index * layout.channelBytes;
+  void* const data = bitmap.data;
+  if (layout.channelBytes == 1) use(static_cast<std::uint8_t*>(data)[index]);
+  if (layout.channelBytes == 2) use(static_cast<std::uint16_t*>(data)[index]);
+  if (layout.channelBytes == 4) use(static_cast<float*>(data)[index]);
 }
 
 double anyValue(const Layout& layout, std::mt19937& random) {
@@ -38,29 +41,14 @@ Values premultipliedValues(const Layout& layout, std::mt19937& random) {
 
 Values pixelAt(const VortoBitmap& bitmap, const Layout& layout, std::size_t x, std::size_t y) {
   Values values{};
-  for (int i = 0; i < 4; ++i) {
-    const std::uint8_t* bytes = channelAt(bitmap, layout, x, y, i);
-    std::uint16_t word = 0;
-    float real = 0;
-    if (layout.channelBytes == 2) std::memcpy(&word, bytes, 2);
-    if (layout.channelBytes == 4) std::memcpy(&real, bytes, 4);
-    values[i] = layout.channelBytes == 1 ? *bytes : layout.channelBytes == 2 ? word : double{real};
-  }
+  for (int i = 0; i < 4; ++i) withChannel(bitmap, layout, x, y, i, [&](auto& channel) { values[i] = channel; });
   return values;
 }
 
 void setPixel(VortoBitmap& bitmap, const Layout& layout, std::size_t x, std::size_t y, const Values& values) {
   for (int i = 0; i < 4; ++i) {
-    std::uint8_t* bytes = channelAt(bitmap, layout, x, y, i);
-    if (layout.channelBytes == 1) {
-      *bytes = static_cast<std::uint8_t>(values[i]);
-    } else if (layout.channelBytes == 2) {
-      const auto word = static_cast<std::uint16_t>(values[i]);
-      std::memcpy(bytes, &word, 2);
-    } else {
-      const auto real = static_cast<float>(values[i]);
-      std::memcpy(bytes, &real, 4);
-    }
+    withChannel(bitmap, layout, x, y, i,
+                [&](auto& channel) { channel = static_cast<std::remove_reference_t<decltype(channel)>>(values[i]); });
   }
 }
 
@@ -84,14 +72,12 @@ Bitmap makeImage(const Layout& layout, std::uint32_t width, std::uint32_t height
 Bitmap randomImage(const Layout& layout, std::uint32_t width, std::uint32_t height, Noise noise, unsigned seed) {
   std::mt19937 random(seed);
   Bitmap bitmap = makeImage(layout, width, height);
-  for (std::size_t y = 0; y < height; ++y) {
-    for (std::size_t x = 0; x < width; ++x) {
-      Values values = premultipliedValues(layout, random);
-      if (noise == Noise::Anything) {
-        for (double& value : values) value = anyValue(layout, random);
-      }
-      setPixel(*bitmap, layout, x, y, values);
+  for (std::size_t i = 0; i < std::size_t{width} * height; ++i) {
+    Values values = premultipliedValues(layout, random);
+    if (noise == Noise::Anything) {
+      for (double& value : values) value = anyValue(layout, random);
     }
+    setPixel(*bitmap, layout, i % width, i / width, values);
   }
   return bitmap;
 }
@@ -149,20 +135,15 @@ ConstBitmap rendered(QCPatch& patch) {
 
 PropertyList linearGradient(const std::vector<std::array<double, 4>>& colors,
                             const std::vector<std::array<double, 2>>& opacities) {
-  PropertyList rgbSamples = PropertyList::array();
-  for (const auto& color : colors) {
-    for (const double entry : {color[0], 0.5, 1.0, color[1], color[2], color[3]}) {
-      rgbSamples.append(PropertyList::real(entry));
+  const auto samplesOf = [](const auto& stops) {
+    PropertyList samples = PropertyList::array();
+    for (const auto& stop : stops) {
+      for (const double entry : {stop[0], 0.5, 1.0}) samples.append(PropertyList::real(entry));
+      for (std::size_t i = 1; i < stop.size(); ++i) samples.append(PropertyList::real(stop[i]));
     }
-  }
-  PropertyList alphaSamples = PropertyList::array();
-  for (const auto& opacity : opacities) {
-    for (const double entry : {opacity[0], 0.5, 1.0, opacity[1]}) alphaSamples.append(PropertyList::real(entry));
-  }
-  PropertyList state;
-  state.set("rgbSamples", rgbSamples);
-  state.set("alphaSamples", alphaSamples);
-  return state;
+    return samples;
+  };
+  return dict({{"rgbSamples", samplesOf(colors)}, {"alphaSamples", samplesOf(opacities)}});
 }
 
 PropertyList neutralLevels() {

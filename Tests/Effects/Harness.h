@@ -2,7 +2,10 @@
 #pragma once
 
 #include "Platform/QuartzComposer/GFNodeManager.h"
+#include "Platform/QuartzComposer/QCPatch.h"
 #include "TarnCore/TCBitmap.h"
+
+#include <gtest/gtest.h>
 
 #include <array>
 #include <cstdint>
@@ -35,6 +38,18 @@ Values pixelAt(const VortoBitmap& bitmap, const Layout& layout, std::size_t x, s
 void setPixel(VortoBitmap& bitmap, const Layout& layout, std::size_t x, std::size_t y, const Values& values);
 
 std::vector<Values> pixelsOf(const VortoBitmap& bitmap, const Layout& layout);  // row by row
+
+// Expects every pixel within the tolerance of wanted(x, y), in the layout's units.
+template <class Wanted>
+void expectPixels(const ConstBitmap& image, const Layout& layout, double tolerance, Wanted wanted) {
+  for (std::size_t i = 0; i < std::size_t{image->width} * image->height; ++i) {
+    const std::size_t x = i % image->width, y = i / image->width;
+    const Values got = pixelAt(*image, layout, x, y), want = wanted(x, y);
+    for (int c = 0; c < 4; ++c) {
+      ASSERT_NEAR(got[c], want[c], tolerance) << layout.name << ": channel " << c << " at " << x << ", " << y;
+    }
+  }
+}
 
 Bitmap makeImage(const Layout& layout, std::uint32_t width, std::uint32_t height, const Values& everywhere = {});
 enum class Noise {

@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/Foundation/NSKeyedArchiver.h"
 #include "Platform/Foundation/NSKeyedUnarchiver.h"
-#include "Platform/QuartzComposer/QCPatch.h"
 #include "Registry/BrivoCompatability.h"
 #include "Tests/Effects/Harness.h"
-
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -85,18 +82,6 @@ TEST(Duotone, IsItsNodesInOrder) {
     EXPECT_NE(half, full);
     EXPECT_NE(half, pixelBytes(*image));
   }
-}
-
-TEST(Duotone, TwoInstancesShareNoParameters) {
-  const Bitmap image = randomImage(layouts[0], 8, 8, Noise::Premultiplied, 53);
-  const auto first = effectNamed("Duotone");
-  const auto second = effectNamed("Duotone");
-  setImage(*first, "inputImage", image);
-  setImage(*second, "inputImage", image);
-  const auto before = pixelBytes(*rendered(*second));
-  setState(*first, "inputGradient", someGradient);
-  EXPECT_NE(pixelBytes(*rendered(*first)), before);
-  EXPECT_EQ(pixelBytes(*rendered(*second)), before);
 }
 
 }  // namespace

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "Platform/QuartzComposer/QCPatch.h"
 #include "Tests/Effects/Harness.h"
 
-#include <gtest/gtest.h>
-
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -14,12 +12,6 @@ std::shared_ptr<QCPatch> transition(const std::string& name, const ConstBitmap& 
   setImage(*patch, "inputImageB", b);
   setNumber(*patch, "inputTime", time);
   return patch;
-}
-
-// A: every channel 0; B: every channel 1. So the result is the share of B.
-std::pair<Bitmap, Bitmap> nothingAndAll(const Layout& layout, std::uint32_t width, std::uint32_t height) {
-  return {makeImage(layout, width, height),
-          makeImage(layout, width, height, {layout.full, layout.full, layout.full, layout.full})};
 }
 
 TEST(Transitions, AreExactlyEitherImageAtTheEnds) {
@@ -40,13 +32,8 @@ TEST(Transitions, ImageBIsFittedToTheSizeOfImageA) {
   const Bitmap a = randomImage(layout, 5, 4, Noise::Premultiplied, 43);
   const Bitmap b = randomImage(layout, 8, 2, Noise::Premultiplied, 44);
   const ConstBitmap out = rendered(*transition("Dissolve", a, b, 1));
-  ASSERT_EQ(out->width, 5U);
-  ASSERT_EQ(out->height, 4U);
-  for (std::size_t y = 0; y < 4; ++y) {
-    for (std::size_t x = 0; x < 5; ++x) {
-      EXPECT_EQ(pixelAt(*out, layout, x, y), y < 2 ? pixelAt(*b, layout, x, y) : Values{}) << x << ", " << y;
-    }
-  }
+  ASSERT_EQ(std::pair(out->width, out->height), std::pair(5U, 4U));
+  expectPixels(out, layout, 0, [&](auto x, auto y) { return y < 2 ? pixelAt(*b, layout, x, y) : Values{}; });
 }
 
 TEST(Dissolve, MixesByTime) {
@@ -54,67 +41,47 @@ TEST(Dissolve, MixesByTime) {
     const Bitmap a = randomImage(layout, 64, 32, Noise::Premultiplied, 45);
     const Bitmap b = randomImage(layout, 64, 32, Noise::Premultiplied, 46);
     for (const double time : {0.125, 0.5, 0.8125}) {  // fractions that a weight holds exactly
-      const auto out = pixelsOf(*rendered(*transition("Dissolve", a, b, time)), layout);
-      const auto from = pixelsOf(*a, layout), to = pixelsOf(*b, layout);
-      for (std::size_t i = 0; i < 4 * out.size(); ++i) {
-        double want = from[i / 4][i % 4] * (1 - time) + to[i / 4][i % 4] * time;
-        if (layout.code != 9) want = std::floor(want + 0.5);
-        ASSERT_NEAR(out[i / 4][i % 4], want, layout.code == 9 ? 1e-6 : 0) << layout.name;
-      }
+      const ConstBitmap out = rendered(*transition("Dissolve", a, b, time));
+      expectPixels(out, layout, layout.code == 9 ? 1e-6 : 0, [&, time](std::size_t x, std::size_t y) {
+        Values from = pixelAt(*a, layout, x, y);
+        const Values to = pixelAt(*b, layout, x, y);
+        for (int c = 0; c < 4; ++c) from[c] = from[c] * (1 - time) + to[c] * time;
+        for (double& value : from) value = layout.code == 9 ? value : std::floor(value + 0.5);
+        return from;
+      });
     }
   }
 }
 
-TEST(GradientWipe, RunsFromLeftToRightByDefault) {
-  for (const Layout& layout : layouts) {
-    const auto [a, b] = nothingAndAll(layout, 100, 3);
-    const auto patch = transition("Gradient Wipe", a, b, 0.5);
-    const double softness = 0.1;
-    const ConstBitmap out = rendered(*patch);
-    for (std::size_t x = 0; x < 100; ++x) {
-      const double place = (static_cast<double>(x) + 0.5) / 100;
-      const double share = std::fmin(std::fmax((0.5 * (1 + softness) - place) / softness, 0), 1);
-      EXPECT_NEAR(pixelAt(*out, layout, x, 1)[0] / layout.full, share, 0.003) << layout.name << " " << x;
-    }
-  }
-}
-
-TEST(GradientWipe, AHardEdgeFollowsTheDirection) {
-  const Layout& layout = layouts[0];
-  const auto [a, b] = nothingAndAll(layout, 20, 20);
-  struct Row {
-    double angle;
-    double dx;
-    double dy;
-  };
+// From an image of nothing to one of all, so that the result is the share of the second.
+TEST(GradientWipe, RunsAlongItsDirectionWhereTheGradientIsDarkFirst) {
   const double s = std::sqrt(0.5);
-  for (const Row& row :
-       {Row{0, 1, 0}, Row{90, 0, 1}, Row{180, -1, 0}, Row{-90, 0, -1}, Row{45, s, s}, Row{405, s, s}}) {
-    const auto patch = transition("Gradient Wipe", a, b, 0.5);
-    setNumber(*patch, "inputAngle", row.angle);
-    setNumber(*patch, "inputSoftness", 0);
-    const ConstBitmap out = rendered(*patch);
-    for (std::size_t y = 0; y < 20; ++y) {
-      for (std::size_t x = 0; x < 20; ++x) {
-        const double side = (static_cast<double>(x) - 9.5) * row.dx + (static_cast<double>(y) - 9.5) * row.dy;
-        if (std::abs(side) < 0.01) continue;  // on the edge itself
-        EXPECT_EQ(pixelAt(*out, layout, x, y)[0], side < 0 ? 255 : 0) << row.angle << ": " << x << ", " << y;
-      }
+  const PropertyList valley = linearGradient({{0, 1, 1, 1}, {0.5, 0, 0, 0}, {1, 1, 1, 1}}, {{0, 0}});
+  const struct {
+    double angle, dx, dy, softness, time;
+    bool isValley;
+  } rows[] = {{0, 1, 0, 0.1, 0.5, false},  {0, 1, 0, 0, 0.5, false},    {90, 0, 1, 0, 0.5, false},
+              {180, -1, 0, 0, 0.5, false}, {-90, 0, -1, 0, 0.5, false}, {45, s, s, 0, 0.5, false},
+              {405, s, s, 0, 0.5, false},  {0, 1, 0, 0, 0.25, true},    {45, s, s, 0.3, 0.7, true}};
+  for (const auto& row : rows) {
+    for (const Layout& layout : layouts) {
+      SCOPED_TRACE("an angle of " + std::to_string(row.angle));
+      const Values all{layout.full, layout.full, layout.full, layout.full};
+      const auto patch =
+          transition("Gradient Wipe", makeImage(layout, 20, 20), makeImage(layout, 20, 20, all), row.time);
+      if (row.isValley) setState(*patch, "inputGradient", valley);
+      if (row.angle != 0) setNumber(*patch, "inputAngle", row.angle);
+      if (row.softness != 0.1) setNumber(*patch, "inputSoftness", row.softness);
+      const ConstBitmap out = rendered(*patch);
+      expectPixels(out, layout, row.softness > 0 ? 0.003 * layout.full : 0, [&](auto x, auto y) {
+        const double along = (static_cast<double>(x) - 9.5) * row.dx + (static_cast<double>(y) - 9.5) * row.dy;
+        const double place = 0.5 + along / (20 * (std::abs(row.dx) + std::abs(row.dy)));
+        const double ahead = row.time * (1 + row.softness) - (row.isValley ? std::abs(2 * place - 1) : place);
+        if (row.softness == 0 && std::abs(ahead) < 0.003) return pixelAt(*out, layout, x, y);  // on the edge itself
+        const double share = row.softness > 0 ? std::clamp(ahead / row.softness, 0.0, 1.0) : ahead > 0 ? 1.0 : 0.0;
+        return Values{share * layout.full, share * layout.full, share * layout.full, share * layout.full};
+      });
     }
-  }
-}
-
-TEST(GradientWipe, TheGradientSaysWhatChangesFirst) {
-  const Layout& layout = layouts[0];
-  const auto [a, b] = nothingAndAll(layout, 101, 1);
-  const auto patch = transition("Gradient Wipe", a, b, 0.25);
-  // Bright at both ends: the middle goes first, a quarter of it at a quarter of the time.
-  setState(*patch, "inputGradient", linearGradient({{0, 1, 1, 1}, {0.5, 0, 0, 0}, {1, 1, 1, 1}}, {{0, 0}}));
-  setNumber(*patch, "inputSoftness", 0);
-  const ConstBitmap out = rendered(*patch);
-  for (std::size_t x = 0; x < 101; ++x) {
-    const double distance = std::abs(static_cast<double>(x) - 50);
-    EXPECT_EQ(pixelAt(*out, layout, x, 0)[0], distance < 12.5 ? 255 : 0) << x;
   }
 }
 

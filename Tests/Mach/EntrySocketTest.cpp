@@ -1,20 +1,18 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Tests/Mach/Memory.h"
+#include "Tests/Support/ChildProcess.h"
 
 #include <fcntl.h>
-#include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
-
-const mach_port_t self = mach_task_self();
 
 class Pair {
  public:
@@ -92,23 +90,13 @@ int memoryFile(vm_size_t size, int seals) {
 
 constexpr int goodSeals = F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL;
 
-// Runs the other process and answers its exit status.
-template <class Other>
-int inAnotherProcess(Other other) {
-  const pid_t child = fork();
-  if (child == 0) _exit(other());
-  int status = -1;
-  waitpid(child, &status, 0);
-  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
 TEST(EntrySocket, AnotherProcessReadsAndChangesTheSameMemory) {
   Pair pair;
   const vm_address_t address = allocated(5 * page);
   std::memset(bytesAt(address), 3, 5 * page);
   const mach_port_t entry = entryOf(address, 5 * page);
   ASSERT_EQ(mach_send_memory_entry(pair.ours(), entry, "note", 4), KERN_SUCCESS);
-  const int status = inAnotherProcess([&pair] {
+  const ChildResult child = RunInChild([&pair] {
     const Received received = receive(pair.theirs());
     if (received.result != KERN_SUCCESS || received.size != 5 * page || received.note != "note") return 1;
     vm_address_t mapped = 0;
@@ -119,11 +107,10 @@ TEST(EntrySocket, AnotherProcessReadsAndChangesTheSameMemory) {
     bytesAt(mapped)[4 * page] = 200;
     return 0;
   });
-  EXPECT_EQ(status, 0);
+  EXPECT_TRUE(child.exitedWith(0)) << child.status;
   EXPECT_EQ(bytesAt(address)[4 * page], 200);
   EXPECT_EQ(bytesAt(address)[0], 3);
-  mach_port_deallocate(self, entry);
-  vm_deallocate(self, address, 5 * page);
+  release({entry}, {{address, 5 * page}});
 }
 
 TEST(EntrySocket, PeerCanNeitherShrinkNorGrowNorUnsealTheMemory) {
@@ -145,31 +132,26 @@ TEST(EntrySocket, PeerCanNeitherShrinkNorGrowNorUnsealTheMemory) {
   int file;
   ASSERT_NE(CMSG_FIRSTHDR(&header), nullptr);
   std::memcpy(&file, CMSG_DATA(CMSG_FIRSTHDR(&header)), sizeof file);
-  EXPECT_EQ(ftruncate(file, 0), -1);
-  EXPECT_EQ(ftruncate(file, 8 * page), -1);
+  for (const vm_size_t size : {vm_size_t{0}, 8 * page}) EXPECT_EQ(ftruncate(file, static_cast<off_t>(size)), -1);
   EXPECT_EQ(fcntl(file, F_ADD_SEALS, F_SEAL_WRITE), -1);
   close(file);
-  pair.closeEnd(1);
   std::memset(bytesAt(address), 1, 4 * page);
-  mach_port_deallocate(self, entry);
-  vm_deallocate(self, address, 4 * page);
+  release({entry}, {{address, 4 * page}});
 }
 
 TEST(EntrySocket, TakesAMessageThatComesInPieces) {
   Pair pair;
   const int file = memoryFile(2 * page, goodSeals);
   const std::string bytes = message(page, page, "piecemeal");
-  const pid_t child = fork();
-  if (child == 0) {
+  std::thread sender([&] {
     for (std::size_t i = 0; i < bytes.size(); ++i) {
       sendBytes(pair.theirs(), bytes.substr(i, 1), i == 0 ? std::vector<int>{file} : std::vector<int>{});
       usleep(200);
     }
-    _exit(0);
-  }
-  close(file);
+  });
   const Received received = receive(pair.ours());
-  waitpid(child, nullptr, 0);
+  sender.join();
+  close(file);
   ASSERT_EQ(received.result, KERN_SUCCESS);
   EXPECT_EQ(received.note, "piecemeal");
   EXPECT_EQ(received.size, page);
@@ -179,68 +161,58 @@ TEST(EntrySocket, TakesAMessageThatComesInPieces) {
   mach_port_deallocate(self, received.entry);
 }
 
-struct BadMessage {
-  const char* name;
-  std::string bytes;
-  int count;  // descriptors
-  vm_size_t fileSize;
-  int seals;
-  kern_return_t expected;
-};
-
-class EntrySocketBadMessage : public testing::TestWithParam<BadMessage> {};
-
-TEST_P(EntrySocketBadMessage, IsRefusedAndLeavesNoDescriptor) {
-  const BadMessage& bad = GetParam();
-  Pair pair;
-  std::vector<int> files;
-  for (int i = 0; i < bad.count; ++i) files.push_back(memoryFile(bad.fileSize, bad.seals));
-  sendBytes(pair.theirs(), bad.bytes, files);
-  for (const int file : files) close(file);
-  pair.closeEnd(1);
-  const auto before = openDescriptors();
-  const Received received = receive(pair.ours(), 16);
-  EXPECT_EQ(received.result, bad.expected);
-  EXPECT_EQ(received.entry, MACH_PORT_NULL);
-  EXPECT_EQ(openDescriptors(), before);
+TEST(EntrySocket, BadMessagesAreRefusedAndLeaveNoDescriptor) {
+  const struct {
+    const char* name;
+    std::string bytes;
+    int descriptors;
+    vm_size_t fileSize;
+    int seals;
+    kern_return_t expected;
+  } rows[] = {
+      {"OtherMark", message(page, 0, {}, 1), 1, page, goodSeals, KERN_INVALID_VALUE},
+      {"NoSize", message(0), 1, page, goodSeals, KERN_INVALID_VALUE},
+      {"HalfPage", message(100), 1, page, goodSeals, KERN_INVALID_VALUE},
+      {"OddOffset", message(page, 8), 1, 2 * page, goodSeals, KERN_INVALID_VALUE},
+      {"LongNote", message(page, 0, std::string(17, 'x')), 1, page, goodSeals, KERN_INVALID_VALUE},
+      {"NoDescriptor", message(page), 0, 0, 0, KERN_INVALID_VALUE},
+      {"TwoDescriptors", message(page), 2, page, goodSeals, KERN_INVALID_VALUE},
+      {"ManyDescriptors", message(page), 40, page, goodSeals, KERN_INVALID_VALUE},
+      {"CutShort", message(page).substr(0, 20), 1, page, goodSeals, KERN_TERMINATED},
+      {"CutNote", message(page, 0, "12345678").substr(0, 30), 1, page, goodSeals, KERN_TERMINATED},
+      {"CanShrink", message(page), 1, page, F_SEAL_GROW, KERN_PROTECTION_FAILURE},
+      {"CannotBeWritten", message(page), 1, page, goodSeals | F_SEAL_WRITE, KERN_PROTECTION_FAILURE},
+      {"Smaller", message(2 * page), 1, page, goodSeals, KERN_INVALID_ADDRESS},
+      {"Beyond", message(page, page), 1, page, goodSeals, KERN_INVALID_ADDRESS},
+      {"Wraps", message(page, ~std::uint64_t{0} - page + 1), 1, page, goodSeals, KERN_INVALID_ADDRESS},
+  };
+  for (const auto& row : rows) {
+    Pair pair;
+    std::vector<int> files;
+    for (int i = 0; i < row.descriptors; ++i) files.push_back(memoryFile(row.fileSize, row.seals));
+    sendBytes(pair.theirs(), row.bytes, files);
+    for (const int file : files) close(file);
+    pair.closeEnd(1);
+    const auto before = openDescriptors();
+    const Received received = receive(pair.ours(), 16);
+    EXPECT_EQ(received.result, row.expected) << row.name;
+    EXPECT_EQ(received.entry, MACH_PORT_NULL) << row.name;
+    EXPECT_EQ(openDescriptors(), before) << row.name;
+  }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    All, EntrySocketBadMessage,
-    testing::Values(
-        BadMessage{"OtherMark", message(page, 0, {}, 1), 1, page, goodSeals, KERN_INVALID_VALUE},
-        BadMessage{"NoSize", message(0), 1, page, goodSeals, KERN_INVALID_VALUE},
-        BadMessage{"HalfPage", message(100), 1, page, goodSeals, KERN_INVALID_VALUE},
-        BadMessage{"OddOffset", message(page, 8), 1, 2 * page, goodSeals, KERN_INVALID_VALUE},
-        BadMessage{"LongNote", message(page, 0, std::string(17, 'x')), 1, page, goodSeals, KERN_INVALID_VALUE},
-        BadMessage{"NoDescriptor", message(page), 0, 0, 0, KERN_INVALID_VALUE},
-        BadMessage{"TwoDescriptors", message(page), 2, page, goodSeals, KERN_INVALID_VALUE},
-        BadMessage{"ManyDescriptors", message(page), 40, page, goodSeals, KERN_INVALID_VALUE},
-        BadMessage{"CutShort", message(page).substr(0, 20), 1, page, goodSeals, KERN_TERMINATED},
-        BadMessage{"CutNote", message(page, 0, "12345678").substr(0, 30), 1, page, goodSeals, KERN_TERMINATED},
-        BadMessage{"CanShrink", message(page), 1, page, F_SEAL_GROW, KERN_PROTECTION_FAILURE},
-        BadMessage{"CannotBeWritten", message(page), 1, page, goodSeals | F_SEAL_WRITE, KERN_PROTECTION_FAILURE},
-        BadMessage{"Smaller", message(2 * page), 1, page, goodSeals, KERN_INVALID_ADDRESS},
-        BadMessage{"Beyond", message(page, page), 1, page, goodSeals, KERN_INVALID_ADDRESS},
-        BadMessage{"Wraps", message(page, ~std::uint64_t{0} - page + 1), 1, page, goodSeals, KERN_INVALID_ADDRESS}),
-    [](const auto& bad) { return bad.param.name; });
-
 TEST(EntrySocket, RefusesFilesThatAreNoMemory) {
-  Pair pair;
   int ends[2];
   ASSERT_EQ(pipe(ends), 0);
-  sendBytes(pair.theirs(), message(page), {ends[0]});
-  EXPECT_EQ(receive(pair.ours()).result, KERN_PROTECTION_FAILURE);
-  close(ends[0]);
-  close(ends[1]);
-
   const int file = memoryFile(page, goodSeals);
   const int readOnly = open(("/proc/self/fd/" + std::to_string(file)).c_str(), O_RDONLY);
   ASSERT_GE(readOnly, 0);
-  sendBytes(pair.theirs(), message(page), {readOnly});
-  EXPECT_EQ(receive(pair.ours()).result, KERN_PROTECTION_FAILURE);
-  close(file);
-  close(readOnly);
+  Pair pair;
+  for (const int other : {ends[0], readOnly}) {
+    sendBytes(pair.theirs(), message(page), {other});
+    EXPECT_EQ(receive(pair.ours()).result, KERN_PROTECTION_FAILURE);
+  }
+  for (const int descriptor : {ends[0], ends[1], file, readOnly}) close(descriptor);
 }
 
 TEST(EntrySocket, ClosedPeersSilentPeersAndOtherSocketsGetAResult) {
@@ -262,8 +234,7 @@ TEST(EntrySocket, ClosedPeersSilentPeersAndOtherSocketsGetAResult) {
   EXPECT_EQ(mach_send_memory_entry(closed.ours(), entry, nullptr, 0), KERN_TERMINATED);
   EXPECT_EQ(receive(closed.ours()).result, KERN_TERMINATED);
   bytesAt(address)[0] = 1;
-  mach_port_deallocate(self, entry);
-  vm_deallocate(self, address, page);
+  release({entry}, {{address, page}});
 }
 
 TEST(EntrySocket, RunningOutOfDescriptorsIsAResultOnBothSides) {

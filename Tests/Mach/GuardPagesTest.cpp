@@ -2,13 +2,9 @@
 #include "Platform/Sanitizer.h"
 #include "Tests/Mach/Memory.h"
 
-#include <sys/mman.h>
-
 // In a build with the address sanitizer, whoever runs past memory is stopped at once.
 
 namespace {
-
-const mach_port_t self = mach_task_self();
 
 class GuardPagesTest : public testing::Test {
  protected:
@@ -32,16 +28,13 @@ TEST_F(GuardPagesTest, StopWhoeverRunsPastMemory) {
 TEST_F(GuardPagesTest, StandBehindSharedMemoryTooAndGoWithTheLastPage) {
   const vm_address_t address = allocated(3 * page);
   const mach_port_t entry = entryOf(address, 3 * page);
-  vm_address_t mapped = 0;
-  ASSERT_EQ(mapEntry(entry, &mapped, 3 * page), KERN_SUCCESS);
+  const vm_address_t place = placeOf(entry, 3 * page);
   volatile std::uint8_t* const bytes = bytesAt(address);
   EXPECT_DEATH(bytes[3 * page] = 1, "AddressSanitizer");
-  ASSERT_EQ(vm_deallocate(self, address, page), KERN_SUCCESS);
-  EXPECT_EQ(msync(bytesAt(address + 3 * page), page, MS_ASYNC), 0) << "the guard is there";
-  ASSERT_EQ(vm_deallocate(self, address + page, 2 * page), KERN_SUCCESS);
-  EXPECT_NE(msync(bytesAt(address + 3 * page), page, MS_ASYNC), 0);
-  vm_deallocate(self, mapped, 3 * page);
-  mach_port_deallocate(self, entry);
+  release({}, {{address, page}});
+  EXPECT_TRUE(isMapped(address + 3 * page)) << "the guard is there";
+  release({entry}, {{address + page, 2 * page}, {place, 3 * page}});
+  EXPECT_FALSE(isMapped(address + 3 * page));
 }
 
 TEST_F(GuardPagesTest, PoisonEndsWhenMemoryIsGivenBackOrShared) {
@@ -57,11 +50,9 @@ TEST_F(GuardPagesTest, PoisonEndsWhenMemoryIsGivenBackOrShared) {
   std::memset(bytesAt(kept), 1, size);
   const mach_port_t entry = entryOf(kept, size);
   poisonMemory(bytesAt(kept + size - page), page);
-  vm_address_t mapped = 0;
-  ASSERT_EQ(mapEntry(entry, &mapped, size), KERN_SUCCESS);
-  EXPECT_EQ(bytesAt(mapped)[size - 1], 1);
-  for (const vm_address_t place : {next, kept, mapped}) EXPECT_EQ(vm_deallocate(self, place, size), KERN_SUCCESS);
-  mach_port_deallocate(self, entry);
+  const vm_address_t place = placeOf(entry, size);
+  EXPECT_EQ(bytesAt(place)[size - 1], 1);
+  release({entry}, {{next, size}, {kept, size}, {place, size}});
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 #include "Platform/Sanitizer.h"
 #include "Tests/Mach/Memory.h"
 
-#include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
@@ -17,7 +16,6 @@
 
 namespace {
 
-const mach_port_t self = mach_task_self();
 constexpr vm_size_t small = 64 * page;
 constexpr vm_size_t large = 1027 * page;  // some huge pages and a rest
 
@@ -28,10 +26,6 @@ class KeptMemoryTest : public testing::Test {
     mach_limit_kept_memory(64 << 20);  // the address sanitizer's build keeps nothing unless it is asked to
   }
 };
-
-bool isMapped(vm_address_t address, vm_size_t size) {
-  return msync(bytesAt(address), size, MS_ASYNC) == 0;
-}
 
 bool isZero(vm_address_t address, vm_size_t size) {
   return bytesAt(address)[0] == 0 && std::memcmp(bytesAt(address), bytesAt(address) + 1, size - 1) == 0;
@@ -44,7 +38,7 @@ vm_address_t filled(vm_size_t size, int value = 0xAB) {
 }
 
 void giveBack(vm_address_t address, vm_size_t size) {
-  ASSERT_EQ(vm_deallocate(self, address, size), KERN_SUCCESS);
+  release({}, {{address, size}});
 }
 
 TEST_F(KeptMemoryTest, IsUnmappedForItsFormerOwnerAndZeroForTheNext) {
@@ -80,12 +74,10 @@ TEST_F(KeptMemoryTest, OfEntriesIsKeptOnceNobodyNamesIt) {
 TEST_F(KeptMemoryTest, ThatWasEverSharedIsNotKept) {
   const vm_address_t address = filled(large);
   const mach_port_t entry = entryOf(address, large);
-  vm_address_t mapped = 0;
-  ASSERT_EQ(mapEntry(entry, &mapped, large), KERN_SUCCESS);
-  mach_port_deallocate(self, entry);
-  giveBack(address, large);
-  EXPECT_EQ(bytesAt(mapped)[0], 0xAB);
-  giveBack(mapped, large);
+  const vm_address_t place = placeOf(entry, large);
+  release({entry}, {{address, large}});
+  EXPECT_EQ(bytesAt(place)[0], 0xAB);
+  giveBack(place, large);
   EXPECT_EQ(mach_release_kept_memory(), 0u);
 
   int ends[2];
@@ -93,25 +85,9 @@ TEST_F(KeptMemoryTest, ThatWasEverSharedIsNotKept) {
   const vm_address_t sent = filled(small);
   const mach_port_t ofSent = entryOf(sent, small);
   ASSERT_EQ(mach_send_memory_entry(ends[0], ofSent, nullptr, 0), KERN_SUCCESS);
-  giveBack(sent, small);
-  mach_port_deallocate(self, ofSent);
+  release({ofSent}, {{sent, small}});
   EXPECT_EQ(mach_release_kept_memory(), 0u);
   for (const int end : ends) close(end);
-}
-
-// The memory was given back and handed to another process afterwards: what is kept then is the old pages, not the
-// file's.
-TEST_F(KeptMemoryTest, OfAnEntryThatIsSharedLateHasNoTieToIt) {
-  const vm_address_t address = filled(small, 7);
-  const mach_port_t entry = entryOf(address, small);
-  giveBack(address, small);
-  vm_address_t mapped = 0;
-  ASSERT_EQ(mapEntry(entry, &mapped, small), KERN_SUCCESS);
-  const vm_address_t next = filled(small, 9);
-  EXPECT_EQ(bytesAt(mapped)[0], 7);
-  giveBack(next, small);
-  mach_port_deallocate(self, entry);
-  giveBack(mapped, small);
 }
 
 TEST_F(KeptMemoryTest, WhatIsMissingOrSomebodyElsesIsNotKept) {
@@ -150,8 +126,7 @@ TEST_F(KeptMemoryTest, PartsAndNeighboursGoTheirOwnWays) {
   EXPECT_TRUE(isZero(again, small));
   EXPECT_EQ(mach_release_kept_memory(), 0u);
   giveBack(address, 3 * small);  // with the hole
-  EXPECT_FALSE(isMapped(address, page));
-  EXPECT_FALSE(isMapped(address + 2 * small, page));
+  for (const vm_address_t part : {address, address + 2 * small}) EXPECT_FALSE(isMapped(part));
   EXPECT_EQ(mach_release_kept_memory(), 0u);
   giveBack(again, small);
 
@@ -159,13 +134,12 @@ TEST_F(KeptMemoryTest, PartsAndNeighboursGoTheirOwnWays) {
   const vm_address_t place = allocated(2 * small);
   giveBack(place, 2 * small);
   mach_release_kept_memory();
-  vm_address_t first = place;
-  vm_address_t second = place + small;
-  ASSERT_EQ(vm_allocate(self, &first, small, VM_FLAGS_FIXED), KERN_SUCCESS);
-  ASSERT_EQ(vm_allocate(self, &second, small, VM_FLAGS_FIXED), KERN_SUCCESS);
+  for (vm_address_t half : {place, place + small}) {
+    ASSERT_EQ(vm_allocate(self, &half, small, VM_FLAGS_FIXED), KERN_SUCCESS);
+  }
   std::memset(bytesAt(place), 3, 2 * small);
   giveBack(place, 2 * small);
-  EXPECT_FALSE(isMapped(place, page));
+  EXPECT_FALSE(isMapped(place));
   const vm_address_t both = allocated(2 * small);
   EXPECT_TRUE(isZero(both, 2 * small));
   giveBack(both, 2 * small);
@@ -187,12 +161,9 @@ TEST_F(KeptMemoryTest, ComesAgainWritableAndAbleToBeShared) {
   waitpid(child, &status, 0);
   EXPECT_EQ(status, 0) << "a child has its own copy, as of all memory";
   const mach_port_t entry = entryOf(second, small);
-  vm_address_t mapped = 0;
-  ASSERT_EQ(mapEntry(entry, &mapped, small), KERN_SUCCESS);
-  EXPECT_EQ(bytesAt(mapped)[small - 1], 4);
-  mach_port_deallocate(self, entry);
-  giveBack(second, small);
-  giveBack(mapped, small);
+  const vm_address_t place = placeOf(entry, small);
+  EXPECT_EQ(bytesAt(place)[small - 1], 4);
+  release({entry}, {{second, small}, {place, small}});
 }
 
 TEST_F(KeptMemoryTest, StaysWithinItsLimit) {
@@ -209,21 +180,15 @@ TEST_F(KeptMemoryTest, StaysWithinItsLimit) {
   EXPECT_EQ(mach_release_kept_memory(), 0u);
 }
 
-// In bytes, as the limit of address space counts them.
-vm_size_t addressSpaceInUse() {
-  std::ifstream file("/proc/self/statm");
-  vm_size_t pages = 0;
-  file >> pages;
-  return pages * page;
-}
-
 TEST_F(KeptMemoryTest, MakesRoomBeforeAnAllocationFails) {
   if (kHasAddressSanitizer) GTEST_SKIP() << "no limit of address space under the address sanitizer";
   constexpr vm_size_t kept = vm_size_t{32} << 20;
   giveBack(filled(kept), kept);
   rlimit before;
   ASSERT_EQ(getrlimit(RLIMIT_AS, &before), 0);
-  const rlimit tight{addressSpaceInUse() + kept / 4, before.rlim_max};
+  vm_size_t pagesInUse = 0;
+  std::ifstream("/proc/self/statm") >> pagesInUse;
+  const rlimit tight{pagesInUse * page + kept / 4, before.rlim_max};
   ASSERT_EQ(setrlimit(RLIMIT_AS, &tight), 0);
   vm_address_t address = 0;
   const kern_return_t fits = vm_allocate(self, &address, kept - page, VM_FLAGS_ANYWHERE);

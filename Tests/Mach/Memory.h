@@ -4,12 +4,16 @@
 #include "Platform/Mach/mach.h"
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
+#include <initializer_list>
 #include <iterator>
+#include <utility>
 
+inline const mach_port_t self = mach_task_self();
 constexpr vm_size_t page = 4096;
 constexpr vm_prot_t readAndWrite = VM_PROT_READ | VM_PROT_WRITE;
 
@@ -19,22 +23,38 @@ inline std::uint8_t* bytesAt(vm_address_t address) {
 
 inline vm_address_t allocated(vm_size_t size) {
   vm_address_t address = 0;
-  EXPECT_EQ(vm_allocate(mach_task_self(), &address, size, VM_FLAGS_ANYWHERE), KERN_SUCCESS);
+  EXPECT_EQ(vm_allocate(self, &address, size, VM_FLAGS_ANYWHERE), KERN_SUCCESS);
   return address;
 }
 
 inline mach_port_t entryOf(vm_address_t address, vm_size_t size) {
   mach_port_t entry = MACH_PORT_NULL;
-  EXPECT_EQ(mach_make_memory_entry(mach_task_self(), &size, address, readAndWrite, &entry, MACH_PORT_NULL),
-            KERN_SUCCESS);
+  EXPECT_EQ(mach_make_memory_entry(self, &size, address, readAndWrite, &entry, MACH_PORT_NULL), KERN_SUCCESS);
   EXPECT_NE(entry, MACH_PORT_NULL);
   return entry;
 }
 
 inline kern_return_t mapEntry(mach_port_t entry, vm_address_t* address, vm_size_t size, vm_offset_t offset = 0,
                               bool copy = false) {
-  return vm_map(mach_task_self(), address, size, 0, VM_FLAGS_ANYWHERE, entry, offset, copy, readAndWrite, readAndWrite,
+  return vm_map(self, address, size, 0, VM_FLAGS_ANYWHERE, entry, offset, copy, readAndWrite, readAndWrite,
                 VM_INHERIT_SHARE);
+}
+
+// Where the entry's memory is mapped then.
+inline vm_address_t placeOf(mach_port_t entry, vm_size_t size, vm_offset_t offset = 0, bool copy = false) {
+  vm_address_t address = 0;
+  EXPECT_EQ(mapEntry(entry, &address, size, offset, copy), KERN_SUCCESS);
+  return address;
+}
+
+inline void release(std::initializer_list<mach_port_t> entries,
+                    std::initializer_list<std::pair<vm_address_t, vm_size_t>> memory) {
+  for (const mach_port_t entry : entries) EXPECT_EQ(mach_port_deallocate(self, entry), KERN_SUCCESS);
+  for (const auto& [address, size] : memory) EXPECT_EQ(vm_deallocate(self, address, size), KERN_SUCCESS);
+}
+
+inline bool isMapped(vm_address_t address, vm_size_t size = page) {
+  return msync(bytesAt(address), size, MS_ASYNC) == 0;
 }
 
 inline std::ptrdiff_t openDescriptors() {

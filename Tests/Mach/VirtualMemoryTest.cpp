@@ -1,15 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Tests/Mach/Memory.h"
 
-#include <sys/mman.h>
-
-#include <array>
 #include <cerrno>
 #include <limits>
+#include <vector>
 
 namespace {
-
-const mach_port_t self = mach_task_self();
 
 TEST(VirtualMemory, IsPageAlignedZeroAndWritableToItsLastPage) {
   for (const vm_size_t size : {vm_size_t{1}, page, page + 1, vm_size_t{5} << 20}) {
@@ -19,7 +15,7 @@ TEST(VirtualMemory, IsPageAlignedZeroAndWritableToItsLastPage) {
     for (vm_size_t i = 0; i < whole; i += 511) ASSERT_EQ(bytesAt(address)[i], 0);
     std::memset(bytesAt(address), 7, whole);
     EXPECT_EQ(vm_deallocate(self, address, size), KERN_SUCCESS);
-    EXPECT_NE(msync(bytesAt(address), whole, MS_ASYNC), 0) << "still mapped";
+    EXPECT_FALSE(isMapped(address, whole));
   }
 }
 
@@ -44,14 +40,14 @@ TEST(VirtualMemory, AnswersWithTheResultCodes) {
 }
 
 TEST(VirtualMemory, CanBePlacedAtAFreeAddressOnly) {
-  vm_address_t address = allocated(2 * page);
+  const vm_address_t wanted = allocated(2 * page);
+  vm_address_t address = wanted;
   EXPECT_EQ(vm_allocate(self, &address, page, VM_FLAGS_FIXED), KERN_NO_SPACE);
-  vm_deallocate(self, address, 2 * page);
-  const vm_address_t wanted = address;
+  release({}, {{wanted, 2 * page}});
   EXPECT_EQ(vm_allocate(self, &address, page, VM_FLAGS_FIXED), KERN_SUCCESS);
   EXPECT_EQ(address, wanted);
-  vm_deallocate(self, address, page);
-  address = wanted + 1;
+  release({}, {{wanted, page}});
+  ++address;
   EXPECT_EQ(vm_allocate(self, &address, page, VM_FLAGS_FIXED), KERN_INVALID_ARGUMENT);
 }
 
@@ -76,28 +72,19 @@ TEST(MemoryEntry, RefusesWhatItCannotName) {
   EXPECT_EQ(mapEntry(entry, &mapped, 2 * page + 1), KERN_INVALID_ARGUMENT);
   EXPECT_EQ(mapEntry(entry, &mapped, page, 2 * page), KERN_INVALID_ARGUMENT);
   EXPECT_EQ(mapEntry(entry, &mapped, page, 1), KERN_INVALID_ARGUMENT);
-  mach_port_deallocate(self, entry);
-  vm_deallocate(self, address, 4 * page);
+  release({entry}, {{address, 4 * page}});
 }
 
 TEST(MemoryEntry, CostsNoDescriptorUntilItIsMapped) {
   const auto before = openDescriptors();
-  std::array<vm_address_t, 50> addresses;
-  std::array<mach_port_t, 50> entries;
-  for (std::size_t i = 0; i < 50; ++i) {
-    addresses[i] = allocated(page);
-    entries[i] = entryOf(addresses[i], page);
-  }
+  std::vector<std::pair<vm_address_t, mach_port_t>> all(50);
+  for (auto& [address, entry] : all) entry = entryOf(address = allocated(page), page);
   EXPECT_EQ(openDescriptors(), before);
-  vm_address_t mapped = 0;
-  ASSERT_EQ(mapEntry(entries[7], &mapped, page), KERN_SUCCESS);
+  const vm_address_t place = placeOf(all[7].second, page);
   EXPECT_EQ(openDescriptors(), before + 1);
-  for (std::size_t i = 0; i < 50; ++i) {
-    EXPECT_EQ(vm_deallocate(self, addresses[i], page), KERN_SUCCESS);
-    EXPECT_EQ(mach_port_deallocate(self, entries[i]), KERN_SUCCESS);
-  }
+  for (const auto& [address, entry] : all) release({entry}, {{address, page}});
   EXPECT_EQ(openDescriptors(), before);
-  vm_deallocate(self, mapped, page);
+  release({}, {{place, page}});
 }
 
 TEST(MemoryEntry, SharesTheSameBytesAtTheOldAddressAndTheNew) {
@@ -105,24 +92,18 @@ TEST(MemoryEntry, SharesTheSameBytesAtTheOldAddressAndTheNew) {
   const vm_address_t address = allocated(size);
   for (vm_size_t i = 0; i < size; ++i) bytesAt(address)[i] = static_cast<std::uint8_t>(i * 31 >> 3);
   const mach_port_t entry = entryOf(address, size);
-  vm_address_t mapped = 0;
-  ASSERT_EQ(mapEntry(entry, &mapped, size), KERN_SUCCESS);
+  const vm_address_t mapped = placeOf(entry, size);
   ASSERT_NE(mapped, address);
   for (vm_size_t i = 0; i < size; ++i) ASSERT_EQ(bytesAt(mapped)[i], static_cast<std::uint8_t>(i * 31 >> 3));
   bytesAt(mapped)[size - 1] = 99;
   EXPECT_EQ(bytesAt(address)[size - 1], 99);
-
-  vm_address_t copy = 0;
-  ASSERT_EQ(mapEntry(entry, &copy, page, size - page, true), KERN_SUCCESS);
+  const vm_address_t copy = placeOf(entry, page, size - page, true);
   EXPECT_EQ(bytesAt(copy)[page - 1], 99);
   bytesAt(address)[size - 1] = 1;
   EXPECT_EQ(bytesAt(copy)[page - 1], 99) << "a copy keeps the bytes of its moment";
-
-  // Memory outlives the entry, as the entry's memory outlives the mapping.
-  mach_port_deallocate(self, entry);
-  EXPECT_EQ(bytesAt(mapped)[size - 1], 1);
-  for (const vm_address_t place : {address, mapped}) EXPECT_EQ(vm_deallocate(self, place, size), KERN_SUCCESS);
-  vm_deallocate(self, copy, page);
+  release({entry}, {});
+  EXPECT_EQ(bytesAt(mapped)[size - 1], 1) << "memory outlives the entry";
+  release({}, {{address, size}, {mapped, size}, {copy, page}});
 }
 
 TEST(MemoryEntry, OfAPartNamesThatPart) {
@@ -130,21 +111,15 @@ TEST(MemoryEntry, OfAPartNamesThatPart) {
   for (int i = 0; i < 8; ++i) bytesAt(address)[i * page] = static_cast<std::uint8_t>(i + 1);
   const mach_port_t whole = entryOf(address, 8 * page);
   const mach_port_t part = entryOf(address + 3 * page, 2 * page);
-  vm_address_t ofPart = 0;
-  ASSERT_EQ(mapEntry(part, &ofPart, page, page), KERN_SUCCESS);
+  const vm_address_t ofPart = placeOf(part, page, page);
   EXPECT_EQ(bytesAt(ofPart)[0], 5);
-  mach_port_deallocate(self, whole);
+  release({whole}, {});
   bytesAt(address)[4 * page] = 77;
   EXPECT_EQ(bytesAt(ofPart)[0], 77);
-  // What was mapped can be named again.
-  const mach_port_t again = entryOf(ofPart, page);
-  vm_address_t third = 0;
-  ASSERT_EQ(mapEntry(again, &third, page), KERN_SUCCESS);
+  const mach_port_t again = entryOf(ofPart, page);  // what was mapped can be named again
+  const vm_address_t third = placeOf(again, page);
   EXPECT_EQ(bytesAt(third)[0], 77);
-  for (const mach_port_t entry : {part, again}) EXPECT_EQ(mach_port_deallocate(self, entry), KERN_SUCCESS);
-  vm_deallocate(self, address, 8 * page);
-  vm_deallocate(self, ofPart, page);
-  vm_deallocate(self, third, page);
+  release({part, again}, {{address, 8 * page}, {ofPart, page}, {third, page}});
 }
 
 }  // namespace

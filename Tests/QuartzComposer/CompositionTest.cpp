@@ -2,17 +2,20 @@
 #include "Tests/QuartzComposer/TestFolder.h"
 #include "Tests/QuartzComposer/TestPatches.h"
 
-#include <gtest/gtest.h>
-
 #include <set>
 
 namespace {
 
 using P = PropertyList;
-using Names = std::vector<std::string>;
 
 double numberAt(const QCPatch& patch, const char* key) {
   return dynamic_cast<QCNumberPort&>(*patch.portForKey(key)).doubleValue();
+}
+
+std::shared_ptr<QCPatch> instanceOf(const char* name) {
+  const auto manager = managerWithTestPatches();
+  loadFile(*manager, name);
+  return manager->nodeInstanceWithName(name);
 }
 
 }  // namespace
@@ -43,9 +46,7 @@ TEST(Composition, CarriesEveryValueAlongItsConnection) {
 }
 
 TEST(Composition, PublishesPortsInTheirClassWithTheirValueAndAttributes) {
-  const auto manager = managerWithTestPatches();
-  loadFile(*manager, "Published");
-  const auto patch = manager->nodeInstanceWithName("Published");
+  const auto patch = instanceOf("Published");
   ASSERT_TRUE(patch);
   EXPECT_EQ(numberAt(*patch, "a"), 0.5);
   EXPECT_EQ(numberAt(*patch, "b"), 5);
@@ -71,10 +72,8 @@ TEST(Composition, NestsAndPublishesAgain) {
 }
 
 TEST(Composition, NamesTheNodeThatFailed) {
-  const auto manager = managerWithTestPatches();
-  loadFile(*manager, "Throws");
   std::string reason;
-  EXPECT_FALSE(manager->nodeInstanceWithName("Throws")->executeAtTime(0, &reason));
+  EXPECT_FALSE(instanceOf("Throws")->executeAtTime(0, &reason));
   EXPECT_EQ(reason, "node \"t\" (Throw): thrown on purpose");
 }
 
@@ -92,10 +91,9 @@ TEST(Composition, WaitsForItsNodesUntilLoadingHasEnded) {
   const auto manager = newManager();
   load(*manager, composition("Ready", {"Good A"}), "Ready.qtz");
   load(*manager, composition("Waiting", {"Later"}), "Waiting.qtz");
-  testing::internal::CaptureStderr();
+  Capture errors(STDERR_FILENO);
   manager->loadPlugInsInFolder(folder.path(), {"plugin"});
-  const std::string printed = testing::internal::GetCapturedStderr();
-  EXPECT_EQ(printed.find("qtz"), std::string::npos) << "what looks while loading reports no composition";
+  EXPECT_EQ(errors.text().find("qtz"), std::string::npos) << "what looks while loading reports no composition";
   EXPECT_TRUE(manager->registerNodeWithName("Later", {}, [] { return std::make_shared<QCPatch>(); }));
   EXPECT_FALSE(manager->registerNodeWithName("Waiting", {}, [] { return std::make_shared<QCPatch>(); }));
   const Names names = manager->nodeNames();

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Tests/QuartzComposer/TestPatches.h"
 
-#include <gtest/gtest.h>
-
 #include <stdexcept>
 
 TEST(NodeManager, TheFirstOfANamespaceIsTheOneThatIsFound) {
@@ -28,7 +26,7 @@ TEST(NodeManager, RegistersWholeNodesOnly) {
   EXPECT_FALSE(manager->registerNodeWithName("N", {}, factory));
   EXPECT_TRUE(
       manager->registerNodeWithName("A", {}, []() -> std::shared_ptr<QCPatch> { throw std::logic_error("no"); }));
-  EXPECT_EQ(manager->nodeNames(), (std::vector<std::string>{"N", "A"}));
+  EXPECT_EQ(manager->nodeNames(), (Names{"N", "A"}));
   EXPECT_EQ(manager->nodeInstanceWithName("A"), nullptr);
   EXPECT_EQ(manager->nodeInstanceWithName("unknown"), nullptr);
   EXPECT_EQ(manager->nodeAttributesWithName("unknown"), nullptr);

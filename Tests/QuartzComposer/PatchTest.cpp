@@ -6,8 +6,6 @@
 #include "Platform/QuartzComposer/QCCloseNames.h"
 #include "Tests/QuartzComposer/TestPatches.h"
 
-#include <gtest/gtest.h>
-
 #include <stdexcept>
 
 TEST(Patch, FindsPortsByKeyAndRefusesAKeyTwice) {
@@ -26,9 +24,7 @@ TEST(Patch, FindsPortsByKeyAndRefusesAKeyTwice) {
 TEST(Patch, TurnsWhateverItsCodeDoesIntoAReason) {
   struct Failing : QCPatch {
     bool execute(double time, std::string* reason) override {
-      if (time == 0) {
-        throw 5;
-      }
+      if (time == 0) throw 5;
       *reason = time == 1 ? "one" : "";
       return time == 3;
     }
@@ -43,17 +39,17 @@ TEST(Patch, TurnsWhateverItsCodeDoesIntoAReason) {
 }
 
 TEST(Patch, BuiltInPatchesAreFoundByName) {
+  const QCPatch::Factory factory = [] { return std::make_shared<QCPatch>(); };
+  const QCPatch::Factory throwing = []() -> std::shared_ptr<QCPatch> { throw std::logic_error("no"); };
   EXPECT_EQ(QCPatch::patchWithName("Built In"), nullptr);
   EXPECT_EQ(QCPatch::patchAttributesWithName("Built In"), nullptr);
-  EXPECT_FALSE(QCPatch::registerPatch("", {}, [] { return std::make_shared<QCPatch>(); }));
+  EXPECT_FALSE(QCPatch::registerPatch("", {}, factory));
   EXPECT_FALSE(QCPatch::registerPatch("Built In", {}, nullptr));
-  EXPECT_TRUE(
-      QCPatch::registerPatch("Built In", dict({{"name", text("b")}}), [] { return std::make_shared<QCPatch>(); }));
-  EXPECT_FALSE(QCPatch::registerPatch("Built In", {}, [] { return std::make_shared<QCPatch>(); }));
+  EXPECT_TRUE(QCPatch::registerPatch("Built In", dict({{"name", text("b")}}), factory));
+  EXPECT_FALSE(QCPatch::registerPatch("Built In", {}, factory));
   EXPECT_NE(QCPatch::patchWithName("Built In"), nullptr);
   EXPECT_EQ(QCPatch::patchAttributesWithName("Built In")->find("name")->stringValue(), "b");
-  EXPECT_TRUE(
-      QCPatch::registerPatch("Throwing", {}, []() -> std::shared_ptr<QCPatch> { throw std::logic_error("no"); }));
+  EXPECT_TRUE(QCPatch::registerPatch("Throwing", {}, throwing));
   EXPECT_EQ(QCPatch::patchWithName("Throwing"), nullptr);
 }
 
@@ -62,15 +58,13 @@ TEST(Color, TravelsThroughCoders) {
   const auto archive = NSKeyedArchiver::archivedData(color, PropertyListFormat::Binary, nullptr);
   ASSERT_TRUE(archive);
   const auto restored = NSKeyedUnarchiver::unarchiveObject(*archive, nullptr);
-  ASSERT_TRUE(restored);
-  EXPECT_TRUE(restored->isEqual(*color));
+  EXPECT_TRUE(restored && restored->isEqual(*color));
   EXPECT_TRUE(color->copyWithZone()->isEqual(*color));
   EXPECT_FALSE(color->isEqual(QCColor()));
 }
 
 TEST(CloseNames, AreNearestFirstAndFewAndNearEnough) {
   const std::vector<std::string> known{"Gradient Ramp", "Gradient Map", "Levels", "Over", "Oven", "Omen", "Ever"};
-  using Names = std::vector<std::string>;
   EXPECT_EQ(QCCloseNames("gradient map", known), (Names{"Gradient Map", "Gradient Ramp"}));
   EXPECT_EQ(QCCloseNames("Levls", known), Names{"Levels"});
   EXPECT_EQ(QCCloseNames("Over", known), (Names{"Over", "Oven", "Ever"})) << "three at most";

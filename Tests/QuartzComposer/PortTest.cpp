@@ -5,8 +5,6 @@
 #include "Platform/QuartzComposer/QCPatch.h"
 #include "Tests/QuartzComposer/TestPatches.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <limits>
 
@@ -22,10 +20,6 @@ struct StateRow {
   std::optional<PropertyList> expected;
 };
 
-void PrintTo(const StateRow& row, std::ostream* out) {
-  *out << row.name;
-}
-
 template <class Port>
 std::shared_ptr<QCPort> make(PropertyList attributes) {
   return std::make_shared<Port>("key", std::move(attributes));
@@ -33,9 +27,7 @@ std::shared_ptr<QCPort> make(PropertyList attributes) {
 
 P color(std::initializer_list<double> components) {
   P array = P::array();
-  for (const double component : components) {
-    array.append(P::real(component));
-  }
+  for (const double component : components) array.append(P::real(component));
   return array;
 }
 
@@ -69,8 +61,6 @@ const StateRow stateRows[] = {
     {"NoStateForTheBaseClass", make<QCObjectPort>, P::integer(9), {}},
 };
 
-class PortStates : public testing::TestWithParam<StateRow> {};
-
 struct Recorder : NSKeyValueObserver {
   void observeValueForKeyPath(const std::string& keyPath, NSObject* object, const PropertyList&, void*) override {
     auto* port = dynamic_cast<QCNumberPort*>(object);
@@ -81,24 +71,23 @@ struct Recorder : NSKeyValueObserver {
 
 }  // namespace
 
-TEST_P(PortStates, AreTakenOrRefusedWhole) {
-  const StateRow& row = GetParam();
-  const auto port = row.make({});
-  const auto before = port->stateValue();
-  std::string reason;
-  EXPECT_EQ(port->setStateValue(row.given, &reason), row.expected.has_value());
-  EXPECT_EQ(reason.empty(), row.expected.has_value()) << reason;
-  EXPECT_EQ(port->stateValue(), row.expected ? row.expected : before);
-  EXPECT_EQ(port->setStateValue(row.given, nullptr), row.expected.has_value());
+TEST(Port, StatesAreTakenOrRefusedWhole) {
+  for (const StateRow& row : stateRows) {
+    SCOPED_TRACE(row.name);
+    const auto port = row.make({});
+    const auto before = port->stateValue();
+    std::string reason;
+    EXPECT_EQ(port->setStateValue(row.given, &reason), row.expected.has_value());
+    EXPECT_EQ(reason.empty(), row.expected.has_value()) << reason;
+    EXPECT_EQ(port->stateValue(), row.expected ? row.expected : before);
+    EXPECT_EQ(port->setStateValue(row.given, nullptr), row.expected.has_value());
 
-  // The same state as a default; ports of images and objects have none.
-  const bool hasDefault = std::string_view(port->kind()) != "image" && std::string_view(port->kind()) != "object";
-  const auto withDefault = row.make(dict({{"default", row.given}}));
-  EXPECT_EQ(withDefault->stateValue(), row.expected && hasDefault ? row.expected : before);
+    // The same state as a default; ports of images and objects have none.
+    const bool hasDefault = std::string_view(port->kind()) != "image" && std::string_view(port->kind()) != "object";
+    const auto withDefault = row.make(dict({{"default", row.given}}));
+    EXPECT_EQ(withDefault->stateValue(), row.expected && hasDefault ? row.expected : before);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Port, PortStates, testing::ValuesIn(stateRows),
-                         [](const auto& test) { return test.param.name; });
 
 TEST(Port, ReasonTellsWhatAStateRaised) {
   std::string reason;
@@ -112,7 +101,7 @@ TEST(Port, AnnouncesBothKeyPathsAroundEveryChange) {
   port->addObserver(&recorder, "value", 0, nullptr);
   port->addObserver(&recorder, "__rawValue__", 0, nullptr);
   port->setDoubleValue(4);
-  EXPECT_EQ(recorder.seen, (std::vector<std::string>{"value=4", "__rawValue__=4"}));
+  EXPECT_EQ(recorder.seen, (Names{"value=4", "__rawValue__=4"}));
   EXPECT_FALSE(port->setValue(nullptr));
   EXPECT_EQ(recorder.seen.size(), 2u) << "a refused value is not announced";
   port->willChangeValue();

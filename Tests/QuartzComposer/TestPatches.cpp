@@ -4,8 +4,6 @@
 #include "Platform/Foundation/NSClassTable.h"
 #include "Tests/QuartzComposer/TestFolder.h"
 
-#include <gtest/gtest.h>
-
 #include <stdexcept>
 
 namespace {
@@ -52,9 +50,7 @@ class ThrowPatch : public QCPatch {
 }  // namespace
 
 bool TestObject::initWithStateValue(const PropertyList& state) {
-  if (state.isArray()) {
-    throw std::out_of_range("index 5 beyond 3");
-  }
+  if (state.isArray()) throw std::out_of_range("index 5 beyond 3");
   number_ = state.integerValue();
   return state.type() == PropertyList::Type::Integer;
 }

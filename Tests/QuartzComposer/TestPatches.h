@@ -4,10 +4,14 @@
 #include "Platform/QuartzComposer/GFNodeManager.h"
 #include "Tests/Support/Lists.h"
 
+#include <gtest/gtest.h>
+
 #include <memory>
 #include <string>
 #include <utility>
 #include <vector>
+
+using Names = std::vector<std::string>;
 
 // Patches and objects that tests build compositions of.
 
