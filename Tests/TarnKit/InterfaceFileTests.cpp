@@ -69,8 +69,9 @@ TEST_F(InterfaceFile, GivesViewsFramesOutletsAndActions) {
   file.addOutlet("panel", panel);
   file.addOutlet("button", button);
   file.addOutlet("popUp", popUp);
-  file.addAction("press:", [&](QWidget* sender) { senders.push_back(sender->objectName().toStdString()); });
-  file.addAction("choose:", [&](QWidget* sender) { senders.push_back(sender->objectName().toStdString()); });
+  for (const char* name : {"press:", "choose:"}) {
+    file.addAction(name, [&](QWidget* sender) { senders.push_back(sender->objectName().toStdString()); });
+  }
   const std::unique_ptr<QWidget> root = load(file, text);
   ASSERT_TRUE(root) << reason;
   EXPECT_EQ(reports, "");
@@ -89,6 +90,15 @@ TEST_F(InterfaceFile, GivesViewsFramesOutletsAndActions) {
   QTest::mouseClick(button, Qt::LeftButton);
   QTest::keyClick(popUp, Qt::Key_Up);
   EXPECT_EQ(senders, (std::vector<std::string>{"button", "popUp"}));
+
+  TarnInterfaceFile deleting;
+  std::unique_ptr<QWidget> mortal;
+  deleting.addOutlet("button", button);
+  deleting.addAction("press:", [&](QWidget*) { mortal.reset(); });
+  deleting.addAction("choose:", [](QWidget*) {});
+  mortal = load(deleting, text);
+  QTest::mouseClick(button, Qt::LeftButton);
+  EXPECT_FALSE(mortal) << "an action may delete the panel";
 }
 
 TEST_F(InterfaceFile, ReportsByNameWhatDoesNotFitAndKeepsTheRest) {
@@ -96,8 +106,7 @@ TEST_F(InterfaceFile, ReportsByNameWhatDoesNotFitAndKeepsTheRest) {
       form(widget("QLabel", "panel", rect(0, 0, 9, 9)) + widget("NoSuchView", "strange", rect(0, 0, 9, 9)) +
            widget("NSTarnButton", "button", rect(0, 0, 20, 20), action("nobody:")));
   TarnInterfaceFile file;
-  PanelView* panel = nullptr;
-  PanelView* missing = nullptr;
+  PanelView *panel = nullptr, *missing = nullptr;
   NSTarnButton* button = nullptr;
   file.addOutlet("panel", panel);
   file.addOutlet("lost", missing);
@@ -115,10 +124,6 @@ TEST_F(InterfaceFile, ReportsByNameWhatDoesNotFitAndKeepsTheRest) {
 
 TEST_F(InterfaceFile, FailsWithTheReason) {
   const TarnInterfaceFile file;
-  struct Case {
-    const char* text;
-    const char* reason;
-  };
   for (const char* text : {"", "no form", "<ui version=\"4.0\">", "<ui version=\"4.0\"/>", "<html/>"}) {
     reason.clear();
     EXPECT_FALSE(load(file, text)) << text;
@@ -142,18 +147,6 @@ TEST_F(InterfaceFile, IsFoundInABundleByName) {
   EXPECT_FALSE(TarnInterfaceFile().load("org.example.panels", "Other", &reason));
   EXPECT_NE(reason.find("Other"), std::string::npos);
   CFRelease(bundle);
-}
-
-TEST_F(InterfaceFile, AnActionMayDeleteThePanel) {
-  TarnInterfaceFile file;
-  std::unique_ptr<QWidget> root;
-  NSTarnButton* button = nullptr;
-  file.addOutlet("button", button);
-  file.addAction("press:", [&](QWidget*) { root.reset(); });
-  root = load(file, form(widget("NSTarnButton", "button", rect(0, 0, 20, 20), action("press:"))));
-  ASSERT_TRUE(button);
-  QTest::mouseClick(button, Qt::LeftButton);
-  EXPECT_FALSE(root);
 }
 
 }  // namespace

@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "Platform/TarnKit/NSTarnView.h"
 #include "Platform/TarnKit/TarnTheme.h"
 #include "Tests/TarnKit/Pictures.h"
 
 #include <gtest/gtest.h>
-
-#include <functional>
 
 namespace {
 
@@ -30,22 +27,6 @@ class FolderProvider : public TarnThemeProvider {
   const TestFolder& folder_;
 };
 
-class ThemeView : public NSTarnView {
- public:
-  ThemeView(NSSize size, bool flipped, std::function<void()> draw)
-      : NSTarnView(NSRect{{}, size}), flipped_(flipped), draw_(std::move(draw)) {
-    QPalette light;
-    light.setColor(QPalette::Window, Qt::white);
-    setPalette(light);
-  }
-  bool isFlipped() const override { return flipped_; }
-  void drawRect(NSRect) override { draw_(); }
-
- private:
-  bool flipped_;
-  std::function<void()> draw_;
-};
-
 struct Theme : testing::Test {
   TestFolder folder;
   TarnTheme* theme = _RegisterThemeProvider(std::make_unique<FolderProvider>(folder));
@@ -56,7 +37,7 @@ TEST_F(Theme, NinePartsKeepTheirBordersAtEverySize) {
   for (const bool flipped : {false, true}) {
     for (const NSSize size : {NSSize{8, 8}, NSSize{31, 17}, NSSize{200, 9}}) {
       const NSRect rect = NSMakeRect(3, 4, size.width, size.height);
-      ThemeView view({size.width + 6, size.height + 8}, flipped,
+      DrawnView view({size.width + 6, size.height + 8}, flipped,
                      [&] { DrawNinePartElementAtIndex(rect, theme, 1, 0, 1, 0); });
       const QImage image = pictureOf(view);
       const double ratio = view.devicePixelRatioF();
@@ -84,7 +65,7 @@ TEST_F(Theme, AtomsStandUprightWithOpacityAndFollowThePalette) {
   folder.write("light.svg", leftHalfBlack);
   folder.write("dark.svg", well);
   for (const bool flipped : {false, true}) {
-    ThemeView view({20, 10}, flipped, [&] {
+    DrawnView view({20, 10}, flipped, [&] {
       DrawThemeAtomAtIndex(NSMakeRect(0, 0, 8, 4), theme, 2, 0, 1, 0);
       DrawThemeAtomAtIndex(NSMakeRect(10, 0, 8, 4), theme, 2, 0, 0.5, 0);
     });
@@ -96,9 +77,7 @@ TEST_F(Theme, AtomsStandUprightWithOpacityAndFollowThePalette) {
     EXPECT_EQ(pixelAt(image, ratio, 6, top + 3), image.pixel(image.width() - 1, image.height() / 2));
     EXPECT_NEAR(qRed(pixelAt(image, ratio, 11, top)), qRed(image.pixel(image.width() - 1, image.height() / 2)) / 2, 2);
 
-    QPalette dark;
-    dark.setColor(QPalette::Window, Qt::black);
-    view.setPalette(dark);
+    view.setGround(Qt::black);
     EXPECT_EQ(pixelAt(pictureOf(view), ratio, 3, top + 1), qRgb(0, 255, 0));
   }
 }
@@ -108,7 +87,7 @@ TEST_F(Theme, FaultsAreReportedOnceByName) {
   folder.write("file1.svg", "<svg>no end");
   folder.write("file2.svg", "");
   folder.write("file3.svg", leftHalfBlack);
-  ThemeView view({40, 10}, false, [&] {
+  DrawnView view({40, 10}, false, [&] {
     for (int index = 0; index < 4; ++index) {
       DrawThemeAtomAtIndex(NSMakeRect(index * 10, 0, 8, 8), theme, 3, index, 1, 0);
       DrawNinePartElementAtIndex(NSMakeRect(index * 10, 0, 8, 8), theme, 3, index, 1, 0);
