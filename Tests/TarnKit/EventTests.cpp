@@ -54,30 +54,20 @@ TEST(Mouse, SequenceModifiersAndClickCounts) {
   EXPECT_EQ(view.calls[1].point.x - view.calls[0].point.x, 10);
   EXPECT_EQ(view.calls[1].point.y - view.calls[0].point.y, -2);
   EXPECT_EQ(view.calls[5].clicks, 2);
-}
 
-TEST(Mouse, OtherButtonsDoNothingWhileTheLeftIsHeld) {
-  RecordingView view(NSMakeRect(0, 0, 40, 30));
-  view.show();
+  view.calls.clear();
   QTest::mousePress(&view, Qt::LeftButton, {}, QPoint(4, 5));
-  QTest::mousePress(&view, Qt::RightButton, {}, QPoint(4, 5));
-  QTest::mouseRelease(&view, Qt::RightButton, {}, QPoint(4, 5));
+  QTest::mouseClick(&view, Qt::RightButton, {}, QPoint(4, 5));
   QTest::mouseRelease(&view, Qt::LeftButton, {}, QPoint(4, 5));
   QTest::mouseClick(&view, Qt::RightButton, {}, QPoint(4, 5));
-  EXPECT_EQ(view.names(), "down up right");
+  EXPECT_EQ(view.names(), "down up right") << "other buttons do nothing while the left one is held";
 }
 
-class MouseCatcher : public QWidget {
- public:
-  std::vector<std::pair<QEvent::Type, QPoint>> events;
-
- protected:
-  bool event(QEvent* event) override {
-    if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonRelease) {
-      events.emplace_back(event->type(), static_cast<QMouseEvent*>(event)->position().toPoint());
-    }
-    return QWidget::event(event);
-  }
+struct MouseCatcher : QWidget {
+  void mousePressEvent(QMouseEvent* event) override { places.push_back(event->position().toPoint()); }
+  void mouseReleaseEvent(QMouseEvent*) override { ++releases; }
+  std::vector<QPoint> places;  // of presses
+  int releases = 0;
 };
 
 TEST(Mouse, UnwantedEventsGoToTheSuperviewsOnceAndThenToTheWidgetAround) {
@@ -93,14 +83,13 @@ TEST(Mouse, UnwantedEventsGoToTheSuperviewsOnceAndThenToTheWidgetAround) {
   EXPECT_EQ(middle.names(), "down up");
   EXPECT_EQ(outer.names(), "down up");
   EXPECT_EQ(outer.calls[0].point.x, 3);
-  ASSERT_EQ(window.events.size(), 2U);
-  EXPECT_EQ(window.events[0], std::pair(QEvent::MouseButtonPress, QPoint(13, 75)));
-  EXPECT_EQ(window.events[1].first, QEvent::MouseButtonRelease);
+  EXPECT_EQ(window.places, std::vector{QPoint(13, 75)});
+  EXPECT_EQ(window.releases, 1);
 
   middle.passesOn = false;
   QTest::mouseClick(&plain, Qt::LeftButton, {}, plain.toWidget(NSPoint{3, 5}).toPoint());
   EXPECT_EQ(outer.calls.size(), 2U);
-  EXPECT_EQ(window.events.size(), 2U);
+  EXPECT_EQ(window.places.size() + window.releases, 2U);
 
   middle.passesOn = true;
   for (const bool asDown : {true, false}) {
@@ -175,14 +164,12 @@ class MenuView : public NSTarnView {
  public:
   using NSTarnView::NSTarnView;
   QMenu* menuForEvent(const NSEvent&) override {
-    ++asked;
     if (!hasMenu) return nullptr;
     menu = new QMenu(this);
     menu->addAction("One");
     return menu;
   }
   bool hasMenu = true;
-  int asked = 0;
   QPointer<QMenu> menu;
 };
 
@@ -195,16 +182,14 @@ TEST(ContextMenu, OpensByRightPressAndByKeyboardAndCleansUp) {
   view.menu->hide();
   EXPECT_TRUE(QTest::qWaitFor([&] { return view.menu.isNull(); }, 2000));
 
-  QContextMenuEvent key(QContextMenuEvent::Keyboard, QPoint(5, 5), view.mapToGlobal(QPoint(5, 5)));
-  QCoreApplication::sendEvent(&view, &key);
-  ASSERT_TRUE(view.menu);
-  EXPECT_TRUE(key.isAccepted());
-  view.menu->hide();
-
-  view.hasMenu = false;
-  QContextMenuEvent none(QContextMenuEvent::Keyboard, QPoint(5, 5), view.mapToGlobal(QPoint(5, 5)));
-  QCoreApplication::sendEvent(&view, &none);
-  EXPECT_FALSE(none.isAccepted());
+  for (const bool hasMenu : {true, false}) {
+    view.hasMenu = hasMenu;
+    QContextMenuEvent key(QContextMenuEvent::Keyboard, QPoint(5, 5), view.mapToGlobal(QPoint(5, 5)));
+    QCoreApplication::sendEvent(&view, &key);
+    EXPECT_EQ(key.isAccepted(), hasMenu);
+    EXPECT_EQ(view.menu && view.menu->isVisible(), hasMenu);
+    if (view.menu) view.menu->hide();
+  }
 }
 
 TEST(Keyboard, ModifierKeysAreFlagsAndOthersReachTheSuperview) {

@@ -19,15 +19,16 @@ class PanelView : public NSTarnView {
   bool isFlipped() const override { return true; }
 };
 
-std::string widget(const std::string& type, const std::string& name, const std::string& geometry,
-                   const std::string& inside = "") {
-  return "<widget class=\"" + type + "\" name=\"" + name + "\"><property name=\"geometry\"><rect>" + geometry +
-         "</rect></property>" + inside + "</widget>";
-}
-
-std::string rect(int x, int y, int width, int height) {
-  return "<x>" + std::to_string(x) + "</x><y>" + std::to_string(y) + "</y><width>" + std::to_string(width) +
-         "</width><height>" + std::to_string(height) + "</height>";
+std::string widget(const char* type, const char* name, QRect frame, const std::string& inside = "") {
+  return QString(R"(<widget class="%1" name="%2"><property name="geometry"><rect>)"
+                 "<x>%3</x><y>%4</y><width>%5</width><height>%6</height></rect></property>%7</widget>")
+      .arg(QString(type), QString(name))
+      .arg(frame.x())
+      .arg(frame.y())
+      .arg(frame.width())
+      .arg(frame.height())
+      .arg(QString::fromStdString(inside))
+      .toStdString();
 }
 
 std::string action(const std::string& name) {
@@ -36,7 +37,7 @@ std::string action(const std::string& name) {
 
 std::string form(const std::string& inside) {
   return "<?xml version=\"1.0\"?><ui version=\"4.0\"><class>Form</class>" +
-         widget("NSTarnView", "masterView", rect(0, 0, 236, 76), inside) + "<resources/><connections/></ui>";
+         widget("NSTarnView", "masterView", QRect(0, 0, 236, 76), inside) + "<resources/><connections/></ui>";
 }
 
 struct InterfaceFile : testing::Test {
@@ -55,10 +56,10 @@ struct InterfaceFile : testing::Test {
 };
 
 TEST_F(InterfaceFile, GivesViewsFramesOutletsAndActions) {
-  const std::string text = form(widget("PanelView", "panel", rect(10, 6, 100, 30)) +
-                                widget("NSTarnButton", "button", rect(216, 0, 20, 20), action("press:")) +
-                                widget("NSPopUpButton", "popUp", rect(0, 50, 80, 20), action("choose:")) +
-                                widget("QLabel", "label", rect(0, 0, 9, 9)));
+  const std::string text = form(widget("PanelView", "panel", QRect(10, 6, 100, 30)) +
+                                widget("NSTarnButton", "button", QRect(216, 0, 20, 20), action("press:")) +
+                                widget("NSPopUpButton", "popUp", QRect(0, 50, 80, 20), action("choose:")) +
+                                widget("QLabel", "label", QRect(0, 0, 9, 9)));
   TarnInterfaceFile file;
   NSTarnView* master = nullptr;
   PanelView* panel = nullptr;
@@ -103,8 +104,8 @@ TEST_F(InterfaceFile, GivesViewsFramesOutletsAndActions) {
 
 TEST_F(InterfaceFile, ReportsByNameWhatDoesNotFitAndKeepsTheRest) {
   const std::string text =
-      form(widget("QLabel", "panel", rect(0, 0, 9, 9)) + widget("NoSuchView", "strange", rect(0, 0, 9, 9)) +
-           widget("NSTarnButton", "button", rect(0, 0, 20, 20), action("nobody:")));
+      form(widget("QLabel", "panel", QRect(0, 0, 9, 9)) + widget("NoSuchView", "strange", QRect(0, 0, 9, 9)) +
+           widget("NSTarnButton", "button", QRect(0, 0, 20, 20), action("nobody:")));
   TarnInterfaceFile file;
   PanelView *panel = nullptr, *missing = nullptr;
   NSTarnButton* button = nullptr;
