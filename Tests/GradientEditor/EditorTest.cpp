@@ -89,9 +89,7 @@ namespace {
 // Opens a picker on the second sample and takes the color at a place of its swatch.
 NSColor pick(GradientScene& panel, QPoint place) {
   panel.press({panel.xOf(0.25), 5}, {}, Qt::RightButton);
-  QWidget* swatch = VRTTransientColorPicker::panel();
-  QMouseEvent move(QEvent::MouseMove, place, swatch->mapToGlobal(place), Qt::NoButton, Qt::NoButton, {});
-  QApplication::sendEvent(swatch, &move);
+  GradientScene::hoverPicker(place);
   return VRTTransientColorPicker::current()->color().value();
 }
 
@@ -147,25 +145,22 @@ TEST(Editor, DropsOfColorsReachSamplesOnly) {
   panel.clickSample(1);
   panel.takeLog();
   auto* third = dynamic_cast<VRTChannelGradientSampleRGB*>(panel.sample(2));
-  const auto drop = [&](NSPoint point, const QMimeData& data) {
-    const QPointF place = panel.gutter->toWidget(NSPoint{point.x, point.y + 0.5});
-    QDragEnterEvent enter(place.toPoint(), Qt::CopyAction, &data, Qt::LeftButton, {});
+  QMimeData color;
+  color.setColorData(QColor::fromRgbF(0.2f, 0.4f, 0.6f, 0.1f));
+  const auto drop = [&](double x) {
+    const QPointF place = panel.gutter->toWidget(NSPoint{x, 5.5});
+    QDragEnterEvent enter(place.toPoint(), Qt::CopyAction, &color, Qt::LeftButton, {});
     QApplication::sendEvent(panel.gutter, &enter);
-    QDropEvent event(place, Qt::CopyAction, &data, Qt::LeftButton, {});
+    QDropEvent event(place, Qt::CopyAction, &color, Qt::LeftButton, {});
     QApplication::sendEvent(panel.gutter, &event);
     return enter.isAccepted() && event.isAccepted();
   };
-  QMimeData color;
-  color.setColorData(QColor::fromRgbF(0.2f, 0.4f, 0.6f, 0.1f));
-  EXPECT_FALSE(drop({panel.xOf(0.8), 5}, color)) << "no marker there";
-  EXPECT_FALSE(drop({panel.xOf(0.425), 5}, color)) << "a middle point beside the selection";
-  QMimeData text;
-  text.setText("blue");
-  EXPECT_FALSE(drop({panel.xOf(0.6), 5}, text));
+  EXPECT_FALSE(drop(panel.xOf(0.8))) << "no marker there";
+  EXPECT_FALSE(drop(panel.xOf(0.425))) << "a middle point beside the selection";
   EXPECT_EQ(third->red, 0.5);
 
   const QImage before = panel.part("gradientView")->grab().toImage();
-  EXPECT_TRUE(drop({panel.xOf(0.6), 5}, color));
+  EXPECT_TRUE(drop(panel.xOf(0.6)));
   EXPECT_NEAR(third->red, 0.2, 1e-4);
   EXPECT_NEAR(third->green, 0.4, 1e-4);
   EXPECT_NEAR(third->blue, 0.6, 1e-4);
@@ -176,28 +171,6 @@ TEST(Editor, DropsOfColorsReachSamplesOnly) {
   QDragEnterEvent enter(QPoint(60, 5), Qt::CopyAction, &color, Qt::LeftButton, {});
   QApplication::sendEvent(opacities.gutter, &enter);
   EXPECT_FALSE(enter.isAccepted()) << "opacities take no colors";
-}
-
-TEST(Editor, ManyChangesMakeOnePaint) {
-  struct Counter : QObject {
-    bool eventFilter(QObject*, QEvent* event) override {
-      paints += event->type() == QEvent::Paint;
-      return false;
-    }
-    int paints = 0;
-  } counter;
-  GradientScene panel;
-  panel.window->grab();
-  QCoreApplication::processEvents();
-  for (const char* name : {"gradientView", "gradientGutterRGB", "gradientGutterAlpha"}) {
-    panel.part(name)->installEventFilter(&counter);
-  }
-  for (int i = 0; i < 5; ++i) {
-    const VRTPortChange change(panel.port);
-    panel.sample(1)->position += 0.01;
-  }
-  QTest::qWait(50);
-  EXPECT_EQ(counter.paints, 3);
 }
 
 TEST(Editor, TabGoesThroughThePanelFromTheTop) {

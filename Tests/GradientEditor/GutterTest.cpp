@@ -440,13 +440,7 @@ TEST_P(GradientGutter, TheDelegateMayDestroyTheEditor) {
 }
 
 TEST_P(GradientGutter, PickersSurviveTheirEditorAndTheirSample) {
-  const auto hover = [] {
-    QWidget* swatch = VRTTransientColorPicker::panel();
-    if (!swatch) return;
-    QMouseEvent move(QEvent::MouseMove, QPointF(30, 30), swatch->mapToGlobal(QPointF(30, 30)), Qt::NoButton,
-                     Qt::NoButton, {});
-    QApplication::sendEvent(swatch, &move);
-  };
+  const auto hover = [] { GradientScene::hoverPicker({30, 30}); };
   scene.click(band(0.25), {}, Qt::RightButton);
   ASSERT_NE(VRTTransientColorPicker::current(), nullptr);
   hover();

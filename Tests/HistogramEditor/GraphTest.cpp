@@ -3,7 +3,6 @@
 #include "HistogramEditor/VRTHistogramEditorLayout.h"
 #include "HistogramEditor/VRTHistogramGraph.h"
 #include "HistogramEditor/VRTHistogramGutterGeometry.h"
-#include "Tests/TarnKit/RecordingView.h"
 
 #include <gtest/gtest.h>
 
@@ -74,14 +73,6 @@ TEST(HistogramGraph, ChannelsAndStrangeChannels) {
       {-1, &histogram.rgb}, {0, &histogram.rgb},   {1, &histogram.red}, {2, &histogram.green},
       {3, &histogram.blue}, {4, &histogram.alpha}, {7, &histogram.rgb}};
   for (const auto& [channel, counts] : expected) EXPECT_EQ(&VRTHistogramCountsOfChannel(histogram, channel), counts);
-}
-
-TEST(HistogramGutterGeometry, HandlesAndTheirTrack) {
-  const VRTHistogramGutterGeometry geometry(NSMakeRect(0, 0, 218, 10));
-  EXPECT_EQ(geometry.centreOfHandle(0), 5);
-  EXPECT_EQ(geometry.centreOfHandle(1), 213);
-  EXPECT_EQ(geometry.handle(0.5), NSMakeRect(104, 0, 11, 9));
-  EXPECT_EQ(geometry.valuesOfDistance(104), 0.5);
 }
 
 TEST(HistogramGutterGeometry, GammaIsAPlaceBetweenBlackAndWhite) {

@@ -96,19 +96,18 @@ TEST(Frames, AnnounceNewBoundsOncePerChange) {
 
 TEST(Frames, KeepTheirNumbersWhenAViewIsTakenOutAndPutBack) {
   RecordingView root(NSMakeRect(0, 0, 200, 100));
-  auto child = std::make_unique<RecordingView>(NSMakeRect(10, 20, 50, 30));
-  root.addSubview(*child);
+  RecordingView child(NSMakeRect(10, 20, 50, 30));
   root.show();
-  EXPECT_EQ(child->superview(), &root);
-  EXPECT_EQ(child->geometry(), QRect(10, 50, 50, 30));
-  EXPECT_TRUE(child->isVisible());
-  child->removeFromSuperview();
-  EXPECT_EQ(child->superview(), nullptr);
-  EXPECT_FALSE(child->isVisible());
-  root.setFrameSize({200, 60});
-  root.addSubview(*child);
-  EXPECT_EQ(child->geometry(), QRect(10, 10, 50, 30));
-  EXPECT_TRUE(child->isVisible());
+  for (const int height : {100, 60}) {
+    root.setFrameSize({200, double(height)});
+    root.addSubview(child);
+    EXPECT_EQ(child.superview(), &root);
+    EXPECT_EQ(child.geometry(), QRect(10, height - 50, 50, 30));
+    EXPECT_TRUE(child.isVisible());
+    child.removeFromSuperview();
+    EXPECT_EQ(child.superview(), nullptr);
+    EXPECT_FALSE(child.isVisible());
+  }
 }
 
 TEST(Frames, InsideOrdinaryWidgetsFollowTheirLayouts) {

@@ -20,15 +20,10 @@ class PanelView : public NSTarnView {
 };
 
 std::string widget(const char* type, const char* name, QRect frame, const std::string& inside = "") {
-  return QString(R"(<widget class="%1" name="%2"><property name="geometry"><rect>)"
-                 "<x>%3</x><y>%4</y><width>%5</width><height>%6</height></rect></property>%7</widget>")
-      .arg(QString(type), QString(name))
-      .arg(frame.x())
-      .arg(frame.y())
-      .arg(frame.width())
-      .arg(frame.height())
-      .arg(QString::fromStdString(inside))
-      .toStdString();
+  const QString start(R"(<widget class="%1" name="%2"><property name="geometry"><rect>)");
+  const QString rest("<x>%1</x><y>%2</y><width>%3</width><height>%4</height></rect></property>");
+  return start.arg(QString(type), QString(name)).toStdString() +
+         rest.arg(frame.x()).arg(frame.y()).arg(frame.width()).arg(frame.height()).toStdString() + inside + "</widget>";
 }
 
 std::string action(const std::string& name) {
