@@ -401,7 +401,7 @@ TEST_P(GradientGutter, ADraggedSampleDiesWithTheEditorOrTheValue) {
   EXPECT_EQ(first->getChannel(), nullptr);
   EXPECT_EQ(gutter->parentWidget(), nullptr) << "taken out of the panel";
   gutter->mouseUp(NSEvent());
-  EXPECT_EQ(scene.EditorScene::count("end"), 1u) << scene.log;
+  EXPECT_EQ(scene.EditorScene::count("end"), 1) << scene.log;
   scene.port->setValue(scene.value);
   EXPECT_EQ(scene.positions(), (Positions{0, 0.6, 1}));
 

@@ -97,12 +97,8 @@ TEST_F(Theme, FaultsAreReportedOnceByName) {
   view.grab();
   const QImage image = view.grab().toImage();
   const std::string report = testing::internal::GetCapturedStderr();
-  const auto count = [&](const std::string& text) {
-    int found = 0;
-    for (auto at = report.find(text); at != std::string::npos; at = report.find(text, at + 1)) ++found;
-    return found;
-  };
-  for (int index = 0; index < 3; ++index) EXPECT_EQ(count("file" + std::to_string(index) + ".svg"), 1) << report;
+  const auto count = [&](const QString& text) { return QString::fromStdString(report).count(text); };
+  for (const char* file : {"file0.svg", "file1.svg", "file2.svg"}) EXPECT_EQ(count(file), 1) << report;
   EXPECT_EQ(count("atom 0xABCD1200, index 7"), 1) << report;
   EXPECT_EQ(count("file3.svg"), 0) << report;
   EXPECT_EQ(pixelAt(image, view.devicePixelRatioF(), 31, 5), qRgb(0, 0, 0));
