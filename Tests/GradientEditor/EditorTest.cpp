@@ -110,6 +110,7 @@ TEST(Editor, PickedColorsAreStoredInSinglePrecisionAndPutBackOnCancel) {
     for (std::size_t i = 0; i < before.size(); ++i) EXPECT_EQ(values()[i], static_cast<float>(components[i]));
     EXPECT_NE(values(), before);
     VRTTransientColorPicker::current()->cancel();
+    panel.release({}, Qt::RightButton);
     EXPECT_EQ(values(), before);
   }
 }
