@@ -8,23 +8,24 @@
 
 namespace {
 
-struct GutterKind {
-  const char* name;
-  std::function<std::unique_ptr<EditorScene>()> make;
+using MakeScene = std::unique_ptr<EditorScene> (*)();
+
+class Gestures : public testing::TestWithParam<std::pair<const char*, MakeScene>> {
+ protected:
+  static std::unique_ptr<EditorScene> make() { return GetParam().second(); }
 };
 
-class Gestures : public testing::TestWithParam<GutterKind> {
- protected:
-  std::unique_ptr<EditorScene> make() const { return GetParam().make(); }
-};
+template <class Scene, bool kSecond>
+std::unique_ptr<EditorScene> makeScene() {
+  return std::make_unique<Scene>(kSecond);
+}
 
 INSTANTIATE_TEST_SUITE_P(, Gestures,
-                         testing::Values(GutterKind{"Color", [] { return std::make_unique<GradientScene>(false); }},
-                                         GutterKind{"Opacity", [] { return std::make_unique<GradientScene>(true); }},
-                                         GutterKind{"InputLevels", [] { return std::make_unique<LevelsScene>(false); }},
-                                         GutterKind{"OutputLevels",
-                                                    [] { return std::make_unique<LevelsScene>(true); }}),
-                         [](const auto& each) { return each.param.name; });
+                         testing::Values(std::pair{"Color", &makeScene<GradientScene, false>},
+                                         std::pair{"Opacity", &makeScene<GradientScene, true>},
+                                         std::pair{"InputLevels", &makeScene<LevelsScene, false>},
+                                         std::pair{"OutputLevels", &makeScene<LevelsScene, true>}),
+                         [](const auto& each) { return each.param.first; });
 
 struct Gesture {
   const char* name;
@@ -75,26 +76,22 @@ struct Ending {
 };
 
 const Ending kEndings[] = {
-    {"let go", [](EditorScene& scene, EditorScene&, const Gesture& gesture) { gesture.letGo(scene); }},
-    {"hidden", [](EditorScene& scene, EditorScene&, const Gesture&) { scene.gutter->hide(); }},
-    {"window hidden", [](EditorScene& scene, EditorScene&, const Gesture&) { scene.window->hide(); }},
+    {"let go", [](auto& scene, auto&, auto& gesture) { gesture.letGo(scene); }},
+    {"hidden", [](auto& scene, auto&, auto&) { scene.gutter->hide(); }},
+    {"window hidden", [](auto& scene, auto&, auto&) { scene.window->hide(); }},
     {"keyboard gone",
-     [](EditorScene& scene, EditorScene&, const Gesture& gesture) {
-       gesture.byMouse ? gesture.letGo(scene) : scene.gutter->clearFocus();
-     }},
-    {"detached", [](EditorScene& scene, EditorScene&, const Gesture&) { scene.attach(nullptr); }},
-    {"another port", [](EditorScene& scene, EditorScene& other, const Gesture&) { scene.attach(&other); }},
+     [](auto& scene, auto&, auto& gesture) { gesture.byMouse ? gesture.letGo(scene) : scene.gutter->clearFocus(); }},
+    {"detached", [](auto& scene, auto&, auto&) { scene.attach(nullptr); }},
+    {"another port", [](auto& scene, auto& other, auto&) { scene.attach(&other); }},
     {"destroyed while it is detached",
-     [](EditorScene& scene, EditorScene&, const Gesture&) {
+     [](auto& scene, auto&, auto&) {
        scene.onNote = [&](const std::string&) { delete scene.editor; };
        scene.attach(nullptr);
      }},
-    {"editor destroyed", [](EditorScene& scene, EditorScene&, const Gesture&) { delete scene.editor; },
-     Then::Unsettled},
-    {"gutter destroyed", [](EditorScene& scene, EditorScene&, const Gesture&) { delete scene.gutter; },
-     Then::Unsettled},
+    {"editor destroyed", [](auto& scene, auto&, auto&) { delete scene.editor; }, Then::Unsettled},
+    {"gutter destroyed", [](auto& scene, auto&, auto&) { delete scene.gutter; }, Then::Unsettled},
     {"port gone",
-     [](EditorScene& scene, EditorScene&, const Gesture&) {
+     [](auto& scene, auto&, auto&) {
        scene.letGoOfPort();
        scene.attach(nullptr);
      },
@@ -137,21 +134,6 @@ TEST_P(Gestures, HaveOneEndHoweverTheyEnd) {
   }
 }
 
-TEST_P(Gestures, MoveWhatTheyHold) {
-  const auto scene = make();
-  const double before = scene->position();
-  const NSPoint handle = scene->handle();
-  kGestures[0].begin(*scene);
-  EXPECT_GT(scene->position(), before + 0.09);
-  EXPECT_LT(scene->position(), before + 0.14);
-  scene->move(beside(handle, -500));
-  EXPECT_EQ(scene->position(), 0);
-  scene->release();
-  const double moved = scene->position();
-  scene->move(beside(handle, 60));
-  EXPECT_EQ(scene->position(), moved) << "nothing is held";
-}
-
 // Another press ends a gesture; while the button is down keys wait, and so does assistive technology, which is a
 // gesture by itself.
 TEST_P(Gestures, AreOneAtATime) {
@@ -187,18 +169,12 @@ struct Deed {
 };
 
 const Deed kDeeds[] = {
-    {"destroys the editor", [](EditorScene& scene) { delete scene.editor; }},
-    {"destroys the gutter", [](EditorScene& scene) { delete scene.gutter; }},
-    {"detaches the editor",
-     [](EditorScene& scene) {
-       if (scene.editor) scene.attach(nullptr);
-     }},
-    {"hides the gutter",
-     [](EditorScene& scene) {
-       if (scene.gutter) scene.gutter->hide();
-     }},
-    {"replaces the value", [](EditorScene& scene) { scene.port().setValue(scene.newValue()); }},
-    {"takes the value away", [](EditorScene& scene) { scene.port().setValue(nullptr); }},
+    {"destroys the editor", [](auto& scene) { delete scene.editor; }},
+    {"destroys the gutter", [](auto& scene) { delete scene.gutter; }},
+    {"detaches the editor", [](auto& scene) { scene.editor ? scene.attach(nullptr) : void(); }},
+    {"hides the gutter", [](auto& scene) { scene.gutter ? scene.gutter->hide() : void(); }},
+    {"replaces the value", [](auto& scene) { scene.port().setValue(scene.newValue()); }},
+    {"takes the value away", [](auto& scene) { scene.port().setValue(nullptr); }},
 };
 
 }  // namespace

@@ -15,26 +15,25 @@ namespace {
 
 using View = std::unique_ptr<NSTarnView>;
 
-template <class Port>
-std::shared_ptr<Port> portWithValue(QCPatch& patch, const char* key, NSObjectRef value) {
-  auto port = patch.addInputPort<Port>(key);
-  EXPECT_TRUE(port->setValue(value));
+template <class Port, class Value>
+std::shared_ptr<Port> portOf(QCPatch& patch) {
+  auto port = patch.addInputPort<Port>("parameter");
+  EXPECT_TRUE(port->setValue(std::make_shared<Value>()));
   return port;
 }
 
 TEST(ParameterViews, ComeWithTheStart) {
   QCPatch patch;
-  const auto port = portWithValue<VRTHistogramPort>(patch, "levels", std::make_shared<VRTHistogram>());
+  const auto port = portOf<VRTHistogramPort, VRTHistogram>(patch);
   VRTRegisterParameterViewFactory("VRTHistogramPort", nullptr);
   EXPECT_EQ(View(port->setupParameterView()), nullptr);
   VRTStartEditors();
   VRTStartEditors();
   EXPECT_NE(View(port->setupParameterView()), nullptr);
-}
 
-template <class Port, class Value>
-std::shared_ptr<QCPort> portOf(QCPatch& patch) {
-  return portWithValue<Port>(patch, "parameter", std::make_shared<Value>());
+  VRTOpaqueDataPort alone("data");  // whose views come from its node
+  EXPECT_EQ(alone.setupParameterView(), nullptr);
+  alone.resetParameterView(nullptr);
 }
 
 TEST(ParameterViews, TwoCallsGiveTwoEditors) {
@@ -74,30 +73,6 @@ TEST(ParameterViews, TwoCallsGiveTwoEditors) {
     EXPECT_NE(first->grab().toImage(), before) << "both are bound to the port";
     EXPECT_NE(second->grab().toImage(), before);
   }
-}
-
-class ViewingPatch : public QCPatch, public VRTOpaqueDataViewing {
- public:
-  NSTarnView* viewForOpaqueDataPort(VRTOpaqueDataPort* port) override {
-    askedBy = port;
-    return new NSTarnView(NSMakeRect(0, 0, 10, 10));
-  }
-  VRTOpaqueDataPort* askedBy = nullptr;
-};
-
-TEST(ParameterViews, OfOpaqueDataComeFromTheNode) {
-  VRTStartEditors();
-  QCPatch silent;
-  const auto unanswered = silent.addInputPort<VRTOpaqueDataPort>("data");
-  EXPECT_EQ(unanswered->setupParameterView(), nullptr);
-  VRTOpaqueDataPort alone("data");
-  EXPECT_EQ(alone.setupParameterView(), nullptr);
-  alone.resetParameterView(nullptr);
-
-  ViewingPatch viewing;
-  const auto port = viewing.addInputPort<TarnOpaqueDataPort>("data");
-  EXPECT_NE(View(port->setupParameterView()), nullptr);
-  EXPECT_EQ(viewing.askedBy, port.get());
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include "GradientEditor/VRTGradientEditorLayout.h"
 #include "GradientEditor/VRTGradientGutterMap.h"
 #include "GradientEditor/VRTGradientKeyboard.h"
+#include "Tests/TarnKit/RecordingView.h"
 
 #include <gtest/gtest.h>
 
@@ -14,13 +15,6 @@ namespace {
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-void expectRect(NSRect rect, double x, double y, double width, double height) {
-  EXPECT_EQ(rect.origin.x, x);
-  EXPECT_EQ(rect.origin.y, y);
-  EXPECT_EQ(rect.size.width, width);
-  EXPECT_EQ(rect.size.height, height);
-}
-
 VRTGradientGutterGeometry gutter(double width) {
   return VRTGradientGutterGeometry(NSMakeRect(0, 0, width, 26));
 }
@@ -29,15 +23,13 @@ VRTGradientGutterGeometry gutter(double width) {
 
 TEST(GutterGeometry, PlacesTrackMarkersAndStrip) {
   const auto g = gutter(213);
-  EXPECT_EQ(g.xOfPosition(0), 5);
-  EXPECT_EQ(g.xOfPosition(1), 208);
-  EXPECT_EQ(g.xOfPosition(0.5), 106.5);
-  expectRect(g.sampleMarker(0), 0, 0, 11, 14);
-  expectRect(g.sampleMarker(1), 203, 0, 11, 14);
-  expectRect(g.swatch(1), 205, 2, 7, 7);
-  expectRect(g.strip(), 3, 13, 207, 13);
+  for (const double position : {0.0, 0.5, 1.0}) EXPECT_EQ(g.xOfPosition(position), 5 + 203 * position);
+  EXPECT_EQ(g.sampleMarker(0), NSMakeRect(0, 0, 11, 14));
+  EXPECT_EQ(g.sampleMarker(1), NSMakeRect(203, 0, 11, 14));
+  EXPECT_EQ(g.swatch(1), NSMakeRect(205, 2, 7, 7));
+  EXPECT_EQ(g.strip(), NSMakeRect(3, 13, 207, 13));
   // 0.1 and 0.7 have no exact form: the middle is the rounded one of single precision.
-  expectRect(g.middleMarker(0.1, 0.9, 0.75), 203 * static_cast<double>(0.7f) + 5 - 5, 0, 11, 14);
+  EXPECT_EQ(g.middleMarker(0.1, 0.9, 0.75), NSMakeRect(203 * static_cast<double>(0.7f) + 5 - 5, 0, 11, 14));
 }
 
 TEST(GutterGeometry, FunctionsAreInverse) {
@@ -92,13 +84,10 @@ class GutterHits : public testing::Test {
 };
 
 TEST_F(GutterHits, MarkersAreHalfOpen) {
-  EXPECT_EQ(hit(100, 0, {}), "b");
-  EXPECT_EQ(hit(110.5, 13.5, {}), "b");
-  EXPECT_EQ(hit(99.5, 5, {}), "");
-  EXPECT_EQ(hit(111, 5, {}), "");
-  EXPECT_EQ(hit(105, 14, {}), "");
-  EXPECT_EQ(hit(105, -0.5, {}), "");
-  EXPECT_EQ(hit(kNaN, 5, {}), "");
+  for (const auto& [x, y] : {std::pair{100.0, 0.0}, {110.5, 13.5}}) EXPECT_EQ(hit(x, y, {}), "b") << x;
+  for (const auto& [x, y] : {std::pair{99.5, 5.0}, {111, 5}, {105, 14}, {105, -0.5}, {kNaN, 5}}) {
+    EXPECT_EQ(hit(x, y, {}), "") << x << ", " << y;
+  }
 }
 
 TEST_F(GutterHits, MiddlePointsAreHitBesideTheSelection) {
@@ -155,10 +144,10 @@ TEST(EditorLayout, AlignsItsRows) {
   for (const double width : {120.0, 236.0, 900.0}) {
     const VRTGradientEditorLayout with(width, true);
     EXPECT_EQ(with.panel.height, 75);
-    expectRect(with.gutterRGB, 0, 0, width - 23, 26);
-    expectRect(with.gutterAlpha, 0, 50, width - 23, 26);
+    EXPECT_EQ(with.gutterRGB, NSMakeRect(0, 0, width - 23, 26));
+    EXPECT_EQ(with.gutterAlpha, NSMakeRect(0, 50, width - 23, 26));
     const VRTGradientGutterGeometry g(NSMakeRect(0, 0, with.gutterRGB.size.width, 26));
-    expectRect(with.preview, g.strip().origin.x, 26, g.strip().size.width, 24);
+    EXPECT_EQ(with.preview, NSMakeRect(g.strip().origin.x, 26, g.strip().size.width, 24));
     for (const NSRect button : {with.rgbSpread, with.rgbFlop, with.alphaSpread, with.alphaFlop}) {
       EXPECT_EQ(button.origin.x + button.size.width, width);
       EXPECT_GE(button.origin.x, with.gutterRGB.size.width);
@@ -168,6 +157,6 @@ TEST(EditorLayout, AlignsItsRows) {
     EXPECT_FALSE(NSIntersectsRect(with.alphaSpread, with.alphaFlop));
     const VRTGradientEditorLayout without(width, false);
     EXPECT_EQ(without.panel.height, 25);
-    expectRect(without.preview, 3, 0, width - 29, 25);
+    EXPECT_EQ(without.preview, NSMakeRect(3, 0, width - 29, 25));
   }
 }

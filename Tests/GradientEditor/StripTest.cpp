@@ -5,11 +5,10 @@
 #include "Platform/TarnKit/NSBitmapImageRep.h"
 #include "Ports/VRTObjects.h"
 #include "TarnCore/TCColor.h"
+#include "Tests/TarnKit/Pictures.h"
 
 #include <gtest/gtest.h>
 
-#include <QImage>
-#include <QPixmap>
 #include <array>
 #include <cmath>
 #include <set>
@@ -112,47 +111,37 @@ TEST(Strip, IsRefilledOnlyWhenSomethingChanged) {
   const auto port = portWithGradient();
   VRTGradientView view(NSMakeRect(0, 0, 104, 24));
   view.setGradientPort(port.get());
-  view.updateImage({100, 20});
-  const NSBitmapImageRep* bitmap = view.gradientBitmap();
-  const Pixel first = pixelOf(*bitmap, 0, 0);
+  const auto drawn = [&](std::uint32_t x = 0, std::uint32_t y = 0) {
+    view.updateImage({100, 20});
+    return pixelOf(*view.gradientBitmap(), x, y);
+  };
+  const Pixel first = drawn();
   EXPECT_EQ(first, (Pixel{255, 255, 255, 255}));
-
-  auto* sample = static_cast<VRTChannelGradientSampleRGB*>(channelOf(*port).rgbFolder.getDescendants().front());
-  sample->red = 0;
-  view.updateImage({100, 20});
+  const NSBitmapImageRep* bitmap = view.gradientBitmap();
+  static_cast<VRTChannelGradientSampleRGB*>(channelOf(*port).rgbFolder.getDescendants().front())->red = 0;
+  drawn();
   view.setRenderMode(1);
-  view.updateImage({100, 20});
-  EXPECT_EQ(pixelOf(*bitmap, 0, 0), first) << "nobody said that anything changed";
+  EXPECT_EQ(drawn(), first) << "nobody said that anything changed";
   view.update();
-  view.updateImage({100, 20});
+  EXPECT_EQ(drawn(), (Pixel{0, 255, 255, 255}));
   EXPECT_EQ(view.gradientBitmap(), bitmap);
-  EXPECT_EQ(pixelOf(*bitmap, 0, 0), (Pixel{0, 255, 255, 255}));
 
   port->setValue(nullptr);
-  view.updateImage({100, 20});
-  EXPECT_EQ(pixelOf(*bitmap, 0, 0), (Pixel{0, 255, 255, 255}));
+  EXPECT_EQ(drawn(), (Pixel{0, 255, 255, 255}));
   view.update();
-  view.updateImage({100, 20});
-  EXPECT_EQ(pixelOf(*bitmap, 0, 0), (Pixel{0, 0, 0, 0}));
+  EXPECT_EQ(drawn(), (Pixel{0, 0, 0, 0}));
   port->setValue(VRTGradient::gradient());
-  view.updateImage({100, 20});
-  EXPECT_EQ(pixelOf(*bitmap, 99, 19), (Pixel{0, 0, 0, 255})) << "without a gradient it stayed out of date";
+  EXPECT_EQ(drawn(99, 19), (Pixel{0, 0, 0, 255})) << "without a gradient it stayed out of date";
 }
 
 namespace {
 
-// What a widget shows at the middle of a point, at any device pixel ratio.
-QColor shown(const QImage& image, double x, double y) {
-  const double ratio = image.devicePixelRatio();
-  return image.pixelColor(static_cast<int>((x + 0.5) * ratio), static_cast<int>((y + 0.5) * ratio));
+QRgb shown(const QImage& image, int x, int y) {
+  return pixelAt(image, image.devicePixelRatio(), x, y);
 }
 
-Pixel rgb(const QColor& color) {
-  return {color.red(), color.green(), color.blue(), 255};
-}
-
-QImage pictureOf(QWidget& widget) {
-  return widget.grab().toImage();
+Pixel rgb(QRgb color) {
+  return {qRed(color), qGreen(color), qBlue(color), 255};
 }
 
 }  // namespace
@@ -189,7 +178,7 @@ TEST(Strip, ShowsTheCheckerboardThroughTransparency) {
   view.setGradientPort(port.get());
   const QImage image = pictureOf(view);
   std::set<QRgb> colors;
-  for (int y = 2; y < 22; ++y) colors.insert(shown(image, 2, y).rgb());
+  for (int y = 2; y < 22; ++y) colors.insert(shown(image, 2, y));
   ASSERT_EQ(colors.size(), 2u) << "two squares of the board, and no gradient over them";
   for (const QRgb color : colors) EXPECT_EQ(qRed(color), qBlue(color));
 

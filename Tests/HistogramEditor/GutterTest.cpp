@@ -10,11 +10,12 @@
 namespace {
 
 constexpr int kRed = LevelsScene::kRed;
-constexpr auto on = LevelsScene::on;
+constexpr NSPoint on(double value) {
+  return LevelsScene::on(value);
+}
 
 struct InputGutter : testing::Test {
   VRTHistogram& levels() const { return scene.histogram(); }
-  void dragFromTo(double from, double to) { scene.drag(on(from, 0), on(to, 0)); }
   void expectInput(double black, double white, double gamma) const {
     EXPECT_DOUBLE_EQ(levels().blackInForChannel(kRed), black);
     EXPECT_DOUBLE_EQ(levels().whiteInForChannel(kRed), white);
@@ -30,33 +31,55 @@ struct InputGutter : testing::Test {
 };
 
 TEST_F(InputGutter, DragsEveryHandleOfItsChannel) {
-  dragFromTo(0, 0.25);
-  dragFromTo(1, 0.75);
-  dragFromTo(0.5, 0.375);
-  expectInput(0.25, 0.75, 2);
+  struct Input {
+    double black, white, gamma;
+  };
+  constexpr double beside = 4 / 208.0;
+  const struct {
+    Input before;
+    double from, to;
+    Input after;
+  } drags[] = {
+      {{0, 1, 1}, 0, 0.25, {0.25, 1, 1}},
+      {{0.25, 1, 1}, 1, 0.75, {0.25, 0.75, 1}},
+      {{0.25, 0.75, 1}, 0.5, 0.375, {0.25, 0.75, 2}},
+      // Black and white may cross; gamma is three quarters of the way from black to white.
+      {{0, 1, 1}, 0, 0.8125, {0.8125, 1, 1}},
+      {{0.8125, 1, 1}, 1, 0.3125, {0.8125, 0.3125, 1}},
+      {{0.8125, 0.3125, 1}, 0.5625, 0.4375, {0.8125, 0.3125, std::log(0.75) / std::log(0.5)}},
+      // Gamma stops at both ends.
+      {{0.25, 0.75, 1}, 0.5, 0.25, {0.25, 0.75, 5}},
+      {{0.25, 0.75, 1}, 0.5, -4, {0.25, 0.75, 5}},
+      {{0.25, 0.75, 1}, 0.5, 0.75, {0.25, 0.75, 0}},
+      {{0.25, 0.75, 1}, 0.5, 4, {0.25, 0.75, 0}},
+      // Of handles that overlap the last drawn is taken: gamma over black, and white over a gamma at 0.56.
+      {{0.5, 0.5, 1}, 0.5, 0.625, {0.5, 0.5, 0}},
+      {{0.48, 0.5, -2}, 0.5 - beside, 0.75 - beside, {0.48, 0.75, -2}},
+  };
+  for (const auto& [before, from, to, after] : drags) {
+    set(before.black, before.white, before.gamma);
+    scene.press(on(from));
+    for (const double place : {-4.0, 4.0, to}) scene.move(on(place));
+    scene.release();
+    expectInput(after.black, after.white, after.gamma);
+  }
   EXPECT_EQ(levels().blackOutForChannel(kRed), 0);
   for (const int other : {0, 2, 3, 4}) {
     EXPECT_EQ(levels().blackInForChannel(other), 0);
     EXPECT_EQ(levels().whiteInForChannel(other), 1);
     EXPECT_EQ(levels().gammaForChannel(other), 1);
   }
-  set(0, 1, 1);
-  dragFromTo(0, 0.8125);
-  dragFromTo(1, 0.3125);
-  expectInput(0.8125, 0.3125, 1);  // black and white may cross
-  dragFromTo(0.5625, 0.4375);      // gamma, three quarters of the way from black to white
-  expectInput(0.8125, 0.3125, std::log(0.75) / std::log(0.5));
 }
 
 TEST(OutputGutter, DragsEveryHandleOfItsChannel) {
   LevelsScene scene(true);
   const VRTHistogram& levels = scene.histogram();
-  scene.drag(on(0, 0), on(0.5, 0));
-  scene.drag(on(1, 0), on(0.25, 0));
+  scene.drag(on(0), on(0.5));
+  scene.drag(on(1), on(0.25));
   EXPECT_DOUBLE_EQ(levels.blackOutForChannel(kRed), 0.5);
   EXPECT_DOUBLE_EQ(levels.whiteOutForChannel(kRed), 0.25) << "black and white may cross";
-  scene.drag(on(0.5, 0), on(-3, 0));
-  scene.drag(on(0.25, 0), on(3, 0));
+  scene.drag(on(0.5), on(-3));
+  scene.drag(on(0.25), on(3));
   EXPECT_EQ(levels.blackOutForChannel(kRed), 0);
   EXPECT_EQ(levels.whiteOutForChannel(kRed), 1);
   EXPECT_EQ(levels.blackInForChannel(kRed), 0);
@@ -65,11 +88,8 @@ TEST(OutputGutter, DragsEveryHandleOfItsChannel) {
 
 TEST_F(InputGutter, HandlesAreHalfOpenRectangles) {
   // Gamma: 104 to 115 across, 0 to 9 upwards.
-  const struct {
-    NSPoint place;
-    bool hit;
-  } places[] = {{{104, 3}, true}, {{103, 3}, false}, {{114, 3}, true}, {{115, 3}, false},
-                {{109, 8}, true}, {{109, 9}, false}, {{109, 0}, true}};
+  const std::pair<NSPoint, bool> places[] = {{{104, 3}, true}, {{103, 3}, false}, {{114, 3}, true}, {{115, 3}, false},
+                                             {{109, 8}, true}, {{109, 9}, false}, {{109, 0}, true}};
   for (const auto& [place, hit] : places) {
     set(0, 1, 1);
     scene.drag(place, {place.x - 20, place.y - 30});
@@ -77,45 +97,23 @@ TEST_F(InputGutter, HandlesAreHalfOpenRectangles) {
   }
 }
 
-TEST_F(InputGutter, OfOverlappingHandlesTheLastDrawnIsTaken) {
-  set(0.5, 0.5, 1);  // gamma between them
-  dragFromTo(0.5, 0.625);
-  expectInput(0.5, 0.5, 0);  // right of white
-  set(0.48, 0.5, -2);        // gamma at 0.56
-  scene.drag(on(0.5, -4), on(0.75, -4));
-  expectInput(0.48, 0.75, -2);
-}
-
-TEST_F(InputGutter, GammaStopsAtBothEnds) {
-  set(0.25, 0.75, 1);
-  scene.press(on(0.5, 0));
-  const struct {
-    double place, gamma;
-  } moves[] = {{0.25, 5}, {0.125, 5}, {-4, 5}, {0.75, 0}, {0.875, 0}, {4, 0}, {0.5, 1}};
-  for (const auto& [place, gamma] : moves) {
-    scene.move(on(place, 0));
-    expectInput(0.25, 0.75, gamma);
-  }
-  scene.release();
-}
-
 TEST_F(InputGutter, DrawsHandlesWhereTheyAreGrabbed) {
   const auto picture = [&] { return scene.gutter->grab().toImage(); };
   const double ratio = scene.gutter->devicePixelRatioF();
-  const auto column = [&](double value) { return int(on(value, 0).x * ratio); };
   scene.levels->setValue(nullptr);
   const QImage empty = picture();
   scene.levels->setValue(scene.value);
   const QImage all = picture();
+  int last = -1;
   for (const double place : {0.0, 0.25, 0.5, 0.75, 1.0}) {
-    bool differs = false;
-    for (int y = 0; y < all.height(); ++y) differs |= empty.pixel(column(place), y) != all.pixel(column(place), y);
-    EXPECT_EQ(differs, place * 2 == std::floor(place * 2)) << place;
+    const int x = int(on(place).x * ratio);
+    const QRect column(x, 0, 1, all.height());
+    const bool drawn = place * 2 == std::floor(place * 2);
+    EXPECT_EQ(empty.copy(column) != all.copy(column), drawn) << place;
+    const int middle = qGray(all.pixel(x, int(6.5 * ratio)));
+    EXPECT_TRUE(!drawn || middle > std::exchange(last, middle)) << "from black to white";
   }
-  const auto middle = [&](double value) { return qGray(all.pixel(column(value), int(6.5 * ratio))); };
-  EXPECT_LT(middle(0), middle(0.5));
-  EXPECT_LT(middle(0.5), middle(1));
-  scene.press(on(0, 0));
+  scene.press(on(0));
   EXPECT_EQ(picture(), all) << "a grabbed handle looks no different";
   scene.release();
   for (const double strange : {std::nan(""), 1e300, -1e300}) {
@@ -175,7 +173,7 @@ TEST_F(InputGutter, ShowsSlidersAndCursors) {
 
   EXPECT_EQ(scene.gutter->cursorAtPoint({5, 4})->shape(), Qt::SizeHorCursor);
   EXPECT_EQ(scene.gutter->cursorAtPoint({60, 4}), std::nullopt);
-  scene.press(on(0, 0));
+  scene.press(on(0));
   EXPECT_EQ(scene.gutter->cursorAtPoint({60, 4})->shape(), Qt::SizeHorCursor);
   scene.release();
   scene.levels->setValue(nullptr);
@@ -183,20 +181,20 @@ TEST_F(InputGutter, ShowsSlidersAndCursors) {
 }
 
 TEST_F(InputGutter, ADragGoesOnInAReplacedValue) {
-  scene.press(on(0, 0));
+  scene.press(on(0));
   const auto replaced = std::make_shared<VRTHistogram>();
   replaced->setSelectedChannel(3);
   scene.levels->setValue(replaced);
-  scene.move(on(0.5, 0));
+  scene.move(on(0.5));
   EXPECT_DOUBLE_EQ(replaced->blackInForChannel(3), 0.5);
   EXPECT_EQ(scene.value->blackInForChannel(kRed), 0);
   scene.levels->setValue(nullptr);
-  scene.move(on(0.625, 0));
+  scene.move(on(0.625));
   scene.takeLog();
   scene.release();
   EXPECT_EQ(scene.takeLog(), "end");
-  scene.press(on(0, 0));
-  scene.move(on(0.1, 0));
+  scene.press(on(0));
+  scene.move(on(0.1));
   EXPECT_EQ(scene.takeLog(), "") << "no levels, no start";
   scene.release();
   EXPECT_EQ(scene.takeLog(), "end") << "the end is told always";

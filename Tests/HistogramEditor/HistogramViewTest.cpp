@@ -2,10 +2,9 @@
 #include "HistogramEditor/VRTHistogramGradientView.h"
 #include "HistogramEditor/VRTHistogramView.h"
 #include "Tests/Support/LevelsScene.h"
+#include "Tests/TarnKit/Pictures.h"
 
-#include <QImage>
 #include <QMenu>
-#include <QPixmap>
 #include <cstring>
 #include <numeric>
 
@@ -29,49 +28,48 @@ std::vector<std::uint8_t> pixelOf(std::initializer_list<Channel> channels) {
 
 TEST(HistogramView, CountsWhatFlowsIn) {
   LevelsPatch scene;
-  scene.image->setValue(imageOf({10, 20, 30, 40}, 5, 4));
   VRTHistogramView view(kFrame);
   view.setHistogramPort(scene.levels.get());
-  EXPECT_EQ(view.histogramSamples().red[10], 20u);
-  EXPECT_EQ(view.histogramSamples().blue[30], 20u);
-  EXPECT_EQ(countsOf(view), 60u);
-
-  auto blueFirst = imageOf({10, 20, 30, 40}, 7, 1);
+  const auto bytes = imageOf({10, 20, 30, 40}, 5, 4), blueFirst = imageOf({10, 20, 30, 40}, 5, 4);
   blueFirst->format = 0;
-  scene.image->setValue(blueFirst);
-  EXPECT_EQ(view.histogramSamples().red[30], 7u);
-  EXPECT_EQ(view.histogramSamples().blue[10], 7u);
-  scene.image->setValue(imageOf(pixelOf<std::uint16_t>({128, 129, 65535, 0}), 3, 1));
-  EXPECT_EQ(view.histogramSamples().red[0] + view.histogramSamples().green[1] + view.histogramSamples().blue[254], 9u);
-  scene.image->setValue(imageOf(pixelOf<float>({-0.2f, 2.0f, 0.5f, 1.0f}), 3, 1));
-  EXPECT_EQ(view.histogramSamples().red[0] + view.histogramSamples().green[254] + view.histogramSamples().blue[127],
-            9u);
-  scene.image->setValue(nullptr);
-  EXPECT_EQ(countsOf(view), 9u) << "without an image the last counts stay";
+  const struct {
+    std::shared_ptr<SceneImage> image;
+    std::size_t red, green, blue;  // the bins
+  } cases[] = {{bytes, 10, 20, 30},
+               {blueFirst, 30, 20, 10},
+               {imageOf(pixelOf<std::uint16_t>({128, 129, 65535, 0}), 5, 4), 0, 1, 254},
+               {imageOf(pixelOf<float>({-0.2f, 2.0f, 0.5f, 1.0f}), 5, 4), 0, 254, 127},
+               {nullptr, 0, 254, 127}};  // without an image the last counts stay
+  for (const auto& [image, red, green, blue] : cases) {
+    scene.image->setValue(image);
+    EXPECT_EQ(view.histogramSamples().red[red], 20u);
+    EXPECT_EQ(view.histogramSamples().green[green], 20u);
+    EXPECT_EQ(view.histogramSamples().blue[blue], 20u);
+    EXPECT_EQ(countsOf(view), 60u);
+  }
 }
 
 TEST(HistogramView, UnusableImagesCountNothing) {
   LevelsPatch scene;
   VRTHistogramView view(kFrame);
   view.setHistogramPort(scene.levels.get());
-  const auto expectNothing = [&](const std::shared_ptr<SceneImage>& image) {
+  void (*const changes[])(SceneImage&) = {
+      [](SceneImage& image) { image.pixelBytes = 3; },
+      [](SceneImage& image) { image.pixelBytes = -4; },
+      [](SceneImage& image) { image.pixelBytes = 16; },
+      [](SceneImage& image) { image.pitch = 15; },
+      [](SceneImage& image) { image.bytes.clear(); },
+      [](SceneImage& image) { image.width = 0; },
+      [](SceneImage& image) { image.width = image.height = std::size_t(-1); },
+  };
+  for (const auto change : changes) {
     scene.image->setValue(imageOf({1, 2, 3, 4}, 2, 2));
     ASSERT_EQ(countsOf(view), 12u);
+    const auto image = imageOf({1, 2, 3, 4}, 4, 4);
+    change(*image);
     scene.image->setValue(image);
     EXPECT_EQ(countsOf(view), 0u);
-  };
-  const auto changed = [](auto change) {
-    auto image = imageOf({1, 2, 3, 4}, 4, 4);
-    change(*image);
-    return image;
-  };
-  expectNothing(imageOf({1, 2, 3}, 4, 4));
-  expectNothing(changed([](SceneImage& image) { image.pixelBytes = -4; }));
-  expectNothing(changed([](SceneImage& image) { image.pixelBytes = 16; }));
-  expectNothing(changed([](SceneImage& image) { image.pitch = 15; }));
-  expectNothing(changed([](SceneImage& image) { image.bytes.clear(); }));
-  expectNothing(changed([](SceneImage& image) { image.width = 0; }));
-  expectNothing(changed([](SceneImage& image) { image.width = image.height = std::size_t(-1); }));
+  }
 }
 
 TEST(HistogramView, OnlyFiltersWithAContextHaveCounts) {
@@ -112,11 +110,8 @@ TEST(HistogramView, ADetachedViewCostsNothing) {
   EXPECT_EQ(view.histogramSamples().red[5], 4u) << "what was counted last stays";
 }
 
-// The pictures of a view at the device pixel in the middle of a point, upper left origin.
 QRgb colorAt(QWidget& view, int x, int y) {
-  const QPixmap grabbed = view.grab();
-  const double ratio = grabbed.devicePixelRatio();
-  return grabbed.toImage().pixel(int((x + 0.5) * ratio), int((y + 0.5) * ratio));
+  return pixelAt(pictureOf(view), view.devicePixelRatioF(), x, y);
 }
 
 TEST(HistogramView, DrawsBarsInsideItsFrame) {
@@ -132,21 +127,14 @@ TEST(HistogramView, DrawsBarsInsideItsFrame) {
   view.setHistogramPort(scene.levels.get());
 
   constexpr QRgb bar = qRgb(25, 29, 38), ground = qRgb(181, 187, 200);
-  const struct {
-    int bin;
-    int height;
-  } bars[] = {{100, 14}, {150, 28}, {200, 56}};
-  for (const auto& [bin, height] : bars) {
-    // The graph's rows are 2 to 57. Row y of 56 is dark when the height is above 56 - y.
-    const int topRow = 2 + 56 - height + 1;
-    EXPECT_EQ(colorAt(view, 2 + bin, topRow), bar) << bin;
-    EXPECT_EQ(colorAt(view, 2 + bin, topRow - 1), ground) << bin;
-    EXPECT_EQ(colorAt(view, 2 + bin, 57), bar);
-    EXPECT_EQ(colorAt(view, 2 + bin - 1, 57), ground);
-    EXPECT_EQ(colorAt(view, 2 + bin + 1, 57), ground);
+  const QImage picture = pictureOf(view);
+  for (int bin = 0; bin < 256; ++bin) {
+    const int height = bin == 100 ? 14 : bin == 150 ? 28 : bin == 200 ? 56 : 0;
+    for (int row = 0; row < 56; ++row) {
+      const QRgb color = pixelAt(picture, view.devicePixelRatioF(), 2 + bin, 2 + row);
+      ASSERT_EQ(color, height > 56 - row ? bar : ground) << bin << ", " << row;
+    }
   }
-  EXPECT_EQ(colorAt(view, 2, 2), ground);
-  EXPECT_EQ(colorAt(view, 257, 57), ground);
   EXPECT_NE(colorAt(view, 1, 30), ground);
   EXPECT_NE(colorAt(view, 258, 30), ground);
 

@@ -2,29 +2,35 @@
 #pragma once
 
 #include "Host/Commands/InspectOptions.h"
+#include "Host/Files/ImageFileLoader.h"
+#include "Host/Rendering/Effects.h"
 #include "Host/Rendering/ExecutionContext.h"
 #include "Tests/Support/ChildProcess.h"
 
 #include <QCoreApplication>
-#include <array>
-#include <cstdint>
-#include <functional>
 #include <string>
+#include <utility>
+#include <vector>
 
 // What the tests of the inspector share: the effects of the build, and pictures in a folder of their own.
 
-class QCPort;
-
 namespace inspect_test {
 
-using Pixel = std::array<std::uint8_t, 4>;  // red, green, blue, alpha, premultiplied
-
 // Loads the effects once.
-void useEffects();
+inline void useEffects() {
+  [[maybe_unused]] static const bool loaded = (host::loadEffects(), true);
+}
 
-void writePicture(const std::string& path, std::uint32_t width, std::uint32_t height,
-                  const std::function<Pixel(std::uint32_t x, std::uint32_t y)>& pixel);
-void writeFlatPicture(const std::string& path, std::uint8_t gray, std::uint32_t width = 4, std::uint32_t height = 3);
+// 4 x 3 opaque pixels.
+inline void writeFlatPicture(const std::string& path, std::uint8_t gray) {
+  host::ImagePixels image;
+  image.width = 4;
+  image.height = 3;
+  host::allocatePixels(image);
+  const auto samples = image.samples<std::uint8_t>();
+  for (std::size_t i = 0; i < samples.size(); ++i) samples[i] = i % 4 == 3 ? 255 : gray;
+  host::writeImageFile(path, std::move(image), host::Depth::Bits8);
+}
 
 // Counts how often somebody looks at the pixels of an image.
 class CountingContext : public host::ExecutionContext {
@@ -36,7 +42,12 @@ class CountingContext : public host::ExecutionContext {
   int queried = 0;
 };
 
-host::InspectOptions optionsFor(const std::string& effect, std::vector<std::string> inputs = {});
+inline host::InspectOptions optionsFor(const std::string& effect, std::vector<std::string> inputs = {}) {
+  host::InspectOptions options;
+  options.effect = effect;
+  options.inputs = std::move(inputs);
+  return options;
+}
 
 // Handles all that is waiting, timers that are due included.
 inline void handleEvents() {

@@ -44,11 +44,7 @@ class EditorScene : public NSKeyValueObserver {
     if (onNote) onNote(what);
   }
   std::string takeLog() { return std::exchange(log, {}); }
-  std::size_t count(const std::string& word) const {
-    std::size_t found = 0;
-    for (std::size_t at = log.find(word); at != std::string::npos; at = log.find(word, at + 1)) ++found;
-    return found;
-  }
+  int count(const char* word) const { return int(QString::fromStdString(log).count(word)); }
   QCPort& port() const { return *port_; }
   void letGoOfPort() {
     observations_.clear();

@@ -89,6 +89,13 @@ class GradientScene : public EditorScene {
     press(point, modifiers, button);
     release(modifiers, button);
   }
+  // Moves the pointer in the picker that is open.
+  static void hoverPicker(QPoint place) {
+    QWidget* swatch = VRTTransientColorPicker::panel();
+    if (!swatch) return;
+    QMouseEvent move(QEvent::MouseMove, place, swatch->mapToGlobal(place), Qt::NoButton, Qt::NoButton, {});
+    QApplication::sendEvent(swatch, &move);
+  }
   void clickSample(std::size_t index) { click({xOf(sample(index)->position), 5}); }
 
   using EditorScene::count;

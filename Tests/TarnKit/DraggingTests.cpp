@@ -42,60 +42,49 @@ QMimeData* redData() {
   return &data;
 }
 
-struct Answer {
-  bool accepted;
-  Qt::DropAction action;
-};
-
-// Qt delivers moves and drops only to a widget that a drag has entered.
+// What a view makes of an event, nothing where it refuses. Moves and drops reach only a widget that a drag has entered.
 template <class Event>
-Answer send(QWidget& view, QPoint position, Qt::DropActions actions, const QMimeData* data) {
-  Event event(position, actions, data, Qt::LeftButton, Qt::NoModifier);
+std::optional<Qt::DropAction> send(QWidget& view, int x, Qt::DropActions actions = Qt::CopyAction | Qt::MoveAction,
+                                   const QMimeData* data = redData()) {
+  Event event(QPoint(x, 10), actions, data, Qt::LeftButton, Qt::NoModifier);
   QCoreApplication::sendEvent(&view, &event);
-  return {event.isAccepted(), event.dropAction()};
+  return event.isAccepted() ? std::optional(event.dropAction()) : std::nullopt;
 }
 
 TEST(Drops, AreAskedAboutEverywhereAndTakenWhereTheViewSaysSo) {
   DropView view(NSMakeRect(0, 0, 100, 40));
-  const Qt::DropActions ordinary = Qt::CopyAction | Qt::MoveAction;
-  // Entering where it would be refused must not end the drag for the view.
-  EXPECT_TRUE(send<QDragEnterEvent>(view, QPoint(70, 10), ordinary, redData()).accepted);
-  EXPECT_FALSE(send<QDragMoveEvent>(view, QPoint(70, 10), ordinary, redData()).accepted);
-  const Answer over = send<QDragMoveEvent>(view, QPoint(20, 10), ordinary, redData());
-  EXPECT_TRUE(over.accepted);
-  EXPECT_EQ(over.action, Qt::CopyAction);
+  EXPECT_TRUE(send<QDragEnterEvent>(view, 70)) << "where it would be refused, yet the drag must not end for the view";
+  EXPECT_FALSE(send<QDragMoveEvent>(view, 70));
+  EXPECT_EQ(send<QDragMoveEvent>(view, 20), Qt::CopyAction);
   EXPECT_EQ(view.point.x, 20);
   EXPECT_NEAR(view.point.y, 30, 1);
-  EXPECT_TRUE(send<QDropEvent>(view, QPoint(20, 10), ordinary, redData()).accepted);
+  EXPECT_TRUE(send<QDropEvent>(view, 20));
   ASSERT_TRUE(view.color);
   EXPECT_EQ(view.color->redComponent(), 1);
   EXPECT_EQ(view.color->greenComponent(), 0);
 }
 
 TEST(Drops, OperationsFollowWhatTheSourceAllows) {
-  struct Case {
+  constexpr std::uint32_t copy = NSDragOperationCopy, move = NSDragOperationMove, link = NSDragOperationLink;
+  constexpr std::uint32_t generic = NSDragOperationGeneric;
+  const struct {
     Qt::DropActions actions;
-    std::uint32_t mask;
-    std::uint32_t operation;
-    Qt::DropAction action;
+    std::uint32_t mask, operation;
+    std::optional<Qt::DropAction> action;
+  } cases[] = {
+      {Qt::CopyAction, copy | generic, generic, Qt::CopyAction},
+      {Qt::MoveAction, move | generic, generic, Qt::MoveAction},
+      {Qt::LinkAction, link | generic, link, Qt::LinkAction},
+      {Qt::CopyAction | Qt::MoveAction, copy | move | generic, move, Qt::MoveAction},
+      {Qt::CopyAction, copy | generic, link, std::nullopt},
+      {Qt::IgnoreAction, NSDragOperationNone, generic, std::nullopt},
   };
-  const Case cases[] = {
-      {Qt::CopyAction, NSDragOperationCopy | NSDragOperationGeneric, NSDragOperationGeneric, Qt::CopyAction},
-      {Qt::MoveAction, NSDragOperationMove | NSDragOperationGeneric, NSDragOperationGeneric, Qt::MoveAction},
-      {Qt::LinkAction, NSDragOperationLink | NSDragOperationGeneric, NSDragOperationLink, Qt::LinkAction},
-      {Qt::CopyAction | Qt::MoveAction, NSDragOperationCopy | NSDragOperationMove | NSDragOperationGeneric,
-       NSDragOperationMove, Qt::MoveAction},
-      {Qt::CopyAction, NSDragOperationCopy | NSDragOperationGeneric, NSDragOperationLink, Qt::IgnoreAction},
-      {Qt::IgnoreAction, NSDragOperationNone, NSDragOperationGeneric, Qt::IgnoreAction},
-  };
-  for (const Case& test : cases) {
+  for (const auto& each : cases) {
     DropView view(NSMakeRect(0, 0, 100, 40));
-    view.operation = test.operation;
-    send<QDragEnterEvent>(view, QPoint(70, 10), test.actions, redData());
-    const Answer answer = send<QDragMoveEvent>(view, QPoint(20, 10), test.actions, redData());
-    EXPECT_EQ(view.mask, test.mask);
-    EXPECT_EQ(answer.action, test.action);
-    EXPECT_EQ(answer.accepted, test.action != Qt::IgnoreAction);
+    view.operation = each.operation;
+    send<QDragEnterEvent>(view, 70, each.actions);
+    EXPECT_EQ(send<QDragMoveEvent>(view, 20, each.actions), each.action);
+    EXPECT_EQ(view.mask, each.mask);
   }
 }
 
@@ -111,8 +100,8 @@ TEST(Drops, TakeColorsOfAnyToolkitAndNothingElse) {
   } cases[] = {{text, false, false}, {foreign, true, true}, {broken, true, false}};
   for (const auto& each : cases) {
     DropView view(NSMakeRect(0, 0, 100, 40));
-    EXPECT_EQ(send<QDragEnterEvent>(view, QPoint(20, 10), Qt::CopyAction, &each.data).accepted, each.reaches);
-    EXPECT_EQ(send<QDropEvent>(view, QPoint(20, 10), Qt::CopyAction, &each.data).accepted, each.taken);
+    EXPECT_EQ(send<QDragEnterEvent>(view, 20, Qt::CopyAction, &each.data).has_value(), each.reaches);
+    EXPECT_EQ(send<QDropEvent>(view, 20, Qt::CopyAction, &each.data).has_value(), each.taken);
     EXPECT_EQ(view.mask != 0, each.reaches);
     ASSERT_EQ(view.color.has_value(), each.taken);
     EXPECT_TRUE(!each.taken || std::abs(view.color->blueComponent() - 0.5) < 1e-4);
@@ -124,8 +113,8 @@ TEST(Drops, AHandlerMayDeleteTheView) {
   auto* view = new DropView(NSMakeRect(0, 0, 100, 40));
   const QPointer<QWidget> alive = view;
   view->inDrop = [view] { delete view; };
-  send<QDragEnterEvent>(*view, QPoint(20, 10), Qt::CopyAction, redData());
-  send<QDropEvent>(*view, QPoint(20, 10), Qt::CopyAction, redData());
+  send<QDragEnterEvent>(*view, 20);
+  send<QDropEvent>(*view, 20);
   EXPECT_TRUE(alive.isNull());
 }
 

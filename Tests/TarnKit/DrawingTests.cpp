@@ -3,31 +3,13 @@
 #include "Platform/TarnKit/NSGraphicsContext.h"
 #include "Platform/TarnKit/NSImage.h"
 #include "Platform/TarnKit/NSTarnColor.h"
-#include "Platform/TarnKit/NSTarnView.h"
 #include "Tests/TarnKit/Pictures.h"
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <limits>
 
 namespace {
-
-class DrawingView : public NSTarnView {
- public:
-  DrawingView(NSSize size, bool flipped, std::function<void()> draw)
-      : NSTarnView(NSRect{{}, size}), flipped_(flipped), draw_(std::move(draw)) {}
-  bool isFlipped() const override { return flipped_; }
-  void drawRect(NSRect dirty) override {
-    lastDirty = dirty;
-    draw_();
-  }
-  NSRect lastDirty;
-
- private:
-  bool flipped_;
-  std::function<void()> draw_;
-};
 
 void clear() {
   NSColor::colorWithCalibratedRed(1, 1, 1, 1).set();
@@ -46,7 +28,7 @@ std::shared_ptr<NSImage> fourPixels() {
 
 TEST(Drawing, FillsExactlyThePixelsOfARectangle) {
   for (const bool flipped : {false, true}) {
-    DrawingView view({20, 12}, flipped, [] {
+    DrawnView view({20, 12}, flipped, [] {
       clear();
       NSColor::colorWithCalibratedRed(0, 0, 1, 1).set();
       NSBezierPath::fillRect(NSMakeRect(4, 2, 6, 5));
@@ -66,41 +48,41 @@ TEST(Drawing, FillsExactlyThePixelsOfARectangle) {
   }
 }
 
-TEST(Drawing, ImagesStandUprightOnTheirLowerLeftCornerAndAreNotSmoothed) {
-  for (const bool flipped : {false, true}) {
-    DrawingView view({20, 12}, flipped, [] {
+// Images stand upright on their lower left corner and are not smoothed; patterns repeat from the view's origin.
+TEST(Drawing, ImagesAndPatternsStandUpright) {
+  constexpr QRgb red = qRgb(255, 0, 0), green = qRgb(0, 255, 0), blue = qRgb(0, 0, 255), white = qRgb(255, 255, 255);
+  const auto drawImage = [] { fourPixels()->compositeToPoint({6, 4}, NSCompositeSourceOver); };
+  const auto drawPattern = [] {
+    NSColor::colorWithPatternImage(fourPixels()).set();
+    NSBezierPath::fillRect(NSMakeRect(4, 2, 8, 8));
+  };
+  struct Spot {  // counted from the upper left
+    int x, y;
+    QRgb color;
+  };
+  const struct {
+    bool pattern, flipped;
+    std::vector<Spot> spots;
+  } cases[] = {{false, false, {{6, 5, red}, {7, 5, green}, {6, 6, blue}}},
+               {false, true, {{6, 2, red}, {7, 2, green}, {6, 3, blue}}},
+               {true, false, {{4, 8, blue}, {6, 6, blue}, {5, 7, green}, {3, 5, white}}},
+               {true, true, {{4, 2, red}, {6, 4, red}, {5, 2, green}, {3, 5, white}}}};
+  for (const auto& each : cases) {
+    DrawnView view({20, 11}, each.flipped, [&] {
       clear();
-      fourPixels()->compositeToPoint({6, 4}, NSCompositeSourceOver);
+      each.pattern ? drawPattern() : drawImage();
     });
     const QImage image = pictureOf(view);
-    const double ratio = view.devicePixelRatioF();
-    const int top = flipped ? 2 : 6;
-    EXPECT_EQ(pixelAt(image, ratio, 6, top), qRgb(255, 0, 0)) << flipped;
-    EXPECT_EQ(pixelAt(image, ratio, 7, top), qRgb(0, 255, 0)) << flipped;
-    EXPECT_EQ(pixelAt(image, ratio, 6, top + 1), qRgb(0, 0, 255)) << flipped;
+    for (const auto& [x, y, color] : each.spots) {
+      EXPECT_EQ(pixelAt(image, view.devicePixelRatioF(), x, y), color)
+          << x << ", " << y << each.pattern << each.flipped;
+    }
     for (int y = 0; y < image.height(); ++y) {
       for (int x = 0; x < image.width(); ++x) {
         const QRgb color = image.pixel(x, y);
         for (const int part : {qRed(color), qGreen(color), qBlue(color)}) ASSERT_TRUE(part == 0 || part == 255);
       }
     }
-  }
-}
-
-TEST(Drawing, PatternsRepeatFromTheViewsOrigin) {
-  for (const bool flipped : {false, true}) {
-    DrawingView view({20, 11}, flipped, [] {
-      clear();
-      NSColor::colorWithPatternImage(fourPixels()).set();
-      NSBezierPath::fillRect(NSMakeRect(4, 2, 8, 8));
-    });
-    const QImage image = pictureOf(view);
-    const double ratio = view.devicePixelRatioF();
-    // The pattern's lower left pixel is blue, its upper left one red.
-    EXPECT_EQ(pixelAt(image, ratio, 4, flipped ? 2 : 8), flipped ? qRgb(255, 0, 0) : qRgb(0, 0, 255)) << flipped;
-    EXPECT_EQ(pixelAt(image, ratio, 6, flipped ? 4 : 6), flipped ? qRgb(255, 0, 0) : qRgb(0, 0, 255)) << flipped;
-    EXPECT_EQ(pixelAt(image, ratio, 5, flipped ? 2 : 7), qRgb(0, 255, 0)) << flipped;
-    EXPECT_EQ(pixelAt(image, ratio, 3, 5), qRgb(255, 255, 255)) << flipped;
   }
 }
 
@@ -111,7 +93,7 @@ TEST(Drawing, NothingHappensWithoutAContextOrAnythingToDraw) {
   NSDrawFocusRing(NSMakeRect(0, 0, 5, 5));
   fourPixels()->compositeToPoint({}, NSCompositeCopy);
   const double nan = std::numeric_limits<double>::quiet_NaN();
-  DrawingView view({10, 10}, false, [nan] {
+  DrawnView view({10, 10}, false, [nan] {
     clear();
     NSColor::colorWithPatternImage(nullptr).set();
     NSBezierPath::fillRect(NSMakeRect(0, 0, 10, 10));
@@ -130,7 +112,7 @@ TEST(Drawing, NothingHappensWithoutAContextOrAnythingToDraw) {
 
 TEST(Drawing, DirtyRectanglesAreInTheViewsCoordinates) {
   for (const bool flipped : {false, true}) {
-    DrawingView view({40, 30}, flipped, [] {});
+    DrawnView view({40, 30}, flipped, [] {});
     view.grab(QRect(5, 2, 10, 4));
     EXPECT_EQ(view.lastDirty.origin.x, 5);
     EXPECT_EQ(view.lastDirty.origin.y, flipped ? 2 : 24);
@@ -162,8 +144,7 @@ TEST(Images, ComeFromFilesOrNotAtAll) {
 
 TEST(Colors, KeepTheirComponentsAndAreLimitedWhereTheyAreDrawn) {
   const NSColor color = NSColor::colorWithCalibratedRed(1.5, -0.5, std::numeric_limits<double>::quiet_NaN(), 0.25);
-  double red = 0;
-  double alpha = 0;
+  double red = 0, alpha = 0;
   color.getRed(&red, nullptr, nullptr, &alpha);
   EXPECT_EQ(red, 1.5);
   EXPECT_EQ(alpha, 0.25);
@@ -172,11 +153,9 @@ TEST(Colors, KeepTheirComponentsAndAreLimitedWhereTheyAreDrawn) {
 
 TEST(Colors, FollowThePaletteOfTheWidgetThatIsDrawn) {
   bool dark = false;
-  DrawingView view({10, 10}, false, [&] { dark = NSTarnColor::isDark(); });
-  QPalette palette;
+  DrawnView view({10, 10}, false, [&] { dark = NSTarnColor::isDark(); });
   for (const bool wanted : {true, false, true}) {
-    palette.setColor(QPalette::Window, wanted ? QColor(40, 40, 40) : QColor(240, 240, 240));
-    view.setPalette(palette);
+    view.setGround(wanted ? QColor(40, 40, 40) : QColor(240, 240, 240));
     view.grab();
     EXPECT_EQ(dark, wanted);
   }

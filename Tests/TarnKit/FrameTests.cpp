@@ -11,25 +11,9 @@
 
 namespace {
 
+// Frames count from the lower left unless the superview is flipped, and stay in its coordinates when its height
+// changes: once by the program while nothing is shown, once as Qt resizes a window that is shown.
 TEST(Frames, CountFromTheLowerLeftUnlessTheSuperviewIsFlipped) {
-  RecordingView root(NSMakeRect(0, 0, 200, 100));
-  RecordingView child(NSMakeRect(10, 20, 50, 30), &root);
-  RecordingView flipped(NSMakeRect(10, 20, 50, 30), &root, true);
-  RecordingView inFlipped(NSMakeRect(1, 2, 3, 4), &flipped);
-  QPushButton button(&root);
-  NSSetFrame(button, NSMakeRect(5, 6, 7, 8));
-
-  EXPECT_EQ(child.geometry(), QRect(10, 50, 50, 30));
-  EXPECT_EQ(inFlipped.geometry(), QRect(1, 2, 3, 4));
-  EXPECT_EQ(button.geometry(), QRect(5, 86, 7, 8));
-  EXPECT_EQ(child.frame(), NSMakeRect(10, 20, 50, 30));
-  EXPECT_EQ(inFlipped.frame(), NSMakeRect(1, 2, 3, 4));
-  EXPECT_EQ(NSGetFrame(button), NSMakeRect(5, 6, 7, 8));
-  EXPECT_EQ(child.bounds(), NSMakeRect(0, 0, 50, 30));
-}
-
-// Once by the program while nothing is shown, once as Qt resizes a window that is shown.
-TEST(Frames, StayInTheSuperviewsOwnCoordinatesWhenItsHeightChanges) {
   for (const bool shown : {false, true}) {
     RecordingView root(NSMakeRect(0, 0, 200, 100));
     RecordingView child(NSMakeRect(10, 20, 50, 30), &root);
@@ -37,18 +21,21 @@ TEST(Frames, StayInTheSuperviewsOwnCoordinatesWhenItsHeightChanges) {
     RecordingView inFlipped(NSMakeRect(1, 2, 3, 4), &flipped);
     QPushButton button(&root);
     NSSetFrame(button, NSMakeRect(5, 6, 7, 8));
-    if (shown) {
-      root.show();
-      root.resize(200, 160);
-    } else {
-      root.setFrameSize({200, 160});
-    }
-    EXPECT_EQ(child.frame(), NSMakeRect(10, 20, 50, 30));
-    EXPECT_EQ(child.geometry(), QRect(10, 110, 50, 30));
-    EXPECT_EQ(button.geometry(), QRect(5, 146, 7, 8));
+    const auto expectHeight = [&](int height) {
+      EXPECT_EQ(child.frame(), NSMakeRect(10, 20, 50, 30));
+      EXPECT_EQ(child.geometry(), QRect(10, height - 50, 50, 30));
+      EXPECT_EQ(child.bounds(), NSMakeRect(0, 0, 50, 30));
+      EXPECT_EQ(NSGetFrame(button), NSMakeRect(5, 6, 7, 8));
+      EXPECT_EQ(button.geometry(), QRect(5, height - 14, 7, 8));
+      EXPECT_EQ(inFlipped.frame(), NSMakeRect(1, 2, 3, 4));
+      EXPECT_EQ(inFlipped.geometry(), QRect(1, 2, 3, 4));
+    };
+    expectHeight(100);
+    if (shown) root.show();
+    shown ? root.resize(200, 160) : root.setFrameSize({200, 160});
     flipped.setFrameSize({100, 60});
     EXPECT_EQ(flipped.frame(), NSMakeRect(0, 40, 100, 60));
-    EXPECT_EQ(inFlipped.geometry(), QRect(1, 2, 3, 4));
+    expectHeight(160);
   }
 }
 
@@ -65,12 +52,8 @@ TEST(Frames, HoldWhenAHiddenWindowWasResizedByQt) {
 }
 
 TEST(Frames, FollowByTheirAutoresizingMasks) {
-  struct Case {
-    std::uint32_t mask;
-    NSRect expected;
-  };
   const NSRect frame = NSMakeRect(10, 20, 50, 30);
-  const Case cases[] = {
+  const std::pair<std::uint32_t, NSRect> cases[] = {
       {NSViewNotSizable, frame},
       {NSViewWidthSizable | NSViewHeightSizable, NSMakeRect(10, 20, 90, 50)},
       {NSViewMinXMargin | NSViewMinYMargin, NSMakeRect(50, 40, 50, 30)},
@@ -78,15 +61,15 @@ TEST(Frames, FollowByTheirAutoresizingMasks) {
       {NSViewMinXMargin | NSViewMaxXMargin, NSMakeRect(30, 20, 50, 30)},
       {NSViewMinXMargin | NSViewWidthSizable, NSMakeRect(30, 20, 70, 30)},
   };
-  for (const Case& test : cases) {
+  for (const auto& [mask, expected] : cases) {
     RecordingView root(NSMakeRect(0, 0, 200, 100));
     QPushButton child(&root);
     NSSetFrame(child, frame);
-    NSSetAutoresizingMask(child, test.mask);
+    NSSetAutoresizingMask(child, mask);
     root.setFrameSize({240, 120});
-    EXPECT_EQ(NSGetFrame(child), test.expected) << test.mask;
+    EXPECT_EQ(NSGetFrame(child), expected) << mask;
     root.setFrameSize({200, 100});
-    EXPECT_EQ(NSGetFrame(child), frame) << test.mask;
+    EXPECT_EQ(NSGetFrame(child), frame) << mask;
   }
   EXPECT_EQ(NSAutoresizedFrame(frame, NSViewWidthSizable, -80, 0), NSMakeRect(10, 20, 0, 30));
   RecordingView rigid(NSMakeRect(0, 0, 200, 100));
@@ -113,19 +96,18 @@ TEST(Frames, AnnounceNewBoundsOncePerChange) {
 
 TEST(Frames, KeepTheirNumbersWhenAViewIsTakenOutAndPutBack) {
   RecordingView root(NSMakeRect(0, 0, 200, 100));
-  auto child = std::make_unique<RecordingView>(NSMakeRect(10, 20, 50, 30));
-  root.addSubview(*child);
+  RecordingView child(NSMakeRect(10, 20, 50, 30));
   root.show();
-  EXPECT_EQ(child->superview(), &root);
-  EXPECT_EQ(child->geometry(), QRect(10, 50, 50, 30));
-  EXPECT_TRUE(child->isVisible());
-  child->removeFromSuperview();
-  EXPECT_EQ(child->superview(), nullptr);
-  EXPECT_FALSE(child->isVisible());
-  root.setFrameSize({200, 60});
-  root.addSubview(*child);
-  EXPECT_EQ(child->geometry(), QRect(10, 10, 50, 30));
-  EXPECT_TRUE(child->isVisible());
+  for (const int height : {100, 60}) {
+    root.setFrameSize({200, double(height)});
+    root.addSubview(child);
+    EXPECT_EQ(child.superview(), &root);
+    EXPECT_EQ(child.geometry(), QRect(10, height - 50, 50, 30));
+    EXPECT_TRUE(child.isVisible());
+    child.removeFromSuperview();
+    EXPECT_EQ(child.superview(), nullptr);
+    EXPECT_FALSE(child.isVisible());
+  }
 }
 
 TEST(Frames, InsideOrdinaryWidgetsFollowTheirLayouts) {
@@ -158,17 +140,13 @@ TEST(Coordinates, ConvertThroughNestedAndFlippedViews) {
   RecordingView inner(NSMakeRect(5, 4, 10, 10), &flipped);
   // A point of the window, from its lower left: x 60, y 140 is 60 from the top.
   const NSPoint inWindow{60, 140};
-  struct Case {
-    const RecordingView& view;
-    NSPoint expected;
-  };
   // outer: x 60 - 20, from its top 60 - 10 = 50. flipped: 40 from the top of outer. inner: 4 from the top of flipped.
-  const Case cases[] = {{outer, {40, 50}}, {flipped, {10, 10}}, {inner, {5, 4}}};
-  for (const Case& test : cases) {
-    const NSPoint point = test.view.convertPointFromWindow(inWindow);
-    EXPECT_EQ(point.x, test.expected.x);
-    EXPECT_EQ(point.y, test.expected.y);
-    const NSPoint back = test.view.convertPointToWindow(point);
+  const std::pair<const RecordingView*, NSPoint> cases[] = {{&outer, {40, 50}}, {&flipped, {10, 10}}, {&inner, {5, 4}}};
+  for (const auto& [view, expected] : cases) {
+    const NSPoint point = view->convertPointFromWindow(inWindow);
+    EXPECT_EQ(point.x, expected.x);
+    EXPECT_EQ(point.y, expected.y);
+    const NSPoint back = view->convertPointToWindow(point);
     EXPECT_EQ(back.x, inWindow.x);
     EXPECT_EQ(back.y, inWindow.y);
   }

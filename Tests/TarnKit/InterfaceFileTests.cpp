@@ -19,15 +19,11 @@ class PanelView : public NSTarnView {
   bool isFlipped() const override { return true; }
 };
 
-std::string widget(const std::string& type, const std::string& name, const std::string& geometry,
-                   const std::string& inside = "") {
-  return "<widget class=\"" + type + "\" name=\"" + name + "\"><property name=\"geometry\"><rect>" + geometry +
-         "</rect></property>" + inside + "</widget>";
-}
-
-std::string rect(int x, int y, int width, int height) {
-  return "<x>" + std::to_string(x) + "</x><y>" + std::to_string(y) + "</y><width>" + std::to_string(width) +
-         "</width><height>" + std::to_string(height) + "</height>";
+std::string widget(const char* type, const char* name, QRect frame, const std::string& inside = "") {
+  const QString start(R"(<widget class="%1" name="%2"><property name="geometry"><rect>)");
+  const QString rest("<x>%1</x><y>%2</y><width>%3</width><height>%4</height></rect></property>");
+  return start.arg(QString(type), QString(name)).toStdString() +
+         rest.arg(frame.x()).arg(frame.y()).arg(frame.width()).arg(frame.height()).toStdString() + inside + "</widget>";
 }
 
 std::string action(const std::string& name) {
@@ -36,7 +32,7 @@ std::string action(const std::string& name) {
 
 std::string form(const std::string& inside) {
   return "<?xml version=\"1.0\"?><ui version=\"4.0\"><class>Form</class>" +
-         widget("NSTarnView", "masterView", rect(0, 0, 236, 76), inside) + "<resources/><connections/></ui>";
+         widget("NSTarnView", "masterView", QRect(0, 0, 236, 76), inside) + "<resources/><connections/></ui>";
 }
 
 struct InterfaceFile : testing::Test {
@@ -55,10 +51,10 @@ struct InterfaceFile : testing::Test {
 };
 
 TEST_F(InterfaceFile, GivesViewsFramesOutletsAndActions) {
-  const std::string text = form(widget("PanelView", "panel", rect(10, 6, 100, 30)) +
-                                widget("NSTarnButton", "button", rect(216, 0, 20, 20), action("press:")) +
-                                widget("NSPopUpButton", "popUp", rect(0, 50, 80, 20), action("choose:")) +
-                                widget("QLabel", "label", rect(0, 0, 9, 9)));
+  const std::string text = form(widget("PanelView", "panel", QRect(10, 6, 100, 30)) +
+                                widget("NSTarnButton", "button", QRect(216, 0, 20, 20), action("press:")) +
+                                widget("NSPopUpButton", "popUp", QRect(0, 50, 80, 20), action("choose:")) +
+                                widget("QLabel", "label", QRect(0, 0, 9, 9)));
   TarnInterfaceFile file;
   NSTarnView* master = nullptr;
   PanelView* panel = nullptr;
@@ -69,8 +65,9 @@ TEST_F(InterfaceFile, GivesViewsFramesOutletsAndActions) {
   file.addOutlet("panel", panel);
   file.addOutlet("button", button);
   file.addOutlet("popUp", popUp);
-  file.addAction("press:", [&](QWidget* sender) { senders.push_back(sender->objectName().toStdString()); });
-  file.addAction("choose:", [&](QWidget* sender) { senders.push_back(sender->objectName().toStdString()); });
+  for (const char* name : {"press:", "choose:"}) {
+    file.addAction(name, [&](QWidget* sender) { senders.push_back(sender->objectName().toStdString()); });
+  }
   const std::unique_ptr<QWidget> root = load(file, text);
   ASSERT_TRUE(root) << reason;
   EXPECT_EQ(reports, "");
@@ -89,15 +86,23 @@ TEST_F(InterfaceFile, GivesViewsFramesOutletsAndActions) {
   QTest::mouseClick(button, Qt::LeftButton);
   QTest::keyClick(popUp, Qt::Key_Up);
   EXPECT_EQ(senders, (std::vector<std::string>{"button", "popUp"}));
+
+  TarnInterfaceFile deleting;
+  std::unique_ptr<QWidget> mortal;
+  deleting.addOutlet("button", button);
+  deleting.addAction("press:", [&](QWidget*) { mortal.reset(); });
+  deleting.addAction("choose:", [](QWidget*) {});
+  mortal = load(deleting, text);
+  QTest::mouseClick(button, Qt::LeftButton);
+  EXPECT_FALSE(mortal) << "an action may delete the panel";
 }
 
 TEST_F(InterfaceFile, ReportsByNameWhatDoesNotFitAndKeepsTheRest) {
   const std::string text =
-      form(widget("QLabel", "panel", rect(0, 0, 9, 9)) + widget("NoSuchView", "strange", rect(0, 0, 9, 9)) +
-           widget("NSTarnButton", "button", rect(0, 0, 20, 20), action("nobody:")));
+      form(widget("QLabel", "panel", QRect(0, 0, 9, 9)) + widget("NoSuchView", "strange", QRect(0, 0, 9, 9)) +
+           widget("NSTarnButton", "button", QRect(0, 0, 20, 20), action("nobody:")));
   TarnInterfaceFile file;
-  PanelView* panel = nullptr;
-  PanelView* missing = nullptr;
+  PanelView *panel = nullptr, *missing = nullptr;
   NSTarnButton* button = nullptr;
   file.addOutlet("panel", panel);
   file.addOutlet("lost", missing);
@@ -115,10 +120,6 @@ TEST_F(InterfaceFile, ReportsByNameWhatDoesNotFitAndKeepsTheRest) {
 
 TEST_F(InterfaceFile, FailsWithTheReason) {
   const TarnInterfaceFile file;
-  struct Case {
-    const char* text;
-    const char* reason;
-  };
   for (const char* text : {"", "no form", "<ui version=\"4.0\">", "<ui version=\"4.0\"/>", "<html/>"}) {
     reason.clear();
     EXPECT_FALSE(load(file, text)) << text;
@@ -142,18 +143,6 @@ TEST_F(InterfaceFile, IsFoundInABundleByName) {
   EXPECT_FALSE(TarnInterfaceFile().load("org.example.panels", "Other", &reason));
   EXPECT_NE(reason.find("Other"), std::string::npos);
   CFRelease(bundle);
-}
-
-TEST_F(InterfaceFile, AnActionMayDeleteThePanel) {
-  TarnInterfaceFile file;
-  std::unique_ptr<QWidget> root;
-  NSTarnButton* button = nullptr;
-  file.addOutlet("button", button);
-  file.addAction("press:", [&](QWidget*) { root.reset(); });
-  root = load(file, form(widget("NSTarnButton", "button", rect(0, 0, 20, 20), action("press:"))));
-  ASSERT_TRUE(button);
-  QTest::mouseClick(button, Qt::LeftButton);
-  EXPECT_FALSE(root);
 }
 
 }  // namespace

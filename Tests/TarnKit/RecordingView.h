@@ -21,14 +21,20 @@ class RecordingView : public NSTarnView {
       : NSTarnView(frame, parent), flipped_(flipped) {}
 
   bool isFlipped() const override { return flipped_; }
-  void mouseDown(const NSEvent& event) override { record("down", event, &NSTarnView::mouseDown); }
-  void mouseDragged(const NSEvent& event) override { record("dragged", event, &NSTarnView::mouseDragged); }
-  void mouseUp(const NSEvent& event) override { record("up", event, &NSTarnView::mouseUp); }
-  void mouseMoved(const NSEvent& event) override { record("moved", event, nullptr); }
-  void rightMouseDown(const NSEvent& event) override {
-    record("right", event, rightIsDown ? &NSTarnView::mouseDown : &NSTarnView::rightMouseDown);
+  void mouseDown(const NSEvent& event) override {
+    record("down", event, [&] { NSTarnView::mouseDown(event); });
   }
-  void flagsChanged(const NSEvent& event) override { record("flags", event, nullptr); }
+  void mouseDragged(const NSEvent& event) override {
+    record("dragged", event, [&] { NSTarnView::mouseDragged(event); });
+  }
+  void mouseUp(const NSEvent& event) override {
+    record("up", event, [&] { NSTarnView::mouseUp(event); });
+  }
+  void mouseMoved(const NSEvent& event) override { record("moved", event); }
+  void rightMouseDown(const NSEvent& event) override {
+    record("right", event, [&] { rightIsDown ? NSTarnView::mouseDown(event) : NSTarnView::rightMouseDown(event); });
+  }
+  void flagsChanged(const NSEvent& event) override { record("flags", event); }
   void setBounds(NSRect bounds) override {
     boundsSet.push_back(bounds);
     NSTarnView::setBounds(bounds);
@@ -48,19 +54,11 @@ class RecordingView : public NSTarnView {
   std::vector<NSRect> boundsSet;
 
  private:
-  using Base = void (NSTarnView::*)(const NSEvent&);
-
-  void record(const char* name, const NSEvent& event, Base base) {
+  void record(const char* name, const NSEvent& event, const std::function<void()>& base = nullptr) {
     calls.push_back(
         {name, convertPointFromWindow(event.locationInWindow()), event.modifierFlags(), event.clickCount()});
-    if (base == &NSTarnView::mouseDown && passesOn) return NSTarnView::mouseDown(event);
-    if (base && passesOn) return passOn(name, event);
+    if (base && passesOn) return base();
     if (inHandler) inHandler();
-  }
-  void passOn(const std::string& name, const NSEvent& event) {
-    if (name == "dragged") NSTarnView::mouseDragged(event);
-    if (name == "up") NSTarnView::mouseUp(event);
-    if (name == "right") NSTarnView::rightMouseDown(event);
   }
 
   bool flipped_;

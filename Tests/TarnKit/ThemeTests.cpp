@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "Platform/TarnKit/NSTarnView.h"
 #include "Platform/TarnKit/TarnTheme.h"
 #include "Tests/TarnKit/Pictures.h"
 
 #include <gtest/gtest.h>
-
-#include <functional>
 
 namespace {
 
@@ -30,22 +27,6 @@ class FolderProvider : public TarnThemeProvider {
   const TestFolder& folder_;
 };
 
-class ThemeView : public NSTarnView {
- public:
-  ThemeView(NSSize size, bool flipped, std::function<void()> draw)
-      : NSTarnView(NSRect{{}, size}), flipped_(flipped), draw_(std::move(draw)) {
-    QPalette light;
-    light.setColor(QPalette::Window, Qt::white);
-    setPalette(light);
-  }
-  bool isFlipped() const override { return flipped_; }
-  void drawRect(NSRect) override { draw_(); }
-
- private:
-  bool flipped_;
-  std::function<void()> draw_;
-};
-
 struct Theme : testing::Test {
   TestFolder folder;
   TarnTheme* theme = _RegisterThemeProvider(std::make_unique<FolderProvider>(folder));
@@ -56,26 +37,24 @@ TEST_F(Theme, NinePartsKeepTheirBordersAtEverySize) {
   for (const bool flipped : {false, true}) {
     for (const NSSize size : {NSSize{8, 8}, NSSize{31, 17}, NSSize{200, 9}}) {
       const NSRect rect = NSMakeRect(3, 4, size.width, size.height);
-      ThemeView view({size.width + 6, size.height + 8}, flipped,
+      DrawnView view({size.width + 6, size.height + 8}, flipped,
                      [&] { DrawNinePartElementAtIndex(rect, theme, 1, 0, 1, 0); });
       const QImage image = pictureOf(view);
       const double ratio = view.devicePixelRatioF();
-      const QRect outer = view.toWidget(rect);
-      const int edge[] = {int(std::lround(outer.left() * ratio)), int(std::lround(outer.top() * ratio)),
-                          int(std::lround((outer.right() + 1) * ratio)),
-                          int(std::lround((outer.bottom() + 1) * ratio))};
-      const int border = int(std::lround(2 * ratio));
-      for (int y = edge[1]; y < edge[3]; ++y) {
-        for (int x = edge[0]; x < edge[2]; ++x) {
-          const bool left = x < edge[0] + border;
-          const bool top = y < edge[1] + border;
-          const bool inside = !left && !top && x < edge[2] - border && y < edge[3] - border;
-          const QRgb expected = left && top ? qRgb(0, 0, 255) : inside ? qRgb(0, 255, 0) : qRgb(255, 0, 0);
-          ASSERT_EQ(image.pixel(x, y), expected) << x << ", " << y << " of " << size.width << " x " << size.height;
+      const QRect points = view.toWidget(rect);
+      const auto scaled = [&](int x) { return int(std::lround(x * ratio)); };
+      const QRect outer(QPoint(scaled(points.left()), scaled(points.top())),
+                        QPoint(scaled(points.right() + 1) - 1, scaled(points.bottom() + 1) - 1));
+      const int border = scaled(2);
+      const QRect inner = outer.adjusted(border, border, -border, -border);
+      const QRect corner(outer.topLeft(), QSize(border, border));
+      const QRgb around = image.pixel(0, 0), red = qRgb(255, 0, 0), green = qRgb(0, 255, 0), blue = qRgb(0, 0, 255);
+      for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+          const QRgb inside = corner.contains(x, y) ? blue : inner.contains(x, y) ? green : red;
+          ASSERT_EQ(image.pixel(x, y), outer.contains(x, y) ? inside : around) << x << ", " << y << " " << flipped;
         }
       }
-      EXPECT_EQ(image.pixel(edge[0] - 1, edge[1]), image.pixel(0, 0));
-      EXPECT_EQ(image.pixel(edge[2], edge[3]), image.pixel(0, 0));
     }
   }
 }
@@ -84,7 +63,7 @@ TEST_F(Theme, AtomsStandUprightWithOpacityAndFollowThePalette) {
   folder.write("light.svg", leftHalfBlack);
   folder.write("dark.svg", well);
   for (const bool flipped : {false, true}) {
-    ThemeView view({20, 10}, flipped, [&] {
+    DrawnView view({20, 10}, flipped, [&] {
       DrawThemeAtomAtIndex(NSMakeRect(0, 0, 8, 4), theme, 2, 0, 1, 0);
       DrawThemeAtomAtIndex(NSMakeRect(10, 0, 8, 4), theme, 2, 0, 0.5, 0);
     });
@@ -96,9 +75,7 @@ TEST_F(Theme, AtomsStandUprightWithOpacityAndFollowThePalette) {
     EXPECT_EQ(pixelAt(image, ratio, 6, top + 3), image.pixel(image.width() - 1, image.height() / 2));
     EXPECT_NEAR(qRed(pixelAt(image, ratio, 11, top)), qRed(image.pixel(image.width() - 1, image.height() / 2)) / 2, 2);
 
-    QPalette dark;
-    dark.setColor(QPalette::Window, Qt::black);
-    view.setPalette(dark);
+    view.setGround(Qt::black);
     EXPECT_EQ(pixelAt(pictureOf(view), ratio, 3, top + 1), qRgb(0, 255, 0));
   }
 }
@@ -108,7 +85,7 @@ TEST_F(Theme, FaultsAreReportedOnceByName) {
   folder.write("file1.svg", "<svg>no end");
   folder.write("file2.svg", "");
   folder.write("file3.svg", leftHalfBlack);
-  ThemeView view({40, 10}, false, [&] {
+  DrawnView view({40, 10}, false, [&] {
     for (int index = 0; index < 4; ++index) {
       DrawThemeAtomAtIndex(NSMakeRect(index * 10, 0, 8, 8), theme, 3, index, 1, 0);
       DrawNinePartElementAtIndex(NSMakeRect(index * 10, 0, 8, 8), theme, 3, index, 1, 0);
@@ -120,12 +97,8 @@ TEST_F(Theme, FaultsAreReportedOnceByName) {
   view.grab();
   const QImage image = view.grab().toImage();
   const std::string report = testing::internal::GetCapturedStderr();
-  const auto count = [&](const std::string& text) {
-    int found = 0;
-    for (auto at = report.find(text); at != std::string::npos; at = report.find(text, at + 1)) ++found;
-    return found;
-  };
-  for (int index = 0; index < 3; ++index) EXPECT_EQ(count("file" + std::to_string(index) + ".svg"), 1) << report;
+  const auto count = [&](const QString& text) { return QString::fromStdString(report).count(text); };
+  for (const char* file : {"file0.svg", "file1.svg", "file2.svg"}) EXPECT_EQ(count(file), 1) << report;
   EXPECT_EQ(count("atom 0xABCD1200, index 7"), 1) << report;
   EXPECT_EQ(count("file3.svg"), 0) << report;
   EXPECT_EQ(pixelAt(image, view.devicePixelRatioF(), 31, 5), qRgb(0, 0, 0));
