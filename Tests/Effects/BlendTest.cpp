@@ -46,6 +46,16 @@ TEST(BlendModes, FollowTheirFormulas) {
   }
 }
 
+TEST(BlendModes, CoveringForegroundsAreExact) {
+  for (const Layout& layout : layouts) {
+    const Bitmap white = makeImage(layout, 50, 9, {layout.full, layout.full, layout.full, layout.full});
+    const Bitmap background = randomImage(layout, 50, 9, Noise::Premultiplied, 33);
+    EXPECT_EQ(pixelBytes(*blended("Over", background, white)), pixelBytes(*white)) << layout.name;
+    background->setConstantAlpha(1);
+    EXPECT_EQ(pixelBytes(*blended("Multiply", background, white)), pixelBytes(*background)) << layout.name;
+  }
+}
+
 TEST(BlendModes, TheForegroundLiesAtTheUpperLeftOfTheBackground) {
   const Layout& layout = layouts[0];
   const Bitmap background = randomImage(layout, 6, 5, Noise::Premultiplied, 35);

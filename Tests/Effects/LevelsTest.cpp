@@ -77,6 +77,15 @@ TEST(Levels, NeutralChangesNoByteAtAnyDepth) {
   }
 }
 
+TEST(Levels, AChangeOfOneColorLeavesTheOthersAsTheyAre) {
+  const Bitmap image = randomImage(layouts[3], 67, 31, Noise::Premultiplied, 4);
+  const ConstBitmap out = throughLevels(image, levels({{"gammaGreen", 2.2}}));
+  const auto before = pixelsOf(*image, layouts[3]), after = pixelsOf(*out, layouts[3]);
+  for (std::size_t i = 0; i < before.size(); ++i) {
+    for (const int c : {0, 2, 3}) ASSERT_NEAR(after[i][c], before[i][c], 1e-6) << "float, pixel " << i;
+  }
+}
+
 TEST(Levels, FollowTheDefinition) {
   const PropertyList settings[] = {
       levels({{"blackInRGB", 0.2}, {"whiteInRGB", 0.7}, {"gammaRGB", 1.8}}),
