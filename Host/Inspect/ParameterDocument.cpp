@@ -36,13 +36,13 @@ StateKind stateKindNamed(const std::string& name) {
 }
 
 template <class Port>
-QCPort& onlyPort(QCPatch& patch, StateKind kind, NSObjectRef value) {
+QCPort& onlyPort(QCPatch& patch, StateKind kind, const NSObjectRef& value) {
   PropertyList attributes = PropertyList::dictionary();
   std::string name = stateKindName(kind);
   name[0] = static_cast<char>(name[0] - 'a' + 'A');
   attributes.set("name", PropertyList::string(name));
   QCPort& port = *patch.addInputPort<Port>(stateKindName(kind), attributes);
-  port.setValue(std::move(value));
+  port.setValue(value);
   return port;
 }
 

@@ -64,15 +64,15 @@ void convert(const VortoBitmap* source, DepthLayout from, const VortoBitmap* des
 }
 
 template <class Pixel>
-constexpr DepthLayout LayoutOf = DepthLayout::RGBA8;
+constexpr DepthLayout kLayoutOf = DepthLayout::RGBA8;
 template <>
-constexpr DepthLayout LayoutOf<VortoPixel4<std::uint8_t, VortoPixelInfoARGB8>> = DepthLayout::ARGB8;
+constexpr DepthLayout kLayoutOf<VortoPixel4<std::uint8_t, VortoPixelInfoARGB8>> = DepthLayout::ARGB8;
 template <>
-constexpr DepthLayout LayoutOf<VortoPixel4<std::uint16_t, VortoPixelInfoRGBA16>> = DepthLayout::RGBA16;
+constexpr DepthLayout kLayoutOf<VortoPixel4<std::uint16_t, VortoPixelInfoRGBA16>> = DepthLayout::RGBA16;
 template <>
-constexpr DepthLayout LayoutOf<VortoPixel4<half, VortoPixelInfoRGBAHalfFloat>> = DepthLayout::RGBAHalf;
+constexpr DepthLayout kLayoutOf<VortoPixel4<half, VortoPixelInfoRGBAHalfFloat>> = DepthLayout::RGBAHalf;
 template <>
-constexpr DepthLayout LayoutOf<VortoPixel4<float, VortoPixelInfoRGBAFloat>> = DepthLayout::RGBAFloat;
+constexpr DepthLayout kLayoutOf<VortoPixel4<float, VortoPixelInfoRGBAFloat>> = DepthLayout::RGBAFloat;
 
 DepthLayout sourceLayout(std::uint32_t code) {
   switch (code) {
@@ -134,17 +134,17 @@ void scaleBitmap(View* destination, View* source) {
 
 template <class View, class Pixel>
 void scaleAndDepthConvertBitmapToARGB8(View* source, VortoBitmapARGB8* destination) {
-  convert(source, LayoutOf<Pixel>, destination, DepthLayout::ARGB8);
+  convert(source, kLayoutOf<Pixel>, destination, DepthLayout::ARGB8);
 }
 
 template <class View, class Pixel>
 void scaleAndDepthConvertBitmaptoRGBA16(View* source, VortoBitmapRGBA16* destination) {
-  convert(source, LayoutOf<Pixel>, destination, DepthLayout::RGBA16);
+  convert(source, kLayoutOf<Pixel>, destination, DepthLayout::RGBA16);
 }
 
 template <class View, class Pixel>
 void scaleAndDepthConvertBitmaptoRGBAFloat(View* source, VortoBitmapRGBAFloat* destination) {
-  convert(source, LayoutOf<Pixel>, destination, DepthLayout::RGBAFloat);
+  convert(source, kLayoutOf<Pixel>, destination, DepthLayout::RGBAFloat);
 }
 
 #define INSTANTIATE_SCALER(View, ...) template void scaleBitmap<View, __VA_ARGS__>(View*, View*);

@@ -60,6 +60,7 @@ std::vector<std::string> LocalizedPaths(CFBundleRef bundle, const std::string& f
     languages.insert(languages.end(), forms.begin(), forms.end());
   }
   std::vector<std::string> paths;
+  paths.reserve(languages.size());
   for (const std::string& language : languages) paths.push_back(ResourcesPath(bundle) + language + ".lproj/" + file);
   return paths;
 }

@@ -117,7 +117,7 @@ struct GFNodeManager::State {
     if (!description) {
       return false;
     }
-    const std::size_t mark = table.size();
+    const std::size_t mark = table.size();  // for the way back: NOLINT(clang-analyzer-deadcode.DeadStores)
     const std::string outer = std::exchange(registeringPath, path);
     try {
       description->registerNodes(manager);

@@ -31,7 +31,7 @@ struct Cuts {
 Cuts cut(double size, double first, double last, int pixels, double ratio) {
   int near = first > 0 ? std::max(1, int(std::lround(first * ratio))) : 0;
   int far = last > 0 ? std::max(1, int(std::lround(last * ratio))) : 0;
-  if (near + far > pixels) {
+  if (near + far > std::max(pixels, 0)) {
     near = pixels * near / (near + far);
     far = pixels - near;
   }

@@ -17,7 +17,7 @@ struct TarnThemeKey {
   int index = 0;
   bool dark = false;
 
-  auto operator<=>(const TarnThemeKey&) const = default;
+  auto operator<=>(const TarnThemeKey&) const = default;  // NOLINT(modernize-use-nullptr)
 };
 
 // A registered provider, the artwork it named so far, and the renderings of it.
@@ -44,7 +44,7 @@ class TarnTheme {
     int height;
     double sliceRatio;  // device pixels a point in the slices; 0 for the whole picture
 
-    auto operator<=>(const RenderingKey&) const = default;
+    auto operator<=>(const RenderingKey&) const = default;  // NOLINT(modernize-use-nullptr)
   };
 
   Picture load(const TarnThemeKey& key) const;
