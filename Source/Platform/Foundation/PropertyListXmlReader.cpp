@@ -5,6 +5,7 @@
 #include <expat.h>
 
 #include <algorithm>
+#include <cstring>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -15,7 +16,7 @@ namespace {
 enum class Element { None, Plist, Dictionary, Array, Key, String, Integer, Real, Date, Data, True, False, Unknown };
 
 struct Name {
-  std::string_view text;
+  const char* text;
   Element element;
 };
 constexpr Name kNames[] = {
@@ -25,9 +26,9 @@ constexpr Name kNames[] = {
     {"date", Element::Date}, {"plist", Element::Plist},
 };
 
-Element elementOf(std::string_view name) {
+Element elementOf(const char* name) {
   for (const Name& each : kNames) {
-    if (each.text.front() == name.front() && each.text == name) {
+    if (*each.text == *name && std::strcmp(each.text, name) == 0) {
       return each.element;
     }
   }
@@ -126,24 +127,9 @@ class XmlReader {
     XML_SetSkippedEntityHandler(parser, [](void* data, const char*, int) { self(data).fail("an unknown entity"); });
   }
 
-  // In pieces, so that the parser copies little at a time. What it cannot take apart within one piece it goes through
-  // again with the next; pieces that grow then keep that from adding up.
+  // In one piece: after each piece but the last the parser would go through all of it again, to count its lines.
   bool parse() {
-    std::size_t piece = std::size_t{1} << 15;
-    XML_Index reached = 0;
-    for (std::string_view rest = document_;;) {
-      const std::string_view next = rest.substr(0, piece);
-      rest.remove_prefix(next.size());
-      if (XML_Parse(parser_.get(), next.data(), static_cast<int>(next.size()), rest.empty() ? 1 : 0) != XML_STATUS_OK) {
-        return false;
-      }
-      if (rest.empty()) {
-        return true;
-      }
-      const XML_Index now = XML_GetCurrentByteIndex(parser_.get());
-      piece *= now > reached ? 1 : 2;
-      reached = std::max(now, reached);
-    }
+    return XML_Parse(parser_.get(), document_.data(), static_cast<int>(document_.size()), XML_TRUE) == XML_STATUS_OK;
   }
 
   void fail(std::string fault) {
@@ -171,13 +157,13 @@ class XmlReader {
     }
   }
 
-  void start(std::string_view name) {
+  void start(const char* name) {
     const Element element = elementOf(name);
     if (failed()) {
       return;
     }
     if (leaf_ != Element::None) {
-      return fail("<" + std::string(name) + "> within another value");
+      return fail(std::string("<") + name + "> within another value");
     }
     if (element == Element::Plist && !isOpen_) {
       isOpen_ = true;
@@ -185,7 +171,7 @@ class XmlReader {
     }
     isOpen_ = true;
     if (element == Element::Plist || element == Element::Unknown) {
-      return fail("<" + std::string(name) + "> is unknown");
+      return fail(std::string("<") + name + "> is unknown");
     }
     if (mayStandHere(element == Element::Key) && isWithinLimits()) {
       begin(element);
@@ -274,7 +260,7 @@ class XmlReader {
   void failAt(Element element) {
     const Name* name =
         std::find_if(std::begin(kNames), std::end(kNames), [&](const Name& each) { return each.element == element; });
-    fail("a malformed <" + std::string(name->text) + ">");
+    fail(std::string("a malformed <") + name->text + ">");
   }
 
   void endContainer() {
