@@ -1,20 +1,17 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Benchmarks/TarnCore/FrameBench.h"
 
-#include "Benchmarks/BenchmarkTable.h"
+#include "Benchmarks/Turns.h"
 
 #include <Imath/half.h>
-#include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstring>
 
 namespace {
 
 using Format = VortoPixelFormat;
 using Bitmap = std::unique_ptr<VortoBitmap>;
-using Clock = std::chrono::steady_clock;
 
 FrameSize shaped(FrameSize frame, Shape shape) {
   switch (shape) {
@@ -69,29 +66,6 @@ void makeMostlyOpaque(VortoBitmap& bitmap) {
   }
 }
 
-struct Contestant {
-  std::string name;
-  std::function<void()> work;
-  std::vector<double> seconds;
-
-  void takeTurn() {
-    constexpr double kTurn = 0.0006;
-    work();  // the caches are as somebody else left them
-    double total = 0;
-    while (total < kTurn) {
-      const Clock::time_point start = Clock::now();
-      work();
-      benchmark::ClobberMemory();
-      seconds.push_back(std::chrono::duration<double>(Clock::now() - start).count());
-      total += seconds.back();
-    }
-  }
-  double median() {
-    std::ranges::nth_element(seconds, seconds.begin() + static_cast<std::ptrdiff_t>(seconds.size() / 2));
-    return seconds[seconds.size() / 2];
-  }
-};
-
 std::vector<Peer> peersOf(const Row& row) {
   std::vector<Peer> peers = plainPeers(row);
   peers.push_back({"libyuv", libyuvWork(row)});
@@ -128,25 +102,10 @@ void measure(benchmark::State& state, const Row& row, FrameSize frame) {
   const std::vector<Peer> peers = peersOf(row);
 
   std::vector<Contestant> contestants;
-  contestants.push_back({"vorto", frames.bound(row.work), {}});
-  contestants.push_back({"memcpy", [&] { std::memcpy(copy->data, copySource->data, copy->getSize()); }, {}});
-  for (const Peer& peer : peers) contestants.push_back({peer.name, frames.bound(peer.work), {}});
-  for (auto _ : state) {
-    for (int round = 0; round < rounds; ++round) {
-      for (Contestant& contestant : contestants) contestant.takeTurn();
-    }
-    state.SetIterationTime(contestants[0].median());
-  }
-
-  const double own = contestants[0].median();
-  state.counters[kMeasures.milliseconds] = own * 1e3;
-  state.counters[kMeasures.gigabytes] = frames.traffic(row) / own / 1e9;
-  state.counters[kMeasures.timesMemcpy] = own / contestants[1].median();
-  if (peers.empty()) return;
-  const auto best = std::ranges::min_element(contestants.begin() + 2, contestants.end(), {}, &Contestant::median);
-  state.counters[kMeasures.peerMilliseconds] = best->median() * 1e3;
-  state.counters[kMeasures.timesPeer] = own / best->median();
-  state.SetLabel(best->name);
+  contestants.push_back({"vorto", frames.bound(row.work)});
+  contestants.push_back({"memcpy", [&] { std::memcpy(copy->data, copySource->data, copy->getSize()); }});
+  for (const Peer& peer : peers) contestants.push_back({peer.name, frames.bound(peer.work)});
+  measureInTurns(state, std::move(contestants), rounds, frames.traffic(row));
 }
 
 void registerTable(const std::string& table, FrameSize frame) {

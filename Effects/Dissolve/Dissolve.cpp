@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "Effects/Support/MixRow.h"
 #include "Effects/Support/PixelLayout.h"
 #include "Effects/Support/TransitionPatch.h"
+#include "Effects/kernels/Mix.h"
 #include "Platform/QuartzComposer/QCPlugIn.h"
 
 namespace vorto::effects {
@@ -17,9 +17,8 @@ class DissolvePatch : public TransitionPatch {
     withLayout(out.formatCode, [&](auto layout) {
       using Channel = typename decltype(layout)::Channel;
       const MixWeight<Channel> weight = mixWeight<Channel>(time);
-      const std::size_t count = std::size_t{out.width} * layout.kChannels;
       for (std::size_t y = 0; y < out.height; ++y) {
-        mixRow(rowOf<Channel>(a, y), rowOf<Channel>(b, y), rowOf<Channel>(out, y), count, weight);
+        mixRow(rowOf<Channel>(a, y), rowOf<Channel>(b, y), rowOf<Channel>(out, y), out.width, weight);
       }
     });
   }

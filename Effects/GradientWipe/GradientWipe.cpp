@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Effects/GradientWipe/WipeWeights.h"
-#include "Effects/Support/MixRow.h"
 #include "Effects/Support/PixelLayout.h"
 #include "Effects/Support/Ramp.h"
 #include "Effects/Support/TransitionPatch.h"
+#include "Effects/kernels/Mix.h"
 #include "Platform/QuartzComposer/QCPlugIn.h"
 #include "Ports/VRTObjects.h"
 #include "Ports/VRTPorts.h"

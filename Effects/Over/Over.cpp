@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "Effects/Over/OverKernel.h"
+#include "Effects/kernels/Over.h"
 #include "Effects/Support/BlendModePatch.h"
 #include "Effects/Support/PixelLayout.h"
 #include "Platform/QuartzComposer/QCPlugIn.h"

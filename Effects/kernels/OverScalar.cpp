@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "Effects/Over/OverKernel.h"
-
 #include "Effects/Support/Arithmetic.h"
-#include "Effects/Support/Clones.h"
 #include "Effects/Support/PixelLayout.h"
+#include "Effects/kernels/Over.h"
 
 namespace vorto::effects {
 namespace {
@@ -21,8 +19,8 @@ Channel over(Channel background, Channel foreground, Channel uncovered) {
 }  // namespace
 
 template <class Layout>
-VORTO_CLONES void overRow(const typename Layout::Channel* background, const typename Layout::Channel* foreground,
-                          typename Layout::Channel* out, std::size_t count) {
+void overRowScalar(const typename Layout::Channel* background, const typename Layout::Channel* foreground,
+                   typename Layout::Channel* out, std::size_t count) {
   using Channel = typename Layout::Channel;
   constexpr Channel one = std::is_same_v<Channel, float> ? Channel{1} : std::numeric_limits<Channel>::max();
   for (std::size_t i = 0; i < count * Layout::kChannels; i += Layout::kChannels) {
@@ -31,9 +29,9 @@ VORTO_CLONES void overRow(const typename Layout::Channel* background, const type
   }
 }
 
-template void overRow<RGBA8>(const std::uint8_t*, const std::uint8_t*, std::uint8_t*, std::size_t);
-template void overRow<ARGB8>(const std::uint8_t*, const std::uint8_t*, std::uint8_t*, std::size_t);
-template void overRow<RGBA16>(const std::uint16_t*, const std::uint16_t*, std::uint16_t*, std::size_t);
-template void overRow<RGBAFloat>(const float*, const float*, float*, std::size_t);
+template void overRowScalar<RGBA8>(const std::uint8_t*, const std::uint8_t*, std::uint8_t*, std::size_t);
+template void overRowScalar<ARGB8>(const std::uint8_t*, const std::uint8_t*, std::uint8_t*, std::size_t);
+template void overRowScalar<RGBA16>(const std::uint16_t*, const std::uint16_t*, std::uint16_t*, std::size_t);
+template void overRowScalar<RGBAFloat>(const float*, const float*, float*, std::size_t);
 
 }  // namespace vorto::effects

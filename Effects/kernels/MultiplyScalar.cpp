@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "Effects/Multiply/MultiplyKernel.h"
-
 #include "Effects/Support/Arithmetic.h"
-#include "Effects/Support/Clones.h"
 #include "Effects/Support/PixelLayout.h"
+#include "Effects/kernels/Multiply.h"
 
 namespace vorto::effects {
 namespace {
@@ -25,8 +23,8 @@ Channel multiplied(Channel background, Channel foreground, Channel backgroundAlp
 }  // namespace
 
 template <class Layout>
-VORTO_CLONES void multiplyRow(const typename Layout::Channel* background, const typename Layout::Channel* foreground,
-                              typename Layout::Channel* out, std::size_t count) {
+void multiplyRowScalar(const typename Layout::Channel* background, const typename Layout::Channel* foreground,
+                       typename Layout::Channel* out, std::size_t count) {
   for (std::size_t i = 0; i < count * Layout::kChannels; i += Layout::kChannels) {
     const auto backgroundAlpha = background[i + Layout::kAlpha];
     const auto foregroundAlpha = foreground[i + Layout::kAlpha];
@@ -36,9 +34,9 @@ VORTO_CLONES void multiplyRow(const typename Layout::Channel* background, const 
   }
 }
 
-template void multiplyRow<RGBA8>(const std::uint8_t*, const std::uint8_t*, std::uint8_t*, std::size_t);
-template void multiplyRow<ARGB8>(const std::uint8_t*, const std::uint8_t*, std::uint8_t*, std::size_t);
-template void multiplyRow<RGBA16>(const std::uint16_t*, const std::uint16_t*, std::uint16_t*, std::size_t);
-template void multiplyRow<RGBAFloat>(const float*, const float*, float*, std::size_t);
+template void multiplyRowScalar<RGBA8>(const std::uint8_t*, const std::uint8_t*, std::uint8_t*, std::size_t);
+template void multiplyRowScalar<ARGB8>(const std::uint8_t*, const std::uint8_t*, std::uint8_t*, std::size_t);
+template void multiplyRowScalar<RGBA16>(const std::uint16_t*, const std::uint16_t*, std::uint16_t*, std::size_t);
+template void multiplyRowScalar<RGBAFloat>(const float*, const float*, float*, std::size_t);
 
 }  // namespace vorto::effects
