@@ -119,13 +119,19 @@ void measure(benchmark::State& state, const Effect& effect, Size size, Format::C
 const bool registered = [] {
   for (const Size size : {Size{"1280 x 720", 1280, 720}, {"1920 x 1080", 1920, 1080}, {"3840 x 2160", 3840, 2160}}) {
     for (const Effect& effect : kEffects) {
-      for (const auto& [depth, code] : {std::pair{"8", Format::RGBA8}, {"16", Format::RGBA16}, {"float", Format::RGBAFloat}}) {
+      for (const auto& [depth, code] :
+           {std::pair{"8", Format::RGBA8}, {"16", Format::RGBA16}, {"float", Format::RGBAFloat}}) {
         for (const Alpha alpha : {Alpha::Opaque, Alpha::Varied}) {
           const std::string row = std::string("Effects at ") + size.name + "/" + effect.name + " " + depth +
                                   (alpha == Alpha::Opaque ? " opaque" : " alpha");
-          benchmark::RegisterBenchmark(row.c_str(), [&effect, size, code = code, alpha](benchmark::State& state) {
-            measure(state, effect, size, code, alpha);
-          })->Iterations(1)->Repetitions(1)->UseManualTime()->Unit(benchmark::kMillisecond);
+          benchmark::RegisterBenchmark(row.c_str(),
+                                       [&effect, size, code = code, alpha](benchmark::State& state) {
+                                         measure(state, effect, size, code, alpha);
+                                       })
+              ->Iterations(1)
+              ->Repetitions(1)
+              ->UseManualTime()
+              ->Unit(benchmark::kMillisecond);
         }
       }
     }

@@ -75,7 +75,8 @@ cv::Mat matrix(const VortoBitmap& bitmap) {
   const int type = bitmap.formatCode == Format::RGBA8    ? CV_8UC4
                    : bitmap.formatCode == Format::RGBA16 ? CV_16UC4
                                                          : CV_32FC4;
-  return {static_cast<int>(bitmap.height), static_cast<int>(bitmap.width), type, static_cast<std::uint8_t*>(bitmap.data)};
+  return {static_cast<int>(bitmap.height), static_cast<int>(bitmap.width), type,
+          static_cast<std::uint8_t*>(bitmap.data)};
 }
 
 template <class Call>

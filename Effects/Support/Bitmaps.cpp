@@ -77,7 +77,7 @@ std::shared_ptr<VortoBitmap> makeBitmap(std::uint64_t width, std::uint64_t heigh
     return nullptr;
   }
   std::shared_ptr<VortoBitmap> bitmap(
-      TCCreateBitmap(static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height), formatCode));
+      TCCreateUnsetBitmap(static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height), formatCode));
   if (!bitmap || !holdsItsPixels(*bitmap)) {
     explain(reason, "no memory for an image of " + size + " pixels");
     return nullptr;

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "TarnCore/TCBitmap.h"
 
+#include "Platform/Mach/mach.h"
 #include "TarnCore/TCBitmapSlack.h"
 #include "TarnCore/TCPixel.h"
 #include "TarnCore/TCPixelFormat.h"
+#include "TarnCore/TCPixelLayout.h"
 
 #include <algorithm>
 #include <cstring>
@@ -81,4 +83,9 @@ VortoBitmap* TCCreateBitmap(std::uint32_t width, std::uint32_t height, std::uint
     default:
       return nullptr;
   }
+}
+
+VortoBitmap* TCCreateUnsetBitmap(std::uint32_t width, std::uint32_t height, std::uint32_t formatCode) {
+  const VMUnsetMemory pixels(std::size_t{width} * height * TCPixelLayoutOf(formatCode).bytesPerPixel());
+  return TCCreateBitmap(width, height, formatCode);
 }

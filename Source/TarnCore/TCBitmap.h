@@ -144,3 +144,5 @@ class TARN_EXPORT VortoBitmap_t : public VortoBitmap {
 // A new bitmap of the format, which the caller deletes; null for code 3 and for codes above 9. It is empty when there
 // was no memory for it.
 TARN_EXPORT VortoBitmap* TCCreateBitmap(std::uint32_t width, std::uint32_t height, std::uint32_t formatCode);
+// The same for who writes every pixel next: they hold anything at first, which spares clearing them.
+TARN_EXPORT VortoBitmap* TCCreateUnsetBitmap(std::uint32_t width, std::uint32_t height, std::uint32_t formatCode);

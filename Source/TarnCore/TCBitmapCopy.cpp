@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+#include "Platform/Mach/mach.h"
 #include "TarnCore/TCBitmap.h"
 #include "TarnCore/TCBitmapSlack.h"
 #include "TarnCore/TCPixelFormat.h"
@@ -45,6 +46,7 @@ void VortoBitmap::clone(const VortoBitmap& source) {
   channels = source.channels;
   formatCode = source.formatCode;
   deallocateMemory();
+  const VMUnsetMemory overwritten(std::min<std::size_t>(getSize(), source.accessibleBytes()));
   allocateMemory();
   copyPixels(*this, source);
 }

@@ -55,6 +55,19 @@ TEST_F(KeptMemoryTest, IsUnmappedForItsFormerOwnerAndZeroForTheNext) {
   }
 }
 
+TEST_F(KeptMemoryTest, IsZeroBehindWhatTheNextOverwrites) {
+  giveBack(filled(large), large);
+  const VMUnsetMemory outer(large);
+  {
+    const VMUnsetMemory overwritten(page + 1);
+    const vm_address_t address = allocated(large);
+    EXPECT_FALSE(isZero(address, page)) << "nothing was cleared that is overwritten";
+    EXPECT_TRUE(isZero(address + page + 1, large - page - 1));
+    giveBack(address, large);
+  }
+  EXPECT_FALSE(isZero(allocated(large), page)) << "the outer one counts again";
+}
+
 TEST_F(KeptMemoryTest, OfEntriesIsKeptOnceNobodyNamesIt) {
   for (const bool entryFirst : {false, true}) {
     const vm_address_t address = filled(large);  // either may be released first

@@ -74,7 +74,7 @@ bool KeptMemory::keep(const Range& range) {
   return true;
 }
 
-bool KeptMemory::take(std::size_t size, std::uintptr_t* address) {
+bool KeptMemory::take(std::size_t size, std::size_t unset, std::uintptr_t* address) {
   Range range;
   {
     const std::lock_guard lock(mutex_);
@@ -89,7 +89,8 @@ bool KeptMemory::take(std::size_t size, std::uintptr_t* address) {
     unmapAll({range});
     return false;
   }
-  std::memset(at(range.start), 0, size);
+  const std::size_t kept = std::min(unset, size);
+  std::memset(at(range.start + kept), 0, size - kept);
   *address = range.start;
   return true;
 }

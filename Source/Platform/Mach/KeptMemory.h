@@ -24,8 +24,9 @@ class KeptMemory {
   // bytes may be gone, but they are mapped still.
   bool keep(const Range& range);
 
-  // Memory of exactly that size, as it was allocated first: zero, readable and writable.
-  bool take(std::size_t size, std::uintptr_t* address);
+  // Memory of exactly that size, as it was allocated first: zero, readable and writable; but for its first `unset`
+  // bytes, which may hold what was in them.
+  bool take(std::size_t size, std::size_t unset, std::uintptr_t* address);
 
   // Gives all that is kept back to the system, and returns how many bytes that were.
   std::size_t release();

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <utility>
 
 namespace {
 
@@ -28,9 +29,11 @@ kern_return_t allocatePages(vm_address_t* address, vm_size_t size, int flags) {
   return result;
 }
 
+thread_local vm_size_t unsetBytes = 0;
+
 // Memory that was kept, and is cleared while nobody has to wait for the lock.
 bool allocateKept(vm_address_t* address, vm_size_t size) {
-  if (!mach::KeptMemory::shared().take(size, address)) return false;
+  if (!mach::KeptMemory::shared().take(size, unsetBytes, address)) return false;
   const std::lock_guard lock(MemoryEntries::shared().mutex());
   MemoryEntries::shared().forget({*address, *address + size});
   return true;
@@ -102,6 +105,12 @@ kern_return_t mapEntry(vm_address_t* address, vm_size_t size, int flags, mach_po
 
 mach_port_t mach_task_self() {
   return kTaskSelf;
+}
+
+VMUnsetMemory::VMUnsetMemory(vm_size_t bytes) : outer_(std::exchange(unsetBytes, bytes)) {}
+
+VMUnsetMemory::~VMUnsetMemory() {
+  unsetBytes = outer_;
 }
 
 kern_return_t vm_allocate(vm_map_t task, vm_address_t* address, vm_size_t size, int flags) {

@@ -71,6 +71,19 @@ TARN_EXPORT mach_port_t mach_task_self();  // the only task that these calls ser
 // Reserves `size` bytes, rounded up to pages, anywhere or at *address. Size 0 succeeds with the address 0.
 TARN_EXPORT kern_return_t vm_allocate(vm_map_t task, vm_address_t* address, vm_size_t size, int flags);
 
+// For who overwrites what is allocated, and would have it cleared in vain: while one lives, the first `bytes` bytes of
+// what vm_allocate gives this thread may hold what this process had in memory that it gave back. The innermost counts.
+class TARN_EXPORT VMUnsetMemory {
+ public:
+  explicit VMUnsetMemory(vm_size_t bytes);
+  ~VMUnsetMemory();
+  VMUnsetMemory(const VMUnsetMemory&) = delete;
+  VMUnsetMemory& operator=(const VMUnsetMemory&) = delete;
+
+ private:
+  vm_size_t outer_;
+};
+
 // Gives back all pages that the range touches, mapped or not. Size 0 succeeds and does nothing.
 TARN_EXPORT kern_return_t vm_deallocate(vm_map_t task, vm_address_t address, vm_size_t size);
 

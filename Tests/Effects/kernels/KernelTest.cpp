@@ -86,8 +86,8 @@ TYPED_TEST_SUITE(Rows, Channels);
 
 template <class Channel, class Function>
 void withLayoutsOf(Function function) {
-  for (const auto code : {VortoPixelFormat::RGBA8, VortoPixelFormat::ARGB8, VortoPixelFormat::RGBA16,
-                          VortoPixelFormat::RGBAFloat}) {
+  for (const auto code :
+       {VortoPixelFormat::RGBA8, VortoPixelFormat::ARGB8, VortoPixelFormat::RGBA16, VortoPixelFormat::RGBAFloat}) {
     withLayout(code, [&](auto layout) {
       if constexpr (std::is_same_v<typename decltype(layout)::Channel, Channel>) function(layout);
     });
@@ -110,8 +110,9 @@ TYPED_TEST(Rows, MixAsDefined) {
   const auto a = this->row();
   const auto b = this->row();
   const auto weights = this->weights();
-  this->expectSame([&](auto* out, std::size_t count) { mixPixelsScalar(a.data(), b.data(), out, count, weights.data()); },
-                   [&](auto* out, std::size_t count) { mixPixels(a.data(), b.data(), out, count, weights.data()); });
+  this->expectSame(
+      [&](auto* out, std::size_t count) { mixPixelsScalar(a.data(), b.data(), out, count, weights.data()); },
+      [&](auto* out, std::size_t count) { mixPixels(a.data(), b.data(), out, count, weights.data()); });
   for (const double value : {0.0, 1e-6, 0.2, 0.4999999, 0.5, 0.7654321, 1 - 1e-5, 1.0}) {
     const auto weight = mixWeight<TypeParam>(value);
     this->expectSame([&](auto* out, std::size_t count) { mixRowScalar(a.data(), b.data(), out, count, weight); },
