@@ -4,10 +4,13 @@
 #include "Effects/Support/Ramp.h"
 #include "Effects/Support/TransitionPatch.h"
 #include "Effects/kernels/Mix.h"
+#include "Effects/kernels/Wipe.h"
 #include "Platform/QuartzComposer/QCPlugIn.h"
 #include "Ports/VRTObjects.h"
 #include "Ports/VRTPorts.h"
 #include "Ports/VRTStateKeys.h"
+
+#include <tuple>
 
 namespace vorto::effects {
 namespace {
@@ -49,21 +52,35 @@ class GradientWipePatch : public TransitionPatch {
 
  private:
   void mix(const VortoBitmap& a, const VortoBitmap& b, double time, VortoBitmap& out) override {
-    const auto held = std::dynamic_pointer_cast<VRTGradient>(gradient_->value());
-    const auto table = floatGradientTable(held ? *held : *evenGradient());
+    prepareLumas();
     const double softness = std::clamp(finiteOr(softness_->doubleValue(), kDefaultSoftness), 0.0, 1.0);
     const Ramp ramp = Ramp::across(out.width, out.height, finiteOr(angle_->doubleValue(), 0));
     withLayout(out.formatCode, [&](auto layout) {
       using Channel = typename decltype(layout)::Channel;
-      const auto weights = wipeWeights<Channel>(table, time, softness);
+      auto& weights = std::get<std::vector<MixWeight<Channel>>>(weights_);
+      wipeWeights<Channel>(lumas_, time, softness, weights);
       std::vector<MixWeight<Channel>> row(out.width);
       for (std::size_t y = 0; y < out.height; ++y) {
-        wipeRow(ramp.rowStart(static_cast<double>(y)), ramp.perColumn, weights.data(), row.data(), row.size());
+        wipeRow(ramp.rowStart(static_cast<double>(y)), ramp.perColumn, weights.data(), weights.size(), row.data(),
+                row.size());
         mixPixels(rowOf<Channel>(a, y), rowOf<Channel>(b, y), rowOf<Channel>(out, y), row.size(), row.data());
       }
     });
   }
 
+  // Frame after frame has the same gradient: its lumas are made anew when its state has changed.
+  void prepareLumas() {
+    const auto held = std::dynamic_pointer_cast<VRTGradient>(gradient_->value());
+    const auto gradient = held ? held : evenGradient();
+    auto state = gradient->stateValue();
+    if (!lumas_.empty() && state && state == lumaState_) return;
+    lumas_ = wipeLumas(floatGradientTable(*gradient));
+    lumaState_ = std::move(state);
+  }
+
+  std::optional<PropertyList> lumaState_;
+  std::vector<double> lumas_;
+  std::tuple<std::vector<std::uint32_t>, std::vector<float>> weights_;  // memory that is used again
   std::shared_ptr<VRTGradientPort> gradient_;
   std::shared_ptr<QCNumberPort> angle_;
   std::shared_ptr<QCNumberPort> softness_;
