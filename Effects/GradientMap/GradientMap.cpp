@@ -1,31 +1,49 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "Effects/GradientMap/GradientMapKernel.h"
+#include "Effects/kernels/GradientMap.h"
 #include "Effects/Support/EffectPatch.h"
 #include "Effects/Support/PixelLayout.h"
 #include "Platform/QuartzComposer/QCPlugIn.h"
 #include "Ports/VRTObjects.h"
 #include "Ports/VRTPorts.h"
 
-#include <vector>
+#include <tuple>
 
 namespace vorto::effects {
 namespace {
 
 template <class Layout>
-void mapRows(const VortoBitmap& in, VortoBitmap& out,
-             const std::vector<GradientEntry<typename Layout::Channel>>& table) {
-  using Channel = typename Layout::Channel;
-  const auto opaque = laidTable<Layout>(table);
-  for (std::size_t y = 0; y < in.height; ++y) {
-    gradientMapRow<Layout>(rowOf<Channel>(in, y), rowOf<Channel>(out, y), in.width, table.data(), opaque.data());
+MapTable<Layout> tableOf(const VRTGradient& gradient) {
+  if constexpr (std::is_same_v<Layout, RGBAFloat>) {
+    return mapTable<Layout>(floatGradientTable(gradient));
+  } else if constexpr (std::is_same_v<Layout, RGBA16>) {
+    return mapTable<Layout>(roundedGradientTable<std::uint16_t>(gradient));
+  } else {
+    return mapTable<Layout>(byteGradientTable(gradient));
   }
 }
 
-void mapFloatRows(const VortoBitmap& in, VortoBitmap& out, const std::vector<GradientEntry<float>>& table) {
-  for (std::size_t y = 0; y < in.height; ++y) {
-    gradientMapFloatRow(rowOf<float>(in, y), rowOf<float>(out, y), in.width, table.data());
+// Frame after frame has the same gradient: a table is made anew when the gradient's state has changed.
+class MapTables {
+ public:
+  template <class Layout>
+  const MapTable<Layout>& of(const VRTGradient& gradient) {
+    Kept<Layout>& kept = std::get<Kept<Layout>>(tables_);
+    auto state = gradient.stateValue();
+    if (kept.table.empty() || !state || state != kept.state) {
+      kept.table = tableOf<Layout>(gradient);
+      kept.state = std::move(state);
+    }
+    return kept.table;
   }
-}
+
+ private:
+  template <class Layout>
+  struct Kept {
+    MapTable<Layout> table;
+    std::optional<PropertyList> state;
+  };
+  std::tuple<Kept<RGBA8>, Kept<ARGB8>, Kept<RGBA16>, Kept<RGBAFloat>> tables_;
+};
 
 class GradientMapPatch : public EffectPatch {
  public:
@@ -53,17 +71,16 @@ class GradientMapPatch : public EffectPatch {
     if (!out) return std::nullopt;
     withLayout(in->formatCode, [&](auto layout) {
       using Layout = decltype(layout);
-      if constexpr (std::is_same_v<Layout, RGBAFloat>) {
-        mapFloatRows(*in, *out, floatGradientTable(*gradient));
-      } else if constexpr (std::is_same_v<Layout, RGBA16>) {
-        mapRows<Layout>(*in, *out, roundedGradientTable<std::uint16_t>(*gradient));
-      } else {
-        mapRows<Layout>(*in, *out, byteGradientTable(*gradient));
+      using Channel = typename Layout::Channel;
+      const MapTable<Layout>& table = tables_.of<Layout>(*gradient);
+      for (std::size_t y = 0; y < in->height; ++y) {
+        gradientMapRow<Layout>(rowOf<Channel>(*in, y), rowOf<Channel>(*out, y), in->width, table.data());
       }
     });
     return out;
   }
 
+  MapTables tables_;
   std::shared_ptr<QCImagePort> image_;
   std::shared_ptr<VRTGradientPort> gradient_;
 };

@@ -36,8 +36,7 @@ std::size_t wipeVectors(double start, double step, const Weight* values, std::si
   for (std::size_t i = 0; i < whole; i += lanes) {
     const auto pixel = hn::Add(hn::Set(d, static_cast<double>(i)), lane);
     const auto position = hn::Add(hn::Set(d, start), hn::Mul(pixel, hn::Set(d, step)));
-    const auto clamped =
-        hn::IfThenElseZero(hn::Gt(position, hn::Zero(d)), hn::Min(position, hn::Set(d, 1.0)));
+    const auto clamped = hn::IfThenElseZero(hn::Gt(position, hn::Zero(d)), hn::Min(position, hn::Set(d, 1.0)));
     const auto index = hn::DemoteTo(di, hn::Add(hn::Mul(clamped, last), hn::Set(d, 0.5)));
     hn::StoreU(hn::GatherIndex(dw, values, index), dw, out + i);
   }
@@ -67,9 +66,8 @@ HWY_EXPORT(wipeFloats);
 template <>
 void wipeRow(double start, double step, const std::uint32_t* values, std::size_t steps, std::uint32_t* out,
              std::size_t count) {
-  const std::size_t done = TCUsesScalarKernels()
-                               ? 0
-                               : HWY_DYNAMIC_DISPATCH(wipeIntegers)(start, step, values, steps, out, count);
+  const std::size_t done =
+      TCUsesScalarKernels() ? 0 : HWY_DYNAMIC_DISPATCH(wipeIntegers)(start, step, values, steps, out, count);
   wipeRowScalar(start, step, values, steps, out, done, count);
 }
 

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Effects/Support/PixelLayout.h"
+#include "Effects/kernels/GradientMap.h"
 #include "Effects/kernels/Mix.h"
 #include "Effects/kernels/Multiply.h"
 #include "Effects/kernels/Over.h"
+#include "Effects/kernels/Wipe.h"
 
 #include <hwy/highway.h>
 
@@ -118,6 +120,40 @@ TYPED_TEST(Rows, MixAsDefined) {
     this->expectSame([&](auto* out, std::size_t count) { mixRowScalar(a.data(), b.data(), out, count, weight); },
                      [&](auto* out, std::size_t count) { mixRow(a.data(), b.data(), out, count, weight); });
   }
+}
+
+TYPED_TEST(Rows, MapAsDefined) {
+  withLayoutsOf<TypeParam>([&](auto layout) {
+    using Layout = decltype(layout);
+    MapTable<Layout> table(sizeof(TypeParam) == 1 ? 256 : kGradientSteps + 1);
+    for (auto& entry : table) {
+      for (TypeParam& each : entry) each = this->channel();
+    }
+    const auto in = this->row();
+    this->expectSame(
+        [&](auto* out, std::size_t count) { gradientMapRowScalar<Layout>(in.data(), out, count, table.data()); },
+        [&](auto* out, std::size_t count) { gradientMapRow<Layout>(in.data(), out, count, table.data()); });
+  });
+}
+
+template <class Weight>
+void expectSameWipes() {
+  std::vector<Weight> values(65536), expected(997), out(997);
+  for (std::size_t i = 0; i < values.size(); ++i) values[i] = static_cast<Weight>(i);
+  const double nan = std::nan("");
+  for (const auto& [start, step] :
+       {std::pair{-0.1, 0.0012}, {1.3, -0.002}, {0.5, 0.0}, {0.25 / 65535, 0.5 / 65535}, {nan, 0.1}, {1e300, -1e298}}) {
+    wipeRowScalar(start, step, values.data(), values.size(), expected.data(), 0, expected.size());
+    onEveryTarget([&, from = start, by = step] {
+      wipeRow(from, by, values.data(), values.size(), out.data(), out.size());
+      EXPECT_EQ(out, expected) << from << " by " << by;
+    });
+  }
+}
+
+TEST(Wipes, AreAsDefined) {
+  expectSameWipes<std::uint32_t>();
+  expectSameWipes<float>();
 }
 
 // Of bytes there are few enough to try everything: each color of both images under each pair of alphas.

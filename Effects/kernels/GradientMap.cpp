@@ -1,0 +1,204 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Effects/kernels/GradientMap.h"
+
+#include "Effects/Support/PixelLayout.h"
+#include "TarnCore/TCKernelTarget.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "Effects/kernels/GradientMap.cpp"
+#include <hwy/foreach_target.h>
+// After foreach_target.h:
+#include <hwy/highway.h>
+
+#include "Effects/kernels/Pixels-inl.h"
+
+// Each returns how many pixels it made: whole vectors of them.
+HWY_BEFORE_NAMESPACE();
+namespace vorto::effects::HWY_NAMESPACE {
+
+#if HWY_TARGET == HWY_SCALAR
+std::size_t mapRGBA8(const std::uint8_t*, std::uint8_t*, std::size_t, const void*) {
+  return 0;
+}
+std::size_t mapARGB8(const std::uint8_t*, std::uint8_t*, std::size_t, const void*) {
+  return 0;
+}
+std::size_t mapWords(const std::uint16_t*, std::uint16_t*, std::size_t, const void*) {
+  return 0;
+}
+std::size_t mapFloats(const float*, float*, std::size_t, const void*) {
+  return 0;
+}
+#else
+using Longs = hn::Repartition<std::uint64_t, Bytes>;
+using Doubles = hn::Repartition<double, Bytes>;
+
+template <int index>
+HWY_INLINE hn::Vec<Wides> channelOfBytes(hn::Vec<Wides> pixels) {
+  return hn::And(hn::ShiftRight<8 * index>(pixels), hn::Set(Wides(), 0xFF));
+}
+
+// Quotients below 512 of numbers that floats hold are cut off right: one that is no integer is 1/255 or more away from
+// the next.
+template <class Layout>
+HWY_INLINE hn::Vec<hn::RebindToSigned<Wides>> straightLumaOfBytes(hn::Vec<Wides> pixels, hn::Vec<Wides> alpha) {
+  const Wides d;
+  const Floats df;
+  const hn::RebindToSigned<Wides> di;
+  const auto red = hn::Mul(channelOfBytes<Layout::kRed>(pixels), hn::Set(d, kRedWeight));
+  const auto green = hn::Mul(channelOfBytes<Layout::kGreen>(pixels), hn::Set(d, kGreenWeight));
+  const auto blue = hn::Mul(channelOfBytes<Layout::kBlue>(pixels), hn::Set(d, kBlueWeight));
+  const auto sum = hn::Add(hn::Add(red, green), blue);
+  const auto scaled = hn::Add(hn::Sub(hn::ShiftLeft<8>(sum), sum), hn::ShiftLeft<15>(alpha));
+  const auto n = hn::ConvertTo(df, hn::BitCast(di, hn::ShiftRight<16>(scaled)));
+  // Without alpha it is any index of the table: the color will be multiplied by 0.
+  const auto divisor = hn::Max(hn::ConvertTo(df, hn::BitCast(di, alpha)), hn::Set(df, 1.0F));
+  return hn::ConvertTo(di, hn::Min(hn::Div(n, divisor), hn::Set(df, 255.0F)));
+}
+
+template <class Layout>
+std::size_t mapBytes(const std::uint8_t* in, std::uint8_t* out, std::size_t count, const void* table) {
+  const Bytes d;
+  const Wides dp;
+  const Words dw;
+  const auto alphaByte = hn::Set(dp, 0xFFU << (8 * Layout::kAlpha));
+  const std::size_t whole = wholeVectors(d, count);
+  for (std::size_t i = 0; i < whole; i += hn::Lanes(d)) {
+    const auto pixels = hn::BitCast(dp, hn::LoadU(d, in + i));
+    const auto alpha = channelOfBytes<Layout::kAlpha>(pixels);
+    const auto index = straightLumaOfBytes<Layout>(pixels, alpha);
+    const auto color = hn::GatherIndex(dp, static_cast<const std::uint32_t*>(table), index);
+    const auto covered = productOfBytes(hn::BitCast(dw, channelOfBytes<Layout::kAlpha>(color)), hn::BitCast(dw, alpha));
+    const auto coverage = channelOfBytes<1>(hn::BitCast(dp, covered));
+    const auto twice = hn::BitCast(dw, hn::Or(coverage, hn::ShiftLeft<16>(coverage)));
+    const auto opaque = hn::BitCast(d, hn::Or(color, alphaByte));
+    const auto even = productOfBytes(evenBytes(opaque), twice);
+    const auto odd = productOfBytes(oddBytes(opaque), twice);
+    storeNext<false>(joinedHighBytes(even, odd), d, out + i);
+  }
+  return whole / 4;
+}
+
+std::size_t mapRGBA8(const std::uint8_t* in, std::uint8_t* out, std::size_t count, const void* table) {
+  return mapBytes<RGBA8>(in, out, count, table);
+}
+
+std::size_t mapARGB8(const std::uint8_t* in, std::uint8_t* out, std::size_t count, const void* table) {
+  return mapBytes<ARGB8>(in, out, count, table);
+}
+
+// Integers below 2 to the 52.
+HWY_INLINE hn::Vec<Doubles> doubleOf(hn::Vec<Longs> v) {
+  const auto magic = hn::Set(Doubles(), 0x1p52);
+  return hn::Sub(hn::BitCast(Doubles(), hn::Or(v, hn::BitCast(Longs(), magic))), magic);
+}
+
+// A word of each pixel, weighted.
+template <int index>
+HWY_INLINE hn::Vec<Longs> weightedWord(hn::Vec<Longs> pixels, std::uint32_t weight) {
+  const auto word = hn::And(hn::ShiftRight<16 * index>(pixels), hn::Set(Longs(), 0xFFFF));
+  return hn::MulEven(hn::BitCast(Wides(), word), hn::Set(Wides(), weight));
+}
+
+std::size_t mapWords(const std::uint16_t* in, std::uint16_t* out, std::size_t count, const void* table) {
+  const Words d;
+  const Longs dp;
+  const Doubles df;
+  const hn::Rebind<std::int32_t, Doubles> di;
+  const auto alphaWord = hn::Set(dp, std::uint64_t{0xFFFF} << 48);
+  const std::size_t whole = wholeVectors(d, count);
+  for (std::size_t i = 0; i < whole; i += hn::Lanes(d)) {
+    const auto pixels = hn::BitCast(dp, hn::LoadU(d, in + i));
+    const auto alpha = hn::ShiftRight<48>(pixels);
+    const auto sum = hn::Add(hn::Add(weightedWord<RGBA16::kRed>(pixels, kRedWeight),
+                                     weightedWord<RGBA16::kGreen>(pixels, kGreenWeight)),
+                             weightedWord<RGBA16::kBlue>(pixels, kBlueWeight));
+    const auto scaled = hn::Add(hn::Sub(hn::ShiftLeft<16>(sum), sum), hn::ShiftLeft<15>(alpha));
+    // Divided by 65536 and by alpha at once, and cut off: nothing that is no integer rounds to one. Without alpha it is
+    // any index of the table.
+    const auto divisor = hn::Max(doubleOf(hn::ShiftLeft<16>(alpha)), hn::Set(df, 1.0));
+    const auto luma = hn::Min(hn::Div(doubleOf(scaled), divisor), hn::Set(df, 65535.0));
+    const auto index = hn::PromoteTo(hn::RebindToSigned<Longs>(), hn::DemoteTo(di, luma));
+    const auto color = hn::GatherIndex(dp, static_cast<const std::uint64_t*>(table), index);
+    const auto covered = productOfWords(alphaOfWords(hn::BitCast(d, color)), alphaOfWords(hn::BitCast(d, pixels)));
+    storeNext<false>(productOfWords(hn::BitCast(d, hn::Or(color, alphaWord)), covered), d, out + i);
+  }
+  return whole / 4;
+}
+
+// First the places of a vector of pixels in the table, then one pixel after the other.
+std::size_t mapFloats(const float* in, float* out, std::size_t count, const void* table) {
+  const Floats d;
+  const hn::RebindToSigned<Floats> di;
+  const hn::FixedTag<float, 4> pixel;
+  const auto* const entries = static_cast<const float*>(table);
+  const auto zero = hn::Zero(d);
+  const auto one = hn::Set(d, 1.0F);
+  const auto isColor = hn::FirstN(pixel, 3);
+  const std::size_t lanes = hn::Lanes(d);
+  const std::size_t whole = count / lanes * lanes;
+  HWY_ALIGN std::int32_t indices[hn::MaxLanes(d)];
+  HWY_ALIGN float parts[hn::MaxLanes(d)];
+  for (std::size_t i = 0; i < whole; i += lanes) {
+    hn::Vec<Floats> red, green, blue, alpha;
+    hn::LoadInterleaved4(d, in + 4 * i, red, green, blue, alpha);
+    const auto sum = hn::Add(hn::Add(hn::Mul(hn::Set(d, 0.2126F), red), hn::Mul(hn::Set(d, 0.7152F), green)),
+                             hn::Mul(hn::Set(d, 0.0722F), blue));
+    const auto luma = hn::Div(sum, alpha);
+    const auto below = hn::IfThenElse(hn::Lt(luma, one), luma, one);
+    const auto clamped = hn::IfThenElseZero(hn::Gt(luma, zero), below);
+    const auto place = hn::Mul(clamped, hn::Set(d, static_cast<float>(kGradientSteps - 1)));
+    const auto index = hn::ConvertTo(di, place);
+    hn::Store(index, di, indices);
+    hn::Store(hn::Sub(place, hn::ConvertTo(d, index)), d, parts);
+    for (std::size_t lane = 0; lane < lanes; ++lane) {
+      const float* const entry = entries + 4 * static_cast<std::size_t>(indices[lane]);
+      const float pixelAlpha = in[4 * (i + lane) + 3];
+      const auto left = hn::LoadU(pixel, entry);
+      const auto right = hn::LoadU(pixel, entry + 4);
+      const auto color = hn::Add(left, hn::Mul(hn::Sub(right, left), hn::Set(pixel, parts[lane])));
+      const auto coverage = hn::Mul(hn::Broadcast<3>(color), hn::Set(pixel, pixelAlpha));
+      const auto shown = hn::IfThenElse(isColor, hn::Mul(color, coverage), coverage);
+      hn::StoreU(pixelAlpha > 0 ? shown : hn::Zero(pixel), pixel, out + 4 * (i + lane));
+    }
+  }
+  return whole;
+}
+#endif
+
+}  // namespace vorto::effects::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace vorto::effects {
+
+HWY_EXPORT(mapRGBA8);
+HWY_EXPORT(mapARGB8);
+HWY_EXPORT(mapWords);
+HWY_EXPORT(mapFloats);
+
+template <class Layout>
+void gradientMapRow(const typename Layout::Channel* in, typename Layout::Channel* out, std::size_t count,
+                    const LaidPixel<Layout>* table) {
+  std::size_t done = 0;
+  if (TCUsesScalarKernels()) {
+    // all by the definition
+  } else if constexpr (std::is_same_v<Layout, RGBA8>) {
+    done = HWY_DYNAMIC_DISPATCH(mapRGBA8)(in, out, count, table);
+  } else if constexpr (std::is_same_v<Layout, ARGB8>) {
+    done = HWY_DYNAMIC_DISPATCH(mapARGB8)(in, out, count, table);
+  } else if constexpr (std::is_same_v<Layout, RGBA16>) {
+    done = HWY_DYNAMIC_DISPATCH(mapWords)(in, out, count, table);
+  } else {
+    done = HWY_DYNAMIC_DISPATCH(mapFloats)(in, out, count, table);
+  }
+  gradientMapRowScalar<Layout>(in + 4 * done, out + 4 * done, count - done, table);
+}
+
+template void gradientMapRow<RGBA8>(const std::uint8_t*, std::uint8_t*, std::size_t, const LaidPixel<RGBA8>*);
+template void gradientMapRow<ARGB8>(const std::uint8_t*, std::uint8_t*, std::size_t, const LaidPixel<ARGB8>*);
+template void gradientMapRow<RGBA16>(const std::uint16_t*, std::uint16_t*, std::size_t, const LaidPixel<RGBA16>*);
+template void gradientMapRow<RGBAFloat>(const float*, float*, std::size_t, const LaidPixel<RGBAFloat>*);
+
+}  // namespace vorto::effects
+#endif
