@@ -41,7 +41,7 @@ HWY_INLINE hn::Vec<Wides> channelOfBytes(hn::Vec<Wides> pixels) {
 // Quotients below 512 of numbers that floats hold are cut off right: one that is no integer is 1/255 or more away from
 // the next.
 template <class Layout>
-HWY_INLINE hn::Vec<hn::RebindToSigned<Wides>> straightLumaOfBytes(hn::Vec<Wides> pixels, hn::Vec<Wides> alpha) {
+HWY_INLINE hn::Vec<hn::RebindToSigned<Wides> > straightLumaOfBytes(hn::Vec<Wides> pixels, hn::Vec<Wides> alpha) {
   const Wides d;
   const Floats df;
   const hn::RebindToSigned<Wides> di;
@@ -110,9 +110,9 @@ std::size_t mapWords(const std::uint16_t* in, std::uint16_t* out, std::size_t co
   for (std::size_t i = 0; i < whole; i += hn::Lanes(d)) {
     const auto pixels = hn::BitCast(dp, hn::LoadU(d, in + i));
     const auto alpha = hn::ShiftRight<48>(pixels);
-    const auto sum = hn::Add(hn::Add(weightedWord<RGBA16::kRed>(pixels, kRedWeight),
-                                     weightedWord<RGBA16::kGreen>(pixels, kGreenWeight)),
-                             weightedWord<RGBA16::kBlue>(pixels, kBlueWeight));
+    const auto sum = hn::Add(
+        hn::Add(weightedWord<RGBA16::kRed>(pixels, kRedWeight), weightedWord<RGBA16::kGreen>(pixels, kGreenWeight)),
+        weightedWord<RGBA16::kBlue>(pixels, kBlueWeight));
     const auto scaled = hn::Add(hn::Sub(hn::ShiftLeft<16>(sum), sum), hn::ShiftLeft<15>(alpha));
     // Divided by 65536 and by alpha at once, and cut off: nothing that is no integer rounds to one. Without alpha it is
     // any index of the table.

@@ -74,8 +74,7 @@ template MapTable<RGBA16> mapTable<RGBA16>(const std::vector<GradientEntry<std::
 template MapTable<RGBAFloat> mapTable<RGBAFloat>(const std::vector<GradientEntry<float>>&);
 template void gradientMapRowScalar<RGBA8>(const std::uint8_t*, std::uint8_t*, std::size_t, const LaidPixel<RGBA8>*);
 template void gradientMapRowScalar<ARGB8>(const std::uint8_t*, std::uint8_t*, std::size_t, const LaidPixel<ARGB8>*);
-template void gradientMapRowScalar<RGBA16>(const std::uint16_t*, std::uint16_t*, std::size_t,
-                                           const LaidPixel<RGBA16>*);
+template void gradientMapRowScalar<RGBA16>(const std::uint16_t*, std::uint16_t*, std::size_t, const LaidPixel<RGBA16>*);
 template void gradientMapRowScalar<RGBAFloat>(const float*, float*, std::size_t, const LaidPixel<RGBAFloat>*);
 
 }  // namespace vorto::effects

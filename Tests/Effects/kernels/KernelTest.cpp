@@ -4,12 +4,14 @@
 #include "Effects/kernels/Mix.h"
 #include "Effects/kernels/Multiply.h"
 #include "Effects/kernels/Over.h"
+#include "Effects/kernels/Power.h"
 #include "Effects/kernels/Wipe.h"
 
 #include <hwy/highway.h>
 
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cstring>
 #include <random>
 
@@ -154,6 +156,51 @@ void expectSameWipes() {
 TEST(Wipes, AreAsDefined) {
   expectSameWipes<std::uint32_t>();
   expectSameWipes<float>();
+}
+
+// Every exponent and a scatter of mantissas, denormals included.
+std::vector<float> positiveFloats() {
+  std::vector<float> floats;
+  for (std::uint32_t bits = 1; bits < 0x7F800000; bits += 98'761) floats.push_back(std::bit_cast<float>(bits));
+  for (const float each : {1.0F, 2.0F, 0.5F, std::nextafter(1.0F, 0.0F), std::nextafter(1.0F, 2.0F)}) {
+    floats.push_back(each);
+  }
+  return floats;
+}
+
+std::int64_t stepsBetween(float a, float b) {
+  return std::abs(std::int64_t{std::bit_cast<std::int32_t>(a)} - std::bit_cast<std::int32_t>(b));
+}
+
+TEST(Power, IsNearTheExactOneAndTheSameEverywhere) {
+  const std::vector<float> values = positiveFloats();
+  for (const double exponent : {0.0, 1e-30, 0.1, 1 / 2.2, 0.999, 1.0, 1 / 0.9, 2.0, 3.7, 100.0, 99'999.0}) {
+    std::vector<float> expected = values;
+    powerRowScalar(expected.data(), expected.size(), exponent);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      const auto exact = static_cast<float>(std::pow(static_cast<double>(values[i]), exponent));
+      ASSERT_LE(stepsBetween(expected[i], exact), 1) << values[i] << " to the " << exponent;
+    }
+    onEveryTarget([&] {
+      std::vector<float> row = values;
+      powerRow(row.data(), row.size(), exponent);
+      EXPECT_EQ(row, expected) << exponent;
+    });
+  }
+}
+
+TEST(Power, LeavesWhatIsNotAboveZero) {
+  const float inf = std::numeric_limits<float>::infinity();
+  onEveryTarget([&] {
+    std::vector<float> row = {0, -0.0F, -1, -inf, inf, std::nanf(""), -1e-44F, 0, 4};
+    powerRow(row.data(), row.size(), 0.5);
+    EXPECT_EQ(std::vector(row.begin(), row.begin() + 5), (std::vector<float>{0, 0, -1, -inf, inf}));
+    EXPECT_TRUE(std::signbit(row[1]) && std::isnan(row[5]));
+    EXPECT_EQ(std::vector(row.begin() + 6, row.end()), (std::vector<float>{-1e-44F, 0, 2}));
+    row = {inf};
+    powerRow(row.data(), row.size(), 0);
+    EXPECT_EQ(row[0], 1);
+  });
 }
 
 // Of bytes there are few enough to try everything: each color of both images under each pair of alphas.
