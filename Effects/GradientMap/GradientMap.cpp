@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Effects/kernels/GradientMap.h"
 #include "Effects/Support/EffectPatch.h"
+#include "Effects/Support/KeptForState.h"
 #include "Effects/Support/PixelLayout.h"
 #include "Platform/QuartzComposer/QCPlugIn.h"
 #include "Ports/VRTObjects.h"
@@ -11,39 +12,24 @@
 namespace vorto::effects {
 namespace {
 
+// Tells tables of layouts apart that are of the same type.
 template <class Layout>
-MapTable<Layout> tableOf(const VRTGradient& gradient) {
+struct LayoutTable {
+  MapTable<Layout> entries;
+};
+template <class Layout>
+using KeptTable = KeptForState<LayoutTable<Layout>>;
+
+template <class Layout>
+LayoutTable<Layout> tableOf(const VRTGradient& gradient) {
   if constexpr (std::is_same_v<Layout, RGBAFloat>) {
-    return mapTable<Layout>(floatGradientTable(gradient));
+    return {mapTable<Layout>(floatGradientTable(gradient))};
   } else if constexpr (std::is_same_v<Layout, RGBA16>) {
-    return mapTable<Layout>(roundedGradientTable<std::uint16_t>(gradient));
+    return {mapTable<Layout>(roundedGradientTable<std::uint16_t>(gradient))};
   } else {
-    return mapTable<Layout>(byteGradientTable(gradient));
+    return {mapTable<Layout>(byteGradientTable(gradient))};
   }
 }
-
-// Frame after frame has the same gradient: a table is made anew when the gradient's state has changed.
-class MapTables {
- public:
-  template <class Layout>
-  const MapTable<Layout>& of(const VRTGradient& gradient) {
-    Kept<Layout>& kept = std::get<Kept<Layout>>(tables_);
-    auto state = gradient.stateValue();
-    if (kept.table.empty() || !state || state != kept.state) {
-      kept.table = tableOf<Layout>(gradient);
-      kept.state = std::move(state);
-    }
-    return kept.table;
-  }
-
- private:
-  template <class Layout>
-  struct Kept {
-    MapTable<Layout> table;
-    std::optional<PropertyList> state;
-  };
-  std::tuple<Kept<RGBA8>, Kept<ARGB8>, Kept<RGBA16>, Kept<RGBAFloat>> tables_;
-};
 
 class GradientMapPatch : public EffectPatch {
  public:
@@ -72,15 +58,16 @@ class GradientMapPatch : public EffectPatch {
     withLayout(in->formatCode, [&](auto layout) {
       using Layout = decltype(layout);
       using Channel = typename Layout::Channel;
-      const MapTable<Layout>& table = tables_.of<Layout>(*gradient);
+      const auto& table =
+          std::get<KeptTable<Layout>>(tables_).of(gradient->stateValue(), [&] { return tableOf<Layout>(*gradient); });
       for (std::size_t y = 0; y < in->height; ++y) {
-        gradientMapRow<Layout>(rowOf<Channel>(*in, y), rowOf<Channel>(*out, y), in->width, table.data());
+        gradientMapRow<Layout>(rowOf<Channel>(*in, y), rowOf<Channel>(*out, y), in->width, table.entries.data());
       }
     });
     return out;
   }
 
-  MapTables tables_;
+  std::tuple<KeptTable<RGBA8>, KeptTable<ARGB8>, KeptTable<RGBA16>, KeptTable<RGBAFloat>> tables_;
   std::shared_ptr<QCImagePort> image_;
   std::shared_ptr<VRTGradientPort> gradient_;
 };

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Effects/GradientWipe/WipeWeights.h"
+#include "Effects/Support/KeptForState.h"
 #include "Effects/Support/PixelLayout.h"
 #include "Effects/Support/Ramp.h"
 #include "Effects/Support/TransitionPatch.h"
@@ -52,13 +53,13 @@ class GradientWipePatch : public TransitionPatch {
 
  private:
   void mix(const VortoBitmap& a, const VortoBitmap& b, double time, VortoBitmap& out) override {
-    prepareLumas();
+    const std::vector<double>& places = lumas();
     const double softness = std::clamp(finiteOr(softness_->doubleValue(), kDefaultSoftness), 0.0, 1.0);
     const Ramp ramp = Ramp::across(out.width, out.height, finiteOr(angle_->doubleValue(), 0));
     withLayout(out.formatCode, [&](auto layout) {
       using Channel = typename decltype(layout)::Channel;
       auto& weights = std::get<std::vector<MixWeight<Channel>>>(weights_);
-      wipeWeights<Channel>(lumas_, time, softness, weights);
+      wipeWeights<Channel>(places, time, softness, weights);
       std::vector<MixWeight<Channel>> row(out.width);
       for (std::size_t y = 0; y < out.height; ++y) {
         wipeRow(ramp.rowStart(static_cast<double>(y)), ramp.perColumn, weights.data(), weights.size(), row.data(),
@@ -68,18 +69,13 @@ class GradientWipePatch : public TransitionPatch {
     });
   }
 
-  // Frame after frame has the same gradient: its lumas are made anew when its state has changed.
-  void prepareLumas() {
+  const std::vector<double>& lumas() {
     const auto held = std::dynamic_pointer_cast<VRTGradient>(gradient_->value());
     const auto gradient = held ? held : evenGradient();
-    auto state = gradient->stateValue();
-    if (!lumas_.empty() && state && state == lumaState_) return;
-    lumas_ = wipeLumas(floatGradientTable(*gradient));
-    lumaState_ = std::move(state);
+    return lumas_.of(gradient->stateValue(), [&] { return wipeLumas(floatGradientTable(*gradient)); });
   }
 
-  std::optional<PropertyList> lumaState_;
-  std::vector<double> lumas_;
+  KeptForState<std::vector<double>> lumas_;
   std::tuple<std::vector<std::uint32_t>, std::vector<float>> weights_;  // memory that is used again
   std::shared_ptr<VRTGradientPort> gradient_;
   std::shared_ptr<QCNumberPort> angle_;

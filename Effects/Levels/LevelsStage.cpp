@@ -2,6 +2,7 @@
 #include "Effects/Levels/LevelsStage.h"
 
 #include "Effects/Support/Arithmetic.h"
+#include "Effects/kernels/Power.h"
 #include "Ports/VRTObjects.h"
 
 namespace vorto::effects {
@@ -9,63 +10,93 @@ namespace {
 
 constexpr double kNearZero = 0.00001;
 
-template <class Real>
-Real clipped(Real value) {
-  return value > 0 ? std::min(value, Real{1}) : Real{0};
+double clipped(double value) {
+  return value > 0 ? std::min(value, 1.0) : 0.0;
+}
+
+void clip(float* values, std::size_t count) {
+  for (std::size_t i = 0; i < count; ++i) values[i] = values[i] > 0 ? std::min(values[i], 1.0F) : 0.0F;
 }
 
 }  // namespace
 
-template <class Real>
-LevelsStage<Real>::LevelsStage(const VRTHistogram& levels, int channel) {
-  const double blackIn = finiteOr(levels.blackInForChannel(channel), 0);
-  const double blackOut = finiteOr(levels.blackOutForChannel(channel), 0);
+LevelsStage::LevelsStage(const VRTHistogram& levels, int channel) {
   const double whiteIn = finiteOr(levels.whiteInForChannel(channel), 1);
   const double whiteOut = finiteOr(levels.whiteOutForChannel(channel), 1);
   const double gamma = finiteOr(levels.gammaForChannel(channel), 1);
-  step_ = std::abs(whiteIn - blackIn) < kNearZero;
+  blackIn_ = finiteOr(levels.blackInForChannel(channel), 0);
+  blackOut_ = finiteOr(levels.blackOutForChannel(channel), 0);
+  inputSpan_ = whiteIn - blackIn_;
+  outputSpan_ = whiteOut - blackOut_;
+  step_ = std::abs(inputSpan_) < kNearZero;
   gamma_ = gamma < kNearZero ? Gamma::Zero : (gamma == 1 ? Gamma::None : Gamma::Power);
-  neutral_ = blackIn == 0 && blackOut == 0 && whiteIn == 1 && whiteOut == 1 && gamma == 1;
-  blackIn_ = static_cast<Real>(blackIn);
-  inputSpan_ = static_cast<Real>(whiteIn - blackIn);
-  exponent_ = gamma_ == Gamma::Power ? static_cast<Real>(1 / gamma) : Real{1};
-  blackOut_ = static_cast<Real>(blackOut);
-  outputSpan_ = static_cast<Real>(whiteOut - blackOut);
+  exponent_ = gamma_ == Gamma::Power ? 1 / gamma : 1;
+  neutral_ = blackIn_ == 0 && blackOut_ == 0 && whiteIn == 1 && whiteOut == 1 && gamma == 1;
 }
 
-template <class Real>
-Real LevelsStage<Real>::stretched(Real value) const {
-  if (step_) return value < blackIn_ ? Real{0} : Real{1};
+double LevelsStage::stretched(double value) const {
+  if (step_) return value < blackIn_ ? 0 : 1;
   return (value - blackIn_) / inputSpan_;
 }
 
-template <class Real>
-Real LevelsStage<Real>::shaped(Real value) const {
+double LevelsStage::shaped(double value) const {
   switch (gamma_) {
     case Gamma::Power:
       return value > 0 ? std::pow(value, exponent_) : value;
     case Gamma::Zero:
-      return value > 0 && value < 1 ? Real{0} : value;
+      return value > 0 && value < 1 ? 0 : value;
     case Gamma::None:
       break;
   }
   return value;
 }
 
-template <class Real>
-Real LevelsStage<Real>::apply(Real value) const {
-  if (neutral_) return value;
-  if (outputSpan_ == 0) return blackOut_;
-  return blackOut_ + shaped(stretched(value)) * outputSpan_;
-}
-
-template <class Real>
-Real LevelsStage<Real>::applyClipped(Real value) const {
+double LevelsStage::applyClipped(double value) const {
   if (neutral_) return clipped(value);
   return clipped(blackOut_ + shaped(clipped(stretched(value))) * outputSpan_);
 }
 
-template class LevelsStage<float>;
-template class LevelsStage<double>;
+void LevelsStage::apply(float* values, std::size_t count) const {
+  if (neutral_) return;
+  stretch(values, count);
+  shape(values, count);
+  lay(values, count);
+}
+
+void LevelsStage::applyClipped(float* values, std::size_t count) const {
+  if (!neutral_) {
+    stretch(values, count);
+    clip(values, count);
+    shape(values, count);
+    lay(values, count);
+  }
+  clip(values, count);
+}
+
+void LevelsStage::stretch(float* values, std::size_t count) const {
+  const auto black = static_cast<float>(blackIn_);
+  const auto span = static_cast<float>(inputSpan_);
+  for (std::size_t i = 0; i < count; ++i) {
+    values[i] = step_ ? (values[i] < black ? 0.0F : 1.0F) : (values[i] - black) / span;
+  }
+}
+
+void LevelsStage::shape(float* values, std::size_t count) const {
+  if (gamma_ == Gamma::Power) {
+    powerRow(values, count, exponent_);
+  } else if (gamma_ == Gamma::Zero) {
+    for (std::size_t i = 0; i < count; ++i) values[i] = values[i] > 0 && values[i] < 1 ? 0.0F : values[i];
+  }
+}
+
+void LevelsStage::lay(float* values, std::size_t count) const {
+  const auto black = static_cast<float>(blackOut_);
+  const auto span = static_cast<float>(outputSpan_);
+  if (span == 0) {
+    std::fill_n(values, count, black);  // infinity and NaN, too
+    return;
+  }
+  for (std::size_t i = 0; i < count; ++i) values[i] = black + values[i] * span;
+}
 
 }  // namespace vorto::effects

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include <cstddef>
+
 class VRTHistogram;
 
 namespace vorto::effects {
@@ -12,41 +14,46 @@ namespace vorto::effects {
 // Every setting has a result. Crossed input points turn the range around. Points nearer than 0.00001 make a step:
 // below the black point 0, from it on 1. A gamma under 0.00001 is the limit towards 0: all between the points becomes
 // black. Gamma shapes what lies above the black point only. Parameters that are not finite count as their defaults.
-template <class Real>
 class LevelsStage {
  public:
-  LevelsStage() = default;
+  LevelsStage() = default;  // neutral
   LevelsStage(const VRTHistogram& levels, int channel);
 
   bool isNeutral() const { return neutral_; }
-  // Values outside the input range go on in the same way and may leave the output range.
-  Real apply(Real value) const;
-  // The same for channels that cannot leave 0 to 1: the input range clips, and so do 0 and 1. NaN becomes 0.
-  Real applyClipped(Real value) const;
+  // Of floats, in place: values outside the input range go on in the same way and may leave the output range.
+  void apply(float* values, std::size_t count) const;
+  // Of channels that cannot leave 0 to 1: the input range clips, and so do 0 and 1. NaN becomes 0.
+  double applyClipped(double value) const;
+  void applyClipped(float* values, std::size_t count) const;
 
  private:
   enum class Gamma { None, Power, Zero };
-  Real stretched(Real value) const;
-  Real shaped(Real value) const;
+  double stretched(double value) const;
+  double shaped(double value) const;
+  void stretch(float* values, std::size_t count) const;
+  void shape(float* values, std::size_t count) const;
+  void lay(float* values, std::size_t count) const;
 
   bool neutral_ = true;
   bool step_ = false;
   Gamma gamma_ = Gamma::None;
-  Real blackIn_ = 0;
-  Real inputSpan_ = 1;
-  Real exponent_ = 1;
-  Real blackOut_ = 0;
-  Real outputSpan_ = 1;
+  double blackIn_ = 0;
+  double inputSpan_ = 1;
+  double exponent_ = 1;
+  double blackOut_ = 0;
+  double outputSpan_ = 1;
 };
 
 // What one color channel goes through: the levels of all colors, then its own.
-template <class Real>
 struct LevelsCurve {
-  LevelsStage<Real> common;
-  LevelsStage<Real> own;
+  LevelsStage common;
+  LevelsStage own;
   bool isNeutral() const { return common.isNeutral() && own.isNeutral(); }
-  Real apply(Real value) const { return own.apply(common.apply(value)); }
-  Real applyClipped(Real value) const { return own.applyClipped(common.applyClipped(value)); }
+  void apply(float* values, std::size_t count) const {
+    common.apply(values, count);
+    own.apply(values, count);
+  }
+  double applyClipped(double value) const { return own.applyClipped(common.applyClipped(value)); }
 };
 
 }  // namespace vorto::effects

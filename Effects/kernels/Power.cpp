@@ -63,7 +63,8 @@ std::size_t powerVectors(float* values, std::size_t count, double exponent) {
   const Doubles d;
   const hn::Rebind<float, Doubles> df;
   const auto e = hn::Set(d, exponent);
-  const auto most = hn::Set(df, exponent > 0 ? std::numeric_limits<float>::max() : std::numeric_limits<float>::infinity());
+  const auto most =
+      hn::Set(df, exponent > 0 ? std::numeric_limits<float>::max() : std::numeric_limits<float>::infinity());
   const std::size_t whole = count / hn::Lanes(d) * hn::Lanes(d);
   for (std::size_t i = 0; i < whole; i += hn::Lanes(d)) {
     const auto value = hn::LoadU(df, values + i);

@@ -27,11 +27,11 @@ inline constexpr double kLn2 = std::numbers::ln2;
 inline constexpr double kLn2Squared = kLn2 * kLn2;
 inline constexpr double kLn2Fourth = kLn2Squared * kLn2Squared;
 inline constexpr double kExponential[] = {kLn2Fourth * kLn2Fourth / 40320,
-                                          kLn2Fourth * kLn2Squared * kLn2 / 5040,
-                                          kLn2Fourth * kLn2Squared / 720,
-                                          kLn2Fourth * kLn2 / 120,
+                                          kLn2Fourth* kLn2Squared* kLn2 / 5040,
+                                          kLn2Fourth* kLn2Squared / 720,
+                                          kLn2Fourth* kLn2 / 120,
                                           kLn2Fourth / 24,
-                                          kLn2Squared * kLn2 / 6,
+                                          kLn2Squared* kLn2 / 6,
                                           kLn2Squared / 2,
                                           kLn2,
                                           1};

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Effects/Support/PixelLayout.h"
 #include "Effects/kernels/GradientMap.h"
+#include "Effects/kernels/Levels.h"
 #include "Effects/kernels/Mix.h"
 #include "Effects/kernels/Multiply.h"
 #include "Effects/kernels/Over.h"
@@ -136,6 +137,27 @@ TYPED_TEST(Rows, MapAsDefined) {
         [&](auto* out, std::size_t count) { gradientMapRowScalar<Layout>(in.data(), out, count, table.data()); },
         [&](auto* out, std::size_t count) { gradientMapRow<Layout>(in.data(), out, count, table.data()); });
   });
+}
+
+TYPED_TEST(Rows, ChangeLevelsAsDefined) {
+  if constexpr (!std::is_same_v<TypeParam, float>) {
+    const auto table = [&] {
+      LevelsTable<TypeParam> values(kLevelsTableSize<TypeParam>);
+      for (auto& each : values) each = this->channel();
+      return values;
+    };
+    for (const bool keepsEnds : {false, true}) {
+      LevelsTables<TypeParam> tables{table(), table(), table(), table()};
+      if (keepsEnds) tables.alpha[0] = 0, tables.alpha[kFull<TypeParam>] = kFull<TypeParam>;
+      withLayoutsOf<TypeParam>([&](auto layout) {
+        using Layout = decltype(layout);
+        auto in = this->row();
+        for (std::size_t i = in.size() / 2; i < in.size() * 3 / 4; i += 4) in[i + Layout::kAlpha] = kFull<TypeParam>;
+        this->expectSame([&](auto* out, std::size_t count) { levelsRowScalar<Layout>(in.data(), out, count, tables); },
+                         [&](auto* out, std::size_t count) { levelsRow<Layout>(in.data(), out, count, tables); });
+      });
+    }
+  }
 }
 
 template <class Weight>

@@ -1,0 +1,213 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Effects/kernels/Levels.h"
+
+#include "Effects/Support/PixelLayout.h"
+#include "TarnCore/TCKernelTarget.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "Effects/kernels/Levels.cpp"
+#include <hwy/foreach_target.h>
+// After foreach_target.h:
+#include <hwy/highway.h>
+
+#include "Effects/kernels/Pixels-inl.h"
+
+// Each returns how many pixels it made: whole vectors of them.
+HWY_BEFORE_NAMESPACE();
+namespace vorto::effects::HWY_NAMESPACE {
+
+using ByteTables = LevelsTables<std::uint8_t>;
+using WordTables = LevelsTables<std::uint16_t>;
+
+#if HWY_TARGET == HWY_SCALAR
+std::size_t levelsRGBA8(const std::uint8_t*, std::uint8_t*, std::size_t, const ByteTables&) {
+  return 0;
+}
+std::size_t levelsARGB8(const std::uint8_t*, std::uint8_t*, std::size_t, const ByteTables&) {
+  return 0;
+}
+std::size_t levelsWords(const std::uint16_t*, std::uint16_t*, std::size_t, const WordTables&) {
+  return 0;
+}
+#else
+// Pixels of bytes, one to a lane. `Opaque` pixels are straight already.
+template <class Layout>
+struct BytePixels {
+  static constexpr Wides kLanes{};
+  using Lanes = hn::Vec<Wides>;
+  Lanes pixels, alpha;
+  hn::Vec<Floats> divisor, half;
+
+  HWY_INLINE explicit BytePixels(Lanes loaded) : pixels(loaded), alpha(channel<Layout::kAlpha>()) {
+    const auto wide = hn::BitCast(hn::RebindToSigned<Wides>(), alpha);
+    // Where alpha is 0, the color stands for itself.
+    const auto float32 = hn::ConvertTo(Floats(), wide);
+    divisor = hn::IfThenElse(hn::Eq(float32, hn::Zero(Floats())), hn::Set(Floats(), 255.0F), float32);
+    half = hn::ConvertTo(Floats(), hn::ShiftRight<1>(wide));
+  }
+
+  template <int index>
+  HWY_INLINE Lanes channel() const {
+    return hn::And(hn::ShiftRight<8 * index>(pixels), hn::Set(kLanes, 0xFF));
+  }
+
+  // (color 255 + alpha / 2) / alpha, cut off and at most 255: exact in floats, where a quotient below 512 that is no
+  // integer is 1/255 or more away from the next.
+  HWY_INLINE Lanes straight(Lanes color) const {
+    const hn::RebindToSigned<Wides> di;
+    const auto n = hn::Sub(hn::ShiftLeft<8>(color), color);
+    const auto quotient = hn::Div(hn::Add(hn::ConvertTo(Floats(), hn::BitCast(di, n)), half), divisor);
+    return hn::BitCast(kLanes, hn::ConvertTo(di, hn::Min(quotient, hn::Set(Floats(), 255.0F))));
+  }
+
+  HWY_INLINE static Lanes lookedUp(const LevelsTable<std::uint8_t>& table, Lanes index) {
+    return hn::GatherIndex(kLanes, table.data(), hn::BitCast(hn::RebindToSigned<Wides>(), index));
+  }
+};
+
+template <class Layout, bool isOpaque>
+HWY_INLINE hn::Vec<Wides> levelsOfBytes(const BytePixels<Layout>& in, hn::Vec<Wides> newAlpha,
+                                        const ByteTables& tables) {
+  using Pixels = BytePixels<Layout>;
+  const auto through = [&](hn::Vec<Wides> color, const LevelsTable<std::uint8_t>& table) HWY_ATTR {
+    return Pixels::lookedUp(table, isOpaque ? color : in.straight(color));
+  };
+  const auto red = hn::ShiftLeft<8 * Layout::kRed>(through(in.template channel<Layout::kRed>(), tables.red));
+  const auto green = hn::ShiftLeft<8 * Layout::kGreen>(through(in.template channel<Layout::kGreen>(), tables.green));
+  const auto blue = hn::ShiftLeft<8 * Layout::kBlue>(through(in.template channel<Layout::kBlue>(), tables.blue));
+  const auto colors = hn::Or(hn::Or(red, green), blue);
+  if constexpr (isOpaque) return hn::Or(colors, hn::ShiftLeft<8 * Layout::kAlpha>(newAlpha));
+  const Bytes d;
+  const auto full = hn::BitCast(d, hn::Or(colors, hn::Set(Wides(), 0xFFU << (8 * Layout::kAlpha))));
+  const auto twice = hn::BitCast(Words(), hn::Or(newAlpha, hn::ShiftLeft<16>(newAlpha)));
+  const auto even = productOfBytes(evenBytes(full), twice);
+  const auto odd = productOfBytes(oddBytes(full), twice);
+  const auto isEmpty = hn::Eq(hn::Or(in.alpha, newAlpha), hn::Zero(Wides()));
+  return hn::IfThenElse(isEmpty, in.pixels, hn::BitCast(Wides(), joinedHighBytes(even, odd)));
+}
+
+template <class Layout>
+std::size_t levelsBytes(const std::uint8_t* in, std::uint8_t* out, std::size_t count, const ByteTables& tables) {
+  const Bytes d;
+  const Wides dp;
+  const auto full = hn::Set(dp, 0xFF);
+  const std::size_t whole = wholeVectors(d, count);
+  for (std::size_t i = 0; i < whole; i += hn::Lanes(d)) {
+    const BytePixels<Layout> pixels(hn::BitCast(dp, hn::LoadU(d, in + i)));
+    const auto newAlpha = BytePixels<Layout>::lookedUp(tables.alpha, pixels.alpha);
+    const bool isOpaque = hn::AllTrue(dp, hn::Eq(hn::And(pixels.alpha, newAlpha), full));
+    const auto made = isOpaque ? levelsOfBytes<Layout, true>(pixels, newAlpha, tables)
+                               : levelsOfBytes<Layout, false>(pixels, newAlpha, tables);
+    storeNext<false>(hn::BitCast(d, made), d, out + i);
+  }
+  return whole / 4;
+}
+
+std::size_t levelsRGBA8(const std::uint8_t* in, std::uint8_t* out, std::size_t count, const ByteTables& tables) {
+  return levelsBytes<RGBA8>(in, out, count, tables);
+}
+
+std::size_t levelsARGB8(const std::uint8_t* in, std::uint8_t* out, std::size_t count, const ByteTables& tables) {
+  return levelsBytes<ARGB8>(in, out, count, tables);
+}
+
+// Pixels of words, one to a lane.
+using Longs = hn::Repartition<std::uint64_t, Bytes>;
+using Doubles = hn::Repartition<double, Bytes>;
+
+template <int index>
+HWY_INLINE hn::Vec<Longs> wordOf(hn::Vec<Longs> pixels) {
+  return hn::And(hn::ShiftRight<16 * index>(pixels), hn::Set(Longs(), 0xFFFF));
+}
+
+HWY_INLINE hn::Vec<Longs> lookedUp(const LevelsTable<std::uint16_t>& table, hn::Vec<Longs> index) {
+  // The three words that follow are read too, and cut off.
+  const auto* const bytes = reinterpret_cast<const std::uint64_t*>(table.data());
+  const auto offset = hn::BitCast(hn::RebindToSigned<Longs>(), hn::Add(index, index));
+  return hn::And(hn::GatherOffset(Longs(), bytes, offset), hn::Set(Longs(), 0xFFFF));
+}
+
+// Integers below 2 to the 52, which this adds to the bits of a double.
+HWY_INLINE hn::Vec<Doubles> doubleOf(hn::Vec<Longs> v) {
+  const auto magic = hn::Set(Doubles(), 0x1p52);
+  return hn::Sub(hn::BitCast(Doubles(), hn::Or(v, hn::BitCast(Longs(), magic))), magic);
+}
+
+// (color 65535 + alpha / 2) / alpha, cut off and at most 65535: exact in doubles.
+HWY_INLINE hn::Vec<Longs> straightWord(hn::Vec<Longs> color, hn::Vec<Longs> half, hn::Vec<Doubles> divisor) {
+  const Doubles d;
+  const hn::Rebind<std::int32_t, Doubles> di;
+  const auto n = hn::Add(hn::Sub(hn::ShiftLeft<16>(color), color), half);
+  const auto quotient = hn::Min(hn::Div(doubleOf(n), divisor), hn::Set(d, 65535.0));
+  return hn::BitCast(Longs(), hn::PromoteTo(hn::RebindToSigned<Longs>(), hn::DemoteTo(di, quotient)));
+}
+
+template <bool isOpaque>
+HWY_INLINE hn::Vec<Longs> levelsOfWords(hn::Vec<Longs> pixels, hn::Vec<Longs> newAlpha, const WordTables& tables) {
+  const Longs d;
+  const auto alpha = wordOf<RGBA16::kAlpha>(pixels);
+  const auto divisor = doubleOf(hn::IfThenElse(hn::Eq(alpha, hn::Zero(d)), hn::Set(d, 0xFFFF), alpha));
+  const auto half = hn::ShiftRight<1>(alpha);
+  const auto through = [&](hn::Vec<Longs> color, const LevelsTable<std::uint16_t>& table) HWY_ATTR {
+    return lookedUp(table, isOpaque ? color : straightWord(color, half, divisor));
+  };
+  const auto red = through(wordOf<RGBA16::kRed>(pixels), tables.red);
+  const auto green = hn::ShiftLeft<16>(through(wordOf<RGBA16::kGreen>(pixels), tables.green));
+  const auto blue = hn::ShiftLeft<32>(through(wordOf<RGBA16::kBlue>(pixels), tables.blue));
+  const auto opaque = hn::Or(hn::Or(hn::Or(red, green), blue), hn::Set(d, std::uint64_t{0xFFFF} << 48));
+  if constexpr (isOpaque) return opaque;
+  const auto coverage = alphaOfWords(hn::BitCast(Words(), hn::ShiftLeft<48>(newAlpha)));
+  const auto made = hn::BitCast(d, productOfWords(hn::BitCast(Words(), opaque), coverage));
+  return hn::IfThenElse(hn::Eq(hn::Or(alpha, newAlpha), hn::Zero(d)), pixels, made);
+}
+
+std::size_t levelsWords(const std::uint16_t* in, std::uint16_t* out, std::size_t count, const WordTables& tables) {
+  const Words d;
+  const Longs dp;
+  const auto full = hn::Set(dp, 0xFFFF);
+  const std::size_t whole = wholeVectors(d, count);
+  for (std::size_t i = 0; i < whole; i += hn::Lanes(d)) {
+    const auto pixels = hn::BitCast(dp, hn::LoadU(d, in + i));
+    const auto alpha = wordOf<RGBA16::kAlpha>(pixels);
+    const auto newAlpha = lookedUp(tables.alpha, alpha);
+    const bool isOpaque = hn::AllTrue(dp, hn::Eq(hn::And(alpha, newAlpha), full));
+    const auto made =
+        isOpaque ? levelsOfWords<true>(pixels, newAlpha, tables) : levelsOfWords<false>(pixels, newAlpha, tables);
+    storeNext<false>(hn::BitCast(d, made), d, out + i);
+  }
+  return whole / 4;
+}
+#endif
+
+}  // namespace vorto::effects::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace vorto::effects {
+
+HWY_EXPORT(levelsRGBA8);
+HWY_EXPORT(levelsARGB8);
+HWY_EXPORT(levelsWords);
+
+template <class Layout>
+void levelsRow(const typename Layout::Channel* in, typename Layout::Channel* out, std::size_t count,
+               const LevelsTables<typename Layout::Channel>& tables) {
+  std::size_t done = 0;
+  if (TCUsesScalarKernels()) {
+    // all by the definition
+  } else if constexpr (std::is_same_v<Layout, RGBA8>) {
+    done = HWY_DYNAMIC_DISPATCH(levelsRGBA8)(in, out, count, tables);
+  } else if constexpr (std::is_same_v<Layout, ARGB8>) {
+    done = HWY_DYNAMIC_DISPATCH(levelsARGB8)(in, out, count, tables);
+  } else {
+    done = HWY_DYNAMIC_DISPATCH(levelsWords)(in, out, count, tables);
+  }
+  levelsRowScalar<Layout>(in + 4 * done, out + 4 * done, count - done, tables);
+}
+
+template void levelsRow<RGBA8>(const std::uint8_t*, std::uint8_t*, std::size_t, const LevelsTables<std::uint8_t>&);
+template void levelsRow<ARGB8>(const std::uint8_t*, std::uint8_t*, std::size_t, const LevelsTables<std::uint8_t>&);
+template void levelsRow<RGBA16>(const std::uint16_t*, std::uint16_t*, std::size_t, const LevelsTables<std::uint16_t>&);
+
+}  // namespace vorto::effects
+#endif
