@@ -3,13 +3,6 @@
 #include "Platform/CGL/GLEnumerants.h"
 #include "Platform/CGL/GraphicsCards.h"
 
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <string>
-
 namespace {
 
 namespace fs = std::filesystem;

@@ -1,11 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Channels/VRTChannelFolder.h"
 
-#include <gtest/gtest.h>
-
-#include <cstdlib>
 #include <optional>
-#include <vector>
 
 namespace {
 

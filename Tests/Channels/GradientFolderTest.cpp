@@ -1,14 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Channels/VRTChannelGradient.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <cstdlib>
-#include <limits>
-#include <string>
-#include <vector>
-
 namespace {
 
 using RGB = VRTChannelGradientSampleRGB;

@@ -3,16 +3,6 @@
 
 #include "TarnCore/kernels/Dispatch.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <cstdint>
-#include <cstring>
-#include <limits>
-#include <random>
-#include <string>
-#include <vector>
-
 // The table kernels against their scalar definition, bit for bit, on every instruction set of this machine.
 
 namespace {

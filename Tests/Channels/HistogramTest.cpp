@@ -1,10 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Channels/VRTChannelHistogram.h"
 
-#include <gtest/gtest.h>
-
-#include <vector>
-
 namespace {
 
 std::vector<double> valuesOf(const VRTChannelHistogram& levels, int channel) {

@@ -3,9 +3,6 @@
 #include "Tests/CoreFoundation/CFTestText.h"
 #include "Tests/Support/ChildProcess.h"
 
-#include <cstdlib>
-#include <map>
-
 namespace {
 
 using Environment = std::map<std::string, std::string>;

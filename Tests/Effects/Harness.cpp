@@ -5,20 +5,20 @@
 #include "Ports/VRTObjects.h"
 #include "Tests/Support/Lists.h"
 
-#include <cmath>
-#include <limits>
 #include <type_traits>
 
 namespace {
 
-// Passes a channel of a pixel, red to alpha, as what it is stored as.
+// Passes the channels of the pixel with this index, red to alpha, as what they are stored as.
 template <class Use>
-void withChannel(const VortoBitmap& bitmap, const Layout& layout, std::size_t x, std::size_t y, int place, Use use) {
-  const std::size_t index = (y * bitmap.width + x) * 4 + static_cast<std::size_t>(layout.places[place]);
-  void* const data = bitmap.data;
-  if (layout.channelBytes == 1) use(static_cast<std::uint8_t*>(data)[index]);
-  if (layout.channelBytes == 2) use(static_cast<std::uint16_t*>(data)[index]);
-  if (layout.channelBytes == 4) use(static_cast<float*>(data)[index]);
+void withChannels(const VortoBitmap& bitmap, const Layout& layout, std::size_t pixel, Use use) {
+  for (std::size_t i = 0; i < 4; ++i) {
+    const std::size_t at = pixel * 4 + static_cast<std::size_t>(layout.places[i]);
+    void* const data = bitmap.data;
+    if (layout.channelBytes == 1) use(i, static_cast<std::uint8_t*>(data)[at]);
+    if (layout.channelBytes == 2) use(i, static_cast<std::uint16_t*>(data)[at]);
+    if (layout.channelBytes == 4) use(i, static_cast<float*>(data)[at]);
+  }
 }
 
 double anyValue(const Layout& layout, std::mt19937& random) {
@@ -41,45 +41,40 @@ Values premultipliedValues(const Layout& layout, std::mt19937& random) {
 
 Values pixelAt(const VortoBitmap& bitmap, const Layout& layout, std::size_t x, std::size_t y) {
   Values values{};
-  for (int i = 0; i < 4; ++i) withChannel(bitmap, layout, x, y, i, [&](auto& channel) { values[i] = channel; });
+  withChannels(bitmap, layout, y * bitmap.width + x, [&](std::size_t i, auto& channel) { values[i] = channel; });
   return values;
 }
 
-void setPixel(VortoBitmap& bitmap, const Layout& layout, std::size_t x, std::size_t y, const Values& values) {
-  for (int i = 0; i < 4; ++i) {
-    withChannel(bitmap, layout, x, y, i,
-                [&](auto& channel) { channel = static_cast<std::remove_reference_t<decltype(channel)>>(values[i]); });
-  }
-}
-
 std::vector<Values> pixelsOf(const VortoBitmap& bitmap, const Layout& layout) {
-  std::vector<Values> pixels;
-  for (std::size_t i = 0; i < std::size_t{bitmap.width} * bitmap.height; ++i) {
-    pixels.push_back(pixelAt(bitmap, layout, i % bitmap.width, i / bitmap.width));
-  }
+  std::vector<Values> pixels(std::size_t{bitmap.width} * bitmap.height);
+  for (std::size_t i = 0; i < pixels.size(); ++i) pixels[i] = pixelAt(bitmap, layout, i, 0);
   return pixels;
 }
 
-Bitmap makeImage(const Layout& layout, std::uint32_t width, std::uint32_t height, const Values& everywhere) {
+Bitmap makeImage(const Layout& layout, std::uint32_t width, std::uint32_t height,
+                 const std::function<Values()>& pixel) {
   Bitmap bitmap(TCCreateBitmap(width, height, layout.code));
   EXPECT_TRUE(bitmap && bitmap->data);
-  for (std::size_t i = 0; i < std::size_t{width} * height; ++i) {
-    setPixel(*bitmap, layout, i % width, i / width, everywhere);
+  for (std::size_t at = 0; at < std::size_t{width} * height; ++at) {
+    const Values values = pixel();
+    withChannels(*bitmap, layout, at, [&](std::size_t i, auto& channel) {
+      channel = static_cast<std::remove_reference_t<decltype(channel)>>(values[i]);
+    });
   }
   return bitmap;
+}
+
+Bitmap makeImage(const Layout& layout, std::uint32_t width, std::uint32_t height, const Values& everywhere) {
+  return makeImage(layout, width, height, [&] { return everywhere; });
 }
 
 Bitmap randomImage(const Layout& layout, std::uint32_t width, std::uint32_t height, Noise noise, unsigned seed) {
   std::mt19937 random(seed);
-  Bitmap bitmap = makeImage(layout, width, height);
-  for (std::size_t i = 0; i < std::size_t{width} * height; ++i) {
+  return makeImage(layout, width, height, [&] {
     Values values = premultipliedValues(layout, random);
-    if (noise == Noise::Anything) {
-      for (double& value : values) value = anyValue(layout, random);
-    }
-    setPixel(*bitmap, layout, i % width, i / width, values);
-  }
-  return bitmap;
+    for (double& value : values) value = noise == Noise::Anything ? anyValue(layout, random) : value;
+    return values;
+  });
 }
 
 std::vector<std::uint8_t> pixelBytes(const VortoBitmap& bitmap) {
@@ -97,27 +92,29 @@ GFNodeManager& effects() {
   return *manager;
 }
 
-std::shared_ptr<QCPatch> effectNamed(const std::string& name) {
+void set(QCPatch& patch, const std::string& key, const Setting& setting) {
+  QCPort* port = patch.portForKey(key);
+  std::string reason = "no such port";
+  bool isTaken = false;
+  if (const auto* image = std::get_if<ConstBitmap>(&setting); image && dynamic_cast<QCImagePort*>(port)) {
+    VRTImage::setBitmapOfPort(dynamic_cast<QCImagePort&>(*port), *image);
+    isTaken = true;
+  } else if (const auto* state = std::get_if<PropertyList>(&setting)) {
+    isTaken = port && port->setStateValue(*state, &reason);
+  } else if (const auto* object = std::get_if<NSObjectRef>(&setting)) {
+    isTaken = port && port->setValue(*object);
+  } else if (const auto* number = std::get_if<double>(&setting)) {
+    isTaken = port && port->setValue(NSNumber::numberWithDouble(*number));
+  }
+  if (!isTaken) throw std::runtime_error("cannot set " + key + ": " + reason);
+}
+
+std::shared_ptr<QCPatch> effectNamed(const std::string& name,
+                                     const std::vector<std::pair<std::string, Setting>>& settings) {
   auto patch = effects().nodeInstanceWithName(name);
   if (!patch) throw std::runtime_error("there is no effect " + name + " in " VORTO_TEST_PLUGINS);
+  for (const auto& [key, setting] : settings) set(*patch, key, setting);
   return patch;
-}
-
-void setImage(QCPatch& patch, const std::string& key, ConstBitmap bitmap) {
-  auto* port = dynamic_cast<QCImagePort*>(patch.portForKey(key));
-  if (!port) throw std::runtime_error("there is no image port " + key);
-  VRTImage::setBitmapOfPort(*port, std::move(bitmap));
-}
-
-void setNumber(QCPatch& patch, const std::string& key, double value) {
-  QCPort* port = patch.portForKey(key);
-  if (!port || !port->setValue(NSNumber::numberWithDouble(value))) throw std::runtime_error(key + " takes no number");
-}
-
-void setState(QCPatch& patch, const std::string& key, const PropertyList& state) {
-  QCPort* port = patch.portForKey(key);
-  std::string reason;
-  if (!port || !port->setStateValue(state, &reason)) throw std::runtime_error(key + " takes no state: " + reason);
 }
 
 Outcome run(QCPatch& patch) {

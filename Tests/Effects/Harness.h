@@ -5,14 +5,7 @@
 #include "Platform/QuartzComposer/QCPatch.h"
 #include "TarnCore/TCBitmap.h"
 
-#include <gtest/gtest.h>
-
-#include <array>
-#include <cstdint>
-#include <memory>
-#include <random>
-#include <string>
-#include <vector>
+#include <variant>
 
 using Bitmap = std::shared_ptr<VortoBitmap>;
 using ConstBitmap = std::shared_ptr<const VortoBitmap>;
@@ -35,8 +28,6 @@ inline constexpr std::array<Layout, 4> layouts{{
 // Red, green, blue, alpha in the layout's own units: 0 to 255, 0 to 65535, or as they are.
 using Values = std::array<double, 4>;
 Values pixelAt(const VortoBitmap& bitmap, const Layout& layout, std::size_t x, std::size_t y);
-void setPixel(VortoBitmap& bitmap, const Layout& layout, std::size_t x, std::size_t y, const Values& values);
-
 std::vector<Values> pixelsOf(const VortoBitmap& bitmap, const Layout& layout);  // row by row
 
 // Expects every pixel within the tolerance of wanted(x, y), in the layout's units.
@@ -51,6 +42,8 @@ void expectPixels(const ConstBitmap& image, const Layout& layout, double toleran
   }
 }
 
+// An image with each pixel as the function gives it, row by row; of one color, or of random ones.
+Bitmap makeImage(const Layout& layout, std::uint32_t width, std::uint32_t height, const std::function<Values()>& pixel);
 Bitmap makeImage(const Layout& layout, std::uint32_t width, std::uint32_t height, const Values& everywhere = {});
 enum class Noise {
   Premultiplied,  // every kind of alpha, many of them 0 and 1.0; colors up to alpha
@@ -61,11 +54,13 @@ std::vector<std::uint8_t> pixelBytes(const VortoBitmap& bitmap);
 
 // The plug-ins of the build; one manager for the process.
 GFNodeManager& effects();
-std::shared_ptr<QCPatch> effectNamed(const std::string& name);
 
-void setImage(QCPatch& patch, const std::string& key, ConstBitmap bitmap);
-void setNumber(QCPatch& patch, const std::string& key, double value);
-void setState(QCPatch& patch, const std::string& key, const PropertyList& state);
+// What a port takes: an image, a number, a state or an object. What it refuses is thrown.
+using Setting = std::variant<ConstBitmap, double, PropertyList, NSObjectRef>;
+void set(QCPatch& patch, const std::string& key, const Setting& setting);
+// A new instance with these settings.
+std::shared_ptr<QCPatch> effectNamed(const std::string& name,
+                                     const std::vector<std::pair<std::string, Setting>>& settings = {});
 
 struct Outcome {
   bool succeeded;

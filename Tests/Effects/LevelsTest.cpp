@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Tests/Effects/Harness.h"
 
-#include <cmath>
-
 namespace {
 
 const char* const suffixes[] = {"RGB", "Red", "Green", "Blue", "Alpha"};
@@ -14,10 +12,7 @@ PropertyList levels(const std::vector<std::pair<std::string, double>>& changes) 
 }
 
 ConstBitmap throughLevels(const Bitmap& image, const PropertyList& state) {
-  const auto patch = effectNamed("Levels");
-  setImage(*patch, "inputImage", image);
-  setState(*patch, "inputLevels", state);
-  return rendered(*patch);
+  return rendered(*effectNamed("Levels", {{"inputImage", image}, {"inputLevels", state}}));
 }
 
 double greyThrough(double grey, const PropertyList& state) {

@@ -31,16 +31,11 @@ void expectSamePicture(const char* effect, const char* port, const PropertyList&
                        const std::vector<NSObjectRef>& values) {
   for (const Layout& layout : layouts) {
     const Bitmap image = randomImage(layout, 40, 20, Noise::Premultiplied, 51);
-    const auto direct = effectNamed(effect);
-    setImage(*direct, "inputImage", image);
-    setState(*direct, port, state);
-    const auto picture = pixelBytes(*rendered(*direct));
+    const auto picture = pixelBytes(*rendered(*effectNamed(effect, {{"inputImage", image}, {port, state}})));
     EXPECT_NE(picture, pixelBytes(*image));
     for (const NSObjectRef& value : values) {
       ASSERT_TRUE(value);
-      const auto patch = effectNamed(effect);
-      setImage(*patch, "inputImage", image);
-      ASSERT_TRUE(patch->portForKey(port)->setValue(value)) << value->className();
+      const auto patch = effectNamed(effect, {{"inputImage", image}, {port, value}});
       EXPECT_EQ(pixelBytes(*rendered(*patch)), picture) << effect << " with a " << value->className();
     }
   }
@@ -57,27 +52,23 @@ TEST(SavedParameters, RenderTheSamePictureUnderEitherName) {
 }
 
 // Levels, then Gradient Map, with the parameters that the composition holds.
-ConstBitmap byHand(QCPatch& duotone, const ConstBitmap& image) {
-  const auto levels = effectNamed("Levels");
-  setImage(*levels, "inputImage", image);
-  levels->portForKey("inputLevels")->setValue(duotone.portForKey("inputLevels")->value());
-  const auto map = effectNamed("Gradient Map");
-  setImage(*map, "inputImage", rendered(*levels));
-  map->portForKey("inputGradient")->setValue(duotone.portForKey("inputGradient")->value());
-  return rendered(*map);
+ConstBitmap byHand(QCPatch& duotone, ConstBitmap image) {
+  for (const auto& [name, key] : {std::pair{"Levels", "inputLevels"}, {"Gradient Map", "inputGradient"}}) {
+    image = rendered(*effectNamed(name, {{"inputImage", image}, {key, duotone.portForKey(key)->value()}}));
+  }
+  return image;
 }
 
 TEST(Duotone, IsItsNodesInOrder) {
   for (const Layout& layout : layouts) {
     const Bitmap image = randomImage(layout, 30, 20, Noise::Premultiplied, 52);
-    const auto duotone = effectNamed("Duotone");
-    setImage(*duotone, "inputImage", image);
+    const auto duotone = effectNamed("Duotone", {{"inputImage", image}});
     const auto full = pixelBytes(*rendered(*duotone));
     EXPECT_EQ(full, pixelBytes(*byHand(*duotone, image))) << layout.name;
     EXPECT_NE(full, pixelBytes(*image));
-    setNumber(*duotone, "inputAmount", 0);
+    set(*duotone, "inputAmount", 0.0);
     EXPECT_EQ(pixelBytes(*rendered(*duotone)), pixelBytes(*image)) << layout.name;
-    setNumber(*duotone, "inputAmount", 0.5);
+    set(*duotone, "inputAmount", 0.5);
     const auto half = pixelBytes(*rendered(*duotone));
     EXPECT_NE(half, full);
     EXPECT_NE(half, pixelBytes(*image));

@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Tests/Mach/Memory.h"
 
-#include <random>
-#include <vector>
-
 namespace {
 
 // Memory that came to lie where ours was, somebody else's or a new one, is neither changed, nor shared, nor unmapped.

@@ -1,38 +1,13 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Tests/Mach/Memory.h"
-#include "Tests/Support/ChildProcess.h"
 
 #include <fcntl.h>
 #include <sys/resource.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 #include <cerrno>
-#include <string>
 #include <thread>
-#include <vector>
 
 namespace {
-
-class Pair {
- public:
-  Pair() { EXPECT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends_), 0); }
-  Pair(const Pair&) = delete;
-  Pair& operator=(const Pair&) = delete;
-  ~Pair() {
-    closeEnd(0);
-    closeEnd(1);
-  }
-  int ours() const { return ends_[0]; }
-  int theirs() const { return ends_[1]; }
-  void closeEnd(int which) {
-    if (ends_[which] >= 0) close(ends_[which]);
-    ends_[which] = -1;
-  }
-
- private:
-  int ends_[2] = {-1, -1};
-};
 
 struct Received {
   kern_return_t result = -1;
@@ -91,7 +66,7 @@ int memoryFile(vm_size_t size, int seals) {
 constexpr int goodSeals = F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL;
 
 TEST(EntrySocket, AnotherProcessReadsAndChangesTheSameMemory) {
-  Pair pair;
+  SocketPair pair;
   const vm_address_t address = allocated(5 * page);
   std::memset(bytesAt(address), 3, 5 * page);
   const mach_port_t entry = entryOf(address, 5 * page);
@@ -114,7 +89,7 @@ TEST(EntrySocket, AnotherProcessReadsAndChangesTheSameMemory) {
 }
 
 TEST(EntrySocket, PeerCanNeitherShrinkNorGrowNorUnsealTheMemory) {
-  Pair pair;
+  SocketPair pair;
   const vm_address_t address = allocated(4 * page);
   const mach_port_t entry = entryOf(address, 4 * page);
   ASSERT_EQ(mach_send_memory_entry(pair.ours(), entry, nullptr, 0), KERN_SUCCESS);
@@ -140,7 +115,7 @@ TEST(EntrySocket, PeerCanNeitherShrinkNorGrowNorUnsealTheMemory) {
 }
 
 TEST(EntrySocket, TakesAMessageThatComesInPieces) {
-  Pair pair;
+  SocketPair pair;
   const int file = memoryFile(2 * page, goodSeals);
   const std::string bytes = message(page, page, "piecemeal");
   std::thread sender([&] {
@@ -187,12 +162,12 @@ TEST(EntrySocket, BadMessagesAreRefusedAndLeaveNoDescriptor) {
       {"Wraps", message(page, ~std::uint64_t{0} - page + 1), 1, page, goodSeals, KERN_INVALID_ADDRESS},
   };
   for (const auto& row : rows) {
-    Pair pair;
+    SocketPair pair;
     std::vector<int> files;
     for (int i = 0; i < row.descriptors; ++i) files.push_back(memoryFile(row.fileSize, row.seals));
     sendBytes(pair.theirs(), row.bytes, files);
     for (const int file : files) close(file);
-    pair.closeEnd(1);
+    pair.closeTheirs();
     const auto before = openDescriptors();
     const Received received = receive(pair.ours(), 16);
     EXPECT_EQ(received.result, row.expected) << row.name;
@@ -207,7 +182,7 @@ TEST(EntrySocket, RefusesFilesThatAreNoMemory) {
   const int file = memoryFile(page, goodSeals);
   const int readOnly = open(("/proc/self/fd/" + std::to_string(file)).c_str(), O_RDONLY);
   ASSERT_GE(readOnly, 0);
-  Pair pair;
+  SocketPair pair;
   for (const int other : {ends[0], readOnly}) {
     sendBytes(pair.theirs(), message(page), {other});
     EXPECT_EQ(receive(pair.ours()).result, KERN_PROTECTION_FAILURE);
@@ -218,7 +193,7 @@ TEST(EntrySocket, RefusesFilesThatAreNoMemory) {
 TEST(EntrySocket, ClosedPeersSilentPeersAndOtherSocketsGetAResult) {
   const vm_address_t address = allocated(page);
   const mach_port_t entry = entryOf(address, page);
-  Pair pair;
+  SocketPair pair;
   EXPECT_EQ(mach_send_memory_entry(pair.ours(), 0x7FFFFFFF, nullptr, 0), KERN_INVALID_NAME);
   EXPECT_EQ(mach_send_memory_entry(pair.ours(), entry, "x", mach_entry_note_limit + 1), KERN_INVALID_ARGUMENT);
   EXPECT_EQ(mach_send_memory_entry(-1, entry, nullptr, 0), KERN_INVALID_ARGUMENT);
@@ -229,8 +204,8 @@ TEST(EntrySocket, ClosedPeersSilentPeersAndOtherSocketsGetAResult) {
     result = mach_send_memory_entry(pair.ours(), entry, nullptr, 0);  // until the socket is full
   EXPECT_TRUE(result == KERN_OPERATION_TIMED_OUT || result == KERN_RESOURCE_SHORTAGE) << result;
 
-  Pair closed;
-  closed.closeEnd(1);
+  SocketPair closed;
+  closed.closeTheirs();
   EXPECT_EQ(mach_send_memory_entry(closed.ours(), entry, nullptr, 0), KERN_TERMINATED);
   EXPECT_EQ(receive(closed.ours()).result, KERN_TERMINATED);
   bytesAt(address)[0] = 1;
@@ -238,7 +213,7 @@ TEST(EntrySocket, ClosedPeersSilentPeersAndOtherSocketsGetAResult) {
 }
 
 TEST(EntrySocket, RunningOutOfDescriptorsIsAResultOnBothSides) {
-  Pair pair;
+  SocketPair pair;
   const int file = memoryFile(page, goodSeals);
   sendBytes(pair.theirs(), message(page), {file});
   const vm_address_t address = allocated(page);

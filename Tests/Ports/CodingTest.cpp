@@ -8,8 +8,6 @@
 #include "Registry/BrivoCompatability.h"
 #include "Tests/Ports/StateValues.h"
 
-#include <gtest/gtest.h>
-
 namespace {
 
 const PropertyList someGradient =

@@ -2,8 +2,6 @@
 #include "Ports/VRTObjects.h"
 #include "Tests/Ports/StateValues.h"
 
-#include <gtest/gtest.h>
-
 namespace {
 
 TEST(Histogram, WritesItsKeysInOrder) {

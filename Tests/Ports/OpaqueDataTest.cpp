@@ -4,10 +4,6 @@
 #include "Platform/Foundation/NSValues.h"
 #include "Ports/VRTObjects.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-
 namespace {
 
 // Opaque data in an archive, with a state given as bytes.

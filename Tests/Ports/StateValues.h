@@ -3,10 +3,6 @@
 
 #include "Tests/Support/Lists.h"
 
-#include <array>
-#include <initializer_list>
-#include <string>
-
 // States written out by hand, as documents hold them.
 
 // Entries of gradient arrays: every third one of a group is the interpolation, an integer.

@@ -9,8 +9,6 @@
 #include "Ports/VRTObjects.h"
 #include "Tests/Support/EditorScene.h"
 
-#include <cmath>
-
 // A gradient editor, and its color or its opacity gutter.
 class GradientScene : public EditorScene {
  public:

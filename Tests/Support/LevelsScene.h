@@ -10,8 +10,6 @@
 #include "Registry/VRTProtocols.h"
 #include "Tests/Support/EditorScene.h"
 
-#include <cstdint>
-
 // A patch with an image and levels, its host's execution context, and the editor of the levels.
 
 class SceneImage : public QCImage {

@@ -4,14 +4,6 @@
 #include "TarnCore/kernels/MD5.h"
 #include "Tests/TarnCore/PixelOracle.h"
 
-#include <gtest/gtest.h>
-
-#include <array>
-#include <cstdlib>
-#include <cstring>
-#include <string>
-#include <vector>
-
 namespace {
 
 using oracle::Bytes;

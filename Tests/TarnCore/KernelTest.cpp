@@ -9,12 +9,6 @@
 #include "Tests/TarnCore/EveryTarget.h"
 #include "Tests/TarnCore/PixelOracle.h"
 
-#include <gtest/gtest.h>
-
-#include <cstring>
-#include <functional>
-#include <random>
-
 // Every kernel in every instruction set of the machine against its oracle: every width around those of vectors, any
 // alignment, overlaps, whole domains. Between instruction sets every bit is equal; with the oracle NaN equals NaN.
 

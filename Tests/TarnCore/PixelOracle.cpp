@@ -1,15 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Tests/TarnCore/PixelOracle.h"
 
-#include <algorithm>
-#include <array>
 #include <bit>
-#include <cmath>
-#include <cstring>
-#include <limits>
-#include <map>
-#include <random>
-#include <utility>
 
 namespace oracle {
 namespace {

@@ -2,8 +2,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
-#include <vector>
 
 // What operations on pixels come to, pixel by pixel and channel by channel, written from their definitions without
 // anything of the system: integers are divided, not shifted, halves are worked out from sign, exponent and fraction.

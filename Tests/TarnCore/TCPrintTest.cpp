@@ -4,13 +4,7 @@
 #include "TarnCore/TCStack.h"
 #include "Tests/Support/ChildProcess.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <csignal>
-#include <cstring>
-#include <fstream>
-#include <sstream>
 
 namespace stacktest {
 

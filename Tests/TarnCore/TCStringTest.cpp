@@ -4,12 +4,7 @@
 #include "Platform/Foundation/NSValues.h"
 #include "Tests/Support/ChildProcess.h"
 
-#include <gtest/gtest.h>
-
 #include <csignal>
-#include <cstring>
-#include <fstream>
-#include <functional>
 #include <type_traits>
 
 namespace {
