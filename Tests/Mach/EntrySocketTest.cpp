@@ -38,22 +38,27 @@ std::string message(std::uint64_t size, std::uint64_t offset = 0, const std::str
   return bytes + note;
 }
 
-void sendBytes(int socket, const std::string& bytes, const std::vector<int>& descriptors) {
-  iovec part{const_cast<char*>(bytes.data()), bytes.size()};
-  std::vector<char> control(CMSG_SPACE(descriptors.size() * sizeof(int)));
+// A message of these bytes, with room for descriptors.
+struct Message {
+  Message(std::string& bytes, std::size_t descriptors)
+      : part{bytes.data(), bytes.size()}, control(CMSG_SPACE(descriptors * sizeof(int))) {
+    header.msg_iov = &part;
+    header.msg_iovlen = 1;
+    header.msg_control = descriptors ? control.data() : nullptr;
+    header.msg_controllen = descriptors ? control.size() : 0;
+  }
+  iovec part;
+  std::vector<char> control;
   msghdr header{};
-  header.msg_iov = &part;
-  header.msg_iovlen = 1;
-  if (!descriptors.empty()) {
-    header.msg_control = control.data();
-    header.msg_controllen = control.size();
-    cmsghdr* const rights = CMSG_FIRSTHDR(&header);
-    rights->cmsg_level = SOL_SOCKET;
-    rights->cmsg_type = SCM_RIGHTS;
-    rights->cmsg_len = CMSG_LEN(descriptors.size() * sizeof(int));
+};
+
+void sendBytes(int socket, std::string bytes, const std::vector<int>& descriptors) {
+  Message message(bytes, descriptors.size());
+  if (cmsghdr* const rights = CMSG_FIRSTHDR(&message.header)) {
+    *rights = {CMSG_LEN(descriptors.size() * sizeof(int)), SOL_SOCKET, SCM_RIGHTS};
     std::memcpy(CMSG_DATA(rights), descriptors.data(), descriptors.size() * sizeof(int));
   }
-  ASSERT_EQ(sendmsg(socket, &header, MSG_NOSIGNAL), static_cast<ssize_t>(bytes.size()));
+  ASSERT_EQ(sendmsg(socket, &message.header, MSG_NOSIGNAL), static_cast<ssize_t>(bytes.size()));
 }
 
 int memoryFile(vm_size_t size, int seals) {
@@ -94,19 +99,13 @@ TEST(EntrySocket, PeerCanNeitherShrinkNorGrowNorUnsealTheMemory) {
   const mach_port_t entry = entryOf(address, 4 * page);
   ASSERT_EQ(mach_send_memory_entry(pair.ours(), entry, nullptr, 0), KERN_SUCCESS);
 
-  char bytes[24];
-  iovec part{bytes, sizeof bytes};
-  alignas(cmsghdr) char control[CMSG_SPACE(sizeof(int))];
-  msghdr header{};
-  header.msg_iov = &part;
-  header.msg_iovlen = 1;
-  header.msg_control = control;
-  header.msg_controllen = sizeof control;
-  ASSERT_EQ(recvmsg(pair.theirs(), &header, 0), 24);
-  EXPECT_EQ(std::string(bytes, 24), message(4 * page));
+  std::string bytes(24, '\0');
+  Message received(bytes, 1);
+  ASSERT_EQ(recvmsg(pair.theirs(), &received.header, 0), 24);
+  EXPECT_EQ(bytes, message(4 * page));
+  ASSERT_NE(CMSG_FIRSTHDR(&received.header), nullptr);
   int file;
-  ASSERT_NE(CMSG_FIRSTHDR(&header), nullptr);
-  std::memcpy(&file, CMSG_DATA(CMSG_FIRSTHDR(&header)), sizeof file);
+  std::memcpy(&file, CMSG_DATA(CMSG_FIRSTHDR(&received.header)), sizeof file);
   for (const vm_size_t size : {vm_size_t{0}, 8 * page}) EXPECT_EQ(ftruncate(file, static_cast<off_t>(size)), -1);
   EXPECT_EQ(fcntl(file, F_ADD_SEALS, F_SEAL_WRITE), -1);
   close(file);

@@ -2,6 +2,7 @@
 #include "Tests/TarnCore/PixelOracle.h"
 
 #include <bit>
+#include <numeric>
 
 namespace oracle {
 namespace {
@@ -230,31 +231,31 @@ Bytes randomBytes(std::size_t count, unsigned seed) {
 
 namespace {
 
-void append(Bytes& bytes, std::initializer_list<std::uint8_t> more) {
-  bytes.insert(bytes.end(), more);
-}
+using Numbers = std::vector<std::uint32_t>;
 
-template <class Function>
-void forPairs(Function function) {
-  for (int i = 0; i < 65536; ++i) function(static_cast<std::uint8_t>(i / 256), static_cast<std::uint8_t>(i));
-}
-
-// Each color with each alpha.
-template <class T>
-void appendPixels(Bytes& bytes, const std::vector<T>& colors, const std::vector<T>& alphas) {
+// Each color with each alpha, as stored numbers.
+void appendPixels(Bytes& bytes, const Layout& layout, const Numbers& colors, const Numbers& alphas) {
   const std::size_t n = colors.size();
-  for (const T alpha : alphas) {
+  for (const std::uint32_t alpha : alphas) {
     for (std::size_t i = 0; i < n; ++i) {
-      for (const T value : {colors[i], colors[(i + n / 3) % n], colors[(i + n / 2) % n], alpha}) {
-        bytes.resize(bytes.size() + sizeof value);
-        store(bytes.data() + bytes.size() - sizeof value, value);
+      const std::uint32_t values[] = {colors[i], colors[(i + n / 3) % n], colors[(i + n / 2) % n]};
+      for (int k = 0, next = 0; k < 4; ++k) {
+        const std::uint32_t value = k == layout.alpha ? alpha : values[next++];
+        const auto* stored = reinterpret_cast<const std::uint8_t*>(&value);
+        bytes.insert(bytes.end(), stored, stored + bytesOf(layout.number));
       }
     }
   }
 }
 
-std::vector<std::uint32_t> tellingFloats() {
-  std::vector<std::uint32_t> all;
+Numbers upTo(std::uint32_t count) {
+  Numbers all(count);
+  std::iota(all.begin(), all.end(), 0u);
+  return all;
+}
+
+Numbers tellingFloats() {
+  Numbers all;
   for (std::uint32_t exponent = 0; exponent < 512; ++exponent) {
     for (const std::uint32_t m : {0u, 1u, 0x200000u, 0x400000u, 0x400001u, 0x555555u, 0x7FFFFFu}) {
       all.push_back(exponent << 23 | m);
@@ -264,8 +265,8 @@ std::vector<std::uint32_t> tellingFloats() {
 }
 
 // Around every half step of bytes, words and bins.
-std::vector<std::uint32_t> floatSteps() {
-  std::vector<std::uint32_t> all;
+Numbers floatSteps() {
+  Numbers all;
   for (const double step : {0.5 / 255, 0.5 / 65535, 0.5 * 0.003921569f}) {
     for (int i = 0; i * step <= 1.01; ++i) {
       const auto bits = std::bit_cast<std::uint32_t>(static_cast<float>(i * step));
@@ -278,26 +279,34 @@ std::vector<std::uint32_t> floatSteps() {
 Bytes makeDomain(const Layout& layout) {
   Bytes bytes;
   if (layout.number == Number::Byte) {
-    forPairs([&](std::uint8_t alpha, std::uint8_t c) {
-      const std::uint8_t colors[3] = {c, static_cast<std::uint8_t>(255 - c), static_cast<std::uint8_t>(c ^ 0x55)};
-      for (int k = 0, next = 0; k < 4; ++k) bytes.push_back(k == layout.alpha ? alpha : colors[next++]);
-    });
+    appendPixels(bytes, layout, upTo(256), upTo(256));
   } else if (layout.number == Number::Float) {
-    std::vector<std::uint32_t> alphas = {0x3F800000, 0x3F000000, 0xBF800000, 0x40000000};
-    const auto telling = tellingFloats();
+    const Numbers telling = tellingFloats();
+    Numbers alphas = {0x3F800000, 0x3F000000, 0xBF800000, 0x40000000};
     for (std::size_t i = 0; i < telling.size(); i += 15) alphas.push_back(telling[i]);
-    appendPixels(bytes, telling, alphas);
-    appendPixels(bytes, floatSteps(), {0x3F800000u});
+    appendPixels(bytes, layout, telling, alphas);
+    appendPixels(bytes, layout, floatSteps(), {0x3F800000u});
   } else {
-    const std::vector<std::uint16_t> some = {0,      1,      2,      127,    255,    0x3800, 0x3C00, 0x7BFF, 0x7C00,
-                                             0x7C01, 0x7E00, 0x8000, 0x8001, 0xFBFF, 0xFFFF, 0x03FF, 40000,  12345};
-    std::vector<std::uint16_t> every(65536);
-    for (std::size_t i = 0; i < every.size(); ++i) every[i] = static_cast<std::uint16_t>(i);
-    appendPixels(bytes, every, some);
-    appendPixels(bytes, some, every);
+    const Numbers some = {0,      1,      2,      127,    255,    0x3800, 0x3C00, 0x7BFF, 0x7C00,
+                          0x7C01, 0x7E00, 0x8000, 0x8001, 0xFBFF, 0xFFFF, 0x03FF, 40000,  12345};
+    appendPixels(bytes, layout, upTo(65536), some);
+    appendPixels(bytes, layout, some, upTo(65536));
   }
   return bytes;
 }
+
+// Random bytes, then what the function makes of every pair of bytes.
+template <class Function>
+Bytes pairs(unsigned seed, Function function) {
+  Bytes made = randomBytes(std::size_t{1} << 18, seed);
+  for (int i = 0; i < 65536; ++i) {
+    const auto bytes = function(static_cast<std::uint8_t>(i / 256), static_cast<std::uint8_t>(i));
+    made.insert(made.end(), bytes.begin(), bytes.end());
+  }
+  return made;
+}
+
+using Byte = std::uint8_t;
 
 }  // namespace
 
@@ -309,24 +318,16 @@ const Bytes& domainOf(const Layout& layout) {
 }
 
 const Bytes& yuvDomain() {
-  static const Bytes bytes = [] {
-    Bytes made = randomBytes(std::size_t{1} << 18, 11);
-    forPairs([&](std::uint8_t x, std::uint8_t y) {
-      append(made, {x, y, 99, static_cast<std::uint8_t>(~y), 160, y, x, 7, x, 128, y, 255});
-    });
-    return made;
-  }();
+  static const Bytes bytes = pairs(11, [](Byte x, Byte y) {
+    return std::array<Byte, 12>{x, y, 99, static_cast<Byte>(~y), 160, y, x, 7, x, 128, y, 255};
+  });
   return bytes;
 }
 
 const Bytes& argbDomain() {
-  static const Bytes bytes = [] {
-    Bytes made = randomBytes(std::size_t{1} << 18, 12);
-    forPairs([&](std::uint8_t x, std::uint8_t y) {
-      append(made, {1, x, y, 255, 2, y, 0, x, 3, 255, x, y, 4, x, 255, y, 0, 0, x, 0, 9, y, y, y});
-    });
-    return made;
-  }();
+  static const Bytes bytes = pairs(12, [](Byte x, Byte y) {
+    return std::array<Byte, 24>{1, x, y, 255, 2, y, 0, x, 3, 255, x, y, 4, x, 255, y, 0, 0, x, 0, 9, y, y, y};
+  });
   return bytes;
 }
 

@@ -3,6 +3,7 @@
 
 #include "Platform/Foundation/NSValues.h"
 #include "Tests/Support/ChildProcess.h"
+#include "Tests/Support/Tables.h"
 
 #include <csignal>
 #include <type_traits>
@@ -136,24 +137,14 @@ TEST(TCStringTest, CopiesAreIndependentAndSharingIsShared) {
 }
 
 TEST(TCStringTest, FourCharacterCodes) {
-  const struct {
-    std::uint32_t code;
-    const char* text;
-    std::uint32_t readBack;
-  } rows[] = {{0x54455354, "'TEST'", 0x54455354},
-              {0x41420000, "'AB'", 0},
-              {0, "''", 0},
-              {0x41004243, "'A", 0},
-              {0x00414243, "'", 0},
-              {0x414243A5, "'ABC\xA5'", 0xFFFFFFA5},
-              {0x41A55A5A, "'A\xA5ZZ'", 0xFFA55A5A},
-              {0xA55A5A5A, "'\xA5ZZZ'", 0xA55A5A5A},
-              {0x4142A55A, "'AB\xA5Z'", 0xFFFFA55A}};
-  for (const auto& row : rows) {
+  const auto number = [](const std::string& digits) {
+    return static_cast<std::uint32_t>(std::stoul(digits, nullptr, 16));
+  };
+  for (const Row& row : rowsOf("FourCharacters.txt")) {
     S string;
-    string.setOSType(row.code);
-    EXPECT_EQ(Roman(string), row.text) << std::hex << row.code;
-    EXPECT_EQ(string.get_OSType(), row.readBack) << std::hex << row.code;
+    string.setOSType(number(row[0]));
+    EXPECT_EQ(Roman(string), row[1]) << row[0];
+    EXPECT_EQ(string.get_OSType(), number(row[2])) << row[0];
   }
   for (const char* text : {"TEST", "'TEST", "TEST''", "'TESTS'", "'TES'", "", "\"TEST\"", kNone}) {
     EXPECT_EQ(S(text).get_OSType(), 0u) << (text ? text : "");
