@@ -80,15 +80,8 @@ std::function<void(V&)> output(bool unpremultiply, bool opaque, bool alphaToGray
 auto alphaOf(double alpha) {
   return [=](const oracle::Layout& layout, To p) { oracle::setAlpha(layout, p, alpha); };
 }
-template <bool alphaFirst>
-void rotated(const oracle::Layout& layout, To p) {
-  oracle::rotate(layout, p, alphaFirst);
-}
 void straight(const oracle::Layout& layout, To p) {
   oracle::unpremultiply(layout, p, kUnder);
-}
-void straightTruncated(const oracle::Layout&, To p) {
-  oracle::unpremultiplyTruncated(p);
 }
 
 const InPlace kInPlace[] = {
@@ -98,9 +91,9 @@ const InPlace kInPlace[] = {
     {"duplicateAlphaToRGB", &V::duplicateAlphaToRGB, "01004000890", false, oracle::alphaIntoColors},
     {"unpremultiply", [](V& b) { b.unpremultiply(kBackground); }, "01004000890", false, straight},
     {"preMult", &V::preMult, "01---------", true, oracle::premultiply},
-    {"unPreMult", &V::unPreMult, "00000000000", true, straightTruncated},
-    {"convertToARGB", &V::convertToARGB, "0---4----9-", false, rotated<true>},
-    {"convertToRGBA", &V::convertToRGBA, "-1--4----9-", false, rotated<false>},
+    {"unPreMult", &V::unPreMult, "00000000000", true, [](auto&, To p) { oracle::unpremultiplyTruncated(p); }},
+    {"convertToARGB", &V::convertToARGB, "0---4----9-", false, [](auto& l, To p) { oracle::rotate(l, p, true); }},
+    {"convertToRGBA", &V::convertToRGBA, "-1--4----9-", false, [](auto& l, To p) { oracle::rotate(l, p, false); }},
     {"output", output(false, true, false), "01004060890", false, alphaOf(1)},
     {"output to gray", output(true, true, true), "01004000890", false, oracle::alphaIntoColors},
     {"output of nothing", output(false, false, false), "-----------", false, nullptr},
@@ -171,20 +164,14 @@ void swizzlePixel(To to, From from) {
 void straightPixel(To to, From from) {
   oracle::unpremultiplyTruncated(to, from, kUnder);
 }
-void copyOutput(V& to, const V& from) {
-  to.copyWithOutputConversion(from, true, false, false, kBackground);
-}
-void copyStraight(V& to, const V& from) {
-  to.copyWithUnPreMult(from, kBackground);
-}
-
 const Copy kCopies[] = {
     {"flip", &V::copyWithFlip, true, nullptr, "012456789"},
     {"flip to RGBA", &V::copyWithFlipAndSwizzleARGBtoRGBA, true, swizzlePixel<false>, "01"},
     {"to RGBA", &V::copyWithSwizzleARGBToRGBA, false, swizzlePixel<false>, "01459"},
     {"to ARGB", &V::copyWithSwizzleRGBToARGB, false, swizzlePixel<true>, "01459"},
-    {"unPreMult", copyStraight, false, straightPixel, "01459"},
-    {"output", copyOutput, false, straightPixel, "019"},
+    {"unPreMult", [](V& to, const V& from) { to.copyWithUnPreMult(from, kBackground); }, false, straightPixel, "01459"},
+    {"output", [](V& t, const V& f) { t.copyWithOutputConversion(f, true, false, false, kBackground); }, false,
+     straightPixel, "019"},
 };
 
 void expectCopy(const Copy& copy, const PageBitmap& to, const PageBitmap& from, const Bytes& in, Bytes& expected) {
