@@ -291,29 +291,33 @@ TEST(BitmapSharing, AnotherProcessReadsAndChangesThePixels) {
   EXPECT_EQ(std::count(address, address + bitmap->getSize(), 0xEE), bitmap->getSize());
 }
 
+// Each lie is refused before it is sent, unless it is about the memory itself, and by whoever receives it all the same.
 TEST(BitmapSharing, RefusesDescriptorsThatDoNotFitTheMemory) {
   const Bitmap good(TCCreateBitmap(64, 64, 0));
-  struct Lie {
-    std::uint32_t& field;
-    std::uint32_t value;
-  };
   VortoBitmap& b = *good;
-  const Lie lies[] = {{b.formatCode, 3},      {b.formatCode, 10},     {b.formatCode, 9},      {b.allocSize, 0},
-                      {b.allocSize, 1 << 20}, {b.width, 0x40000040},  {b.height, 100},        {b.height, 0xFFFFFFFF},
-                      {b.channels, 3},        {b.bitsPerChannel, 16}, {b.rowPadding, 1 << 30}};
-  for (const Lie& lie : lies) {
-    SocketPair sockets;
+  const std::pair<std::uint32_t&, std::uint32_t> lies[] = {
+      {b.formatCode, 3},      {b.formatCode, 10},     {b.formatCode, 9},      {b.allocSize, 0},
+      {b.allocSize, 1 << 20}, {b.width, 0x40000040},  {b.height, 100},        {b.height, 0xFFFFFFFF},
+      {b.channels, 3},        {b.bitsPerChannel, 16}, {b.rowPadding, 1 << 30}};
+  for (const auto& [field, value] : lies) {
+    const SocketPair sockets, refused;
     const auto before = openDescriptors();
-    const std::uint32_t truth = std::exchange(lie.field, lie.value);
-    ASSERT_EQ(TCSendBitmap(*good, sockets.ours()), 0);
-    lie.field = truth;
+    const std::uint32_t truth = std::exchange(field, value);
+    const std::uint32_t note[] = {b.width,      b.height,     b.bitsPerChannel, b.channels,
+                                  b.rowPadding, b.formatCode, b.allocSize};
+    EXPECT_EQ(TCSendBitmap(b, refused.ours()), value == 1 << 20 ? KERN_SUCCESS : KERN_INVALID_VALUE);
+    ASSERT_EQ(mach_send_memory_entry(sockets.ours(), b.memoryEntry, note, sizeof note), KERN_SUCCESS);
+    field = truth;
     int result = 0;
     EXPECT_EQ(Bitmap(TCReceiveBitmap(sockets.theirs(), &result)), nullptr);
-    EXPECT_EQ(result, KERN_INVALID_VALUE) << lie.value;
-    EXPECT_LE(openDescriptors(), before + 1) << "the entry's own";
+    EXPECT_EQ(result, KERN_INVALID_VALUE) << value;
+    EXPECT_LE(openDescriptors(), before + 2) << "the entry's own, and what lies in the other socket";
   }
-  SocketPair sockets;
+  const SocketPair sockets;
   EXPECT_EQ(TCSendBitmap(VortoBitmap(), sockets.ours()), KERN_INVALID_NAME);
+  // The reserved size of large 4:2:2 leaves padding out.
+  EXPECT_EQ(TCSendBitmap(VortoBitmap(1000, 300, 8, 2, 2, 1000), sockets.ours()), KERN_INVALID_VALUE);
+  EXPECT_EQ(TCSendBitmap(VortoBitmap(1000, 30, 8, 2, 2, 1000), sockets.ours()), KERN_SUCCESS);
 }
 
 }  // namespace

@@ -80,17 +80,24 @@ TEST(Color, Defaults) {
 }
 
 TEST(Color, ConvertsInPlaceThroughRGBAndKeepsAlpha) {
+  void (C::*const toModel[])() = {&C::convertToHSL, &C::convertToHSV, &C::convertToHWB, &C::convertToRGB,
+                                  &C::convertToYIQ, &C::convertToYUV, &C::convertToCLU};
   for (const C::Type from : allTypes) {
     for (const C::Type to : allTypes) {
-      C color(from, 0.3f, 0.4f, 0.5f, 0.125f);
-      C throughRGB = color;
+      const C color(from, 0.3f, 0.4f, 0.5f, 0.125f);
+      C throughRGB = color, direct = color, converted = color;
       throughRGB.convertToRGB();
-      if (from != to) throughRGB.convert(to);
-      color.convert(to);
-      EXPECT_EQ(color.type, to);
-      EXPECT_EQ(valuesOf(color), from == to ? (Four{0.3f, 0.4f, 0.5f, 0.125f}) : valuesOf(throughRGB)) << from << to;
+      (throughRGB.*toModel[to])();
+      (direct.*toModel[to])();
+      converted.convert(to);
+      EXPECT_TRUE(direct.type == to && converted.type == to);
+      EXPECT_EQ(valuesOf(direct), valuesOf(throughRGB)) << from << to;
+      EXPECT_EQ(valuesOf(converted), valuesOf(from == to ? color : throughRGB)) << from << to;
     }
   }
+  C violet(HSL, 0, 1, 0.5f, 1);
+  violet.convertToHSL();
+  EXPECT_EQ(valuesOf(violet), (Four{300, 1, 0.5f, 1})) << "what comes back of RGB (1, 0, 1)";
 }
 
 TEST(Color, NothingHangsOnWhatIsNoNumber) {

@@ -10,8 +10,6 @@
 
 namespace {
 
-static_assert(!std::is_copy_assignable_v<VortoString>);
-
 using S = VortoString;
 using CText = std::unique_ptr<char, decltype(&std::free)>;
 using Act = std::function<void(S&)>;
@@ -56,6 +54,10 @@ TEST(TCStringTest, Changes) {
       {"replace null", [&](S& s) { s.replace(0, 2, null); }, "abc", "(null)"},
       {"replace beyond", [&](S& s) { s.replace(0xFFFFFFFF, 2, other); }, "abc", "(null)", true},
       {"set", [&](S& s) { s.set(other); }, "XY", "XY"},
+      {"assign", [&](S& s) { s = other; }, "XY", "XY"},
+      {"assign null", [&](S& s) { s = null; }, "(null)", "(null)"},
+      {"assign itself", [&](S& s) { s = *&s; }, "abc", "(null)"},
+      {"move", [&](S& s) { s = S(other); }, "XY", "XY"},
       {"set null", [&](S& s) { s.set(null); }, "(null)", "(null)"},
       {"set itself", [&](S& s) { s.set(s); }, "abc", "(null)"},
       {"set its own string", [&](S& s) { s.set(s.cf_str()); }, "abc", ""},
@@ -129,11 +131,14 @@ TEST(TCStringTest, CopiesAreIndependentAndSharingIsShared) {
   const S shared{static_cast<CFStringRef>(source)};
   EXPECT_EQ(CFGetRetainCount(source), 2);
   const S copy(shared);
-  S set;
+  S set, moved, sharing(shared.cf_str());
+  const S& left = sharing;
   set.set(shared);
+  moved = std::move(sharing);
+  EXPECT_EQ(UTF8(left), "(null)");
   CFStringAppend(source, CFSTR("d"));
   CFRelease(source);
-  EXPECT_EQ(UTF8(shared) + UTF8(copy) + UTF8(set), "abcdabcabc");
+  EXPECT_EQ(UTF8(shared) + UTF8(copy) + UTF8(set) + UTF8(S(std::move(moved))), "abcdabcabcabc");
 }
 
 TEST(TCStringTest, FourCharacterCodes) {
