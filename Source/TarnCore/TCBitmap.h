@@ -40,7 +40,9 @@ class TARN_EXPORT VortoBitmap : public VortoImage {
   void allocateMemory();
   void deallocateMemory();  // memory and entry; allocSize stays
 
-  // Map the entry of a bitmap that has no `data`, and undo it; the pixels live as long as the entry does.
+  // Map the entry of a bitmap that has no `data`, and undo it; the pixels live as long as the entry does. What
+  // operations between two mappings of one entry in one process do is undefined: they are the same pixels at two
+  // addresses.
   void mapIntoMemory();
   void unmapFromMemory();
 

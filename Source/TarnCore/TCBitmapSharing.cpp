@@ -42,6 +42,7 @@ bool isBelievable(const Note& note, vm_size_t entrySize) {
 int TCSendBitmap(const VortoBitmap& bitmap, int socket) {
   const Note note{bitmap.width,      bitmap.height,     bitmap.bitsPerChannel, bitmap.channels,
                   bitmap.rowPadding, bitmap.formatCode, bitmap.allocSize};
+  if (bitmap.memoryEntry != MACH_PORT_NULL && !isBelievable(note, note.allocSize)) return KERN_INVALID_VALUE;
   return mach_send_memory_entry(socket, bitmap.memoryEntry, &note, sizeof note);
 }
 

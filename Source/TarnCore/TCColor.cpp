@@ -63,7 +63,7 @@ VortoColor convertedTo(VortoColor::Type type, VortoColor color) {
 using ConversionFromRGB = void(float, float, float, float*, float*, float*);
 
 void convertThroughRGB(VortoColor& color, VortoColor::Type type, ConversionFromRGB* conversion) {
-  if (color.type == type || color.type > VortoColor::CLU) return;
+  if (color.type > VortoColor::CLU) return;
   color.convertToRGB();
   conversion(color.c1, color.c2, color.c3, &color.c1, &color.c2, &color.c3);
   color.type = type;

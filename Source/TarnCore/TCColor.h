@@ -61,8 +61,9 @@ class TARN_EXPORT VortoColor {
   // The hue in 0 to 360 degrees; exactly 360 stays 360, NaN and infinities give NaN.
   static float clampHue(float hue);
 
-  // Change the model in place, through RGB. Where a conversion leaves its outputs unwritten, the components stay as
-  // they are under the new model.
+  // Change the model in place, through RGB: also a color that is of the model already, which so becomes what comes back
+  // of RGB (HSL (0, 1, 0.5) becomes (300, 1, 0.5)). Where a conversion leaves its outputs unwritten, the components
+  // stay as they are under the new model.
   void convertToRGB();
   void convertToHSL();
   void convertToHSV();
@@ -70,7 +71,7 @@ class TARN_EXPORT VortoColor {
   void convertToYIQ();
   void convertToYUV();
   void convertToCLU();
-  void convert(Type t);
+  void convert(Type t);  // the same, but nothing for the type that the color has
 
   // The color in RGB; the object is not changed.
   float getRed() const;

@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -99,6 +100,25 @@ VortoString::VortoString(const unsigned short* text) : _string(MutableCopy(FromU
 
 VortoString::VortoString(const VortoString& other)
     : _string(CFStringCreateCopy(kCFAllocatorDefault, other._string.get())) {}
+
+VortoString::VortoString(VortoString&& other) noexcept : _string(std::move(other._string)) {}
+
+VortoString& VortoString::operator=(const VortoString& other) {
+  set(other);
+  return *this;
+}
+
+// A string that somebody else holds too may still change: it is copied, as set() does.
+VortoString& VortoString::operator=(VortoString&& other) noexcept {
+  if (&other == this) return *this;
+  if (other._string && CFGetRetainCount(other._string.get()) == 1) {
+    _string = std::move(other._string);
+  } else {
+    set(other);
+  }
+  other.clear();
+  return *this;
+}
 
 VortoString::VortoString(const CFStringRef& string) : _string(static_cast<CFStringRef>(CFRetain(string))) {}
 

@@ -32,8 +32,10 @@ class TARN_EXPORT VortoString {
   VortoString(const char* key, CFBundleRef bundle);
   VortoString(const unsigned short* text);  // up to the first 0
   VortoString(const VortoString& other);
-  VortoString(const CFStringRef& string);               // retained and shared, not copied
-  VortoString& operator=(const VortoString&) = delete;  // call set()
+  VortoString(VortoString&& other) noexcept;             // with the other's string; the other is null afterwards
+  VortoString(const CFStringRef& string);                // retained and shared, not copied
+  VortoString& operator=(const VortoString& other);      // set()
+  VortoString& operator=(VortoString&& other) noexcept;  // set(); the other is null afterwards
 
   std::uint32_t size() const;
   bool empty() const;

@@ -2,55 +2,38 @@
 #include "Platform/CGL/CGL.h"
 #include "Platform/CGL/GLEnumerants.h"
 #include "Platform/CGL/GraphicsCards.h"
-
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <string>
+#include "Tests/Support/ChildProcess.h"
 
 namespace {
 
-namespace fs = std::filesystem;
-
-class CardsFolder : public testing::Test {
- protected:
-  CardsFolder() {
-    std::string pattern = (fs::temp_directory_path() / "cards-XXXXXX").string();
-    path_ = mkdtemp(pattern.data());
+// A folder of cards as the kernel shows them.
+class Cards : public TemporaryFolder {
+ public:
+  void write(const std::string& file, const std::string& text) const {
+    const auto place = std::filesystem::path(path()) / file;
+    std::filesystem::create_directories(place.parent_path());
+    std::ofstream(place) << text << "\n";
   }
-  ~CardsFolder() override { fs::remove_all(path_); }
-
-  void write(const fs::path& file, const std::string& text) {
-    fs::create_directories((path_ / file).parent_path());
-    std::ofstream(path_ / file) << text;
-  }
-
-  fs::path path_;
 };
 
-TEST_F(CardsFolder, CountsConnectorsThatShowAPicture) {
-  EXPECT_EQ(cgl::activeDisplays(path_ / "missing"), 0u);
-  EXPECT_EQ(cgl::activeDisplays(path_), 0u);
-  write("card0-DP-1/status", "connected\n");
-  write("card0-DP-1/enabled", "enabled\n");
-  write("card0-DP-2/status", "connected\n");
-  write("card0-DP-2/enabled", "disabled\n");
-  write("card0-HDMI-A-1/status", "disconnected\n");
-  write("card0-HDMI-A-1/enabled", "enabled\n");
-  write("card1-eDP-1/status", "connected\n");
-  write("card1-eDP-1/enabled", "enabled\n");
-  write("version", "drm\n");
-  EXPECT_EQ(cgl::activeDisplays(path_), 2u);
-}
-
-TEST_F(CardsFolder, ReadsTheMemoryOfTheFirstCardThatHasAny) {
-  EXPECT_EQ(cgl::dedicatedMemory(path_), 0u);
-  write("card0/device/mem_info_vram_total", "what\n");
-  write("card1/device/mem_info_vram_total", "8573157376\n");
-  write("card2/device/mem_info_vram_total", "1024\n");
-  EXPECT_EQ(cgl::dedicatedMemory(path_), 8573157376u);
+TEST(GraphicsCards, CountConnectorsThatShowAPictureAndTheMemoryOfTheFirstThatHasAny) {
+  const Cards cards;
+  EXPECT_EQ(cgl::activeDisplays(cards.path() + "/missing"), 0u);
+  EXPECT_EQ(cgl::activeDisplays(cards.path()), 0u);
+  EXPECT_EQ(cgl::dedicatedMemory(cards.path()), 0u);
+  const char* const connectors[][3] = {{"card0-DP-1", "connected", "enabled"},
+                                       {"card0-DP-2", "connected", "disabled"},
+                                       {"card0-HDMI-A-1", "disconnected", "enabled"},
+                                       {"card1-eDP-1", "connected", "enabled"}};
+  for (const auto& [name, status, enabled] : connectors) {
+    cards.write(std::string(name) + "/status", status);
+    cards.write(std::string(name) + "/enabled", enabled);
+  }
+  cards.write("version", "drm");
+  const char* const memories[] = {"what", "8573157376", "1024"};
+  for (int i = 0; i < 3; ++i) cards.write("card" + std::to_string(i) + "/device/mem_info_vram_total", memories[i]);
+  EXPECT_EQ(cgl::activeDisplays(cards.path()), 2u);
+  EXPECT_EQ(cgl::dedicatedMemory(cards.path()), 8573157376u);
 }
 
 TEST(Graphics, DisplaysAreAtLeastOneAndNoMoreThanAskedFor) {

@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Channels/VRTChannelFolder.h"
+#include "Channels/VRTChannelHistogram.h"
 
-#include <gtest/gtest.h>
-
-#include <cstdlib>
 #include <optional>
-#include <vector>
 
 namespace {
 
@@ -101,6 +98,24 @@ TEST(ChannelTree, ChildrenAreFoundByIDAndACopyHoldsTheSame) {
   EXPECT_EQ(copied.getDescendants(), children);
   EXPECT_NE(copied.getID(), folder.getID());
   copied.getDescendants().clear();
+}
+
+TEST(ChannelTree, CopiesOfLevelsAreComplete) {
+  VRTChannelHistogram levels;
+  levels.selectedChannel = 3;
+  levels.setBlackInValue(0.25, 2, 0, 0);
+  levels.setBlackOutValue(1.25, 2, 0, 0);
+  levels.setWhiteInValue(2.25, 2, 0, 0);
+  levels.setWhiteOutValue(3.25, 2, 0, 0);
+  levels.setGammaValue(4.25, 2, 0, 0);
+  const std::unique_ptr<VRTChannelBase> clone = levels.clone();
+  const auto& copy = dynamic_cast<const VRTChannelHistogram&>(*clone);
+  EXPECT_EQ(copy.selectedChannel, 3);
+  EXPECT_EQ((std::array{copy.getBlackInValue(2, 1, 2), copy.getBlackOutValue(2, 1, 2), copy.getWhiteInValue(2, 1, 2),
+                        copy.getWhiteOutValue(2, 1, 2), copy.getGammaValue(2, 1, 2)}),
+            (std::array{0.25, 1.25, 2.25, 3.25, 4.25}));
+  EXPECT_NE(copy.getID(), levels.getID());
+  EXPECT_NE(copy.samples[2].getID(), levels.samples[2].getID());
 }
 
 }  // namespace

@@ -2,15 +2,6 @@
 #include "Channels/VRTChannelGradient.h"
 #include "TarnCore/TCColor.h"
 
-#include <gtest/gtest.h>
-
-#include <array>
-#include <cmath>
-#include <limits>
-#include <map>
-#include <random>
-#include <vector>
-
 // Evaluation against a naive recomputation that shares nothing with the product: an ordered map, powers by pow().
 
 namespace {

@@ -1,14 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Channels/VRTChannelGradient.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <cstdlib>
-#include <limits>
-#include <string>
-#include <vector>
-
 namespace {
 
 using RGB = VRTChannelGradientSampleRGB;
@@ -59,14 +51,6 @@ class Alphas : public VRTChannelGradientAlphaFolder {
   int notifications = 0;
 };
 
-TEST(GradientFolder, AddedSamplesHaveNoIDAndNoName) {
-  VRTChannelGradientRGBFolder folder;
-  folder.addSample(0.1, 0.2, 0.3, 0.4, 0.6, 1);
-  EXPECT_EQ(sampleAt(folder, 0).getID(), 0);
-  EXPECT_EQ(text(sampleAt(folder, 0).getName()), "VRTChannelBase");
-  EXPECT_EQ(valuesOf(&sampleAt(folder, 0)), (Numbers{0.1, 0.2, 0.3, 0.4, 0.6, 1}));
-}
-
 TEST(GradientFolder, CopiesAreEmpty) {
   Alphas folder;
   folder.add(0.3);
@@ -84,10 +68,13 @@ TEST(GradientFolder, CopiesAreEmpty) {
   EXPECT_EQ(text(gradientCopy.getName()), "Mine");
 }
 
-TEST(GradientFolder, InsertedSamplesKeepTheLook) {
+TEST(GradientFolder, AddedSamplesHaveNoIDAndNoNameAndInsertedOnesKeepTheLook) {
   VRTChannelGradientRGBFolder colors;
-  colors.addSample(0.0, 0.5, 1.0, 0.0, 0.5, 1);
+  colors.addSample(0.0, 0.5, 1.0, 0.0, 0.6, 1);
   colors.addSample(1.0, 0.5, 0.0, 1.0, 0.5, 2);
+  EXPECT_EQ(valuesOf(&sampleAt(colors, 0)), (Numbers{0, 0.5, 1, 0, 0.6, 1}));
+  EXPECT_EQ(sampleAt(colors, 0).getID(), 0);
+  EXPECT_EQ(text(sampleAt(colors, 0).getName()), "VRTChannelBase");
   const RGB* color = colors.insertSample(0.0, 0.25);
   EXPECT_EQ(valuesOf(color), (Numbers{0.25, 0.5, 0.75, 0.25, 0.5, 1}));
   EXPECT_EQ(color->getID(), 0);
@@ -116,7 +103,7 @@ TEST(GradientFolder, ClonesAndDeletesByID) {
   EXPECT_EQ(positions(folder), (std::vector{0.6, 0.2}));
 }
 
-TEST(GradientFolder, SortingNamesAndMerges) {
+TEST(GradientFolder, SortingNamesAndMergesAndWhatIsNoNumberComesLast) {
   Alphas folder;
   for (const double position : {0.9, 0.1, 0.5, 0.1, -3.0}) folder.add(position);
   dynamic_cast<Alpha&>(sampleAt(folder, 3)).alpha = 0.77;
@@ -126,15 +113,12 @@ TEST(GradientFolder, SortingNamesAndMerges) {
   EXPECT_EQ(names(folder), " Alpha1 Alpha2 Alpha3 Alpha4");
   EXPECT_EQ(dynamic_cast<Alpha&>(sampleAt(folder, 1)).alpha, 0.77);
   EXPECT_EQ(merged->getChannel(), nullptr);
-}
 
-TEST(GradientFolder, PositionsThatAreNotNumbersComeLastAndMerge) {
-  const double nan = std::numeric_limits<double>::quiet_NaN();
-  const double infinity = std::numeric_limits<double>::infinity();
-  Alphas folder;
-  for (const double position : {nan, 0.5, -nan, infinity, -0.0, 0.0}) folder.add(position);
-  folder.sortAndRename();
-  Numbers sorted = positions(folder);
+  const double nan = std::numeric_limits<double>::quiet_NaN(), infinity = std::numeric_limits<double>::infinity();
+  Alphas odd;
+  for (const double position : {nan, 0.5, -nan, infinity, -0.0, 0.0}) odd.add(position);
+  odd.sortAndRename();
+  Numbers sorted = positions(odd);
   EXPECT_TRUE(std::isnan(sorted.back()));
   sorted.pop_back();
   EXPECT_EQ(sorted, (Numbers{0.0, 0.5, infinity}));

@@ -5,19 +5,15 @@
 #include "Platform/Foundation/PropertyList.h"
 #include "Tests/CoreFoundation/CFTestText.h"
 #include "Tests/Support/ChildProcess.h"
+#include "Tests/Support/Tables.h"
 
 #include <sys/wait.h>
-
-#include <cstdlib>
-#include <fstream>
 
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kSwedishRed =
-    "R\xC3\xB6"
-    "d";
+constexpr const char* kSwedishRed = "R\xC3\xB6tt";
 
 void Write(const fs::path& path, std::string_view text) {
   fs::create_directories(path.parent_path());
@@ -122,22 +118,9 @@ TEST_F(CFBundleTest, ExecutableIsAPlainFileName) {
 }
 
 TEST_F(CFBundleTest, LocalizesInTheUsersLanguage) {
-  const struct {
-    const char *locale, *key, *expected;
-  } rows[] = {
-      {"pt_BR.UTF-8", "red", "Vermelho (BR)"},
-      {"pt_PT.UTF-8", "red", "Vermelho"},
-      {"pt_BR", "hue", "Matiz"},
-      {"en_GB", "red", "Red"},
-      {"C", "red", kSwedishRed},  // the development region
-      {"fr_FR", "red", kSwedishRed},
-      {"pt_PT", "only", "English only"},
-      {"en_GB", "missing", "missing"},
-      {"../../x", "red", kSwedishRed},
-  };
-  for (const auto& row : rows) {
-    SetLanguage(row.locale);
-    EXPECT_EQ(Localized(bundle_.get(), row.key), row.expected) << row.locale;
+  for (const Row& row : rowsOf("Languages.txt")) {
+    SetLanguage(row[0].c_str());
+    EXPECT_EQ(Localized(bundle_.get(), row[1].c_str()), row[2]) << row[0];
   }
   EXPECT_EQ(Localized(bundle_.get(), "missing", CFSTR("value")), "value");
   EXPECT_EQ(Localized(bundle_.get(), "missing", CFSTR("")), "");

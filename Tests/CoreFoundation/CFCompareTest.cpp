@@ -2,111 +2,79 @@
 #include "Platform/CoreFoundation/CFLocale.h"
 #include "Tests/CoreFoundation/CFTestText.h"
 #include "Tests/Support/ChildProcess.h"
-
-#include <cstdlib>
-#include <map>
+#include "Tests/Support/Tables.h"
 
 namespace {
 
-using Environment = std::map<std::string, std::string>;
-
-void SetEnvironment(const Environment& environment) {
+// From words such as "LANG=de"; "." stands for none.
+void SetEnvironment(const std::string& environment) {
   for (const char* name : {"LANGUAGE", "LC_ALL", "LC_COLLATE", "LC_MESSAGES", "LANG"}) unsetenv(name);
-  for (const auto& [name, value] : environment) setenv(name.c_str(), value.c_str(), 1);
+  std::istringstream words(environment);
+  for (std::string word; words >> word;) {
+    const std::size_t sign = word.find('=');
+    if (sign != std::string::npos) setenv(word.substr(0, sign).c_str(), word.substr(sign + 1).c_str(), 1);
+  }
 }
 
-constexpr CFStringCompareFlags kLocalizedFolded = kCFCompareLocalized | kCFCompareCaseInsensitive;
+CFOwned<CFStringRef> FromUTF8(const std::string& text) {
+  return CFOwned<CFStringRef>(
+      CFStringCreateWithCString(nullptr, text == "." ? "" : text.c_str(), kCFStringEncodingUTF8));
+}
 
-struct Row {
-  const char16_t* a;
-  const char16_t* b;
-  CFStringCompareFlags options;
-  int expected;
-};
+void ExpectOrder(CFStringRef a, CFStringRef b, CFStringCompareFlags options, int expected) {
+  const std::string what = CFStringCopyUTF8(a) + " / " + CFStringCopyUTF8(b);
+  EXPECT_EQ(CFStringCompare(a, b, options), expected) << what;
+  EXPECT_EQ(CFStringCompare(b, a, options), -expected) << what;
+}
 
-void ExpectRows(const std::vector<Row>& rows) {
-  for (const Row& row : rows) {
-    const auto a = MakeString(row.a);
-    const auto b = MakeString(row.b);
-    const std::string what = CFStringCopyUTF8(a.get()) + " / " + CFStringCopyUTF8(b.get());
-    EXPECT_EQ(CFStringCompare(a.get(), b.get(), row.options), row.expected) << what;
-    EXPECT_EQ(CFStringCompare(b.get(), a.get(), row.options), -row.expected) << what;
+void ExpectRows(bool localized, bool isSwedish) {
+  for (const Row& row : rowsOf("Compare.txt")) {
+    if (row[0].starts_with("l") != localized) continue;
+    CFStringCompareFlags options = localized ? CFStringCompareFlags{kCFCompareLocalized} : 0;
+    if (row[0].ends_with("i")) options |= kCFCompareCaseInsensitive;
+    const std::string order = row[3] != "sv" ? row[3] : isSwedish ? "<" : ">";
+    ExpectOrder(FromUTF8(row[1]).get(), FromUTF8(row[2]).get(), options, order == "<" ? -1 : order == ">" ? 1 : 0);
   }
 }
 
 TEST(CFCompareTest, WithoutLocale) {
-  ExpectRows({
-      {u"", u"", 0, 0},
-      {u"", u"a", 0, -1},
-      {u"a", u"ab", 0, -1},
-      {u"B", u"a", 0, -1},
-      {u"\xFFFF", u"\U00010000", 0, 1},  // units, not characters
-      {u"STRASSE", u"stra\u00dfe", kCFCompareCaseInsensitive, 0},
-      {u"\u0391\u03A3", u"\u03B1\u03C2", kCFCompareCaseInsensitive, 0},
-      {u"a", u"B", kCFCompareCaseInsensitive, -1},
-      {u"caf\u00e9", u"cafe\u0301", 0, 1},
-  });
+  ExpectRows(false, false);
   EXPECT_EQ(CFStringCompare(nullptr, nullptr, 0), kCFCompareEqualTo);
   EXPECT_EQ(CFStringCompare(nullptr, CFSTR(""), 0), kCFCompareLessThan);
   EXPECT_EQ(CFStringCompare(CFSTR(""), nullptr, 0), kCFCompareGreaterThan);
+  EXPECT_EQ(CFStringCompare(CFSTR(""), CFSTR(""), 0), kCFCompareEqualTo);
   EXPECT_EQ(CFStringCompareWithOptions(CFSTR("xabcx"), CFSTR("abc"), {1, 3}, 0), kCFCompareEqualTo);
   EXPECT_EQ(CFStringCompareWithOptions(CFSTR("xABCx"), CFSTR("abc"), {1, 2}, kCFCompareCaseInsensitive), -1);
 }
 
 TEST(CFCompareTest, ByTheRulesOfTheLocale) {
-  std::vector<Row> rows = {
-      {u"a", u"B", kCFCompareLocalized, -1},
-      {u"a", u"A", kCFCompareLocalized, -1},
-      {u"a", u"A", kLocalizedFolded, 0},
-      {u"resume", u"r\u00e9sum\u00e9", kLocalizedFolded, -1},
-      {u"caf\u00e9", u"cafe\u0301", kCFCompareLocalized, 0},
-      {u"\u1ea5", u"a\u0301\u0302", kCFCompareLocalized, 1},
-      {u"x\xD800", u"x", kCFCompareLocalized, 1},
-      {u"z", u"\u00e4", kCFCompareLocalized, 1},
-  };
-  std::vector<std::pair<Environment, bool>> environments = {
-      {{{"LANG", "sv_SE.UTF-8"}}, true},
-      {{{"LANG", "en_US.UTF-8"}, {"LC_COLLATE", "sv_SE"}}, true},
-      {{{"LC_ALL", ""}, {"LANG", "sv_SE"}}, true},
-      {{}, false},
-  };
+  std::vector<std::string> environments = {"LANG=sv_SE.UTF-8", "LANG=en_US.UTF-8 LC_COLLATE=sv_SE",
+                                           "LC_ALL= LANG=sv_SE", "."};
   for (const char* locale : {"de_DE.UTF-8", "C", "POSIX", "C.UTF-8", "xx_YY", "../../etc", "\xFF\xFE"}) {
-    environments.push_back({{{"LC_ALL", locale}, {"LANG", "sv_SE.UTF-8"}}, false});
+    environments.push_back(std::string("LANG=sv_SE.UTF-8 LC_ALL=") + locale);
   }
-  for (const auto& [environment, isSwedish] : environments) {
-    SCOPED_TRACE(testing::PrintToString(environment));
-    rows.back().expected = isSwedish ? -1 : 1;
+  for (std::size_t i = 0; i < environments.size(); ++i) {
     // In a child, for the collators of a process stay as they were first made.
-    const ChildResult child = RunInChild([&, &environment = environment] {
-      SetEnvironment(environment);
-      ExpectRows(rows);
+    const ChildResult child = RunInChild([&] {
+      SetEnvironment(environments[i]);
+      ExpectRows(true, i < 3);
+      ExpectOrder(MakeString(u"x\xD800").get(), CFSTR("x"), kCFCompareLocalized, 1);
       return ::testing::Test::HasFailure() ? 1 : 0;
     });
-    EXPECT_TRUE(child.exitedWith(0)) << child.output << child.errors;
+    EXPECT_TRUE(child.exitedWith(0)) << environments[i] << child.output << child.errors;
   }
 }
 
 TEST(CFLocaleTest, PreferredLanguages) {
-  const std::pair<Environment, const char*> rows[] = {
-      {{}, ""},
-      {{{"LANG", "de"}}, "de\n"},
-      {{{"LANG", "pt_BR.UTF-8"}}, "pt_BR\npt-BR\npt\n"},
-      {{{"LANG", "zh_Hans_CN"}}, "zh_Hans_CN\nzh-Hans-CN\nzh_Hans\nzh-Hans\nzh\n"},
-      {{{"LANG", "fr"}, {"LC_MESSAGES", "de"}}, "de\n"},
-      {{{"LANG", "fr"}, {"LC_MESSAGES", "de"}, {"LC_ALL", "it@euro"}}, "it\n"},
-      {{{"LANG", "fr"}, {"LANGUAGE", "sv:en_GB"}}, "sv\nen_GB\nen-GB\nen\n"},
-      {{{"LANG", "fr"}, {"LANGUAGE", ":C:/etc:../x:da:"}}, "da\n"},
-      {{{"LANG", "C.UTF-8"}, {"LANGUAGE", "sv"}}, ""},
-      {{{"LC_ALL", "POSIX"}, {"LANG", "fr"}}, ""},
-      {{{"LANG", "_"}}, "_\n-\n"},
-  };
-  for (const auto& [environment, expected] : rows) {
-    const ChildResult child = RunInChild([&environment = environment] {
-      SetEnvironment(environment);
-      for (const std::string& language : CFPreferredLanguages()) std::printf("%s\n", language.c_str());
+  for (const Row& row : rowsOf("Preferences.txt")) {
+    const ChildResult child = RunInChild([&row] {
+      SetEnvironment(row[0]);
+      std::string all;
+      for (const std::string& language : CFPreferredLanguages()) all += (all.empty() ? "" : " ") + language;
+      std::printf("%s", all.empty() ? "none" : all.c_str());
       return 0;
     });
-    EXPECT_EQ(child.output, expected);
+    EXPECT_EQ(child.output, row[1]) << row[0];
   }
 }
 

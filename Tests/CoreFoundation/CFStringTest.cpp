@@ -4,10 +4,6 @@
 #include "Tests/CoreFoundation/CFTestText.h"
 #include "Tests/Support/ChildProcess.h"
 
-#include <algorithm>
-#include <limits>
-#include <random>
-
 namespace {
 
 constexpr CFIndex kFar = std::numeric_limits<CFIndex>::max();

@@ -2,10 +2,7 @@
 #include "Platform/CoreFoundation/CFStringsFile.h"
 
 #include "Tests/Support/ChildProcess.h"
-
-#include <gtest/gtest.h>
-
-#include <fstream>
+#include "Tests/Support/Tables.h"
 
 namespace {
 
@@ -35,24 +32,10 @@ lines" = "/* no comment */";
 }
 
 TEST(CFStringsFileTest, RefusesMalformedTextWithItsPlace) {
-  const std::pair<const char16_t*, const char*> rows[] = {
-      {u"\"a\" = \"b\"", "line 1: ';' is missing"},
-      {u"\n\"a\" \"b\";", "line 2: '=' is missing"},
-      {u"\"a\" = b;", "line 1: a quoted value is missing"},
-      {u"a = \"b\";", "line 1: a quoted key is missing"},
-      {u"\"a\" = \"b;\n\n", "line 1: the quote is not closed"},
-      {u"\n\n/* ", "line 3: the comment is not closed"},
-      {u"\"a\" = \"b\"; /*/", "line 1: the comment is not closed"},
-      {u"\"\\q\" = \"b\";", "line 1: unknown escape"},
-      {u"\"a\\", "line 1: unknown escape"},
-      {u"\"\\U12G4\" = \"b\";", "line 1: four hexadecimal digits are missing"},
-      {u"\"\\U12", "line 1: four hexadecimal digits are missing"},
-      {u"/", "line 1: a quoted key is missing"},
-  };
-  for (const auto& [text, expected] : rows) {
+  for (const Row& row : rowsOf("Malformed.txt")) {
     std::string reason;
-    EXPECT_FALSE(CFParseStrings(Units(text), &reason)) << expected;
-    EXPECT_EQ(reason, expected);
+    EXPECT_FALSE(CFParseStrings(CFUnits(row[1].begin(), row[1].end()), &reason)) << row[0];
+    EXPECT_EQ(reason, row[0]);
   }
 }
 

@@ -3,12 +3,6 @@
 
 #include "Platform/CoreFoundation/CFString.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-#include <string_view>
-#include <vector>
-
 inline CFOwned<CFStringRef> MakeString(std::u16string_view text) {
   const std::vector<UniChar> units(text.begin(), text.end());
   return CFOwned<CFStringRef>(

@@ -1,11 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/CoreFoundation/TextEncodingConversion.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <string_view>
-#include <vector>
+#include "Tests/Support/Tables.h"
 
 namespace {
 
@@ -38,21 +34,9 @@ Ranking Sniff(std::string_view text) {
 }
 
 TEST(TextEncodingConversionTest, RanksTheLikelyEncodingFirst) {
-  const std::pair<std::string_view, TextEncoding> rows[] = {
-      {"plain text", kCFStringEncodingISOLatin1},
-      {"Gr\xC3\xB6\xC3\x9F"
-       "e und H\xC3\xB6he",
-       kCFStringEncodingUTF8},
-      {"\xE3\x83\x95\xE3\x82\xA3\xE3\x83\xAB", kCFStringEncodingUTF8},
-      {"\x93\xFA\x96\x7B\x8C\xEA\x82\xCC\x83\x65\x83\x4C\x83\x58\x83\x67\x82\xC5\x82\xB7\x81\x42",
-       kCFStringEncodingShiftJIS},
-      {"\xF0\xD2\xC9\xD7\xC5\xD4, \xCB\xC1\xCB \xC4\xC5\xCC\xC1? \xFC\xD4\xCF \xD0\xD2\xCF\xD3\xD4\xCF\xCA "
-       "\xD4\xC5\xCB\xD3\xD4 \xCE\xC1 \xD2\xD5\xD3\xD3\xCB\xCF\xCD \xD1\xDA\xD9\xCB\xC5",
-       kCFStringEncodingKOI8_R},
-  };
-  for (const auto& [text, expected] : rows) {
-    const Ranking ranking = Sniff(text);
-    EXPECT_EQ(ranking.encodings[0], expected) << std::hex << ranking.encodings[0] << " for " << text;
+  for (const Row& row : rowsOf("Likely.txt")) {
+    const Ranking ranking = Sniff(row[1]);
+    EXPECT_EQ(ranking.encodings[0], std::stoul(row[0], nullptr, 16)) << row[1];
     EXPECT_EQ(ranking.errors[0], 0u);
     EXPECT_TRUE(std::is_sorted(ranking.features.rbegin(), ranking.features.rend()));
     const std::vector<TextEncoding> all = Available();

@@ -1,15 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Tests/Effects/Harness.h"
 
-#include <algorithm>
-
 namespace {
 
 ConstBitmap blended(const char* mode, const Bitmap& background, const Bitmap& foreground) {
-  const auto patch = effectNamed(mode);
-  setImage(*patch, "inputBackgroundImage", background);
-  setImage(*patch, "inputForegroundImage", foreground);
-  return rendered(*patch);
+  return rendered(*effectNamed(mode, {{"inputBackgroundImage", background}, {"inputForegroundImage", foreground}}));
 }
 
 // The formulas on values of 0 to 1, of one channel.

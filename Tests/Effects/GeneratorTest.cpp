@@ -2,17 +2,14 @@
 #include "TarnCore/TCPixelFormat.h"
 #include "Tests/Effects/Harness.h"
 
-#include <algorithm>
-#include <cmath>
-
 namespace {
 
-std::shared_ptr<QCPatch> generator(const std::string& name, double width, double height, int depth) {
-  auto patch = effectNamed(name);
-  setNumber(*patch, "inputWidth", width);
-  setNumber(*patch, "inputHeight", height);
-  setNumber(*patch, "inputDepth", depth);
-  return patch;
+using Settings = std::vector<std::pair<std::string, Setting>>;
+
+std::shared_ptr<QCPatch> generator(const std::string& name, double width, double height, int depth,
+                                   Settings more = {}) {
+  more.insert(more.end(), {{"inputWidth", width}, {"inputHeight", height}, {"inputDepth", double(depth)}});
+  return effectNamed(name, more);
 }
 
 const Layout& layoutOfDepth(int depth) {
@@ -20,14 +17,12 @@ const Layout& layoutOfDepth(int depth) {
 }
 
 TEST(Generators, RefuseSizesAndDepthsThatCannotBe) {
-  struct Row {
-    double width;
-    double height;
+  const struct {
+    double width, height;
     int depth;
-  };
-  const Row rows[] = {{0, 5, 0}, {5, 0, 2}, {4, 4, 3}, {4294967295, 4294967295, 2}, {65536, 65536, 0}};
+  } rows[] = {{0, 5, 0}, {5, 0, 2}, {4, 4, 3}, {4294967295, 4294967295, 2}, {65536, 65536, 0}};
   for (const char* name : {"Gradient Ramp", "Checkerboard"}) {
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
       const Outcome outcome = run(*generator(name, row.width, row.height, row.depth));
       EXPECT_FALSE(outcome.succeeded) << name << " " << row.width << " x " << row.height;
       EXPECT_NE(outcome.reason, "");
@@ -50,13 +45,12 @@ TEST(Checkerboard, LooksLikeTheFrameworksOwnByDefault) {
 }
 
 TEST(Checkerboard, ColorsAreStraightAndCellsOfAnySize) {
-  for (const std::uint32_t cell : {0U, 1U, 3U, 100U}) {
-    const auto patch = generator("Checkerboard", 10, 7, 0);
-    setNumber(*patch, "inputCellSize", cell);
-    dynamic_cast<QCColorPort&>(*patch->portForKey("inputColorA")).setValue(std::make_shared<QCColor>(1, 0.5, 0, 0.5));
-    dynamic_cast<QCColorPort&>(*patch->portForKey("inputColorB"))
-        .setValue(std::make_shared<QCColor>(std::nan(""), 7, -2, 1));
-    const std::size_t side = std::max(cell, 1U);
+  for (const double cell : {0, 1, 3, 100}) {
+    const NSObjectRef a = std::make_shared<QCColor>(1, 0.5, 0, 0.5),
+                      b = std::make_shared<QCColor>(std::nan(""), 7, -2, 1);
+    const auto patch =
+        generator("Checkerboard", 10, 7, 0, {{"inputCellSize", cell}, {"inputColorA", a}, {"inputColorB", b}});
+    const auto side = static_cast<std::size_t>(std::max(cell, 1.0));
     expectPixels(rendered(*patch), layouts[0], 0, [side](std::size_t x, std::size_t y) {
       return (x / side + y / side) % 2 == 0 ? Values{128, 64, 0, 128} : Values{0, 255, 0, 255};
     });
@@ -71,12 +65,12 @@ TEST(GradientRamp, RunsFromTheStartToTheEndPoint) {
   for (const auto& row : rows) {
     for (int depth = 0; depth < 3; ++depth) {
       const Layout& layout = layoutOfDepth(depth);
-      const auto patch = generator("Gradient Ramp", 40, 30, depth);
-      setState(*patch, "inputGradient", gradient);
-      setNumber(*patch, "inputStartX", row.startX);
-      setNumber(*patch, "inputStartY", row.startY);
-      setNumber(*patch, "inputEndX", row.endX);
-      setNumber(*patch, "inputEndY", row.endY);
+      const auto patch = generator("Gradient Ramp", 40, 30, depth,
+                                   {{"inputGradient", gradient},
+                                    {"inputStartX", row.startX},
+                                    {"inputStartY", row.startY},
+                                    {"inputEndX", row.endX},
+                                    {"inputEndY", row.endY}});
       const ConstBitmap out = rendered(*patch);
       const double dx = (row.endX - row.startX) * 40;
       const double dy = (row.endY - row.startY) * 30;

@@ -2,18 +2,13 @@
 #include "Ports/VRTObjects.h"
 #include "Tests/Effects/Harness.h"
 
-#include <cmath>
-
 namespace {
 
 const PropertyList threeColors =
     linearGradient({{0, 0.1, 0, 0.3}, {0.4, 0.9, 0.2, 0.1}, {1, 1, 0.95, 0.6}}, {{0, 0.5}, {0.8, 1}});
 
 ConstBitmap mapped(const Bitmap& image, const PropertyList& gradient) {
-  const auto patch = effectNamed("Gradient Map");
-  setImage(*patch, "inputImage", image);
-  setState(*patch, "inputGradient", gradient);
-  return rendered(*patch);
+  return rendered(*effectNamed("Gradient Map", {{"inputImage", image}, {"inputGradient", gradient}}));
 }
 
 double straightLuma(const Values& in) {
@@ -77,11 +72,11 @@ TEST(GradientMap, AboveEightBitsFollowsTheGradientItself) {
 
 TEST(GradientMap, SixteenBitsTellApartWhatEightCannot) {
   const Layout& layout = layouts[2];
-  const Bitmap image = makeImage(layout, 65536, 1);
-  for (std::size_t x = 0; x < 65536; ++x) {
-    const double value = static_cast<double>(x);
-    setPixel(*image, layout, x, 0, {value, value, value, 65535});
-  }
+  double next = -1;
+  const Bitmap image = makeImage(layout, 65536, 1, [&] {
+    ++next;
+    return Values{next, next, next, 65535};
+  });
   const ConstBitmap out = mapped(image, linearGradient({{0, 0, 0, 0}, {1, 1, 1, 1}}, {{0, 1}}));
   EXPECT_EQ(pixelBytes(*out), pixelBytes(*image));  // black to white is the identity on greys
 }

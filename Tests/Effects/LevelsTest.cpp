@@ -1,28 +1,24 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Tests/Effects/Harness.h"
-
-#include <cmath>
+#include "Tests/Support/Tables.h"
 
 namespace {
 
 const char* const suffixes[] = {"RGB", "Red", "Green", "Blue", "Alpha"};
 
-PropertyList levels(const std::vector<std::pair<std::string, double>>& changes) {
+// Neutral but for these: "blackInRGB=0.2 gammaRed=2".
+PropertyList levels(const std::string& changes) {
   PropertyList state = neutralLevels();
-  for (const auto& [key, value] : changes) state.set(key, PropertyList::real(value));
+  std::istringstream words(changes);
+  for (std::string word; words >> word;) {
+    const std::size_t sign = word.find('=');
+    state.set(word.substr(0, sign), PropertyList::real(std::strtod(word.c_str() + sign + 1, nullptr)));
+  }
   return state;
 }
 
 ConstBitmap throughLevels(const Bitmap& image, const PropertyList& state) {
-  const auto patch = effectNamed("Levels");
-  setImage(*patch, "inputImage", image);
-  setState(*patch, "inputLevels", state);
-  return rendered(*patch);
-}
-
-double greyThrough(double grey, const PropertyList& state) {
-  const Bitmap image = makeImage(layouts[3], 1, 1, {grey, grey, grey, 1});
-  return pixelAt(*throughLevels(image, state), layouts[3], 0, 0)[0];
+  return rendered(*effectNamed("Levels", {{"inputImage", image}, {"inputLevels", state}}));
 }
 
 double parameter(const PropertyList& state, const char* name, int channel) {
@@ -79,7 +75,7 @@ TEST(Levels, NeutralChangesNoByteAtAnyDepth) {
 
 TEST(Levels, AChangeOfOneColorLeavesTheOthersAsTheyAre) {
   const Bitmap image = randomImage(layouts[3], 67, 31, Noise::Premultiplied, 4);
-  const ConstBitmap out = throughLevels(image, levels({{"gammaGreen", 2.2}}));
+  const ConstBitmap out = throughLevels(image, levels("gammaGreen=2.2"));
   const auto before = pixelsOf(*image, layouts[3]), after = pixelsOf(*out, layouts[3]);
   for (std::size_t i = 0; i < before.size(); ++i) {
     for (const int c : {0, 2, 3}) ASSERT_NEAR(after[i][c], before[i][c], 1e-6) << "float, pixel " << i;
@@ -87,18 +83,9 @@ TEST(Levels, AChangeOfOneColorLeavesTheOthersAsTheyAre) {
 }
 
 TEST(Levels, FollowTheDefinition) {
-  const PropertyList settings[] = {
-      levels({{"blackInRGB", 0.2}, {"whiteInRGB", 0.7}, {"gammaRGB", 1.8}}),
-      levels({{"blackOutRGB", 0.25}, {"whiteOutRGB", 0.5}, {"whiteInRed", 0.4}, {"gammaRed", 0.45}}),
-      levels({{"blackInBlue", 0.9}, {"whiteInBlue", 0.1}}),
-      levels({{"gammaGreen", 2.2}}),
-      levels({{"blackOutGreen", 1}, {"whiteOutGreen", 0}, {"gammaGreen", 5}}),
-      levels({{"blackOutAlpha", 0.3}, {"whiteOutAlpha", 0.8}, {"gammaAlpha", 2}}),
-      levels({{"blackInAlpha", 0.5}, {"gammaRGB", 1.5}}),
-      levels({{"blackInAlpha", 0.5}, {"blackOutAlpha", 0.25}, {"whiteOutAlpha", 3}}),
-      levels({{"blackOutRed", -0.5}, {"whiteOutRed", 1.5}}),
-  };
-  for (const PropertyList& state : settings) {
+  for (const Row& row : rowsOf("Levels.txt")) {
+    if (row[0] != "settings") continue;
+    const PropertyList state = levels(row[1]);
     for (const Layout& layout : layouts) {
       const Bitmap image = randomImage(layout, 61, 40, Noise::Premultiplied, 8);
       const ConstBitmap out = throughLevels(image, state);
@@ -123,27 +110,11 @@ TEST(Levels, FollowTheDefinition) {
 }
 
 TEST(Levels, EverySettingHasADefinedResult) {
-  struct Row {
-    const char* what;
-    std::vector<std::pair<std::string, double>> changes;
-    double in;
-    double out;
-  };
-  const double nan = std::nan("");
-  const Row rows[] = {
-      {"equal points: below", {{"blackInRGB", 0.5}, {"whiteInRGB", 0.5}}, 0.4, 0},
-      {"equal points: at", {{"blackInRGB", 0.5}, {"whiteInRGB", 0.5}}, 0.5, 1},
-      {"gamma 0: between the points", {{"gammaRGB", 0}}, 0.75, 0},
-      {"gamma 0: at the white point", {{"gammaRGB", 0}}, 1, 1},
-      {"a negative gamma is as 0", {{"gammaRGB", -2}}, 0.75, 0},
-      {"gamma NaN is as 1", {{"gammaRGB", nan}, {"whiteOutRGB", 0.5}}, 0.5, 0.25},
-      {"points that are NaN are the defaults", {{"blackInRGB", nan}, {"whiteInRGB", nan}, {"gammaRGB", 2}}, 0.25, 0.5},
-      {"all zero, as a state without keys", {{"whiteInRGB", 0}, {"whiteOutRGB", 0}, {"gammaRGB", 0}}, 0.6, 0},
-      {"floats keep what is below black", {{"gammaRGB", 2}}, -0.25, -0.25},
-      {"floats keep what is above white", {{"whiteInRGB", 0.5}}, 2, 4},
-  };
-  for (const Row& row : rows) {
-    EXPECT_NEAR(greyThrough(row.in, levels(row.changes)), row.out, 1e-6) << row.what;
+  for (const Row& row : rowsOf("Levels.txt")) {
+    if (row[0] == "settings") continue;
+    const double grey = std::stod(row[2]);
+    const Bitmap image = makeImage(layouts[3], 1, 1, {grey, grey, grey, 1});
+    EXPECT_NEAR(pixelAt(*throughLevels(image, levels(row[1])), layouts[3], 0, 0)[0], std::stod(row[3]), 1e-6) << row[0];
   }
 }
 

@@ -1,83 +1,53 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "Platform/Foundation/NSKeyedArchiver.h"
-#include "Platform/Foundation/NSKeyedUnarchiver.h"
+#include "Platform/Foundation/NSClassTable.h"
+#include "Ports/VRTObjects.h"
 #include "Registry/BrivoCompatability.h"
 #include "Tests/Effects/Harness.h"
 
 namespace {
 
-const PropertyList someGradient =
-    linearGradient({{0, 0.1, 0.2, 0.9}, {0.3, 1, 0.4, 0}, {1, 1, 1, 0.5}}, {{0, 1}, {1, 0.6}});
-
-PropertyList someLevels() {
-  PropertyList state = neutralLevels();
-  state.set("gammaRGB", PropertyList::real(1.7));
-  state.set("blackInBlue", PropertyList::real(0.125));
-  return state;
-}
-
-// The object as it comes back from an archive.
-template <class Value>
-NSObjectRef archived(const PropertyList& state, PropertyListFormat format) {
-  const auto value = std::make_shared<Value>();
-  EXPECT_TRUE(value->initWithStateValue(state));
-  std::string reason;
-  const auto bytes = NSKeyedArchiver::archivedData(value, format, &reason);
-  EXPECT_TRUE(bytes) << reason;
-  return NSKeyedUnarchiver::unarchiveObject(bytes.value(), &reason);
-}
-
-void expectSamePicture(const char* effect, const char* port, const PropertyList& state,
-                       const std::vector<NSObjectRef>& values) {
-  for (const Layout& layout : layouts) {
-    const Bitmap image = randomImage(layout, 40, 20, Noise::Premultiplied, 51);
-    const auto direct = effectNamed(effect);
-    setImage(*direct, "inputImage", image);
-    setState(*direct, port, state);
-    const auto picture = pixelBytes(*rendered(*direct));
+TEST(SavedParameters, RenderTheSamePictureAsObjectsOfEitherName) {
+  PropertyList levels = neutralLevels();
+  levels.set("gammaRGB", PropertyList::real(1.7));
+  levels.set("blackInBlue", PropertyList::real(0.125));
+  const struct {
+    std::string effect, port, className, olderName;
+    PropertyList state;
+  } rows[] = {{"Gradient Map", "inputGradient", "VRTGradient", "TarnGradient",
+               linearGradient({{0, 0.1, 0.2, 0.9}, {0.3, 1, 0.4, 0}, {1, 1, 1, 0.5}}, {{0, 1}, {1, 0.6}})},
+              {"Levels", "inputLevels", "VRTHistogram", "TarnHistogram", levels}};
+  for (const auto& row : rows) {
+    const Bitmap image = randomImage(layouts[2], 40, 20, Noise::Premultiplied, 51);
+    const auto picture =
+        pixelBytes(*rendered(*effectNamed(row.effect, {{"inputImage", image}, {row.port, row.state}})));
     EXPECT_NE(picture, pixelBytes(*image));
-    for (const NSObjectRef& value : values) {
-      ASSERT_TRUE(value);
-      const auto patch = effectNamed(effect);
-      setImage(*patch, "inputImage", image);
-      ASSERT_TRUE(patch->portForKey(port)->setValue(value)) << value->className();
-      EXPECT_EQ(pixelBytes(*rendered(*patch)), picture) << effect << " with a " << value->className();
+    for (const std::string& name : {row.className, row.olderName}) {
+      const NSObjectRef value = NSClassFromString(name)->factory();
+      ASSERT_TRUE(dynamic_cast<VRTObject&>(*value).initWithStateValue(row.state));
+      const auto patch = effectNamed(row.effect, {{"inputImage", image}, {row.port, value}});
+      EXPECT_EQ(pixelBytes(*rendered(*patch)), picture) << name;
     }
   }
 }
 
-TEST(SavedParameters, RenderTheSamePictureUnderEitherName) {
-  using enum PropertyListFormat;
-  expectSamePicture("Gradient Map", "inputGradient", someGradient,
-                    {archived<VRTGradient>(someGradient, Xml), archived<TarnGradient>(someGradient, Xml),
-                     archived<TarnGradient>(someGradient, Binary)});
-  expectSamePicture("Levels", "inputLevels", someLevels(),
-                    {archived<VRTHistogram>(someLevels(), Binary), archived<TarnHistogram>(someLevels(), Xml),
-                     archived<TarnHistogram>(someLevels(), Binary)});
-}
-
 // Levels, then Gradient Map, with the parameters that the composition holds.
-ConstBitmap byHand(QCPatch& duotone, const ConstBitmap& image) {
-  const auto levels = effectNamed("Levels");
-  setImage(*levels, "inputImage", image);
-  levels->portForKey("inputLevels")->setValue(duotone.portForKey("inputLevels")->value());
-  const auto map = effectNamed("Gradient Map");
-  setImage(*map, "inputImage", rendered(*levels));
-  map->portForKey("inputGradient")->setValue(duotone.portForKey("inputGradient")->value());
-  return rendered(*map);
+ConstBitmap byHand(QCPatch& duotone, ConstBitmap image) {
+  for (const auto& [name, key] : {std::pair{"Levels", "inputLevels"}, {"Gradient Map", "inputGradient"}}) {
+    image = rendered(*effectNamed(name, {{"inputImage", image}, {key, duotone.portForKey(key)->value()}}));
+  }
+  return image;
 }
 
 TEST(Duotone, IsItsNodesInOrder) {
   for (const Layout& layout : layouts) {
     const Bitmap image = randomImage(layout, 30, 20, Noise::Premultiplied, 52);
-    const auto duotone = effectNamed("Duotone");
-    setImage(*duotone, "inputImage", image);
+    const auto duotone = effectNamed("Duotone", {{"inputImage", image}});
     const auto full = pixelBytes(*rendered(*duotone));
     EXPECT_EQ(full, pixelBytes(*byHand(*duotone, image))) << layout.name;
     EXPECT_NE(full, pixelBytes(*image));
-    setNumber(*duotone, "inputAmount", 0);
+    set(*duotone, "inputAmount", 0.0);
     EXPECT_EQ(pixelBytes(*rendered(*duotone)), pixelBytes(*image)) << layout.name;
-    setNumber(*duotone, "inputAmount", 0.5);
+    set(*duotone, "inputAmount", 0.5);
     const auto half = pixelBytes(*rendered(*duotone));
     EXPECT_NE(half, full);
     EXPECT_NE(half, pixelBytes(*image));

@@ -1,17 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Tests/Effects/Harness.h"
 
-#include <algorithm>
-#include <cmath>
-
 namespace {
 
 std::shared_ptr<QCPatch> transition(const std::string& name, const ConstBitmap& a, const ConstBitmap& b, double time) {
-  auto patch = effectNamed(name);
-  setImage(*patch, "inputImageA", a);
-  setImage(*patch, "inputImageB", b);
-  setNumber(*patch, "inputTime", time);
-  return patch;
+  return effectNamed(name, {{"inputImageA", a}, {"inputImageB", b}, {"inputTime", time}});
 }
 
 TEST(Transitions, AreExactlyEitherImageAtTheEnds) {
@@ -69,9 +62,9 @@ TEST(GradientWipe, RunsAlongItsDirectionWhereTheGradientIsDarkFirst) {
       const Values all{layout.full, layout.full, layout.full, layout.full};
       const auto patch =
           transition("Gradient Wipe", makeImage(layout, 20, 20), makeImage(layout, 20, 20, all), row.time);
-      if (row.isValley) setState(*patch, "inputGradient", valley);
-      if (row.angle != 0) setNumber(*patch, "inputAngle", row.angle);
-      if (row.softness != 0.1) setNumber(*patch, "inputSoftness", row.softness);
+      if (row.isValley) set(*patch, "inputGradient", valley);
+      if (row.angle != 0) set(*patch, "inputAngle", row.angle);
+      if (row.softness != 0.1) set(*patch, "inputSoftness", row.softness);
       const ConstBitmap out = rendered(*patch);
       expectPixels(out, layout, row.softness > 0 ? 0.003 * layout.full : 0, [&](auto x, auto y) {
         const double along = (static_cast<double>(x) - 9.5) * row.dx + (static_cast<double>(y) - 9.5) * row.dy;

@@ -3,8 +3,6 @@
 #include "Registry/VRTProtocols.h"
 #include "Tests/Effects/Harness.h"
 
-#include <cmath>
-#include <limits>
 #include <set>
 
 // Every effect of the plug-in folder, whatever it is, at every depth.
@@ -22,7 +20,7 @@ std::vector<std::string> imageKeys(const QCPatch& patch) {
 // The effect with an image of its own in every port of images.
 std::shared_ptr<QCPatch> withImages(const std::string& name) {
   auto patch = effectNamed(name);
-  for (const std::string& key : imageKeys(*patch)) setImage(*patch, key, makeImage(layouts[0], 4, 2));
+  for (const std::string& key : imageKeys(*patch)) set(*patch, key, makeImage(layouts[0], 4, 2));
   return patch;
 }
 
@@ -91,13 +89,13 @@ TEST(EveryEffect, RunsAtEveryDepthAndSizeOnAnyPixelsAndLeavesItsInputsAlone) {
             const auto seed = static_cast<unsigned>(inputs.size()) + 1;
             const Bitmap bitmap = randomImage(layout, width, height, Noise::Anything, seed);
             inputs.emplace_back(bitmap, pixelBytes(*bitmap));
-            setImage(*patch, key, bitmap);
+            set(*patch, key, bitmap);
           }
           setHarshParameters(*patch, parameter);
           if (isGenerator) {
-            setNumber(*patch, "inputWidth", width);
-            setNumber(*patch, "inputHeight", height);
-            setNumber(*patch, "inputDepth", layout.code == 9 ? 2 : layout.code == 4 ? 1 : 0);
+            set(*patch, "inputWidth", double(width));
+            set(*patch, "inputHeight", double(height));
+            set(*patch, "inputDepth", layout.code == 9 ? 2.0 : layout.code == 4 ? 1.0 : 0.0);
           }
           const Outcome outcome = run(*patch);
           ASSERT_TRUE(outcome.succeeded && outcome.image) << outcome.reason;
@@ -115,7 +113,7 @@ TEST(EveryEffect, GivesNoImageWithoutItsInputs) {
     for (const std::string& missing : imageKeys(*effectNamed(name))) {
       const auto patch = withImages(name);
       EXPECT_TRUE(run(*patch).image) << name;
-      setImage(*patch, missing, nullptr);
+      set(*patch, missing, ConstBitmap());
       const Outcome outcome = run(*patch);
       EXPECT_TRUE(outcome.succeeded) << name << " without " << missing << ": " << outcome.reason;
       EXPECT_FALSE(outcome.image) << name << " without " << missing;
@@ -135,14 +133,14 @@ TEST(EveryEffect, RefusesImagesThatItCannotRead) {
     for (std::size_t i = 0; i < refused.size() && !keys.empty(); ++i) {
       SCOPED_TRACE(name + " with the image " + std::to_string(i));
       const auto patch = withImages(name);
-      setImage(*patch, keys.front(), refused[i]);
+      set(*patch, keys.front(), refused[i]);
       const Outcome outcome = run(*patch);
       EXPECT_FALSE(outcome.succeeded || outcome.image);
       EXPECT_NE(outcome.reason, "");
     }
     if (keys.size() < 2) continue;
     const auto patch = withImages(name);
-    setImage(*patch, keys[1], makeImage(layouts[3], 4, 2));
+    set(*patch, keys[1], makeImage(layouts[3], 4, 2));
     EXPECT_NE(run(*patch).reason.find("differ in layout"), std::string::npos) << name;
   }
 }

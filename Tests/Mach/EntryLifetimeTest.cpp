@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Tests/Mach/Memory.h"
 
-#include <random>
-#include <vector>
-
 namespace {
 
 // Memory that came to lie where ours was, somebody else's or a new one, is neither changed, nor shared, nor unmapped.
@@ -109,11 +106,9 @@ TEST(EntryLifetime, AnyMixOfStepsKeepsTheBooks) {
       }
     }
   }
-  for (Memory& memory : all) {
-    for (const vm_address_t place : {memory.address, memory.second}) {
-      ASSERT_TRUE(place == 0 || vm_deallocate(self, place, size) == KERN_SUCCESS);
-    }
-    ASSERT_TRUE(memory.entry == 0 || mach_port_deallocate(self, memory.entry) == KERN_SUCCESS);
+  for (const Memory& memory : all) {
+    for (const vm_address_t place : {memory.address, memory.second}) release({}, {{place, place ? size : 0}});
+    if (memory.entry) release({memory.entry}, {});
   }
   EXPECT_EQ(openDescriptors(), before);
 }

@@ -1,38 +1,13 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Tests/Mach/Memory.h"
-#include "Tests/Support/ChildProcess.h"
 
 #include <fcntl.h>
 #include <sys/resource.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 #include <cerrno>
-#include <string>
 #include <thread>
-#include <vector>
 
 namespace {
-
-class Pair {
- public:
-  Pair() { EXPECT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends_), 0); }
-  Pair(const Pair&) = delete;
-  Pair& operator=(const Pair&) = delete;
-  ~Pair() {
-    closeEnd(0);
-    closeEnd(1);
-  }
-  int ours() const { return ends_[0]; }
-  int theirs() const { return ends_[1]; }
-  void closeEnd(int which) {
-    if (ends_[which] >= 0) close(ends_[which]);
-    ends_[which] = -1;
-  }
-
- private:
-  int ends_[2] = {-1, -1};
-};
 
 struct Received {
   kern_return_t result = -1;
@@ -63,22 +38,27 @@ std::string message(std::uint64_t size, std::uint64_t offset = 0, const std::str
   return bytes + note;
 }
 
-void sendBytes(int socket, const std::string& bytes, const std::vector<int>& descriptors) {
-  iovec part{const_cast<char*>(bytes.data()), bytes.size()};
-  std::vector<char> control(CMSG_SPACE(descriptors.size() * sizeof(int)));
+// A message of these bytes, with room for descriptors.
+struct Message {
+  Message(std::string& bytes, std::size_t descriptors)
+      : part{bytes.data(), bytes.size()}, control(CMSG_SPACE(descriptors * sizeof(int))) {
+    header.msg_iov = &part;
+    header.msg_iovlen = 1;
+    header.msg_control = descriptors ? control.data() : nullptr;
+    header.msg_controllen = descriptors ? control.size() : 0;
+  }
+  iovec part;
+  std::vector<char> control;
   msghdr header{};
-  header.msg_iov = &part;
-  header.msg_iovlen = 1;
-  if (!descriptors.empty()) {
-    header.msg_control = control.data();
-    header.msg_controllen = control.size();
-    cmsghdr* const rights = CMSG_FIRSTHDR(&header);
-    rights->cmsg_level = SOL_SOCKET;
-    rights->cmsg_type = SCM_RIGHTS;
-    rights->cmsg_len = CMSG_LEN(descriptors.size() * sizeof(int));
+};
+
+void sendBytes(int socket, std::string bytes, const std::vector<int>& descriptors) {
+  Message message(bytes, descriptors.size());
+  if (cmsghdr* const rights = CMSG_FIRSTHDR(&message.header)) {
+    *rights = {CMSG_LEN(descriptors.size() * sizeof(int)), SOL_SOCKET, SCM_RIGHTS};
     std::memcpy(CMSG_DATA(rights), descriptors.data(), descriptors.size() * sizeof(int));
   }
-  ASSERT_EQ(sendmsg(socket, &header, MSG_NOSIGNAL), static_cast<ssize_t>(bytes.size()));
+  ASSERT_EQ(sendmsg(socket, &message.header, MSG_NOSIGNAL), static_cast<ssize_t>(bytes.size()));
 }
 
 int memoryFile(vm_size_t size, int seals) {
@@ -91,7 +71,7 @@ int memoryFile(vm_size_t size, int seals) {
 constexpr int goodSeals = F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL;
 
 TEST(EntrySocket, AnotherProcessReadsAndChangesTheSameMemory) {
-  Pair pair;
+  SocketPair pair;
   const vm_address_t address = allocated(5 * page);
   std::memset(bytesAt(address), 3, 5 * page);
   const mach_port_t entry = entryOf(address, 5 * page);
@@ -114,24 +94,18 @@ TEST(EntrySocket, AnotherProcessReadsAndChangesTheSameMemory) {
 }
 
 TEST(EntrySocket, PeerCanNeitherShrinkNorGrowNorUnsealTheMemory) {
-  Pair pair;
+  SocketPair pair;
   const vm_address_t address = allocated(4 * page);
   const mach_port_t entry = entryOf(address, 4 * page);
   ASSERT_EQ(mach_send_memory_entry(pair.ours(), entry, nullptr, 0), KERN_SUCCESS);
 
-  char bytes[24];
-  iovec part{bytes, sizeof bytes};
-  alignas(cmsghdr) char control[CMSG_SPACE(sizeof(int))];
-  msghdr header{};
-  header.msg_iov = &part;
-  header.msg_iovlen = 1;
-  header.msg_control = control;
-  header.msg_controllen = sizeof control;
-  ASSERT_EQ(recvmsg(pair.theirs(), &header, 0), 24);
-  EXPECT_EQ(std::string(bytes, 24), message(4 * page));
+  std::string bytes(24, '\0');
+  Message received(bytes, 1);
+  ASSERT_EQ(recvmsg(pair.theirs(), &received.header, 0), 24);
+  EXPECT_EQ(bytes, message(4 * page));
+  ASSERT_NE(CMSG_FIRSTHDR(&received.header), nullptr);
   int file;
-  ASSERT_NE(CMSG_FIRSTHDR(&header), nullptr);
-  std::memcpy(&file, CMSG_DATA(CMSG_FIRSTHDR(&header)), sizeof file);
+  std::memcpy(&file, CMSG_DATA(CMSG_FIRSTHDR(&received.header)), sizeof file);
   for (const vm_size_t size : {vm_size_t{0}, 8 * page}) EXPECT_EQ(ftruncate(file, static_cast<off_t>(size)), -1);
   EXPECT_EQ(fcntl(file, F_ADD_SEALS, F_SEAL_WRITE), -1);
   close(file);
@@ -140,7 +114,7 @@ TEST(EntrySocket, PeerCanNeitherShrinkNorGrowNorUnsealTheMemory) {
 }
 
 TEST(EntrySocket, TakesAMessageThatComesInPieces) {
-  Pair pair;
+  SocketPair pair;
   const int file = memoryFile(2 * page, goodSeals);
   const std::string bytes = message(page, page, "piecemeal");
   std::thread sender([&] {
@@ -187,12 +161,12 @@ TEST(EntrySocket, BadMessagesAreRefusedAndLeaveNoDescriptor) {
       {"Wraps", message(page, ~std::uint64_t{0} - page + 1), 1, page, goodSeals, KERN_INVALID_ADDRESS},
   };
   for (const auto& row : rows) {
-    Pair pair;
+    SocketPair pair;
     std::vector<int> files;
     for (int i = 0; i < row.descriptors; ++i) files.push_back(memoryFile(row.fileSize, row.seals));
     sendBytes(pair.theirs(), row.bytes, files);
     for (const int file : files) close(file);
-    pair.closeEnd(1);
+    pair.closeTheirs();
     const auto before = openDescriptors();
     const Received received = receive(pair.ours(), 16);
     EXPECT_EQ(received.result, row.expected) << row.name;
@@ -207,7 +181,7 @@ TEST(EntrySocket, RefusesFilesThatAreNoMemory) {
   const int file = memoryFile(page, goodSeals);
   const int readOnly = open(("/proc/self/fd/" + std::to_string(file)).c_str(), O_RDONLY);
   ASSERT_GE(readOnly, 0);
-  Pair pair;
+  SocketPair pair;
   for (const int other : {ends[0], readOnly}) {
     sendBytes(pair.theirs(), message(page), {other});
     EXPECT_EQ(receive(pair.ours()).result, KERN_PROTECTION_FAILURE);
@@ -218,7 +192,7 @@ TEST(EntrySocket, RefusesFilesThatAreNoMemory) {
 TEST(EntrySocket, ClosedPeersSilentPeersAndOtherSocketsGetAResult) {
   const vm_address_t address = allocated(page);
   const mach_port_t entry = entryOf(address, page);
-  Pair pair;
+  SocketPair pair;
   EXPECT_EQ(mach_send_memory_entry(pair.ours(), 0x7FFFFFFF, nullptr, 0), KERN_INVALID_NAME);
   EXPECT_EQ(mach_send_memory_entry(pair.ours(), entry, "x", mach_entry_note_limit + 1), KERN_INVALID_ARGUMENT);
   EXPECT_EQ(mach_send_memory_entry(-1, entry, nullptr, 0), KERN_INVALID_ARGUMENT);
@@ -229,8 +203,8 @@ TEST(EntrySocket, ClosedPeersSilentPeersAndOtherSocketsGetAResult) {
     result = mach_send_memory_entry(pair.ours(), entry, nullptr, 0);  // until the socket is full
   EXPECT_TRUE(result == KERN_OPERATION_TIMED_OUT || result == KERN_RESOURCE_SHORTAGE) << result;
 
-  Pair closed;
-  closed.closeEnd(1);
+  SocketPair closed;
+  closed.closeTheirs();
   EXPECT_EQ(mach_send_memory_entry(closed.ours(), entry, nullptr, 0), KERN_TERMINATED);
   EXPECT_EQ(receive(closed.ours()).result, KERN_TERMINATED);
   bytesAt(address)[0] = 1;
@@ -238,7 +212,7 @@ TEST(EntrySocket, ClosedPeersSilentPeersAndOtherSocketsGetAResult) {
 }
 
 TEST(EntrySocket, RunningOutOfDescriptorsIsAResultOnBothSides) {
-  Pair pair;
+  SocketPair pair;
   const int file = memoryFile(page, goodSeals);
   sendBytes(pair.theirs(), message(page), {file});
   const vm_address_t address = allocated(page);

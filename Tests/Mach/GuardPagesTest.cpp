@@ -14,27 +14,21 @@ class GuardPagesTest : public testing::Test {
   }
 };
 
-TEST_F(GuardPagesTest, StopWhoeverRunsPastMemory) {
-  for (const vm_size_t size : {page, 600 * page}) {
+TEST_F(GuardPagesTest, StopWhoeverRunsPastMemorySharedOrNotAndGoWithTheLastPage) {
+  for (const vm_size_t size : {page, 3 * page, 600 * page}) {
     const vm_address_t address = allocated(size);
     volatile std::uint8_t* const bytes = bytesAt(address);
     bytes[size - 1] = 1;
     EXPECT_DEATH(bytes[size] = 1, "AddressSanitizer");
-    EXPECT_EQ(vm_deallocate(self, address, size), KERN_SUCCESS);
+    const mach_port_t entry = entryOf(address, size);
+    const vm_address_t place = size == 3 * page ? placeOf(entry, size) : 0;
+    EXPECT_DEATH(bytes[size] = 1, "AddressSanitizer");
+    release({}, {{address, size - page}});
+    EXPECT_TRUE(isMapped(address + size)) << "the guard is there";
+    release({entry}, {{address + size - page, page}, {place, place ? size : 0}});
+    EXPECT_EQ(isMapped(address + size), false);
     EXPECT_DEATH(bytes[0] = 1, "AddressSanitizer") << "given back";
   }
-}
-
-TEST_F(GuardPagesTest, StandBehindSharedMemoryTooAndGoWithTheLastPage) {
-  const vm_address_t address = allocated(3 * page);
-  const mach_port_t entry = entryOf(address, 3 * page);
-  const vm_address_t place = placeOf(entry, 3 * page);
-  volatile std::uint8_t* const bytes = bytesAt(address);
-  EXPECT_DEATH(bytes[3 * page] = 1, "AddressSanitizer");
-  release({}, {{address, page}});
-  EXPECT_TRUE(isMapped(address + 3 * page)) << "the guard is there";
-  release({entry}, {{address + page, 2 * page}, {place, 3 * page}});
-  EXPECT_FALSE(isMapped(address + 3 * page));
 }
 
 TEST_F(GuardPagesTest, PoisonEndsWhenMemoryIsGivenBackOrShared) {

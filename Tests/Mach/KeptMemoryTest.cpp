@@ -3,14 +3,8 @@
 #include "Tests/Mach/Memory.h"
 
 #include <sys/resource.h>
-#include <sys/socket.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <fstream>
-#include <random>
 #include <thread>
-#include <vector>
 
 // Memory that was given back and comes again must be as good as new, nobody else's, and out of everybody's reach.
 
@@ -93,14 +87,12 @@ TEST_F(KeptMemoryTest, ThatWasEverSharedIsNotKept) {
   giveBack(place, large);
   EXPECT_EQ(mach_release_kept_memory(), 0u);
 
-  int ends[2];
-  ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends), 0);
+  SocketPair sockets;
   const vm_address_t sent = filled(small);
   const mach_port_t ofSent = entryOf(sent, small);
-  ASSERT_EQ(mach_send_memory_entry(ends[0], ofSent, nullptr, 0), KERN_SUCCESS);
+  ASSERT_EQ(mach_send_memory_entry(sockets.ours(), ofSent, nullptr, 0), KERN_SUCCESS);
   release({ofSent}, {{sent, small}});
   EXPECT_EQ(mach_release_kept_memory(), 0u);
-  for (const int end : ends) close(end);
 }
 
 TEST_F(KeptMemoryTest, WhatIsMissingOrSomebodyElsesIsNotKept) {
@@ -168,11 +160,8 @@ TEST_F(KeptMemoryTest, ComesAgainWritableAndAbleToBeShared) {
   EXPECT_EQ(mach_release_kept_memory(), 0u) << "it is the same memory";
   EXPECT_TRUE(isZero(second, small));
   std::memset(bytesAt(second), 4, small);
-  const pid_t child = fork();
-  if (child == 0) _exit(bytesAt(second)[small - 1] == 4 ? 0 : 1);
-  int status = -1;
-  waitpid(child, &status, 0);
-  EXPECT_EQ(status, 0) << "a child has its own copy, as of all memory";
+  const ChildResult child = RunInChild([second] { return bytesAt(second)[small - 1]; });
+  EXPECT_TRUE(child.exitedWith(4)) << "a child has its own copy, as of all memory";
   const mach_port_t entry = entryOf(second, small);
   const vm_address_t place = placeOf(entry, small);
   EXPECT_EQ(bytesAt(place)[small - 1], 4);

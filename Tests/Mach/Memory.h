@@ -2,16 +2,7 @@
 #pragma once
 
 #include "Platform/Mach/mach.h"
-
-#include <gtest/gtest.h>
-#include <sys/mman.h>
-
-#include <cstdint>
-#include <cstring>
-#include <filesystem>
-#include <initializer_list>
-#include <iterator>
-#include <utility>
+#include "Tests/Support/ChildProcess.h"
 
 inline const mach_port_t self = mach_task_self();
 constexpr vm_size_t page = 4096;
@@ -55,8 +46,4 @@ inline void release(std::initializer_list<mach_port_t> entries,
 
 inline bool isMapped(vm_address_t address, vm_size_t size = page) {
   return msync(bytesAt(address), size, MS_ASYNC) == 0;
-}
-
-inline std::ptrdiff_t openDescriptors() {
-  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), std::filesystem::directory_iterator());
 }

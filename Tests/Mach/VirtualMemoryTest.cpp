@@ -2,8 +2,6 @@
 #include "Tests/Mach/Memory.h"
 
 #include <cerrno>
-#include <limits>
-#include <vector>
 
 namespace {
 

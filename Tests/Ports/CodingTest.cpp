@@ -1,94 +1,60 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/Foundation/NSArchiver.h"
 #include "Platform/Foundation/NSClassTable.h"
-#include "Platform/Foundation/NSCoder.h"
 #include "Platform/Foundation/NSKeyedArchiver.h"
 #include "Platform/Foundation/NSKeyedUnarchiver.h"
 #include "Platform/Foundation/NSValues.h"
 #include "Registry/BrivoCompatability.h"
 #include "Tests/Ports/StateValues.h"
 
-#include <gtest/gtest.h>
-
 namespace {
 
-const PropertyList someGradient =
-    gradientState({0.7, 0.25, 1, 0.1, 0.2, 0.3, 0.1, 0.5, 0, 1, 0, -0.0}, {0, 0.5, 2, 0.4});
-const PropertyList someLevels = distinctLevelsState();
-
 struct Named {
-  const char* className;
-  const char* olderName;
-  const PropertyList* state;  // null: opaque data of a string
+  std::string className, olderName;
+  PropertyList state;
 };
 
-class Coding : public testing::TestWithParam<Named> {
- protected:
-  static PropertyList state() {
-    if (GetParam().state) return *GetParam().state;
-    return *VRTOpaqueData::dataWithValue(NSString::stringWithUTF8String("opaque"))->stateValue();
-  }
+void expectSame(const NSObjectRef& decoded, const std::string& name, const Named& row) {
+  const auto object = std::dynamic_pointer_cast<VRTObject>(decoded);
+  ASSERT_TRUE(object) << name;
+  EXPECT_EQ(object->className(), name);
+  EXPECT_TRUE(object->isKindOfClass(row.className));
+  EXPECT_EQ(object->stateValue(), row.state);
+}
 
-  static std::shared_ptr<VRTObject> made(const std::string& className) {
-    auto object = std::dynamic_pointer_cast<VRTObject>(NSClassFromString(className)->factory());
-    EXPECT_TRUE(object->initWithStateValue(state()));
-    return object;
-  }
-
-  static void expectSame(const NSObjectRef& decoded, const std::string& className) {
-    ASSERT_TRUE(decoded);
-    EXPECT_EQ(decoded->className(), className);
-    EXPECT_TRUE(decoded->isKindOfClass(GetParam().className));
-    const auto object = std::dynamic_pointer_cast<VRTObject>(decoded);
-    ASSERT_TRUE(object);
-    EXPECT_EQ(object->stateValue(), state());
-  }
-};
-
-TEST_P(Coding, SurvivesEveryCoderUnderEitherName) {
-  for (const std::string name : {GetParam().className, GetParam().olderName}) {
-    const auto object = made(name);
-    expectSame(object->copyWithZone(), name);
-    std::string reason;
-    for (const auto format : {PropertyListFormat::Xml, PropertyListFormat::Binary}) {
-      const auto bytes = NSKeyedArchiver::archivedData(object, format, &reason);
-      ASSERT_TRUE(bytes) << reason;
-      expectSame(NSKeyedUnarchiver::unarchiveObject(*bytes, &reason), name);
+TEST(Coding, SurvivesEveryCoderUnderEitherName) {
+  const auto opaque = VRTOpaqueData::dataWithValue(NSString::stringWithUTF8String("opaque"));
+  const Named rows[] = {
+      {"VRTGradient", "TarnGradient",
+       gradientState({0.7, 0.25, 1, 0.1, 0.2, 0.3, 0.1, 0.5, 0, 1, 0, -0.0}, {0, 0.5, 2, 0.4})},
+      {"VRTHistogram", "TarnHistogram", distinctLevelsState()},
+      {"VRTOpaqueData", "TarnOpaqueData", *opaque->stateValue()},
+  };
+  for (const Named& row : rows) {
+    for (const std::string& name : {row.className, row.olderName}) {
+      const auto object = std::dynamic_pointer_cast<VRTObject>(NSClassFromString(name)->factory());
+      ASSERT_TRUE(object->initWithStateValue(row.state));
+      expectSame(object->copyWithZone(), name, row);
+      std::string reason;
+      for (const auto format : {PropertyListFormat::Xml, PropertyListFormat::Binary}) {
+        const auto bytes = NSKeyedArchiver::archivedData(object, format, &reason);
+        ASSERT_TRUE(bytes) << reason;
+        expectSame(NSKeyedUnarchiver::unarchiveObject(*bytes, &reason), name, row);
+      }
+      NSArchiver archiver;
+      archiver.encodeObject(object);
+      const auto bytes = archiver.finishEncoding();
+      ASSERT_TRUE(bytes) << archiver.error();
+      NSUnarchiver unarchiver;
+      ASSERT_TRUE(unarchiver.initForReadingWithData(*bytes));
+      expectSame(unarchiver.decodeObject(), name, row);
     }
-    NSArchiver archiver;
-    archiver.encodeObject(object);
-    const auto bytes = archiver.finishEncoding();
-    ASSERT_TRUE(bytes) << archiver.error();
-    NSUnarchiver unarchiver;
-    ASSERT_TRUE(unarchiver.initForReadingWithData(*bytes));
-    expectSame(unarchiver.decodeObject(), name);
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Values, Coding,
-                         testing::Values(Named{"VRTGradient", "TarnGradient", &someGradient},
-                                         Named{"VRTHistogram", "TarnHistogram", &someLevels},
-                                         Named{"VRTOpaqueData", "TarnOpaqueData", nullptr}),
-                         [](const auto& row) { return std::string(row.param.className); });
-
-// A value object in an archive with a state that it would not write itself.
-class Written : public NSObject {
- public:
-  Written(std::string className, NSObjectRef state) : className_(std::move(className)), state_(std::move(state)) {}
-  std::string className() const override { return className_; }
-  void encodeWithCoder(NSCoder& coder) const override {
-    if (state_) coder.encodeObject(state_, "state");
-  }
-
- private:
-  std::string className_;
-  NSObjectRef state_;
-};
-
 TEST(Coding, AStateThatDoesNotFitDecodesToNothing) {
-  PropertyList broken = gradientState({0, 0.5, 1, 0.5}, {});
-  const NSObjectRef states[] = {nullptr, NSObjectFromPropertyList(broken), NSString::stringWithUTF8String("x"),
-                                std::make_shared<NSNull>()};
+  const NSObjectRef states[] = {nullptr, NSObjectFromPropertyList(gradientState({0, 0.5, 1, 0.5}, {})),
+                                NSString::stringWithUTF8String("x"), std::make_shared<NSNull>()};
   for (const NSObjectRef& state : states) {
     std::string reason;
     const auto bytes = NSKeyedArchiver::archivedData(std::make_shared<Written>("VRTGradient", state),

@@ -3,11 +3,7 @@
 #include "Ports/VRTObjects.h"
 #include "Tests/Ports/StateValues.h"
 
-#include <gtest/gtest.h>
-
-#include <limits>
 #include <stdexcept>
-#include <vector>
 
 namespace {
 

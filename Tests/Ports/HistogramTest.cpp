@@ -2,8 +2,6 @@
 #include "Ports/VRTObjects.h"
 #include "Tests/Ports/StateValues.h"
 
-#include <gtest/gtest.h>
-
 namespace {
 
 TEST(Histogram, WritesItsKeysInOrder) {
@@ -55,14 +53,23 @@ TEST(Histogram, AMissingOrForeignValueReadsAsZero) {
 }
 
 TEST(Histogram, ChannelsThatAreNotThereStoreNothing) {
-  VRTHistogram levels;
-  for (const int channel : {-1, 5, 1 << 30}) {
-    levels.setGamma(2, channel);
-    levels.setWhiteIn(2, channel);
-    EXPECT_EQ(levels.gammaForChannel(channel), 0);
-    EXPECT_EQ(levels.whiteInForChannel(channel), 0);
+  using V = VRTHistogram;
+  const std::pair<void (V::*)(double, int), double (V::*)(int) const> values[] = {
+      {&V::setBlackIn, &V::blackInForChannel},
+      {&V::setBlackOut, &V::blackOutForChannel},
+      {&V::setWhiteIn, &V::whiteInForChannel},
+      {&V::setWhiteOut, &V::whiteOutForChannel},
+      {&V::setGamma, &V::gammaForChannel}};
+  V levels;
+  for (const auto& [set, get] : values) {
+    for (const int channel : {-1, 5, 1 << 30, -2147483647 - 1}) {
+      (levels.*set)(2, channel);
+      EXPECT_EQ((levels.*get)(channel), 0);
+    }
   }
   EXPECT_EQ(levels.stateValue(), VRTHistogram::histogram()->stateValue());
+  for (int i = 0; i < 25; ++i) (levels.*values[i % 5].first)(i - 7.5, i / 5);
+  for (int i = 0; i < 25; ++i) EXPECT_EQ((levels.*values[i % 5].second)(i / 5), i - 7.5);
 }
 
 }  // namespace

@@ -1,41 +1,30 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "Platform/Foundation/NSCoder.h"
 #include "Platform/Foundation/NSKeyedArchiver.h"
 #include "Platform/Foundation/NSValues.h"
 #include "Ports/VRTObjects.h"
-
-#include <gtest/gtest.h>
-
-#include <string>
+#include "Tests/Ports/StateValues.h"
 
 namespace {
-
-// Opaque data in an archive, with a state given as bytes.
-class WrittenAsOpaqueData : public NSObject {
- public:
-  explicit WrittenAsOpaqueData(PropertyList::Bytes state) : state_(std::make_shared<NSMutableData>(std::move(state))) {}
-  std::string className() const override { return "VRTOpaqueData"; }
-  void encodeWithCoder(NSCoder& coder) const override { coder.encodeObject(state_, "state"); }
-
- private:
-  NSObjectRef state_;
-};
 
 std::shared_ptr<VRTOpaqueData> restored(const PropertyList& state) {
   auto data = VRTOpaqueData::data();
   return data->initWithStateValue(state) ? data : nullptr;
 }
 
-TEST(OpaqueData, StateIsAnArchiveOfTheValueWithoutAKey) {
-  const auto state = VRTOpaqueData::dataWithValue(NSString::stringWithUTF8String("grain"))->stateValue();
-  ASSERT_TRUE(state);
-  EXPECT_TRUE(state->isMutableData());
+TEST(OpaqueData, StateIsAnArchiveOfTheValueWithoutAKeyAndMayNameItsRoot) {
+  const auto grain = NSString::stringWithUTF8String("grain");
+  const auto state = VRTOpaqueData::dataWithValue(grain)->stateValue();
+  ASSERT_TRUE(state && state->isMutableData());
   std::string reason;
   const auto archive = PropertyListFromBytes(state->bytes(), &reason);
-  ASSERT_TRUE(archive) << reason;
-  ASSERT_TRUE(archive->find("$top"));
+  ASSERT_TRUE(archive && archive->find("$top")) << reason;
   EXPECT_EQ(archive->find("$top")->entries().size(), 1U);
   EXPECT_TRUE(archive->find("$top")->find("$0"));
+  const auto named = NSKeyedArchiver::archivedData(grain, PropertyListFormat::Xml, &reason);
+  ASSERT_TRUE(named) << reason;
+  const auto data = restored(PropertyList::data(*named));
+  ASSERT_TRUE(data);
+  EXPECT_TRUE(data->value()->isEqual(*grain));
 }
 
 TEST(OpaqueData, CarriesAnyArchivableObject) {
@@ -57,16 +46,6 @@ TEST(OpaqueData, CarriesAnyArchivableObject) {
   const auto levels = std::dynamic_pointer_cast<VRTHistogram>(copy->value());
   ASSERT_TRUE(levels);
   EXPECT_EQ(levels->gammaForChannel(1), 2.5);
-}
-
-TEST(OpaqueData, ReadsAnArchiveThatNamesItsRoot) {
-  std::string reason;
-  const auto bytes =
-      NSKeyedArchiver::archivedData(NSString::stringWithUTF8String("noise"), PropertyListFormat::Xml, &reason);
-  ASSERT_TRUE(bytes) << reason;
-  const auto data = restored(PropertyList::data(*bytes));
-  ASSERT_TRUE(data);
-  EXPECT_TRUE(data->value()->isEqual(*NSString::stringWithUTF8String("noise")));
 }
 
 TEST(OpaqueData, RefusesWhatIsNoArchive) {
@@ -91,7 +70,8 @@ TEST(OpaqueData, NestingEndsBeforeTheStackDoes) {
   PropertyList::Bytes bytes = VRTOpaqueData::data()->stateValue()->bytes();
   for (int level = 0; level < 500; ++level) {
     NSKeyedArchiver archiver;
-    archiver.encodeObject(std::make_shared<WrittenAsOpaqueData>(std::move(bytes)));
+    archiver.encodeObject(
+        std::make_shared<Written>("VRTOpaqueData", std::make_shared<NSMutableData>(std::move(bytes))));
     bytes = archiver.finishEncoding().value();
     if (level == 10) {
       EXPECT_TRUE(restored(PropertyList::data(bytes)));

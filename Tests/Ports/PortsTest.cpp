@@ -7,8 +7,6 @@
 #include "TarnCore/TCBitmap.h"
 #include "Tests/Support/Lists.h"
 
-#include <gtest/gtest.h>
-
 class NSTarnView {};
 
 namespace {

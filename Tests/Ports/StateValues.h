@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include "Platform/Foundation/NSCoder.h"
+#include "Platform/Foundation/NSObject.h"
 #include "Tests/Support/Lists.h"
-
-#include <array>
-#include <initializer_list>
-#include <string>
 
 // States written out by hand, as documents hold them.
 
@@ -42,3 +40,17 @@ inline PropertyList distinctLevelsState() {
   }
   return state;
 }
+
+// A value object in an archive with a state that it would not write itself.
+class Written : public NSObject {
+ public:
+  Written(std::string className, NSObjectRef state) : className_(std::move(className)), state_(std::move(state)) {}
+  std::string className() const override { return className_; }
+  void encodeWithCoder(NSCoder& coder) const override {
+    if (state_) coder.encodeObject(state_, "state");
+  }
+
+ private:
+  std::string className_;
+  NSObjectRef state_;
+};

@@ -5,11 +5,6 @@
 #include "Tests/QuartzComposer/TestFolder.h"
 #include "Tests/Support/Lists.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstdlib>
-
 namespace {
 
 using Names = std::vector<std::string>;

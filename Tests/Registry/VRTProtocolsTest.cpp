@@ -4,8 +4,6 @@
 #include "Platform/QuartzComposer/QCPatch.h"
 #include "Tests/Support/Lists.h"
 
-#include <gtest/gtest.h>
-
 namespace {
 
 struct Role {

@@ -2,14 +2,11 @@
 #pragma once
 
 #include <sys/mman.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <functional>
-#include <string>
 
 // Helpers for what a test cannot see or do inside its own process.
 
@@ -67,6 +64,33 @@ class Capture {
   int descriptor_;
   int saved_;
   int file_ = -1;
+};
+
+inline std::ptrdiff_t openDescriptors() {
+  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), std::filesystem::directory_iterator());
+}
+
+// Two connected stream sockets.
+class SocketPair {
+ public:
+  SocketPair() {
+    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends_) != 0) std::abort();
+  }
+  SocketPair(const SocketPair&) = delete;
+  SocketPair& operator=(const SocketPair&) = delete;
+  ~SocketPair() {
+    closeTheirs();
+    close(ours());
+  }
+  int ours() const { return ends_[0]; }
+  int theirs() const { return ends_[1]; }
+  void closeTheirs() {
+    if (theirs() >= 0) close(theirs());
+    ends_[1] = -1;
+  }
+
+ private:
+  int ends_[2];
 };
 
 struct ChildResult {

@@ -7,16 +7,9 @@
 #include "Platform/QuartzComposer/QCPort.h"
 #include "Platform/TarnKit/NSTarnView.h"
 
-#include <gtest/gtest.h>
-
 #include <QApplication>
 #include <QPointer>
 #include <QTest>
-#include <functional>
-#include <memory>
-#include <string>
-#include <utility>
-#include <vector>
 
 // An editor on a port, in a window, and one of its gutters, driven by events of the window system. What the port tells
 // is logged: "start", "change" and "end".

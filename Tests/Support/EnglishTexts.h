@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include <cstdlib>
-
 // For cases that compare texts: from here on the process reads them in English, whoever runs the tests.
 inline void readEnglishTexts() {
   unsetenv("LANGUAGE");

@@ -8,8 +8,7 @@
 #include "GradientEditor/VRTGradientGutterRGB.h"
 #include "Ports/VRTObjects.h"
 #include "Tests/Support/EditorScene.h"
-
-#include <cmath>
+#include "Tests/Support/Lists.h"
 
 // A gradient editor, and its color or its opacity gutter.
 class GradientScene : public EditorScene {
@@ -42,11 +41,8 @@ class GradientScene : public EditorScene {
       add(opacities, {1 - shade / 2});
       shade += 0.2;
     }
-    PropertyList state;
-    state.set("rgbSamples", colors);
-    state.set("alphaSamples", opacities);
     auto gradient = VRTGradient::gradient();
-    EXPECT_TRUE(gradient->initWithStateValue(state));
+    EXPECT_TRUE(gradient->initWithStateValue(dict({{"rgbSamples", colors}, {"alphaSamples", opacities}})));
     return gradient;
   }
 

@@ -9,8 +9,7 @@
 #include "Ports/VRTPorts.h"
 #include "Registry/VRTProtocols.h"
 #include "Tests/Support/EditorScene.h"
-
-#include <cstdint>
+#include "Tests/Support/Lists.h"
 
 // A patch with an image and levels, its host's execution context, and the editor of the levels.
 
@@ -58,18 +57,9 @@ class SceneContext : public VortoExecutionContext {
 
 class ScenePatch : public QCPatch, public VortoRuntime {
  public:
-  explicit ScenePatch(const char* kind) : QCPatch(attributesOf(kind)) {}
+  explicit ScenePatch(const char* kind) : QCPatch(attributesOfKind(kind, dict({{"inputImagePort", text("image")}}))) {}
   VortoExecutionContext* vortoExecutionContext() override { return context; }
   SceneContext* context = nullptr;
-
- private:
-  static PropertyList attributesOf(const char* kind) {
-    PropertyList::Dictionary roles, kinds, attributes;
-    roles.set("inputImagePort", PropertyList::string("image"));
-    kinds.set(kind, PropertyList::dictionary(roles));
-    attributes.set("protocols", PropertyList::dictionary(kinds));
-    return PropertyList::dictionary(attributes);
-  }
 };
 
 struct LevelsPatch {

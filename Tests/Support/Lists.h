@@ -3,10 +3,6 @@
 
 #include "Platform/Foundation/PropertyList.h"
 
-#include <initializer_list>
-#include <string>
-#include <utility>
-
 // Property lists without ceremony.
 
 inline PropertyList dict(std::initializer_list<std::pair<const char*, PropertyList>> entries) {

@@ -8,20 +8,8 @@
 #include "Tests/Support/ChildProcess.h"
 #include "Tests/TarnCore/PixelOracle.h"
 
-#include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <sys/socket.h>
-#include <sys/wait.h>
 #include <unistd.h>
-
-#include <array>
-#include <cstring>
-#include <filesystem>
-#include <iterator>
-#include <memory>
-#include <string>
-#include <utility>
-#include <vector>
 
 namespace {
 
@@ -197,10 +185,6 @@ TEST(Bitmap, ConvertsBetweenYUVAndARGB) {
   EXPECT_EQ(std::memcmp(argb->data, colors, sizeof colors), 0);
 }
 
-std::ptrdiff_t openDescriptors() {
-  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), std::filesystem::directory_iterator());
-}
-
 TEST(BitmapMemory, TenThousandBitmapsNeedNoDescriptors) {
   rlimit limit;
   ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
@@ -234,40 +218,33 @@ TEST(BitmapMemory, IsMappedAgainWithItsPixels) {
 
 int callbackCalls = 0;
 unsigned callbackSize = 0;
-bool countCall(unsigned size) {
-  ++callbackCalls;
-  callbackSize = size;
-  return true;
-}
 
-// In a process of its own: leaves so little address space that a bitmap does not fit. Returns what went wrong, 0 for
-// nothing.
-int failToAllocate() {
-  const rlimit limit{64 << 20, 64 << 20};
-  setrlimit(RLIMIT_AS, &limit);
-  VortoBitmap::setGuaranteeMemoryCallback(countCall);
-  VortoBitmap bitmap(8000, 8000, 8, 4, 0, 0);
-  if (bitmap.data || bitmap.memoryEntry != 0) return 1;
-  if (callbackCalls != 1 || callbackSize != bitmap.allocSize) return 2;
-  if (bitmap.allocSize != (8000u * 8000 * 4 + 1024 + 32767) / 32768 * 32768 + 4096) return 3;
-  VortoBitmap::setGuaranteeMemoryCallback(nullptr);
-  const VortoBitmap copied(bitmap);
-  if (copied.data || callbackCalls != 1) return 4;
-  bitmap.setData("");
-  bitmap.copy(copied);
-  bitmap.clear();
-  return 0;
-}
-
+// In a process of its own, that leaves so little address space that a bitmap does not fit.
 TEST(BitmapMemory, FailingAllocationCallsBackOnceReportsAndLeavesAnEmptyBitmap) {
   if (kHasAddressSanitizer) GTEST_SKIP() << "no limit of address space under the address sanitizer";
   const ChildResult child = RunInChild([] {
-    dup2(STDOUT_FILENO, STDERR_FILENO);
-    return failToAllocate();
+    const rlimit limit{64 << 20, 64 << 20};
+    setrlimit(RLIMIT_AS, &limit);
+    VortoBitmap::setGuaranteeMemoryCallback([](unsigned size) {
+      ++callbackCalls;
+      callbackSize = size;
+      return true;
+    });
+    VortoBitmap bitmap(8000, 8000, 8, 4, 0, 0);
+    if (bitmap.data || bitmap.memoryEntry != 0) return 1;
+    if (callbackCalls != 1 || callbackSize != bitmap.allocSize) return 2;
+    if (bitmap.allocSize != (8000u * 8000 * 4 + 1024 + 32767) / 32768 * 32768 + 4096) return 3;
+    VortoBitmap::setGuaranteeMemoryCallback(nullptr);
+    const VortoBitmap copied(bitmap);
+    if (copied.data || callbackCalls != 1) return 4;
+    bitmap.setData("");
+    bitmap.copy(copied);
+    bitmap.clear();
+    return 0;
   });
-  EXPECT_TRUE(child.exitedWith(0));
+  EXPECT_TRUE(child.exitedWith(0)) << child.status;
   const std::string line = "could not allocate vm of size 256020480 because 3\n";
-  EXPECT_EQ(child.output, line + line);
+  EXPECT_EQ(child.errors, line + line);
 }
 
 TEST(BitmapMemory, ReportsWhatItCannotMapOrGiveBack) {
@@ -291,16 +268,6 @@ TEST(BitmapMemory, ReportsWhatItCannotMapOrGiveBack) {
             "Could not unmap: Invalid argument\n");
 }
 
-class Sockets {
- public:
-  Sockets() { EXPECT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends), 0); }
-  ~Sockets() {
-    close(ends[0]);
-    close(ends[1]);
-  }
-  int ends[2];
-};
-
 // The other process: every pixel arrives, and is changed.
 int receiveAndChange(int socket, const Bytes& pixels) {
   int result = -1;
@@ -313,43 +280,44 @@ int receiveAndChange(int socket, const Bytes& pixels) {
 }
 
 TEST(BitmapSharing, AnotherProcessReadsAndChangesThePixels) {
-  Sockets sockets;
+  SocketPair sockets;
   const Bitmap bitmap = made(640, 480, 4);
   const Bytes pixels = fill(*bitmap, 9);
   std::uint8_t* const address = bitmap->data;
-  const pid_t child = fork();
-  if (child == 0) _exit(receiveAndChange(sockets.ends[1], pixels));
-  ASSERT_EQ(TCSendBitmap(*bitmap, sockets.ends[0]), 0);
-  int status = -1;
-  waitpid(child, &status, 0);
-  EXPECT_EQ(status, 0);
+  ASSERT_EQ(TCSendBitmap(*bitmap, sockets.ours()), 0);
+  const ChildResult child = RunInChild([&] { return receiveAndChange(sockets.theirs(), pixels); });
+  EXPECT_TRUE(child.exitedWith(0)) << child.status;
   EXPECT_EQ(bitmap->data, address);
   EXPECT_EQ(std::count(address, address + bitmap->getSize(), 0xEE), bitmap->getSize());
 }
 
+// Each lie is refused before it is sent, unless it is about the memory itself, and by whoever receives it all the same.
 TEST(BitmapSharing, RefusesDescriptorsThatDoNotFitTheMemory) {
   const Bitmap good(TCCreateBitmap(64, 64, 0));
-  struct Lie {
-    std::uint32_t& field;
-    std::uint32_t value;
-  };
   VortoBitmap& b = *good;
-  const Lie lies[] = {{b.formatCode, 3},      {b.formatCode, 10},     {b.formatCode, 9},      {b.allocSize, 0},
-                      {b.allocSize, 1 << 20}, {b.width, 0x40000040},  {b.height, 100},        {b.height, 0xFFFFFFFF},
-                      {b.channels, 3},        {b.bitsPerChannel, 16}, {b.rowPadding, 1 << 30}};
-  for (const Lie& lie : lies) {
-    Sockets sockets;
+  const std::pair<std::uint32_t&, std::uint32_t> lies[] = {
+      {b.formatCode, 3},      {b.formatCode, 10},     {b.formatCode, 9},      {b.allocSize, 0},
+      {b.allocSize, 1 << 20}, {b.width, 0x40000040},  {b.height, 100},        {b.height, 0xFFFFFFFF},
+      {b.channels, 3},        {b.bitsPerChannel, 16}, {b.rowPadding, 1 << 30}};
+  for (const auto& [field, value] : lies) {
+    const SocketPair sockets, refused;
     const auto before = openDescriptors();
-    const std::uint32_t truth = std::exchange(lie.field, lie.value);
-    ASSERT_EQ(TCSendBitmap(*good, sockets.ends[0]), 0);
-    lie.field = truth;
+    const std::uint32_t truth = std::exchange(field, value);
+    const std::uint32_t note[] = {b.width,      b.height,     b.bitsPerChannel, b.channels,
+                                  b.rowPadding, b.formatCode, b.allocSize};
+    EXPECT_EQ(TCSendBitmap(b, refused.ours()), value == 1 << 20 ? KERN_SUCCESS : KERN_INVALID_VALUE);
+    ASSERT_EQ(mach_send_memory_entry(sockets.ours(), b.memoryEntry, note, sizeof note), KERN_SUCCESS);
+    field = truth;
     int result = 0;
-    EXPECT_EQ(Bitmap(TCReceiveBitmap(sockets.ends[1], &result)), nullptr);
-    EXPECT_EQ(result, KERN_INVALID_VALUE) << lie.value;
-    EXPECT_LE(openDescriptors(), before + 1) << "the entry's own";
+    EXPECT_EQ(Bitmap(TCReceiveBitmap(sockets.theirs(), &result)), nullptr);
+    EXPECT_EQ(result, KERN_INVALID_VALUE) << value;
+    EXPECT_LE(openDescriptors(), before + 2) << "the entry's own, and what lies in the other socket";
   }
-  Sockets sockets;
-  EXPECT_EQ(TCSendBitmap(VortoBitmap(), sockets.ends[0]), KERN_INVALID_NAME);
+  const SocketPair sockets;
+  EXPECT_EQ(TCSendBitmap(VortoBitmap(), sockets.ours()), KERN_INVALID_NAME);
+  // The reserved size of large 4:2:2 leaves padding out.
+  EXPECT_EQ(TCSendBitmap(VortoBitmap(1000, 300, 8, 2, 2, 1000), sockets.ours()), KERN_INVALID_VALUE);
+  EXPECT_EQ(TCSendBitmap(VortoBitmap(1000, 30, 8, 2, 2, 1000), sockets.ours()), KERN_SUCCESS);
 }
 
 }  // namespace

@@ -1,14 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "TarnCore/TCColor.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <array>
 #include <cfloat>
-#include <cmath>
-#include <limits>
-#include <vector>
 
 namespace {
 

@@ -3,8 +3,6 @@
 
 #include "TarnCore/kernels/Dispatch.h"
 
-#include <gtest/gtest.h>
-
 // Calls the function once in every instruction set of the machine and once without any.
 template <class Function>
 void onEveryTarget(Function function) {

@@ -3,13 +3,6 @@
 #include "Tests/TarnCore/EveryTarget.h"
 #include "Tests/TarnCore/PixelOracle.h"
 
-#include <gtest/gtest.h>
-
-#include <cstring>
-#include <limits>
-#include <utility>
-#include <vector>
-
 // Histograms of whole images, in every instruction set.
 
 namespace {

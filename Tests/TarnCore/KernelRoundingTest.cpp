@@ -1,13 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "TarnCore/kernels/Depth.h"
 #include "TarnCore/kernels/Dispatch.h"
 #include "Tests/TarnCore/EveryTarget.h"
-#include "Tests/TarnCore/PixelOracle.h"
-
-#include <gtest/gtest.h>
 
 #include <bit>
-#include <cstring>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "Tests/TarnCore/KernelRoundingTest.cpp"
@@ -63,27 +58,6 @@ TEST(KernelRounding, EveryMantissaOverEveryAlpha) {
       ASSERT_EQ(HWY_DYNAMIC_DISPATCH(wrongQuotient)(divisor), 0.0f) << alpha;
     }
   });
-}
-
-// Takes minutes: run when the rounding changes, with --gtest_also_run_disabled_tests and in every VORTO_SIMD.
-TEST(KernelRounding, DISABLED_EveryFloatPattern) {
-  constexpr std::uint32_t kBlock = 1u << 22;
-  oracle::Bytes in(kBlock * 4), out(kBlock * 2), expected(kBlock * 2);
-  for (std::uint64_t start = 0; start < std::uint64_t{1} << 32; start += kBlock) {
-    for (std::uint32_t i = 0; i < kBlock; ++i) {
-      const auto bits = static_cast<std::uint32_t>(start + i);
-      std::memcpy(in.data() + std::size_t{i} * 4, &bits, 4);
-    }
-    for (const auto& [to, code] :
-         {std::pair{DepthLayout::ARGB8, oracle::kARGB8}, {DepthLayout::RGBA16, oracle::kRGBA16}}) {
-      const oracle::Layout layout = oracle::layoutOf(code);
-      for (std::size_t i = 0; i < kBlock / 4; ++i) {
-        oracle::convert(layout, &expected[i * layout.pixelBytes()], oracle::layoutOf(oracle::kFloat), &in[i * 16]);
-      }
-      convertDepth(out.data(), to, in.data(), DepthLayout::RGBAFloat, kBlock / 4);
-      ASSERT_EQ(std::memcmp(out.data(), expected.data(), kBlock / 4 * layout.pixelBytes()), 0) << std::hex << start;
-    }
-  }
 }
 
 }  // namespace

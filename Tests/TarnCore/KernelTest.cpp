@@ -9,12 +9,6 @@
 #include "Tests/TarnCore/EveryTarget.h"
 #include "Tests/TarnCore/PixelOracle.h"
 
-#include <gtest/gtest.h>
-
-#include <cstring>
-#include <functional>
-#include <random>
-
 // Every kernel in every instruction set of the machine against its oracle: every width around those of vectors, any
 // alignment, overlaps, whole domains. Between instruction sets every bit is equal; with the oracle NaN equals NaN.
 
@@ -164,24 +158,22 @@ constexpr Depth kDepths[] = {{DepthLayout::RGBA8, kRGBA8},
                              {DepthLayout::RGBA16, kRGBA16},
                              {DepthLayout::RGBAFloat, kFloat}};
 
-template <class Function>
-void forConversions(Function function) {  // function(to, its layout, from, its layout)
-  for (const Depth& to : kDepths) {
-    if (to.code == kRGBA8 || to.code == kHalf) continue;
-    for (const Depth& from : kDepths) function(to.layout, layoutOf(to.code), from.layout, layoutOf(from.code));
-  }
-}
-
 std::vector<Operation> operations() {
   std::vector<Operation> all = inPlaceOperations();
   for (const bool streamed : {false, true}) {
     appendCopies(all, streamed);
-    forConversions([&](DepthLayout to, const Layout& out, DepthLayout from, const Layout& in) {
-      all.push_back({"depth" + std::to_string(all.size()), out.pixelBytes(), in.pixelBytes(), out.number,
-                     [=](To o, From i, Count n, auto&) { convertDepth(o, to, i, from, n, streamed); },
-                     each(out.pixelBytes(), in.pixelBytes(), [=](To o, From i, auto&) { convert(out, o, in, i); }),
-                     streamed ? Domain() : Domain([=]() -> const Bytes& { return domainOf(in); })});
-    });
+    for (const Depth& to : kDepths) {
+      if (to.code == kRGBA8 || to.code == kHalf) continue;
+      for (const Depth& from : kDepths) {
+        const Layout out = layoutOf(to.code), in = layoutOf(from.code);
+        const auto run = [=, o = to.layout, i = from.layout](To destination, From source, Count n, auto&) {
+          convertDepth(destination, o, source, i, n, streamed);
+        };
+        all.push_back({"depth" + std::to_string(all.size()), out.pixelBytes(), in.pixelBytes(), out.number, run,
+                       each(out.pixelBytes(), in.pixelBytes(), [=](To o, From i, auto&) { convert(out, o, in, i); }),
+                       streamed ? nullptr : domain(from.code)});
+      }
+    }
   }
   return all;
 }

@@ -4,42 +4,21 @@
 #include "TarnCore/TCTextureLimit.h"
 
 #include "Platform/CGL/CGL.h"
-
-#include <gtest/gtest.h>
-
-#include <cstring>
-#include <limits>
-#include <string>
-#include <vector>
+#include "Tests/Support/Tables.h"
 
 namespace {
 
-// OpenGL's numbers, spelled out here so that a wrong name in the table is seen.
-struct Row {
-  std::uint32_t code, hasAlpha, perPixel, perChannel, internalFormat, dataFormat, dataType;
-};
-constexpr Row rows[] = {
-    {0, 1, 32, 8, 0x8058, 0x1908, 0x8367},  {1, 1, 32, 8, 0x1908, 0x80E1, 0x8035},
-    {2, 0, 32, 8, 0x1908, 0x85B9, 0x85BA},  {3, 0, 32, 8, 0x1908, 0x80E1, 0x8035},
-    {4, 1, 64, 16, 0x805B, 0x1908, 0x1403}, {5, 0, 48, 16, 0x1908, 0x1907, 0x1403},
-    {6, 1, 32, 16, 0x1908, 0x190A, 0x1403}, {7, 0, 16, 16, 0x1908, 0x1909, 0x1403},
-    {8, 1, 64, 16, 0x881A, 0x1908, 0x140B}, {9, 1, 128, 32, 0x8814, 0x1908, 0x1406},
-    {10, 0, 32, 8, 0x1908, 0x80E1, 0x8035}, {0xFFFFFFFF, 0, 32, 8, 0x1908, 0x80E1, 0x8035},
-};
-
 TEST(PixelFormat, Table) {
   using F = VortoPixelFormat;
-  for (const Row& row : rows) {
-    const auto c = row.code;
-    const Row actual = {c,
-                        F::hasAlpha(c),
-                        F::getBitsPerPixel(c),
-                        F::getBitsPerChannel(c),
-                        F::getGLInternalFormat(c),
-                        F::getGLDataFormat(c),
-                        F::getGLDataType(c)};
-    EXPECT_EQ(std::memcmp(&actual, &row, sizeof row), 0) << c;
-    EXPECT_EQ(F::getPixelFormat(row.dataFormat, row.dataType), c == 3 || c > 9 ? 1 : c);
+  for (const Row& row : rowsOf("GLFormats.txt")) {
+    const auto c = static_cast<std::uint32_t>(std::stoul(row[0]));
+    std::ostringstream bits, internal, data;
+    bits << unsigned(F::hasAlpha(c)) << " " << F::getBitsPerPixel(c) << " " << F::getBitsPerChannel(c);
+    internal << std::hex << std::uppercase << F::getGLInternalFormat(c);
+    data << std::hex << std::uppercase << F::getGLDataFormat(c) << " " << F::getGLDataType(c);
+    EXPECT_EQ((Row{row[0], bits.str(), internal.str(), data.str(),
+                   std::to_string(F::getPixelFormat(F::getGLDataFormat(c), F::getGLDataType(c)))}),
+              row);
   }
   const std::uint32_t others[][3] = {
       {0x80E1, 0x8367, 0}, {0x80E1, 0x1403, 4}, {0x1909, 0x140B, 8}, {0x1908, 0x1401, 1}};
@@ -124,23 +103,18 @@ TEST(TextureLimit, ByMemoryAndDepth) {
   }
 }
 
-// The name counts in its first sixteen characters.
-TEST(TextureLimit, OfALimitedRenderer) {
-  for (const std::string name : {"ATI Radeon X1600 OpenGL Engine", "An ATI Radeon X1600", ""}) {
+// What memory took stays taken; a renderer's name counts in its first sixteen characters.
+TEST(TextureLimit, RemembersWhatItIsOf) {
+  const std::string names[] = {"ATI Radeon X1600 OpenGL Engine", "An ATI Radeon X1600", ""};
+  for (const std::string& name : names) {
     TCTextureLimit limit;
+    EXPECT_FALSE(limit.wasAsked());
     limit.setDevice(8192, 1, name);
-    EXPECT_EQ(limit.isLimitedRenderer, name.find("ATI") == 0) << name;
-    EXPECT_EQ(limit.limit(256 * mebibyte, 8), 2048);
+    EXPECT_EQ(limit.isLimitedRenderer, &name == names) << name;
+    const int calls[][3] = {{256, 8, 2048}, {32, 8, 1920}, {256, 8, 1920}, {256, 32, 1920}};
+    for (const auto& [megabytes, bits, expected] : calls) EXPECT_EQ(limit.limit(megabytes * mebibyte, bits), expected);
+    EXPECT_TRUE(limit.wasAsked());
   }
-}
-
-TEST(TextureLimit, WhatMemoryTookStaysTaken) {
-  TCTextureLimit limit;
-  EXPECT_FALSE(limit.wasAsked());
-  limit.setDevice(8192, 1, "Other");
-  const int calls[][3] = {{256, 8, 2048}, {32, 8, 1920}, {256, 8, 1920}, {256, 32, 1920}};
-  for (const auto& [megabytes, bits, expected] : calls) EXPECT_EQ(limit.limit(megabytes * mebibyte, bits), expected);
-  EXPECT_TRUE(limit.wasAsked());
 }
 
 TEST(TextureLimit, OfThisMachineIsAnsweredAndPutsTheContextBack) {

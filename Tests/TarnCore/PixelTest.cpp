@@ -3,11 +3,6 @@
 
 #include "Tests/TarnCore/PixelOracle.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <cstring>
-
 namespace {
 
 // Every setter reaches its own channel alone, and its getter reads it back.

@@ -3,18 +3,12 @@
 
 #include "Platform/Foundation/NSValues.h"
 #include "Tests/Support/ChildProcess.h"
-
-#include <gtest/gtest.h>
+#include "Tests/Support/Tables.h"
 
 #include <csignal>
-#include <cstring>
-#include <fstream>
-#include <functional>
 #include <type_traits>
 
 namespace {
-
-static_assert(!std::is_copy_assignable_v<VortoString>);
 
 using S = VortoString;
 using CText = std::unique_ptr<char, decltype(&std::free)>;
@@ -60,6 +54,10 @@ TEST(TCStringTest, Changes) {
       {"replace null", [&](S& s) { s.replace(0, 2, null); }, "abc", "(null)"},
       {"replace beyond", [&](S& s) { s.replace(0xFFFFFFFF, 2, other); }, "abc", "(null)", true},
       {"set", [&](S& s) { s.set(other); }, "XY", "XY"},
+      {"assign", [&](S& s) { s = other; }, "XY", "XY"},
+      {"assign null", [&](S& s) { s = null; }, "(null)", "(null)"},
+      {"assign itself", [&](S& s) { s = *&s; }, "abc", "(null)"},
+      {"move", [&](S& s) { s = S(other); }, "XY", "XY"},
       {"set null", [&](S& s) { s.set(null); }, "(null)", "(null)"},
       {"set itself", [&](S& s) { s.set(s); }, "abc", "(null)"},
       {"set its own string", [&](S& s) { s.set(s.cf_str()); }, "abc", ""},
@@ -133,32 +131,25 @@ TEST(TCStringTest, CopiesAreIndependentAndSharingIsShared) {
   const S shared{static_cast<CFStringRef>(source)};
   EXPECT_EQ(CFGetRetainCount(source), 2);
   const S copy(shared);
-  S set;
+  S set, moved, sharing(shared.cf_str());
+  const S& left = sharing;
   set.set(shared);
+  moved = std::move(sharing);
+  EXPECT_EQ(UTF8(left), "(null)");
   CFStringAppend(source, CFSTR("d"));
   CFRelease(source);
-  EXPECT_EQ(UTF8(shared) + UTF8(copy) + UTF8(set), "abcdabcabc");
+  EXPECT_EQ(UTF8(shared) + UTF8(copy) + UTF8(set) + UTF8(S(std::move(moved))), "abcdabcabcabc");
 }
 
 TEST(TCStringTest, FourCharacterCodes) {
-  const struct {
-    std::uint32_t code;
-    const char* text;
-    std::uint32_t readBack;
-  } rows[] = {{0x54455354, "'TEST'", 0x54455354},
-              {0x41420000, "'AB'", 0},
-              {0, "''", 0},
-              {0x41004243, "'A", 0},
-              {0x00414243, "'", 0},
-              {0x414243A5, "'ABC\xA5'", 0xFFFFFFA5},
-              {0x41A55A5A, "'A\xA5ZZ'", 0xFFA55A5A},
-              {0xA55A5A5A, "'\xA5ZZZ'", 0xA55A5A5A},
-              {0x4142A55A, "'AB\xA5Z'", 0xFFFFA55A}};
-  for (const auto& row : rows) {
+  const auto number = [](const std::string& digits) {
+    return static_cast<std::uint32_t>(std::stoul(digits, nullptr, 16));
+  };
+  for (const Row& row : rowsOf("FourCharacters.txt")) {
     S string;
-    string.setOSType(row.code);
-    EXPECT_EQ(Roman(string), row.text) << std::hex << row.code;
-    EXPECT_EQ(string.get_OSType(), row.readBack) << std::hex << row.code;
+    string.setOSType(number(row[0]));
+    EXPECT_EQ(Roman(string), row[1]) << row[0];
+    EXPECT_EQ(string.get_OSType(), number(row[2])) << row[0];
   }
   for (const char* text : {"TEST", "'TEST", "TEST''", "'TESTS'", "'TES'", "", "\"TEST\"", kNone}) {
     EXPECT_EQ(S(text).get_OSType(), 0u) << (text ? text : "");

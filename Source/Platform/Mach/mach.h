@@ -88,7 +88,9 @@ class TARN_EXPORT VMUnsetMemory {
 TARN_EXPORT kern_return_t vm_deallocate(vm_map_t task, vm_address_t address, vm_size_t size);
 
 // Maps `size` bytes of the entry from the page-aligned `offset` on, shared, or as a copy of the bytes of this moment.
-// Without an entry (MACH_PORT_NULL) the memory is fresh. A mask must be less than a page.
+// Without an entry (MACH_PORT_NULL) the memory is fresh. A mask must be less than a page. One entry may be mapped
+// several times: the same bytes at several addresses, so what copies from one to another, expecting them apart, is
+// undefined.
 TARN_EXPORT kern_return_t vm_map(vm_map_t task, vm_address_t* address, vm_size_t size, vm_address_t mask, int flags,
                                  mach_port_t entry, vm_offset_t offset, boolean_t copy, vm_prot_t protection,
                                  vm_prot_t maximum, vm_inherit_t inheritance);

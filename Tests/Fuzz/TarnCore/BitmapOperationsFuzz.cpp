@@ -4,12 +4,11 @@
 #include "TarnCore/TCPixelFormat.h"
 
 #include <sys/mman.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
+#include <functional>
 #include <vector>
 
 // Every whole-image operation on pairs of bitmaps, in one of two ways.
@@ -44,45 +43,39 @@ class Input {
   std::size_t size_;
 };
 
-constexpr std::size_t GuardBytes = 4096;
-constexpr std::uint8_t GuardByte = 0x5A;
-constexpr std::size_t MaximumBytes = std::size_t{1} << 20;
-constexpr std::size_t StreamedBytes = std::size_t{17} << 20;  // written past the caches
-
-std::size_t memorySize(Input& input) {
-  return input.byte() == 255 ? StreamedBytes + input.byte() : input.number() % MaximumBytes;
-}
+constexpr std::size_t kMaximumBytes = std::size_t{1} << 20;
+constexpr std::size_t kStreamedBytes = std::size_t{17} << 20;  // written past the caches
 
 // Pixels between a watched margin and a page that faults.
 class GuardedMemory {
  public:
-  GuardedMemory(std::size_t size, Input& input) : size_(size) {
-    const std::size_t page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-    mapped_ = (GuardBytes + size + page - 1) / page * page + page;
+  explicit GuardedMemory(std::size_t bytes, Input& input)
+      : size(bytes), mapped_((kPage + bytes + kPage - 1) / kPage * kPage + kPage) {
     start_ =
         static_cast<std::uint8_t*>(mmap(nullptr, mapped_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
-    if (start_ == MAP_FAILED) std::abort();
-    if (mprotect(start_ + mapped_ - page, page, PROT_NONE) != 0) std::abort();
-    pixels_ = start_ + mapped_ - page - size;
-    std::memset(start_, GuardByte, static_cast<std::size_t>(pixels_ - start_));
-    for (std::size_t i = 0; i < size && i < 64; ++i) pixels_[i] = static_cast<std::uint8_t>(input.byte());
+    if (start_ == MAP_FAILED || mprotect(start_ + mapped_ - kPage, kPage, PROT_NONE) != 0) std::abort();
+    pixels = start_ + mapped_ - kPage - size;
+    std::fill(start_, pixels, kGuard);
+    for (std::size_t i = 0; i < size && i < 64; ++i) pixels[i] = static_cast<std::uint8_t>(input.byte());
   }
   ~GuardedMemory() {
-    for (const std::uint8_t* at = start_; at < pixels_; ++at) {
-      if (*at != GuardByte) std::abort();
-    }
+    if (std::count(start_, pixels, kGuard) != pixels - start_) std::abort();
     munmap(start_, mapped_);
   }
   GuardedMemory(const GuardedMemory&) = delete;
   GuardedMemory& operator=(const GuardedMemory&) = delete;
-  std::uint8_t* pixels() const { return pixels_; }
-  std::size_t size() const { return size_; }
+  static std::size_t sizeFrom(Input& input) {
+    return input.byte() == 255 ? kStreamedBytes + input.byte() : input.number() % kMaximumBytes;
+  }
+
+  const std::size_t size;
+  std::uint8_t* pixels = nullptr;
 
  private:
-  std::size_t size_;
-  std::size_t mapped_ = 0;
-  std::uint8_t* start_ = nullptr;
-  std::uint8_t* pixels_ = nullptr;
+  static constexpr std::size_t kPage = 4096;
+  static constexpr std::uint8_t kGuard = 0x5A;
+  std::size_t mapped_;
+  std::uint8_t* start_;
 };
 
 void describe(VortoBitmap& bitmap, Input& input) {
@@ -97,26 +90,19 @@ void describe(VortoBitmap& bitmap, Input& input) {
   if (input.byte() > 160) bitmap.rowPadding = input.number();
 }
 
-// A bitmap over memory that is not its own: its data is taken away again before it is destroyed.
-class BorrowedBitmap {
+// A bitmap over memory that is not its own, from `skipped` bytes on.
+class BorrowedBitmap : public VortoBitmap {
  public:
-  // From `skipped` bytes of the memory on.
   BorrowedBitmap(const GuardedMemory& memory, std::size_t skipped, Input& input) {
-    describe(bitmap_, input);
-    bitmap_.data = memory.pixels() + skipped;
-    bitmap_.allocSize = static_cast<std::uint32_t>(memory.size() - skipped);
-    if (input.byte() > 250) bitmap_.data = nullptr;
+    describe(*this, input);
+    data = memory.pixels + skipped;
+    allocSize = static_cast<std::uint32_t>(memory.size - skipped);
+    if (input.byte() > 250) data = nullptr;
   }
-  ~BorrowedBitmap() {
-    bitmap_.data = nullptr;
-    bitmap_.memoryEntry = 0;
+  ~BorrowedBitmap() override {
+    data = nullptr;
+    memoryEntry = 0;
   }
-  BorrowedBitmap(const BorrowedBitmap&) = delete;
-  BorrowedBitmap& operator=(const BorrowedBitmap&) = delete;
-  VortoBitmap& operator*() { return bitmap_; }
-
- private:
-  VortoBitmap bitmap_;
 };
 
 std::uint64_t rowBytes(const VortoBitmap& bitmap) {
@@ -129,81 +115,69 @@ bool flipAborts(const VortoBitmap& destination, const VortoBitmap& source) {
   return !(destination.formatCode == VortoPixelFormat::ARGB8 && source.formatCode == VortoPixelFormat::YUV8);
 }
 
-void runInPlace(std::uint32_t operation, VortoBitmap& bitmap, Input& input) {
-  const VortoColor background(static_cast<float>(input.byte()) / 255, 0.5f, 0.25f, 1.0f);
-  switch (operation) {
-    case 0:
-      return bitmap.invertAlpha();
-    case 1:
-      return bitmap.setConstantAlpha(input.byte() / 200.0);
-    case 2:
-      return bitmap.duplicateAlphaToRGB();
-    case 3:
-      return bitmap.unpremultiply(background);
-    case 4:
-      return bitmap.preMult();
-    case 5:
-      return bitmap.unPreMult();
-    case 6:
-      return bitmap.convertToARGB();
-    case 7:
-      return bitmap.convertToRGBA();
-    case 8:
-      return bitmap.flip();
-    default:
-      return bitmap.doOutputConversion(input.byte() & 1, input.byte() & 1, input.byte() & 1, background);
-  }
+using V = VortoBitmap;
+
+void runInPlace(std::uint32_t operation, V& bitmap, Input& in) {
+  static const std::function<void(V&, Input&, const VortoColor&)> operations[] = {
+      [](V& b, Input&, auto&) { b.invertAlpha(); },
+      [](V& b, Input& i, auto&) { b.setConstantAlpha(i.byte() / 200.0); },
+      [](V& b, Input&, auto&) { b.duplicateAlphaToRGB(); },
+      [](V& b, Input&, auto& background) { b.unpremultiply(background); },
+      [](V& b, Input&, auto&) { b.preMult(); },
+      [](V& b, Input&, auto&) { b.unPreMult(); },
+      [](V& b, Input&, auto&) { b.convertToARGB(); },
+      [](V& b, Input&, auto&) { b.convertToRGBA(); },
+      [](V& b, Input&, auto&) { b.flip(); },
+      [](V& b, Input& i, auto& color) { b.doOutputConversion(i.byte() & 1, i.byte() & 1, i.byte() & 1, color); },
+  };
+  operations[operation](bitmap, in, VortoColor(static_cast<float>(in.byte()) / 255, 0.5f, 0.25f, 1.0f));
 }
 
-void runCopy(std::uint32_t operation, VortoBitmap& to, const VortoBitmap& from, Input& input) {
-  const VortoColor background(0.5f, static_cast<float>(input.byte()) / 255, 0.25f, 1.0f);
-  const int x = static_cast<int>(input.number());
-  const int y = static_cast<int>(input.number());
-  switch (operation) {
-    case 0:
-      return to.copy(from);
-    case 1:
-      if (!flipAborts(to, from)) to.copyWithFlip(from);
-      return;
-    case 2:
-      if (rowBytes(to) == rowBytes(from)) to.copyWithFlipAndSwizzleARGBtoRGBA(from);
-      return;
-    case 3:
-      return to.copyWithSwizzleARGBToRGBA(from);
-    case 4:
-      return to.copyWithSwizzleRGBToARGB(from);
-    case 5:
-      return to.copyWithCropping(from, x, y, input.byte() & 1);
-    case 6:
-      return to.copyWithCropping(from, -x, -y, input.byte() & 1);
-    case 7:
-      return to.copyWithUnPreMult(from, background);
-    case 8:
-      return VortoBitmap::convertYUVtoRGBA(&to, &from);
-    case 9:
-      return VortoBitmap::convertRGBAtoYUV(&to, &from);
-    case 10:
-      return to.copyWithScaling(from);
-    default:
-      return to.copyWithScalingAndDepthConversion(from);
-  }
+struct Arguments {
+  explicit Arguments(Input& in)
+      : input(in),
+        background(0.5f, static_cast<float>(in.byte()) / 255, 0.25f, 1.0f),
+        x(static_cast<int>(in.number())),
+        y(static_cast<int>(in.number())) {}
+  Input& input;
+  VortoColor background;
+  int x, y;
+};
+
+void runCopy(std::uint32_t operation, V& to, const V& from, Input& input) {
+  static const std::function<void(V&, const V&, Arguments&)> operations[] = {
+      [](V& t, const V& f, auto&) { t.copy(f); },
+      [](V& t, const V& f, auto&) { flipAborts(t, f) ? void() : t.copyWithFlip(f); },
+      [](V& t, const V& f, auto&) { rowBytes(t) != rowBytes(f) ? void() : t.copyWithFlipAndSwizzleARGBtoRGBA(f); },
+      [](V& t, const V& f, auto&) { t.copyWithSwizzleARGBToRGBA(f); },
+      [](V& t, const V& f, auto&) { t.copyWithSwizzleRGBToARGB(f); },
+      [](V& t, const V& f, auto& a) { t.copyWithCropping(f, a.x, a.y, a.input.byte() & 1); },
+      [](V& t, const V& f, auto& a) { t.copyWithCropping(f, -a.x, -a.y, a.input.byte() & 1); },
+      [](V& t, const V& f, auto& a) { t.copyWithUnPreMult(f, a.background); },
+      [](V& t, const V& f, auto&) { V::convertYUVtoRGBA(&t, &f); },
+      [](V& t, const V& f, auto&) { V::convertRGBAtoYUV(&t, &f); },
+      [](V& t, const V& f, auto&) { t.copyWithScaling(f); },
+      [](V& t, const V& f, auto&) { t.copyWithScalingAndDepthConversion(f); },
+  };
+  Arguments arguments(input);
+  operations[operation](to, from, arguments);
 }
 
 void runOnBorrowed(Input& input) {
-  const GuardedMemory first(memorySize(input), input);
+  const GuardedMemory first(GuardedMemory::sizeFrom(input), input);
   const bool isShared = input.byte() > 200;
-  const GuardedMemory second(isShared ? 0 : memorySize(input), input);
-  const std::size_t skipped = isShared && first.size() > 0 ? input.number() % first.size() : 0;
+  const GuardedMemory second(isShared ? 0 : GuardedMemory::sizeFrom(input), input);
+  const std::size_t skipped = isShared && first.size > 0 ? input.number() % first.size : 0;
   BorrowedBitmap to(first, 0, input);
   BorrowedBitmap from(isShared ? first : second, skipped, input);
   for (int i = 0; i < 4; ++i) {
     const std::uint32_t operation = input.byte() % 24;
     if (operation < 10) {
-      runInPlace(operation, *to, input);
+      runInPlace(operation, to, input);
     } else if (operation < 22) {
-      runCopy(operation - 10, *to, *from, input);
+      runCopy(operation - 10, to, from, input);
     } else {
-      runCopy(input.byte() % 12, *to, *to, input);  // the same bitmap on both sides
+      runCopy(input.byte() % 12, to, to, input);  // the same bitmap on both sides
     }
   }
 }
@@ -213,7 +187,7 @@ void describeModestly(VortoBitmap& bitmap, Input& input) {
   describe(bitmap, input);
   const std::uint32_t raw =
       (bitmap.width * bitmap.bitsPerChannel / 8 * bitmap.channels + bitmap.rowPadding) * bitmap.height;
-  if (raw <= MaximumBytes) return;
+  if (raw <= kMaximumBytes) return;
   bitmap.width %= 200;
   bitmap.height %= 200;
   bitmap.channels %= 5;
@@ -227,31 +201,30 @@ std::vector<std::uint8_t> pixelsFor(const VortoBitmap& bitmap) {
   return std::vector<std::uint8_t>(std::min<std::uint64_t>(size, bitmap.accessibleBytes()), 0x33);
 }
 
-void runOwning(std::uint32_t operation, VortoBitmap& to, const VortoBitmap& from, Input& input) {
-  switch (operation) {
-    case 0:
-      return to.clone(from);
-    case 1:
-      return to.copyWithOutputConversion(from, input.byte() & 1, input.byte() & 1, input.byte() & 1,
-                                         VortoColor(0.5f, 0.5f, 0.25f, 1.0f));
-    case 2:
-      return to.setData(pixelsFor(to).data());
-    case 3:
-      return to.clear();
-    case 4:
-      to.mapIntoMemory();
-      to.unmapFromMemory();
-      return to.mapIntoMemory();
-    case 5: {
-      VortoBitmap copied(from);
-      return runInPlace(input.byte() % 10, copied, input);
-    }
-    case 6:
-      return to.deallocateMemory();
-    default:
-      describeModestly(to, input);
-      return to.allocateMemory();
-  }
+void runOwning(std::uint32_t operation, V& to, const V& from, Input& input) {
+  static const std::function<void(V&, const V&, Input&)> operations[] = {
+      [](V& t, const V& f, Input&) { t.clone(f); },
+      [](V& t, const V& f, Input& i) {
+        t.copyWithOutputConversion(f, i.byte() & 1, i.byte() & 1, i.byte() & 1, VortoColor(0.5f, 0.5f, 0.25f, 1.0f));
+      },
+      [](V& t, const V&, Input&) { t.setData(pixelsFor(t).data()); },
+      [](V& t, const V&, Input&) { t.clear(); },
+      [](V& t, const V&, Input&) {
+        t.mapIntoMemory();
+        t.unmapFromMemory();
+        t.mapIntoMemory();
+      },
+      [](V&, const V& f, Input& i) {
+        V copied(f);
+        runInPlace(i.byte() % 10, copied, i);
+      },
+      [](V& t, const V&, Input&) { t.deallocateMemory(); },
+      [](V& t, const V&, Input& i) {
+        describeModestly(t, i);
+        t.allocateMemory();
+      },
+  };
+  operations[operation](to, from, input);
 }
 
 void runOnOwned(Input& input) {
@@ -278,10 +251,6 @@ void runOnOwned(Input& input) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
   Input input(bytes, size);
-  if (input.byte() < 128) {
-    runOnBorrowed(input);
-  } else {
-    runOnOwned(input);
-  }
+  input.byte() < 128 ? runOnBorrowed(input) : runOnOwned(input);
   return 0;
 }
