@@ -95,6 +95,29 @@ TEST(Coding, AStateThatDoesNotFitDecodesToNothing) {
                                                      PropertyListFormat::Binary, &reason);
     ASSERT_TRUE(bytes) << reason;
     EXPECT_FALSE(NSKeyedUnarchiver::unarchiveObject(*bytes, &reason));
+    EXPECT_TRUE(reason.starts_with("VRTGradient: ")) << reason;
+    EXPECT_EQ(reason.find("vector"), std::string::npos) << reason;
+  }
+}
+
+TEST(Coding, OtherEntriesOfAStateMayBeOfAnyClass) {
+  for (const auto& [className, wanted] :
+       {std::pair{"VRTGradient", someGradient}, std::pair{"VRTHistogram", someLevels}}) {
+    auto entries = std::dynamic_pointer_cast<NSDictionary>(NSObjectFromPropertyList(wanted))->entries();
+    entries.emplace_back("null", std::make_shared<NSNull>());
+    entries.emplace_back("color", std::make_shared<QCColor>());
+    const auto written = std::make_shared<Written>(className, std::make_shared<NSDictionary>(entries));
+    std::string reason;
+    const auto read = NSKeyedUnarchiver::unarchiveObject(
+        *NSKeyedArchiver::archivedData(written, PropertyListFormat::Binary, nullptr), &reason);
+    const auto object = std::dynamic_pointer_cast<VRTObject>(read);
+    ASSERT_TRUE(object) << reason;
+    EXPECT_EQ(object->stateValue(), wanted);
+    entries.front().second = std::make_shared<NSNull>();
+    const auto foreign = std::make_shared<Written>(className, std::make_shared<NSDictionary>(entries));
+    EXPECT_FALSE(NSKeyedUnarchiver::unarchiveObject(
+        *NSKeyedArchiver::archivedData(foreign, PropertyListFormat::Binary, nullptr), &reason));
+    EXPECT_NE(reason.find("\"NSNull\", which is no property-list value"), std::string::npos) << reason;
   }
 }
 

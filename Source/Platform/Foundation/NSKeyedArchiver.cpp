@@ -182,11 +182,7 @@ bool NSKeyedArchiver::containsValueForKey(std::string_view key) const {
 }
 
 std::optional<PropertyList::Bytes> NSKeyedArchiver::finishEncoding() {
-  if (state_->finished) {
-    fail("the archive is finished");
-  }
-  state_->finished = true;
-  if (!error().empty()) {
+  if (!coding::finish(*this, state_->finished)) {
     return std::nullopt;
   }
   PropertyList archive;
@@ -194,12 +190,7 @@ std::optional<PropertyList::Bytes> NSKeyedArchiver::finishEncoding() {
   archive.set("$archiver", PropertyList::string("NSKeyedArchiver"));
   archive.set("$top", PropertyList::dictionary(std::move(state_->contexts.front().entries)));
   archive.set("$objects", PropertyList::array(std::move(state_->objects)));
-  std::string reason;
-  auto bytes = PropertyListToBytes(archive, state_->format, &reason);
-  if (!bytes) {
-    fail("the archive " + reason);
-  }
-  return bytes;
+  return coding::bytesOfArchive(*this, archive, state_->format);
 }
 
 std::optional<PropertyList::Bytes> NSKeyedArchiver::archivedData(const NSObjectRef& root, PropertyListFormat format,
