@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Effects/GradientMap/GradientMapKernel.h"
 #include "Effects/Support/EffectPatch.h"
+#include "Effects/Support/EvenGradient.h"
 #include "Effects/Support/PixelLayout.h"
 #include "Platform/QuartzComposer/QCPlugIn.h"
 #include "Ports/VRTObjects.h"
@@ -39,7 +40,7 @@ class GradientMapPatch : public EffectPatch {
   GradientMapPatch() : EffectPatch(description()) {
     image_ = addInputPort<QCImagePort>("inputImage", portAttributes("Image"));
     gradient_ = addInputPort<VRTGradientPort>("inputGradient", portAttributes("Gradient"));
-    gradient_->setValue(VRTGradient::gradient());
+    gradient_->setValue(evenGradient());
   }
 
  private:

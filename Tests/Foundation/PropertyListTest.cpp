@@ -204,6 +204,13 @@ TEST(PropertyListValue, EqualityKeepsTypesAndBitsApart) {
   }
 }
 
+TEST(Unicode, NoControlReachesATerminal) {
+  EXPECT_EQ(NSPrintableText("plain é漢\U0001F600 \\n"), "plain é漢\U0001F600 \\n");
+  EXPECT_EQ(NSPrintableText("a\n\t\r\x1B[2J\x7F\u009B\u2028\u202E\xFF\xC2."),
+            "a\\n\\t\\r\\u{1b}[2J\\u{7f}\\u{9b}\\u{2028}\\u{202e}\uFFFD\uFFFD.");
+  EXPECT_EQ(NSPrintableText(std::string_view("\0", 1)), "\\u{0}");
+}
+
 TEST(Unicode, TheValidPrefixEndsWhereUtf8Does) {
   const std::string before = "eight by te é漢\U0001F600";
   EXPECT_EQ(NSValidUTF8Length(before), before.size());

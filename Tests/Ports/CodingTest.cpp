@@ -10,6 +10,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <string_view>
+
 namespace {
 
 const PropertyList someGradient =
@@ -70,6 +73,37 @@ INSTANTIATE_TEST_SUITE_P(Values, Coding,
                                          Named{"VRTHistogram", "TarnHistogram", &someLevels},
                                          Named{"VRTOpaqueData", "TarnOpaqueData", nullptr}),
                          [](const auto& row) { return std::string(row.param.className); });
+
+PropertyList::Bytes renamed(PropertyList::Bytes bytes, std::string_view from, std::string_view to) {
+  for (auto at = bytes.begin(); (at = std::search(at, bytes.end(), from.begin(), from.end())) != bytes.end();) {
+    at = std::copy(to.begin(), to.end(), at);
+  }
+  return bytes;
+}
+
+// Written by a plug-in that is not here.
+TEST(Coding, AnUnknownClassIsReadAsItsSuperclassAndWrittenBackAsThat) {
+  const auto object = std::dynamic_pointer_cast<VRTObject>(NSClassFromString("TarnGradient")->factory());
+  ASSERT_TRUE(object->initWithStateValue(someGradient));
+  std::string reason;
+  const auto keyed = renamed(*NSKeyedArchiver::archivedData(object, PropertyListFormat::Binary, nullptr),
+                             "TarnGradient", "AcmeGradient");
+  const auto read = std::dynamic_pointer_cast<VRTGradient>(NSKeyedUnarchiver::unarchiveObject(keyed, &reason));
+  ASSERT_TRUE(read) << reason;
+  NSArchiver archiver;
+  archiver.encodeObject(object);
+  NSUnarchiver unarchiver;
+  ASSERT_TRUE(unarchiver.initForReadingWithData(
+      renamed(archiver.finishEncoding().value_or(PropertyList::Bytes()), "TarnGradient", "AcmeGradient")));
+  for (const NSObjectRef& each : {NSObjectRef(read), unarchiver.decodeObject()}) {
+    ASSERT_TRUE(each) << unarchiver.error();
+    EXPECT_EQ(each->className(), "VRTGradient");
+    EXPECT_EQ(std::dynamic_pointer_cast<VRTObject>(each)->stateValue(), someGradient);
+    const auto again = NSKeyedArchiver::archivedData(each, PropertyListFormat::Xml, nullptr);
+    EXPECT_NE(std::string(again->begin(), again->end()).find("<string>VRTGradient</string>"), std::string::npos);
+    EXPECT_EQ(std::string(again->begin(), again->end()).find("AcmeGradient"), std::string::npos);
+  }
+}
 
 // A value object in an archive with a state that it would not write itself.
 class Written : public NSObject {

@@ -77,11 +77,17 @@ TEST(BrokenCompositions, MutualRecursionIsToldFromThoseThatNameIt) {
   load(*manager, composition("A", {"B"}), "A.qtz");
   load(*manager, composition("B", {"Sum", "A"}), "B.qtz");
   load(*manager, composition("Outside", {"A"}), "Outside.qtz");
+  Capture errors(STDERR_FILENO);
   Names reasons;
   for (const auto& failure : manager->loadFailures()) reasons.push_back(failure.reason);
   EXPECT_EQ(reasons, (Names{"the composition contains itself: \"A\" > \"B\" > \"A\"",
                             "the composition contains itself: \"B\" > \"A\" > \"B\"",
                             "node \"n0\": the composition \"A\" could not be loaded"}));
+  load(*manager, composition("Name", {"No\xC2\x9BKm"}), "Out\x1B[2Jside.qtz");
+  manager->loadFailures();
+  const std::string printed = errors.text();
+  EXPECT_NE(printed.find("Out\\u{1b}[2Jside.qtz: node \"n0\": there is no node \"No\\u{9b}Km\""), std::string::npos)
+      << printed;
 }
 
 // A thousand files that wait for nothing, for a long name or for one another: each with its reason, and none of them

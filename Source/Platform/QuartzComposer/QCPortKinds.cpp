@@ -180,7 +180,7 @@ bool QCObjectPort::setStateValue(const PropertyList& state, std::string* reason)
   } catch (const std::exception& error) {
     return NSRefuse(reason, "this state does not fit a " + name + ": " + error.what());
   }
-  return setValue(object) || NSRefuse(reason, "the port refuses objects of class " + name);
+  return setValue(object, reason);
 }
 
 bool QCObjectPort::takesValuesOf(const QCPort& source) const {
