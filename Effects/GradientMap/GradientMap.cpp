@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Effects/kernels/GradientMap.h"
 #include "Effects/Support/EffectPatch.h"
+#include "Effects/Support/EvenGradient.h"
 #include "Effects/Support/KeptForState.h"
 #include "Effects/Support/PixelLayout.h"
 #include "Platform/QuartzComposer/QCPlugIn.h"
@@ -43,7 +44,7 @@ class GradientMapPatch : public EffectPatch {
   GradientMapPatch() : EffectPatch(description()) {
     image_ = addInputPort<QCImagePort>("inputImage", portAttributes("Image"));
     gradient_ = addInputPort<VRTGradientPort>("inputGradient", portAttributes("Gradient"));
-    gradient_->setValue(VRTGradient::gradient());
+    gradient_->setValue(evenGradient());
   }
 
  private:

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Effects/GradientWipe/WipeWeights.h"
+#include "Effects/Support/EvenGradient.h"
 #include "Effects/Support/KeptForState.h"
 #include "Effects/Support/PixelLayout.h"
 #include "Effects/Support/Ramp.h"
@@ -9,7 +10,6 @@
 #include "Platform/QuartzComposer/QCPlugIn.h"
 #include "Ports/VRTObjects.h"
 #include "Ports/VRTPorts.h"
-#include "Ports/VRTStateKeys.h"
 
 #include <tuple>
 
@@ -17,24 +17,6 @@ namespace vorto::effects {
 namespace {
 
 constexpr double kDefaultSoftness = 0.1;
-
-// Black to white in a straight line: an even wipe from the first edge to the last.
-std::shared_ptr<VRTGradient> evenGradient() {
-  using namespace VRTStateKeys;
-  constexpr int linear = 1;
-  PropertyList samples = PropertyList::array();
-  for (const double place : {0.0, 1.0}) {
-    for (std::size_t entry = 0; entry < kRGBSamples.entries.size(); ++entry) {
-      samples.append(entry == kInterpolation ? PropertyList::integer(linear)
-                                             : PropertyList::real(entry == kMiddle ? 0.5 : place));
-    }
-  }
-  PropertyList state;
-  state.set(kRGBSamples.key, std::move(samples));
-  auto gradient = VRTGradient::gradient();
-  gradient->initWithStateValue(state);
-  return gradient;
-}
 
 class GradientWipePatch : public TransitionPatch {
  public:

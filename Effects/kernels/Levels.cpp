@@ -69,9 +69,8 @@ template <class Layout, bool isOpaque>
 HWY_INLINE hn::Vec<Wides> levelsOfBytes(const BytePixels<Layout>& in, hn::Vec<Wides> newAlpha,
                                         const ByteTables& tables) {
   using Pixels = BytePixels<Layout>;
-  const auto through = [&](hn::Vec<Wides> color, const LevelsTable<std::uint8_t>& table) HWY_ATTR {
-    return Pixels::lookedUp(table, isOpaque ? color : in.straight(color));
-  };
+  const auto through = [&](hn::Vec<Wides> color, const LevelsTable<std::uint8_t>& table)
+                           HWY_ATTR { return Pixels::lookedUp(table, isOpaque ? color : in.straight(color)); };
   const auto red = hn::ShiftLeft<8 * Layout::kRed>(through(in.template channel<Layout::kRed>(), tables.red));
   const auto green = hn::ShiftLeft<8 * Layout::kGreen>(through(in.template channel<Layout::kGreen>(), tables.green));
   const auto blue = hn::ShiftLeft<8 * Layout::kBlue>(through(in.template channel<Layout::kBlue>(), tables.blue));
@@ -148,9 +147,8 @@ HWY_INLINE hn::Vec<Longs> levelsOfWords(hn::Vec<Longs> pixels, hn::Vec<Longs> ne
   const auto alpha = wordOf<RGBA16::kAlpha>(pixels);
   const auto divisor = doubleOf(hn::IfThenElse(hn::Eq(alpha, hn::Zero(d)), hn::Set(d, 0xFFFF), alpha));
   const auto half = hn::ShiftRight<1>(alpha);
-  const auto through = [&](hn::Vec<Longs> color, const LevelsTable<std::uint16_t>& table) HWY_ATTR {
-    return lookedUp(table, isOpaque ? color : straightWord(color, half, divisor));
-  };
+  const auto through = [&](hn::Vec<Longs> color, const LevelsTable<std::uint16_t>& table)
+                           HWY_ATTR { return lookedUp(table, isOpaque ? color : straightWord(color, half, divisor)); };
   const auto red = through(wordOf<RGBA16::kRed>(pixels), tables.red);
   const auto green = hn::ShiftLeft<16>(through(wordOf<RGBA16::kGreen>(pixels), tables.green));
   const auto blue = hn::ShiftLeft<32>(through(wordOf<RGBA16::kBlue>(pixels), tables.blue));

@@ -4,6 +4,7 @@
 #include "Host/Files/OutputFile.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Rendering/Assignment.h"
+#include "Host/Rendering/Parameters.h"
 #include "Host/Rendering/PortKinds.h"
 #include "Platform/Foundation/NSKeyedArchiver.h"
 #include "Platform/QuartzComposer/QCPatch.h"
@@ -14,19 +15,6 @@
 
 namespace host {
 namespace {
-
-std::optional<StateKind> stateKindOf(const QCPort& port) {
-  switch (portKindOf(port)) {
-    case PortKind::Gradient:
-      return StateKind::Gradient;
-    case PortKind::Levels:
-      return StateKind::Levels;
-    case PortKind::Opaque:
-      return StateKind::Opaque;
-    default:
-      return std::nullopt;
-  }
-}
 
 StateKind stateKindNamed(const std::string& name) {
   for (const StateKind kind : {StateKind::Gradient, StateKind::Levels, StateKind::Opaque}) {
@@ -116,7 +104,7 @@ const std::string& ParameterDocument::file(const QCPort& port) const {
 }
 
 void ParameterDocument::setFile(const QCPort& port, const std::string& path) {
-  const StateFile file = readStateFile(path);
+  const StateFile file = readStateFile(path, stateKindOf(port));
   saved_.at(indexOf(port)) = {path, file.format, file.form, editedState(port)};
 }
 
@@ -126,7 +114,7 @@ bool ParameterDocument::isModified(const QCPort& port) const {
 }
 
 QCPort& ParameterDocument::load(const std::string& path, QCPort* preferred) {
-  const StateFile file = readStateFile(path);
+  const StateFile file = readStateFile(path, preferred ? stateKindOf(*preferred) : std::nullopt);
   const auto takes = [&](const QCPort* port) { return port && stateKindOf(*port) == file.kind; };
   const auto first = std::find_if(parameters_.begin(), parameters_.end(), takes);
   QCPort* port = takes(preferred) ? preferred : first != parameters_.end() ? *first : nullptr;

@@ -118,7 +118,9 @@ void JsonWriter::newLine() {
 void JsonWriter::quoted(std::string_view text) {
   static constexpr char digits[] = "0123456789abcdef";
   text_ += '"';
-  for (const char c : validUtf8(text)) {
+  const std::string valid = validUtf8(text);
+  for (std::size_t i = 0; i < valid.size(); ++i) {
+    const char c = valid[i];
     if (c == '"' || c == '\\') {
       text_ += '\\';
       text_ += c;
@@ -126,6 +128,11 @@ void JsonWriter::quoted(std::string_view text) {
       text_ += "\\u00";
       text_ += digits[c >> 4];
       text_ += digits[c & 15];
+    } else if (c == '\xC2' && static_cast<unsigned char>(valid[i + 1]) < 0xA0) {  // controls beyond ASCII
+      const char low = valid[++i];
+      text_ += "\\u00";
+      text_ += digits[(low >> 4) & 15];
+      text_ += digits[low & 15];
     } else {
       text_ += c;
     }

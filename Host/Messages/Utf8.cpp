@@ -17,11 +17,7 @@ std::string validUtf8(std::string_view text) {
 }
 
 std::string printable(std::string_view text) {
-  std::string line = validUtf8(text);
-  for (char& c : line) {
-    if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) c = '?';
-  }
-  return line;
+  return NSPrintableText(text);
 }
 
 std::size_t utf8Length(std::string_view text) {

@@ -10,7 +10,7 @@ namespace host {
 // The text with U+FFFD in place of every byte that is part of no well-formed sequence.
 std::string validUtf8(std::string_view text);
 
-// The same with control characters as "?", for messages and tables: one line stays one line.
+// NSPrintableText(), for messages and tables: one line stays one line.
 std::string printable(std::string_view text);
 
 // Code points in well-formed text; what tables take as its width.

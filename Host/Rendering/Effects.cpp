@@ -42,6 +42,22 @@ bool isOfKind(const QCPatch& patch, EffectKind kind) {
   return false;
 }
 
+// The effect of that name, or the only one whose name differs in upper and lower case of ASCII alone.
+const std::string* knownName(const std::string& name, const std::vector<std::string>& names) {
+  const auto folded = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+  const std::string* like = nullptr;
+  std::size_t count = 0;
+  for (const std::string& each : names) {
+    if (each == name) return &each;
+    if (std::equal(each.begin(), each.end(), name.begin(), name.end(),
+                   [&](char a, char b) { return folded(a) == folded(b); })) {
+      like = &each;
+      ++count;
+    }
+  }
+  return count == 1 ? like : nullptr;
+}
+
 std::vector<std::string> allEffectNames() {
   std::vector<std::string> names;
   for (const EffectKind kind : kEffectKinds) {
@@ -97,12 +113,13 @@ std::vector<std::string> effectNames(EffectKind kind) {
 
 std::shared_ptr<QCPatch> makeEffect(const std::string& name) {
   const std::vector<std::string> names = allEffectNames();
-  if (std::find(names.begin(), names.end(), name) == names.end()) {
+  const std::string* known = knownName(name, names);
+  if (!known) {
     throw Failure(ExitCode::Usage,
                   "there is no effect \"" + name + "\"" + closeNamesHint(name, names, "vorto effects lists them"));
   }
-  auto patch = VRTNodeManager::manager()->nodeInstanceWithName(name);
-  if (!patch) throw Failure(ExitCode::Effect, "the effect \"" + name + "\" could not be made");
+  auto patch = VRTNodeManager::manager()->nodeInstanceWithName(*known);
+  if (!patch) throw Failure(ExitCode::Effect, "the effect \"" + *known + "\" could not be made");
   return patch;
 }
 

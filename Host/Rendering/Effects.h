@@ -26,7 +26,8 @@ void loadEffects();
 // In the order of loading. An effect of several kinds is in several lists.
 std::vector<std::string> effectNames(EffectKind kind);
 
-// A new instance. Throws Failure for a name that is no effect's, with the names that are close to it.
+// A new instance; a name whose case differs serves where only one effect has it. Throws Failure for a name that is no
+// effect's, with the names that are close to it.
 std::shared_ptr<QCPatch> makeEffect(const std::string& name);
 
 // The kinds of an effect, and the ports that play a role in one of them.

@@ -6,30 +6,17 @@
 #include "Host/Rendering/EffectRendering.h"
 #include "Host/Rendering/PortKinds.h"
 #include "Host/Rendering/PortValues.h"
-#include "Host/States/StateFile.h"
 #include "Platform/QuartzComposer/QCPatch.h"
 
 namespace host {
 namespace {
 
-PortKind portKindFor(StateKind kind) {
-  switch (kind) {
-    case StateKind::Gradient:
-      return PortKind::Gradient;
-    case StateKind::Levels:
-      return PortKind::Levels;
-    case StateKind::Opaque:
-      break;
-  }
-  return PortKind::Opaque;
-}
-
 void setPortFromState(QCPort& port, const std::string& path) {
-  const StateFile file = readStateFile(path);
-  const PortKind kind = portKindOf(port);
-  if (kind != portKindFor(file.kind)) {
+  const StateFile file = readStateFile(path, stateKindOf(port));
+  if (stateKindOf(port) != file.kind) {
     throw Failure(ExitCode::Usage, port.key() + "=" + path + ": the file holds a state of the kind " +
-                                       stateKindName(file.kind) + ", the port takes the kind " + portKindName(kind));
+                                       stateKindName(file.kind) + ", the port takes the kind " +
+                                       portKindName(portKindOf(port)));
   }
   std::string reason;
   if (!port.setStateValue(file.state, &reason)) {
@@ -38,6 +25,19 @@ void setPortFromState(QCPort& port, const std::string& path) {
 }
 
 }  // namespace
+
+std::optional<StateKind> stateKindOf(const QCPort& port) {
+  switch (portKindOf(port)) {
+    case PortKind::Gradient:
+      return StateKind::Gradient;
+    case PortKind::Levels:
+      return StateKind::Levels;
+    case PortKind::Opaque:
+      return StateKind::Opaque;
+    default:
+      return std::nullopt;
+  }
+}
 
 void setParameters(EffectRendering& rendering, const std::vector<std::string>& values,
                    const std::vector<std::string>& states) {

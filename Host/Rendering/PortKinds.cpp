@@ -7,12 +7,14 @@
 #include "Platform/QuartzComposer/QCPatch.h"
 #include "Ports/VRTPorts.h"
 
+#include <cmath>
+
 namespace host {
 namespace {
 
 std::optional<double> numberAttribute(const QCPort& port, const char* key) {
   const PropertyList* value = port.attributes().find(key);
-  if (!value || !value->isNumber()) return std::nullopt;
+  if (!value || !value->isNumber() || std::isnan(value->doubleValue())) return std::nullopt;
   return value->doubleValue();
 }
 

@@ -10,7 +10,7 @@ namespace host {
 namespace {
 
 std::string faultOfNumber(const PropertyList& value, const std::string& where) {
-  if (!value.isNumber()) return where + " is a " + value.typeName() + ", not a number";
+  if (!value.readsAsNumber()) return where + " is a " + value.typeName() + ", not a number";
   return std::isfinite(value.doubleValue()) ? "" : where + " is not a finite number";
 }
 
@@ -40,11 +40,20 @@ std::string faultOfLevels(const PropertyList& state) {
   return "";
 }
 
+// Whether a dictionary leaves everything to the kind: {} is a gradient of the default samples, and levels of nothing
+// but zeros, which may state their selected channel.
+bool isBare(StateKind kind, const PropertyList& state) {
+  if (!state.isDictionary() || kind == StateKind::Opaque) return false;
+  const bool hasChannel = kind == StateKind::Levels && state.find(VRTStateKeys::kSelectedChannel);
+  return state.entries().size() == (hasChannel ? 1 : 0);
+}
+
 }  // namespace
 
-std::optional<StateKind> kindOfDictionary(const PropertyList& state) {
+std::optional<StateKind> kindOfDictionary(const PropertyList& state, std::optional<StateKind> mayBeBare) {
   using namespace VRTStateKeys;
   if (state.find(kRGBSamples.key) || state.find(kAlphaSamples.key)) return StateKind::Gradient;
+  if (mayBeBare && isBare(*mayBeBare, state)) return mayBeBare;
   const auto isOfLevels = [&](const std::string& key) { return key != kSelectedChannel && state.find(key); };
   if (std::any_of(levelsKeys().begin(), levelsKeys().end(), isOfLevels)) return StateKind::Levels;
   return std::nullopt;

@@ -7,10 +7,12 @@
 #include "Platform/Foundation/NSKeyedArchiver.h"
 #include "Platform/Foundation/NSKeyedUnarchiver.h"
 #include "Platform/Foundation/NSValues.h"
+#include "Ports/VRTStateKeys.h"
 
 #include <exception>
 #include <optional>
 #include <utility>
+#include <vector>
 
 namespace host {
 namespace {
@@ -52,8 +54,18 @@ std::shared_ptr<VRTObject> newObject(StateKind kind) {
 std::shared_ptr<VRTObject> objectOfState(StateKind kind, const PropertyList& state) {
   if (const std::string fault = faultOfState(kind, state); !fault.empty()) throw Refusal(fault);
   auto object = newObject(kind);
-  if (!object->initWithStateValue(state)) throw Refusal(std::string("it is no state of a ") + stateKindName(kind));
+  std::string reason;
+  if (!object->initWithStateValue(state, &reason)) {
+    throw Refusal(std::string("it is no state of a ") + stateKindName(kind) + (reason.empty() ? "" : ": " + reason));
+  }
   return object;
+}
+
+// What a dictionary holds under the keys of states.
+std::optional<PropertyList> stateEntries(const NSDictionary& dictionary) {
+  std::vector<std::string> keys(VRTStateKeys::levelsKeys().begin(), VRTStateKeys::levelsKeys().end());
+  keys.insert(keys.end(), {VRTStateKeys::kRGBSamples.key, VRTStateKeys::kAlphaSamples.key});
+  return NSPropertyListFromEntries(dictionary, keys);
 }
 
 std::optional<StateKind> kindOfObject(const NSObject& object) {
@@ -63,7 +75,7 @@ std::optional<StateKind> kindOfObject(const NSObject& object) {
   return std::nullopt;
 }
 
-void interpretArchive(StateFile& file, PropertyList::Bytes bytes) {
+void interpretArchive(StateFile& file, PropertyList::Bytes bytes, std::optional<StateKind> wanted) {
   file.form = StateForm::Archive;
   const NSObjectRef root = unarchivedRoot(file.list);
   if (const auto kind = kindOfObject(*root)) {
@@ -71,8 +83,10 @@ void interpretArchive(StateFile& file, PropertyList::Bytes bytes) {
     file.object = std::dynamic_pointer_cast<VRTObject>(root);
     return;
   }
-  if (const auto list = NSPropertyListFromObject(root.get()); list && list->isDictionary()) {
-    if (const auto kind = kindOfDictionary(*list)) {
+  if (const auto* dictionary = dynamic_cast<const NSDictionary*>(root.get())) {
+    const auto list = stateEntries(*dictionary);
+    const bool isWhole = list && list->entries().size() == dictionary->entries().size();
+    if (const auto kind = list ? kindOfDictionary(*list, isWhole ? wanted : std::nullopt) : std::nullopt) {
       file.kind = *kind;
       file.object = objectOfState(*kind, *list);
       return;
@@ -82,12 +96,12 @@ void interpretArchive(StateFile& file, PropertyList::Bytes bytes) {
   file.object = objectOfState(StateKind::Opaque, PropertyList::mutableData(std::move(bytes)));
 }
 
-void interpret(StateFile& file, PropertyList::Bytes bytes) {
-  if (isKeyedArchive(file.list)) return interpretArchive(file, std::move(bytes));
+void interpret(StateFile& file, PropertyList::Bytes bytes, std::optional<StateKind> wanted) {
+  if (isKeyedArchive(file.list)) return interpretArchive(file, std::move(bytes), wanted);
   file.form = StateForm::Dictionary;
   if (file.list.isData()) {
     file.kind = StateKind::Opaque;
-  } else if (const auto kind = kindOfDictionary(file.list)) {
+  } else if (const auto kind = kindOfDictionary(file.list, wanted)) {
     file.kind = *kind;
   } else {
     throw Refusal("it holds neither a gradient, nor levels, nor opaque data");
@@ -116,13 +130,14 @@ const char* stateKindName(StateKind kind) {
   return "opaque";
 }
 
-std::optional<StateFile> stateFileFromBytes(PropertyList::Bytes bytes, std::string* reason) {
+std::optional<StateFile> stateFileFromBytes(PropertyList::Bytes bytes, std::string* reason,
+                                            std::optional<StateKind> kind) {
   StateFile file;
   auto list = PropertyListFromBytes(bytes, reason, &file.format);
   if (!list) return std::nullopt;
   file.list = std::move(*list);
   try {
-    interpret(file, std::move(bytes));
+    interpret(file, std::move(bytes), kind);
     completeState(file);
     return file;
   } catch (const std::bad_alloc&) {
@@ -133,10 +148,10 @@ std::optional<StateFile> stateFileFromBytes(PropertyList::Bytes bytes, std::stri
   }
 }
 
-StateFile readStateFile(const std::string& path) {
+StateFile readStateFile(const std::string& path, std::optional<StateKind> kind) {
   std::string reason;
   auto bytes = NSReadFile(path, &reason);
-  auto file = bytes ? stateFileFromBytes(std::move(*bytes), &reason) : std::nullopt;
+  auto file = bytes ? stateFileFromBytes(std::move(*bytes), &reason, kind) : std::nullopt;
   if (!file) throw Failure(ExitCode::Input, "cannot read " + path + ": " + reason);
   return std::move(*file);
 }

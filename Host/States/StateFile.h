@@ -18,10 +18,11 @@ const char* stateKindName(StateKind kind);  // "gradient", "levels", "opaque"
 
 // A parameter as a document keeps it. What counts as one, each as an XML or a binary property list:
 //   - a dictionary with one of the arrays of a gradient's samples: a gradient;
-//   - a dictionary with any of the values of levels: levels (the selected channel alone is not enough);
+//   - a dictionary with any of the values of levels: levels;
+//   - {}, and {selectedChannel: ...} of levels, where the kind is known beforehand;
 //   - data that holds a keyed archive: opaque data (of the form Dictionary too: it is what the port stores);
 //   - a keyed archive of a gradient, levels or opaque data, under their present or older class names, or of one of
-//     those dictionaries;
+//     those dictionaries, whose other entries may be of any class;
 //   - any other keyed archive: opaque data whose value is what the archive holds.
 struct StateFile {
   StateKind kind = StateKind::Gradient;
@@ -33,9 +34,10 @@ struct StateFile {
 };
 
 // The same from the bytes of such a file. Nothing, with the cause, when they are none of these, or the numbers are not
-// finite or not complete.
-std::optional<StateFile> stateFileFromBytes(PropertyList::Bytes bytes, std::string* reason);
-StateFile readStateFile(const std::string& path);  // throws Failure
+// finite or not complete. Where a kind is given and the file does not tell, it is of that kind.
+std::optional<StateFile> stateFileFromBytes(PropertyList::Bytes bytes, std::string* reason,
+                                            std::optional<StateKind> kind = std::nullopt);
+StateFile readStateFile(const std::string& path, std::optional<StateKind> kind = std::nullopt);  // throws Failure
 
 // The bytes of the same state in a format and form. In the form that the file has, everything in it is kept; another
 // form is made anew.

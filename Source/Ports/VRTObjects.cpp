@@ -7,6 +7,7 @@
 #include "Platform/Foundation/NSCoder.h"
 #include "Platform/Foundation/NSKeyedArchiver.h"
 #include "Platform/Foundation/NSKeyedUnarchiver.h"
+#include "Platform/Foundation/NSReason.h"
 #include "Platform/Foundation/NSValues.h"
 #include "Ports/VRTStateKeys.h"
 
@@ -18,21 +19,7 @@
 
 namespace {
 
-// Opaque data may hold opaque data, each level in an archive of its own: the depth is bounded so that neither a crafted
-// document nor an object that holds itself can exhaust the stack.
-constexpr int kMaximumOpaqueNesting = 32;
-
-class OpaqueNesting {
- public:
-  OpaqueNesting() { ++depth; }
-  ~OpaqueNesting() { --depth; }
-  OpaqueNesting(const OpaqueNesting&) = delete;
-  OpaqueNesting& operator=(const OpaqueNesting&) = delete;
-  static bool tooDeep() { return depth > kMaximumOpaqueNesting; }
-
- private:
-  static inline int depth = 0;
-};
+constexpr const char* kNoDictionary = "it is no dictionary";
 
 void deleteSamples(VRTChannelFolder& folder) {
   auto& samples = folder.getDescendants();
@@ -42,11 +29,15 @@ void deleteSamples(VRTChannelFolder& folder) {
   }
 }
 
-// Calls add(entry) for every sample, where entry(kPosition) and so on are its numbers. What is no number reads as 0; an
-// entry past the end throws std::out_of_range.
+// Calls add(entry) for every sample, where entry(kPosition) and so on are its numbers. An array that ends within a
+// sample throws std::out_of_range.
 template <class Add>
 void readSamples(const PropertyList::Array& numbers, const VRTStateKeys::Samples& samples, VRTChannelFolder& folder,
                  Add add) {
+  if (numbers.size() % samples.entries.size() != 0) {
+    throw std::out_of_range('"' + std::string(samples.key) + "\" holds " + std::to_string(numbers.size()) +
+                            " numbers, which is no multiple of " + std::to_string(samples.entries.size()));
+  }
   deleteSamples(folder);
   for (std::size_t first = 0; first < numbers.size(); first += samples.entries.size()) {
     add([&](VRTStateKeys::SampleEntry entry) -> const PropertyList& { return numbers.at(first + entry); });
@@ -143,14 +134,23 @@ void VRTObject::encodeWithCoder(NSCoder& coder) const {
 
 bool VRTObject::initWithCoder(NSCoder& coder) {
   const NSObjectRef object = coder.allowsKeyedCoding() ? coder.decodeObjectForKey("state") : coder.decodeObject();
-  const auto state = object ? NSPropertyListFromObject(object.get()) : std::nullopt;
-  if (!state) return false;
+  std::string reason = object ? "" : "it has no state";
+  const auto* dictionary = stateKeys().empty() ? nullptr : dynamic_cast<const NSDictionary*>(object.get());
+  const auto state = dictionary ? NSPropertyListFromEntries(*dictionary, stateKeys(), &reason)
+                     : object   ? NSPropertyListFromObject(object.get(), &reason)
+                                : std::nullopt;
   try {
-    return initWithStateValue(*state);
+    if (state && initWithStateValue(*state, &reason)) return true;
   } catch (const std::out_of_range& error) {
-    coder.fail(className() + ": " + error.what());
-    return false;
+    reason = error.what();
   }
+  const std::string prefix = className() + ": ";  // once, however deep archives lie in archives
+  if (!reason.empty()) coder.fail(reason.starts_with(prefix) ? reason : prefix + reason);
+  return false;
+}
+
+std::span<const std::string> VRTObject::stateKeys() const {
+  return {};
 }
 
 VRTGradient::VRTGradient() : _kxChannelGradient(makeDefaultGradient()) {}
@@ -192,17 +192,25 @@ std::optional<PropertyList> VRTGradient::stateValue() const {
   return state;
 }
 
-bool VRTGradient::initWithStateValue(const PropertyList& state) {
+bool VRTGradient::initWithStateValue(const PropertyList& state, std::string* reason) {
+  if (!state.isDictionary()) return NSRefuse(reason, kNoDictionary);
+  for (const std::string& key : stateKeys()) {
+    const PropertyList* samples = state.find(key);
+    if (samples && !samples->isArray()) return NSRefuse(reason, '"' + key + "\" is no array");
+  }
   const PropertyList* rgbSamples = state.find(VRTStateKeys::kRGBSamples.key);
   const PropertyList* alphaSamples = state.find(VRTStateKeys::kAlphaSamples.key);
-  if (!state.isDictionary() || (rgbSamples && !rgbSamples->isArray()) || (alphaSamples && !alphaSamples->isArray())) {
-    return false;
-  }
   auto channel = makeDefaultGradient();
   if (rgbSamples) readRGBSamples(rgbSamples->items(), channel->rgbFolder);
   if (alphaSamples) readAlphaSamples(alphaSamples->items(), channel->alphaFolder);
   _kxChannelGradient = std::move(channel);
   return true;
+}
+
+std::span<const std::string> VRTGradient::stateKeys() const {
+  static const auto& keys =
+      *new std::array<std::string, 2>{VRTStateKeys::kRGBSamples.key, VRTStateKeys::kAlphaSamples.key};
+  return keys;
 }
 
 VRTHistogram::VRTHistogram() : _kxChannelHistogram(std::make_unique<VRTChannelHistogram>()) {}
@@ -270,8 +278,8 @@ std::optional<PropertyList> VRTHistogram::stateValue() const {
   return state;
 }
 
-bool VRTHistogram::initWithStateValue(const PropertyList& state) {
-  if (!state.isDictionary()) return false;
+bool VRTHistogram::initWithStateValue(const PropertyList& state, std::string* reason) {
+  if (!state.isDictionary()) return NSRefuse(reason, kNoDictionary);
   const PropertyList* selected = state.find(VRTStateKeys::kSelectedChannel);
   setSelectedChannel(selected ? selected->intValue() : 0);
   visitLevels([&](const LevelsAccess& access, int channel, const std::string& key) {
@@ -279,6 +287,10 @@ bool VRTHistogram::initWithStateValue(const PropertyList& state) {
     (this->*access.set)(value ? value->doubleValue() : 0, channel);
   });
   return true;
+}
+
+std::span<const std::string> VRTHistogram::stateKeys() const {
+  return VRTStateKeys::levelsKeys();
 }
 
 VRTOpaqueData::VRTOpaqueData() = default;
@@ -301,8 +313,6 @@ bool VRTOpaqueData::initWithValue(NSObjectRef value) {
 }
 
 std::optional<PropertyList> VRTOpaqueData::stateValue() const {
-  const OpaqueNesting nesting;
-  if (OpaqueNesting::tooDeep()) return std::nullopt;
   NSKeyedArchiver archiver;
   archiver.encodeObject(_value);
   auto bytes = archiver.finishEncoding();
@@ -310,13 +320,11 @@ std::optional<PropertyList> VRTOpaqueData::stateValue() const {
   return PropertyList::mutableData(*std::move(bytes));
 }
 
-bool VRTOpaqueData::initWithStateValue(const PropertyList& state) {
-  const OpaqueNesting nesting;
-  if (!state.isData() || OpaqueNesting::tooDeep()) return false;
+bool VRTOpaqueData::initWithStateValue(const PropertyList& state, std::string* reason) {
+  if (!state.isData()) return NSRefuse(reason, "it is no data");
   NSKeyedUnarchiver unarchiver;
-  if (!unarchiver.initForReadingWithData(state.bytes())) return false;
-  NSObjectRef value = unarchiver.decodeObject();
-  if (!unarchiver.error().empty()) return false;
+  NSObjectRef value = unarchiver.initForReadingWithData(state.bytes()) ? unarchiver.decodeObject() : nullptr;
+  if (!unarchiver.error().empty()) return NSRefuse(reason, unarchiver.error());
   unarchiver.finishDecoding();
   return initWithValue(std::move(value));
 }

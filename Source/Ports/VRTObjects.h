@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
+#include <string>
 
 class VRTChannelGradient;
 class VRTChannelHistogram;
@@ -21,6 +23,11 @@ class TARN_EXPORT VRTObject : public QCObject {
   // would make initWithStateValue() throw fails the coder with the reason.
   void encodeWithCoder(NSCoder& coder) const override;
   bool initWithCoder(NSCoder& coder) override;
+
+ protected:
+  // The keys of the state dictionary that the class reads: in an archive, entries under others may be of any class.
+  // None when the state is no dictionary, or all of it counts.
+  virtual std::span<const std::string> stateKeys() const;
 };
 
 // A gradient. Owns its channel from construction to destruction.
@@ -41,10 +48,13 @@ class TARN_EXPORT VRTGradient : public VRTObject {
   void getGradientFloat(float* out, std::uint32_t samples) const;
 
   std::optional<PropertyList> stateValue() const override;
-  // Missing arrays keep the default samples; samples are neither sorted nor named; an entry that is no number reads as
-  // 0. Anything that is not a dictionary with arrays is refused. An array that ends within a group throws
-  // std::out_of_range, the one exception of this framework.
-  bool initWithStateValue(const PropertyList& state) override;
+  // Missing arrays keep the default samples; samples are neither sorted nor named; numbers may be written as text
+  // (PropertyList::doubleValue()), and an entry that is neither reads as 0. Anything that is not a dictionary with
+  // arrays is refused. An array that ends within a group throws std::out_of_range, the one exception of this framework.
+  bool initWithStateValue(const PropertyList& state, std::string* reason = nullptr) override;
+
+ protected:
+  std::span<const std::string> stateKeys() const override;
 
  private:
   std::unique_ptr<VRTChannelGradient> _kxChannelGradient;
@@ -75,14 +85,18 @@ class TARN_EXPORT VRTHistogram : public VRTObject {
 
   // The keys of VRTStateKeys::levelsKeys(), in that order.
   std::optional<PropertyList> stateValue() const override;
-  bool initWithStateValue(const PropertyList& state) override;  // a missing key reads as 0
+  // A missing key reads as 0; numbers may be written as text.
+  bool initWithStateValue(const PropertyList& state, std::string* reason = nullptr) override;
+
+ protected:
+  std::span<const std::string> stateKeys() const override;
 
  private:
   std::unique_ptr<VRTChannelHistogram> _kxChannelHistogram;
 };
 
 // Any archivable object, as one parameter. State: data that holds a keyed archive of the object, which is null in a new
-// one. A value that cannot be archived has no state, nor has opaque data nested more than 32 deep, which is not read
+// one. A value that cannot be archived has no state, nor has opaque data nested more than 16 deep, which is not read
 // either. What the archive names must be in the class table.
 class TARN_EXPORT VRTOpaqueData : public VRTObject {
  public:
@@ -97,7 +111,7 @@ class TARN_EXPORT VRTOpaqueData : public VRTObject {
   NSObjectRef value() const { return _value; }
 
   std::optional<PropertyList> stateValue() const override;
-  bool initWithStateValue(const PropertyList& state) override;
+  bool initWithStateValue(const PropertyList& state, std::string* reason = nullptr) override;
 
  private:
   NSObjectRef _value;

@@ -3,6 +3,8 @@
 
 #include "TarnCore/TCStack.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -21,7 +23,15 @@ const char* programName = "UNKNOWN";
 std::FILE* OpenLogFile() {
   char name[64];
   std::snprintf(name, sizeof name, "/tmp/output.%d.log", static_cast<int>(getpid()));
-  return std::fopen(name, "we");
+  // Neither a link that somebody else put there, symbolic or hard, nor a pipe: the file is emptied only once it is
+  // sure.
+  const int file = open(name, O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0666);
+  struct stat about {};
+  const bool plain =
+      file >= 0 && fstat(file, &about) == 0 && S_ISREG(about.st_mode) && about.st_nlink == 1 && ftruncate(file, 0) == 0;
+  std::FILE* stream = plain ? fdopen(file, "w") : nullptr;
+  if (stream == nullptr && file >= 0) close(file);
+  return stream;
 }
 
 }  // namespace

@@ -79,6 +79,7 @@ NSObjectRef everyValue() {
       {"mutable", std::make_shared<NSMutableData>(P::Bytes{3})},
       {"date", std::make_shared<NSDate>(1.25)},
       {"null", std::make_shared<NSNull>()},
+      {"$null", array({text("$null"), text("$class")})},
       {"a", shared},
       {"b", shared},
       {"empty", array({})},
@@ -115,12 +116,15 @@ TEST(KeyedArchive, HasTheLayoutThatOthersRead) {
   archiver.encodeObject(NSNumber::numberWithInt(3), "same");
   archiver.encodeObject(NSNumber::numberWithDouble(3), "real");
   archiver.encodeObject(nullptr, "nil");
+  archiver.encodeObject(text("$null"), "text");
   const auto bytes = archiver.finishEncoding();
   ASSERT_TRUE(bytes) << archiver.error();
   const auto expected = PropertyListFromBytes(
-      keyedArchive("$0=@1 $1=@3 number=@4 again=@3 same=@4 real=@5 nil=@0 ; {NS.data=<data>CQ==</data> $class=@2} "
-                   "{$classname=\"NSMutableData\" $classes=[\"NSMutableData\" \"NSData\" \"NSObject\"]} \"plain\" #3 "
-                   "<real>3</real>"),
+      keyedArchive(
+          "$0=@1 $1=@3 number=@4 again=@3 same=@4 real=@5 nil=@0 text=@6 ; {NS.data=<data>CQ==</data> $class=@2} "
+          "{$classname=\"NSMutableData\" $classes=[\"NSMutableData\" \"NSData\" \"NSObject\"]} \"plain\" #3 "
+          "<real>3</real> {NS.string=\"$null\" $class=@7} {$classname=\"NSString\" $classes=[\"NSString\" "
+          "\"NSObject\"]}"),
       nullptr);
   ASSERT_TRUE(expected);
   EXPECT_EQ(compactXml(*PropertyListFromBytes(*bytes, nullptr)), compactXml(*expected));

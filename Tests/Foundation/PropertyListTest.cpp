@@ -142,7 +142,22 @@ TEST(PropertyListValue, ConvertsAsNumbersDo) {
       {P::real(-1e30), INT32_MIN, INT64_MIN, -1e30, true},
       {P::real(9223372036854775808.0), INT32_MAX, INT64_MAX, 9223372036854775808.0, true},
       {P::real(-0.0), 0, 0, -0.0, false},
-      {P::string("7"), 0, 0, 0, false},
+      {P::string("7"), 7, 7, 7, false},
+      {P::string(" \t\n-2.75e1 dB"), -2, -2, -27.5, false},
+      {P::string("+.5e"), 0, 0, 0.5, false},
+      {P::string("1,5"), 1, 1, 1, false},
+      {P::string("0x1F"), 0, 0, 0, false},
+      {P::string("99999999999999999999"), INT32_MAX, INT64_MAX, 1e20, false},
+      {P::string("-99999999999999999999"), INT32_MIN, INT64_MIN, -1e20, false},
+      {P::string("10e400"), 10, 10, HUGE_VAL, false},
+      {P::string("-0.1e400"), 0, 0, -HUGE_VAL, false},
+      {P::string("1000e-400"), 1000, 1000, 0, false},
+      {P::string("nan"), 0, 0, 0, false},
+      {P::string("-inf"), 0, 0, 0, false},
+      {P::string("+-1"), 0, 0, 0, false},
+      {P::string("- 1"), 0, 0, 0, false},
+      {P::string("."), 0, 0, 0, false},
+      {P::string(""), 0, 0, 0, false},
       {P::array(), 0, 0, 0, false},
   };
   for (const auto& each : cases) {
@@ -187,6 +202,13 @@ TEST(PropertyListValue, EqualityKeepsTypesAndBitsApart) {
       EXPECT_EQ(one == other, &one == &other) << one.typeName() << " " << other.typeName();
     }
   }
+}
+
+TEST(Unicode, NoControlReachesATerminal) {
+  EXPECT_EQ(NSPrintableText("plain é漢\U0001F600 \\n"), "plain é漢\U0001F600 \\n");
+  EXPECT_EQ(NSPrintableText("a\n\t\r\x1B[2J\x7F\u009B\u2028\u202E\xFF\xC2."),
+            "a\\n\\t\\r\\u{1b}[2J\\u{7f}\\u{9b}\\u{2028}\\u{202e}\uFFFD\uFFFD.");
+  EXPECT_EQ(NSPrintableText(std::string_view("\0", 1)), "\\u{0}");
 }
 
 TEST(Unicode, TheValidPrefixEndsWhereUtf8Does) {

@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <regex>
 #include <set>
 
 using Json = nlohmann::json;
@@ -86,6 +87,61 @@ INSTANTIATE_TEST_SUITE_P(Host, SavedDocument,
                                                   "TarnGradient"},
                                          Document{"levels", "Levels", "levels", "VRTHistogram", "TarnHistogram"}),
                          [](const auto& row) { return std::string(row.param.name); });
+
+// Three ways by which a number may come as text, and states that leave everything to the port's kind.
+TEST(State, TextsAndBareStatesAreReadAsTheyAreMeant) {
+  const TemporaryFolder folder;
+  const auto at = [&](const std::string& name) { return folder.path() + "/" + name; };
+  const auto list = [](const std::string& contents) { return "<plist version=\"1.0\">" + contents + "</plist>"; };
+  const std::string saved = readFile(document("levels"));
+  writeFile(at("text.plist"), std::regex_replace(saved, std::regex("(real|integer)>"), "string>"));
+  vortoSucceeds({"state", document("levels"), "--convert", "xml", "--form", "archive", "--output", at("archive")});
+  const std::string archive = readFile(at("archive"));
+  writeFile(at("texts"), std::regex_replace(archive, std::regex("<real>([^<]*)</real>"), "<string>$1 x</string>"));
+  const std::string wanted = parsed(vortoSucceeds({"state", document("levels"), "--json"}).out)["state"].dump();
+  for (const char* each : {"text.plist", "texts"}) {
+    EXPECT_EQ(parsed(vortoSucceeds({"state", at(each), "--json"}).out)["state"].dump(), wanted) << each;
+  }
+  const std::string node = "<key>identifier</key><string>n</string><key>name</key><string>Levels</string>";
+  const auto composition = [&](const std::string& name, const std::string& state) {
+    writeFile(at(name + ".qtz"),
+              list("<dict><key>formatVersion</key><integer>1</integer><key>attributes</key><dict><key>protocols</key>"
+                   "<dict><key>filter</key><dict><key>inputImagePort</key><string>i</string><key>outputImagePort</key>"
+                   "<string>o</string></dict></dict></dict><key>nodes</key><array><dict>" +
+                   node + "<key>values</key><dict><key>inputLevels</key>" + state +
+                   "</dict></dict></array><key>inputs</key>"
+                   "<array><dict><key>key</key><string>i</string><key>node</key><string>n</string><key>port</key>"
+                   "<string>inputImage</string></dict></array><key>outputs</key><array><dict><key>key</key><string>o"
+                   "</string><key>node</key><string>n</string><key>port</key><string>outputImage</string></dict>"
+                   "</array></dict>"));
+  };
+  const auto dictionaryIn = [](const std::string& text) {
+    const std::size_t start = text.find("<dict>");
+    return text.substr(start, text.rfind("</dict>") + 7 - start);
+  };
+  composition("Numbers", dictionaryIn(saved));
+  composition("Texts", dictionaryIn(readFile(at("text.plist"))));
+  composition("Bare", "<dict/>");
+  writeFile(at("bare.plist"), list("<dict/>"));
+  writeFile(at("channel.plist"), list("<dict><key>selectedChannel</key><integer>2</integer></dict>"));
+  RunOptions options;
+  options.environment = {"VORTO_PLUGIN_PATH=" + folder.path()};
+  writeTiff(at("in.tif"), variedImage(19, 7, 16));
+  const auto rendered = [&](const std::string& effect, const std::string& state) {
+    Words words{"render", effect, "--input", at("in.tif"), "--output", at("out.tif")};
+    if (!state.empty()) words.insert(words.end(), {"--state", "levels=" + at(state)});
+    vortoSucceeds(words, options);
+    return readFile(at("out.tif"));
+  };
+  EXPECT_EQ(rendered("Numbers", ""), rendered("Texts", ""));
+  EXPECT_EQ(rendered("levels", "text.plist"), rendered("Texts", ""));
+  EXPECT_EQ(rendered("Levels", "bare.plist"), rendered("Bare", ""));
+  EXPECT_EQ(rendered("LEVELS", "channel.plist"), rendered("Bare", ""));
+  EXPECT_NE(rendered("Levels", ""), rendered("Bare", "")) << "levels of zeros";
+  vortoSucceeds({"render", "gradient map", "--input", at("in.tif"), "--output", at("out.tif"), "--state",
+                 "gradient=" + at("bare.plist")});
+  EXPECT_EQ(vorto({"state", at("bare.plist")}).exitCode, 3) << "of which kind";
+}
 
 TEST(State, PrintsTables) {
   EXPECT_EQ(vortoSucceeds({"state", document("gradient")}).out,

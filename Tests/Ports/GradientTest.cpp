@@ -58,12 +58,12 @@ TEST(Gradient, MissingArraysKeepTheDefaultsAndEmptyOnesGiveNoSamples) {
   gradient.getGradientFloat(table.data(), 16);  // what it yields is the channel's to say; it must not crash
 }
 
-TEST(Gradient, EntriesThatAreNoNumbersReadAsZero) {
-  const PropertyList samples = list({text("0.5"), PropertyList::array(), PropertyList::real(1.9),
+TEST(Gradient, TextIsReadAsTheNumberItBeginsWithAndOtherEntriesAsZero) {
+  const PropertyList samples = list({text(" 0.5"), PropertyList::array(), PropertyList::real(1.9),
                                      PropertyList::boolean(true), PropertyList::integer(2), PropertyList()});
   VRTGradient gradient;
   ASSERT_TRUE(gradient.initWithStateValue(dict({{"rgbSamples", samples}})));
-  EXPECT_EQ(*gradient.stateValue()->find("rgbSamples"), sampleArray(6, {0, 0, 1, 1, 2, 0}));
+  EXPECT_EQ(*gradient.stateValue()->find("rgbSamples"), sampleArray(6, {0.5, 0, 1, 1, 2, 0}));
 }
 
 TEST(Gradient, RefusesStatesOfAnotherTypeAndStaysAsItWas) {

@@ -35,18 +35,21 @@ TEST(Histogram, EveryKeyReachesItsChannel) {
   EXPECT_EQ(std::dynamic_pointer_cast<VRTHistogram>(copy)->stateValue(), distinctLevelsState());
 }
 
-TEST(Histogram, AMissingOrForeignValueReadsAsZero) {
+TEST(Histogram, AMissingOrForeignValueReadsAsZeroAndTextAsItsNumber) {
   PropertyList state;
   for (const char* key : levelsKeys) {
     if (std::string(key) != "gammaRed") state.set(key, PropertyList::real(2));
   }
-  state.set("whiteInBlue", PropertyList::string("1"));
+  state.set("whiteInBlue", PropertyList::string("1.25"));
+  state.set("selectedChannel", PropertyList::string("3.9"));
+  state.set("gammaBlue", PropertyList::array());
   VRTHistogram levels;
   ASSERT_TRUE(levels.initWithStateValue(state));
   EXPECT_EQ(levels.gammaForChannel(1), 0);
-  EXPECT_EQ(levels.whiteInForChannel(3), 0);
+  EXPECT_EQ(levels.whiteInForChannel(3), 1.25);
+  EXPECT_EQ(levels.gammaForChannel(3), 0);
   EXPECT_EQ(levels.gammaForChannel(2), 2);
-  EXPECT_EQ(levels.selectedChannel(), 2);
+  EXPECT_EQ(levels.selectedChannel(), 3);
 
   EXPECT_FALSE(levels.initWithStateValue(PropertyList::array()));
   EXPECT_EQ(levels.gammaForChannel(2), 2);

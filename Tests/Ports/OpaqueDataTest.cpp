@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/Foundation/NSKeyedArchiver.h"
+#include "Platform/Foundation/NSKeyedUnarchiver.h"
 #include "Platform/Foundation/NSValues.h"
 #include "Ports/VRTObjects.h"
 #include "Tests/Ports/StateValues.h"
@@ -59,6 +60,47 @@ TEST(OpaqueData, RefusesWhatIsNoArchive) {
   }
   const PropertyList::Bytes half(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(bytes.size() / 2));
   EXPECT_FALSE(restored(PropertyList::data(half)));
+}
+
+// An archive of as many objects as are given, which share one state.
+PropertyList::Bytes archiveOfSharers(const char* className, const NSObjectRef& state, int count) {
+  std::vector<NSObjectRef> objects;
+  for (int i = 0; i < count; ++i) objects.push_back(std::make_shared<Written>(className, state));
+  return *NSKeyedArchiver::archivedData(std::make_shared<NSArray>(objects), PropertyListFormat::Binary, nullptr);
+}
+
+TEST(OpaqueData, WhatManyShareIsPaidForByEachOfThem) {
+  PropertyList::Bytes nested = VRTOpaqueData::data()->stateValue()->bytes();
+  for (int level = 0; level < 7; ++level) {
+    nested = archiveOfSharers("VRTOpaqueData", std::make_shared<NSMutableData>(nested), 8);
+    if (level == 3) {
+      EXPECT_TRUE(NSKeyedUnarchiver::unarchiveObject(nested, nullptr)) << "4096 in all";
+    }
+  }
+  NSObjectRef samples = NSNumber::numberWithInt(0);
+  for (int level = 0; level < 19; ++level) samples = std::make_shared<NSArray>(std::vector<NSObjectRef>(2, samples));
+  samples = std::make_shared<NSArray>(std::vector<NSObjectRef>(6, samples));
+  const auto state = std::make_shared<NSDictionary>(NSDictionary::Entries{{"rgbSamples", samples}});
+  const PropertyList::Bytes gradients = archiveOfSharers("VRTGradient", state, 60);
+  for (const PropertyList::Bytes& each : {nested, gradients}) {
+    EXPECT_LT(each.size(), 4096U);
+    std::string reason;
+    EXPECT_FALSE(NSKeyedUnarchiver::unarchiveObject(each, &reason));
+    EXPECT_NE(reason.find("unfolds to more values"), std::string::npos) << reason;
+    EXPECT_EQ(reason.find(": VRT"), std::string::npos) << reason;
+  }
+  EXPECT_TRUE(NSKeyedUnarchiver::unarchiveObject(archiveOfSharers("VRTGradient", std::make_shared<NSDictionary>(), 60),
+                                                 nullptr))
+      << "every reading begins with a budget of its own";
+
+  // The same as a graph that is written: two of each level hold the same two of the one below.
+  NSObjectRef graph = NSString::stringWithUTF8String("end");
+  for (int level = 0; level < 14; ++level) {
+    std::vector<NSObjectRef> holders;
+    for (int i = 0; i < 8; ++i) holders.push_back(VRTOpaqueData::dataWithValue(graph));
+    graph = std::make_shared<NSArray>(holders);
+  }
+  EXPECT_FALSE(VRTOpaqueData::dataWithValue(graph)->stateValue());
 }
 
 TEST(OpaqueData, NestingEndsBeforeTheStackDoes) {

@@ -9,6 +9,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
+std::string bytesOf(const PropertyList& list) {
+  const auto bytes = PropertyListToBytes(list, PropertyListFormat::Binary, nullptr).value_or(PropertyList::Bytes());
+  return {bytes.begin(), bytes.end()};
+}
+
 // Expects that the manager, which loaded something "Broken.qtz", has a good composition nevertheless, and told once of
 // the broken one.
 void expectRefusal(GFNodeManager& manager, const std::string& reason) {
@@ -72,11 +77,79 @@ TEST(BrokenCompositions, MutualRecursionIsToldFromThoseThatNameIt) {
   load(*manager, composition("A", {"B"}), "A.qtz");
   load(*manager, composition("B", {"Sum", "A"}), "B.qtz");
   load(*manager, composition("Outside", {"A"}), "Outside.qtz");
+  Capture errors(STDERR_FILENO);
   Names reasons;
   for (const auto& failure : manager->loadFailures()) reasons.push_back(failure.reason);
   EXPECT_EQ(reasons, (Names{"the composition contains itself: \"A\" > \"B\" > \"A\"",
                             "the composition contains itself: \"B\" > \"A\" > \"B\"",
                             "node \"n0\": the composition \"A\" could not be loaded"}));
+  load(*manager, composition("Name", {"No\xC2\x9BKm"}), "Out\x1B[2Jside.qtz");
+  manager->loadFailures();
+  const std::string printed = errors.text();
+  EXPECT_NE(printed.find("Out\\u{1b}[2Jside.qtz: node \"n0\": there is no node \"No\\u{9b}Km\""), std::string::npos)
+      << printed;
+}
+
+// A thousand files that wait for nothing, for a long name or for one another: each with its reason, and none of them
+// compared with all others.
+TEST(BrokenCompositions, ManyThatCannotBeCompletedAreExplained) {
+  const auto manager = managerWithTestPatches();
+  const TestFolder folder;
+  constexpr int count = 1000;
+  for (int i = 0; i < count; ++i) {
+    const std::string number = std::to_string(1000 + i), next = std::to_string(1000 + (i + 1) % count);
+    const std::string longName = std::string(250, 'x') + number;
+    folder.write("C" + number + ".qtz", bytesOf(composition(("C" + number).c_str(), {"C" + next})));
+    folder.write("L" + number + ".qtz", bytesOf(composition(longName.c_str(), {"Sum"})));
+    folder.write("M" + number + ".qtz", bytesOf(composition(("M" + number).c_str(), {longName + "z"})));
+  }
+  Capture errors(STDERR_FILENO);
+  manager->loadPlugInsInFolder(folder.path(), {"qtz"});
+  EXPECT_EQ(manager->nodeNames().size(), 2u + count);
+  const auto& failures = manager->loadFailures();
+  ASSERT_EQ(failures.size(), 2u * count);
+  EXPECT_TRUE(failures[0].reason.starts_with("the composition contains itself: \"C1000\" > \"C1001\" > "));
+  EXPECT_TRUE(failures[0].reason.ends_with("... > \"C1000\"")) << failures[0].reason;
+  EXPECT_TRUE(failures[count].reason.starts_with("node \"n0\": there is no node \"xxx"));
+  EXPECT_NE(failures[count].reason.find("; did you mean \"xxx"), std::string::npos);
+}
+
+// Compositions are checked against the ports of those inside them, not against copies of all that is inside those.
+TEST(BrokenCompositions, CheckingManyMakesNoMoreNodesThanTheyName) {
+  const auto manager = newManager();
+  int made = 0;
+  ASSERT_TRUE(manager->registerNodeWithName("Counted", {}, [&made] {
+    ++made;
+    return std::make_shared<QCPatch>();
+  }));
+  load(*manager, composition("Inner", std::vector<std::string>(1023, "Counted")));
+  for (int i = 0; i < 300; ++i) load(*manager, composition(("Outer " + std::to_string(i)).c_str(), {3, "Inner"}));
+  EXPECT_EQ(manager->nodeNames().size(), 302u);
+  EXPECT_EQ(made, 1023);
+  EXPECT_TRUE(manager->nodeInstanceWithName("Outer 299"));
+  EXPECT_EQ(made, 1023 + 3 * 1023);
+}
+
+TEST(BrokenCompositions, ManyPortsAndRolesAreFoundByTheirKeys) {
+  const auto manager = newManager();
+  ASSERT_TRUE(manager->registerNodeWithName("Wide", {}, [] {
+    auto patch = std::make_shared<QCPatch>();
+    for (int i = 0; i < 100000; ++i) patch->addInputPort<QCNumberPort>(std::to_string(i));
+    return patch;
+  }));
+  PropertyList list = composition("Many", {"Wide"});
+  PropertyList inputs = PropertyList::array(), roles;
+  for (int i = 0; i < 100000; ++i) {
+    const std::string key = std::to_string(i);
+    inputs.append(dict({{"key", text(key)}, {"node", text("n0")}, {"port", text(key)}}));
+    roles.set("input" + key, text(key));
+  }
+  list.set("inputs", inputs);
+  list.set("attributes", dict({{"name", text("Many")}, {"protocols", dict({{"filter", roles}})}}));
+  std::string reason;
+  const auto read = QCCompositionFromPropertyList(list, "Many.qtz", &reason);
+  ASSERT_TRUE(read) << reason;
+  ASSERT_TRUE(QCPatchWithComposition(*read, *manager, &reason)) << reason;
 }
 
 TEST(BrokenCompositions, DepthAndSizeOfWhatIsInsideAreBounded) {

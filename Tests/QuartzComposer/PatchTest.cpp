@@ -71,4 +71,11 @@ TEST(CloseNames, AreNearestFirstAndFewAndNearEnough) {
   EXPECT_EQ(QCCloseNames("Checkerboard", known), Names{});
   EXPECT_EQ(QCCloseNames("", known), Names{});
   EXPECT_EQ(QCCloseNamesHint("Levls", known), "; did you mean \"Levels\"?");
+  EXPECT_EQ(QCCloseNames("abcdefghi", {"bcdefghia", "fghiabcde", "xabcdefghiyz", "abcdefghiwxyz", "defghi"}),
+            (Names{"bcdefghia", "xabcdefghiyz", "defghi"}));
+  Names many(1500, std::string(256, 'a'));
+  many[0] = many[1499] = std::string(255, 'a');
+  EXPECT_EQ(QCCloseNames(std::string(256, 'a'), many)[0].size(), 256u);
+  many.insert(many.begin() + 1, 1498, std::string(200, 'b'));
+  EXPECT_EQ(QCCloseNames(many[0], many), Names{many[0]}) << "the others come too late";
 }

@@ -126,7 +126,14 @@ TEST(Port, ObjectPortsTakeTheirClassAndThoseBelow) {
   TestObjectPort port("key");
   EXPECT_TRUE(port.setValue(std::make_shared<TestSubobject>(1)));
   EXPECT_FALSE(port.setValue(std::make_shared<QCObject>()));
-  EXPECT_FALSE(port.setValue(NSNumber::numberWithInt(1)));
+  std::string reason;
+  EXPECT_FALSE(port.setValue(NSNumber::numberWithInt(1), &reason));
+  EXPECT_EQ(reason, "a port of kind object does not take this NSNumber");
+  struct Unregistered : TestObject {
+    std::string className() const override { return "Unregistered"; }
+  };
+  EXPECT_FALSE(port.setValue(std::make_shared<Unregistered>(), &reason));
+  EXPECT_EQ(reason, "a port of kind object does not take this Unregistered, a class that nobody has registered");
   EXPECT_TRUE(port.setValue(nullptr));
   EXPECT_EQ(port.stateValue(), std::nullopt);
 

@@ -49,7 +49,7 @@ class ThrowPatch : public QCPatch {
 
 }  // namespace
 
-bool TestObject::initWithStateValue(const PropertyList& state) {
+bool TestObject::initWithStateValue(const PropertyList& state, std::string*) {
   if (state.isArray()) throw std::out_of_range("index 5 beyond 3");
   number_ = state.integerValue();
   return state.type() == PropertyList::Type::Integer;

@@ -22,7 +22,7 @@ class TestObject : public QCObject {
   std::string className() const override { return "TestObject"; }
   NSObjectRef copyWithZone() const override { return std::make_shared<TestObject>(number_); }
   std::optional<PropertyList> stateValue() const override { return PropertyList::integer(number_); }
-  bool initWithStateValue(const PropertyList& state) override;
+  bool initWithStateValue(const PropertyList& state, std::string* reason) override;
   std::int64_t number() const { return number_; }
 
  private:

@@ -95,6 +95,25 @@ TEST(TCPrintTest, PrintsIntoTheLogFileWhateverTheValueAndTriesAgainWhenItCannotB
   }
 }
 
+TEST(TCPrintTest, FollowsNoLinkToTheLogFile) {
+  const Child child("1", [] {
+    const std::string log = LogPath(getpid()), precious = log + ".precious";
+    std::ofstream(precious) << "precious";
+    bool refused = true;
+    for (const auto link : {&symlink, &::link}) {
+      refused = refused && link(precious.c_str(), log.c_str()) == 0 && VortoPrint("lost\n") == -1;
+      unlink(log.c_str());
+    }
+    refused = refused && mkfifo(log.c_str(), 0600) == 0 && VortoPrint("lost\n") == -1;
+    unlink(log.c_str());
+    const bool kept = FileText(precious) == "precious";
+    unlink(precious.c_str());
+    return refused && kept && VortoPrint("one\n") == 4 ? 0 : 1;
+  });
+  EXPECT_TRUE(child.exitedWith(0));
+  EXPECT_EQ(child.log, "one\n");
+}
+
 TEST(TCPrintTest, UnreachableCodeReportsItselfAndAborts) {
   const std::string report = "File some/source, line 12 should not have been reached:\n\t";
   for (const char* value : {static_cast<const char*>(nullptr), "1"}) {

@@ -125,11 +125,7 @@ bool NSArchiver::containsValueForKey(std::string_view) const {
 }
 
 std::optional<PropertyList::Bytes> NSArchiver::finishEncoding() {
-  if (state_->finished) {
-    fail("the archive is finished");
-  }
-  state_->finished = true;
-  if (!error().empty()) {
+  if (!coding::finish(*this, state_->finished)) {
     return std::nullopt;
   }
   PropertyList archive;
@@ -137,12 +133,7 @@ std::optional<PropertyList::Bytes> NSArchiver::finishEncoding() {
   archive.set("version", PropertyList::integer(kArchiveVersion));
   archive.set("objects", PropertyList::array(std::move(state_->objects)));
   archive.set("top", PropertyList::array(std::move(state_->contexts.front())));
-  std::string reason;
-  auto bytes = PropertyListToBytes(archive, PropertyListFormat::Binary, &reason);
-  if (!bytes) {
-    fail("the archive " + reason);
-  }
-  return bytes;
+  return coding::bytesOfArchive(*this, archive, PropertyListFormat::Binary);
 }
 
 // ---------------------------------------------------------------- reading
@@ -152,7 +143,6 @@ struct NSUnarchiver::State {
     const PropertyList::Array* values;
     std::size_t next = 0;
   };
-  enum class Progress : std::uint8_t { Unread, Open, Read };
 
   explicit State(NSUnarchiver& owner) : unarchiver(owner) {}
 
@@ -176,9 +166,7 @@ struct NSUnarchiver::State {
       unarchiver.fail("is an archive of version " + std::to_string(version->integerValue()));
       return false;
     }
-    objects = &array->items();
-    progress.assign(objects->size(), Progress::Unread);
-    made.assign(objects->size(), nullptr);
+    objects.begin(*array);
     contexts.push_back({&top->items()});
     return true;
   }
@@ -198,27 +186,14 @@ struct NSUnarchiver::State {
   }
 
   NSObjectRef objectOf(const PropertyList& reference) {
-    if (reference.type() != PropertyList::Type::Uid || reference.uidValue() > objects->size()) {
+    if (reference.type() != PropertyList::Type::Uid || reference.uidValue() > objects.size()) {
       return failNull("is a damaged archive: a reference that leads nowhere");
     }
     if (reference.uidValue() == 0) {
       return nullptr;
     }
-    const auto place = static_cast<std::size_t>(reference.uidValue() - 1);
-    if (progress[place] == Progress::Open) {
-      return failNull("is a damaged archive: an object contains itself");
-    }
-    if (progress[place] == Progress::Unread) {
-      const coding::Level level(contexts.size() == 1);
-      if (level.isTooDeep()) {
-        return failNull("objects are nested too deeply");
-      }
-      progress[place] = Progress::Open;
-      NSObjectRef object = read((*objects)[place]);
-      progress[place] = Progress::Read;
-      made[place] = unarchiver.error().empty() ? std::move(object) : nullptr;
-    }
-    return made[place];
+    return objects.at(static_cast<std::size_t>(reference.uidValue() - 1), unarchiver, contexts.size() == 1,
+                      [this](const PropertyList& object) { return read(object); });
   }
 
   NSObjectRef read(const PropertyList& object) {
@@ -250,8 +225,12 @@ struct NSUnarchiver::State {
       if (name == "NSMutableData") {
         const NSObjectRef bytes = next();
         const auto* data = dynamic_cast<const NSData*>(bytes.get());
-        return data == nullptr ? failNull("is a damaged archive: data without bytes")
-                               : std::make_shared<NSMutableData>(data->bytes());
+        if (data == nullptr) {
+          return failNull("is a damaged archive: data without bytes");
+        }
+        return NSCodingBudget::spend(NSCodingBudget::unitsOfBytes(data->bytes().size()))
+                   ? std::make_shared<NSMutableData>(data->bytes())
+                   : failNull(NSCodingBudget::kSpent);
       }
       const NSClass* found = &each != &names[0] && name == "NSObject" ? nullptr : NSClassFromString(name);
       if (found != nullptr && found->factory) {
@@ -294,9 +273,7 @@ struct NSUnarchiver::State {
 
   NSUnarchiver& unarchiver;
   PropertyList archive;
-  const PropertyList::Array* objects = nullptr;
-  std::vector<Progress> progress;
-  std::vector<NSObjectRef> made;
+  coding::ReadObjects objects;
   std::vector<Context> contexts;  // the first one is "top"
 };
 
@@ -308,13 +285,8 @@ bool NSUnarchiver::initForReadingWithData(std::span<const std::uint8_t> bytes) {
     fail("an archive is being read already");
     return false;
   }
-  std::string reason;
-  auto list = PropertyListFromBytes(bytes, &reason);
-  if (!list) {
-    fail(reason);
-    return false;
-  }
-  return state_->begin(*std::move(list));
+  auto list = coding::listOfArchive(*this, bytes);
+  return list && state_->begin(*std::move(list));
 }
 
 void NSUnarchiver::encodeObject(const NSObjectRef&) {

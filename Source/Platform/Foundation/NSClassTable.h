@@ -25,7 +25,10 @@ TARN_EXPORT const NSClass* NSClassFromString(std::string_view name);
 TARN_EXPORT std::vector<std::string> NSClassHierarchy(std::string_view name);
 
 // Registers a class for as long as the library that holds it is loaded: one constant per class in the file that defines
-// it.
+// it. Every class that returns a className() of its own needs one, in order to be archived, made by name, or taken by
+// the object ports of its superclasses:
+//
+//   const NSClassRegistration tintClass("AcmeTint", "VRTGradient", [] { return std::make_shared<AcmeTint>(); });
 class NSClassRegistration {
  public:
   NSClassRegistration(const char* name, const char* superclassName, std::function<NSObjectRef()> factory) {

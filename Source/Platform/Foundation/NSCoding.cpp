@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/Foundation/NSCoding.h"
 
-#include <cstdint>
 #include <exception>
 
 namespace coding {
@@ -42,6 +41,52 @@ Level::~Level() {
 
 bool Level::isTooDeep() const {
   return levels > PropertyListMaximumDepth || coders > kMaximumCoders;
+}
+
+bool finish(NSCoder& coder, bool& finished) {
+  if (std::exchange(finished, true)) {
+    coder.fail("the archive is finished");
+  }
+  return coder.error().empty();
+}
+
+std::optional<PropertyList::Bytes> bytesOfArchive(NSCoder& coder, const PropertyList& archive,
+                                                  PropertyListFormat format) {
+  std::string reason = NSCodingBudget::kSpent;
+  auto bytes = NSCodingBudget::spendOn(archive) ? PropertyListToBytes(archive, format, &reason) : std::nullopt;
+  if (!bytes) {
+    coder.fail("the archive " + reason);
+  }
+  return bytes;
+}
+
+std::optional<PropertyList> listOfArchive(NSCoder& coder, std::span<const std::uint8_t> bytes) {
+  std::string reason;
+  auto list = PropertyListFromBytes(bytes, &reason);
+  if (list && !NSCodingBudget::spendOn(*list)) {
+    list.reset();
+    reason = NSCodingBudget::kSpent;
+  }
+  if (!list) {
+    coder.fail(reason);
+  }
+  return list;
+}
+
+void ReadObjects::begin(const PropertyList& objects) {
+  list_ = &objects.items();
+  size_ = list_->size();
+  progress_.assign(size_, Progress::Unread);
+  made_.assign(size_, nullptr);
+}
+
+bool ReadObjects::mayBegin(std::size_t place, NSCoder& coder, const Level& level) const {
+  if (progress_[place] == Progress::Open) {
+    coder.fail("is a damaged archive: object " + std::to_string(place) + " contains itself");
+  } else if (level.isTooDeep()) {
+    coder.fail("objects are nested too deeply");
+  }
+  return coder.error().empty();
 }
 
 std::optional<PropertyList> plainValue(const NSObject& object) {

@@ -12,6 +12,7 @@
 namespace {
 
 constexpr std::int64_t kArchiveVersion = 100000;
+constexpr const char* kNullName = "$null";
 
 // Keys that begin with "$" belong to the layout; those of objects get another one in front.
 std::string archivedKey(std::string_view key) {
@@ -28,7 +29,7 @@ struct NSKeyedArchiver::State {
   };
 
   State(NSKeyedArchiver& owner, PropertyListFormat outputFormat) : archiver(owner), format(outputFormat) {
-    objects.push_back(PropertyList::string("$null"));
+    objects.push_back(PropertyList::string(kNullName));
     contexts.emplace_back();
   }
 
@@ -53,7 +54,7 @@ struct NSKeyedArchiver::State {
       }
       return PropertyList::uid(known->place);
     }
-    if (auto plain = coding::plainValue(*object)) {
+    if (auto plain = coding::plainValue(*object); plain && plain->stringValue() != kNullName) {
       return PropertyList::uid(placeOfPlain(object, *std::move(plain)));
     }
     const coding::Level level(openObjects == 0);
@@ -84,7 +85,9 @@ struct NSKeyedArchiver::State {
 
   PropertyList::Dictionary contents(const NSObject& object) {
     PropertyList::Dictionary entries;
-    if (const auto* data = dynamic_cast<const NSMutableData*>(&object)) {
+    if (dynamic_cast<const NSString*>(&object)) {
+      entries.set("NS.string", PropertyList::string(kNullName));  // as an object, lest readers take it for nil
+    } else if (const auto* data = dynamic_cast<const NSMutableData*>(&object)) {
       entries.set("NS.data", PropertyList::data(data->bytes()));
     } else if (const auto* array = dynamic_cast<const NSArray*>(&object)) {
       entries.set("NS.objects", PropertyList::array(references(array->objects())));
@@ -182,11 +185,7 @@ bool NSKeyedArchiver::containsValueForKey(std::string_view key) const {
 }
 
 std::optional<PropertyList::Bytes> NSKeyedArchiver::finishEncoding() {
-  if (state_->finished) {
-    fail("the archive is finished");
-  }
-  state_->finished = true;
-  if (!error().empty()) {
+  if (!coding::finish(*this, state_->finished)) {
     return std::nullopt;
   }
   PropertyList archive;
@@ -194,12 +193,7 @@ std::optional<PropertyList::Bytes> NSKeyedArchiver::finishEncoding() {
   archive.set("$archiver", PropertyList::string("NSKeyedArchiver"));
   archive.set("$top", PropertyList::dictionary(std::move(state_->contexts.front().entries)));
   archive.set("$objects", PropertyList::array(std::move(state_->objects)));
-  std::string reason;
-  auto bytes = PropertyListToBytes(archive, state_->format, &reason);
-  if (!bytes) {
-    fail("the archive " + reason);
-  }
-  return bytes;
+  return coding::bytesOfArchive(*this, archive, state_->format);
 }
 
 std::optional<PropertyList::Bytes> NSKeyedArchiver::archivedData(const NSObjectRef& root, PropertyListFormat format,

@@ -32,7 +32,6 @@ struct NSKeyedUnarchiver::State {
     const PropertyList::Dictionary* entries;
     std::uint64_t unnamed = 0;
   };
-  enum class Progress : std::uint8_t { Unread, Open, Read };
 
   explicit State(NSKeyedUnarchiver& owner) : unarchiver(owner) {}
 
@@ -46,30 +45,29 @@ struct NSKeyedUnarchiver::State {
     return nullptr;
   }
 
-  bool begin(PropertyList list) {
+  bool begin(PropertyList contents) {
     if (reading) {
       return fail("an archive is being read already");
     }
     contexts.clear();
-    archive = std::move(list);
+    archive = std::move(contents);
     const PropertyList* name = archive.find("$archiver");
     if (name == nullptr || !name->isString()) {
       return fail("is no keyed archive: \"$archiver\" is missing");
     }
-    const PropertyList* array = archive.find("$objects");
-    if (array == nullptr || !array->isArray() || array->items().empty()) {
+    const PropertyList* list = archive.find("$objects");
+    if (list == nullptr || !list->isArray() || list->items().empty()) {
       return fail("is a damaged archive: \"$objects\" is missing");
     }
-    if (array->items()[0].stringValue() != "$null") {
+    if (list->items()[0].stringValue() != "$null") {
       return fail("is a damaged archive: \"$objects\" does not begin with \"$null\"");
     }
     const PropertyList* top = archive.find("$top");
     if (top == nullptr || !top->isDictionary()) {
       return fail("is a damaged archive: \"$top\" is missing");
     }
-    objects = &array->items();
-    progress.assign(objects->size(), Progress::Unread);
-    made.assign(objects->size(), nullptr);
+    array = &list->items();
+    objects.begin(*list);
     classes.clear();
     contexts.push_back({&top->entries()});
     return true;
@@ -105,30 +103,20 @@ struct NSKeyedUnarchiver::State {
   }
 
   NSObjectRef referencedObject(std::uint64_t reference) {
-    if (reference >= objects->size()) {
+    if (reference >= objects.size()) {
       return failNull("is a damaged archive: it refers to object " + std::to_string(reference) + " of " +
-                      std::to_string(objects->size()));
+                      std::to_string(objects.size()));
     }
-    const auto place = static_cast<std::size_t>(reference);
-    if (place == 0 || !unarchiver.error().empty()) {
+    if (reference == 0) {
       return nullptr;
     }
-    if (progress[place] == Progress::Open) {
-      return failNull("is a damaged archive: object " + std::to_string(place) + " contains itself");
-    }
-    if (progress[place] == Progress::Unread) {
-      const coding::Level level(contexts.size() == 1 && !reading);
-      if (level.isTooDeep()) {
-        return failNull("objects are nested too deeply");
-      }
-      const bool outer = std::exchange(reading, true);
-      progress[place] = Progress::Open;
-      NSObjectRef object = read((*objects)[place]);
-      progress[place] = Progress::Read;
-      reading = outer;
-      made[place] = unarchiver.error().empty() ? std::move(object) : nullptr;
-    }
-    return made[place];
+    return objects.at(static_cast<std::size_t>(reference), unarchiver, contexts.size() == 1 && !reading,
+                      [this](const PropertyList& object) {
+                        const bool outer = std::exchange(reading, true);
+                        NSObjectRef made = read(object);
+                        reading = outer;
+                        return made;
+                      });
   }
 
   NSObjectRef read(const PropertyList& object) {
@@ -157,7 +145,7 @@ struct NSKeyedUnarchiver::State {
       return &known->second;
     }
     const PropertyList* description =
-        reference < objects->size() ? &(*objects)[static_cast<std::size_t>(reference)] : nullptr;
+        reference < array->size() ? &(*array)[static_cast<std::size_t>(reference)] : nullptr;
     const PropertyList* name = description == nullptr ? nullptr : description->find("$classname");
     if (name == nullptr || !name->isString()) {
       fail("is a damaged archive: a class without a name");
@@ -220,6 +208,11 @@ struct NSKeyedUnarchiver::State {
     return result;
   }
 
+  // Many objects may refer to one text or data and make it their own.
+  bool mayCopy(std::size_t size) {
+    return NSCodingBudget::spend(NSCodingBudget::unitsOfBytes(size)) || fail(NSCodingBudget::kSpent);
+  }
+
   NSObjectRef makeArray() {
     auto elements = objectsForKey("NS.objects");
     return elements ? std::make_shared<NSArray>(*std::move(elements)) : nullptr;
@@ -242,6 +235,9 @@ struct NSKeyedUnarchiver::State {
       if (key == nullptr) {
         return failNull("holds a dictionary with a key that is no string");
       }
+      if (!mayCopy(key->UTF8String().size())) {
+        return nullptr;
+      }
       entries.emplace_back(key->UTF8String(), (*values)[i]);
     }
     return std::make_shared<NSDictionary>(std::move(entries));
@@ -250,12 +246,18 @@ struct NSKeyedUnarchiver::State {
   NSObjectRef makeString() {
     const NSObjectRef text = objectForKey("NS.string");
     if (const auto* string = dynamic_cast<const NSString*>(text.get())) {
+      if (!mayCopy(string->UTF8String().size())) {
+        return nullptr;
+      }
       return std::make_shared<NSString>(string->UTF8String());
     }
     const NSObjectRef bytes = objectForKey("NS.bytes");
     const auto* data = dynamic_cast<const NSData*>(bytes.get());
     if (data == nullptr) {
       return failNull("is a damaged archive: a string without text");
+    }
+    if (!mayCopy(data->bytes().size())) {
+      return nullptr;
     }
     std::string utf8(data->bytes().begin(), data->bytes().end());
     if (const char* fault = propertylist::faultOfText(utf8)) {
@@ -269,6 +271,9 @@ struct NSKeyedUnarchiver::State {
     const auto* data = dynamic_cast<const NSData*>(bytes.get());
     if (data == nullptr) {
       return failNull("is a damaged archive: data without bytes");
+    }
+    if (!mayCopy(data->bytes().size())) {
+      return nullptr;
     }
     return isMutable ? std::make_shared<NSMutableData>(data->bytes()) : std::make_shared<NSData>(data->bytes());
   }
@@ -284,9 +289,8 @@ struct NSKeyedUnarchiver::State {
 
   NSKeyedUnarchiver& unarchiver;
   PropertyList archive;
-  const PropertyList::Array* objects = nullptr;
-  std::vector<Progress> progress;
-  std::vector<NSObjectRef> made;
+  const PropertyList::Array* array = nullptr;  // "$objects"
+  coding::ReadObjects objects;
   std::unordered_map<std::uint64_t, FoundClass> classes;
   std::vector<Context> contexts;  // the first one is "$top"; empty before the beginning and after the end
   bool reading = false;
@@ -296,13 +300,8 @@ NSKeyedUnarchiver::NSKeyedUnarchiver() : state_(std::make_unique<State>(*this)) 
 NSKeyedUnarchiver::~NSKeyedUnarchiver() = default;
 
 bool NSKeyedUnarchiver::initForReadingWithData(std::span<const std::uint8_t> bytes) {
-  std::string reason;
-  auto list = PropertyListFromBytes(bytes, &reason);
-  if (!list) {
-    fail(reason);
-    return false;
-  }
-  return state_->begin(*std::move(list));
+  auto list = coding::listOfArchive(*this, bytes);
+  return list && state_->begin(*std::move(list));
 }
 
 bool NSKeyedUnarchiver::initForReadingWithPropertyList(const PropertyList& archive) {
@@ -355,7 +354,7 @@ bool NSKeyedUnarchiver::containsValueForKey(std::string_view key) const {
 void NSKeyedUnarchiver::finishDecoding() {
   if (!state_->reading) {  // not from within an object that is being read
     state_->contexts.clear();
-    state_->made.clear();
+    state_->objects.end();
   }
 }
 

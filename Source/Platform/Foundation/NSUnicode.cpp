@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/Foundation/NSUnicode.h"
 
+#include <algorithm>
+#include <charconv>
 #include <cstdint>
 #include <cstring>
 
@@ -43,7 +45,55 @@ std::size_t sequenceLength(std::string_view text) {
   return length;
 }
 
+// The code point of a well-formed sequence.
+std::uint32_t codePoint(std::string_view sequence) {
+  const auto first = static_cast<unsigned char>(sequence[0]);
+  std::uint32_t code = sequence.size() == 1 ? first : first & (0x7FU >> sequence.size());
+  for (const char each : sequence.substr(1)) {
+    code = code << 6 | (static_cast<unsigned char>(each) & 0x3FU);
+  }
+  return code;
+}
+
+bool isControl(std::uint32_t code) {
+  return code < 0x20 || (code >= 0x7F && code < 0xA0) || code == 0x2028 || code == 0x2029 ||
+         (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
+}
+
+std::string escaped(std::uint32_t code) {
+  switch (code) {
+    case '\n':
+      return "\\n";
+    case '\t':
+      return "\\t";
+    case '\r':
+      return "\\r";
+    default:
+      break;
+  }
+  char digits[8];
+  const auto result = std::to_chars(digits, digits + sizeof digits, code, 16);
+  return "\\u{" + std::string(digits, result.ptr) + '}';
+}
+
 }  // namespace
+
+std::string NSPrintableText(std::string_view text) {
+  std::string line;
+  while (!text.empty()) {
+    const std::size_t length = static_cast<unsigned char>(text[0]) < 0x80 ? 1 : sequenceLength(text);
+    const std::string_view next = text.substr(0, length);
+    if (length == 0) {
+      line += "\uFFFD";
+    } else if (const std::uint32_t code = codePoint(next); isControl(code)) {
+      line += escaped(code);
+    } else {
+      line += next;
+    }
+    text.remove_prefix(std::max<std::size_t>(length, 1));
+  }
+  return line;
+}
 
 std::size_t NSValidUTF8Length(std::string_view text) {
   std::size_t valid = 0;

@@ -3,6 +3,8 @@
 
 #include "Platform/Foundation/HashIndex.h"
 #include "Platform/Foundation/NSCoder.h"
+#include "Platform/Foundation/NSCodingBudget.h"
+#include "Platform/Foundation/NSReason.h"
 
 #include <algorithm>
 #include <bit>
@@ -19,73 +21,98 @@ bool equalObjects(const NSObjectRef& a, const NSObjectRef& b) {
   return a == b || (a && b && a->isEqual(*b));
 }
 
-std::optional<PropertyList> listFromObject(const NSObject* object, int depth, std::uint64_t& remaining);
-
-std::optional<PropertyList> listFromArray(const NSArray& array, int depth, std::uint64_t& remaining) {
-  PropertyList::Array items;
-  items.reserve(array.count());
-  for (const NSObjectRef& each : array.objects()) {
-    auto item = listFromObject(each.get(), depth + 1, remaining);
-    if (!item) {
-      return std::nullopt;
-    }
-    items.push_back(*std::move(item));
-  }
-  return PropertyList::array(std::move(items));
-}
-
-std::optional<PropertyList> listFromDictionary(const NSDictionary& dictionary, int depth, std::uint64_t& remaining) {
-  PropertyList::Dictionary entries;
-  for (const auto& [key, object] : dictionary.entries()) {
-    auto value = listFromObject(object.get(), depth + 1, remaining);
-    if (!value) {
-      return std::nullopt;
-    }
-    entries.set(key, *std::move(value));
-  }
-  return PropertyList::dictionary(std::move(entries));
-}
-
 // What an object costs of the budget: its bytes count too, since a graph may refer to one large object many times.
 std::uint64_t costOf(const NSObject& object) {
-  constexpr std::uint64_t bytesPerValue = PropertyListMaximumBytes / PropertyListMaximumValues;
   if (const auto* string = dynamic_cast<const NSString*>(&object)) {
-    return 1 + string->UTF8String().size() / bytesPerValue;
+    return 1 + NSCodingBudget::unitsOfBytes(string->UTF8String().size());
   }
   if (const auto* data = dynamic_cast<const NSData*>(&object)) {
-    return 1 + data->bytes().size() / bytesPerValue;
+    return 1 + NSCodingBudget::unitsOfBytes(data->bytes().size());
   }
   return 1;
 }
 
-std::optional<PropertyList> listFromObject(const NSObject* object, int depth, std::uint64_t& remaining) {
-  if (object == nullptr || depth > PropertyListMaximumDepth || costOf(*object) > remaining) {
+// Makes one list of a graph; nothing, with the cause, when it cannot.
+class ListMaker {
+ public:
+  explicit ListMaker(std::string* reason) : reason_(reason) {}
+
+  std::optional<PropertyList> list(const NSObject* object, int depth) {
+    if (object == nullptr) {
+      return refuse("holds nil, which is no property-list value");
+    }
+    if (depth > PropertyListMaximumDepth) {
+      return refuse("is nested too deeply");
+    }
+    if (!take(costOf(*object))) {
+      return std::nullopt;
+    }
+    if (const auto* number = dynamic_cast<const NSNumber*>(object)) {
+      return number->value();
+    }
+    if (const auto* string = dynamic_cast<const NSString*>(object)) {
+      return PropertyList::string(string->UTF8String());
+    }
+    if (const auto* data = dynamic_cast<const NSMutableData*>(object)) {
+      return PropertyList::mutableData(data->bytes());
+    }
+    if (const auto* data = dynamic_cast<const NSData*>(object)) {
+      return PropertyList::data(data->bytes());
+    }
+    if (const auto* date = dynamic_cast<const NSDate*>(object)) {
+      return PropertyList::date(date->timeIntervalSinceReferenceDate());
+    }
+    if (const auto* array = dynamic_cast<const NSArray*>(object)) {
+      return listOfArray(*array, depth);
+    }
+    if (const auto* dictionary = dynamic_cast<const NSDictionary*>(object)) {
+      return listOfDictionary(*dictionary, depth);
+    }
+    return refuse("holds an object of class \"" + object->className() + "\", which is no property-list value");
+  }
+
+ private:
+  bool take(std::uint64_t cost) {
+    if (cost > remaining_ || !NSCodingBudget::spend(cost)) {
+      return NSRefuse(reason_, NSCodingBudget::kSpent);
+    }
+    remaining_ -= cost;
+    return true;
+  }
+
+  std::optional<PropertyList> refuse(std::string reason) {
+    NSRefuse(reason_, std::move(reason));
     return std::nullopt;
   }
-  remaining -= costOf(*object);
-  if (const auto* number = dynamic_cast<const NSNumber*>(object)) {
-    return number->value();
+
+  std::optional<PropertyList> listOfArray(const NSArray& array, int depth) {
+    PropertyList::Array items;
+    items.reserve(array.count());
+    for (const NSObjectRef& each : array.objects()) {
+      auto item = list(each.get(), depth + 1);
+      if (!item) {
+        return std::nullopt;
+      }
+      items.push_back(*std::move(item));
+    }
+    return PropertyList::array(std::move(items));
   }
-  if (const auto* string = dynamic_cast<const NSString*>(object)) {
-    return PropertyList::string(string->UTF8String());
+
+  std::optional<PropertyList> listOfDictionary(const NSDictionary& dictionary, int depth) {
+    PropertyList::Dictionary entries;
+    for (const auto& [key, object] : dictionary.entries()) {
+      auto value = take(NSCodingBudget::unitsOfBytes(key.size())) ? list(object.get(), depth + 1) : std::nullopt;
+      if (!value) {
+        return std::nullopt;
+      }
+      entries.set(key, *std::move(value));
+    }
+    return PropertyList::dictionary(std::move(entries));
   }
-  if (const auto* data = dynamic_cast<const NSMutableData*>(object)) {
-    return PropertyList::mutableData(data->bytes());
-  }
-  if (const auto* data = dynamic_cast<const NSData*>(object)) {
-    return PropertyList::data(data->bytes());
-  }
-  if (const auto* date = dynamic_cast<const NSDate*>(object)) {
-    return PropertyList::date(date->timeIntervalSinceReferenceDate());
-  }
-  if (const auto* array = dynamic_cast<const NSArray*>(object)) {
-    return listFromArray(*array, depth, remaining);
-  }
-  if (const auto* dictionary = dynamic_cast<const NSDictionary*>(object)) {
-    return listFromDictionary(*dictionary, depth, remaining);
-  }
-  return std::nullopt;
-}
+
+  std::string* reason_;
+  std::uint64_t remaining_ = PropertyListMaximumValues;
+};
 
 NSObjectRef arrayFromList(const PropertyList& list) {
   std::vector<NSObjectRef> objects;
@@ -275,7 +302,18 @@ NSObjectRef NSObjectFromPropertyList(const PropertyList& list) {
   return nullptr;
 }
 
-std::optional<PropertyList> NSPropertyListFromObject(const NSObject* object) {
-  std::uint64_t remaining = PropertyListMaximumValues;
-  return listFromObject(object, 1, remaining);
+std::optional<PropertyList> NSPropertyListFromObject(const NSObject* object, std::string* reason) {
+  return ListMaker(reason).list(object, 1);
+}
+
+std::optional<PropertyList> NSPropertyListFromEntries(const NSDictionary& dictionary, std::span<const std::string> keys,
+                                                      std::string* reason) {
+  NSDictionary::Entries entries;
+  for (const std::string& key : keys) {
+    if (NSObjectRef object = dictionary.objectForKey(key)) {
+      entries.emplace_back(key, std::move(object));
+    }
+  }
+  const NSDictionary chosen(std::move(entries));
+  return NSPropertyListFromObject(&chosen, reason);
 }

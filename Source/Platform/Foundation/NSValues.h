@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -123,8 +124,12 @@ class TARN_EXPORT NSDictionary : public NSObject {
   std::unique_ptr<HashIndex> index_;
 };
 
-// The object form of a list, and back; a uid has no object form and gives null. Back gives nothing when the graph holds
-// an object that is no property-list value, or passes the limits of PropertyList.h (an object that several others share
-// counts as often as it is referred to).
+// The object form of a list, and back; a uid has no object form and gives null. Back gives nothing, with the cause in
+// *reason (which may be null), when the graph holds an object that is no property-list value, or passes the limits of
+// PropertyList.h (an object that several others share counts as often as it is referred to).
 TARN_EXPORT NSObjectRef NSObjectFromPropertyList(const PropertyList& list);
-TARN_EXPORT std::optional<PropertyList> NSPropertyListFromObject(const NSObject* object);
+TARN_EXPORT std::optional<PropertyList> NSPropertyListFromObject(const NSObject* object, std::string* reason = nullptr);
+// The same of those entries of a dictionary that have one of the keys, as if it had no others.
+TARN_EXPORT std::optional<PropertyList> NSPropertyListFromEntries(const NSDictionary& dictionary,
+                                                                  std::span<const std::string> keys,
+                                                                  std::string* reason = nullptr);

@@ -2,6 +2,7 @@
 #include "Platform/Foundation/PropertyList.h"
 
 #include "Platform/Foundation/HashIndex.h"
+#include "Platform/Foundation/PropertyListCoding.h"
 
 #include <algorithm>
 #include <bit>
@@ -220,6 +221,8 @@ std::int64_t PropertyList::integerValue() const {
     }
     case Type::Real:
       return saturated<std::int64_t>(std::get<double>(storage_));
+    case Type::String:
+      return propertylist::integerAtStart(stringValue());
     default:
       return 0;
   }
@@ -236,9 +239,15 @@ double PropertyList::doubleValue() const {
     }
     case Type::Real:
       return std::get<double>(storage_);
+    case Type::String:
+      return propertylist::realAtStart(stringValue()).value_or(0);
     default:
       return 0;
   }
+}
+
+bool PropertyList::readsAsNumber() const {
+  return isNumber() || (isString() && propertylist::realAtStart(stringValue()));
 }
 
 const std::string& PropertyList::stringValue() const {

@@ -82,12 +82,14 @@ class TARN_EXPORT PropertyList {
   bool isArray() const { return type() == Type::Array; }
   bool isDictionary() const { return type() == Type::Dictionary; }
 
-  // Conversions as messages to numbers behave: anything that is not a number gives 0 or false. A real outside the
-  // integer's range saturates, NaN gives 0.
+  // Conversions as messages to numbers and strings behave. A real outside the integer's range saturates, NaN gives 0. A
+  // string gives the decimal number at its start, behind white space: "1.5 m" is 1.5, or 1 as an integer; 0 when there
+  // is none, whatever the locale. Anything else gives 0, and a string the boolean false.
   bool boolValue() const;
   std::int32_t intValue() const;
   std::int64_t integerValue() const;
   double doubleValue() const;
+  bool readsAsNumber() const;  // a number, or a string that begins with one
 
   // Contents. On a value of another type they return an empty constant.
   const std::string& stringValue() const;

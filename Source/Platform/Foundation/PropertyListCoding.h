@@ -34,6 +34,10 @@ std::optional<PropertyList> integerFromXml(std::string_view text);
 std::optional<double> realFromXml(std::string_view text);
 std::optional<double> dateFromXml(std::string_view text);  // seconds since 2001
 std::optional<PropertyList::Bytes> dataFromXml(std::string_view text);
+// The decimal number that a text begins with, behind white space. What a double cannot hold is an infinity or 0, what
+// an integer cannot hold is the nearest one. No real is nothing, no integer is 0.
+std::optional<double> realAtStart(std::string_view text);
+std::int64_t integerAtStart(std::string_view text);
 // The shortest text that reads back as the same value.
 std::string xmlReal(double value);
 // YYYY-MM-DDTHH:MM:SSZ, fractions dropped; nothing outside the years 1 to 9999.

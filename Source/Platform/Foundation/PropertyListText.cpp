@@ -2,6 +2,7 @@
 #include "Platform/Foundation/NSUnicode.h"
 #include "Platform/Foundation/PropertyListCoding.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <chrono>
@@ -43,6 +44,31 @@ std::optional<std::size_t> paddingOf(std::string_view text) {
     }
   }
   return signs <= 2 ? std::optional(signs) : std::nullopt;
+}
+
+bool isDigit(char each) {
+  return each >= '0' && each <= '9';
+}
+
+// A number's text without the white space and the plus sign before it.
+std::string_view numberIn(std::string_view text) {
+  text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
+  if (text.starts_with('+') && !text.starts_with("+-")) {
+    text.remove_prefix(1);
+  }
+  return text;
+}
+
+// Whether a number that no double holds is too large, not too small: its first digit that counts stands before the
+// point, once the exponent has moved it.
+bool isHuge(std::string_view number) {
+  const std::size_t mark = number.find_first_of("eE");
+  const std::string_view digits = number.substr(0, mark);
+  const std::size_t first = digits.find_first_of("123456789");
+  const std::size_t point = std::min(digits.find('.'), digits.size());
+  const auto power = static_cast<std::int64_t>(point) - static_cast<std::int64_t>(first);
+  const std::int64_t exponent = mark == std::string_view::npos ? 0 : integerAtStart(number.substr(mark + 1));
+  return exponent > -power;
 }
 
 bool isXmlCharacter(unsigned char byte) {
@@ -101,6 +127,33 @@ std::optional<double> realFromXml(std::string_view text) {
     return std::nullopt;
   }
   return std::isnan(value) ? std::numeric_limits<double>::quiet_NaN() : value;
+}
+
+std::optional<double> realAtStart(std::string_view text) {
+  const std::string_view number = numberIn(text);
+  const std::string_view digits = number.substr(number.starts_with('-') ? 1 : 0);
+  if (digits.empty() || !(isDigit(digits[0]) || (digits[0] == '.' && digits.size() > 1 && isDigit(digits[1])))) {
+    return std::nullopt;  // also what from_chars would take for a NaN or an infinity
+  }
+  double value = 0;
+  const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), value);
+  if (error == std::errc::result_out_of_range) {
+    value = isHuge(digits.substr(0, static_cast<std::size_t>(end - digits.data()))) ? HUGE_VAL : 0;
+    return std::copysign(value, number.starts_with('-') ? -1.0 : 1.0);
+  }
+  return value;
+}
+
+std::int64_t integerAtStart(std::string_view text) {
+  const std::string_view number = numberIn(text);
+  std::int64_t value = 0;
+  const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), value);
+  (void)end;
+  if (error == std::errc::result_out_of_range) {
+    return number.starts_with('-') ? std::numeric_limits<std::int64_t>::min()
+                                   : std::numeric_limits<std::int64_t>::max();
+  }
+  return value;
 }
 
 std::optional<double> dateFromXml(std::string_view text) {

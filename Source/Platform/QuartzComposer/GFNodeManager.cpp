@@ -194,7 +194,8 @@ const std::string& GFNodeManager::nodeNamespace() const {
 bool GFNodeManager::registerNodeWithName(const std::string& name, PropertyList attributes, QCPatch::Factory factory) {
   const std::string objection = state_->objection(name, attributes, factory);
   if (objection.empty()) {
-    return state_->table.add({name, std::move(attributes), std::move(factory), state_->registeringPath, nullptr, {}});
+    return state_->table.add(
+        {name, std::move(attributes), std::move(factory), state_->registeringPath, nullptr, {}, nullptr});
   }
   if (!state_->registeringPath.empty()) {
     state_->fail(state_->registeringPath, objection);

@@ -5,12 +5,12 @@
 #include "Platform/QuartzComposer/QCCloseNames.h"
 
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <initializer_list>
 #include <map>
 #include <optional>
 #include <set>
-#include <unordered_map>
 #include <utility>
 
 namespace {
@@ -175,7 +175,7 @@ class Reader {
 
   void readPublishedPorts(const PropertyList& list, const char* array, std::vector<QCComposition::PublishedPort>& ports,
                           bool isInput) {
-    std::unordered_map<std::string, std::size_t> indexes;
+    std::map<std::string, std::size_t> indexes;
     const PropertyList::Array& entries = items(list, array);
     for (std::size_t i = 0; i < entries.size(); ++i) {
       const std::string place = placeOf(array, i, entries[i]);
@@ -204,6 +204,9 @@ class Reader {
       if (limit && !limit->isNumber()) {
         refuse(place + ": " + quoted(key) + " must be a number, not a value of type " + limit->typeName());
       }
+      if (limit && std::isnan(limit->doubleValue())) {
+        refuse(place + ": " + quoted(key) + " must be a number, which nan is not");
+      }
     }
     PropertyList::Dictionary overrides;
     const PropertyList::Dictionary& entries = list.entries();
@@ -216,11 +219,10 @@ class Reader {
     return overrides;
   }
 
-  void checkKeysApart() const {
-    std::set<std::string> keys;
+  void checkKeysApart() {
     for (const auto* ports : {&composition_.inputs, &composition_.outputs}) {
       for (const QCComposition::PublishedPort& port : *ports) {
-        if (!keys.insert(port.key).second) {
+        if (!isInput_.emplace(port.key, ports == &composition_.inputs).second) {
           refuse("an input and an output have the key " + quoted(port.key));
         }
       }
@@ -247,12 +249,10 @@ class Reader {
     if (!key.isString()) {
       refuse(place + " must be the key of a port");
     }
-    const auto has = [&](const std::vector<QCComposition::PublishedPort>& ports) {
-      return std::any_of(ports.begin(), ports.end(), [&](const auto& port) { return port.key == key.stringValue(); });
-    };
+    const auto port = isInput_.find(key.stringValue());
     const bool mayBeInput = !role.starts_with("output");
     const bool mayBeOutput = !role.starts_with("input");
-    if (!(mayBeInput && has(composition_.inputs)) && !(mayBeOutput && has(composition_.outputs))) {
+    if (port == isInput_.end() || !(port->second ? mayBeInput : mayBeOutput)) {
       refuse(place + " names " + quoted(key.stringValue()) + ", which is no published " +
              (!mayBeOutput  ? "input"
               : !mayBeInput ? "output"
@@ -261,8 +261,9 @@ class Reader {
   }
 
   QCComposition& composition_;
-  std::unordered_map<std::string, std::size_t> nodeIndexes_;
+  std::map<std::string, std::size_t> nodeIndexes_;
   std::set<std::pair<std::size_t, std::string>> fed_;
+  std::map<std::string_view, bool> isInput_;  // the published ports by their keys
 };
 
 }  // namespace

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/QuartzComposer/QCCompositionBuilder.h"
 
+#include "Platform/Foundation/NSCodingBudget.h"
 #include "Platform/Foundation/NSReason.h"
 #include "Platform/QuartzComposer/GFNodeManager.h"
 #include "Platform/QuartzComposer/QCCompositionPatch.h"
+#include "Platform/QuartzComposer/QCNodeTable.h"
 
-#include <algorithm>
 #include <exception>
+#include <functional>
 #include <optional>
 #include <string_view>
 
@@ -14,11 +16,6 @@ namespace {
 
 [[noreturn]] void refuse(std::string reason) {
   throw QCCompositionRefusal{std::move(reason)};
-}
-
-QCPort* portIn(const QCPatch::Ports& ports, const std::string& key) {
-  const auto found = std::find_if(ports.begin(), ports.end(), [&](const auto& port) { return port->key() == key; });
-  return found == ports.end() ? nullptr : found->get();
 }
 
 std::string keysOf(const QCPatch::Ports& ports) {
@@ -49,7 +46,9 @@ void checkMatch(const QCPort& from, const QCPort& to, const std::string& what) {
 // throws a QCCompositionRefusal on what does not fit.
 class Builder {
  public:
-  Builder(const QCComposition& composition, GFNodeManager& manager) : composition_(composition), manager_(manager) {}
+  using NodeMaker = std::function<std::shared_ptr<QCPatch>(const std::string& name)>;
+  Builder(const QCComposition& composition, NodeMaker makeNode)
+      : composition_(composition), makeNode_(std::move(makeNode)) {}
   QCCompositionPatch::Parts build();
 
  private:
@@ -63,11 +62,11 @@ class Builder {
                                         PropertyList attributes) const;
   QCPort& inputAt(const QCComposition::End& end) const;
   QCPort& outputAt(const QCComposition::End& end) const;
-  QCPort& portAt(const QCComposition::End& end, const QCPatch::Ports& ports, const char* side) const;
+  [[noreturn]] void refuseEnd(const QCComposition::End& end, const QCPatch::Ports& ports, const char* side) const;
   std::string labelOf(std::size_t node) const;
 
   const QCComposition& composition_;
-  GFNodeManager& manager_;
+  NodeMaker makeNode_;
   std::vector<std::shared_ptr<QCPatch>> nodes_;  // in the composition's order
   QCCompositionPatch::Parts parts_;
 };
@@ -89,7 +88,7 @@ QCCompositionPatch::Parts Builder::build() {
 
 void Builder::makeNodes() {
   for (std::size_t node = 0; node < composition_.nodes.size(); ++node) {
-    nodes_.push_back(manager_.nodeInstanceWithName(composition_.nodes[node].name));
+    nodes_.push_back(makeNode_(composition_.nodes[node].name));
     if (!nodes_.back()) {
       refuse(labelOf(node) + " cannot be made");
     }
@@ -169,19 +168,25 @@ std::shared_ptr<QCPort> Builder::publishedPort(const QCComposition::PublishedPor
 }
 
 QCPort& Builder::inputAt(const QCComposition::End& end) const {
-  return portAt(end, nodes_[end.node]->inputPorts(), "input");
+  const QCPatch& node = *nodes_[end.node];
+  QCPort* port = node.inputPortForKey(end.port);
+  if (!port) {
+    refuseEnd(end, node.inputPorts(), "input");
+  }
+  return *port;
 }
 
 QCPort& Builder::outputAt(const QCComposition::End& end) const {
-  return portAt(end, nodes_[end.node]->outputPorts(), "output");
-}
-
-QCPort& Builder::portAt(const QCComposition::End& end, const QCPatch::Ports& ports, const char* side) const {
-  QCPort* port = portIn(ports, end.port);
+  const QCPatch& node = *nodes_[end.node];
+  QCPort* port = node.outputPortForKey(end.port);
   if (!port) {
-    refuse(labelOf(end.node) + " has no " + side + " \"" + end.port + "\"; its " + side + "s: " + keysOf(ports));
+    refuseEnd(end, node.outputPorts(), "output");
   }
   return *port;
+}
+
+void Builder::refuseEnd(const QCComposition::End& end, const QCPatch::Ports& ports, const char* side) const {
+  refuse(labelOf(end.node) + " has no " + side + " \"" + end.port + "\"; its " + side + "s: " + keysOf(ports));
 }
 
 std::string Builder::labelOf(std::size_t node) const {
@@ -189,12 +194,32 @@ std::string Builder::labelOf(std::size_t node) const {
   return "node \"" + described.identifier + "\" (" + described.name + ")";
 }
 
-}  // namespace
+// Ports like those of a shell, with their values.
+QCPatch::Ports portsLike(const QCPatch::Ports& ports) {
+  QCPatch::Ports made;
+  for (const std::shared_ptr<QCPort>& each : ports) {
+    made.push_back(each->portWithKey(each->key(), each->attributes()));
+    std::string cause;
+    if (!QCCompositionPatch::carry({{each.get(), made.back().get()}}, &cause)) {
+      refuse(std::move(cause));
+    }
+  }
+  return made;
+}
 
-std::shared_ptr<QCPatch> QCPatchWithComposition(const QCComposition& composition, GFNodeManager& manager,
-                                                std::string* reason) {
+std::shared_ptr<QCPatch> shellLike(const QCPatch& shell) {
+  QCCompositionPatch::Parts parts;
+  parts.inputs = portsLike(shell.inputPorts());
+  parts.outputs = portsLike(shell.outputPorts());
+  return std::make_shared<QCCompositionPatch>(shell.attributes(), std::move(parts));
+}
+
+// What `make` builds. All that goes wrong becomes the reason.
+template <typename Make>
+std::shared_ptr<QCPatch> built(std::string* reason, Make make) {
+  const NSCodingBudget budget;  // of all states in the composition together
   try {
-    return std::make_shared<QCCompositionPatch>(composition.attributes, Builder(composition, manager).build());
+    return make();
   } catch (const QCCompositionRefusal& refusal) {
     NSRefuse(reason, refusal.reason);
   } catch (const std::exception& error) {  // of the nodes' own code
@@ -203,4 +228,29 @@ std::shared_ptr<QCPatch> QCPatchWithComposition(const QCComposition& composition
     NSRefuse(reason, "a node failed without a reason");
   }
   return nullptr;
+}
+
+}  // namespace
+
+std::shared_ptr<QCPatch> QCPatchWithComposition(const QCComposition& composition, GFNodeManager& manager,
+                                                std::string* reason) {
+  return built(reason, [&] {
+    Builder builder(composition, [&](const std::string& name) { return manager.nodeInstanceWithName(name); });
+    return std::make_shared<QCCompositionPatch>(composition.attributes, builder.build());
+  });
+}
+
+std::shared_ptr<QCPatch> QCShellOfComposition(const QCComposition& composition, GFNodeManager& manager,
+                                              const QCNodeTable& table, std::string* reason) {
+  return built(reason, [&] {
+    Builder builder(composition, [&](const std::string& name) {
+      const QCNodeEntry* entry = table.find(name);
+      return entry && entry->shell ? shellLike(*entry->shell) : manager.nodeInstanceWithName(name);
+    });
+    QCCompositionPatch::Parts parts = builder.build();
+    parts.inputLinks.clear();
+    parts.outputLinks.clear();
+    parts.steps.clear();
+    return std::make_shared<QCCompositionPatch>(composition.attributes, std::move(parts));
+  });
 }

@@ -34,9 +34,9 @@ bool QCCompositionPatch::carry(const std::vector<Link>& links, std::string* reas
       return NSRefuse(reason, "the value of the port \"" + link.from->key() + "\" is a " + value->className() +
                                   ", which cannot be copied");
     }
-    if (!link.to->setValue(copy)) {
-      return NSRefuse(reason,
-                      "the port \"" + link.to->key() + "\" does not take the value of \"" + link.from->key() + '"');
+    if (std::string cause; !link.to->setValue(copy, &cause)) {
+      return NSRefuse(reason, "the port \"" + link.to->key() + "\" does not take the value of \"" + link.from->key() +
+                                  "\": " + cause);
     }
   }
   return true;

@@ -5,6 +5,7 @@
 #include "Platform/QuartzComposer/QCCompositionBuilder.h"
 
 #include <algorithm>
+#include <map>
 #include <stdexcept>
 #include <utility>
 
@@ -23,11 +24,32 @@ struct QCCompositionQueue::Attempt {
     Composition composition;
     Outcome outcome = Outcome::Incomplete;
     std::string reason;
+    // Of one that nothing more can be added to: the node that is missing, and who was to bring it.
+    const QCComposition::Node* missing = nullptr;
+    Candidate* waitsFor = nullptr;
+    bool isInCircle = false;
+    int visit = 0;
   };
+  // The candidates of one name; those before `next` are decided.
+  struct Namesakes {
+    std::vector<Candidate*> all;
+    std::size_t next = 0;
+  };
+
+  Attempt(GFNodeManager& itsManager, QCNodeTable& itsTable, const std::vector<Composition>& waiting)
+      : manager(itsManager), table(itsTable) {
+    candidates.reserve(waiting.size());
+    for (const Composition& composition : waiting) {
+      Candidate& candidate = candidates.emplace_back();
+      candidate.composition = composition;
+      byName[composition->name].all.push_back(&candidate);
+    }
+  }
 
   GFNodeManager& manager;
   QCNodeTable& table;
   std::vector<Candidate> candidates;
+  std::map<std::string_view, Namesakes> byName;
 
   // What becomes of one composition decides over those that name it, so look again until nothing changes.
   void run() {
@@ -71,17 +93,26 @@ struct QCCompositionQueue::Attempt {
   }
 
   // Known to the manager, though neither in the table nor about to be: a built-in patch.
-  bool isElsewhere(const std::string& name) { return !waits(name) && manager.nodeAttributesWithName(name) != nullptr; }
+  bool isElsewhere(const std::string& name) {
+    return !waitingNamed(name) && manager.nodeAttributesWithName(name) != nullptr;
+  }
 
-  bool waits(const std::string& name) const {
-    return std::any_of(candidates.begin(), candidates.end(), [&](const Candidate& candidate) {
-      return candidate.outcome == Outcome::Incomplete && candidate.composition->name == name;
-    });
+  Candidate* waitingNamed(const std::string& name) {
+    const auto found = byName.find(name);
+    if (found == byName.end()) {
+      return nullptr;
+    }
+    Namesakes& namesakes = found->second;
+    while (namesakes.next < namesakes.all.size() && namesakes.all[namesakes.next]->outcome != Outcome::Incomplete) {
+      ++namesakes.next;
+    }
+    return namesakes.next < namesakes.all.size() ? namesakes.all[namesakes.next] : nullptr;
   }
 
   void addToTable(Candidate& candidate, QCNodeExtent extent) {
     std::string reason;
-    if (!QCPatchWithComposition(*candidate.composition, manager, &reason)) {
+    std::shared_ptr<QCPatch> shell = QCShellOfComposition(*candidate.composition, manager, table, &reason);
+    if (!shell) {
       refuse(candidate, reason);
       return;
     }
@@ -95,7 +126,8 @@ struct QCCompositionQueue::Attempt {
       }
       return patch;
     };
-    table.add({composition->name, composition->attributes, factory, composition->path, composition, extent});
+    table.add({composition->name, composition->attributes, factory, composition->path, composition, extent,
+               std::move(shell)});
     candidate.outcome = Outcome::Added;
   }
 
@@ -104,19 +136,42 @@ struct QCCompositionQueue::Attempt {
     candidate.reason = std::move(reason);
   }
 
-  // Why a composition that nothing more can be added to is incomplete: it comes round to itself, or a node is missing.
-  std::string reasonOfIncomplete(const Candidate& start) {
-    std::vector<const Candidate*> chain;
-    const Candidate* candidate = &start;
-    while (candidate && std::find(chain.begin(), chain.end(), candidate) == chain.end()) {
-      chain.push_back(candidate);
-      const QCComposition::Node* missing = missingNode(*candidate);
-      candidate = missing ? waitingFor(*missing) : nullptr;
+  // Finds out why the compositions that nothing more can be added to are incomplete: they come round to themselves, or
+  // a node is missing.
+  void explain() {
+    for (Candidate& candidate : candidates) {
+      if (candidate.outcome == Outcome::Incomplete) {
+        candidate.missing = missingNode(candidate);
+        candidate.waitsFor = candidate.missing ? waitingNamed(candidate.missing->name) : nullptr;
+      }
     }
-    if (candidate == &start) {
-      return cycleText(chain);
+    findCircles();
+    for (std::size_t i = 0; i < table.size(); ++i) {
+      known.push_back(table.at(i).name);
     }
-    return missingText(start);
+    for (Candidate& candidate : candidates) {
+      if (candidate.outcome == Outcome::Incomplete) {
+        candidate.reason = candidate.isInCircle ? circleText(candidate) : missingText(candidate);
+      }
+    }
+  }
+
+  // Each waits for one other at most: a way that comes back to where it passed in the same visit has run into a circle.
+  void findCircles() {
+    int visit = 0;
+    for (Candidate& start : candidates) {
+      ++visit;
+      Candidate* candidate = &start;
+      while (candidate && candidate->visit == 0) {
+        candidate->visit = visit;
+        candidate = candidate->waitsFor;
+      }
+      if (candidate && candidate->visit == visit) {
+        for (; !candidate->isInCircle; candidate = candidate->waitsFor) {
+          candidate->isInCircle = true;
+        }
+      }
+    }
   }
 
   const QCComposition::Node* missingNode(const Candidate& candidate) {
@@ -127,39 +182,33 @@ struct QCCompositionQueue::Attempt {
     return missing == nodes.end() ? nullptr : &*missing;
   }
 
-  const Candidate* waitingFor(const QCComposition::Node& node) const {
-    const auto found = std::find_if(candidates.begin(), candidates.end(), [&](const Candidate& candidate) {
-      return candidate.outcome == Outcome::Incomplete && candidate.composition->name == node.name;
-    });
-    return found == candidates.end() ? nullptr : &*found;
-  }
-
-  static std::string cycleText(const std::vector<const Candidate*>& chain) {
+  static std::string circleText(const Candidate& start) {
+    constexpr std::size_t most = 16;
     std::string text = "the composition contains itself: ";
-    for (const Candidate* candidate : chain) {
+    std::size_t count = 0;
+    for (const Candidate* candidate = &start; count == 0 || candidate != &start; candidate = candidate->waitsFor) {
+      if (++count > most) {
+        text += "... > ";
+        break;
+      }
       text += quoted(candidate->composition->name) + " > ";
     }
-    return text + quoted(chain.front()->composition->name);
+    return text + quoted(start.composition->name);
   }
 
-  std::string missingText(const Candidate& candidate) {
-    const QCComposition::Node* missing = missingNode(candidate);
-    if (!missing) {
+  std::string missingText(const Candidate& candidate) const {
+    if (!candidate.missing) {
       return "its nodes were not there when they were looked for";
     }
-    const QCComposition::Node& node = *missing;
+    const QCComposition::Node& node = *candidate.missing;
     const std::string text = "node " + quoted(node.identifier) + ": ";
-    const auto named = std::find_if(candidates.begin(), candidates.end(),
-                                    [&](const Candidate& other) { return other.composition->name == node.name; });
-    if (named != candidates.end()) {
+    if (byName.contains(node.name)) {
       return text + "the composition " + quoted(node.name) + " could not be loaded";
-    }
-    std::vector<std::string> known;
-    for (std::size_t i = 0; i < table.size(); ++i) {
-      known.push_back(table.at(i).name);
     }
     return text + "there is no node " + quoted(node.name) + QCCloseNamesHint(node.name, known);
   }
+
+  std::vector<std::string> known;  // what the table holds
 };
 
 const QCComposition* QCCompositionQueue::find(std::string_view name) const {
@@ -169,30 +218,23 @@ const QCComposition* QCCompositionQueue::find(std::string_view name) const {
 }
 
 void QCCompositionQueue::resolve(GFNodeManager& manager, QCNodeTable& table) {
-  Attempt attempt{manager, table, {}};
-  for (const Composition& composition : waiting_) {
-    attempt.candidates.push_back({composition, {}, {}});
-  }
+  Attempt attempt(manager, table, waiting_);
   attempt.run();
-  for (const Attempt::Candidate& candidate : attempt.candidates) {
-    if (candidate.outcome == Attempt::Outcome::Added) {
-      waiting_.erase(std::find(waiting_.begin(), waiting_.end(), candidate.composition));
-    }
-  }
+  std::size_t place = 0;
+  std::erase_if(waiting_, [&](const Composition&) {  // those that came meanwhile stand behind
+    const std::size_t at = place++;
+    return at < attempt.candidates.size() && attempt.candidates[at].outcome == Attempt::Outcome::Added;
+  });
 }
 
 std::vector<GFNodeManager::LoadFailure> QCCompositionQueue::resolveFinally(GFNodeManager& manager, QCNodeTable& table) {
-  Attempt attempt{manager, table, {}};
-  for (Composition& composition : std::exchange(waiting_, {})) {
-    attempt.candidates.push_back({std::move(composition), {}, {}});
-  }
+  Attempt attempt(manager, table, std::exchange(waiting_, {}));
   attempt.run();
+  attempt.explain();
   std::vector<GFNodeManager::LoadFailure> failures;
   for (const Attempt::Candidate& candidate : attempt.candidates) {
-    if (candidate.outcome == Attempt::Outcome::Refused) {
+    if (candidate.outcome != Attempt::Outcome::Added) {
       failures.push_back({candidate.composition->path, candidate.reason});
-    } else if (candidate.outcome == Attempt::Outcome::Incomplete) {
-      failures.push_back({candidate.composition->path, attempt.reasonOfIncomplete(candidate)});
     }
   }
   return failures;

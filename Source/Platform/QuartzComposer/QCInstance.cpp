@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/QuartzComposer/QCInstance.h"
 
+#include "Platform/Foundation/NSUnicode.h"
+
 #include <cstdio>
 #include <exception>
 
 void QCReport(std::string_view what, std::string_view reason) {
-  std::fprintf(stderr, "%.*s: %.*s\n", static_cast<int>(what.size()), what.data(), static_cast<int>(reason.size()),
-               reason.data());
+  std::fprintf(stderr, "%s: %s\n", NSPrintableText(what).c_str(), NSPrintableText(reason).c_str());
 }
 
 std::shared_ptr<QCPatch> QCMakeInstance(std::string_view name, const QCPatch::Factory& factory) {

@@ -8,5 +8,5 @@
 // What a factory makes. Null, with a line on standard error, when it throws.
 std::shared_ptr<QCPatch> QCMakeInstance(std::string_view name, const QCPatch::Factory& factory);
 
-// One line on standard error: what (a path or a name), and why.
+// One line on standard error, whatever the names in it hold: what (a path or a name), and why.
 void QCReport(std::string_view what, std::string_view reason);

@@ -11,7 +11,7 @@ bool QCNodeTable::add(QCNodeEntry entry) {
 }
 
 const QCNodeEntry* QCNodeTable::find(std::string_view name) const {
-  const auto found = byName_.find(std::string(name));
+  const auto found = byName_.find(name);
   return found == byName_.end() ? nullptr : found->second;
 }
 

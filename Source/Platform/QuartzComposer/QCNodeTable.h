@@ -4,7 +4,8 @@
 #include "Platform/QuartzComposer/QCPatch.h"
 
 #include <cstddef>
-#include <unordered_map>
+#include <functional>
+#include <map>
 
 // Inside this room only.
 
@@ -24,6 +25,7 @@ struct QCNodeEntry {
   std::string path;                                  // empty unless it came from a file
   std::shared_ptr<const QCComposition> composition;  // null unless it is one
   QCNodeExtent extent;
+  std::shared_ptr<QCPatch> shell;  // of a composition: its ports without its nodes (QCCompositionBuilder.h)
 };
 
 // Nodes in the order of registration, found by name. Entries keep their address for the life of the table.
@@ -38,6 +40,6 @@ class QCNodeTable {
  private:
   using Entries = std::vector<std::unique_ptr<QCNodeEntry>>;
   Entries entries_;
-  Entries withdrawn_;  // somebody may still hold their attributes
-  std::unordered_map<std::string, const QCNodeEntry*> byName_;
+  Entries withdrawn_;                                                   // somebody may still hold their attributes
+  std::map<std::string_view, const QCNodeEntry*, std::less<>> byName_;  // of the entries
 };

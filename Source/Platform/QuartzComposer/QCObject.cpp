@@ -27,7 +27,7 @@ std::optional<PropertyList> QCObject::stateValue() const {
   return std::nullopt;
 }
 
-bool QCObject::initWithStateValue(const PropertyList&) {
+bool QCObject::initWithStateValue(const PropertyList&, std::string*) {
   return false;
 }
 

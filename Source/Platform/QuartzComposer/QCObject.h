@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <string>
 
 // Base of the objects that object ports carry. What a subclass returns as its state value is what documents and
 // compositions store.
@@ -14,8 +15,9 @@ class TARN_EXPORT QCObject : public NSObject {
   std::string className() const override { return "QCObject"; }
   // Nothing when the object has no storable state; the default has none.
   virtual std::optional<PropertyList> stateValue() const;
-  // Restores a freshly made object; false, with the object unusable, when the value does not fit. The default refuses.
-  virtual bool initWithStateValue(const PropertyList& state);
+  // Restores a freshly made object; false, with the object unusable and the cause in *reason (which may be null, and
+  // may be left as it was), when the value does not fit. The default refuses.
+  virtual bool initWithStateValue(const PropertyList& state, std::string* reason = nullptr);
 };
 
 // What image ports carry: an image that is never changed once it has been handed to a port, so that it is shared, not

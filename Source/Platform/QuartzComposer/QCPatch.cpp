@@ -6,11 +6,12 @@
 #include "Platform/QuartzComposer/QCInstance.h"
 
 #include <exception>
-#include <map>
 
 namespace {
 
 const NSClassRegistration kRegisteredPatch("QCPatch", "NSObject", [] { return std::make_shared<QCPatch>(); });
+
+constexpr std::size_t kPortsWithoutIndex = 32;  // looking through so few costs less
 
 struct BuiltInPatch {
   PropertyList attributes;
@@ -42,15 +43,29 @@ QCPatch::~QCPatch() {
   }
 }
 
-QCPort* QCPatch::portForKey(std::string_view key) const {
+QCPatch::Place QCPatch::placeOf(std::string_view key) const {
+  if (!byKey_.empty()) {
+    const auto found = byKey_.find(key);
+    return found == byKey_.end() ? Place{} : found->second;
+  }
   for (const Ports* ports : {&inputs_, &outputs_}) {
     for (const std::shared_ptr<QCPort>& port : *ports) {
       if (port->key() == key) {
-        return port.get();
+        return {port.get(), ports == &inputs_};
       }
     }
   }
-  return nullptr;
+  return {};
+}
+
+QCPort* QCPatch::inputPortForKey(std::string_view key) const {
+  const Place place = placeOf(key);
+  return place.isInput ? place.port : nullptr;
+}
+
+QCPort* QCPatch::outputPortForKey(std::string_view key) const {
+  const Place place = placeOf(key);
+  return place.isInput ? nullptr : place.port;
 }
 
 bool QCPatch::executeAtTime(double time, std::string* reason) {
@@ -80,6 +95,15 @@ bool QCPatch::addPort(Ports& ports, const std::shared_ptr<QCPort>& port, QCPort:
     port->maker_ = maker;
   }
   ports.push_back(port);
+  if (!byKey_.empty()) {
+    byKey_.emplace(port->key(), Place{port.get(), &ports == &inputs_});
+  } else if (inputs_.size() + outputs_.size() > kPortsWithoutIndex) {
+    for (const Ports* side : {&inputs_, &outputs_}) {
+      for (const std::shared_ptr<QCPort>& each : *side) {
+        byKey_.emplace(each->key(), Place{each.get(), side == &inputs_});
+      }
+    }
+  }
   return true;
 }
 

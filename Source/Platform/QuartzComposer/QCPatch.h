@@ -4,6 +4,7 @@
 #include "Platform/QuartzComposer/QCPort.h"
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -28,7 +29,10 @@ class TARN_EXPORT QCPatch : public NSObject {
   const PropertyList& attributes() const { return attributes_; }
   const Ports& inputPorts() const { return inputs_; }
   const Ports& outputPorts() const { return outputs_; }
-  QCPort* portForKey(std::string_view key) const;  // inputs first; null when there is none. Owned by the patch.
+  // Null when there is none. Owned by the patch.
+  QCPort* portForKey(std::string_view key) const { return placeOf(key).port; }
+  QCPort* inputPortForKey(std::string_view key) const;
+  QCPort* outputPortForKey(std::string_view key) const;
 
   // Reads the inputs, sets the outputs, at a time in seconds. False, with the cause in *reason (which may be null),
   // when it could not; nothing escapes as an exception.
@@ -71,8 +75,14 @@ class TARN_EXPORT QCPatch : public NSObject {
       return nullptr;
     }
   }
+  struct Place {
+    QCPort* port = nullptr;
+    bool isInput = false;
+  };
+  Place placeOf(std::string_view key) const;
   bool addPort(Ports& ports, const std::shared_ptr<QCPort>& port, QCPort::Maker maker);
   PropertyList attributes_;
   Ports inputs_;
   Ports outputs_;
+  std::map<std::string_view, Place> byKey_;  // empty while there are few ports
 };

@@ -25,16 +25,26 @@ std::string QCPort::name() const {
   return name && name->isString() ? name->stringValue() : key_;
 }
 
-bool QCPort::setValue(const NSObjectRef& value) {
+bool QCPort::setValue(const NSObjectRef& value, std::string* reason) {
   const std::optional<NSObjectRef> accepted = acceptedValue(value);
   if (!accepted) {
-    return false;
+    return NSRefuse(reason, refusalOf(value));
   }
   const NSObjectRef self = weak_from_this().lock();  // an observer may let go of the port
   willChangeValue();
   value_ = *accepted;
   didChangeValue();
   return true;
+}
+
+std::string QCPort::refusalOf(const NSObjectRef& value) const {
+  const std::string port = std::string("a port of kind ") + kind();
+  if (!value) {
+    return port + " is never empty";
+  }
+  const std::string name = value->className();
+  const bool isKnown = NSClassFromString(name) != nullptr;
+  return port + " does not take this " + name + (isKnown ? "" : ", a class that nobody has registered");
 }
 
 void QCPort::willChangeValue() {

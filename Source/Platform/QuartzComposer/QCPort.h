@@ -38,9 +38,10 @@ class TARN_EXPORT QCPort : public NSObject {
   // Null in image and object ports that are empty; other ports always hold a value.
   NSObjectRef value() const { return value_; }
   NSObjectRef rawValue() const { return value_; }  // the stored object itself, which editors change in place
-  // Stores what acceptedValue() makes of it, between willChangeValue() and didChangeValue(); false, with the old value
-  // kept, when the port does not take such a value. Null is taken by image and object ports.
-  bool setValue(const NSObjectRef& value);
+  // Stores what acceptedValue() makes of it, between willChangeValue() and didChangeValue(); false, with the cause in
+  // *reason (which may be null) and the old value kept, when the port does not take such a value. Null is taken by
+  // image and object ports.
+  bool setValue(const NSObjectRef& value, std::string* reason = nullptr);
 
   // Bracket a change that is made to the value in place.
   void willChangeValue();
@@ -69,6 +70,7 @@ class TARN_EXPORT QCPort : public NSObject {
  private:
   friend class QCPatch;
   using Maker = std::shared_ptr<QCPort> (*)(std::string key, PropertyList attributes);
+  std::string refusalOf(const NSObjectRef& value) const;
   std::string key_;
   PropertyList attributes_;
   QCPatch* node_ = nullptr;
@@ -152,7 +154,9 @@ class TARN_EXPORT QCImagePort : public QCPort {
   std::optional<NSObjectRef> acceptedValue(const NSObjectRef& value) const override;
 };
 
-// Carries QCObjects of one class and of its subclasses, by the class table; anything else is refused.
+// Carries QCObjects of one class and of its subclasses, by the class table; anything else is refused. A C++ subclass
+// that gives itself a name of its own is one only once it is registered under it (NSClassRegistration in
+// NSClassTable.h).
 class TARN_EXPORT QCObjectPort : public QCPort {
  public:
   using QCPort::QCPort;

@@ -172,13 +172,15 @@ bool QCObjectPort::setStateValue(const PropertyList& state, std::string* reason)
     return NSRefuse(reason, "no objects of class " + name + " can be made");
   }
   try {
-    if (!restored->initWithStateValue(state)) {
-      return NSRefuse(reason, std::string("this ") + state.typeName() + " is no state of a " + name);
+    std::string cause;
+    if (!restored->initWithStateValue(state, &cause)) {
+      return NSRefuse(reason, std::string("this ") + state.typeName() + " is no state of a " + name +
+                                  (cause.empty() ? "" : ": " + cause));
     }
   } catch (const std::exception& error) {
     return NSRefuse(reason, "this state does not fit a " + name + ": " + error.what());
   }
-  return setValue(object) || NSRefuse(reason, "the port refuses objects of class " + name);
+  return setValue(object, reason);
 }
 
 bool QCObjectPort::takesValuesOf(const QCPort& source) const {

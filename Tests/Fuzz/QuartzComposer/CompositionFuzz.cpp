@@ -18,7 +18,7 @@ class Setting : public QCObject {
  public:
   std::string className() const override { return "Setting"; }
   std::optional<PropertyList> stateValue() const override { return state_; }
-  bool initWithStateValue(const PropertyList& state) override {
+  bool initWithStateValue(const PropertyList& state, std::string*) override {
     state_ = state;
     return true;
   }
