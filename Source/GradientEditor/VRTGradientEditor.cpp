@@ -56,7 +56,7 @@ VRTGradientEditorDelegate* VRTGradientEditor::delegate() const {
 
 void VRTGradientEditor::setGradientPort(VRTGradientPort* port) {
   auto retained = VRTObjectReference<VRTGradientPort>(port).lock();
-  if (retained != _pGradientPort && !endLostInteractions()) return;
+  if (retained != _pGradientPort) endLostInteractions();
   auto old = std::exchange(_pGradientPort, std::move(retained));
   if (old) old->removeObserver(this, "value");
   if (_pGradientPort) _pGradientPort->addObserver(this, "value", 0, nullptr);
@@ -75,11 +75,9 @@ void VRTGradientEditor::setGradientPort(VRTGradientPort* port) {
   update();
 }
 
-bool VRTGradientEditor::endLostInteractions() {
-  const QPointer<VRTGradientEditor> self(this);
+void VRTGradientEditor::endLostInteractions() {
   if (_gradientGutterRGB) _gradientGutterRGB->endLostInteraction();
-  if (self && _gradientGutterAlpha) _gradientGutterAlpha->endLostInteraction();
-  return self;
+  if (_gradientGutterAlpha) _gradientGutterAlpha->endLostInteraction();
 }
 
 void VRTGradientEditor::observeValueForKeyPath(const std::string&, NSObject* object, const PropertyList&, void*) {

@@ -65,9 +65,7 @@ class TARN_EXPORT VRTGradientEditor : public NSTarnView, public NSKeyValueObserv
   void awakeFromNib();
   void nameButtons();
   void forgetForeignSelection();
-  // Of the gutters, before their port or their place goes. Whoever is told of it may change everything; false when the
-  // editor has been destroyed.
-  bool endLostInteractions();
+  void endLostInteractions();  // of the gutters, whose port or place goes
   void orderTabs();
   std::vector<QWidget*> optionalParts() const;  // those that need a gradient, in the order of the Tab key
 

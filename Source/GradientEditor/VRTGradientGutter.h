@@ -66,7 +66,8 @@ class VRTGradientGutter : public VRTGradientView {
   QMenu* menuForEvent(const NSEvent& event) override;
   void keyDown(QKeyEvent& event) override;
 
-  // Ends what the mouse or the keyboard is doing, whose own end may never come: the gutter is about to be hidden.
+  // Ends what the mouse or the keyboard is doing, whose own end may never come: the gutter is hidden, disabled or gets
+  // another port. Those who hear of it are told later.
   void endLostInteraction() { gesture_.lose(); }
 
   void update() override;
@@ -95,6 +96,7 @@ class VRTGradientGutter : public VRTGradientView {
   void focusInEvent(QFocusEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
   void hideEvent(QHideEvent* event) override;
+  void changeEvent(QEvent* event) override;
 
  private:
   enum Moving : std::int32_t { MovingNothing = 0, MovingSample = 1, MovingMiddle = 2 };
@@ -111,6 +113,7 @@ class VRTGradientGutter : public VRTGradientView {
 
   void rememberFolder();
   bool folderIsRemembered() const;
+  VRTChannelGradientFolder* editedFolderOf(const QCPort* port) const;
   void abandonDrag();
   void settle(const VRTGesture::Ending& ending);
   void putColorBack(const VRTChannelRef& picked, const VRTChannelBase& before);
