@@ -3,6 +3,7 @@
 
 #include "Channels/VRTChannelGradient.h"
 #include "GradientEditor/VRTGradientGutterOwner.h"
+#include "GradientEditor/VRTGradientSuccession.h"
 #include "Platform/TarnKit/NSAnimationEffect.h"
 #include "TarnCore/TCPrint.h"
 
@@ -103,6 +104,15 @@ VRTChannelGradientFolder* VRTGradientGutter::editedFolderOf(const QCPort* port) 
   if (!channel || !edited) return nullptr;
   if (edited == &channel->rgbFolder) return &channel->rgbFolder;
   return edited == &channel->alphaFolder ? &channel->alphaFolder : nullptr;
+}
+
+void VRTGradientGutter::followGradient(const VRTChannelGradient& before, VRTChannelGradient& after) {
+  const VRTChannelBase* edited = editedFolder_ ? editedFolder_->getChannel() : nullptr;
+  const auto follow = [&](const VRTChannelGradientFolder& old, VRTChannelGradientFolder& fresh) {
+    if (edited == &old && VRTHoldEqualSamples(old, fresh)) editedFolder_ = fresh.getRef();
+  };
+  follow(before.rgbFolder, after.rgbFolder);
+  follow(before.alphaFolder, after.alphaFolder);
 }
 
 void VRTGradientGutter::abandonDrag() {

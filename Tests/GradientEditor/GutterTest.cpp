@@ -222,6 +222,7 @@ TEST_P(GradientGutter, DisabledOrWithoutAGradientTheSuperviewGetsTheEvents) {
                        {});
       QApplication::sendEvent(gutter, &drag);
       QTest::mouseRelease(gutter, button, {}, QPoint(60, 20));
+      QCoreApplication::processEvents();
     }
     const std::string got = superview.names();
     superview.calls.clear();
@@ -399,6 +400,7 @@ TEST_P(GradientGutter, ADraggedSampleDiesWithTheEditorOrTheValue) {
   const auto first = dragOff(0.25);
   const QPointer<NSTarnView> gutter = scene.gutter;
   scene.port->setValue(nullptr);
+  QCoreApplication::processEvents();
   EXPECT_EQ(first->getChannel(), nullptr);
   EXPECT_EQ(gutter->parentWidget(), nullptr) << "taken out of the panel";
   gutter->mouseUp(NSEvent());
@@ -433,11 +435,31 @@ TEST_P(GradientGutter, TheDelegateMayDestroyTheEditor) {
     void setSelectedSample(VRTChannelGradientSample*, bool, bool) override { delete editor; }
     QPointer<NSTarnView> editor;
   } delegate;
-  delegate.editor = scene.editor;
+  for (const auto& [button, y] : {std::pair{Qt::LeftButton, kStrip}, {Qt::RightButton, kBand}}) {
+    GradientScene pressed(alpha());
+    delegate.editor = pressed.editor;
+    pressed.editorPart().setDelegate(&delegate);
+    pressed.click({pressed.xOf(0.6), y}, {}, button);
+    EXPECT_TRUE(pressed.editor.isNull());
+    EXPECT_EQ(pressed.takeLog(), "");
+  }
+}
+
+TEST_P(GradientGutter, TheDelegateMayRunADialogWhichSeesTheRelease) {
+  struct Delegate : VRTGradientEditorDelegate {
+    void setSelectedSample(VRTChannelGradientSample*, bool, bool doubleClick) override {
+      if (doubleClick) scene.release();
+    }
+    explicit Delegate(GradientScene& shown) : scene(shown) {}
+    GradientScene& scene;
+  } delegate(scene);
   scene.editorPart().setDelegate(&delegate);
-  scene.click({scene.xOf(0.8), kStrip});  // inserts
-  EXPECT_TRUE(scene.editor.isNull());
-  EXPECT_EQ(scene.takeLog(), "");
+  scene.doubleClick(band(0.25));
+  EXPECT_EQ(scene.takeLog(), "start change end start change end");
+  scene.press(band(0.25));
+  scene.editorPart().setEnabled(false);
+  scene.release();
+  EXPECT_EQ(scene.takeLog(), "start change end") << "disabled in mid-drag";
 }
 
 TEST_P(GradientGutter, PickersSurviveTheirEditorAndTheirSample) {
@@ -459,6 +481,7 @@ TEST_P(GradientGutter, PickersSurviveTheirEditorAndTheirSample) {
   delete scene.editor;
   hover();
   EXPECT_EQ(VRTTransientColorPicker::current(), nullptr);
+  QCoreApplication::processEvents();
   EXPECT_EQ(scene.takeLog(), "start change end");
 }
 
