@@ -389,6 +389,54 @@ TEST_P(GradientGutter, AReplacedGradientIsLeftAlone) {
   }
 }
 
+// Every gesture goes on in the copies; the selection survives them, and undo.
+TEST_P(GradientGutter, AHostMayStoreACopyOnEveryChange) {
+  const PropertyList before = *scene.port->stateValue();
+  const auto store = [&] { scene.port->setStateValue(PropertyList(*scene.port->stateValue()), nullptr); };
+  scene.onNote = [&, storing = false](const std::string& what) mutable {
+    if (what != "change" || std::exchange(storing, true)) return;
+    store();
+    storing = false;
+  };
+  const double step = std::round(scene.span() / 20), start = scene.xOf(0.25);
+  scene.press(band(0.25));
+  for (const NSPoint point : {NSPoint{start + step, kBand}, {start + step, 60}, {start + 9 * step, kBand}}) {
+    scene.move(point);
+  }
+  scene.release();
+  EXPECT_EQ(scene.selected(), scene.sample(2)) << "dragged off and back and past the third";
+  EXPECT_DOUBLE_EQ(scene.sample(2)->position, dragged(0.25, 9 * step));
+  scene.focus();
+  for (int i = 0; i < 3; ++i) scene.keyDown(Qt::Key_Left);
+  scene.keyUp(Qt::Key_Left);
+  EXPECT_NEAR(scene.sample(2)->position, dragged(0.25, 9 * step) - 0.03, 1e-12);
+  scene.press({scene.middleX(2), kBand});
+  for (const int way : {5, 9}) scene.move({scene.middleX(2) + way, kBand});
+  scene.release();
+  EXPECT_GT(scene.sample(2)->middle, 0.5);
+  EXPECT_TRUE(scene.editorPart().getMiddleSelected());
+
+  scene.clickSample(2);
+  scene.onNote = nullptr;
+  for (const PropertyList& state : {before, *scene.port->stateValue(), before}) {
+    scene.port->setStateValue(state, nullptr);
+    EXPECT_EQ(scene.selected(), scene.sample(state == before ? 1 : 2)) << "undone, redone";
+  }
+  scene.click(band(0.25), {}, Qt::RightButton);
+  std::vector<PropertyList> states;
+  for (const int x : {20, 60, 90}) {
+    GradientScene::hoverPicker({x, 20});
+    store();
+    states.push_back(*scene.port->stateValue());
+  }
+  EXPECT_NE(states[1], states[0]);
+  EXPECT_NE(states[2], states[1]);
+  VRTTransientColorPicker::current()->cancel();
+  EXPECT_EQ(*scene.port->stateValue(), before);
+  scene.port->setStateValue(states[0], nullptr);
+  EXPECT_EQ(scene.selected(), scene.sample(1)) << "of another color";
+}
+
 TEST_P(GradientGutter, ADraggedSampleDiesWithTheEditorOrTheValue) {
   const auto dragOff = [&](double position) {
     std::unique_ptr<VRTChannelRef> ref = scene.sample(1)->getRef();
