@@ -55,12 +55,12 @@ void EditRecorder::endInteraction(const void* source) {
 bool EditRecorder::eventFilter(QObject*, QEvent* event) {
   switch (event->type()) {
     case QEvent::Drop:
-      dropped_.request();
-      [[fallthrough]];
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonDblClick:
     case QEvent::KeyPress:
-      if (commit_.isPending()) commitNow();
+      if (dropped_.isPending()) dropped_.runNow();
+      if (commit_.isPending()) commit_.runNow();
+      if (event->type() == QEvent::Drop) dropped_.request();
       break;
     default:
       break;
