@@ -5,8 +5,8 @@
 #include "Host/Rendering/PortKinds.h"
 
 #include <QAction>
-#include <QCoreApplication>
 #include <QFileDialog>
+#include <QMessageBox>
 #include <QWidget>
 #include <algorithm>
 #include <exception>
@@ -44,12 +44,13 @@ DocumentActions::DocumentActions(ParameterDocument& document, MessageBar& messag
     document_.history().undo();
     updateActions();
   });
-  redoAction = addAction("Redo", QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z), [this] {
+  redoAction = addAction("Redo", QKeySequence(), [this] {
     document_.history().redo();
     updateActions();
   });
+  redoAction->setShortcuts({Qt::CTRL | Qt::SHIFT | Qt::Key_Z, Qt::CTRL | Qt::Key_Y});
   resetAction = addAction("Reset", QKeySequence(), [this] { document_.resetAll(); });
-  quitAction = addAction("Quit", QKeySequence(Qt::CTRL | Qt::Key_Q), [] { QCoreApplication::quit(); });
+  quitAction = addAction("Quit", QKeySequence(Qt::CTRL | Qt::Key_Q), [this] { window_.close(); });
   for (QAction* action : {openAction, saveAction, saveAsAction}) action->setEnabled(active_ != nullptr);
   resetAction->setEnabled(!ports.empty());
   updateActions();
@@ -107,6 +108,20 @@ void DocumentActions::saveAs(QCPort& port) {
   const QString suggested = present.isEmpty() ? QString::fromStdString(port.name()).toLower() + ".plist" : present;
   const QString path = QFileDialog::getSaveFileName(&window_, "Save State", suggested, kStateFilter);
   if (!path.isEmpty() && tried([&] { document_.save(port, path.toStdString()); })) updateActions();
+}
+
+bool DocumentActions::mayClose() {
+  const std::vector<QCPort*> unsaved = document_.unsaved();
+  if (unsaved.empty()) return true;
+  QStringList names;
+  for (const QCPort* port : unsaved) names.append(QString::fromStdString(port->name()));
+  QMessageBox box(QMessageBox::Question, "Vorto", "Save the changes to " + names.join(", ") + "?",
+                  QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, &window_);
+  box.setInformativeText("Without saving they are lost.");
+  const int chosen = box.exec();
+  if (chosen != QMessageBox::Save) return chosen == QMessageBox::Discard;
+  for (QCPort* port : unsaved) save(*port);
+  return document_.unsaved().empty();
 }
 
 void DocumentActions::reset(QCPort& port) {

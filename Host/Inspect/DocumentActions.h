@@ -36,6 +36,9 @@ class DocumentActions : public QObject {
   void saveAs(QCPort& port);
   void reset(QCPort& port);
   void load(const std::string& path, QCPort* preferred);
+  // Before the window closes: offers to save what is not saved. False when it must stay open, because people want that
+  // or something could not be saved.
+  bool mayClose();
 
   QAction* openAction;
   QAction* saveAction;

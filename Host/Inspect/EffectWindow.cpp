@@ -11,6 +11,7 @@
 #include "TarnCore/TCBitmap.h"
 
 #include <QAction>
+#include <QCloseEvent>
 #include <QDropEvent>
 #include <QFileDialog>
 #include <QHBoxLayout>
@@ -115,6 +116,10 @@ void EffectWindow::updateTitle() {
   if (column_) column_->updateTitles();
   const QString names = QString::fromStdString(session_.inputNames());
   setWindowTitle((names.isEmpty() ? QString() : names + " \u2013 ") + QString::fromStdString(session_.name()));
+}
+
+void EffectWindow::closeEvent(QCloseEvent* event) {
+  event->setAccepted(actions_->mayClose());
 }
 
 void EffectWindow::dragEnterEvent(QDragEnterEvent* event) {

@@ -67,6 +67,7 @@ std::string refusal(const std::string& path, StateKind kind, const std::vector<Q
 ParameterDocument::ParameterDocument(std::vector<QCPort*> parameters)
     : parameters_(std::move(parameters)), saved_(parameters_.size()), history_(parameters_) {
   for (const QCPort* port : parameters_) initial_.push_back(editedState(*port));
+  forgetHistory();
 }
 
 ParameterDocument::~ParameterDocument() = default;
@@ -81,6 +82,13 @@ std::unique_ptr<ParameterDocument> ParameterDocument::ofState(const std::string&
   document->load(path, &port);
   document->forgetHistory();
   return document;
+}
+
+void ParameterDocument::forgetHistory() {
+  history_.forget();
+  for (std::size_t i = 0; i < parameters_.size(); ++i) {
+    if (saved_[i].path.empty()) saved_[i].state = editedState(*parameters_[i]);
+  }
 }
 
 std::size_t ParameterDocument::indexOf(const QCPort& port) const {
@@ -109,8 +117,15 @@ void ParameterDocument::setFile(const QCPort& port, const std::string& path) {
 }
 
 bool ParameterDocument::isModified(const QCPort& port) const {
-  const Saved& saved = saved_.at(indexOf(port));
-  return !saved.path.empty() && saved.state != editedState(port);
+  return saved_.at(indexOf(port)).state != editedState(port);
+}
+
+std::vector<QCPort*> ParameterDocument::unsaved() const {
+  std::vector<QCPort*> ports;
+  for (QCPort* port : parameters_) {
+    if (hasStateFile(*port) && isModified(*port)) ports.push_back(port);
+  }
+  return ports;
 }
 
 QCPort& ParameterDocument::load(const std::string& path, QCPort* preferred) {

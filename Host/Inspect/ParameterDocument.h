@@ -26,7 +26,7 @@ class ParameterDocument {
 
   const std::vector<QCPort*>& parameters() const { return parameters_; }
   UndoHistory& history() { return history_; }
-  void forgetHistory() { history_.forget(); }
+  void forgetHistory();
 
   void reset(QCPort& port);
   void resetAll();
@@ -36,8 +36,9 @@ class ParameterDocument {
   // The file that a parameter came from or was saved to; empty when there is none yet.
   const std::string& file(const QCPort& port) const;
   void setFile(const QCPort& port, const std::string& path);
-  // Whether the parameter is no longer as it is in its file.
+  // Whether the parameter is no longer as it is in its file; without a file, as it was when the history began.
   bool isModified(const QCPort& port) const;
+  std::vector<QCPort*> unsaved() const;  // those with a state file, or with room for one, that are modified
   // The port that takes a file's state: the preferred one when the kind fits, otherwise the first that takes the kind.
   QCPort& load(const std::string& path, QCPort* preferred);
   // In the format and form that the file of the parameter has; XML, a dictionary, when it has none.

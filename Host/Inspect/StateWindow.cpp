@@ -8,6 +8,7 @@
 #include "Host/Inspect/MessageBar.h"
 #include "Host/Inspect/ParameterSection.h"
 
+#include <QCloseEvent>
 #include <QDropEvent>
 #include <QFileInfo>
 #include <QVBoxLayout>
@@ -47,6 +48,10 @@ void StateWindow::updateTitle() {
   const QString file = QString::fromStdString(document.file(section_->port()));
   setWindowTitle(QFileInfo(file).fileName() + "[*] \u2013 Vorto");
   setWindowModified(document.isModified(section_->port()));
+}
+
+void StateWindow::closeEvent(QCloseEvent* event) {
+  event->setAccepted(actions_->mayClose());
 }
 
 void StateWindow::dragEnterEvent(QDragEnterEvent* event) {

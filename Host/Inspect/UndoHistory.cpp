@@ -43,8 +43,16 @@ void UndoHistory::forget() {
   for (const QCPort* port : ports_) committed_.push_back(editedState(*port));
 }
 
+std::vector<QCPort*> UndoHistory::changedPorts() const {
+  std::vector<QCPort*> changed;
+  for (std::size_t i = 0; i < ports_.size(); ++i) {
+    if (editedState(*ports_[i]) != committed_[i]) changed.push_back(ports_[i]);
+  }
+  return changed;
+}
+
 bool UndoHistory::commit() {
-  if (interacting_) return false;
+  if (isInteracting()) return false;
   Step step;
   for (std::size_t i = 0; i < ports_.size(); ++i) {
     State now = editedState(*ports_[i]);
@@ -62,7 +70,7 @@ bool UndoHistory::commit() {
 
 bool UndoHistory::prepare() {
   commit();
-  return !interacting_;
+  return !isInteracting();
 }
 
 void UndoHistory::undo() {

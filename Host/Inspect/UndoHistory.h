@@ -5,14 +5,15 @@
 
 #include <cstddef>
 #include <optional>
+#include <set>
 #include <vector>
 
 class QCPort;
 
 namespace host {
 
-// What was done to the parameters of a patch, step by step. A step is all that changed between two commits; while an
-// interaction runs (a drag, an open color dialog) nothing is committed, so that it becomes one step. Which channel of
+// What was done to the parameters of a patch, step by step. A step is all that changed between two commits; while
+// interactions run (a drag, an open color picker) nothing is committed, so that they become one step. Which channel of
 // levels is on view is no change.
 //
 // The ports must outlive it.
@@ -20,9 +21,14 @@ class UndoHistory {
  public:
   explicit UndoHistory(std::vector<QCPort*> ports);
 
-  void startInteraction() { interacting_ = true; }
-  void endInteraction() { interacting_ = false; }
-  bool isInteracting() const { return interacting_; }
+  // Sources are ports, or whatever else people interact with. Each has one interaction at a time: an end without a
+  // start does nothing, and nor does another start.
+  void startInteraction(const void* source) { interacting_.insert(source); }
+  void endInteraction(const void* source) { interacting_.erase(source); }
+  bool isInteracting() const { return !interacting_.empty(); }
+
+  // Those whose values are no longer as they were committed.
+  std::vector<QCPort*> changedPorts() const;
 
   // True when something had changed and a step was made of it.
   bool commit();
@@ -52,7 +58,7 @@ class UndoHistory {
   std::vector<State> committed_;
   std::vector<Step> steps_;
   std::size_t position_ = 0;  // steps before it are done, those from it on undone
-  bool interacting_ = false;
+  std::set<const void*> interacting_;
 };
 
 // A port's value without what only says what is on view; and back, with what is on view kept.

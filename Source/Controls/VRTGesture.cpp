@@ -2,6 +2,7 @@
 #include "Controls/VRTGesture.h"
 
 #include "Controls/VRTInteractions.h"
+#include "Controls/VRTLateEnds.h"
 
 #include <utility>
 
@@ -10,9 +11,9 @@ VRTGesture::VRTGesture(Settle settle) : settle_(std::move(settle)), life_(std::m
 VRTGesture::~VRTGesture() {
   life_.reset();
   if (!isOpen()) return;
-  const std::shared_ptr<QCPort> port = port_.lock();
-  by_ = By::Nothing;
-  if (port) VRTPostEndInteraction(port.get());
+  VRTEndLater([reference = port_] {
+    if (const std::shared_ptr<QCPort> port = reference.lock()) VRTPostEndInteraction(port.get());
+  });
 }
 
 VRTGesture::Alive VRTGesture::alive() const {
@@ -29,10 +30,17 @@ bool VRTGesture::start(By by, const std::shared_ptr<QCPort>& port) {
   return owner && by_ == by;
 }
 
+bool VRTGesture::catchUp() const {
+  const Alive owner = alive();
+  VRTDeliverLateEnds();
+  return static_cast<bool>(owner);
+}
+
 // Closed first, so that whatever happens next the end is posted once. From there on the view may be gone.
 void VRTGesture::close(const NSEvent* release, std::shared_ptr<QCPort> port, const Settle& settle) {
   const Ending ending{std::move(port), std::exchange(by_, By::Nothing), release};
   heldKeys_.clear();
+  isLost_ = false;
   const Settle copy = settle;
   if (copy) copy(ending);
   VRTPostEndInteraction(ending.port.get());
@@ -49,6 +57,7 @@ void VRTGesture::endWith(const Settle& settle) {
 }
 
 bool VRTGesture::clearForPress() {
+  if (!catchUp()) return false;
   const Alive owner = alive();
   end();
   if (!owner) return false;
@@ -68,14 +77,22 @@ bool VRTGesture::hold(int key, const std::shared_ptr<QCPort>& port) {
 
 bool VRTGesture::letGo(int key) {
   if (heldKeys_.erase(key) == 0) return false;
-  if (heldKeys_.empty()) loseKeys();
+  if (heldKeys_.empty() && by_ == By::Keys) end();
   return true;
 }
 
 void VRTGesture::loseKeys() {
-  if (by_ == By::Keys) end();
+  if (by_ == By::Keys) endLate();
 }
 
 void VRTGesture::lose() {
-  if (by_ != By::Picker) end();
+  if (by_ != By::Picker) endLate();
+}
+
+void VRTGesture::endLate() {
+  if (!isOpen() || isLost_) return;
+  isLost_ = true;
+  VRTEndLater([this, owner = alive()] {
+    if (owner && isLost_) end();
+  });
 }

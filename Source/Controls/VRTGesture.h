@@ -13,8 +13,9 @@ class NSEvent;
 // knows nothing of widgets; the view that holds it tells it what mouse, keyboard and pickers do.
 //
 // One interaction is open at a time. It ends with what opened it: the button or the last key is let go, the picker
-// closes. Where that end gets lost (the view is hidden, another press comes first, the view dies) it is made up for:
-// every start has its end, for the same port.
+// closes. Where that end gets lost (the view is hidden or disabled, another press comes first, the view dies) it is
+// made up for: every start has its end, for the same port. Such an end comes late (VRTLateEnds.h), unless a press needs
+// it at once: what loses it is in the middle of Qt's own work.
 //
 // Every notification is a call out, whose receivers may do anything, destroy the view included. A call out is followed
 // by one question:
@@ -45,8 +46,8 @@ class VRTGesture {
   using Settle = std::function<void(const Ending&)>;
 
   explicit VRTGesture(Settle settle = nullptr);
-  // Posts the end of an open interaction, unless its port is gone. The view is not told. Let it be the view's last
-  // member, so that it goes first.
+  // The end of an open interaction is posted late, unless its port is gone by then. The view is not told. Let it be the
+  // view's last member, so that it goes first.
   ~VRTGesture();
   VRTGesture(const VRTGesture&) = delete;
   VRTGesture& operator=(const VRTGesture&) = delete;
@@ -55,6 +56,12 @@ class VRTGesture {
   By openedBy() const { return by_; }
   bool isOpen() const { return by_ != By::Nothing; }
   bool keysMayAct() const { return by_ == By::Nothing || by_ == By::Keys; }
+  // Whether the end of what is open got lost and is still to come.
+  bool isLost() const { return isLost_; }
+
+  // Ends that are late come now: before keyboard or assistive technology do anything. False when the view has been
+  // destroyed.
+  bool catchUp() const;
 
   // Opens an interaction; none may be open. False when whoever was told has destroyed the view or ended it.
   bool start(By by, const std::shared_ptr<QCPort>& port);
@@ -63,7 +70,8 @@ class VRTGesture {
   // The same, with something else in place of what is settled.
   void endWith(const Settle& settle);
 
-  // The mouse. Before a press: whatever is open is ended. False when the view has been destroyed.
+  // The mouse. Before a press: whatever is open is ended, and late ends elsewhere. False when the view has been
+  // destroyed.
   bool clearForPress();
   // The button was let go: the end of the press. It is posted for a press without a start too, with the port given, and
   // not a second time when it has been made up for.
@@ -74,13 +82,14 @@ class VRTGesture {
   static constexpr int kNoKey = 0;  // of what is set by assistive technology: held until end()
   // A key went up: false when it was not held. The last one ends the interaction.
   bool letGo(int key);
-  // The keys will be let go elsewhere.
+  // The keys will be let go elsewhere: their interaction ends late.
   void loseKeys();
 
-  // Neither button nor keys may be let go here any more. A picker goes on.
+  // Neither button nor keys may be let go here any more: what they opened ends late. A picker goes on.
   void lose();
 
  private:
+  void endLate();
   void close(const NSEvent* release, std::shared_ptr<QCPort> port, const Settle& settle);
 
   Settle settle_;
@@ -88,5 +97,6 @@ class VRTGesture {
   By by_ = By::Nothing;
   VRTObjectReference<QCPort> port_;  // the one that was told of the start
   std::set<int> heldKeys_;
+  bool isLost_ = false;
   bool releaseIsMadeUpFor_ = false;  // the press that is down needs no end
 };

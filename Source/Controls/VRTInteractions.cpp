@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Controls/VRTInteractions.h"
 
+#include "Controls/VRTLateEnds.h"
 #include "Platform/Foundation/NSNotificationCenter.h"
 
 void VRTPostStartInteraction(const QCPort* port) {
+  VRTDeliverLateEnds();
   NSNotificationCenter::defaultCenter().postNotificationName(kVortoStartInteraction, port);
 }
 

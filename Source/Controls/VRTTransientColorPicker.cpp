@@ -1,23 +1,36 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Controls/VRTTransientColorPicker.h"
 
+#include "Controls/VRTLateEnds.h"
 #include "Controls/VRTTransientColorPanel.h"
+#include "Platform/Foundation/NSNotificationCenter.h"
 #include "Platform/TarnKit/NSTarnView.h"
 
 #include <QPointer>
 
+namespace {
+
+void post(const char* name, const void* sender) {
+  NSNotificationCenter::defaultCenter().postNotificationName(name, sender);
+}
+
+}  // namespace
+
 // What a picker is while it is open. Callbacks may destroy the view, close the picker and open another one; each step
 // holds the session itself and checks whether it still runs.
 struct VRTTransientColorPicker::Session : std::enable_shared_from_this<Session> {
-  Session(VRTTransientColorPicker* newPicker, NSTarnView& newView) : picker(newPicker), view(&newView) {}
+  Session(VRTTransientColorPicker* newPicker, NSTarnView& newView)
+      : picker(newPicker), view(&newView), sender(&newView) {}
 
   void open(VRTColorSwatch::Kind kind, QPoint globalPosition);
   void report(const NSColor& color);
   void finish(bool taken);
+  void finishHidden(bool taken);
   void die();
 
   std::unique_ptr<VRTTransientColorPicker> picker;
   QPointer<NSTarnView> view;
+  const void* sender;  // of what is posted
   QPointer<VRTTransientColorPanel> panel;
   bool running = true;
 
@@ -34,13 +47,22 @@ void VRTTransientColorPicker::Session::open(VRTColorSwatch::Kind kind, QPoint gl
   };
   VRTTransientColorPanel::Handlers handlers{
       [with](const NSColor& color) { with([&](Session& session) { session.report(color); }); },
-      [with](bool taken) { with([&](Session& session) { session.finish(taken); }); },
+      [with](bool taken) { with([&](Session& session) { session.finishHidden(taken); }); },
       [with] { with([](Session& session) { session.die(); }); }};
   panel = new VRTTransientColorPanel(*view, kind, globalPosition, picker->options_.oldColor, std::move(handlers));
+  post(kVRTColorPickerDidOpen, sender);
+  if (!running || !panel) return;
   if (picker->options_.didStart) picker->options_.didStart();
   if (!running || !panel) return;
   panel->show();
   panel->setFocus();
+}
+
+// A panel that is being hidden from outside is in the middle of Qt's own work; who is told may destroy it.
+void VRTTransientColorPicker::Session::finishHidden(bool taken) {
+  if (!running) return;
+  if (!panel || panel->isVisible()) return finish(taken);
+  VRTEndLater([session = shared_from_this(), taken] { session->finish(taken); });
 }
 
 void VRTTransientColorPicker::Session::report(const NSColor& color) {
@@ -65,6 +87,7 @@ void VRTTransientColorPicker::Session::finish(bool taken) {
     if (ended.action_) ended.action_(ended);
   }
   if (view && ended.options_.didEnd) ended.options_.didEnd(taken);
+  post(kVRTColorPickerDidClose, sender);
 }
 
 void VRTTransientColorPicker::Session::die() {
@@ -72,6 +95,7 @@ void VRTTransientColorPicker::Session::die() {
   if (!running) return;
   running = false;
   if (current() == self) current().reset();
+  VRTEndLater([told = sender] { post(kVRTColorPickerDidClose, told); });
 }
 
 VRTTransientColorPicker::VRTTransientColorPicker(Action action, Options options)

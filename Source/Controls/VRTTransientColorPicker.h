@@ -12,6 +12,12 @@
 class NSTarnView;
 class QWidget;
 
+// What a picker posts to the default notification center when it opens, before any color is reported, and once when all
+// is over, colors put back and callbacks made; the sender is the view. Hosts make one step of undo of what changes
+// between. When a picker closes because its view died, the end comes when the events at hand have been handled.
+inline constexpr const char* kVRTColorPickerDidOpen = "VRTColorPickerDidOpen";
+inline constexpr const char* kVRTColorPickerDidClose = "VRTColorPickerDidClose";
+
 // A swatch image that pops up centred under the pointer, kept on the screen, and reports the color under the pointer
 // while it moves, hovering or pressed. Letting go after a drag, a click, or Enter takes the color; Escape, a click
 // outside, or letting go outside puts the old one back. The arrow keys move a place in the swatch, ten times as far

@@ -7,7 +7,9 @@
 #include "Controls/VRTTransientColorPicker.h"
 #include "GradientEditor/VRTGradientGutter.h"
 #include "GradientEditor/VRTGradientGutterGeometry.h"
+#include "GradientEditor/VRTGradientSuccession.h"
 #include "GradientEditor/VRTGradientView.h"
+#include "Ports/VRTObjects.h"
 
 #include <algorithm>
 #include <utility>
@@ -56,7 +58,7 @@ VRTGradientEditorDelegate* VRTGradientEditor::delegate() const {
 
 void VRTGradientEditor::setGradientPort(VRTGradientPort* port) {
   auto retained = VRTObjectReference<VRTGradientPort>(port).lock();
-  if (retained != _pGradientPort && !endLostInteractions()) return;
+  if (retained != _pGradientPort) endLostInteractions();
   auto old = std::exchange(_pGradientPort, std::move(retained));
   if (old) old->removeObserver(this, "value");
   if (_pGradientPort) _pGradientPort->addObserver(this, "value", 0, nullptr);
@@ -71,19 +73,19 @@ void VRTGradientEditor::setGradientPort(VRTGradientPort* port) {
     _gradientGutterAlpha->setGradientEditor(this);
     _gradientGutterAlpha->setRenderMode(VRTGradientRenderAlpha);
   }
+  if (getGradientChannel()) _shownValue = _pGradientPort->rawValue();
   forgetForeignSelection();
   update();
 }
 
-bool VRTGradientEditor::endLostInteractions() {
-  const QPointer<VRTGradientEditor> self(this);
+void VRTGradientEditor::endLostInteractions() {
   if (_gradientGutterRGB) _gradientGutterRGB->endLostInteraction();
-  if (self && _gradientGutterAlpha) _gradientGutterAlpha->endLostInteraction();
-  return self;
+  if (_gradientGutterAlpha) _gradientGutterAlpha->endLostInteraction();
 }
 
 void VRTGradientEditor::observeValueForKeyPath(const std::string&, NSObject* object, const PropertyList&, void*) {
   if (object != _pGradientPort.get()) return;
+  followValue();
   forgetForeignSelection();
   update();
 }
@@ -98,7 +100,7 @@ void VRTGradientEditor::setEnabled(bool enabled) {
 }
 
 void VRTGradientEditor::setSelectedSample(VRTChannelGradientSample* sample, bool middleSelected, bool doubleClick) {
-  _selectedSampleRef = sample ? sample->getRef() : std::make_unique<VRTChannelRef>(nullptr);
+  _selectedSampleRef = std::make_shared<VRTChannelRef>(sample);
   _middleSelected = middleSelected;
   if (VRTGradientEditorDelegate* told = delegate()) {
     const QPointer<VRTGradientEditor> self(this);
@@ -113,12 +115,31 @@ VRTChannelGradientSample* VRTGradientEditor::getSelectedSample() const {
   return dynamic_cast<VRTChannelGradientSample*>(_selectedSampleRef->getChannel());
 }
 
+// The value may be another object now: what was selected and dragged in the old one goes on where it is the same.
+void VRTGradientEditor::followValue() {
+  VRTChannelGradient* fresh = getGradientChannel();
+  if (!fresh || _pGradientPort->rawValue() == _shownValue) return;
+  const NSObjectRef before = std::exchange(_shownValue, _pGradientPort->rawValue());
+  const auto value = std::dynamic_pointer_cast<VRTGradient>(before);
+  const VRTChannelGradient* old = value ? value->kxChannelGradient() : nullptr;
+  if (!old) return;
+  for (VRTGradientGutter* gutter : {_gradientGutterRGB.data(), _gradientGutterAlpha.data()}) {
+    if (gutter) gutter->followGradient(*old, *fresh);
+  }
+  const auto* selected =
+      dynamic_cast<VRTChannelGradientSample*>(_selectedSampleRef ? _selectedSampleRef->getChannel() : nullptr);
+  if (!selected) return;
+  VRTChannelGradientSample* successor = VRTSuccessorOfSample(*selected, old->rgbFolder, fresh->rgbFolder);
+  if (!successor) successor = VRTSuccessorOfSample(*selected, old->alphaFolder, fresh->alphaFolder);
+  *_selectedSampleRef = VRTChannelRef(successor);
+}
+
 // A replaced gradient may live on, in a list of things to undo, say: it must not be edited any more.
 void VRTGradientEditor::forgetForeignSelection() {
   const VRTChannelBase* selected = _selectedSampleRef ? _selectedSampleRef->getChannel() : nullptr;
   const VRTChannelGradient* channel = getGradientChannel();
   if (!selected || !channel || holds(channel->rgbFolder, selected) || holds(channel->alphaFolder, selected)) return;
-  _selectedSampleRef = std::make_unique<VRTChannelRef>(nullptr);
+  _selectedSampleRef = std::make_shared<VRTChannelRef>(nullptr);
 }
 
 namespace {

@@ -21,7 +21,8 @@ class VRTTransientColorPicker;
 
 // The panel that edits the gradient of one port: a preview between a gutter of color stops (below) and one of opacity
 // stops (above), with buttons that spread and flop each. It keeps the selection and follows every change of the port's
-// value. 75 points high, or 25, with nothing but a flat preview, while the port carries no gradient.
+// value, also when another object takes its place: in an equal gradient a drag goes on. 75 points high, or 25, with
+// nothing but a flat preview, while the port carries no gradient.
 //
 // The port is retained. The panel comes from the interface file "TarnGradientEditor"; without it, which is logged, the
 // editor stays empty. An editor may be destroyed at any time, by observers that it tells something too.
@@ -39,6 +40,7 @@ class TARN_EXPORT VRTGradientEditor : public NSTarnView, public NSKeyValueObserv
   void setSelectedSample(VRTChannelGradientSample* sample, bool middleSelected, bool doubleClick) override;
   VRTChannelGradientSample* getSelectedSample() const override;
   bool getMiddleSelected() const override { return _middleSelected; }
+  std::shared_ptr<const VRTChannelRef> getSelection() const override { return _selectedSampleRef; }
 
   // Lays the panel out for its width and what the port carries, and repaints everything.
   void update() override;
@@ -64,16 +66,16 @@ class TARN_EXPORT VRTGradientEditor : public NSTarnView, public NSKeyValueObserv
   void loadInterfaceFile();
   void awakeFromNib();
   void nameButtons();
+  void followValue();
   void forgetForeignSelection();
-  // Of the gutters, before their port or their place goes. Whoever is told of it may change everything; false when the
-  // editor has been destroyed.
-  bool endLostInteractions();
+  void endLostInteractions();  // of the gutters, whose port or place goes
   void orderTabs();
   std::vector<QWidget*> optionalParts() const;  // those that need a gradient, in the order of the Tab key
 
   std::weak_ptr<VRTGradientEditorDelegate*> _delegate;
   std::shared_ptr<VRTGradientPort> _pGradientPort;
-  std::unique_ptr<VRTChannelRef> _selectedSampleRef;
+  NSObjectRef _shownValue;  // of the port; the last one, while it has no gradient
+  std::shared_ptr<VRTChannelRef> _selectedSampleRef;
   bool _middleSelected = false;
   QPointer<NSTarnView> _masterView;
   QPointer<VRTGradientView> _gradientView;

@@ -113,8 +113,8 @@ bool VRTGradientEditor::manageSubview(QWidget* view, bool on) {
 void VRTGradientEditor::update() {
   if (!_masterView) return;
   const QPointer<VRTGradientEditor> self(this);
-  if (!getGradientChannel() && (!endLostInteractions() || !_masterView)) return;
   const bool hasGradient = getGradientChannel() != nullptr;
+  if (!hasGradient) endLostInteractions();
   const VRTGradientEditorLayout layout(bounds().size.width, hasGradient);
   const bool sizeChanged = !NSEqualSizes(_masterView->frame().size, layout.panel);
   if (sizeChanged) {

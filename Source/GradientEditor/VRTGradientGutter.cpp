@@ -3,9 +3,11 @@
 
 #include "Channels/VRTChannelGradient.h"
 #include "GradientEditor/VRTGradientGutterOwner.h"
+#include "GradientEditor/VRTGradientSuccession.h"
 #include "Platform/TarnKit/NSAnimationEffect.h"
 #include "TarnCore/TCPrint.h"
 
+#include <QEvent>
 #include <algorithm>
 #include <utility>
 
@@ -21,6 +23,7 @@ VRTGradientGutter::~VRTGradientGutter() = default;
 
 void VRTGradientGutter::setEnabled(bool enabled) {
   _enabled = enabled;
+  if (!enabled) endLostInteraction();
   setFocusPolicy(enabled ? Qt::StrongFocus : Qt::NoFocus);
 }
 
@@ -94,6 +97,24 @@ bool VRTGradientGutter::folderIsRemembered() const {
   return folder && editedFolder_ && editedFolder_->getChannel() == folder;
 }
 
+// The edited folder while it is one of the port's value. The gutter may have got another port meanwhile.
+VRTChannelGradientFolder* VRTGradientGutter::editedFolderOf(const QCPort* port) const {
+  VRTChannelGradient* channel = VRTGradientChannelOfPort(dynamic_cast<const VRTGradientPort*>(port));
+  const VRTChannelBase* edited = editedFolder_ ? editedFolder_->getChannel() : nullptr;
+  if (!channel || !edited) return nullptr;
+  if (edited == &channel->rgbFolder) return &channel->rgbFolder;
+  return edited == &channel->alphaFolder ? &channel->alphaFolder : nullptr;
+}
+
+void VRTGradientGutter::followGradient(const VRTChannelGradient& before, VRTChannelGradient& after) {
+  const VRTChannelBase* edited = editedFolder_ ? editedFolder_->getChannel() : nullptr;
+  const auto follow = [&](const VRTChannelGradientFolder& old, VRTChannelGradientFolder& fresh) {
+    if (edited == &old && VRTHoldEqualSamples(old, fresh)) editedFolder_ = fresh.getRef();
+  };
+  follow(before.rgbFolder, after.rgbFolder);
+  follow(before.alphaFolder, after.alphaFolder);
+}
+
 void VRTGradientGutter::abandonDrag() {
   _pDeleted.reset();
   _moving = MovingNothing;
@@ -108,10 +129,16 @@ void VRTGradientGutter::settle(const VRTGesture::Ending& ending) {
   }
   _pDeleted.reset();
   const bool moved = std::exchange(_moving, MovingNothing) != MovingNothing || ending.by == VRTGesture::By::Keys;
-  if (moved && folderIsRemembered()) getFolder()->sortAndRename();
+  VRTChannelGradientFolder* folder = moved ? editedFolderOf(ending.port.get()) : nullptr;
+  if (folder) folder->sortAndRename();
 }
 
 void VRTGradientGutter::hideEvent(QHideEvent* event) {
   VRTGradientView::hideEvent(event);
   endLostInteraction();
+}
+
+void VRTGradientGutter::changeEvent(QEvent* event) {
+  VRTGradientView::changeEvent(event);
+  if (event->type() == QEvent::EnabledChange && !isEnabled()) endLostInteraction();
 }

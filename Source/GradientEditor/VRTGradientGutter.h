@@ -33,7 +33,7 @@ class VRTGradientGutterOwner;
 // none.
 //
 // Observers of any of these may replace the value and destroy samples, the gutter and its editor. A drag whose gradient
-// is replaced ends there: the new gradient is left alone.
+// is replaced goes on when the new one has equal samples. Otherwise it ends there: the new gradient is left alone.
 class VRTGradientGutter : public VRTGradientView {
  public:
   explicit VRTGradientGutter(NSRect frame, QWidget* parent = nullptr);
@@ -66,8 +66,11 @@ class VRTGradientGutter : public VRTGradientView {
   QMenu* menuForEvent(const NSEvent& event) override;
   void keyDown(QKeyEvent& event) override;
 
-  // Ends what the mouse or the keyboard is doing, whose own end may never come: the gutter is about to be hidden.
+  // Ends what the mouse or the keyboard is doing, whose own end may never come: the gutter is hidden, disabled or gets
+  // another port. Those who hear of it are told later.
   void endLostInteraction() { gesture_.lose(); }
+  // The gradient has been replaced: what mouse and keys are doing goes on where the samples are equal.
+  void followGradient(const VRTChannelGradient& before, VRTChannelGradient& after);
 
   void update() override;
   void updateToolTips();
@@ -95,6 +98,7 @@ class VRTGradientGutter : public VRTGradientView {
   void focusInEvent(QFocusEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
   void hideEvent(QHideEvent* event) override;
+  void changeEvent(QEvent* event) override;
 
  private:
   enum Moving : std::int32_t { MovingNothing = 0, MovingSample = 1, MovingMiddle = 2 };
@@ -111,8 +115,10 @@ class VRTGradientGutter : public VRTGradientView {
 
   void rememberFolder();
   bool folderIsRemembered() const;
+  VRTChannelGradientFolder* editedFolderOf(const QCPort* port) const;
   void abandonDrag();
   void settle(const VRTGesture::Ending& ending);
+  std::shared_ptr<const VRTChannelRef> pickedSample() const;
   void putColorBack(const VRTChannelRef& picked, const VRTChannelBase& before);
   void pickerDidEnd();
 

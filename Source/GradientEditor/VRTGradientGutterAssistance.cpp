@@ -68,7 +68,7 @@ std::vector<NSAccessibilityElement> VRTGradientGutter::accessibilityElements() c
 }
 
 void VRTGradientGutter::setAccessibilityValue(std::size_t element, double value) {
-  if (!getGradientChannel() || !_enabled || gesture_.isOpen()) return;
+  if (!gesture_.catchUp() || !getGradientChannel() || !_enabled || gesture_.isOpen()) return;
   VRTGradientGutterMap samples;
   getSamples(samples);
   if (element >= samples.size()) return;

@@ -41,7 +41,7 @@ bool VRTGradientGutter::useKey(const QKeyEvent& event) {
     default:
       return false;
   }
-  if (!gesture_.keysMayAct()) return true;
+  if (!gesture_.catchUp() || !gesture_.keysMayAct() || !getGradientChannel()) return true;
 
   if (direction == 0) {
     if (control || shift || event.isAutoRepeat()) return true;

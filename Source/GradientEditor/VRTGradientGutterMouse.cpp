@@ -23,6 +23,7 @@ void VRTGradientGutter::mouseDown(const NSEvent& event) {
   bool onSample = false;
   if (!pressAt(convertPointFromWindow(event.locationInWindow()), event, &onSample)) return;
   if (!gesture_.start(VRTGesture::By::Mouse, gradientPort())) return;
+  if (!_enabled) return endLostInteraction();  // since the selection was told: the release goes to the superview
   const VRTGradientGutterOwner* owner = editor();
   if (onSample && event.clickCount() == 2 && owner && !owner->delegate()) startColorPicker(event);
 }
@@ -73,7 +74,7 @@ VRTChannelGradientSample* VRTGradientGutter::copyOfSample(VRTChannelGradientSamp
 
 void VRTGradientGutter::mouseDragged(const NSEvent& event) {
   if (!getGradientChannel() || !_enabled) return VRTGradientView::mouseDragged(event);
-  if (_moving == MovingNothing) return;
+  if (_moving == MovingNothing || gesture_.isLost()) return;
   if (!folderIsRemembered()) return abandonDrag();
   // In single precision like the starting location: back on its pixel the distance is 0 at every pixel ratio.
   const NSPoint point = singlePrecision(convertPointFromWindow(event.locationInWindow()));

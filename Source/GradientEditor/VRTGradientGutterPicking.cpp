@@ -36,9 +36,14 @@ std::optional<NSColor> VRTGradientGutter::color() const {
   return std::nullopt;
 }
 
+// What the picker colors; it stays the same when a host replaces the gradient by a copy. Null when nothing of this
+// gutter is selected.
+std::shared_ptr<const VRTChannelRef> VRTGradientGutter::pickedSample() const {
+  return selectedSampleOfFolder() ? editor()->getSelection() : nullptr;
+}
+
 VRTTransientColorPicker::Action VRTGradientGutter::pickerAction() {
-  VRTChannelGradientSample* const sample = selectedSampleOfFolder();
-  const std::shared_ptr<VRTChannelRef> picked(sample ? sample->getRef() : nullptr);
+  const auto picked = pickedSample();
   return [this, alive = gesture_.alive(), picked](VRTTransientColorPicker& picker) {
     if (!alive || !picked || !picked->getChannel()) return;
     if (selectedSampleOfFolder() == picked->getChannel()) takeColorFromTransientColorPicker(&picker);
@@ -46,9 +51,8 @@ VRTTransientColorPicker::Action VRTGradientGutter::pickerAction() {
 }
 
 VRTTransientColorPicker::Options VRTGradientGutter::pickerOptions() {
-  VRTChannelGradientSample* const sample = selectedSampleOfFolder();
-  const std::shared_ptr<VRTChannelRef> picked(sample ? sample->getRef() : nullptr);
-  const std::shared_ptr<VRTChannelBase> before(sample ? sample->clone() : nullptr);
+  const auto picked = pickedSample();
+  const std::shared_ptr<VRTChannelBase> before(picked ? picked->getChannel()->clone() : nullptr);
   VRTTransientColorPicker::Options options;
   options.oldColor = color();
   options.didEnd = [this, alive = gesture_.alive(), picked, before](bool taken) {

@@ -112,16 +112,13 @@ NSObject* VRTHistogramEditor::delegate() const {
 }
 
 void VRTHistogramEditor::setHistogramPort(VRTHistogramPort* port) {
-  const QPointer<VRTHistogramEditor> self(this);
-  const auto attached = VRTObjectReference<VRTHistogramPort>(port).lock();
-  const auto old = std::exchange(_histogramPort, attached);
+  const auto old = std::exchange(_histogramPort, VRTObjectReference<VRTHistogramPort>(port).lock());
   if (old) old->removeObserver(this, "value");
-  if (attached) attached->addObserver(this, "value", 0, nullptr);
+  if (_histogramPort) _histogramPort->addObserver(this, "value", 0, nullptr);
   if (_histogramView) _histogramView->setHistogramPort(port);
-  // A gutter that is dragged tells that the drag is over, and who is told may destroy the editor.
-  if (self && _gutterIn) _gutterIn->setHistogramPort(port);
-  if (self && _gutterOut) _gutterOut->setHistogramPort(port);
-  if (self && _histogramPort == attached) rebuildPopUp();
+  if (_gutterIn) _gutterIn->setHistogramPort(port);
+  if (_gutterOut) _gutterOut->setHistogramPort(port);
+  rebuildPopUp();
 }
 
 void VRTHistogramEditor::rebuildPopUp() {

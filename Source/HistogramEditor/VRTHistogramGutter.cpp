@@ -8,6 +8,7 @@
 #include "Platform/TarnKit/TarnTheme.h"
 #include "Ports/VRTObjects.h"
 
+#include <QEvent>
 #include <QLocale>
 
 // Drawing and the mouse. Everything that tells others may destroy the gutter or replace the levels: what was looked up
@@ -24,11 +25,8 @@ VRTHistogramGutter::VRTHistogramGutter(NSRect frame, QWidget* parent) : NSTarnVi
 }
 
 void VRTHistogramGutter::setHistogramPort(VRTHistogramPort* port) {
-  const VRTGesture::Alive alive = gesture_.alive();
-  const VRTObjectReference<VRTHistogramPort> reference(port);
   if (histogramPort().get() != port) gesture_.lose();
-  if (!alive) return;
-  _pHistogramPort = reference;
+  _pHistogramPort = VRTObjectReference<VRTHistogramPort>(port);
   setNeedsDisplay(true);
 }
 
@@ -82,7 +80,7 @@ void VRTHistogramGutter::mouseDown(const NSEvent& event) {
 }
 
 void VRTHistogramGutter::mouseDragged(const NSEvent& event) {
-  if (_selectedChannel == NoHandle) return;
+  if (_selectedChannel == NoHandle || gesture_.isLost()) return;
   const NSPoint point = convertPointFromWindow(event.locationInWindow());
   const double travel = geometry().valuesOfDistance(point.x - static_cast<double>(_startingLocation.x));
   const double position = travel + _startingValue;
@@ -120,6 +118,11 @@ void VRTHistogramGutter::changeChannel(const std::function<void(VRTChannelHistog
 void VRTHistogramGutter::hideEvent(QHideEvent* event) {
   NSTarnView::hideEvent(event);
   gesture_.lose();
+}
+
+void VRTHistogramGutter::changeEvent(QEvent* event) {
+  NSTarnView::changeEvent(event);
+  if (event->type() == QEvent::EnabledChange && !isEnabled()) gesture_.lose();
 }
 
 // The value of what is dragged, above its handle.

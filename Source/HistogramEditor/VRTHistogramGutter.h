@@ -68,6 +68,7 @@ class VRTHistogramGutter : public NSTarnView {
   void focusInEvent(QFocusEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
   void hideEvent(QHideEvent* event) override;
+  void changeEvent(QEvent* event) override;
 
  private:
   VRTHistogramGutterGeometry geometry() const { return VRTHistogramGutterGeometry(bounds()); }

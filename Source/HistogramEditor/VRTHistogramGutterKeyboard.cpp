@@ -39,9 +39,7 @@ bool VRTHistogramGutter::focusNextPrevChild(bool next) {
   if (!hasFocus() || !getHistogramChannel() || focused == order.end() || isLast) {
     return NSTarnView::focusNextPrevChild(next);
   }
-  const VRTGesture::Alive alive = gesture_.alive();
   gesture_.loseKeys();
-  if (!alive) return true;
   showsFocus_ = true;
   setFocusedHandle(next ? *(focused + 1) : *(focused - 1));
   return true;
@@ -68,6 +66,7 @@ void VRTHistogramGutter::keyDown(QKeyEvent& event) {
 }
 
 bool VRTHistogramGutter::useKey(const QKeyEvent& event) {
+  if (!gesture_.catchUp()) return true;
   const VRTChannelHistogram* channel = getHistogramChannel();
   const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
   if (!channel || focusedHandle_ == NoHandle) return false;
@@ -132,7 +131,8 @@ std::vector<NSAccessibilityElement> VRTHistogramGutter::accessibilityElements() 
 
 void VRTHistogramGutter::setAccessibilityValue(std::size_t element, double value) {
   const std::vector<Handle> order = handlesFromLeft();
-  if (element >= order.size() || gesture_.isOpen() || std::isnan(value) || !getHistogramChannel()) return;
+  if (!gesture_.catchUp() || gesture_.isOpen() || !getHistogramChannel()) return;
+  if (element >= order.size() || std::isnan(value)) return;
   const Handle handle = order[element];
   const double limited = std::clamp(value, 0.0, largestValueOf(handle));
   const VRTGesture::Alive alive = gesture_.alive();

@@ -159,6 +159,7 @@ TEST_F(Picker, ReportsWhatPeopleDo) {
     open(true, each.old ? std::optional(gray(*each.old)) : std::nullopt);
     const QPointer<QWidget> opened = panel;
     each.act();
+    QCoreApplication::processEvents();
     EXPECT_EQ(log, "start " + each.told);
     if (each.red) {
       ASSERT_TRUE(last);

@@ -79,6 +79,10 @@ const Ending kEndings[] = {
     {"let go", [](auto& scene, auto&, auto& gesture) { gesture.letGo(scene); }},
     {"hidden", [](auto& scene, auto&, auto&) { scene.gutter->hide(); }},
     {"window hidden", [](auto& scene, auto&, auto&) { scene.window->hide(); }},
+    {"window closed", [](auto& scene, auto&, auto&) { scene.window->close(); }},
+    {"disabled", [](auto& scene, auto&, auto&) { scene.editor->setEnabled(false); }},
+    {"window disabled", [](auto& scene, auto&, auto&) { scene.window->setEnabled(false); }},
+    {"taken out", [](auto& scene, auto&, auto&) { scene.gutter->setParent(nullptr); }, Then::Settled},
     {"keyboard gone",
      [](auto& scene, auto&, auto& gesture) { gesture.byMouse ? gesture.letGo(scene) : scene.gutter->clearFocus(); }},
     {"detached", [](auto& scene, auto&, auto&) { scene.attach(nullptr); }},
@@ -114,7 +118,9 @@ TEST_P(Gestures, HaveOneEndHoweverTheyEnd) {
       gesture.begin(*scene);
       EXPECT_EQ(scene->log, gesture.told);
       ending.act(*scene, *other, gesture);
+      QCoreApplication::processEvents();
       EXPECT_EQ(scene->log, whole(*scene, gesture.told, ending.then));
+      if (scene->gutter && !scene->gutter->parentWidget()) delete scene->gutter;
       scene->window->show();
       scene->move({80, 5});
       gesture.letGo(*scene);
@@ -124,6 +130,8 @@ TEST_P(Gestures, HaveOneEndHoweverTheyEnd) {
       scene->window->grab();
 
       if (!scene->editor || !scene->gutter || ending.then == Then::Unheard) continue;
+      scene->window->setEnabled(true);
+      scene->editor->setEnabled(true);
       scene->attach(scene.get());
       scene->gutter->show();
       scene->port().setValue(scene->newValue());
@@ -170,35 +178,48 @@ struct Deed {
 
 const Deed kDeeds[] = {
     {"destroys the editor", [](auto& scene) { delete scene.editor; }},
+    {"destroys the window", [](auto& scene) { scene.window.reset(); }},
     {"destroys the gutter", [](auto& scene) { delete scene.gutter; }},
     {"detaches the editor", [](auto& scene) { scene.editor ? scene.attach(nullptr) : void(); }},
     {"hides the gutter", [](auto& scene) { scene.gutter ? scene.gutter->hide() : void(); }},
+    {"disables the editor", [](auto& scene) { scene.editor ? scene.editor->setEnabled(false) : void(); }},
+    {"updates the editor", [](auto& scene) { scene.editor ? scene.updateEditor() : void(); }},
+    {"handles events", [](auto&) { QCoreApplication::processEvents(); }},
     {"replaces the value", [](auto& scene) { scene.port().setValue(scene.newValue()); }},
     {"takes the value away", [](auto& scene) { scene.port().setValue(nullptr); }},
 };
 
 }  // namespace
 
-// At every notification of every gesture, with the button or the keys let go in the end.
+// At every notification of every gesture, and at those that come with and after what cuts it short.
 TEST_P(Gestures, SurviveWhoeverIsTold) {
   for (const Gesture& gesture : kGestures) {
     for (const Deed& deed : kDeeds) {
-      for (int which = 0; which < 6; ++which) {
-        SCOPED_TRACE(std::string(gesture.name) + ", notification " + std::to_string(which) + " " + deed.name);
-        const auto scene = make();
-        int told = 0;
-        scene->onNote = [&](const std::string&) {
-          if (told++ == which) deed.act(*scene);
-        };
-        gesture.begin(*scene);
-        if (gesture.byMouse) scene->move({40, 80});
-        gesture.letGo(*scene);
-        // Keys that a hidden gutter loses go to the next one, as a gesture of its own.
-        EXPECT_EQ(scene->count("end"), scene->count("start")) << scene->log;
-        EXPECT_EQ(scene->log.substr(0, 5), "start");
-        EXPECT_TRUE(!gesture.byMouse || scene->count("end") == 1) << scene->log;
-        QCoreApplication::processEvents();
-        scene->window->grab();
+      for (const Ending& ending : kEndings) {
+        const bool isWhole = &ending == &kEndings[0];
+        for (int which = 0; which < (isWhole ? 6 : 2); ++which) {
+          SCOPED_TRACE(testing::Message()
+                       << gesture.name << ", " << ending.name << ", notification " << which << " " << deed.name);
+          const auto scene = make(), other = make();
+          const auto tell = [&, told = 0](const std::string&) mutable {
+            if (told++ == which) deed.act(*scene);
+          };
+          if (isWhole) scene->onNote = tell;
+          gesture.begin(*scene);
+          if (isWhole && gesture.byMouse) scene->move({40, 80});
+          if (!isWhole) scene->onNote = tell;
+          ending.act(*scene, *other, gesture);
+          QCoreApplication::processEvents();
+          gesture.letGo(*scene);
+          QCoreApplication::processEvents();
+          if (scene->gutter && !scene->gutter->parentWidget()) delete scene->gutter;
+          if (ending.then == Then::Unheard) continue;
+          // Keys that a hidden gutter loses go to the next one, as a gesture of its own.
+          EXPECT_EQ(scene->count("end"), scene->count("start")) << scene->log;
+          EXPECT_EQ(scene->log.substr(0, 5), "start");
+          EXPECT_TRUE(!gesture.byMouse || scene->count("end") == 1) << scene->log;
+          if (scene->window) scene->window->grab();
+        }
       }
     }
   }

@@ -222,6 +222,7 @@ TEST_P(GradientGutter, DisabledOrWithoutAGradientTheSuperviewGetsTheEvents) {
                        {});
       QApplication::sendEvent(gutter, &drag);
       QTest::mouseRelease(gutter, button, {}, QPoint(60, 20));
+      QCoreApplication::processEvents();
     }
     const std::string got = superview.names();
     superview.calls.clear();
@@ -388,6 +389,54 @@ TEST_P(GradientGutter, AReplacedGradientIsLeftAlone) {
   }
 }
 
+// Every gesture goes on in the copies; the selection survives them, and undo.
+TEST_P(GradientGutter, AHostMayStoreACopyOnEveryChange) {
+  const PropertyList before = *scene.port->stateValue();
+  const auto store = [&] { scene.port->setStateValue(PropertyList(*scene.port->stateValue()), nullptr); };
+  scene.onNote = [&, storing = false](const std::string& what) mutable {
+    if (what != "change" || std::exchange(storing, true)) return;
+    store();
+    storing = false;
+  };
+  const double step = std::round(scene.span() / 20), start = scene.xOf(0.25);
+  scene.press(band(0.25));
+  for (const NSPoint point : {NSPoint{start + step, kBand}, {start + step, 60}, {start + 9 * step, kBand}}) {
+    scene.move(point);
+  }
+  scene.release();
+  EXPECT_EQ(scene.selected(), scene.sample(2)) << "dragged off and back and past the third";
+  EXPECT_DOUBLE_EQ(scene.sample(2)->position, dragged(0.25, 9 * step));
+  scene.focus();
+  for (int i = 0; i < 3; ++i) scene.keyDown(Qt::Key_Left);
+  scene.keyUp(Qt::Key_Left);
+  EXPECT_NEAR(scene.sample(2)->position, dragged(0.25, 9 * step) - 0.03, 1e-12);
+  scene.press({scene.middleX(2), kBand});
+  for (const int way : {5, 9}) scene.move({scene.middleX(2) + way, kBand});
+  scene.release();
+  EXPECT_GT(scene.sample(2)->middle, 0.5);
+  EXPECT_TRUE(scene.editorPart().getMiddleSelected());
+
+  scene.clickSample(2);
+  scene.onNote = nullptr;
+  for (const PropertyList& state : {before, *scene.port->stateValue(), before}) {
+    scene.port->setStateValue(state, nullptr);
+    EXPECT_EQ(scene.selected(), scene.sample(state == before ? 1 : 2)) << "undone, redone";
+  }
+  scene.click(band(0.25), {}, Qt::RightButton);
+  std::vector<PropertyList> states;
+  for (const int x : {20, 60, 90}) {
+    GradientScene::hoverPicker({x, 20});
+    store();
+    states.push_back(*scene.port->stateValue());
+  }
+  EXPECT_NE(states[1], states[0]);
+  EXPECT_NE(states[2], states[1]);
+  VRTTransientColorPicker::current()->cancel();
+  EXPECT_EQ(*scene.port->stateValue(), before);
+  scene.port->setStateValue(states[0], nullptr);
+  EXPECT_EQ(scene.selected(), scene.sample(1)) << "of another color";
+}
+
 TEST_P(GradientGutter, ADraggedSampleDiesWithTheEditorOrTheValue) {
   const auto dragOff = [&](double position) {
     std::unique_ptr<VRTChannelRef> ref = scene.sample(1)->getRef();
@@ -399,6 +448,7 @@ TEST_P(GradientGutter, ADraggedSampleDiesWithTheEditorOrTheValue) {
   const auto first = dragOff(0.25);
   const QPointer<NSTarnView> gutter = scene.gutter;
   scene.port->setValue(nullptr);
+  QCoreApplication::processEvents();
   EXPECT_EQ(first->getChannel(), nullptr);
   EXPECT_EQ(gutter->parentWidget(), nullptr) << "taken out of the panel";
   gutter->mouseUp(NSEvent());
@@ -433,11 +483,31 @@ TEST_P(GradientGutter, TheDelegateMayDestroyTheEditor) {
     void setSelectedSample(VRTChannelGradientSample*, bool, bool) override { delete editor; }
     QPointer<NSTarnView> editor;
   } delegate;
-  delegate.editor = scene.editor;
+  for (const auto& [button, y] : {std::pair{Qt::LeftButton, kStrip}, {Qt::RightButton, kBand}}) {
+    GradientScene pressed(alpha());
+    delegate.editor = pressed.editor;
+    pressed.editorPart().setDelegate(&delegate);
+    pressed.click({pressed.xOf(0.6), y}, {}, button);
+    EXPECT_TRUE(pressed.editor.isNull());
+    EXPECT_EQ(pressed.takeLog(), "");
+  }
+}
+
+TEST_P(GradientGutter, TheDelegateMayRunADialogWhichSeesTheRelease) {
+  struct Delegate : VRTGradientEditorDelegate {
+    void setSelectedSample(VRTChannelGradientSample*, bool, bool doubleClick) override {
+      if (doubleClick) scene.release();
+    }
+    explicit Delegate(GradientScene& shown) : scene(shown) {}
+    GradientScene& scene;
+  } delegate(scene);
   scene.editorPart().setDelegate(&delegate);
-  scene.click({scene.xOf(0.8), kStrip});  // inserts
-  EXPECT_TRUE(scene.editor.isNull());
-  EXPECT_EQ(scene.takeLog(), "");
+  scene.doubleClick(band(0.25));
+  EXPECT_EQ(scene.takeLog(), "start change end start change end");
+  scene.press(band(0.25));
+  scene.editorPart().setEnabled(false);
+  scene.release();
+  EXPECT_EQ(scene.takeLog(), "start change end") << "disabled in mid-drag";
 }
 
 TEST_P(GradientGutter, PickersSurviveTheirEditorAndTheirSample) {
@@ -459,6 +529,7 @@ TEST_P(GradientGutter, PickersSurviveTheirEditorAndTheirSample) {
   delete scene.editor;
   hover();
   EXPECT_EQ(VRTTransientColorPicker::current(), nullptr);
+  QCoreApplication::processEvents();
   EXPECT_EQ(scene.takeLog(), "start change end");
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Inspect/EffectWindow.h"
 
+#include "Channels/VRTChannelGradient.h"
+#include "Controls/VRTTransientColorPicker.h"
 #include "Editors/VRTEditors.h"
 #include "Host/Inspect/DocumentActions.h"
 #include "Host/Inspect/EditorSlot.h"
@@ -17,12 +19,16 @@
 #include <gtest/gtest.h>
 
 #include <QAction>
+#include <QApplication>
 #include <QComboBox>
 #include <QDoubleSpinBox>
 #include <QDropEvent>
+#include <QFileDialog>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QSlider>
 #include <QTest>
+#include <QTimer>
 #include <QUrl>
 #include <filesystem>
 
@@ -205,6 +211,107 @@ TEST_F(EffectWindowTest, RowsShowAndChangeTheirPorts) {
   EXPECT_GT(size.indexValue(), 3500u);
   window->actions().undoAction->trigger();
   EXPECT_EQ(size.indexValue(), 20u) << "one drag, one step";
+}
+
+// However fast the next event comes.
+TEST_F(EffectWindowTest, WhateverPeopleDoToAGradientIsOneStep) {
+  writeFlatPicture(at("in.png"), 0);
+  open(optionsFor("Gradient Map", {at("in.png")}));
+  QCPort& gradient = *window->actions().activePort();
+  auto* channel = dynamic_cast<VRTGradient&>(*gradient.rawValue()).kxChannelGradient();
+  channel->rgbFolder.addSample(1, 0, 0, 0.25, 0.5, VRTGradientLinear);
+  session->document().forgetHistory();
+  auto* gutter = window->findChild<QWidget*>("gradientGutterRGB");
+  ASSERT_NE(gutter, nullptr);
+  const QPoint stop(5, gutter->height() - 6);
+  std::vector<PropertyList> states{*gradient.stateValue()};
+
+  for (const bool taken : {false, true}) {
+    QTest::mousePress(window->windowHandle(), Qt::RightButton, {}, gutter->mapTo(window.get(), stop));
+    QTest::mouseRelease(window->windowHandle(), Qt::RightButton, {}, gutter->mapTo(window.get(), stop));
+    QWidget* panel = VRTTransientColorPicker::panel();
+    ASSERT_NE(panel, nullptr);
+    for (int x = 10; x < 60; ++x) {
+      QMouseEvent move(QEvent::MouseMove, QPointF(x, 20), panel->mapToGlobal(QPointF(x, 20)), Qt::NoButton, {}, {});
+      QApplication::sendEvent(panel, &move);
+      handleEvents();
+    }
+    EXPECT_NE(*gradient.stateValue(), states[0]);
+    taken ? QTest::mouseClick(panel, Qt::LeftButton, {}, {60, 20}) : VRTTransientColorPicker::current()->cancel();
+    handleEvents();
+    EXPECT_EQ(window->actions().undoAction->isEnabled(), taken);
+  }
+  states.push_back(*gradient.stateValue());
+  for (const char* button : {"rgbSpread", "rgbFlop"}) {
+    QTest::mouseClick(window->findChild<QWidget*>(button), Qt::LeftButton);
+    states.push_back(*gradient.stateValue());
+  }
+  const auto last = QPoint(gutter->width() - 6, stop.y());
+  for (const QColor& color : {QColor(Qt::green), QColor(Qt::blue)}) {
+    QMimeData data;
+    data.setColorData(color);
+    for (const QPoint& place : {stop, last}) {
+      QDragEnterEvent enter(place, Qt::CopyAction, &data, Qt::LeftButton, {});
+      QApplication::sendEvent(gutter, &enter);
+      QDropEvent drop(place, Qt::CopyAction, &data, Qt::LeftButton, {});
+      QApplication::sendEvent(gutter, &drop);
+      EXPECT_TRUE(drop.isAccepted());
+      states.push_back(*gradient.stateValue());
+    }
+  }
+  handleEvents();
+  EXPECT_EQ(shown(), qRgb(0, 0, 255)) << "a drop shows at once";
+
+  window->activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+  for (std::size_t i = states.size() - 1; i-- > 0;) {
+    QTest::keyClick(window.get(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(*gradient.stateValue(), states[i]) << i;
+  }
+  EXPECT_FALSE(window->actions().undoAction->isEnabled());
+  QTest::keyClick(window.get(), Qt::Key_Y, Qt::ControlModifier);
+  EXPECT_EQ(*gradient.stateValue(), states[1]);
+}
+
+TEST_F(EffectWindowTest, AsksBeforeUnsavedEditsAreLost) {
+  openLevels();
+  struct {
+    QMessageBox::StandardButton answer = QMessageBox::NoButton;  // to the question; none is expected
+    QString path;                                                // for the file dialog; it is cancelled without one
+  } person;
+  int questions = 0;
+  QTimer attention;
+  attention.callOnTimeout([&] {
+    QWidget* modal = QApplication::activeModalWidget();
+    if (auto* box = qobject_cast<QMessageBox*>(modal)) {
+      ++questions;
+      EXPECT_TRUE(box->text().contains(QString::fromStdString(port(0).name())));
+      if (auto* button = box->button(person.answer)) return button->click();
+    }
+    auto* dialog = qobject_cast<QFileDialog*>(modal);
+    if (dialog && !person.path.isEmpty()) dialog->selectFile(person.path);
+    if (auto* asking = qobject_cast<QDialog*>(modal)) person.path.isEmpty() ? asking->reject() : asking->accept();
+  });
+  attention.start(1);
+  const auto closes = [&](QMessageBox::StandardButton answer, const std::string& path = {}) {
+    person = {answer, QString::fromStdString(path)};
+    window->show();
+    window->actions().quitAction->trigger();
+    return !window->isVisible();
+  };
+  EXPECT_TRUE(closes(QMessageBox::NoButton)) << "nothing has changed";
+  EXPECT_EQ(questions, 0);
+  setBlackOut(1);
+  EXPECT_FALSE(closes(QMessageBox::Cancel));
+  EXPECT_FALSE(closes(QMessageBox::Save)) << "without a file";
+  EXPECT_FALSE(closes(QMessageBox::Save, at("nowhere/a.levels")));
+  EXPECT_TRUE(closes(QMessageBox::Save, at("a.levels")));
+  EXPECT_EQ(questions, 4);
+  EXPECT_TRUE(closes(QMessageBox::NoButton)) << "saved";
+  setBlackOut(0.5);
+  EXPECT_TRUE(closes(QMessageBox::Discard));
+  session->document().load(at("a.levels"), nullptr);
+  EXPECT_EQ(dynamic_cast<VRTHistogram&>(*port(0).rawValue()).blackOutForChannel(0), 1);
 }
 
 TEST_F(EffectWindowTest, DroppedStatesAreLoadedAndOthersRefused) {

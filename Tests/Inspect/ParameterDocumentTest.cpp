@@ -41,9 +41,10 @@ host::ExitCode codeOf(const std::function<void()>& work) {
 
 TEST_F(ParameterDocumentTest, SavesWhatItLoads) {
   host::ParameterDocument document({first, second});
-  EXPECT_FALSE(document.isModified(*first)) << "there is no file yet";
-  levelsOf(*first).setGamma(2.5, 3);
   levelsOf(*first).setSelectedChannel(3);
+  EXPECT_TRUE(document.unsaved().empty());
+  levelsOf(*first).setGamma(2.5, 3);
+  EXPECT_EQ(document.unsaved(), std::vector<QCPort*>{first}) << "without a file it is not as it was";
   document.save(*first, at("a.levels"));
   EXPECT_FALSE(document.isModified(*first));
   EXPECT_EQ(document.file(*first), at("a.levels"));

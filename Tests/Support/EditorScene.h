@@ -30,6 +30,7 @@ class EditorScene : public NSKeyValueObserver {
   virtual double position() const = 0;  // of what is moved, 0 to 1
   virtual void chooseHandle() = 0;      // for the keyboard, which the gutter has
   virtual bool settles() const = 0;     // whether ends announce a change of their own
+  virtual void updateEditor() = 0;
 
   void observeValueForKeyPath(const std::string&, NSObject*, const PropertyList&, void*) override { note("change"); }
   void note(const std::string& what) {
@@ -54,17 +55,17 @@ class EditorScene : public NSKeyValueObserver {
   }
 
   // The mouse, at points of the gutter. Rows are those of whole points, so that (x, y) hits what covers y to y + 1.
-  // When the gutter is not there the pointer stays where it was.
+  // When the gutter is not there the pointer stays where it was, and without a window nothing happens at all.
   void press(NSPoint point, Qt::KeyboardModifiers modifiers = {}, Qt::MouseButton button = Qt::LeftButton) {
     place(point);
-    QTest::mousePress(window->windowHandle(), button, modifiers, pointer_);
+    if (window) QTest::mousePress(window->windowHandle(), button, modifiers, pointer_);
   }
   void move(NSPoint point) {
     place(point);
-    QTest::mouseMove(window->windowHandle(), pointer_);
+    if (window) QTest::mouseMove(window->windowHandle(), pointer_);
   }
   void release(Qt::KeyboardModifiers modifiers = {}, Qt::MouseButton button = Qt::LeftButton) {
-    QTest::mouseRelease(window->windowHandle(), button, modifiers, pointer_);
+    if (window) QTest::mouseRelease(window->windowHandle(), button, modifiers, pointer_);
   }
   void drag(NSPoint from, NSPoint to) {
     press(from);
@@ -83,9 +84,11 @@ class EditorScene : public NSKeyValueObserver {
     ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
   }
   void keyDown(int key, Qt::KeyboardModifiers modifiers = {}) {
-    QTest::keyPress(window->windowHandle(), static_cast<Qt::Key>(key), modifiers);
+    if (window) QTest::keyPress(window->windowHandle(), static_cast<Qt::Key>(key), modifiers);
   }
-  void keyUp(int key) { QTest::keyRelease(window->windowHandle(), static_cast<Qt::Key>(key)); }
+  void keyUp(int key) {
+    if (window) QTest::keyRelease(window->windowHandle(), static_cast<Qt::Key>(key));
+  }
   void key(int key, Qt::KeyboardModifiers modifiers = {}) {
     QTest::keyClick(window->windowHandle(), static_cast<Qt::Key>(key), modifiers);
   }

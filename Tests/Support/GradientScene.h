@@ -55,6 +55,7 @@ class GradientScene : public EditorScene {
   double position() const override { return sample(1)->position; }
   void chooseHandle() override { select(1); }
   bool settles() const override { return true; }
+  void updateEditor() override { editorPart().update(); }
 
   VRTGradientEditor& editorPart() const { return dynamic_cast<VRTGradientEditor&>(*editor); }
   VRTGradientGutter& gutterPart() const { return dynamic_cast<VRTGradientGutter&>(*gutter); }

@@ -110,6 +110,7 @@ class LevelsScene : public EditorScene, public LevelsPatch {
   }
   void chooseHandle() override {}
   bool settles() const override { return false; }
+  void updateEditor() override { editorPart().update(); }
 
   VRTHistogramEditor& editorPart() const { return dynamic_cast<VRTHistogramEditor&>(*editor); }
   VRTHistogramGutter& gutterPart() const { return dynamic_cast<VRTHistogramGutter&>(*gutter); }

@@ -60,6 +60,7 @@ TEST(Mouse, SequenceModifiersAndClickCounts) {
   QTest::mouseClick(&view, Qt::RightButton, {}, QPoint(4, 5));
   QTest::mouseRelease(&view, Qt::LeftButton, {}, QPoint(4, 5));
   QTest::mouseClick(&view, Qt::RightButton, {}, QPoint(4, 5));
+  QCoreApplication::processEvents();
   EXPECT_EQ(view.names(), "down up right") << "other buttons do nothing while the left one is held";
 }
 
@@ -95,12 +96,13 @@ TEST(Mouse, UnwantedEventsGoToTheSuperviewsOnceAndThenToTheWidgetAround) {
   for (const bool asDown : {true, false}) {
     outer.calls.clear();
     middle.rightIsDown = asDown;
-    QTest::mousePress(&middle, Qt::RightButton, {}, QPoint(5, 5));
+    QTest::mouseClick(&middle, Qt::RightButton, {}, QPoint(5, 5));
+    QCoreApplication::processEvents();
     EXPECT_EQ(outer.names(), asDown ? "down" : "right") << "a right press can be handed on as mouseDown";
   }
 }
 
-// The release goes to a pop-up that the press opened; the view must not stay in its drag for ever.
+// The release goes to a pop-up that the press opened, or to the superview; the view must not stay in its drag for ever.
 TEST(Mouse, TheViewHearsAReleaseThatGoesElsewhere) {
   auto view = std::make_unique<RecordingView>(NSMakeRect(0, 0, 40, 30));
   QWidget other;
@@ -117,9 +119,48 @@ TEST(Mouse, TheViewHearsAReleaseThatGoesElsewhere) {
   press();
   for (const int y : {6, 7}) move(*view, QPoint(4, y), Qt::NoButton);  // released over another program
   EXPECT_EQ(view->names(), "down up down up moved");
+  releaseElsewhere();
+  for (const bool wholeWindow : {false, true}) {
+    auto* outer = new QWidget;
+    auto* inner = new RecordingView(NSMakeRect(0, 0, 40, 30), outer);
+    outer->show();
+    QTest::mousePress(outer->windowHandle(), Qt::LeftButton, {}, QPoint(4, 5));
+    (wholeWindow ? outer : inner)->setEnabled(false);
+    QTest::mouseRelease(outer->windowHandle(), Qt::LeftButton, {}, QPoint(4, 5));
+    EXPECT_TRUE(inner->names().ends_with("down up")) << "disabled meanwhile: " << inner->names();
+    delete outer;
+  }
+  view->calls.clear();
+  press();
+  RecordingView next(NSMakeRect(0, 0, 40, 30));
+  QTest::mousePress(&next, Qt::LeftButton, {}, QPoint(4, 5));
+  EXPECT_EQ(view->names(), "down up") << "at the latest with a press elsewhere";
   press();
   view.reset();
   releaseElsewhere();
+}
+
+// A dialog that the press opened, with an event loop of its own, sees the release, or keeps it from everybody.
+TEST(Mouse, TheReleaseWaitsForTheHandlerOfThePress) {
+  for (const bool kept : {false, true}) {
+    RecordingView view(NSMakeRect(0, 0, 40, 30));
+    view.show();
+    QWindow* const window = view.windowHandle();
+    QDialog dialog;
+    view.inHandler = [&] {
+      if (view.calls.size() > 1) return;
+      QTest::mouseMove(window, QPoint(9, 9));
+      if (kept) QTimer::singleShot(0, &dialog, [&] { QTest::mouseRelease(window, Qt::LeftButton, {}, {9, 9}); });
+      if (kept) QTimer::singleShot(20, &dialog, &QDialog::reject);
+      if (kept) dialog.exec();
+      if (!kept) QTest::mouseRelease(window, Qt::LeftButton, {}, {9, 9});
+      EXPECT_EQ(view.names(), "down");
+    };
+    QTest::mousePress(window, Qt::LeftButton, {}, {4, 5});
+    EXPECT_EQ(view.names(), "down up") << kept;
+    QTest::mouseRelease(window, Qt::LeftButton, {}, {4, 5});
+    EXPECT_EQ(view.names(), "down up") << kept;
+  }
 }
 
 // At every step of a gesture.
@@ -130,11 +171,15 @@ TEST(Mouse, AHandlerMayDeleteTheViewItsSuperviewOrTheWindow) {
        [](QWidget& view) { move(view, QPoint(9, 9), Qt::LeftButton); },
        [](QWidget& view) { QTest::mouseRelease(&view, Qt::LeftButton, {}, QPoint(9, 9)); }},
       {[](QWidget& view) { QTest::mouseDClick(&view, Qt::LeftButton, {}, QPoint(4, 5)); }},
-      {[](QWidget& view) { QTest::mousePress(&view, Qt::RightButton, {}, QPoint(4, 5)); }},
+      {[](QWidget& view) {
+        QTest::mousePress(&view, Qt::RightButton, {}, QPoint(4, 5));
+        QCoreApplication::processEvents();
+      }},
       {[](QWidget& view) { move(view, QPoint(3, 3), Qt::NoButton); }},
       {[](QWidget& view) { QTest::keyPress(&view, Qt::Key_Shift); }},
       // Through the window, where Qt itself holds on to the receiver.
       {[](QWidget& view) { QTest::mousePress(view.window()->windowHandle(), Qt::LeftButton, {}, QPoint(10, 40)); }},
+      {[](QWidget& view) { QTest::mousePress(view.window()->windowHandle(), Qt::RightButton, {}, QPoint(10, 40)); }},
   };
   for (const Steps& steps : gestures) {
     for (std::size_t last = 0; last < steps.size(); ++last) {
@@ -176,7 +221,7 @@ class MenuView : public NSTarnView {
 TEST(ContextMenu, OpensByRightPressAndByKeyboardAndCleansUp) {
   MenuView view(NSMakeRect(0, 0, 50, 50));
   view.show();
-  QTest::mousePress(&view, Qt::RightButton, {}, QPoint(5, 5));
+  QTest::mousePress(view.windowHandle(), Qt::RightButton, {}, QPoint(5, 5));
   ASSERT_TRUE(view.menu);
   EXPECT_TRUE(view.menu->isVisible());
   view.menu->hide();

@@ -12,33 +12,34 @@ NSMouseSession& NSMouseSession::shared() {
   return session;
 }
 
-void NSMouseSession::begin(NSTarnView& view) {
+void NSMouseSession::begin(NSTarnView& view, const QMouseEvent& press) {
   NSMouseSession& session = shared();
+  const QPointer<NSTarnView> before = session.takeView();
   session.view_ = &view;
-  QCoreApplication::instance()->removeEventFilter(&session);
   QCoreApplication::instance()->installEventFilter(&session);
+  if (before && before != &view) before->letGoElsewhere(press);
 }
 
 void NSMouseSession::end(const NSTarnView& view) {
-  NSMouseSession& session = shared();
-  if (session.view_ != &view) return;
-  session.view_ = nullptr;
-  if (QCoreApplication::instance()) QCoreApplication::instance()->removeEventFilter(&session);
+  if (shared().view_ == &view) shared().takeView();
 }
 
+NSTarnView* NSMouseSession::takeView() {
+  NSTarnView* const view = view_;
+  view_.clear();
+  if (QCoreApplication::instance()) QCoreApplication::instance()->removeEventFilter(this);
+  return view;
+}
+
+// The session is over before anybody is told: a view that takes no events lets them go on to its superviews, and each
+// of those comes by here.
 bool NSMouseSession::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() != QEvent::MouseButtonRelease || !watched->isWidgetType() || watched == view_) return false;
-  auto* release = static_cast<QMouseEvent*>(event);
-  if (release->button() != Qt::LeftButton) return false;
-  QPointer<QWidget> view = view_;
-  if (!view) {
-    QCoreApplication::instance()->removeEventFilter(this);
-    return false;
-  }
-  const QPointF global = release->globalPosition();
-  QMouseEvent copy(QEvent::MouseButtonRelease, view->mapFromGlobal(global), view->window()->mapFromGlobal(global),
-                   global, Qt::LeftButton, release->buttons(), release->modifiers());
-  QPointer<QObject> receiver(watched);
-  QCoreApplication::sendEvent(view, &copy);
-  return receiver.isNull();  // a receiver that died meanwhile must not be handed the event
+  if (event->type() != QEvent::MouseButtonRelease || !watched->isWidgetType()) return false;
+  const auto& release = *static_cast<QMouseEvent*>(event);
+  if (release.button() != Qt::LeftButton || (watched == view_ && view_->isEnabled())) return false;
+  const QPointer<QObject> receiver(watched);
+  if (NSTarnView* view = takeView()) view->letGoElsewhere(release);
+  if (receiver) return false;
+  event->accept();  // a receiver that died meanwhile must not be handed the event, nor its superviews
+  return true;
 }

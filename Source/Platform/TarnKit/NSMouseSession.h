@@ -5,12 +5,14 @@
 #include <QPointer>
 
 class NSTarnView;
+class QMouseEvent;
 
-// From a left press in a view to its release. The view gets its mouseUp even when the release goes elsewhere: to a
-// pop-up that the press opened, or nowhere because the view was hidden meanwhile.
+// From a left press in a view to its release. The view is told of the release even when it goes elsewhere: to a pop-up
+// that the press opened, to the superview because the view was disabled meanwhile, or nowhere because it was hidden.
 class NSMouseSession : public QObject {
  public:
-  static void begin(NSTarnView& view);
+  // A session that another view still has lost its release: that view is told first, which may destroy both.
+  static void begin(NSTarnView& view, const QMouseEvent& press);
   static void end(const NSTarnView& view);
 
  protected:
@@ -19,6 +21,7 @@ class NSMouseSession : public QObject {
  private:
   NSMouseSession() = default;
   static NSMouseSession& shared();
+  NSTarnView* takeView();
 
-  QPointer<QWidget> view_;
+  QPointer<NSTarnView> view_;
 };

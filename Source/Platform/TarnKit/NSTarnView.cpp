@@ -9,6 +9,7 @@
 #include <QChildEvent>
 #include <QHelpEvent>
 #include <QLayout>
+#include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QPointer>

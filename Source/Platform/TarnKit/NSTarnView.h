@@ -11,6 +11,7 @@
 #include <QStringList>
 #include <QWidget>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -39,8 +40,7 @@ TARN_EXPORT void NSSetAutoresizingMask(QWidget& widget, std::uint32_t mask);
 // from the upper left.
 //
 // Ownership is Qt's: a superview deletes its subviews. A handler may delete the view that it belongs to, any superview
-// and the window; dispatch does not touch them afterwards. The exception is rightMouseDown, after which Qt itself sends
-// a context-menu event to the same widget: there use deleteLater().
+// and the window; dispatch does not touch them afterwards.
 class TARN_EXPORT NSTarnView : public QWidget {
  public:
   explicit NSTarnView(NSRect frame, QWidget* parent = nullptr);
@@ -82,12 +82,17 @@ class TARN_EXPORT NSTarnView : public QWidget {
   // The mouse. mouseDown, mouseDragged and mouseUp are those of the left button; the second press of a double click
   // arrives as a mouseDown with click count 2. The base hands each to the superview, and from the topmost view on to
   // the ordinary widget that contains it. While the left button is held, other buttons do nothing.
+  //
+  // Every mouseDown is followed by one mouseUp, wherever the button is let go, and whatever became of the view; one
+  // that got lost is made up for when the mouse is next seen. While mouseDown runs (it may run an event loop of its
+  // own, with a dialog) the view is told nothing else of the mouse; the mouseUp comes when it has returned.
   virtual void mouseDown(const NSEvent& event);
   virtual void mouseDragged(const NSEvent& event);
   virtual void mouseUp(const NSEvent& event);
   virtual void mouseMoved(const NSEvent& event);  // no button held; the base does nothing
   virtual void mouseExited();
-  // The base opens menuForEvent's menu, or hands the event to the superview when there is none.
+  // The base opens menuForEvent's menu, or hands the event to the superview when there is none. Comes with the
+  // context-menu event that follows a press; without one, soon after.
   virtual void rightMouseDown(const NSEvent& event);
   virtual void flagsChanged(const NSEvent& event);  // a modifier key went down or up while the view has the keyboard
   // Whether a click that activates the window also acts. Every click does on this platform.
@@ -151,12 +156,17 @@ class TARN_EXPORT NSTarnView : public QWidget {
 
  private:
   friend class NSLiveResizeWatch;
+  friend class NSMouseSession;
   friend NSRect NSGetFrame(const QWidget& widget);
   friend void NSSetFrame(QWidget& widget, NSRect frame);
 
   using Handler = void (NSTarnView::*)(const NSEvent&);
   void layOutSubviews(const QObject* except = nullptr);
   void press(QMouseEvent* event, int clickCount);
+  void pressLeft(const QMouseEvent& event, int clickCount);
+  void tellRightPress();
+  void letGo(const QMouseEvent& release);
+  void letGoElsewhere(const QMouseEvent& event);
   void pass(Handler handler, const NSEvent& event);
   void passModifiers(const QKeyEvent& event);
   void updateCursor(QPointF position);
@@ -172,6 +182,10 @@ class TARN_EXPORT NSTarnView : public QWidget {
   bool autoresizesSubviews_ = true;
   bool inLiveResize_ = false;
   bool leftButtonDown_ = false;
+  bool isInPress_ = false;                          // mouseDown runs
+  std::unique_ptr<QMouseEvent> releaseAfterPress_;  // came meanwhile
+  std::unique_ptr<QMouseEvent> rightPress_;         // not yet told
+  int rightClickCount_ = 0;
   bool rightPressTaken_ = false;
   bool cursorIsSet_ = false;
   std::vector<ToolTip> toolTips_;

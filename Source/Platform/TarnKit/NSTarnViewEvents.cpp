@@ -5,10 +5,13 @@
 
 #include <QContextMenuEvent>
 #include <QCoreApplication>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMouseEvent>
 #include <QPointer>
+#include <memory>
+#include <utility>
 
 namespace {
 
@@ -87,17 +90,63 @@ void NSTarnView::press(QMouseEvent* event, int clickCount) {
   const bool isLeft = event->button() == Qt::LeftButton;
   if (!isLeft && (leftButtonDown_ || event->button() != Qt::RightButton)) return event->setAccepted(leftButtonDown_);
   event->accept();
+  if (isInPress_) return;
   const QPointer<NSTarnView> self(this);
-  const NSEvent press(*event, *this, clickCount);
-  if (isLeft) {
-    leftButtonDown_ = true;
-    NSMouseSession::begin(*this);
-    mouseDown(press);
-  } else {
-    rightMouseDown(press);
-    if (self) rightPressTaken_ = press.wasTaken_;
+  tellRightPress();
+  if (!self) return;
+  if (isLeft) return pressLeft(*event, clickCount);
+  // Qt sends a context-menu event to the same widget afterwards, whether it still lives or not. So the press is told
+  // with that event, which is the last one, or with this call, when no such event comes.
+  rightPress_.reset(event->clone());
+  rightClickCount_ = clickCount;
+  QMetaObject::invokeMethod(
+      this, [this] { tellRightPress(); }, Qt::QueuedConnection);
+}
+
+void NSTarnView::pressLeft(const QMouseEvent& event, int clickCount) {
+  const QPointer<NSTarnView> self(this);
+  NSMouseSession::begin(*this, event);
+  if (!self) return;
+  const auto isHeld = [] { return QGuiApplication::mouseButtons().testFlag(Qt::LeftButton); };
+  const bool wasHeld = isHeld();
+  leftButtonDown_ = true;
+  isInPress_ = true;
+  mouseDown(NSEvent(event, *this, clickCount));
+  if (!self) return;
+  isInPress_ = false;
+  const std::unique_ptr<QMouseEvent> release = std::move(releaseAfterPress_);
+  if (release) {
+    letGo(*release);
+  } else if (wasHeld && !isHeld()) {
+    letGoElsewhere(event);  // a modal dialog has kept the release from everybody
   }
-  if (self) updateCursor(event->position());
+  if (self) updateCursor(event.position());
+}
+
+void NSTarnView::tellRightPress() {
+  const std::unique_ptr<QMouseEvent> event = std::move(rightPress_);
+  if (!event) return;
+  const QPointer<NSTarnView> self(this);
+  const NSEvent press(*event, *this, rightClickCount_);
+  rightMouseDown(press);
+  if (!self) return;
+  rightPressTaken_ = press.wasTaken_;
+  updateCursor(event->position());
+}
+
+void NSTarnView::letGo(const QMouseEvent& release) {
+  if (!leftButtonDown_) return;
+  if (isInPress_) return releaseAfterPress_.reset(release.clone());
+  leftButtonDown_ = false;
+  NSMouseSession::end(*this);
+  mouseUp(NSEvent(release, *this, 1));
+}
+
+// With an event of another widget, or of another kind.
+void NSTarnView::letGoElsewhere(const QMouseEvent& event) {
+  const QPointF global = event.globalPosition();
+  letGo(QMouseEvent(QEvent::MouseButtonRelease, mapFromGlobal(global), window()->mapFromGlobal(global), global,
+                    Qt::LeftButton, event.buttons() & ~Qt::LeftButton, event.modifiers()));
 }
 
 void NSTarnView::mousePressEvent(QMouseEvent* event) {
@@ -109,15 +158,13 @@ void NSTarnView::mouseDoubleClickEvent(QMouseEvent* event) {
 }
 
 void NSTarnView::mouseMoveEvent(QMouseEvent* event) {
-  const bool held = leftButtonDown_ && (event->buttons() & Qt::LeftButton);
   event->accept();
+  if (isInPress_) return;
+  const bool held = leftButtonDown_ && (event->buttons() & Qt::LeftButton);
   const QPointer<NSTarnView> self(this);
   const NSEvent move(*event, *this, 0);
   if (leftButtonDown_ && !held) {
-    // The release was lost, to another program for example. A gesture must end nevertheless.
-    leftButtonDown_ = false;
-    NSMouseSession::end(*this);
-    mouseUp(move);
+    letGoElsewhere(*event);  // the release was lost, to another program for example
   } else if (held) {
     mouseDragged(move);
   } else if (event->buttons() == Qt::NoButton) {
@@ -129,15 +176,19 @@ void NSTarnView::mouseMoveEvent(QMouseEvent* event) {
 void NSTarnView::mouseReleaseEvent(QMouseEvent* event) {
   event->accept();
   if (event->button() != Qt::LeftButton || !leftButtonDown_) return;
-  leftButtonDown_ = false;
-  NSMouseSession::end(*this);
   const QPointer<NSTarnView> self(this);
-  mouseUp(NSEvent(*event, *this, 1));
+  letGo(*event);
   if (self) updateCursor(event->position());
 }
 
 void NSTarnView::contextMenuEvent(QContextMenuEvent* event) {
-  if (event->reason() == QContextMenuEvent::Mouse) return event->setAccepted(rightPressTaken_);
+  if (event->reason() == QContextMenuEvent::Mouse) {
+    const QPointer<NSTarnView> self(this);
+    event->accept();  // from a view that dies, nothing goes on to its superviews
+    tellRightPress();
+    if (self) event->setAccepted(rightPressTaken_);
+    return;
+  }
   const NSEvent atPosition(convertPointToWindow(fromWidget(QPointF(event->pos()))), NSModifierFlags(event->modifiers()),
                            1, event->globalPos());
   QMenu* menu = menuForEvent(atPosition);
