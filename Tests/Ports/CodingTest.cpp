@@ -12,6 +12,10 @@
 
 namespace {
 
+const PropertyList someGradient =
+    gradientState({0.7, 0.25, 1, 0.1, 0.2, 0.3, 0.1, 0.5, 0, 1, 0, -0.0}, {0, 0.5, 2, 0.4});
+const PropertyList someLevels = distinctLevelsState();
+
 struct Named {
   std::string className, olderName;
   PropertyList state;
@@ -28,9 +32,8 @@ void expectSame(const NSObjectRef& decoded, const std::string& name, const Named
 TEST(Coding, SurvivesEveryCoderUnderEitherName) {
   const auto opaque = VRTOpaqueData::dataWithValue(NSString::stringWithUTF8String("opaque"));
   const Named rows[] = {
-      {"VRTGradient", "TarnGradient",
-       gradientState({0.7, 0.25, 1, 0.1, 0.2, 0.3, 0.1, 0.5, 0, 1, 0, -0.0}, {0, 0.5, 2, 0.4})},
-      {"VRTHistogram", "TarnHistogram", distinctLevelsState()},
+      {"VRTGradient", "TarnGradient", someGradient},
+      {"VRTHistogram", "TarnHistogram", someLevels},
       {"VRTOpaqueData", "TarnOpaqueData", *opaque->stateValue()},
   };
   for (const Named& row : rows) {
@@ -66,7 +69,7 @@ PropertyList::Bytes renamed(PropertyList::Bytes bytes, std::string_view from, st
 TEST(Coding, AnUnknownClassIsReadAsItsSuperclassAndWrittenBackAsThat) {
   const PropertyList gradient = gradientState({0.7, 0.25, 1, 0.1, 0.2, 0.3, 0.1, 0.5, 0, 1, 0, -0.0}, {0, 0.5, 2, 0.4});
   const auto object = std::dynamic_pointer_cast<VRTObject>(NSClassFromString("TarnGradient")->factory());
-  ASSERT_TRUE(object->initWithStateValue(gradient));
+  ASSERT_TRUE(object->initWithStateValue(someGradient));
   std::string reason;
   const auto keyed = renamed(*NSKeyedArchiver::archivedData(object, PropertyListFormat::Binary, nullptr),
                              "TarnGradient", "AcmeGradient");
@@ -80,7 +83,7 @@ TEST(Coding, AnUnknownClassIsReadAsItsSuperclassAndWrittenBackAsThat) {
   for (const NSObjectRef& each : {NSObjectRef(read), unarchiver.decodeObject()}) {
     ASSERT_TRUE(each) << unarchiver.error();
     EXPECT_EQ(each->className(), "VRTGradient");
-    EXPECT_EQ(std::dynamic_pointer_cast<VRTObject>(each)->stateValue(), gradient);
+    EXPECT_EQ(std::dynamic_pointer_cast<VRTObject>(each)->stateValue(), someGradient);
     const auto again = NSKeyedArchiver::archivedData(each, PropertyListFormat::Xml, nullptr);
     EXPECT_NE(std::string(again->begin(), again->end()).find("<string>VRTGradient</string>"), std::string::npos);
     EXPECT_EQ(std::string(again->begin(), again->end()).find("AcmeGradient"), std::string::npos);
