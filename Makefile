@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: BSD-3-Clause
 # The front door. Each target installs what it needs, builds, and runs; see README.md.
-.PHONY: all demo test bench asan asan-foreign-bytes fuzz install package format tidy clean
+.PHONY: all demo test bench asan asan-foreign-bytes tsan fuzz install package format tidy clean
 PREFIX ?= /usr/local
 
 all:
@@ -28,6 +28,13 @@ asan-foreign-bytes:
 	@cmake --preset asan --log-level=WARNING
 	@cmake --build --preset asan --target foreign-bytes-tests
 	@ctest --preset asan -L foreign-bytes
+
+# Hosts that render on several threads, under the thread sanitizer.
+tsan:
+	@scripts/install-dependencies
+	@cmake --preset tsan --log-level=WARNING
+	@cmake --build --preset tsan
+	@ctest --preset tsan
 
 bench:
 	@scripts/install-dependencies libbenchmark-dev libpixman-1-dev libyuv-dev libopencv-core-dev libopencv-imgproc-dev \

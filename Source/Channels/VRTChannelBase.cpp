@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Channels/VRTChannelBase.h"
 
-std::int32_t VRTChannelBase::_uniqueIDGenerator = 1;
+std::atomic<std::int32_t> VRTChannelBase::_uniqueIDGenerator = 1;
 
 VRTChannelBase::VRTChannelBase() : id(takeID()), name("VRTChannelBase") {}
 
@@ -13,9 +13,7 @@ VRTChannelBase::~VRTChannelBase() {
 
 // Wraps around after 2^32 channels.
 std::int32_t VRTChannelBase::takeID() {
-  const std::int32_t taken = _uniqueIDGenerator;
-  _uniqueIDGenerator = static_cast<std::int32_t>(static_cast<std::uint32_t>(taken) + 1U);
-  return taken;
+  return _uniqueIDGenerator.fetch_add(1, std::memory_order_relaxed);
 }
 
 void VRTChannelBase::reset() {}

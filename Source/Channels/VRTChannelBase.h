@@ -5,14 +5,15 @@
 #include "Platform/Visibility.h"
 #include "TarnCore/TCString.h"
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 
 // Root of the parameter channels: an id and a display name.
 //
 // Ids come from one process-wide counter that starts at 1; every construction, copies included, takes the next one.
-// They can be overwritten, so they are not unique by force. The counter is unsynchronised: channels are made and edited
-// on the host's main thread.
+// They can be overwritten, so they are not unique by force. Threads may make channels at the same time, as they do with
+// every copy of a gradient; one channel belongs to one thread.
 class TARN_EXPORT VRTChannelBase {
  public:
   VRTChannelBase();                              // named "VRTChannelBase"
@@ -36,7 +37,7 @@ class TARN_EXPORT VRTChannelBase {
   friend class VRTChannelRef;
   static std::int32_t takeID();
 
-  static std::int32_t _uniqueIDGenerator;
+  static std::atomic<std::int32_t> _uniqueIDGenerator;
 
   std::int32_t id;
   VortoString name;

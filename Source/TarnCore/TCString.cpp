@@ -71,6 +71,12 @@ CFRange Whole(const OwnedString& string) {
   return CFRangeMake(0, CFStringGetLength(string.get()));
 }
 
+// Looked up once: the table of constants is no place for several threads.
+CFStringRef EmptyString() {
+  static const CFStringRef empty = CFSTR("");
+  return empty;
+}
+
 }  // namespace
 
 VortoString::VortoString(const char* text) {
@@ -131,8 +137,7 @@ bool VortoString::empty() const {
 }
 
 CFStringRef VortoString::cf_str() const {
-  static const CFStringRef empty = CFSTR("");
-  return _string ? _string.get() : empty;
+  return _string ? _string.get() : EmptyString();
 }
 
 std::shared_ptr<NSString> VortoString::ns_str() const {
@@ -249,7 +254,7 @@ void VortoString::set(CFStringRef string) {
 }
 
 void VortoString::sprintf(const char* format, ...) {
-  static char buffer[2048];
+  char buffer[2048];
   if (format == nullptr) return clear();
   std::va_list args;
   va_start(args, format);
@@ -278,7 +283,7 @@ void VortoString::append(const VortoString& other) {
   if (!_string) return set(other);
   const CFTypeRef strings[] = {_string.get(), other._string.get()};
   const CFOwned<CFArrayRef> array(CFArrayCreate(kCFAllocatorDefault, strings, 2));
-  OwnedString joined(CFStringCreateByCombiningStrings(kCFAllocatorDefault, array.get(), CFSTR("")));
+  OwnedString joined(CFStringCreateByCombiningStrings(kCFAllocatorDefault, array.get(), EmptyString()));
   if (joined) _string = std::move(joined);
 }
 

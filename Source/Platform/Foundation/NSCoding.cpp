@@ -122,6 +122,16 @@ bool init(NSObject& object, NSCoder& coder, const std::string& className) {
   return accepted && coder.error().empty();
 }
 
+void WrittenObjects::prefetch(const NSObject* object) const {
+  if (object == nullptr) {
+    return;
+  }
+  byObject_.prefetch(hashOfObject(*object));
+  if (const auto* number = dynamic_cast<const NSNumber*>(object)) {
+    byValue_.prefetch(hashOfLeaf(number->value()));
+  }
+}
+
 WrittenObjects::Entry* WrittenObjects::find(const NSObject& object) {
   const std::size_t found =
       byObject_.find(hashOfObject(object), [&](std::size_t place) { return entries_[place].object.get() == &object; });

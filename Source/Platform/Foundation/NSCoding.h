@@ -91,6 +91,8 @@ class WrittenObjects {
     std::size_t place;   // in the archive's list of objects
     bool isOpen;         // it is being written
   };
+  // Fetches what the next two will look at, for objects that are about to be written (HashIndex::prefetch()).
+  void prefetch(const NSObject* object) const;
   // Null for an object that was not added; valid until the next one is.
   Entry* find(const NSObject& object);
   void add(const NSObjectRef& object, std::size_t place, bool isOpen = false);

@@ -112,8 +112,11 @@ struct NSKeyedArchiver::State {
   PropertyList::Array references(const std::vector<NSObjectRef>& list) {
     PropertyList::Array made;
     made.reserve(list.size());
-    for (const NSObjectRef& each : list) {
-      made.push_back(referenceTo(each));
+    for (std::size_t i = 0; i < list.size(); ++i) {
+      if (i + HashIndex::kAhead < list.size()) {
+        written.prefetch(list[i + HashIndex::kAhead].get());
+      }
+      made.push_back(referenceTo(list[i]));
     }
     return made;
   }

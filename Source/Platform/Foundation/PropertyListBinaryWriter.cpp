@@ -4,7 +4,9 @@
 #include "Platform/Foundation/PropertyListCoding.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
+#include <span>
 
 namespace propertylist {
 namespace {
@@ -58,22 +60,39 @@ class BinaryWriter {
     if (list.isArray()) {
       return collectArray(list);
     }
-    if (list.isDictionary()) {
-      return collectDictionary(list);
+    return list.isDictionary() ? collectDictionary(list) : collectLeaf(list, hashOfLeaf(list));
+  }
+
+  std::uint32_t collectLeaf(const PropertyList& leaf, std::uint64_t hash) {
+    if (leaf.isData() && leaf.bytes().empty()) {
+      return add({&leaf, nullptr, 0});
     }
-    if (list.isData() && list.bytes().empty()) {
-      return add({&list, nullptr, 0});
+    return unique(hash, {&leaf, nullptr, 0},
+                  [&](const Object& other) { return other.value != nullptr && *other.value == leaf; });
+  }
+
+  static bool isLeaf(const PropertyList& list) { return !list.isArray() && !list.isDictionary(); }
+
+  void hashAhead(std::span<const PropertyList> items, std::span<std::uint64_t> hashes) const {
+    for (std::size_t i = 0; i < items.size(); ++i) {
+      if (isLeaf(items[i])) {
+        hashes[i] = hashOfLeaf(items[i]);
+        index_.prefetch(hashes[i]);
+      }
     }
-    return unique(hashOfLeaf(list), {&list, nullptr, 0},
-                  [&](const Object& other) { return other.value != nullptr && *other.value == list; });
   }
 
   std::uint32_t collectArray(const PropertyList& list) {
     const std::size_t first = references_.size();
     const std::uint32_t place = add({&list, nullptr, first});
-    references_.resize(first + list.items().size());
-    for (std::size_t i = 0; i < list.items().size(); ++i) {
-      const std::uint32_t item = collect(list.items()[i]);
+    const PropertyList::Array& items = list.items();
+    references_.resize(first + items.size());
+    std::array<std::uint64_t, HashIndex::kAhead> hashes{};
+    for (std::size_t i = 0; i < items.size(); ++i) {
+      if (i % hashes.size() == 0) {
+        hashAhead(std::span(items).subspan(i, std::min(hashes.size(), items.size() - i)), hashes);
+      }
+      const std::uint32_t item = isLeaf(items[i]) ? collectLeaf(items[i], hashes[i % hashes.size()]) : collect(items[i]);
       references_[first + i] = item;
     }
     return place;
@@ -98,9 +117,11 @@ class BinaryWriter {
   }
 
   void number(std::uint64_t value, unsigned size) {
-    for (unsigned i = size; i-- > 0;) {
-      out_.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
+    std::array<std::uint8_t, 8> bytes{};
+    for (unsigned i = 0; i < size; ++i) {
+      bytes[i] = static_cast<std::uint8_t>(value >> (8 * (size - 1 - i)));
     }
+    out_.insert(out_.end(), bytes.begin(), bytes.begin() + size);
   }
 
   void mark(ObjectKind kind, unsigned size) {

@@ -2,6 +2,7 @@
 #include "TarnCore/kernels/Dispatch.h"
 
 #include <hwy/highway.h>
+#include <atomic>
 #include <cstdlib>
 #include <cstring>
 
@@ -9,7 +10,7 @@ namespace vorto::kernels {
 namespace {
 
 enum class Mode { unread, simd, scalar };
-Mode mode = Mode::unread;
+std::atomic<Mode> mode = Mode::unread;
 
 // Bits of lower value are better targets, so a set and everything below it is a mask of the higher bits.
 constexpr std::int64_t upTo(std::int64_t target) {
@@ -33,6 +34,7 @@ void allowOnly(std::int64_t targets) {
 }
 
 Mode readEnvironment() {
+  hwy::GetChosenTarget().Update(hwy::SupportedTargets());
   const char* wanted = std::getenv("VORTO_SIMD");
   if (!wanted) return Mode::simd;
   if (std::strcmp(wanted, "scalar") == 0) return Mode::scalar;
@@ -45,9 +47,19 @@ Mode readEnvironment() {
 }  // namespace
 
 bool useScalar() {
-  if (mode == Mode::unread) mode = readEnvironment();
-  return mode == Mode::scalar;
+  const Mode known = mode.load(std::memory_order_relaxed);
+  if (known != Mode::unread) return known == Mode::scalar;
+  const Mode read = readEnvironment();
+  mode.store(read, std::memory_order_relaxed);
+  return read == Mode::scalar;
 }
+
+namespace {
+
+// Settled while the library is loaded: afterwards any number of threads may render at once.
+[[maybe_unused]] const bool kIsSettled = useScalar();
+
+}  // namespace
 
 std::vector<SimdTarget> simdTargets() {
   std::vector<SimdTarget> targets{{"scalar", 0}};

@@ -3,6 +3,8 @@
 
 #include "TarnCore/kernels/Dispatch.h"
 
+#include <atomic>
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "TarnCore/kernels/Memory.cpp"
 #include <hwy/foreach_target.h>
@@ -56,7 +58,7 @@ HWY_EXPORT(swap);
 
 namespace {
 
-Streaming streaming = Streaming::ByMachine;
+std::atomic<Streaming> streaming = Streaming::ByMachine;
 
 // Cores of these wait so long for each line that they write past the caches that reading it first is faster (measured:
 // 15 % for copies, 40 % where more is written than read).
@@ -72,7 +74,7 @@ bool streamsSlowly() {
 
 bool isStreamed(std::size_t bytes) {
   constexpr std::size_t kBeyondCaches = std::size_t{16} << 20;
-  switch (streaming) {
+  switch (streaming.load(std::memory_order_relaxed)) {
     case Streaming::Never:
       return false;
     case Streaming::Always:
@@ -84,7 +86,7 @@ bool isStreamed(std::size_t bytes) {
 }
 
 void setStreaming(Streaming wanted) {
-  streaming = wanted;
+  streaming.store(wanted, std::memory_order_relaxed);
 }
 
 void copyBytes(std::uint8_t* destination, const std::uint8_t* source, std::size_t bytes, bool streamed) {

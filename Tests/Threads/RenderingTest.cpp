@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Platform/Foundation/NSArchiver.h"
+#include "Platform/Foundation/NSKeyedArchiver.h"
+#include "Platform/Foundation/NSKeyedUnarchiver.h"
+#include "Platform/Foundation/NSValues.h"
+#include "Ports/VRTObjects.h"
+#include "Tests/Effects/Harness.h"
+#include "Tests/Support/Lists.h"
+
+#include <thread>
+
+// What hosts do: patches and values of their own on every thread. The results are those of one thread; that nothing is
+// shared on the way is for the thread sanitizer to see.
+
+namespace {
+
+const PropertyList someGradient = linearGradient({{0, 0.1, 0, 0.3}, {0.4, 0.9, 0.2, 0.1}, {1, 1, 0.95, 0.6}}, {{0, 0.5}});
+
+PropertyList someLevels() {
+  PropertyList levels = neutralLevels();
+  levels.set("gammaRGB", PropertyList::real(1.7));
+  levels.set("blackInRed", PropertyList::string("0.125"));
+  return levels;
+}
+
+using Bytes = std::vector<std::uint8_t>;
+
+// Every effect that ships, in every layout.
+Bytes renderedByAll() {
+  Bytes all;
+  const auto append = [&](QCPatch& patch) {
+    const Bytes bytes = pixelBytes(*rendered(patch));
+    all.insert(all.end(), bytes.begin(), bytes.end());
+  };
+  for (const Layout& layout : layouts) {
+    const Bitmap first = randomImage(layout, 61, 23, Noise::Premultiplied, 5);
+    const Bitmap second = randomImage(layout, 61, 23, Noise::Premultiplied, 6);
+    for (const char* name : {"Gradient Map", "Levels", "Duotone"}) {
+      const auto patch = effectNamed(name);
+      setImage(*patch, "inputImage", first);
+      if (patch->portForKey("inputGradient")) setState(*patch, "inputGradient", someGradient);
+      if (patch->portForKey("inputLevels")) setState(*patch, "inputLevels", someLevels());
+      append(*patch);
+    }
+    for (const char* name : {"Gradient Wipe", "Dissolve"}) {
+      const auto patch = effectNamed(name);
+      setImage(*patch, "inputImageA", first);
+      setImage(*patch, "inputImageB", second);
+      setNumber(*patch, "inputTime", 0.3);
+      append(*patch);
+    }
+    for (const char* name : {"Over", "Multiply"}) {
+      const auto patch = effectNamed(name);
+      setImage(*patch, "inputBackgroundImage", first);
+      setImage(*patch, "inputForegroundImage", second);
+      append(*patch);
+    }
+  }
+  const auto ramp = effectNamed("Gradient Ramp");
+  setNumber(*ramp, "inputWidth", 61);
+  setNumber(*ramp, "inputHeight", 23);
+  append(*ramp);
+  return all;
+}
+
+// The values of parameters through both coders, both formats and copies, opaque data within opaque data.
+Bytes archivedByAll() {
+  const auto gradient = VRTGradient::gradient();
+  const auto levels = VRTHistogram::histogram();
+  EXPECT_TRUE(gradient->initWithStateValue(someGradient) && levels->initWithStateValue(someLevels()));
+  const auto inner = VRTOpaqueData::dataWithValue(std::make_shared<NSArray>(std::vector<NSObjectRef>{gradient, levels}));
+  const auto outer = VRTOpaqueData::dataWithValue(inner->copyWithZone());
+  Bytes all;
+  for (const auto format : {PropertyListFormat::Xml, PropertyListFormat::Binary}) {
+    std::string reason;
+    const auto bytes = NSKeyedArchiver::archivedData(outer, format, &reason);
+    EXPECT_TRUE(bytes) << reason;
+    const auto back = NSKeyedUnarchiver::unarchiveObject(*bytes, &reason);
+    EXPECT_TRUE(back) << reason;
+    NSArchiver plain;
+    plain.encodeObject(back);
+    const auto again = plain.finishEncoding();
+    EXPECT_TRUE(again) << plain.error();
+    all.insert(all.end(), again->begin(), again->end());
+  }
+  return all;
+}
+
+TEST(Threads, RenderAndArchiveWhatIsTheirOwn) {
+  effects().loadFailures();  // nothing is left to be loaded
+  const Bytes pixels = renderedByAll(), archives = archivedByAll();
+  constexpr int rounds = 3;
+  std::vector<std::thread> threads;
+  std::array<bool, 4> same{};
+  for (bool& each : same) {
+    threads.emplace_back([&each, &pixels, &archives] {
+      each = true;
+      for (int i = 0; i < rounds; ++i) each = each && renderedByAll() == pixels && archivedByAll() == archives;
+    });
+  }
+  for (std::thread& each : threads) each.join();
+  for (const bool each : same) EXPECT_TRUE(each);
+}
+
+}  // namespace
