@@ -29,7 +29,10 @@ bool guarded(std::string* reason, Step step) {
 
 class OpenImageIOModule : public ImageFileModule {
  public:
-  OpenImageIOModule() { OIIO::attribute("debug", 0); }  // no remarks on standard error: failures have a reason
+  OpenImageIOModule() {
+    OIIO::attribute("debug", 0);             // no remarks on standard error: failures have a reason
+    OIIO::attribute("tiff:multithread", 0);  // tiles that are inflated side by side fail without a word
+  }
 
   bool read(std::span<const std::uint8_t> file, std::uint64_t maximumBytes, ImagePixels* image,
             std::string* reason) override {

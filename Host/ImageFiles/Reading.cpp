@@ -2,8 +2,10 @@
 #include "Host/ImageFiles/Reading.h"
 
 #include "Host/ImageFiles/Channels.h"
+#include "Host/ImageFiles/ExrStructure.h"
 #include "Host/ImageFiles/Orientation.h"
 #include "Host/ImageFiles/PngStructure.h"
+#include "Host/ImageFiles/TiffStructure.h"
 #include "Platform/Foundation/NSReason.h"
 
 #include <OpenImageIO/filesystem.h>
@@ -55,7 +57,7 @@ class OpenedFile {
     if (!format_) {
       return NSRefuse(reason, "it is not a PNG, JPEG, TIFF or EXR file");
     }
-    if (std::string_view(format_) == "png" && !isWholePng(file_)) {
+    if (!isWhole()) {
       return NSRefuse(reason, kDamaged);
     }
     input_ = OIIO::ImageInput::create(format_);
@@ -79,13 +81,39 @@ class OpenedFile {
   int orientation() const { return spec_.get_int_attribute("Orientation", 1); }
 
   bool readStored(const OIIO::TypeDesc& type, void* samples, std::string* reason) {
-    const bool read = input_->read_image(0, 0, channels_.first, channels_.end, type, samples);
+    const bool read = isReadByRows() ? readRows(type, static_cast<std::byte*>(samples))
+                                     : input_->read_image(0, 0, channels_.first, channels_.end, type, samples);
     // Decoders go on after damage that they only warn of, and leave the rest of the picture as it is.
     if (read && !input_->has_error()) return true;
     return NSRefuse(reason, std::string(kDamaged) + " (" + cleaned(input_->geterror()) + ")");
   }
 
  private:
+  // Damage that the library reads over, or only meets in what it does not read.
+  bool isWhole() const {
+    const std::string_view format = format_;
+    if (format == "png") return isWholePng(file_);
+    if (format == "tiff") return isWholeTiff(file_);
+    return format != "openexr" || isWholeExr(file_);
+  }
+
+  // Where the library inflates the strips of a TIFF itself it does not say which of them failed; row by row the
+  // format's own library does it, which does.
+  bool isReadByRows() const {
+    return std::string_view(format_) == "tiff" && spec_.tile_width == 0 &&
+           spec_.get_string_attribute("compression") == "zip";
+  }
+
+  bool readRows(const OIIO::TypeDesc& type, std::byte* samples) {
+    const std::size_t rowSize =
+        static_cast<std::size_t>(spec_.width) * static_cast<std::size_t>(channels_.end - channels_.first) * type.size();
+    for (int row = 0; row < spec_.height; ++row, samples += rowSize) {
+      const int y = spec_.y + row;
+      if (!input_->read_scanlines(0, 0, y, y + 1, 0, channels_.first, channels_.end, type, samples)) return false;
+    }
+    return true;
+  }
+
   bool check(std::string* reason) const {
     if (spec_.deep) {
       NSRefuse(reason, "it is a deep image, which has no single color at a pixel");
