@@ -67,6 +67,10 @@ void EffectRendering::chooseKind(std::size_t inputCount) {
     if (roles_.inputs.size() == inputCount) return;
     expected += (expected.empty() ? "" : "; ") + std::string(expectedInputs(kind));
   }
+  if (expected.empty()) {
+    throw Failure(ExitCode::Effect,
+                  "the effect \"" + effect_ + "\" declares no protocols, which say what kind of effect it is");
+  }
   throw Failure(ExitCode::Usage, "\"" + effect_ + "\" is " + expected + "; " + std::to_string(inputCount) +
                                      (inputCount == 1 ? " was given" : " were given"));
 }

@@ -19,8 +19,15 @@ class Nothing : public QCPatch {
   Nothing() : QCPatch(::attributes()) { addOutputPort<QCImagePort>("outputImage"); }
 };
 
+// A generator by its registration, while its instances do not say what they are.
+class Silent : public QCPatch {
+ public:
+  Silent() { addOutputPort<QCImagePort>("outputImage"); }
+};
+
 void registerNodes(GFNodeManager& manager) {
   manager.registerNodeWithName("Nothing", attributes(), [] { return std::make_shared<Nothing>(); });
+  manager.registerNodeWithName("Silent", attributes(), [] { return std::make_shared<Silent>(); });
 }
 
 }  // namespace

@@ -18,9 +18,14 @@ write_basic_package_version_file(${CMAKE_BINARY_DIR}/VortoConfigVersion.cmake CO
 install(FILES ${CMAKE_BINARY_DIR}/VortoConfig.cmake ${CMAKE_BINARY_DIR}/VortoConfigVersion.cmake
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Vorto)
 
+# The files tell where they lie, so that an installation can be moved.
+file(RELATIVE_PATH VORTO_PREFIX_FROM_PKGCONFIG /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
 configure_file(${CMAKE_SOURCE_DIR}/scripts/cmake/vorto.pc.in ${CMAKE_BINARY_DIR}/vorto.pc @ONLY)
 configure_file(${CMAKE_SOURCE_DIR}/scripts/cmake/vorto-editors.pc.in ${CMAKE_BINARY_DIR}/vorto-editors.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/vorto.pc ${CMAKE_BINARY_DIR}/vorto-editors.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+install(FILES ${CMAKE_SOURCE_DIR}/README.md ${CMAKE_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/vorto)
+install(DIRECTORY ${CMAKE_SOURCE_DIR}/Docs DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/vorto)
 
 set(CPACK_PACKAGE_NAME vorto)
 set(CPACK_PACKAGE_CONTACT "the Vorto authors <vorto@localhost>")
