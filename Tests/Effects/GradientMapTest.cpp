@@ -79,9 +79,8 @@ TEST(GradientMap, SixteenBitsTellApartWhatEightCannot) {
   });
   const ConstBitmap out = mapped(image, linearGradient({{0, 0, 0, 0}, {1, 1, 1, 1}}, {{0, 1}}));
   EXPECT_EQ(pixelBytes(*out), pixelBytes(*image));  // black to white is the identity on greys
-  const auto untouched = effectNamed("Gradient Map");
-  setImage(*untouched, "inputImage", image);
-  EXPECT_EQ(pixelBytes(*rendered(*untouched)), pixelBytes(*image)) << "and what a new effect does";
+  EXPECT_EQ(pixelBytes(*rendered(*effectNamed("Gradient Map", {{"inputImage", image}}))), pixelBytes(*image))
+      << "and what a new effect does";
 }
 
 TEST(GradientMap, FloatsOutsideTheRangeTakeTheEnds) {

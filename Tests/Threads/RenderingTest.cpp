@@ -14,7 +14,8 @@
 
 namespace {
 
-const PropertyList someGradient = linearGradient({{0, 0.1, 0, 0.3}, {0.4, 0.9, 0.2, 0.1}, {1, 1, 0.95, 0.6}}, {{0, 0.5}});
+const PropertyList someGradient =
+    linearGradient({{0, 0.1, 0, 0.3}, {0.4, 0.9, 0.2, 0.1}, {1, 1, 0.95, 0.6}}, {{0, 0.5}});
 
 PropertyList someLevels() {
   PropertyList levels = neutralLevels();
@@ -35,31 +36,19 @@ Bytes renderedByAll() {
   for (const Layout& layout : layouts) {
     const Bitmap first = randomImage(layout, 61, 23, Noise::Premultiplied, 5);
     const Bitmap second = randomImage(layout, 61, 23, Noise::Premultiplied, 6);
-    for (const char* name : {"Gradient Map", "Levels", "Duotone"}) {
-      const auto patch = effectNamed(name);
-      setImage(*patch, "inputImage", first);
-      if (patch->portForKey("inputGradient")) setState(*patch, "inputGradient", someGradient);
-      if (patch->portForKey("inputLevels")) setState(*patch, "inputLevels", someLevels());
-      append(*patch);
-    }
+    const auto one = [&](const char* name) { return effectNamed(name, {{"inputImage", first}}); };
+    const auto map = one("Gradient Map"), levels = one("Levels"), duotone = one("Duotone");
+    set(*map, "inputGradient", someGradient);
+    set(*levels, "inputLevels", someLevels());
+    for (const auto& patch : {map, levels, duotone}) append(*patch);
     for (const char* name : {"Gradient Wipe", "Dissolve"}) {
-      const auto patch = effectNamed(name);
-      setImage(*patch, "inputImageA", first);
-      setImage(*patch, "inputImageB", second);
-      setNumber(*patch, "inputTime", 0.3);
-      append(*patch);
+      append(*effectNamed(name, {{"inputImageA", first}, {"inputImageB", second}, {"inputTime", 0.3}}));
     }
     for (const char* name : {"Over", "Multiply"}) {
-      const auto patch = effectNamed(name);
-      setImage(*patch, "inputBackgroundImage", first);
-      setImage(*patch, "inputForegroundImage", second);
-      append(*patch);
+      append(*effectNamed(name, {{"inputBackgroundImage", first}, {"inputForegroundImage", second}}));
     }
   }
-  const auto ramp = effectNamed("Gradient Ramp");
-  setNumber(*ramp, "inputWidth", 61);
-  setNumber(*ramp, "inputHeight", 23);
-  append(*ramp);
+  append(*effectNamed("Gradient Ramp", {{"inputWidth", 61.0}, {"inputHeight", 23.0}}));
   return all;
 }
 
@@ -68,7 +57,8 @@ Bytes archivedByAll() {
   const auto gradient = VRTGradient::gradient();
   const auto levels = VRTHistogram::histogram();
   EXPECT_TRUE(gradient->initWithStateValue(someGradient) && levels->initWithStateValue(someLevels()));
-  const auto inner = VRTOpaqueData::dataWithValue(std::make_shared<NSArray>(std::vector<NSObjectRef>{gradient, levels}));
+  const auto inner =
+      VRTOpaqueData::dataWithValue(std::make_shared<NSArray>(std::vector<NSObjectRef>{gradient, levels}));
   const auto outer = VRTOpaqueData::dataWithValue(inner->copyWithZone());
   Bytes all;
   for (const auto format : {PropertyListFormat::Xml, PropertyListFormat::Binary}) {
