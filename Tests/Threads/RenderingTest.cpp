@@ -14,7 +14,8 @@
 
 namespace {
 
-const PropertyList someGradient = linearGradient({{0, 0.1, 0, 0.3}, {0.4, 0.9, 0.2, 0.1}, {1, 1, 0.95, 0.6}}, {{0, 0.5}});
+const PropertyList someGradient =
+    linearGradient({{0, 0.1, 0, 0.3}, {0.4, 0.9, 0.2, 0.1}, {1, 1, 0.95, 0.6}}, {{0, 0.5}});
 
 PropertyList someLevels() {
   PropertyList levels = neutralLevels();
@@ -68,7 +69,8 @@ Bytes archivedByAll() {
   const auto gradient = VRTGradient::gradient();
   const auto levels = VRTHistogram::histogram();
   EXPECT_TRUE(gradient->initWithStateValue(someGradient) && levels->initWithStateValue(someLevels()));
-  const auto inner = VRTOpaqueData::dataWithValue(std::make_shared<NSArray>(std::vector<NSObjectRef>{gradient, levels}));
+  const auto inner =
+      VRTOpaqueData::dataWithValue(std::make_shared<NSArray>(std::vector<NSObjectRef>{gradient, levels}));
   const auto outer = VRTOpaqueData::dataWithValue(inner->copyWithZone());
   Bytes all;
   for (const auto format : {PropertyListFormat::Xml, PropertyListFormat::Binary}) {

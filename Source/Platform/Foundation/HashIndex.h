@@ -40,8 +40,8 @@ class HashIndex {
     }
   }
 
-  // Fetches what find() and add() will look at. An index outgrows the caches: whoever has many things to look up says so
-  // some of them ahead, and the waits for memory overlap.
+  // Fetches what find() and add() will look at. An index outgrows the caches: whoever has many things to look up says
+  // so some of them ahead, and the waits for memory overlap.
   void prefetch(std::uint64_t hash) const {
     if (!slots_.empty()) {
       __builtin_prefetch(&slots_[static_cast<std::uint32_t>(hash) & mask()]);

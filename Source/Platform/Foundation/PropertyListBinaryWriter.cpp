@@ -92,7 +92,8 @@ class BinaryWriter {
       if (i % hashes.size() == 0) {
         hashAhead(std::span(items).subspan(i, std::min(hashes.size(), items.size() - i)), hashes);
       }
-      const std::uint32_t item = isLeaf(items[i]) ? collectLeaf(items[i], hashes[i % hashes.size()]) : collect(items[i]);
+      const std::uint32_t item =
+          isLeaf(items[i]) ? collectLeaf(items[i], hashes[i % hashes.size()]) : collect(items[i]);
       references_[first + i] = item;
     }
     return place;
