@@ -34,11 +34,8 @@ struct NSArchiver::State {
     if (!object || !archiver.error().empty()) {
       return PropertyList::uid(0);
     }
-    if (const auto* known = written.find(*object)) {
-      if (known->isOpen) {
-        archiver.fail("an object of class \"" + object->className() + "\" contains itself");
-      }
-      return referenceToPlace(known->place);
+    if (const auto place = written.placeOf(*object, archiver)) {
+      return referenceToPlace(*place);
     }
     if (auto plain = coding::plainValue(*object)) {
       const std::size_t place = written.placeOfPlain(*plain, objects);
@@ -52,7 +49,7 @@ struct NSArchiver::State {
     written.add(object, place, true);
     objects.emplace_back();
     write(*object, place);
-    written.find(*object)->isOpen = false;
+    written.close(*object);
     return referenceToPlace(place);
   }
 
@@ -65,11 +62,7 @@ struct NSArchiver::State {
       return;
     }
     PropertyList entry;
-    PropertyList names = PropertyList::array();
-    for (std::string& each : NSClassHierarchy(object.className())) {
-      names.append(PropertyList::string(std::move(each)));
-    }
-    entry.set("class", std::move(names));
+    entry.set("class", coding::classNames(object.className()));
     contexts.emplace_back();
     if (const auto* data = dynamic_cast<const NSMutableData*>(&object)) {
       put(std::make_shared<NSData>(data->bytes()));

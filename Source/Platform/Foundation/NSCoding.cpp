@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/Foundation/NSCoding.h"
 
+#include "Platform/Foundation/NSClassTable.h"
+
 #include <exception>
 
 namespace coding {
@@ -107,6 +109,14 @@ NSObjectRef objectOfPlainValue(const PropertyList& value) {
   return value.isArray() || value.isDictionary() ? nullptr : NSObjectFromPropertyList(value);
 }
 
+PropertyList classNames(const std::string& className) {
+  PropertyList names = PropertyList::array();
+  for (std::string& each : NSClassHierarchy(className)) {
+    names.append(PropertyList::string(std::move(each)));
+  }
+  return names;
+}
+
 void encode(const NSObject& object, NSCoder& coder) {
   withoutThrowing(coder, object.className(), [&] {
     object.encodeWithCoder(coder);
@@ -122,20 +132,18 @@ bool init(NSObject& object, NSCoder& coder, const std::string& className) {
   return accepted && coder.error().empty();
 }
 
-void WrittenObjects::prefetch(const NSObject* object) const {
-  if (object == nullptr) {
-    return;
-  }
-  byObject_.prefetch(hashOfObject(*object));
-  if (const auto* number = dynamic_cast<const NSNumber*>(object)) {
-    byValue_.prefetch(hashOfLeaf(number->value()));
-  }
-}
-
 WrittenObjects::Entry* WrittenObjects::find(const NSObject& object) {
   const std::size_t found =
       byObject_.find(hashOfObject(object), [&](std::size_t place) { return entries_[place].object.get() == &object; });
   return found == HashIndex::kNone ? nullptr : &entries_[found];
+}
+
+std::optional<std::size_t> WrittenObjects::placeOf(const NSObject& object, NSCoder& coder) {
+  const Entry* known = find(object);
+  if (known != nullptr && known->isOpen) {
+    coder.fail("an object of class \"" + object.className() + "\" contains itself");
+  }
+  return known == nullptr ? std::nullopt : std::optional(known->place);
 }
 
 void WrittenObjects::add(const NSObjectRef& object, std::size_t place, bool isOpen) {

@@ -42,6 +42,9 @@ std::optional<PropertyList> plainValue(const NSObject& object);
 // The object of such a value, or of a date; null for other values.
 NSObjectRef objectOfPlainValue(const PropertyList& value);
 
+// The class and its superclasses, as archives list them.
+PropertyList classNames(const std::string& className);
+
 // encodeWithCoder() and initWithCoder(), with what they throw turned into an error of the coder. `className` is the one
 // that the reason names.
 void encode(const NSObject& object, NSCoder& coder);
@@ -86,22 +89,24 @@ class ReadObjects {
 // What an archiver has written: objects by who they are, numbers and strings also by their value.
 class WrittenObjects {
  public:
-  struct Entry {
-    NSObjectRef object;  // retained, so that no other object comes to stand at the same address
-    std::size_t place;   // in the archive's list of objects
-    bool isOpen;         // it is being written
-  };
-  // Fetches what the next two will look at, for objects that are about to be written (HashIndex::prefetch()).
-  void prefetch(const NSObject* object) const;
-  // Null for an object that was not added; valid until the next one is.
-  Entry* find(const NSObject& object);
+  // Nothing for an object that was not added. One that is still open contains itself: an error of the coder.
+  std::optional<std::size_t> placeOf(const NSObject& object, NSCoder& coder);
+  // Open: it is being written, until close().
   void add(const NSObjectRef& object, std::size_t place, bool isOpen = false);
+  void close(const NSObject& object) { find(object)->isOpen = false; }
 
   // The place in `objects` of a number or string of that value that was added before, or the end, where the caller puts
   // it. Other values have no equals.
   std::size_t placeOfPlain(const PropertyList& value, const PropertyList::Array& objects);
 
  private:
+  struct Entry {
+    NSObjectRef object;  // retained, so that no other object comes to stand at the same address
+    std::size_t place;   // in the archive's list of objects
+    bool isOpen;
+  };
+  Entry* find(const NSObject& object);  // null for one that was not added; valid until the next one is
+
   std::vector<Entry> entries_;
   HashIndex byObject_;
   HashIndex byValue_;

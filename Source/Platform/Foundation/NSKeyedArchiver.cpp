@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/Foundation/NSKeyedArchiver.h"
 
-#include "Platform/Foundation/NSClassTable.h"
 #include "Platform/Foundation/NSCoding.h"
 #include "Platform/Foundation/NSReason.h"
 #include "Platform/Foundation/NSValues.h"
@@ -48,11 +47,8 @@ struct NSKeyedArchiver::State {
     if (!object || !archiver.error().empty()) {
       return PropertyList::uid(0);
     }
-    if (const auto* known = written.find(*object)) {
-      if (known->isOpen) {
-        archiver.fail("an object of class \"" + object->className() + "\" contains itself");
-      }
-      return PropertyList::uid(known->place);
+    if (const auto place = written.placeOf(*object, archiver)) {
+      return PropertyList::uid(*place);
     }
     if (auto plain = coding::plainValue(*object); plain && plain->stringValue() != kNullName) {
       return PropertyList::uid(placeOfPlain(object, *std::move(plain)));
@@ -68,7 +64,7 @@ struct NSKeyedArchiver::State {
     ++openObjects;
     PropertyList::Dictionary entries = contents(*object);
     --openObjects;
-    written.find(*object)->isOpen = false;
+    written.close(*object);
     entries.set("$class", classReference(object->className()));
     objects[place] = PropertyList::dictionary(std::move(entries));
     return PropertyList::uid(place);
@@ -112,11 +108,8 @@ struct NSKeyedArchiver::State {
   PropertyList::Array references(const std::vector<NSObjectRef>& list) {
     PropertyList::Array made;
     made.reserve(list.size());
-    for (std::size_t i = 0; i < list.size(); ++i) {
-      if (i + HashIndex::kAhead < list.size()) {
-        written.prefetch(list[i + HashIndex::kAhead].get());
-      }
-      made.push_back(referenceTo(list[i]));
+    for (const NSObjectRef& each : list) {
+      made.push_back(referenceTo(each));
     }
     return made;
   }
@@ -124,13 +117,9 @@ struct NSKeyedArchiver::State {
   PropertyList classReference(const std::string& name) {
     const auto [known, added] = classes.try_emplace(name, objects.size());
     if (added) {
-      PropertyList names = PropertyList::array();
-      for (std::string& each : NSClassHierarchy(name)) {
-        names.append(PropertyList::string(std::move(each)));
-      }
       PropertyList description;
       description.set("$classname", PropertyList::string(name));
-      description.set("$classes", std::move(names));
+      description.set("$classes", coding::classNames(name));
       objects.push_back(std::move(description));
     }
     return PropertyList::uid(known->second);
