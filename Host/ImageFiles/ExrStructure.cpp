@@ -184,7 +184,8 @@ class Parts {
     }
     const bool isSized = part.right >= part.left && part.bottom >= part.top;
     const bool isTiled = isTiled_ && !hasParts_;
-    if (!isSized || part.compression > kDwab || (isTiled && (part.tileWidth == 0 || part.tileHeight == 0))) return false;
+    if (!isSized || part.compression > kDwab || (isTiled && (part.tileWidth == 0 || part.tileHeight == 0)))
+      return false;
     parts_.push_back(std::move(part));
     return bytes_.isWhole();
   }

@@ -101,8 +101,13 @@ std::shared_ptr<QCPatch> makeEffect(const std::string& name) {
     throw Failure(ExitCode::Usage,
                   "there is no effect \"" + name + "\"" + closeNamesHint(name, names, "vorto effects lists them"));
   }
-  auto patch = VRTNodeManager::manager()->nodeInstanceWithName(name);
-  if (!patch) throw Failure(ExitCode::Effect, "the effect \"" + name + "\" could not be made");
+  const auto manager = VRTNodeManager::manager();
+  auto patch = manager->nodeInstanceWithName(name);
+  if (!patch) {
+    const std::string path = manager->pathOfNodeWithName(name);
+    throw Failure(ExitCode::Effect,
+                  "the effect \"" + name + "\" could not be made" + (path.empty() ? "" : ", from " + path));
+  }
   return patch;
 }
 
