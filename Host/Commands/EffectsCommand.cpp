@@ -2,6 +2,7 @@
 #include "Host/Commands/EffectsCommand.h"
 
 #include "Host/Messages/CloseNames.h"
+#include "Host/Messages/Failure.h"
 #include "Host/Messages/Json.h"
 #include "Host/Messages/StandardOutput.h"
 #include "Host/Messages/Table.h"
@@ -12,6 +13,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <vector>
 
 namespace host {
@@ -164,14 +166,30 @@ void writeEffect(JsonWriter& json, const std::string& name, const QCPatch& patch
   json.endObject();
 }
 
+// What can be made of a kind; for the rest there is a line on standard error.
+template <class Use>
+void forEachEffect(EffectKind kind, Use use) {
+  for (const std::string& name : effectNames(kind)) {
+    std::shared_ptr<QCPatch> patch;
+    try {
+      patch = makeEffect(name);
+    } catch (const Failure& failure) {
+      std::fprintf(stderr, "vorto: %s\n", printable(failure.what()).c_str());
+      continue;
+    }
+    use(name, *patch);
+  }
+}
+
 void printList() {
   bool first = true;
   for (const EffectKind kind : kEffectKinds) {
-    const auto names = effectNames(kind);
-    if (names.empty()) continue;
-    printText(std::string(first ? "" : "\n") + effectKindPlural(kind) + "\n");
-    first = false;
-    for (const std::string& name : names) printEffect(name, *makeEffect(name), kind);
+    bool isFirstOfKind = true;
+    forEachEffect(kind, [&](const std::string& name, const QCPatch& patch) {
+      if (isFirstOfKind) printText(std::string(first ? "" : "\n") + effectKindPlural(kind) + "\n");
+      first = isFirstOfKind = false;
+      printEffect(name, patch, kind);
+    });
   }
   if (first) printText("No effects were found.\n");
 }
@@ -182,7 +200,7 @@ void printJson() {
   for (const EffectKind kind : kEffectKinds) {
     json.key(effectKindKey(kind));
     json.beginArray();
-    for (const std::string& name : effectNames(kind)) writeEffect(json, name, *makeEffect(name), kind);
+    forEachEffect(kind, [&](const std::string& name, const QCPatch& patch) { writeEffect(json, name, patch, kind); });
     json.endArray();
   }
   json.endObject();

@@ -118,8 +118,13 @@ std::shared_ptr<QCPatch> makeEffect(const std::string& name) {
     throw Failure(ExitCode::Usage,
                   "there is no effect \"" + name + "\"" + closeNamesHint(name, names, "vorto effects lists them"));
   }
-  auto patch = VRTNodeManager::manager()->nodeInstanceWithName(*known);
-  if (!patch) throw Failure(ExitCode::Effect, "the effect \"" + *known + "\" could not be made");
+  const auto manager = VRTNodeManager::manager();
+  auto patch = manager->nodeInstanceWithName(*known);
+  if (!patch) {
+    const std::string path = manager->pathOfNodeWithName(*known);
+    throw Failure(ExitCode::Effect,
+                  "the effect \"" + *known + "\" could not be made" + (path.empty() ? "" : ", from " + path));
+  }
   return patch;
 }
 

@@ -3,9 +3,11 @@
 #include "Tests/Host/Program.h"
 #include "Tests/Host/TestImages.h"
 
+#include <elf.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
 #include <fstream>
 #include <iomanip>
 #include <map>
@@ -165,15 +167,49 @@ TEST(Permissions, ReadOnlyFoldersAndFilesStay) {
   EXPECT_EQ(readFile(workplace.at("out.png")), OldContent);
 }
 
+// What breaks is named and skipped, in the first run as in those that know it already; the effects that ship are there.
 TEST(PlugIns, BrokenOnesAreOnlyWarnedOf) {
   const Workplace workplace;
   fs::create_directories(workplace.at("plugins/Broken.plugin/Contents"));
   writeFile(workplace.at("plugins/Bad.qtz"), "no composition");
+  const std::string binaries = fs::read_symlink("/proc/self/exe").parent_path().string() + "/../test-plugins/";
+  for (const std::string name : {"ThrowingConstructor", "Unmade", "Hanging", "Damaged"}) {
+    const std::string contents = workplace.at("plugins/" + name + ".plugin/Contents");
+    fs::create_directories(contents + "/Linux");
+    writeFile(contents + "/Info.plist",
+              "<plist version=\"1.0\"><dict><key>CFBundleExecutable</key><string>P</string></dict></plist>");
+    fs::copy_file(binaries + (name == "Damaged" ? "Unmade" : name) + ".so", contents + "/Linux/P");
+  }
+  // The dynamic linker follows the table of the dynamic section wherever it leads.
+  const std::string damaged = workplace.at("plugins/Damaged.plugin/Contents/Linux/P");
+  std::string bytes = readFile(damaged);
+  Elf64_Ehdr header;
+  std::memcpy(&header, bytes.data(), sizeof header);
+  for (std::size_t i = 0; i < header.e_phnum; ++i) {
+    Elf64_Phdr segment;
+    std::memcpy(&segment, bytes.data() + header.e_phoff + i * sizeof segment, sizeof segment);
+    if (segment.p_type != PT_DYNAMIC) continue;
+    for (std::size_t at = 8; at < segment.p_filesz; at += 16) bytes[segment.p_offset + at + 5] = '\x7f';
+  }
+  writeFile(damaged, bytes);
+
   RunOptions options;
-  options.environment = {"VORTO_PLUGIN_PATH=" + workplace.at("nowhere") + "::" + workplace.at("plugins")};
-  const ProgramRun run = workplace.run({"effects"}, options);
-  EXPECT_EQ(run.exitCode, 0);
-  EXPECT_NE(run.err.find("Broken.plugin"), std::string::npos) << run.err;
-  EXPECT_NE(run.err.find("Bad.qtz"), std::string::npos) << run.err;
-  EXPECT_NE(run.out.find("Gradient Map"), std::string::npos);
+  options.environment = {"VORTO_PLUGIN_PATH=" + workplace.at("nowhere") + "::" + workplace.at("plugins"),
+                         "XDG_CACHE_HOME=" + workplace.at("cache")};
+  const std::string cache = workplace.at("cache/vorto/plug-ins");
+  EXPECT_NE(workplace.run({"effects"}, options).err.find("Hanging.plugin: loading it takes longer"), std::string::npos);
+  fs::remove_all(workplace.at("plugins/Hanging.plugin"));  // is not remembered, and costs its time again
+  for (const char* state : {"kept", "damaged", "made again"}) {
+    for (const Words& command : {Words{"effects"}, Words{"effects", "--json"}}) {
+      const ProgramRun run = workplace.run(command, options);
+      EXPECT_EQ(run.exitCode, 0) << state;
+      for (const char* said : {"Broken.plugin: ", "Bad.qtz: ", "ThrowingConstructor.plugin: it ends the process",
+                               "Damaged.plugin: it ends the process", "no patch today", "\"Gives None\" could not be made, from "}) {
+        EXPECT_NE(run.err.find(said), std::string::npos) << state << ": " << said << "\n" << run.err;
+      }
+      EXPECT_NE(run.out.find("Gradient Map"), std::string::npos) << state;
+    }
+    EXPECT_NE(readFile(cache).find("ThrowingConstructor"), std::string::npos) << state;
+    if (std::string(state) == "kept") writeFile(cache, readFile(cache).substr(0, 300) + "\n\t\n\xff");
+  }
 }

@@ -30,11 +30,13 @@ bool isPassedOn(std::string_view variable) {
 }
 
 Words environmentFor(const std::string& home, const RunOptions& options) {
+  static const TemporaryFolder cache;  // what is known of plug-ins, for all runs
   Words variables{"HOME=" + home};
   for (char** variable = environ; *variable; ++variable) {
     if (isPassedOn(*variable)) variables.emplace_back(*variable);
   }
   variables.insert(variables.end(), options.environment.begin(), options.environment.end());
+  variables.push_back("XDG_CACHE_HOME=" + cache.path());  // of two with one name the first counts
   return variables;
 }
 

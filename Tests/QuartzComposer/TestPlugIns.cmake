@@ -24,3 +24,11 @@ vorto_test_plugins(test-QuartzComposer Good Duplicate Throwing ThrowingDescripti
                    NoDescription NoFunction NoEntry Unresolved Searching)
 target_sources(test-Registry PRIVATE QuartzComposer/TestFolder.cpp)
 vorto_test_plugins(test-Registry SearchingShared)
+# For the host, which finds them from outside.
+foreach(name Unmade ThrowingConstructor Hanging)
+  add_library(test-plugin-${name} MODULE QuartzComposer/plugins/PlugIns.cpp)
+  target_compile_definitions(test-plugin-${name} PRIVATE TEST_PLUGIN_${name})
+  target_link_libraries(test-plugin-${name} PRIVATE vorto_settings Vorto::Vorto)
+  set_target_properties(test-plugin-${name} PROPERTIES PREFIX "" OUTPUT_NAME ${name}
+                                                       LIBRARY_OUTPUT_DIRECTORY ${test_plugin_folder})
+endforeach()

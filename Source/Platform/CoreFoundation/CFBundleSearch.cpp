@@ -27,19 +27,6 @@ Folders& TheFolders() {
   return folders;
 }
 
-// The folder of the library, or of the program, that this code is linked into. Empty when the system does not tell.
-std::string OwnFolder() {
-  Dl_info info{};
-  link_map* map = nullptr;
-  if (dladdr1(reinterpret_cast<void*>(&OwnFolder), &info, reinterpret_cast<void**>(&map), RTLD_DL_LINKMAP) == 0) {
-    return {};
-  }
-  const bool isProgram = map == nullptr || map->l_name == nullptr || *map->l_name == '\0';
-  std::error_code error;
-  const fs::path path = fs::canonical(isProgram ? "/proc/self/exe" : map->l_name, error);
-  return error ? std::string() : path.parent_path().string();
-}
-
 // Opens every bundle of a folder for good.
 void Search(const std::string& folder) {
   std::vector<std::string> paths;
@@ -55,6 +42,18 @@ void Search(const std::string& folder) {
 }
 
 }  // namespace
+
+std::string CFOwnFolder() {
+  Dl_info info{};
+  link_map* map = nullptr;
+  if (dladdr1(reinterpret_cast<void*>(&CFOwnFolder), &info, reinterpret_cast<void**>(&map), RTLD_DL_LINKMAP) == 0) {
+    return {};
+  }
+  const bool isProgram = map == nullptr || map->l_name == nullptr || *map->l_name == '\0';
+  std::error_code error;
+  const fs::path path = fs::canonical(isProgram ? "/proc/self/exe" : map->l_name, error);
+  return error ? std::string() : path.parent_path().string();
+}
 
 std::vector<std::string> CFBundleFoldersBeside(const std::string& folder) {
   std::vector<std::string> folders;
@@ -75,7 +74,7 @@ CFBundleRef CFBundleGetBundleWithIdentifier(CFStringRef identifier) {
     if (folders.unsearched.empty()) {
       if (folders.ownAdded) return nullptr;
       folders.ownAdded = true;
-      const std::vector<std::string> own = CFBundleFoldersBeside(OwnFolder());
+      const std::vector<std::string> own = CFBundleFoldersBeside(CFOwnFolder());
       folders.unsearched.assign(own.begin(), own.end());
       continue;
     }

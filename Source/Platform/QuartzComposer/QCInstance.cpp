@@ -12,7 +12,8 @@ void QCReport(std::string_view what, std::string_view reason) {
 
 std::shared_ptr<QCPatch> QCMakeInstance(std::string_view name, const QCPatch::Factory& factory) {
   try {
-    return factory();
+    if (std::shared_ptr<QCPatch> instance = factory()) return instance;
+    QCReport(name, "the node could not be made: its factory gives none");
   } catch (const std::exception& error) {
     QCReport(name, std::string("the node could not be made: ") + error.what());
   } catch (...) {

@@ -15,7 +15,9 @@
 // QCPlugInInterfaceVersion is refused before anything else of it is called. registerNodes then registers the bundle's
 // nodes; when it throws, all that it registered is taken back. A bundle that was loaded is never unloaded.
 //
-// The constructors of a plug-in's static objects must not throw: by the rules of the language that ends the process.
+// Before a binary is loaded for the first time, and whenever it has changed, a program of its own loads it and
+// registers its nodes, with standard streams that lead nowhere; one that ends that program (a constructor of a static
+// object that throws does) or keeps it for five seconds is refused.
 inline constexpr std::uint32_t QCPlugInInterfaceVersion = 1;
 
 struct QCPlugInDescription {

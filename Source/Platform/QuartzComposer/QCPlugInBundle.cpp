@@ -3,6 +3,7 @@
 
 #include "Platform/Foundation/NSReason.h"
 #include "Platform/QuartzComposer/QCPlugInBinary.h"
+#include "Platform/QuartzComposer/QCPlugInProbe.h"
 
 #include <dlfcn.h>
 
@@ -90,7 +91,7 @@ const QCPlugInDescription* QCLoadPlugInBundle(const std::string& path, std::stri
     NSRefuse(reason, "it has no binary Contents/Linux/" + name);
     return nullptr;
   }
-  if (!QCCheckPlugInBinary(binary, reason)) {
+  if (!QCCheckPlugInBinary(binary, reason) || !QCSurvivesLoading(path, binary, reason)) {
     return nullptr;
   }
   // The handle is never closed: initialisers of the binary may have registered classes.

@@ -93,5 +93,5 @@ TEST(DamagedFiles, AreRefusedWhateverTheLibrariesMakeOfThem) {
   for (const char* name : {"rows-zip.tif", "planes-zip.tif", "tiles-zip.tif"}) {
     for (const std::size_t place : {30, 100, 200}) EXPECT_FALSE(isReadWith(name, 0, place)) << name << " at " << place;
   }
-  for (const std::size_t place : {700, 900, 1200}) EXPECT_FALSE(isReadWith("rows-rle.exr", 0, place)) << place;
+  EXPECT_FALSE(isReadWith("rows-rle.exr", 0, 625));
 }

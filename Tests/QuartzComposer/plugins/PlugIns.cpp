@@ -21,6 +21,27 @@ QC_PLUGIN_ENTRY([](GFNodeManager& manager) {
   registerNode(manager, "Good A");
   registerNode(manager, "Good B");
 })
+#elif defined(TEST_PLUGIN_Unmade)
+QC_PLUGIN_ENTRY([](GFNodeManager& manager) {
+  PropertyList protocols;
+  protocols.set("generator", PropertyList());
+  PropertyList attributes;
+  attributes.set("protocols", protocols);
+  manager.registerNodeWithName("Throws", attributes,
+                               []() -> std::shared_ptr<QCPatch> { throw std::runtime_error("no patch today"); });
+  manager.registerNodeWithName("Gives None", attributes, [] { return nullptr; });
+})
+#elif defined(TEST_PLUGIN_ThrowingConstructor)
+QC_PLUGIN_ENTRY([](GFNodeManager&) {})
+const int constructed = [] {
+  throw std::runtime_error("before anybody can catch");
+  return 0;
+}();
+#elif defined(TEST_PLUGIN_Hanging)
+QC_PLUGIN_ENTRY([](GFNodeManager&) {
+  for (volatile bool forever = true; forever;) {
+  }
+})
 #elif defined(TEST_PLUGIN_Duplicate)
 QC_PLUGIN_ENTRY([](GFNodeManager& manager) {
   manager.registerNodeWithName("Good A", {}, [] { return std::make_shared<QCPatch>(); });
