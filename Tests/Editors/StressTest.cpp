@@ -9,6 +9,7 @@
 #include <QMimeData>
 #include <cstdio>
 #include <random>
+#include <tuple>
 
 // Random events in the editors, and observers that do anything at all at every notification. A round is made from its
 // seed alone. By hand, for long under the sanitizers, with the seed of every round on standard error:
@@ -28,8 +29,8 @@ class Round : public VRTGradientEditorDelegate {
     first_ = scene_->port().stateValue();
     scene_->onNote = [this](const std::string&) { react(); };
     for (const char* name : {kVRTColorPickerDidOpen, kVRTColorPickerDidClose}) {
-      observations_.push_back(NSNotificationCenter::defaultCenter().addObserver(
-          name, nullptr, [this](const NSNotification&) { react(); }));
+      observations_.push_back(
+          NSNotificationCenter::defaultCenter().addObserver(name, nullptr, [this](const NSNotification&) { react(); }));
     }
   }
 
@@ -131,7 +132,9 @@ class Round : public VRTGradientEditorDelegate {
       [this] { scene_->move(place()); },
       [this] { scene_->release(modifiers(), button()); },
       [this] { scene_->release(); },
-      [this] { part() ? mouse(QEvent::MouseButtonDblClick, scene_->gutter, {5, 20}, button(), button()) : void(); },
+      [this] {
+        part() ? mouse(QEvent::MouseButtonDblClick, scene_->gutter, {5, 20}, button(), button()) : void();
+      },
       [this] { scene_->keyDown(key(), modifiers()); },
       [this] { scene_->keyUp(key()); },
       [this] { scene_->repeatKey(key()); },
@@ -145,8 +148,12 @@ class Round : public VRTGradientEditorDelegate {
       [this] { oneOf(deeds_); },
   };
   const Deeds deeds_ = {
-      [this] { if (chance(3)) delete scene_->editor; },
-      [this] { if (chance(3)) delete part(); },
+      [this] {
+        if (chance(3)) delete scene_->editor;
+      },
+      [this] {
+        if (chance(3)) delete part();
+      },
       [this] { chance(3) ? scene_->window.reset() : void(); },
       [this] { scene_->editor ? scene_->attach(chance(2) ? scene_.get() : nullptr) : void(); },
       [this] { part() ? scene_->gutter->setVisible(chance(2)) : void(); },
@@ -158,7 +165,9 @@ class Round : public VRTGradientEditorDelegate {
       [this] { part() ? part()->setParent(nullptr) : void(); },
       [this] { scene_->editor ? scene_->editor->setParent(nullptr) : void(); },
       [this] { scene_->editor && scene_->window ? scene_->window->addSubview(*scene_->editor) : void(); },
-      [this] { scene_->editor ? scene_->editor->setFrameSize({150.0 + number(200), 75}) : void(); },
+      [this] {
+        scene_->editor ? scene_->editor->setFrameSize({150.0 + number(200), 75}) : void();
+      },
       [this] { scene_->editor ? scene_->updateEditor() : void(); },
       [this] { scene_->port().setValue(chance(2) ? scene_->newValue() : nullptr); },
       [this] { scene_->port().setStateValue(PropertyList(scene_->port().stateValue().value_or(*first_)), nullptr); },
@@ -193,5 +202,7 @@ TEST(Stress, EditorsSurviveRandomEventsAndWhoeverIsTold) {
     Round(seed).run();
     if (testing::Test::HasFailure()) break;
   }
+  // Animations that still run belong to nobody.
+  std::ignore = QTest::qWaitFor([] { return QApplication::topLevelWidgets().isEmpty(); }, 1000);
   qInstallMessageHandler(silence);
 }
