@@ -24,6 +24,9 @@ VRTGesture::Alive VRTGesture::alive() const {
 
 bool VRTGesture::start(By by, const std::shared_ptr<QCPort>& port) {
   const Alive owner = alive();
+  end();
+  if (!owner || !catchUp() || isOpen()) return false;
+  if (by == By::Mouse) releaseIsMadeUpFor_ = false;
   by_ = by;
   port_ = VRTObjectReference<QCPort>(port.get());
   VRTPostStartInteraction(port.get());

@@ -63,7 +63,8 @@ class VRTGesture {
   // destroyed.
   bool catchUp() const;
 
-  // Opens an interaction; none may be open. False when whoever was told has destroyed the view or ended it.
+  // Opens an interaction. One that those who are told of a press have opened meanwhile is ended first. False when
+  // whoever was told has destroyed the view or ended it.
   bool start(By by, const std::shared_ptr<QCPort>& port);
   // Ends it; nothing when none is open.
   void end();

@@ -123,7 +123,14 @@ void VRTTransientColorPanel::follow(QPointF position) {
 
 void VRTTransientColorPanel::mousePressEvent(QMouseEvent* event) {
   event->accept();
-  if (!rect().contains(event->position().toPoint())) return finish(false);
+  const bool inside = rect().contains(event->position().toPoint());
+  if (event->button() == Qt::RightButton) {
+    // Qt sends the panel a context-menu event next, whether it still lives or not: nobody is told before that.
+    pressed_ = inside;
+    if (!inside) hide();
+    return;
+  }
+  if (!inside) return finish(false);
   pressed_ = true;
   follow(event->position());
 }

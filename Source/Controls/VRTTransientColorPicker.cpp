@@ -58,7 +58,7 @@ void VRTTransientColorPicker::Session::open(VRTColorSwatch::Kind kind, QPoint gl
   panel->setFocus();
 }
 
-// A panel that is being hidden from outside is in the middle of Qt's own work; who is told may destroy it.
+// A panel that is hidden before its pick is over is in the middle of Qt's own work; who is told may destroy it.
 void VRTTransientColorPicker::Session::finishHidden(bool taken) {
   if (!running) return;
   if (!panel || panel->isVisible()) return finish(taken);

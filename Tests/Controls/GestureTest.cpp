@@ -73,8 +73,9 @@ constexpr std::pair<const char*, const char*> kGestures[] = {
     {"KLkKkl", "start keys end "},  // until the last key is let go
     {"KLf.kl", "start keys end "},
     {"ovc", "start picker end "},  // pickers go on without the view
-    {"ccfvkl", ""},                // nothing is open
-    {"pv", "start "},              // lost ends are made up for late
+    {"Koc", "start keys end start picker end "},
+    {"ccfvkl", ""},    // nothing is open
+    {"pv", "start "},  // lost ends are made up for late
     {"Kd", "start "},
     {"pv.v.r", "start mouse end "},                   // once
     {"pvr.", "start mouse^ end "},                    // not when they come after all

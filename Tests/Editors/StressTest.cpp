@@ -9,6 +9,7 @@
 #include <QMimeData>
 #include <cstdio>
 #include <random>
+#include <tuple>
 
 // Random events in the editors, and observers that do anything at all at every notification. A round is made from its
 // seed alone. By hand, for long under the sanitizers, with the seed of every round on standard error:
@@ -201,5 +202,7 @@ TEST(Stress, EditorsSurviveRandomEventsAndWhoeverIsTold) {
     Round(seed).run();
     if (testing::Test::HasFailure()) break;
   }
+  // Animations that still run belong to nobody.
+  std::ignore = QTest::qWaitFor([] { return QApplication::topLevelWidgets().isEmpty(); }, 1000);
   qInstallMessageHandler(silence);
 }
