@@ -21,11 +21,11 @@ class VRTGradientGutterOwner;
 //
 // Mouse: a click on the strip inserts a sample and drags it; dragging moves samples and middle points, with option a
 // copy; a sample dragged off vanishes when the button is let go, unless it is the last; a right or control click opens
-// the picker of a sample, and so does a double click in an editor without a delegate.
+// the swatch of colors for a sample, a double click the picker's panel in an editor without a delegate.
 //
 // Keyboard: the arrows move what is selected by 1%, with Shift by 0.1%; Home and End move it to the ends, short of a
 // sample that stands there; Page Up and Page Down, or Control and the arrows, select the neighbours; Delete removes the
-// sample unless it is the last; Enter opens the picker.
+// sample unless it is the last; Enter opens the picker's panel.
 //
 // Every change of the gradient is bracketed by willChangeValue and didChangeValue of the port, except that a sample
 // inserted by a click first shows in those of the drag or the release that follow, and that color drops announce

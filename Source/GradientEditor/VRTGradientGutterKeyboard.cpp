@@ -147,7 +147,7 @@ void VRTGradientGutter::pickByKey() {
     const NSRect swatch = geometry().swatch(VRTClampToUnit(sample->position));
     const NSPoint centre = {swatch.origin.x + swatch.size.width / 2, swatch.origin.y + swatch.size.height / 2};
     const QPoint onScreen = mapToGlobal(toWidget(centre).toPoint());
-    startColorPicker(NSEvent(convertPointToWindow(centre), 0, 1, onScreen));
+    startColorPicker(NSEvent(convertPointToWindow(centre), 0, 0, onScreen));  // no click
   }
   if (alive && !VRTTransientColorPicker::current()) pickerDidEnd();
 }
