@@ -41,6 +41,7 @@ void VRTColorButton::paintEvent(QPaintEvent*) {
   if (!color_) outline.setAlphaF(kEmptyOpacity);
   painter.fillRect(rect(), outline);
   const QRect inner = rect().adjusted(1, 1, -1, -1);
-  painter.fillRect(inner, color_ ? QColor(VRTLevelsOfColor(*color_)) : NSTarnColor::inspectorBackgroundColor().toQColor());
+  painter.fillRect(inner,
+                   color_ ? QColor(VRTLevelsOfColor(*color_)) : NSTarnColor::inspectorBackgroundColor().toQColor());
   if (hasFocus()) NSDrawFocusRing(NSMakeRect(0, 0, width(), height()));
 }

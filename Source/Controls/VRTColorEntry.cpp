@@ -79,8 +79,9 @@ VRTColorNumberEntry::VRTColorNumberEntry(const Layout& layout, Changed changed, 
   box_->setSuffix(QString::fromUtf8(layout.suffix));
   box_->setAccelerated(true);
   box_->setCursor(Qt::IBeamCursor);
-  QObject::connect(box_, &QDoubleSpinBox::valueChanged, this,
-                   [changed = std::move(changed), component = component_](double number) { changed(component, number); });
+  QObject::connect(
+      box_, &QDoubleSpinBox::valueChanged, this,
+      [changed = std::move(changed), component = component_](double number) { changed(component, number); });
   setCursor(Qt::SizeHorCursor);
   setEditor(*box_);
 }

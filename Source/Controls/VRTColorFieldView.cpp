@@ -59,7 +59,7 @@ VRTColorFieldView::VRTColorFieldView(VRTColorField field, VRTPickedColor& color,
 
 void VRTColorFieldView::refresh() {
   setNeedsDisplay(true);
-  for (std::size_t i = 0; i < numbersOf(field_.kind()).size(); ++i) accessibilityValueChanged(i);
+  accessibilityChanged();
 }
 
 void VRTColorFieldView::drawRect(NSRect) {

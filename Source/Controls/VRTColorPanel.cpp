@@ -73,7 +73,8 @@ VRTColorPanel::~VRTColorPanel() = default;
 void VRTColorPanel::addFields(int& y) {
   const int margin = VRTColorFieldView::kMargin;
   for (const VRTColorSwatch::Place& place : swatch_.fields()) {
-    auto* view = new VRTColorFieldView(place.field, picked_, [this] { changed(nullptr); }, this);
+    auto* view = new VRTColorFieldView(
+        place.field, picked_, [this] { changed(nullptr); }, this);
     view->move(QPoint(kMargin, y) + place.rect.topLeft() - QPoint(margin, margin));
     fieldViews_.push_back({place.field.kind(), view});
   }

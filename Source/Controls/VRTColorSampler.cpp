@@ -44,8 +44,7 @@ QRect onGrid(const QRect& rect) {
 Seen seenOf(QScreen& screen, const QRect& points) {
   const QPoint origin = screen.geometry().topLeft();
   const QRect part = onGrid(points.translated(-origin)) & QRect(QPoint(), screen.geometry().size());
-  const QPixmap pixels =
-      screen.grabWindow(0, part.x(), part.y(), part.width(), part.height());
+  const QPixmap pixels = screen.grabWindow(0, part.x(), part.y(), part.width(), part.height());
   return {pixels.toImage(), part.topLeft() + origin, screen.devicePixelRatio()};
 }
 
@@ -129,8 +128,7 @@ class VRTColorSampler::Glass : public QWidget {
   QImage pixels_;
 };
 
-VRTColorSampler::VRTColorSampler(QWidget& owner, Done done)
-    : glass_(new Glass(owner)), done_(std::move(done)) {
+VRTColorSampler::VRTColorSampler(QWidget& owner, Done done) : glass_(new Glass(owner)), done_(std::move(done)) {
   QApplication::setOverrideCursor(CursorOfThemeAtomAtIndex(VRTTheme::theme(), VRTThemeAtomCursor, 0));
   qApp->installEventFilter(this);
 }

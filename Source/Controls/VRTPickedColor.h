@@ -41,6 +41,6 @@ QRgb VRTLevelsOfColor(const NSColor& color);  // opaque
 
 // "#1e90ff".
 QString VRTHexOfColor(const NSColor& color);
-// Six digits, or three where so few are enough, with or without the number sign, spaces around them; empty for any other
-// text.
+// Six digits, or three where so few are enough, with or without the number sign, spaces around them; empty for any
+// other text.
 std::optional<NSColor> VRTColorOfHex(const QString& text, int fewestDigits = 3);

@@ -10,8 +10,8 @@
 
 // The window of a color picker: the color that it has, and what it tells. Enter takes the color, Escape gives it up.
 //
-// Whoever is told may destroy the owner. The window closes then, but lives on until its events are handled: no part of it
-// goes while it tells of a change.
+// Whoever is told may destroy the owner. The window closes then, but lives on until its events are handled: no part of
+// it goes while it tells of a change.
 class VRTPickerWindow : public QWidget {
  public:
   struct Handlers {

@@ -22,6 +22,7 @@ VRTGradientGutter::~VRTGradientGutter() = default;
 void VRTGradientGutter::setEnabled(bool enabled) {
   _enabled = enabled;
   setFocusPolicy(enabled ? Qt::StrongFocus : Qt::NoFocus);
+  updateToolTips();
 }
 
 VRTChannelGradientFolder* VRTGradientGutter::getFolder() const {
@@ -46,7 +47,7 @@ QMenu* VRTGradientGutter::menuForEvent(const NSEvent&) {
 void VRTGradientGutter::update() {
   VRTGradientView::update();
   if (_moving == MovingNothing) updateToolTips();
-  announceAccessibility();
+  accessibilityChanged();
 }
 
 void VRTGradientGutter::setBounds(NSRect bounds) {
