@@ -2,6 +2,7 @@
 #include "Host/Inspect/DocumentActions.h"
 
 #include "Host/Inspect/MessageBar.h"
+#include "Host/Inspect/WindowText.h"
 #include "Host/Rendering/PortKinds.h"
 
 #include <QAction>
@@ -15,7 +16,9 @@
 namespace host {
 namespace {
 
-const QString kStateFilter = QStringLiteral("States (*.plist *.gradient *.levels *.inks);;All files (*)");
+QString stateFilter() {
+  return windowText("States (*.plist *.gradient *.levels *.inks);;All files (*)");
+}
 
 }  // namespace
 
@@ -56,8 +59,8 @@ DocumentActions::DocumentActions(ParameterDocument& document, MessageBar& messag
   updateActions();
 }
 
-QAction* DocumentActions::addAction(const QString& text, const QKeySequence& keys, const std::function<void()>& done) {
-  auto* action = new QAction(text, this);
+QAction* DocumentActions::addAction(const char* text, const QKeySequence& keys, const std::function<void()>& done) {
+  auto* action = new QAction(windowText(text), this);
   action->setShortcut(keys);
   QObject::connect(action, &QAction::triggered, this, done);
   window_.addAction(action);
@@ -91,7 +94,7 @@ void DocumentActions::load(const std::string& path, QCPort* preferred) {
 }
 
 void DocumentActions::open(QCPort* port) {
-  const QString path = QFileDialog::getOpenFileName(&window_, "Open State", {}, kStateFilter);
+  const QString path = QFileDialog::getOpenFileName(&window_, windowText("Open State"), {}, stateFilter());
   if (!path.isEmpty()) load(path.toStdString(), port);
 }
 
@@ -106,7 +109,7 @@ void DocumentActions::save(QCPort& port) {
 void DocumentActions::saveAs(QCPort& port) {
   const QString present = QString::fromStdString(document_.file(port));
   const QString suggested = present.isEmpty() ? QString::fromStdString(port.name()).toLower() + ".plist" : present;
-  const QString path = QFileDialog::getSaveFileName(&window_, "Save State", suggested, kStateFilter);
+  const QString path = QFileDialog::getSaveFileName(&window_, windowText("Save State"), suggested, stateFilter());
   if (!path.isEmpty() && tried([&] { document_.save(port, path.toStdString()); })) updateActions();
 }
 

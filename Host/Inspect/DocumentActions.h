@@ -49,7 +49,7 @@ class DocumentActions : public QObject {
   QAction* quitAction;
 
  private:
-  QAction* addAction(const QString& text, const QKeySequence& keys, const std::function<void()>& done);
+  QAction* addAction(const char* text, const QKeySequence& keys, const std::function<void()>& done);
   void updateActions();
 
   ParameterDocument& document_;

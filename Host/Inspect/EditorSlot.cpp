@@ -2,6 +2,7 @@
 #include "Host/Inspect/EditorSlot.h"
 
 #include "HistogramEditor/VRTHistogramEditor.h"
+#include "Host/Inspect/WindowText.h"
 #include "Platform/TarnKit/NSTarnView.h"
 #include "Ports/VRTPorts.h"
 
@@ -14,7 +15,7 @@ namespace host {
 EditorSlot::EditorSlot(QCPort& port, QWidget* parent) : QWidget(parent), port_(port) {
   if (auto* viewing = dynamic_cast<ParameterView*>(&port)) editor_ = viewing->setupParameterView();
   if (!editor_) {
-    auto* label = new QLabel("This parameter has no editor.", this);
+    auto* label = new QLabel(windowText("This parameter has no editor."), this);
     label->setForegroundRole(QPalette::PlaceholderText);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);

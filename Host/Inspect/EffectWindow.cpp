@@ -8,6 +8,7 @@
 #include "Host/Inspect/MessageBar.h"
 #include "Host/Inspect/PreviewView.h"
 #include "Host/Inspect/TransportBar.h"
+#include "Host/Inspect/WindowText.h"
 #include "TarnCore/TCBitmap.h"
 
 #include <QAction>
@@ -15,8 +16,8 @@
 #include <QDropEvent>
 #include <QFileDialog>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QMenuBar>
-#include <QShortcut>
 #include <QVBoxLayout>
 
 namespace host {
@@ -24,7 +25,7 @@ namespace {
 
 QString pictureText(const VortoBitmap& bitmap, double zoom) {
   const QString depth =
-      bitmap.bitsPerChannel == 32 ? QStringLiteral("float") : QStringLiteral("%1-bit").arg(bitmap.bitsPerChannel);
+      bitmap.bitsPerChannel == 32 ? windowText("float") : windowText("%1-bit").arg(bitmap.bitsPerChannel);
   return QStringLiteral("%1 \u00d7 %2   %3   %4 %")
       .arg(bitmap.width)
       .arg(bitmap.height)
@@ -52,8 +53,6 @@ EffectWindow::EffectWindow(EffectSession& session)
   });
   layOut();
   addMenus();
-  auto* space = new QShortcut(Qt::Key_Space, this);
-  QObject::connect(space, &QShortcut::activated, this, [this] { transport_->togglePlaying(); });
   setAcceptDrops(true);
   updateTitle();
   resize(1120, 700);
@@ -77,16 +76,16 @@ void EffectWindow::layOut() {
 }
 
 void EffectWindow::addMenus() {
-  auto* savePictureAction = new QAction("Save Picture\u2026", this);
+  auto* savePictureAction = new QAction(windowText("Save Picture\u2026"), this);
   savePictureAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_E));
   QObject::connect(savePictureAction, &QAction::triggered, this, [this] { savePicture(); });
-  QMenu* file = menuBar()->addMenu("&File");
+  QMenu* file = menuBar()->addMenu(windowText("&File"));
   file->addActions({actions_->openAction, actions_->saveAction, actions_->saveAsAction});
   file->addSeparator();
   file->addAction(savePictureAction);
   file->addSeparator();
   file->addAction(actions_->quitAction);
-  QMenu* edit = menuBar()->addMenu("&Edit");
+  QMenu* edit = menuBar()->addMenu(windowText("&Edit"));
   edit->addActions({actions_->undoAction, actions_->redoAction});
   edit->addSeparator();
   edit->addAction(actions_->resetAction);
@@ -105,8 +104,8 @@ bool EffectWindow::render() {
 
 void EffectWindow::savePicture() {
   const QString path =
-      QFileDialog::getSaveFileName(this, "Save Picture", QString::fromStdString(session_.name()) + ".png",
-                                   "Pictures (*.png *.jpg *.jpeg *.tif *.tiff *.exr)");
+      QFileDialog::getSaveFileName(this, windowText("Save Picture"), QString::fromStdString(session_.name()) + ".png",
+                                   windowText("Pictures (*.png *.jpg *.jpeg *.tif *.tiff *.exr)"));
   if (path.isEmpty()) return;
   if (render_.isPending()) renderNow();
   actions_->tried([&] { session_.savePicture(path.toStdString()); });
@@ -120,6 +119,12 @@ void EffectWindow::updateTitle() {
 
 void EffectWindow::closeEvent(QCloseEvent* event) {
   event->setAccepted(actions_->mayClose());
+}
+
+// Space comes here from widgets that have no use for it: buttons press themselves, lists open, fields take it as text.
+void EffectWindow::keyPressEvent(QKeyEvent* event) {
+  if (event->key() != Qt::Key_Space || event->modifiers() != Qt::NoModifier) return QMainWindow::keyPressEvent(event);
+  if (!event->isAutoRepeat()) transport_->togglePlaying();
 }
 
 void EffectWindow::dragEnterEvent(QDragEnterEvent* event) {

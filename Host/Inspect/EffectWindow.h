@@ -30,6 +30,7 @@ class EffectWindow : public QMainWindow {
   int renderCount() const { return renderCount_; }
 
  protected:
+  void keyPressEvent(QKeyEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dropEvent(QDropEvent* event) override;
   void closeEvent(QCloseEvent* event) override;

@@ -2,6 +2,7 @@
 #include "Host/Inspect/MessageBar.h"
 
 #include "Host/Inspect/Appearance.h"
+#include "Host/Inspect/WindowText.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -24,7 +25,7 @@ MessageBar::MessageBar(QWidget* parent) : QWidget(parent), label_(new QLabel(thi
   auto* close = new QToolButton(this);
   close->setText(QStringLiteral("\u00d7"));
   close->setAutoRaise(true);
-  close->setAccessibleName("Close the message");
+  close->setAccessibleName(windowText("Close the message"));
   QObject::connect(close, &QToolButton::clicked, this, [this] { clear(); });
 
   auto* row = new QHBoxLayout(this);

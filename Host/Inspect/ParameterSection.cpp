@@ -4,6 +4,7 @@
 #include "Host/Inspect/DocumentActions.h"
 #include "Host/Inspect/EditorSlot.h"
 #include "Host/Inspect/InspectorMetrics.h"
+#include "Host/Inspect/WindowText.h"
 
 #include <QAbstractButton>
 #include <QHBoxLayout>
@@ -24,7 +25,7 @@ class FoldingTitle : public QAbstractButton {
     setEnabled(true);
     setFocusPolicy(folds ? Qt::TabFocus : Qt::NoFocus);
     setAttribute(Qt::WA_TransparentForMouseEvents, !folds);
-    if (folds) setToolTip("Show or hide the editor");
+    if (folds) setToolTip(windowText("Show or hide the editor"));
   }
   QSize sizeHint() const override {
     return {textStart() + fontMetrics().horizontalAdvance(text()) + 4, fontMetrics().height() + 6};
@@ -82,13 +83,13 @@ void ParameterSection::addMenu() {
   menu_->setAutoRaise(true);
   menu_->setPopupMode(QToolButton::InstantPopup);
   menu_->setStyleSheet("QToolButton::menu-indicator { image: none; }");
-  menu_->setAccessibleName(QString::fromStdString(port_.name()) + " menu");
+  menu_->setAccessibleName(windowText("%1 menu").arg(QString::fromStdString(port_.name())));
   auto* menu = new QMenu(menu_);
-  menu->addAction("Open State\u2026", this, [this] { actions_.open(&port_); });
-  menu->addAction("Save State", this, [this] { actions_.save(port_); });
-  menu->addAction("Save State As\u2026", this, [this] { actions_.saveAs(port_); });
+  menu->addAction(windowText("Open State\u2026"), this, [this] { actions_.open(&port_); });
+  menu->addAction(windowText("Save State"), this, [this] { actions_.save(port_); });
+  menu->addAction(windowText("Save State As\u2026"), this, [this] { actions_.saveAs(port_); });
   menu->addSeparator();
-  menu->addAction("Reset", this, [this] { actions_.reset(port_); });
+  menu->addAction(windowText("Reset"), this, [this] { actions_.reset(port_); });
   menu_->setMenu(menu);
 }
 
@@ -102,9 +103,9 @@ void ParameterSection::updateTitle() {
   const QString name = QString::fromStdString(port_.name());
   title_->setText(name + (modified ? QStringLiteral(" \u2022") : QString()));
   title_->updateGeometry();
-  title_->setAccessibleName(modified ? name + ", modified" : name);
+  title_->setAccessibleName(modified ? windowText("%1, modified").arg(name) : name);
   const std::string& file = actions_.document().file(port_);
-  menu_->setToolTip(file.empty() ? QStringLiteral("State") : QString::fromStdString(file));
+  menu_->setToolTip(file.empty() ? windowText("State") : QString::fromStdString(file));
 }
 
 }  // namespace host

@@ -3,6 +3,7 @@
 
 #include "Host/Inspect/Appearance.h"
 #include "Host/Inspect/DisplayImage.h"
+#include "Host/Inspect/WindowText.h"
 
 #include <QPainter>
 #include <QResizeEvent>
@@ -50,7 +51,7 @@ QRect fittedRect(QSize picture, QSize area) {
 }
 
 PreviewView::PreviewView(QWidget* parent) : QWidget(parent) {
-  setAccessibleName("Preview");
+  setAccessibleName(windowText("Preview"));
   setAttribute(Qt::WA_OpaquePaintEvent);
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Inspect/TransportBar.h"
 
+#include "Host/Inspect/WindowText.h"
+
 #include <QAbstractButton>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -21,8 +23,8 @@ class PlayButton : public QAbstractButton {
     setFixedSize(26, 26);
     setCheckable(true);
     setFocusPolicy(Qt::TabFocus);
-    setAccessibleName("Play");
-    setToolTip("Play or pause (Space)");
+    setAccessibleName(windowText("Play"));
+    setToolTip(windowText("Play or pause (Space)"));
   }
 
  protected:
@@ -81,7 +83,7 @@ void TransportBar::addControls() {
   button_ = new PlayButton(this);
   slider_ = new QSlider(Qt::Horizontal, this);
   slider_->setRange(0, static_cast<int>(std::min<std::uint64_t>(timeline_.count() - 1, 1 << 30)));
-  slider_->setAccessibleName("Time");
+  slider_->setAccessibleName(windowText("Time"));
   time_ = new QLabel(this);
   time_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
   time_->setMinimumWidth(

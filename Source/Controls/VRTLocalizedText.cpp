@@ -12,8 +12,8 @@ CFOwned<CFStringRef> stringOf(const char* utf8) {
   return CFOwned<CFStringRef>(CFStringCreateWithCString(nullptr, utf8, kCFStringEncodingUTF8));
 }
 
-QString lookedUp(const char* key, const char* missing) {
-  const CFBundleRef bundle = CFBundleGetBundleWithIdentifier(stringOf(VRTFrameworkBundleIdentifier).get());
+QString lookedUp(const char* bundleIdentifier, const char* key, const char* missing) {
+  const CFBundleRef bundle = CFBundleGetBundleWithIdentifier(stringOf(bundleIdentifier).get());
   const CFOwned<CFStringRef> text(
       CFBundleCopyLocalizedString(bundle, stringOf(key).get(), stringOf(missing).get(), nullptr));
   const CFIndex length = CFStringGetLength(text.get());
@@ -25,11 +25,15 @@ QString lookedUp(const char* key, const char* missing) {
 }  // namespace
 
 QString VRTLocalizedText(const char* english) {
-  return lookedUp(english, english);
+  return VRTLocalizedTextOfBundle(VRTFrameworkBundleIdentifier, english);
+}
+
+QString VRTLocalizedTextOfBundle(const char* bundleIdentifier, const char* english) {
+  return lookedUp(bundleIdentifier, english, english);
 }
 
 QString VRTLocalizedTitle(const char* key) {
-  return lookedUp(key, "");
+  return lookedUp(VRTFrameworkBundleIdentifier, key, "");
 }
 
 QString VRTTextOfString(const VortoString& text) {

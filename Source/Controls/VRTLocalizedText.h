@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include "Platform/Visibility.h"
+
 #include <QString>
 
 class VortoString;
@@ -13,5 +15,7 @@ inline constexpr const char* VRTFrameworkBundleIdentifier = "org.vorto.framework
 QString VRTLocalizedText(const char* english);
 // The entry for a key that is no text; empty when there is none.
 QString VRTLocalizedTitle(const char* key);
+// The same from the table of another bundle, a host's own.
+TARN_EXPORT QString VRTLocalizedTextOfBundle(const char* bundleIdentifier, const char* english);
 // A text of the core as Qt's widgets take it.
 QString VRTTextOfString(const VortoString& text);

@@ -5,10 +5,13 @@
 #include "Platform/TarnKit/NSTarnButton.h"
 #include "Platform/Visibility.h"
 
-// A button with a rollover image. In interface files: class "VRTRolloverButton".
+// A button with a rollover image. In interface files: class "VRTRolloverButton", from VRTStartEditors() on.
 class TARN_EXPORT VRTRolloverButton : public NSTarnButton {
  public:
   explicit VRTRolloverButton(NSRect frame, QWidget* parent = nullptr);
 
   VRTRolloverButtonCell& rolloverCell() const;
 };
+
+// Makes the class known to interface files that are loaded later.
+TARN_EXPORT void VRTRegisterRolloverButton();

@@ -38,6 +38,7 @@ constexpr std::array kEntries{
     Entry{VRTThemeAtomLevelsHandle, 1, "HandleGamma", kLevelsHandle, 0, {}},
     Entry{VRTThemeAtomLevelsHandle, 2, "HandleWhite", kLevelsHandle, 0, {}},
     Entry{VRTThemeAtomCursor, 0, "Eyedropper", {20, 20}, 0, {3, 17}},
+    Entry{VRTThemeAtomPickerButton, 0, "PickFromScreen", {16, 16}, 0, {}},
 };
 
 std::string folderInBundle() {

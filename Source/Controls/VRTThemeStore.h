@@ -13,6 +13,7 @@ constexpr std::uint32_t VRTThemeAtomMarkerSelected = 0x20391200;  // the same, s
 constexpr std::uint32_t VRTThemeAtomGutterButton = 0x103A1200;    // 0: spread, 1: flop
 constexpr std::uint32_t VRTThemeAtomLevelsHandle = 0x10481A00;    // 0: black, 1: gamma, 2: white
 constexpr std::uint32_t VRTThemeAtomCursor = 0x10500000;          // 0: eyedropper
+constexpr std::uint32_t VRTThemeAtomPickerButton = 0x10510000;    // 0: take a color from the screen
 
 // The framework's theme images: which artwork of Resources/Theme stands for an atom, its size, slices and hot spot.
 class TARN_EXPORT VRTThemeStore : public TarnThemeProvider {

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Controls/VRTTransientColorPicker.h"
 
+#include "Controls/VRTColorPanel.h"
 #include "Controls/VRTLateEnds.h"
+#include "Controls/VRTRecentColors.h"
 #include "Controls/VRTTransientColorPanel.h"
 #include "Platform/Foundation/NSNotificationCenter.h"
 #include "Platform/TarnKit/NSTarnView.h"
@@ -19,10 +21,10 @@ void post(const char* name, const void* sender) {
 // What a picker is while it is open. Callbacks may destroy the view, close the picker and open another one; each step
 // holds the session itself and checks whether it still runs.
 struct VRTTransientColorPicker::Session : std::enable_shared_from_this<Session> {
-  Session(VRTTransientColorPicker* newPicker, NSTarnView& newView)
-      : picker(newPicker), view(&newView), sender(&newView) {}
+  Session(VRTTransientColorPicker* newPicker, NSTarnView& newView, VRTColorSwatch::Kind newKind)
+      : picker(newPicker), view(&newView), sender(&newView), kind(newKind) {}
 
-  void open(VRTColorSwatch::Kind kind, QPoint globalPosition);
+  void open(const NSEvent& event);
   void report(const NSColor& color);
   void finish(bool taken);
   void finishHidden(bool taken);
@@ -31,7 +33,8 @@ struct VRTTransientColorPicker::Session : std::enable_shared_from_this<Session> 
   std::unique_ptr<VRTTransientColorPicker> picker;
   QPointer<NSTarnView> view;
   const void* sender;  // of what is posted
-  QPointer<VRTTransientColorPanel> panel;
+  VRTColorSwatch::Kind kind;
+  QPointer<VRTPickerWindow> panel;
   bool running = true;
 
   static std::shared_ptr<Session>& current() {
@@ -40,16 +43,23 @@ struct VRTTransientColorPicker::Session : std::enable_shared_from_this<Session> 
   }
 };
 
-void VRTTransientColorPicker::Session::open(VRTColorSwatch::Kind kind, QPoint globalPosition) {
+// A press of the mouse opens the swatch; a double click, and the keyboard, which clicks nothing, open the panel.
+void VRTTransientColorPicker::Session::open(const NSEvent& event) {
   const std::weak_ptr<Session> weak = weak_from_this();
   const auto with = [weak](auto step) {
     if (const std::shared_ptr<Session> session = weak.lock()) step(*session);
   };
-  VRTTransientColorPanel::Handlers handlers{
+  VRTPickerWindow::Handlers handlers{
       [with](const NSColor& color) { with([&](Session& session) { session.report(color); }); },
       [with](bool taken) { with([&](Session& session) { session.finishHidden(taken); }); },
       [with] { with([](Session& session) { session.die(); }); }};
-  panel = new VRTTransientColorPanel(*view, kind, globalPosition, picker->options_.oldColor, std::move(handlers));
+  const QPoint position = event.globalPosition();
+  const std::optional<NSColor>& oldColor = picker->options_.oldColor;
+  if (event.clickCount() == 1) {
+    panel = new VRTTransientColorPanel(*view, kind, position, oldColor, std::move(handlers));
+  } else {
+    panel = new VRTColorPanel(*view, kind, position, oldColor, std::move(handlers));
+  }
   post(kVRTColorPickerDidOpen, sender);
   if (!running || !panel) return;
   if (picker->options_.didStart) picker->options_.didStart();
@@ -82,6 +92,7 @@ void VRTTransientColorPicker::Session::finish(bool taken) {
     panel->deleteLater();
   }
   VRTTransientColorPicker& ended = *picker;
+  if (taken && ended.color_) VRTRecentColors::ofKind(kind).add(*ended.color_);
   if (!taken && ended.color_ && ended.options_.oldColor) {
     ended.color_ = ended.options_.oldColor;
     if (ended.action_) ended.action_(ended);
@@ -109,9 +120,10 @@ void VRTTransientColorPicker::popup(bool grayscale, NSTarnView* view, const NSEv
   if (const std::shared_ptr<Session> previous = Session::current()) previous->finish(false);
   if (!owner) return;
   const auto session =
-      std::make_shared<Session>(new VRTTransientColorPicker(std::move(action), std::move(options)), *owner);
+      std::make_shared<Session>(new VRTTransientColorPicker(std::move(action), std::move(options)), *owner,
+                                grayscale ? VRTColorSwatch::Kind::grayscale : VRTColorSwatch::Kind::color);
   Session::current() = session;
-  session->open(grayscale ? VRTColorSwatch::Kind::grayscale : VRTColorSwatch::Kind::color, event.globalPosition());
+  session->open(event);
 }
 
 void VRTTransientColorPicker::popupColorPickerFrom(NSTarnView* view, const NSEvent& event, Action action,

@@ -18,10 +18,21 @@ class QWidget;
 inline constexpr const char* kVRTColorPickerDidOpen = "VRTColorPickerDidOpen";
 inline constexpr const char* kVRTColorPickerDidClose = "VRTColorPickerDidClose";
 
-// A swatch image that pops up centred under the pointer, kept on the screen, and reports the color under the pointer
-// while it moves, hovering or pressed. Letting go after a drag, a click, or Enter takes the color; Escape, a click
-// outside, or letting go outside puts the old one back. The arrow keys move a place in the swatch, ten times as far
-// with Shift.
+// Chooses a color, in one of two windows.
+//
+// The swatch, for an event of one click: fields of colors that pop up under the pointer, with the old color right below
+// it as far as the screen has room, and report the color under the pointer while it moves, hovering or pressed. For
+// colors these are a square of saturation and value, a strip of hues that turns the square to another hue and keeps
+// saturation and value, and a strip of grays; for grays a ramp. Letting go after a drag, a click, or Enter takes the
+// color; Escape, a click outside, or letting go outside puts the old one back.
+//
+// The panel, for a double click and for events that are no click (by the keyboard): the same fields to press and drag
+// in, with the color in hexadecimal and in numbers, an eyedropper, the old color to go back to, and the colors taken
+// last. It stands beside the point of the event. Every change is reported at once. Enter and a click outside take the
+// color, and so does whatever else closes the panel; Escape puts the old one back.
+//
+// In both the arrow keys move in the square or the ramp by one 255th, ten times as far with Shift, and Page Up and Page
+// Down turn the hue.
 //
 // One picker is open at a time: opening another one cancels it. When the view that it was opened from dies, it closes
 // and calls nobody. The callbacks may delete the view, and may open another picker.
@@ -47,7 +58,7 @@ class TARN_EXPORT VRTTransientColorPicker {
   // The picker that is open; null when none is.
   static VRTTransientColorPicker* current();
   void cancel();  // as Escape does; nothing when it is not open
-  // The open picker's window, with the swatch inside a margin of 6 points; null when none is open.
+  // The open picker's window, a swatch's fields inside a margin of 8 points; null when none is open.
   static QWidget* panel();
 
   // The color reported last; empty before the first.

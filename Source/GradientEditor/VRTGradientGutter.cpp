@@ -25,6 +25,7 @@ void VRTGradientGutter::setEnabled(bool enabled) {
   _enabled = enabled;
   if (!enabled) endLostInteraction();
   setFocusPolicy(enabled ? Qt::StrongFocus : Qt::NoFocus);
+  updateToolTips();
 }
 
 VRTChannelGradientFolder* VRTGradientGutter::getFolder() const {
@@ -49,7 +50,7 @@ QMenu* VRTGradientGutter::menuForEvent(const NSEvent&) {
 void VRTGradientGutter::update() {
   VRTGradientView::update();
   if (_moving == MovingNothing) updateToolTips();
-  announceAccessibility();
+  accessibilityChanged();
 }
 
 void VRTGradientGutter::setBounds(NSRect bounds) {

@@ -21,11 +21,12 @@ class VRTGradientGutterOwner;
 //
 // Mouse: a click on the strip inserts a sample and drags it; dragging moves samples and middle points, with option a
 // copy; a sample dragged off vanishes when the button is let go, unless it is the last; a right or control click opens
-// the picker of a sample, and so does a double click in an editor without a delegate.
+// the swatch of colors for a sample, a double click the picker's panel in an editor without a delegate.
 //
 // Keyboard: the arrows move what is selected by 1%, with Shift by 0.1%; Home and End move it to the ends, short of a
-// sample that stands there; Page Up and Page Down, or Control and the arrows, select the neighbours; Delete removes the
-// sample unless it is the last; Enter opens the picker.
+// sample that stands there; Page Up and Page Down, or Control and the arrows, select the neighbours, with Shift middle
+// points too; Insert adds a sample halfway to the next one, Control-D a copy beside the selected one; Delete removes
+// the sample unless it is the last; Enter opens the picker's panel.
 //
 // Every change of the gradient is bracketed by willChangeValue and didChangeValue of the port, except that a sample
 // inserted by a click first shows in those of the drag or the release that follow, and that color drops announce
@@ -79,6 +80,7 @@ class VRTGradientGutter : public VRTGradientView {
   std::optional<QCursor> cursorAtPoint(NSPoint point) const override;
   std::vector<NSAccessibilityElement> accessibilityElements() const override;
   void setAccessibilityValue(std::size_t element, double value) override;
+  void takeAccessibilityFocus(std::size_t element) override;
 
  protected:
   // Draws strip and markers with these indexes of the marker atoms. The rectangle is ignored: the bounds count.
@@ -88,8 +90,9 @@ class VRTGradientGutter : public VRTGradientView {
   // the selected one.
   VRTTransientColorPicker::Action pickerAction();
   VRTTransientColorPicker::Options pickerOptions();
-  virtual QString sampleKind() const;  // "Color stop", for people
-  QString stripHelp() const;           // what the mouse does here
+  virtual QString sampleKind() const;                                 // "Color stop", for people
+  virtual QString descriptionOf(const KXGutterSample& record) const;  // its color or opacity, for people; none here
+  QString stripHelp() const;                                          // what the mouse does here
 
   VRTGradientGutterOwner* editor() const { return _pGradientEditor; }
   VRTGradientGutterGeometry geometry() const { return VRTGradientGutterGeometry(bounds()); }
@@ -123,16 +126,23 @@ class VRTGradientGutter : public VRTGradientView {
   void pickerDidEnd();
 
   bool useKey(const QKeyEvent& event);
+  void changeOnceByKey(int key);
   void moveByKey(int key, double step);
   void moveByKeyTo(int key, double target);
   void changeByKey(int key, const std::function<void(VRTChannelGradientSample&)>& change);
-  void selectNeighbour(int direction);
+  void selectNeighbour(int direction, bool middlesToo);
+  bool selectElement(std::size_t element);  // false when there is none, or the gutter has been destroyed
   void deleteByKey();
-  void deleteSelectedSample(const std::shared_ptr<QCPort>& port);
+  void insertByKey();
+  void copyByKey();
+  // One interaction with one change of the folder, whose samples are sorted after it; the sample that it returns, or
+  // null, is selected.
+  using FolderChange = std::function<VRTChannelGradientSample*(VRTChannelGradientFolder& folder)>;
+  void changeFolderByKey(const FolderChange& change);
+  std::vector<double> positionsExcept(const VRTChannelGradientSample* sample) const;
   void pickByKey();
 
   void drawMarkers(int sampleIndex, int middleIndex);
-  void announceAccessibility();
 
   VRTGradientGutterOwner* _pGradientEditor = nullptr;
   std::unique_ptr<VRTChannelGradientSample> _pDeleted;  // dragged off: out of its folder, destroyed on release
@@ -146,6 +156,5 @@ class VRTGradientGutter : public VRTGradientView {
   bool _enabled = false;
 
   std::unique_ptr<VRTChannelRef> editedFolder_;  // whose samples the interaction edits
-  std::vector<double> announcedPositions_;       // what assistive technology knows
   VRTGesture gesture_{[this](const VRTGesture::Ending& ending) { settle(ending); }};
 };

@@ -5,6 +5,8 @@
 #include "Controls/VRTLocalizedText.h"
 #include "GradientEditor/VRTGradientGutterOwner.h"
 
+#include <QLocale>
+
 VRTChannelGradientFolder* VRTGradientGutterAlpha::getFolder() const {
   VRTChannelGradient* channel = getGradientChannel();
   return channel ? &channel->alphaFolder : nullptr;
@@ -47,4 +49,8 @@ QString VRTGradientGutterAlpha::accessibilityLabel() const {
 
 QString VRTGradientGutterAlpha::sampleKind() const {
   return VRTLocalizedText("Opacity stop");
+}
+
+QString VRTGradientGutterAlpha::descriptionOf(const KXGutterSample& record) const {
+  return VRTLocalizedText("%1 %").arg(locale().toString(100 * double(record.color.c1), 'f', 0));
 }

@@ -20,4 +20,5 @@ class VRTGradientGutterAlpha : public VRTGradientGutter {
 
  protected:
   QString sampleKind() const override;
+  QString descriptionOf(const KXGutterSample& record) const override;
 };

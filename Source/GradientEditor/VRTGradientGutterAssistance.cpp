@@ -7,8 +7,8 @@
 #include "Platform/TarnKit/TarnTheme.h"
 #include "TarnCore/TCString.h"
 
-#include <QAccessible>
 #include <QGuiApplication>
+#include <iterator>
 
 // What helps people find their way in a gutter: tooltips, the pointer's shape, assistive technology.
 
@@ -48,48 +48,60 @@ std::optional<QCursor> VRTGradientGutter::cursorAtPoint(NSPoint point) const {
   return QCursor(Qt::SizeHorCursor);
 }
 
-// Every sample is a slider from 0 to 1. Samples get names only when they are sorted, so they are told apart by their
-// place.
+// Every sample is a slider from 0 to 1, and behind them every middle point. Samples get names only when they are
+// sorted, so they are told apart by their place.
 std::vector<NSAccessibilityElement> VRTGradientGutter::accessibilityElements() const {
   VRTGradientGutterMap samples;
   getSamples(samples);
   const VRTGradientSelection selected = selection();
-  const QString name = VRTLocalizedText("%1 %2 of %3").arg(sampleKind());
-  std::vector<NSAccessibilityElement> elements;
-  for (const auto& [position, record] : samples) {
-    NSAccessibilityElement element;
-    element.name = name.arg(elements.size() + 1).arg(samples.size());
-    element.value = position;
-    element.frame = geometry().sampleMarker(VRTClampToUnit(position));
-    element.selected = selected.isSample(record);
-    elements.push_back(element);
+  const QString name = VRTLocalizedText("%1 %2 of %3");
+  std::vector<NSAccessibilityElement> stops, middles;
+  for (auto entry = samples.begin(); entry != samples.end(); ++entry) {
+    const auto& [position, record] = *entry;
+    NSAccessibilityElement stop;
+    stop.name = name.arg(sampleKind()).arg(stops.size() + 1).arg(samples.size());
+    stop.description = descriptionOf(record);
+    stop.value = position;
+    stop.frame = geometry().sampleMarker(VRTClampToUnit(position));
+    stop.selected = selected.isSample(record) && !selected.middle;
+    stops.push_back(stop);
+    const auto next = std::next(entry);
+    if (next == samples.end()) continue;
+    NSAccessibilityElement middle;
+    middle.name = name.arg(VRTLocalizedText("Middle point")).arg(middles.size() + 1).arg(samples.size() - 1);
+    middle.value = record.middle;
+    middle.frame = geometry().middleMarker(position, next->first, record.middle);
+    middle.selected = selected.isSample(record) && selected.middle;
+    middles.push_back(middle);
   }
-  return elements;
+  stops.insert(stops.end(), middles.begin(), middles.end());
+  return stops;
+}
+
+bool VRTGradientGutter::selectElement(std::size_t element) {
+  VRTGradientGutterMap samples;
+  getSamples(samples);
+  const bool middle = element >= samples.size();
+  const std::size_t index = middle ? element - samples.size() : element;
+  if (samples.empty() || index >= samples.size() - (middle ? 1 : 0)) return false;
+  const auto entry = std::next(samples.begin(), static_cast<std::ptrdiff_t>(index));
+  return select(entry->second.sample, middle, false) && selectedSampleOfFolder();
 }
 
 void VRTGradientGutter::setAccessibilityValue(std::size_t element, double value) {
   if (!gesture_.catchUp() || !getGradientChannel() || !_enabled || gesture_.isOpen()) return;
-  VRTGradientGutterMap samples;
-  getSamples(samples);
-  if (element >= samples.size()) return;
-  const auto entry = std::next(samples.begin(), static_cast<std::ptrdiff_t>(element));
-  if (!select(entry->second.sample, false, false) || !selectedSampleOfFolder()) return;
+  if (!selectElement(element)) return;
   const VRTGesture::Alive alive = gesture_.alive();
   moveByKeyTo(VRTGesture::kNoKey, value);
   if (alive) gesture_.end();
 }
 
-void VRTGradientGutter::announceAccessibility() {
-  if (!QAccessible::isActive()) return;
-  VRTGradientGutterMap samples;
-  getSamples(samples);
-  std::vector<double> positions;
-  for (const auto& entry : samples) positions.push_back(entry.first);
-  const std::vector<double> before = std::exchange(announcedPositions_, positions);
-  if (before.size() != positions.size()) return accessibilityChanged();
-  for (std::size_t i = 0; i < positions.size(); ++i) {
-    if (before[i] != positions[i]) accessibilityValueChanged(i);
-  }
+void VRTGradientGutter::takeAccessibilityFocus(std::size_t element) {
+  if (getGradientChannel() && _enabled && !gesture_.isOpen()) selectElement(element);
+}
+
+QString VRTGradientGutter::descriptionOf(const KXGutterSample&) const {
+  return {};
 }
 
 QString VRTGradientGutter::sampleKind() const {

@@ -5,6 +5,7 @@
 
 #include <QFocusEvent>
 #include <QKeyEvent>
+#include <algorithm>
 #include <iterator>
 
 // The keyboard in a gutter.
@@ -17,7 +18,9 @@ bool VRTGradientGutter::useKey(const QKeyEvent& event) {
   const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
   const bool shift = modifiers == Qt::ShiftModifier;
   const bool control = modifiers == Qt::ControlModifier;
-  if (modifiers != Qt::NoModifier && !shift && !control) return false;
+  const bool both = modifiers == (Qt::ControlModifier | Qt::ShiftModifier);
+  if (modifiers != Qt::NoModifier && !shift && !control && !both) return false;
+  if (event.key() == Qt::Key_D && !control) return false;
 
   int direction = 0;
   switch (event.key()) {
@@ -37,6 +40,8 @@ bool VRTGradientGutter::useKey(const QKeyEvent& event) {
     case Qt::Key_Backspace:
     case Qt::Key_Return:
     case Qt::Key_Enter:
+    case Qt::Key_Insert:
+    case Qt::Key_D:
       break;
     default:
       return false;
@@ -44,14 +49,14 @@ bool VRTGradientGutter::useKey(const QKeyEvent& event) {
   if (!gesture_.catchUp() || !gesture_.keysMayAct() || !getGradientChannel()) return true;
 
   if (direction == 0) {
-    if (control || shift || event.isAutoRepeat()) return true;
-    const bool removes = event.key() == Qt::Key_Delete || event.key() == Qt::Key_Backspace;
-    removes ? deleteByKey() : pickByKey();
+    const bool takesControl = event.key() == Qt::Key_D;
+    if (control != takesControl || shift || both || event.isAutoRepeat()) return true;
+    changeOnceByKey(event.key());
     return true;
   }
-  const bool neighbour = control || event.key() == Qt::Key_PageUp || event.key() == Qt::Key_PageDown;
-  if (neighbour || !selectedSampleOfFolder()) {
-    selectNeighbour(direction);
+  const bool pages = event.key() == Qt::Key_PageUp || event.key() == Qt::Key_PageDown;
+  if (pages || control || both || !selectedSampleOfFolder()) {
+    selectNeighbour(direction, both || (pages && shift));
     return true;
   }
   if (event.key() == Qt::Key_Home || event.key() == Qt::Key_End) {
@@ -60,6 +65,20 @@ bool VRTGradientGutter::useKey(const QKeyEvent& event) {
     moveByKey(event.key(), direction * (shift ? VRTGradientFineKeyStep : VRTGradientKeyStep));
   }
   return true;
+}
+
+void VRTGradientGutter::changeOnceByKey(int key) {
+  switch (key) {
+    case Qt::Key_Insert:
+      return insertByKey();
+    case Qt::Key_D:
+      return copyByKey();
+    case Qt::Key_Delete:
+    case Qt::Key_Backspace:
+      return deleteByKey();
+    default:
+      return pickByKey();
+  }
 }
 
 void VRTGradientGutter::moveByKey(int key, double step) {
@@ -74,12 +93,7 @@ void VRTGradientGutter::moveByKeyTo(int key, double target) {
     if (middle == sample->middle) return;
     return changeByKey(key, [middle](VRTChannelGradientSample& changed) { changed.middle = middle; });
   }
-  std::vector<double> others;
-  for (const VRTChannelBase* child : getFolder()->getDescendants()) {
-    const auto* other = dynamic_cast<const VRTChannelGradientSample*>(child);
-    if (other && other != sample) others.push_back(other->position);
-  }
-  const double position = VRTFreeGradientPosition(sample->position, target, others);
+  const double position = VRTFreeGradientPosition(sample->position, target, positionsExcept(sample));
   if (position == sample->position) return;
   changeByKey(key, [position](VRTChannelGradientSample& changed) { changed.position = position; });
 }
@@ -99,42 +113,103 @@ void VRTGradientGutter::keyReleaseEvent(QKeyEvent* event) {
   event->accept();
 }
 
-void VRTGradientGutter::selectNeighbour(int direction) {
+std::vector<double> VRTGradientGutter::positionsExcept(const VRTChannelGradientSample* sample) const {
+  std::vector<double> positions;
+  for (const VRTChannelBase* child : getFolder()->getDescendants()) {
+    const auto* other = dynamic_cast<const VRTChannelGradientSample*>(child);
+    if (other && other != sample) positions.push_back(other->position);
+  }
+  return positions;
+}
+
+// Stops and the middle points between them stand in one row: a stop at 2 n, the middle point after it at 2 n + 1. Among
+// stops alone a middle point counts as its stop.
+void VRTGradientGutter::selectNeighbour(int direction, bool middlesToo) {
   VRTGradientGutterMap samples;
   getSamples(samples);
   if (samples.empty()) return;
+  const std::ptrdiff_t last = 2 * std::ssize(samples) - 2;
+  std::ptrdiff_t chosen = direction > 0 ? 0 : last;
   const VRTChannelGradientSample* selected = selectedSampleOfFolder();
-  auto chosen = direction > 0 ? samples.begin() : std::prev(samples.end());
-  for (auto entry = samples.begin(); selected && entry != samples.end(); ++entry) {
-    if (entry->second.sample != selected) continue;
-    chosen = entry;
-    if (direction > 0 && std::next(entry) != samples.end()) ++chosen;
-    if (direction < 0 && entry != samples.begin()) --chosen;
-    break;
+  const bool isMiddle = selected && selection().middle;
+  std::ptrdiff_t place = 0;
+  for (const auto& [position, record] : samples) {
+    if (selected && record.sample == selected) {
+      const std::ptrdiff_t here = isMiddle && middlesToo ? place + 1 : place;
+      chosen = std::clamp(here + direction * (middlesToo ? 1 : 2), std::ptrdiff_t{0}, last);
+    }
+    place += 2;
   }
-  if (chosen->second.sample != selected || selection().middle) select(chosen->second.sample, false, false);
+  const auto entry = std::next(samples.begin(), chosen / 2);
+  const bool middle = chosen % 2 == 1;
+  if (entry->second.sample != selected || isMiddle != middle) select(entry->second.sample, middle, false);
+}
+
+void VRTGradientGutter::changeFolderByKey(const FolderChange& change) {
+  const VRTGesture::Alive alive = gesture_.alive();
+  gesture_.end();
+  if (!alive || !getFolder()) return;
+  rememberFolder();
+  if (!gesture_.start(VRTGesture::By::Keys, gradientPort())) return;
+  gesture_.endWith([this, change](const VRTGesture::Ending& ending) {
+    if (!folderIsRemembered()) return;
+    const VRTPortChange announced(ending.port);
+    VRTChannelGradientSample* selected = change(*getFolder());
+    getFolder()->sortAndRename();
+    select(selected, false, false);
+  });
 }
 
 void VRTGradientGutter::deleteByKey() {
-  const VRTGesture::Alive alive = gesture_.alive();
-  gesture_.end();
-  if (!alive || !getFolder() || !selectedSampleOfFolder() || selection().middle) return;
-  if (getFolder()->getNumberOfDescendants() < 2) return;
-
-  rememberFolder();
-  if (!gesture_.start(VRTGesture::By::Keys, gradientPort())) return;
-  gesture_.endWith([this](const VRTGesture::Ending& ending) { deleteSelectedSample(ending.port); });
+  const VRTChannelGradientFolder* present = getFolder();
+  if (!selectedSampleOfFolder() || selection().middle || present->getNumberOfDescendants() < 2) return;
+  changeFolderByKey([this](VRTChannelGradientFolder& folder) {
+    VRTChannelGradientSample* sample = selectedSampleOfFolder();
+    if (sample) folder.removeDescendant(sample);
+    delete sample;
+    return nullptr;
+  });
 }
 
-void VRTGradientGutter::deleteSelectedSample(const std::shared_ptr<QCPort>& port) {
-  VRTChannelGradientSample* sample = folderIsRemembered() ? selectedSampleOfFolder() : nullptr;
-  if (!sample) return;
-  const VRTPortChange change(port);
-  VRTChannelGradientFolder* folder = getFolder();
-  folder->removeDescendant(sample);
-  delete sample;
-  folder->sortAndRename();
-  select(nullptr, false, false);
+// Where the selected middle point is; otherwise in the middle of the segment after the selected sample, or of the one
+// that ends the gradient with it. Without a selection in the middle of the widest one.
+void VRTGradientGutter::insertByKey() {
+  VRTGradientGutterMap samples;
+  getSamples(samples);
+  const VRTChannelGradientSample* selected = selectedSampleOfFolder();
+  double start = samples.empty() ? 0 : samples.begin()->first;
+  double end = start < 0.5 ? 1 : 0;
+  double middle = 0.5;
+  double widest = -1;
+  for (auto entry = samples.begin(); entry != samples.end() && std::next(entry) != samples.end(); ++entry) {
+    const auto next = std::next(entry);
+    const bool isSelected = selected && (entry->second.sample == selected || next->second.sample == selected);
+    if (selected ? !isSelected : !(next->first - entry->first > widest)) continue;
+    start = entry->first;
+    end = next->first;
+    widest = end - start;
+    if (entry->second.sample != selected) continue;
+    if (selection().middle) middle = entry->second.middle;
+    break;
+  }
+  const double position = VRTClampToUnit(VRTGradientGutterGeometry::positionOfMiddle(start, end, middle));
+  if (!VRTGradientPositionIsFree(position, positionsExcept(nullptr))) return;
+  changeFolderByKey([position](VRTChannelGradientFolder& folder) { return folder.insertSample(0.0, position); });
+}
+
+void VRTGradientGutter::copyByKey() {
+  VRTChannelGradientSample* source = selectedSampleOfFolder();
+  if (!source || selection().middle) return;
+  const double beside = source->position + VRTGradientCopyStep;
+  const double target = beside > 1 ? source->position - VRTGradientCopyStep : beside;
+  const double position = VRTFreeGradientPosition(source->position, target, positionsExcept(nullptr));
+  if (position == source->position) return;
+  changeFolderByKey([this, position](VRTChannelGradientFolder&) {
+    VRTChannelGradientSample* original = selectedSampleOfFolder();
+    VRTChannelGradientSample* copy = original ? copyOfSample(*original) : nullptr;
+    if (copy) copy->position = position;
+    return copy;
+  });
 }
 
 void VRTGradientGutter::pickByKey() {
@@ -147,7 +222,7 @@ void VRTGradientGutter::pickByKey() {
     const NSRect swatch = geometry().swatch(VRTClampToUnit(sample->position));
     const NSPoint centre = {swatch.origin.x + swatch.size.width / 2, swatch.origin.y + swatch.size.height / 2};
     const QPoint onScreen = mapToGlobal(toWidget(centre).toPoint());
-    startColorPicker(NSEvent(convertPointToWindow(centre), 0, 1, onScreen));
+    startColorPicker(NSEvent(convertPointToWindow(centre), 0, 0, onScreen));  // no click
   }
   if (alive && !VRTTransientColorPicker::current()) pickerDidEnd();
 }

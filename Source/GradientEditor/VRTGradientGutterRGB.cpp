@@ -3,6 +3,7 @@
 
 #include "Channels/VRTChannelGradient.h"
 #include "Controls/VRTLocalizedText.h"
+#include "Controls/VRTPickedColor.h"
 #include "GradientEditor/VRTGradientGutterOwner.h"
 
 namespace {
@@ -87,4 +88,9 @@ QString VRTGradientGutterRGB::accessibilityLabel() const {
 
 QString VRTGradientGutterRGB::sampleKind() const {
   return VRTLocalizedText("Color stop");
+}
+
+QString VRTGradientGutterRGB::descriptionOf(const KXGutterSample& record) const {
+  const VortoColor& color = record.color;
+  return VRTHexOfColor(NSColor::colorWithCalibratedRed(color.c1, color.c2, color.c3, 1));
 }

@@ -26,6 +26,7 @@ class VRTGradientGutterRGB : public VRTGradientGutter {
 
  protected:
   QString sampleKind() const override;
+  QString descriptionOf(const KXGutterSample& record) const override;
 
  private:
   VRTChannelGradientSample* sampleUnderColor(const NSDraggingInfo& info) const;

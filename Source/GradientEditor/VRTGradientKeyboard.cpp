@@ -6,14 +6,10 @@
 #include <algorithm>
 #include <cmath>
 
-namespace {
-
-bool isFree(double position, const std::vector<double>& others) {
+bool VRTGradientPositionIsFree(double position, const std::vector<double>& others) {
   return std::none_of(others.begin(), others.end(),
                       [&](double other) { return std::abs(other - position) < VRTGradientFineKeyStep / 2; });
 }
-
-}  // namespace
 
 double VRTFreeGradientPosition(double from, double target, const std::vector<double>& others) {
   const double aim = VRTClampToUnit(target);
@@ -21,10 +17,10 @@ double VRTFreeGradientPosition(double from, double target, const std::vector<dou
   const double direction = aim > from ? 1 : -1;
   const auto place = [&](int steps) { return aim + direction * steps * VRTGradientFineKeyStep; };
   for (int ahead = 0; place(ahead) >= 0 && place(ahead) <= 1; ++ahead) {
-    if (isFree(place(ahead), others)) return place(ahead);
+    if (VRTGradientPositionIsFree(place(ahead), others)) return place(ahead);
   }
   for (int back = -1; (place(back) - from) * direction > 0; --back) {
-    if (isFree(place(back), others)) return place(back);
+    if (VRTGradientPositionIsFree(place(back), others)) return place(back);
   }
   return from;
 }

@@ -6,8 +6,13 @@
 // How far one key press moves, as a fraction of the whole.
 constexpr double VRTGradientKeyStep = 0.01;
 constexpr double VRTGradientFineKeyStep = 0.001;
+// How far from its source a copy is put.
+constexpr double VRTGradientCopyStep = 0.05;
 
-// Where a sample at `from` comes to stand when a key sends it to `target`, which is limited to 0 to 1. Samples at equal
-// positions would merge, so a place closer than half a fine step to another sample is passed by: the sample goes on in
-// fine steps, and when that leads beyond the end, back to the last free place before. `from` when there is none.
+// Whether a sample may stand there: none other closer than half a fine step. Samples at equal positions would merge.
+bool VRTGradientPositionIsFree(double position, const std::vector<double>& others);
+
+// Where a sample at `from` comes to stand when a key sends it to `target`, which is limited to 0 to 1. A place that
+// is not free is passed by: the sample goes on in fine steps, and when that leads beyond the end, back to the last free
+// place before. `from` when there is none.
 double VRTFreeGradientPosition(double from, double target, const std::vector<double>& others);

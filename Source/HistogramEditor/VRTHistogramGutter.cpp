@@ -2,6 +2,7 @@
 #include "HistogramEditor/VRTHistogramGutter.h"
 
 #include "Channels/VRTChannelHistogram.h"
+#include "Controls/VRTLocalizedText.h"
 #include "Controls/VRTTheme.h"
 #include "Controls/VRTThemeStore.h"
 #include "Platform/TarnKit/NSBezierPath.h"
@@ -10,6 +11,13 @@
 
 #include <QEvent>
 #include <QLocale>
+#include <cmath>
+
+namespace {
+
+constexpr double kRounding = 1e-9;
+
+}  // namespace
 
 // Drawing and the mouse. Everything that tells others may destroy the gutter or replace the levels: what was looked up
 // before is not used afterwards.
@@ -22,6 +30,8 @@ VRTChannelHistogram* VRTHistogramChannelOfPort(const VRTHistogramPort* port) {
 
 VRTHistogramGutter::VRTHistogramGutter(NSRect frame, QWidget* parent) : NSTarnView(frame, parent) {
   setFocusPolicy(Qt::StrongFocus);
+  setToolTip(
+      VRTLocalizedText("Drag the handles to move them.\nTab goes from handle to handle, the arrow keys move them."));
 }
 
 void VRTHistogramGutter::setHistogramPort(VRTHistogramPort* port) {
@@ -36,7 +46,7 @@ VRTChannelHistogram* VRTHistogramGutter::getHistogramChannel() const {
 
 void VRTHistogramGutter::update() {
   setNeedsDisplay(true);
-  announceAccessibility();
+  accessibilityChanged();
 }
 
 void VRTHistogramGutter::flagsChanged(const NSEvent&) {}
@@ -73,8 +83,8 @@ void VRTHistogramGutter::mouseDown(const NSEvent& event) {
   showsFocus_ = false;
   if (_selectedChannel != NoHandle) {
     _startingValue = positionOf(_selectedChannel, *channel);
-    focusedHandle_ = _selectedChannel;
-    setNeedsDisplay(true);
+    startingNumber_ = valueOf(_selectedChannel, *channel);
+    setFocusedHandle(_selectedChannel);
   }
   gesture_.start(VRTGesture::By::Mouse, histogramPort());
 }
@@ -82,11 +92,17 @@ void VRTHistogramGutter::mouseDown(const NSEvent& event) {
 void VRTHistogramGutter::mouseDragged(const NSEvent& event) {
   if (_selectedChannel == NoHandle || gesture_.isLost()) return;
   const NSPoint point = convertPointFromWindow(event.locationInWindow());
-  const double travel = geometry().valuesOfDistance(point.x - static_cast<double>(_startingLocation.x));
+  // In single precision like the starting location: back on its pixel the distance is 0 at every pixel ratio.
+  const double travel = geometry().valuesOfDistance(double(static_cast<float>(point.x) - _startingLocation.x));
   const double position = travel + _startingValue;
   const Handle handle = _selectedChannel;
   const VRTGesture::Alive alive = gesture_.alive();
-  changeChannel([&](VRTChannelHistogram& channel) { setPositionOf(handle, position, channel); });
+  changeChannel([&](VRTChannelHistogram& channel) {
+    setPositionOf(handle, position, channel);
+    // What a gamma loses on the way over its position and back comes back too.
+    const bool isRounded = std::abs(valueOf(handle, channel) - startingNumber_) < kRounding;
+    if (travel == 0 && isRounded) setValueOf(handle, startingNumber_, channel);
+  });
   if (alive) showValue();
 }
 

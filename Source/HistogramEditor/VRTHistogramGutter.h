@@ -47,6 +47,7 @@ class VRTHistogramGutter : public NSTarnView {
   std::optional<QCursor> cursorAtPoint(NSPoint point) const override;
   std::vector<NSAccessibilityElement> accessibilityElements() const override;
   void setAccessibilityValue(std::size_t element, double value) override;
+  void takeAccessibilityFocus(std::size_t element) override;
 
  protected:
   enum Handle : std::int32_t { NoHandle = 0, BlackHandle = 1, WhiteHandle = 2, GammaHandle = 3 };
@@ -81,7 +82,6 @@ class VRTHistogramGutter : public NSTarnView {
   void moveByKey(Handle handle, double position, int key);
   void letGoOfHandle();
   void setFocusedHandle(Handle handle);
-  void announceAccessibility();
 
   VRTObjectReference<VRTHistogramPort> _pHistogramPort;
   struct {
@@ -91,9 +91,9 @@ class VRTHistogramGutter : public NSTarnView {
   Handle _selectedChannel = NoHandle;  // what is being dragged, despite the name
   double _startingValue = 0;           // its position when it was grabbed
 
-  Handle focusedHandle_ = NoHandle;      // the one that keys move
-  bool showsFocus_ = false;              // by the keyboard, not by a click
-  std::vector<double> announcedValues_;  // what assistive technology knows
+  double startingNumber_ = 0;        // what people read of it then
+  Handle focusedHandle_ = NoHandle;  // the one that keys move
+  bool showsFocus_ = false;          // by the keyboard, not by a click
   VRTGesture gesture_{[this](const VRTGesture::Ending&) { letGoOfHandle(); }};
 };
 

@@ -2,12 +2,10 @@
 #include "Channels/VRTChannelHistogram.h"
 #include "HistogramEditor/VRTHistogramGutter.h"
 
-#include <QAccessible>
 #include <QFocusEvent>
 #include <QKeyEvent>
 #include <algorithm>
 #include <cmath>
-#include <utility>
 
 // The keyboard and assistive technology.
 
@@ -29,7 +27,7 @@ std::vector<VRTHistogramGutter::Handle> VRTHistogramGutter::handlesFromLeft() co
 
 void VRTHistogramGutter::setFocusedHandle(Handle handle) {
   focusedHandle_ = handle;
-  setNeedsDisplay(true);
+  update();
 }
 
 bool VRTHistogramGutter::focusNextPrevChild(bool next) {
@@ -141,13 +139,7 @@ void VRTHistogramGutter::setAccessibilityValue(std::size_t element, double value
   if (alive) gesture_.end();
 }
 
-void VRTHistogramGutter::announceAccessibility() {
-  if (!QAccessible::isActive()) return;
-  std::vector<double> values;
-  for (const NSAccessibilityElement& element : accessibilityElements()) values.push_back(element.value);
-  const std::vector<double> before = std::exchange(announcedValues_, values);
-  if (before.size() != values.size()) return accessibilityChanged();
-  for (std::size_t i = 0; i < values.size(); ++i) {
-    if (before[i] != values[i]) accessibilityValueChanged(i);
-  }
+void VRTHistogramGutter::takeAccessibilityFocus(std::size_t element) {
+  const std::vector<Handle> order = handlesFromLeft();
+  if (element < order.size()) setFocusedHandle(order[element]);
 }

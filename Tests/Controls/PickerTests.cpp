@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "Controls/VRTColorSwatch.h"
+#include "Controls/VRTColorPanel.h"
 #include "Controls/VRTTransientColorPanel.h"
 #include "Controls/VRTTransientColorPicker.h"
 #include "Platform/TarnKit/NSTarnView.h"
+#include "Tests/Support/EnglishTexts.h"
 
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QDoubleSpinBox>
+#include <QLineEdit>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QPointer>
 #include <QScreen>
 #include <QTest>
@@ -18,44 +22,97 @@ namespace {
 
 using Kind = VRTColorSwatch::Kind;
 
-TEST(Swatch, ShowsTheEndsOfEveryRange) {
-  const VRTColorSwatch colors(Kind::color);
-  const double bottom = colors.size().height() - 1;
-  const double field = 16;
-  const double turn = colors.size().width() - field;
-  const std::pair<QPointF, QColor> cases[] = {
-      {{0, 0}, Qt::white},
-      {{15, bottom}, Qt::black},
-      {{0, bottom / 2}, QColor::fromRgbF(0.5F, 0.5F, 0.5F)},
-      {{field, 0}, Qt::white},
-      {{field, bottom / 2}, QColor(255, 0, 0)},
-      {{field + turn / 3, bottom / 2}, QColor(0, 255, 0)},
-      {{field + turn / 2, bottom / 2}, QColor(0, 255, 255)},
-      {{field + turn * 2 / 3, bottom / 2}, QColor(0, 0, 255)},
-      {{field + turn / 3, bottom / 4}, QColor::fromRgbF(0.5F, 1, 0.5F)},
-      {{field + turn / 3, bottom * 3 / 4}, QColor::fromRgbF(0, 0.5F, 0)},
-      {{1e9, 1e9}, Qt::black},
-      {{-5, -5}, Qt::white},
-  };
-  for (const auto& [place, color] : cases) {
-    EXPECT_EQ(colors.colorAt(place).toQColor().rgb(), color.rgb()) << place.x() << ' ' << place.y();
-  }
-  const VRTColorSwatch grays(Kind::grayscale);
-  EXPECT_EQ(grays.colorAt({0, 9}).redComponent(), 0);
-  EXPECT_EQ(grays.colorAt({grays.size().width() - 1.0, 0}).redComponent(), 1);
-  EXPECT_EQ(grays.colorAt({51, 31}).redComponent(), 0.2);
+using Field = VRTColorField::Kind;
+using Component = VRTColorComponent;
+
+VRTPickedColor picked(double hue, double saturation, double value) {
+  VRTPickedColor color;
+  color.set(hue, saturation, value);
+  return color;
 }
 
-TEST(Swatch, FindsThePlaceOfItsOwnColors) {
-  for (const Kind kind : {Kind::color, Kind::grayscale}) {
-    const VRTColorSwatch swatch(kind);
-    for (int y = 1; y < swatch.size().height() - 1; y += 7) {
-      for (int x = 0; x < swatch.size().width(); x += 5) {
-        const NSColor color = swatch.colorAt(QPointF(x, y));
-        const QColor found = swatch.colorAt(swatch.placeOf(color)).toQColor();
-        EXPECT_NEAR(found.redF(), color.redComponent(), 0.01) << x << ", " << y;
-        EXPECT_NEAR(found.greenF(), color.greenComponent(), 0.01) << x << ", " << y;
-        EXPECT_NEAR(found.blueF(), color.blueComponent(), 0.01) << x << ", " << y;
+TEST(PickedColor, ReachesEveryByteByNumbersAndDigitsAndKeepsTheRest) {
+  VRTPickedColor color;
+  color.setColor(NSColor::colorWithCalibratedRed(0.123456789, 2, -1, 1));
+  color.setNumber(Component::Green, 30);
+  EXPECT_EQ(color.color().redComponent(), 0.123456789) << "to the last digit";
+  EXPECT_EQ(color.color().blueComponent(), -1);
+  const Component components[] = {Component::Red, Component::Green, Component::Blue};
+  for (int level = 0; level < 256; ++level) {
+    const int levels[] = {level, 255 - level, level * 7 % 256};
+    for (int i = 0; i < 3; ++i) color.setNumber(components[i], levels[i]);
+    const QRgb expected = qRgb(levels[0], levels[1], levels[2]);
+    EXPECT_EQ(VRTLevelsOfColor(color.color()), expected);
+    const auto typed = VRTColorOfHex(" " + VRTHexOfColor(color.color()).toUpper() + " ");
+    ASSERT_TRUE(typed);
+    EXPECT_EQ(typed->redComponent(), color.color().redComponent());
+    // Turned back by the place that it has.
+    VRTPickedColor placed = picked(color.hue(), color.saturation(), color.value());
+    EXPECT_EQ(VRTLevelsOfColor(placed.color()), expected);
+    for (int i = 0; i < 3; ++i) EXPECT_NEAR(placed.number(components[i]), levels[i], 1e-9);
+  }
+  EXPECT_EQ(VRTLevelsOfColor(*VRTColorOfHex("#1e9")), qRgb(0x11, 0xee, 0x99));
+  for (const char* text : {"", "#", "12", "1234", "12345", "1234567", "12345g", "-12345", "##123456", "１２３"}) {
+    EXPECT_FALSE(VRTColorOfHex(QString::fromUtf8(text))) << text;
+  }
+}
+
+TEST(PickedColor, AGrayKeepsTheHueAndBlackTheSaturation) {
+  VRTPickedColor color = picked(0.6, 0.7, 0.8);
+  const double nothing = std::nan("");
+  for (const double value : {0.0, 1.0}) {
+    color = picked(0.6, 0.7, 0.8);
+    color.setColor(NSColor::colorWithCalibratedRed(value, value, value, 1));
+    EXPECT_EQ(color.hue(), 0.6);
+    EXPECT_EQ(color.saturation(), value > 0 ? 0 : 0.7);
+  }
+  color.set(nothing, 7, -7);
+  EXPECT_EQ(VRTLevelsOfColor(color.color()), qRgb(0, 0, 0));
+  color.setColor(NSColor::colorWithCalibratedRed(nothing, 1e300, 0, 1));
+  EXPECT_EQ(color.number(Component::Hue), 120);
+}
+
+TEST(Swatch, PicksAndFindsTheEndsOfEveryRange) {
+  const struct {
+    Field field;
+    QPointF place;
+    VRTPickedColor color;
+  } cases[] = {
+      {Field::Square, {0, 0}, picked(0.3, 0, 1)},     {Field::Square, {255, 0}, picked(0.3, 1, 1)},
+      {Field::Square, {255, 255}, picked(0.3, 1, 0)}, {Field::Square, {51, 204}, picked(0.3, 0.2, 0.2)},
+      {Field::Hues, {8, 0}, picked(0, 0.4, 0.5)},     {Field::Hues, {8, 85}, picked(1.0 / 3, 0.4, 0.5)},
+      {Field::Hues, {8, 255}, picked(1, 0.4, 0.5)},   {Field::Grays, {8, 0}, picked(0.3, 0, 1)},
+      {Field::Grays, {8, 255}, picked(0.3, 0, 0)},    {Field::Ramp, {51, 16}, picked(0.3, 0, 0.2)},
+      {Field::Ramp, {255, 16}, picked(0.3, 0, 1)},
+  };
+  for (const auto& [kind, place, color] : cases) {
+    const VRTColorField field(kind);
+    VRTPickedColor found = picked(0.3, 0.4, 0.5);
+    field.pick(place, found);
+    EXPECT_NEAR(found.hue(), color.hue(), 1e-12);
+    EXPECT_NEAR(found.saturation(), color.saturation(), 1e-12);
+    EXPECT_NEAR(found.value(), color.value(), 1e-12);
+    EXPECT_LT((field.placeOf(found) - place).manhattanLength(), 1e-9);
+    VRTPickedColor beyond = found;
+    field.pick(place + (place - QPointF(127, 127)) * 1e6, beyond);
+    field.step({0, 0}, found);
+  }
+}
+
+// Every pixel of the device that is painted is the color that is picked there, at every ratio.
+TEST(Swatch, ShowsTheTrueColors) {
+  for (const double ratio : {1.0, 1.25, 1.5, 2.0}) {
+    for (const Field kind : {Field::Square, Field::Grays, Field::Ramp, Field::Hues}) {
+      VRTColorField field(kind);
+      field.image(picked(0.1, 1, 1), ratio);
+      const QImage& image = field.image(picked(0.7, 1, 1), ratio);
+      ASSERT_EQ(image.size(), (QSizeF(field.size()) * ratio).toSize());
+      for (int y = 0; y < image.height(); y += 5) {
+        for (int x = 0; x < image.width(); x += 3) {
+          VRTPickedColor color = picked(0.7, 1, 1);
+          field.pick(QPointF(x / ratio, y / ratio), color);
+          ASSERT_EQ(image.pixel(x, y), VRTLevelsOfColor(color.color())) << x << ", " << y << " at " << ratio;
+        }
       }
     }
   }
@@ -64,7 +121,7 @@ TEST(Swatch, FindsThePlaceOfItsOwnColors) {
 // The picker opened from a view at the middle of the screen, and what it says.
 struct Picker : testing::Test {
   void open(bool grayscale = false, std::optional<NSColor> oldColor = gray(0.5),
-            QPoint position = QGuiApplication::primaryScreen()->availableGeometry().center()) {
+            QPoint position = QGuiApplication::primaryScreen()->availableGeometry().center(), int clicks = 1) {
     VRTTransientColorPicker::Options options;
     options.oldColor = oldColor;
     options.didStart = [this] { log += "start "; };
@@ -74,7 +131,7 @@ struct Picker : testing::Test {
       last = picker.color();
       if (const auto act = std::exchange(inAction, nullptr)) act();
     };
-    const NSEvent event({5, 5}, 0, 1, position);
+    const NSEvent event({5, 5}, 0, clicks, position);
     grayscale ? VRTTransientColorPicker::popupGrayscalePickerFrom(view.get(), event, action, options)
               : VRTTransientColorPicker::popupColorPickerFrom(view.get(), event, action, options);
     panel = VRTTransientColorPicker::panel();
@@ -83,6 +140,25 @@ struct Picker : testing::Test {
 
   static NSColor gray(double value) { return NSColor::colorWithCalibratedRed(value, value, value, 1); }
   static QPoint place(int x, int y) { return VRTTransientColorPanel::swatchOrigin() + QPoint(x, y); }
+
+  // By the keyboard, which clicks nothing.
+  VRTColorPanel& openPanel(bool grayscale = false, std::optional<NSColor> oldColor = gray(0.5)) {
+    open(grayscale, oldColor, QPoint(300, 60), 0);
+    log.clear();
+    return dynamic_cast<VRTColorPanel&>(*panel);
+  }
+  QAbstractButton* buttonOfPanel(const char* name) const {
+    for (auto* each : panel->findChildren<QAbstractButton*>()) {
+      if (each->accessibleName().startsWith(name)) return each;
+    }
+    return nullptr;
+  }
+  // Windows of dead owners close at once and go when their events are handled.
+  bool isGone() const {
+    const bool isClosed = panel.isNull() || !panel->isVisible();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    return isClosed && panel.isNull();
+  }
 
   void move(QPoint position, Qt::MouseButtons buttons = Qt::NoButton) const {
     QMouseEvent event(QEvent::MouseMove, position, position, panel->mapToGlobal(position), Qt::NoButton, buttons, {});
@@ -96,15 +172,19 @@ struct Picker : testing::Test {
   std::function<void()> inAction;
 };
 
-TEST_F(Picker, OpensCentredUnderThePointerAndStaysOnTheScreen) {
+TEST_F(Picker, OpensWithTheOldColorUnderThePointerAndStaysOnTheScreen) {
   const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
-  open();
+  const QPoint pointer = screen.center() - QPoint(90, 0);
+  open(false, gray(0.5), pointer);
   ASSERT_TRUE(panel);
-  EXPECT_LE((panel->geometry().center() - screen.center()).manhattanLength(), 2);
+  EXPECT_LE((panel->mapFromGlobal(pointer) - place(24, 127)).manhattanLength(), 2);
   EXPECT_EQ(log, "start ");
   for (const QPoint corner : {screen.topLeft(), screen.topRight(), screen.bottomLeft(), screen.bottomRight()}) {
     open(true, std::nullopt, corner);
     EXPECT_TRUE(screen.contains(panel->geometry()));
+    open(false, std::nullopt, corner, 2);
+    EXPECT_TRUE(screen.contains(panel->geometry()));
+    EXPECT_FALSE(panel->geometry().contains(corner)) << "beside what it edits";
   }
 }
 
@@ -176,7 +256,7 @@ TEST_F(Picker, ADeadOwnerClosesItAndNobodyIsCalled) {
   move(place(30, 20));
   log.clear();
   view.reset();
-  EXPECT_TRUE(panel.isNull());
+  EXPECT_TRUE(isGone());
   EXPECT_EQ(VRTTransientColorPicker::current(), nullptr);
   EXPECT_EQ(log, "");
   VRTTransientColorPicker::popupColorPickerFrom(nullptr, NSEvent(), {});
@@ -199,7 +279,7 @@ TEST_F(Picker, TheActionMayDeleteTheOwnerWhileItMovesOrEnds) {
     inAction = [this] { view.reset(); };
     step();
     EXPECT_EQ(log, "color ");
-    EXPECT_TRUE(panel.isNull());
+    EXPECT_TRUE(isGone());
   }
 }
 
@@ -216,7 +296,10 @@ TEST_F(Picker, TheActionMayOpenAnotherPickerOrCancelThisOne) {
 
 struct Owner : NSTarnView {
   using NSTarnView::NSTarnView;
-  void mouseDown(const NSEvent& event) override { VRTTransientColorPicker::popupColorPickerFrom(this, event, {}); }
+  void mouseDown(const NSEvent& event) override {
+    VRTTransientColorPicker::popupColorPickerFrom(this, event,
+                                                  [this](VRTTransientColorPicker& picker) { color = picker.color(); });
+  }
   void rightMouseDown(const NSEvent& event) override {
     VRTTransientColorPicker::Options options;
     options.didEnd = [this](bool isTaken) { taken = isTaken; };
@@ -231,8 +314,9 @@ struct Owner : NSTarnView {
 
 // Press in the view, drag and let go: as the window system delivers it, which knows nothing of pop-ups.
 TEST_F(Picker, OnePressDragAndReleasePicks) {
-  Owner owner(NSMakeRect(300, 300, 200, 100));
+  Owner owner(NSMakeRect(100, 300, 500, 300));
   owner.show();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&owner));
   QWindow* window = owner.windowHandle();
   QTest::mousePress(window, Qt::RightButton, {}, QPoint(100, 50));
   panel = VRTTransientColorPicker::panel();
@@ -246,10 +330,186 @@ TEST_F(Picker, OnePressDragAndReleasePicks) {
   const double expected = (start.x() + 51 - VRTTransientColorPanel::swatchOrigin().x()) / 255.0;
   EXPECT_NEAR(owner.color->redComponent(), expected, 0.01);
 
-  QTest::mousePress(&owner, Qt::LeftButton, {}, QPoint(5, 5));
-  QTest::mouseRelease(VRTTransientColorPicker::panel(), Qt::LeftButton, {}, QPoint(5, 5));
+  // Any color at all: past its hue into the square.
+  QTest::mousePress(window, Qt::LeftButton, {}, QPoint(250, 150));
+  panel = VRTTransientColorPicker::panel();
+  const auto onWindow = [&](QPoint at) { return owner.mapFromGlobal(panel->mapToGlobal(place(at.x(), at.y()))); };
+  for (const QPoint at : {QPoint(290, 170), QPoint(24 + 102, 51)}) QTest::mouseMove(window, onWindow(at));
+  EXPECT_EQ(VRTLevelsOfColor(*owner.color), qRgb(122, 122, 204)) << "two thirds of a turn, 40 % and 80 %";
+  QTest::mouseRelease(window, Qt::LeftButton, {}, onWindow(QPoint(24 + 102, 51)));
   EXPECT_EQ(owner.ups, 1) << "the picker's window gets the release, and the view still hears of it";
-  EXPECT_TRUE(VRTTransientColorPicker::current());
+  EXPECT_EQ(VRTTransientColorPicker::current(), nullptr);
+}
+
+// The panel.
+
+TEST_F(Picker, ThePanelReachesEveryColorByTyping) {
+  VRTColorPanel& entries = openPanel();
+  const auto type = [&](Component component, const char* text) {
+    QDoubleSpinBox& box = entries.numberEntry(component).box();
+    box.setFocus();
+    box.selectAll();
+    QTest::keyClicks(&box, text);
+    EXPECT_EQ(entries.focusWidget(), &box);
+  };
+  type(Component::Red, "17");
+  type(Component::Green, "3");
+  type(Component::Blue, "254");
+  EXPECT_EQ(VRTLevelsOfColor(*last), qRgb(17, 3, 254));
+  EXPECT_EQ(last->blueComponent(), 254 / 255.0);
+  QLineEdit* hex = nullptr;
+  for (QLineEdit* line : panel->findChildren<QLineEdit*>()) {
+    if (!qobject_cast<QAbstractSpinBox*>(line->parentWidget())) hex = line;
+  }
+  ASSERT_TRUE(hex);
+  EXPECT_EQ(hex->text(), "1103fe");
+  hex->setFocus();
+  hex->selectAll();
+  log.clear();
+  QTest::keyClicks(hex, "#80C0fz");
+  EXPECT_EQ(log, "") << "not a color yet";
+  for (const Qt::Key key : {Qt::Key_Backspace, Qt::Key_F}) QTest::keyClick(hex, key);
+  EXPECT_EQ(VRTLevelsOfColor(*last), qRgb(0x80, 0xc0, 0xff));
+  EXPECT_EQ(entries.numberEntry(Component::Green).box().value(), 192);
+  hex->selectAll();
+  QTest::keyClicks(hex, "1e9");
+  entries.numberEntry(Component::Hue).box().setFocus();
+  EXPECT_EQ(VRTLevelsOfColor(*last), qRgb(0x11, 0xee, 0x99)) << "three digits, once they are done";
+  type(Component::Hue, "120");
+  type(Component::Saturation, "100");
+  type(Component::Value, "100");
+  EXPECT_EQ(VRTLevelsOfColor(*last), qRgb(0, 255, 0));
+  QTest::keyClick(entries.focusWidget(), Qt::Key_Return);
+  EXPECT_TRUE(log.ends_with("taken "));
+
+  openPanel(true);
+  QDoubleSpinBox& level = dynamic_cast<VRTColorPanel&>(*panel).numberEntry(Component::Gray).box();
+  level.setValue(51);
+  EXPECT_EQ(last->greenComponent(), 0.2);
+  // The label scrubs.
+  QWidget* label = level.parentWidget();
+  QTest::mousePress(label, Qt::LeftButton, {}, QPoint(3, 8));
+  QMouseEvent scrub(QEvent::MouseMove, QPointF(13, 8), label->mapToGlobal(QPointF(13, 8)), Qt::NoButton, Qt::LeftButton,
+                    {});
+  QCoreApplication::sendEvent(label, &scrub);
+  QTest::mouseRelease(label, Qt::LeftButton, {}, QPoint(13, 8));
+  EXPECT_EQ(VRTLevelsOfColor(*last), qRgb(61, 61, 61));
+}
+
+// What people do in an open panel, and what it says then.
+TEST_F(Picker, ThePanelReportsWhatPeopleDo) {
+  const auto fieldOf = [this](Field kind) { return &dynamic_cast<VRTColorPanel&>(*panel).fieldView(kind); };
+  const auto at = [](int x, int y) { return QPoint(x, y) + QPoint(4, 4); };
+  const auto key = [this](Qt::Key code) { QTest::keyClick(panel->focusWidget(), code); };
+  const auto drag = [&](Field kind, QPoint to) {
+    QWidget* field = fieldOf(kind);
+    QTest::mousePress(field, Qt::LeftButton, {}, at(10, 10));
+    QMouseEvent move(QEvent::MouseMove, to, field->mapToGlobal(to), Qt::NoButton, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(field, &move);
+    QTest::mouseRelease(field, Qt::LeftButton, {}, to);
+  };
+  const auto outside = [this] { QTest::mousePress(panel, Qt::LeftButton, {}, QPoint(-20, 5)); };
+  const struct {
+    const char* name;
+    std::function<void()> act;
+    std::string told;
+    std::optional<QRgb> color = std::nullopt;
+  } cases[] = {
+      {"the release of the click that opened it",
+       [&] {
+         QTest::mouseRelease(panel, Qt::LeftButton, {}, {9, 9});
+       },
+       ""},
+      {"hover",
+       [&] {
+         move({100, 100});
+       },
+       ""},
+      {"drag in the square", [&] { drag(Field::Square, at(255, 51)); }, "color color ", qRgb(204, 0, 0)},
+      {"drag beyond it", [&] { drag(Field::Square, at(900, -90)); }, "color color ", qRgb(255, 0, 0)},
+      {"a gray", [&] { drag(Field::Grays, at(9, 102)); }, "color color ", qRgb(153, 153, 153)},
+      {"the hue of a gray", [&] { drag(Field::Hues, at(9, 85)); }, "color color ", qRgb(128, 128, 128)},
+      {"and its square", [&] { drag(Field::Hues, at(9, 85)), drag(Field::Square, at(255, 0)); },
+       "color color color color ", qRgb(0, 255, 0)},
+      {"arrows", [&] { key(Qt::Key_Up), key(Qt::Key_Return); }, "color taken ", qRgb(129, 129, 129)},
+      {"the next field", [&] { key(Qt::Key_Tab), key(Qt::Key_Home), key(Qt::Key_Down); }, "color ",
+       qRgb(127, 127, 127)},
+      {"Enter alone", [&] { key(Qt::Key_Enter); }, "taken "},
+      {"a click outside", [&] { drag(Field::Square, at(0, 0)), outside(); }, "color color taken ", qRgb(255, 255, 255)},
+      {"closed from outside", [&] { drag(Field::Square, at(0, 0)), panel->hide(); }, "color color taken ",
+       qRgb(255, 255, 255)},
+      {"the old color", [&] { drag(Field::Square, at(255, 0)), buttonOfPanel("Back")->click(); }, "color color color ",
+       qRgb(128, 128, 128)},
+      {"Escape", [&] { drag(Field::Square, at(255, 0)), key(Qt::Key_Escape); }, "color color color cancelled ",
+       qRgb(128, 128, 128)},
+      {"the color taken last", [&] { buttonOfPanel("Recent")->click(); }, "color ", qRgb(255, 255, 255)},
+  };
+  readEnglishTexts();
+  for (const auto& each : cases) {
+    SCOPED_TRACE(each.name);
+    last.reset();
+    openPanel();
+    const QPointer<QWidget> opened = panel;
+    each.act();
+    EXPECT_EQ(log, each.told);
+    if (each.color) {
+      ASSERT_TRUE(last);
+      EXPECT_EQ(VRTLevelsOfColor(*last), *each.color);
+    }
+    const bool ended = each.told.ends_with("taken ") || each.told.ends_with("cancelled ");
+    EXPECT_EQ(opened && opened->isVisible(), !ended);
+  }
+}
+
+TEST_F(Picker, RecentColorsAreTheLastElevenEachOnce) {
+  for (int level = 0; level < 14; ++level) {
+    openPanel().numberEntry(Component::Red).box().setValue(level == 13 ? 5 : level);
+    QTest::keyClick(panel, Qt::Key_Return);
+  }
+  const std::vector<VRTColorButton*>& recent = openPanel().recentButtons();
+  const int expected[] = {5, 12, 11, 10, 9, 8, 7, 6, 4, 3, 2};
+  ASSERT_EQ(recent.size(), 11u);
+  for (std::size_t i = 0; i < recent.size(); ++i) EXPECT_EQ(qRed(VRTLevelsOfColor(*recent[i]->color())), expected[i]);
+}
+
+// The eyedropper takes the device pixel under the pointer, of any window of the program at least.
+TEST_F(Picker, TheEyedropperTakesWhatIsOnTheScreen) {
+  struct Picture : QWidget {
+    void paintEvent(QPaintEvent*) override {
+      QPainter painter(this);
+      painter.fillRect(rect(), QColor(10, 20, 30));
+      painter.fillRect(QRect(20, 20, 2, 2), QColor(1, 254, 77));
+    }
+  } picture;
+  picture.setGeometry(20, 400, 100, 100);
+  picture.show();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&picture));
+  const auto point = [&](QEvent::Type type, Qt::MouseButton which, QPoint at) {
+    QMouseEvent event(type, at, picture.mapToGlobal(at), which, which, {});
+    QCoreApplication::sendEvent(panel, &event);
+  };
+  const auto start = [&] {
+    openPanel();
+    buttonOfPanel("Take")->click();
+    point(QEvent::MouseMove, Qt::NoButton, {21, 21});
+    EXPECT_EQ(log, "") << "only looking";
+  };
+  start();
+  point(QEvent::MouseButtonPress, Qt::LeftButton, {21, 21});
+  point(QEvent::MouseButtonRelease, Qt::LeftButton, {21, 21});
+  EXPECT_EQ(log, "color ");
+  EXPECT_EQ(VRTLevelsOfColor(*last), qRgb(1, 254, 77));
+  EXPECT_TRUE(panel->isVisible());
+  start();
+  point(QEvent::MouseButtonPress, Qt::RightButton, {21, 21});
+  start();
+  QTest::keyClick(panel, Qt::Key_Escape);
+  EXPECT_EQ(log, "");
+  EXPECT_TRUE(panel->isVisible()) << "Escape ended the look, not the pick";
+  start();
+  view.reset();
+  EXPECT_TRUE(isGone()) << "and the mouse is everybody's again";
+  EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include "Controls/VRTRolloverButton.h"
 #include "Controls/VRTTheme.h"
 #include "Controls/VRTThemeStore.h"
+#include "Platform/TarnKit/TarnInterfaceFile.h"
 #include "Platform/TarnKit/TarnTheme.h"
 #include "Tests/TarnKit/Pictures.h"
 
@@ -11,6 +12,7 @@
 #include <QHoverEvent>
 #include <QPainter>
 #include <QSvgRenderer>
+#include <QTemporaryFile>
 
 namespace {
 
@@ -130,6 +132,22 @@ TEST(Artwork, TheWellsInnerAreaStartsTwoPointsInside) {
       }
     }
   }
+}
+
+TEST(RolloverButton, StandsInInterfaceFiles) {
+  QTemporaryFile file;
+  ASSERT_TRUE(file.open());
+  file.write(R"(<ui version="4.0"><class>Panel</class><widget class="NSTarnView" name="masterView">
+                <widget class="VRTRolloverButton" name="more"/></widget></ui>)");
+  file.close();
+  VRTRegisterRolloverButton();
+  VRTRolloverButton* more = nullptr;
+  TarnInterfaceFile form;
+  form.addOutlet("more", more);
+  const auto root = form.loadFile(file.fileName().toStdString());
+  ASSERT_TRUE(more);
+  EXPECT_EQ(more->parentWidget(), root.get());
+  more->rolloverCell().setRolloverImageSource(std::nullopt);
 }
 
 TEST(RolloverButton, ShowsItsOtherImageUnderThePointer) {

@@ -64,6 +64,8 @@ TEST(ParameterViews, TwoCallsGiveTwoEditors) {
     const auto* gutter = first->findChild<QWidget*>(each.ofGradient ? "gradientGutterRGB" : "gutterIn");
     ASSERT_NE(gutter, nullptr);
     EXPECT_EQ(gutter->focusPolicy(), Qt::StrongFocus) << "enabled";
+    const auto* tips = dynamic_cast<const NSTarnView*>(gutter);
+    EXPECT_NE(tips->toolTipAtPoint({100, each.ofGradient ? 20.0 : 4.0}), "") << "help, from the first moment";
 
     const QImage before = second->grab().toImage();
     viewing.resetParameterView(first.get());

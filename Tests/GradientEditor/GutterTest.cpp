@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+#include "Platform/TarnKit/NSViewAccessibility.h"
 #include "Tests/Support/EnglishTexts.h"
 #include "Tests/Support/GradientScene.h"
 #include "Tests/TarnKit/RecordingView.h"
@@ -301,6 +302,47 @@ TEST_P(GradientGutter, KeysSelectNeighboursAndOnlyTheirOwnSamples) {
   EXPECT_EQ(scene.positions(), (Positions{0, 0.25, 0.6, 1}));
 }
 
+TEST_P(GradientGutter, KeysInsertAndCopyInOneInteraction) {
+  scene.focus();
+  const struct {
+    std::optional<std::size_t> sample;
+    bool middle;
+    int key;
+    Positions expected;
+  } cases[] = {{0, false, Qt::Key_Insert, {0, 0.125, 0.25, 0.6, 1}},
+               {1, true, Qt::Key_Insert, {0, 0.25, 0.425, 0.6, 1}},
+               {3, false, Qt::Key_Insert, {0, 0.25, 0.6, 0.8, 1}},
+               {std::nullopt, false, Qt::Key_Insert, {0, 0.25, 0.6, 0.8, 1}},
+               {1, false, Qt::Key_D, {0, 0.25, 0.3, 0.6, 1}},
+               {3, false, Qt::Key_D, {0, 0.25, 0.6, 0.95, 1}},
+               {1, true, Qt::Key_D, {0, 0.25, 0.6, 1}},
+               {std::nullopt, false, Qt::Key_D, {0, 0.25, 0.6, 1}}};
+  for (const auto& [sample, middle, key, expected] : cases) {
+    scene.port->setValue(GradientScene::gradientAt({0, 0.25, 0.6, 1}));
+    sample ? scene.select(*sample, middle) : scene.editorPart().setSelectedSample(nullptr, false, false);
+    const std::unique_ptr<VRTChannelRef> source = sample ? scene.sample(*sample)->getRef() : nullptr;
+    VortoColor looked, looks;
+    dynamic_cast<VRTGradient&>(*scene.port->value()).kxChannelGradient()->getColor(0, 0.45, &looked);
+    scene.takeLog();
+    scene.key(key, key == Qt::Key_D ? Qt::ControlModifier : Qt::NoModifier);
+    const Positions positions = scene.positions();
+    ASSERT_EQ(positions.size(), expected.size());
+    for (std::size_t i = 0; i < expected.size(); ++i) EXPECT_NEAR(positions[i], expected[i], 1e-12);
+    const bool changes = expected.size() > 4;
+    EXPECT_EQ(scene.takeLog(), changes ? "start change end" : "");
+    if (!changes) continue;
+    ASSERT_TRUE(scene.selected());
+    EXPECT_FALSE(scene.editorPart().getMiddleSelected());
+    EXPECT_TRUE(!source || source->getChannel() != scene.selected()) << "what is new is selected";
+    dynamic_cast<VRTGradient&>(*scene.port->value()).kxChannelGradient()->getColor(0, 0.45, &looks);
+    EXPECT_NEAR(key == Qt::Key_Insert && !sample ? looks.c1 : looked.c1, looked.c1, 1e-6);
+  }
+  scene.port->setValue(GradientScene::gradientAt({0.5, 0.5001}));
+  scene.editorPart().setSelectedSample(nullptr, false, false);
+  scene.key(Qt::Key_Insert);
+  EXPECT_EQ(scene.count(), 2u) << "there is no room";
+}
+
 TEST_P(GradientGutter, DeleteRemovesAllButTheLast) {
   scene.focus();
   for (const std::size_t left : {3, 2, 1, 1}) {
@@ -331,19 +373,24 @@ TEST_P(GradientGutter, ShowsStopsAsSlidersWithTooltipsAndCursors) {
   readEnglishTexts();
   scene.select(1);
   const auto elements = scene.gutter->accessibilityElements();
-  ASSERT_EQ(elements.size(), 4u);
+  ASSERT_EQ(elements.size(), 7u) << "four stops, then three middle points";
+  EXPECT_EQ(elements[1].description, named("#4d80b2", "85 %"));
+  EXPECT_EQ(elements[5].name, "Middle point 2 of 3");
+  EXPECT_EQ(elements[5].value, 0.5);
   EXPECT_EQ(elements[1].name, named("Color stop 2 of 4", "Opacity stop 2 of 4"));
   EXPECT_EQ(elements[1].value, 0.25);
   EXPECT_TRUE(elements[1].selected);
   EXPECT_FALSE(elements[2].selected);
   EXPECT_EQ(elements[3].frame.origin.x, scene.geometry().xOfPosition(1) - 5);
   QAccessibleInterface* view = QAccessible::queryAccessibleInterface(scene.gutter);
-  ASSERT_TRUE(view && view->childCount() == 4 && view->child(2)->valueInterface());
+  ASSERT_TRUE(view && view->childCount() == 7 && view->child(2)->valueInterface());
   EXPECT_EQ(view->text(QAccessible::Name), named("Color stops", "Opacity stops"));
   view->child(2)->valueInterface()->setCurrentValue(0.75);
   EXPECT_EQ(scene.positions()[2], 0.75);
   EXPECT_EQ(scene.selected(), scene.sample(2));
-  scene.gutter->setAccessibilityValue(99, 0.5);
+  scene.gutter->setAccessibilityValue(5, 0.25);
+  EXPECT_EQ(scene.sample(1)->middle, 0.25);
+  for (const std::size_t none : {7, 99}) scene.gutter->setAccessibilityValue(none, 0.5);
   scene.gutter->setAccessibilityValue(1, 1);
   EXPECT_NEAR(scene.positions()[2], 0.999, 1e-12) << "short of the last one";
   EXPECT_EQ(scene.count(), 4u);
@@ -365,6 +412,56 @@ TEST_P(GradientGutter, ShowsStopsAsSlidersWithTooltipsAndCursors) {
   scene.release();
   EXPECT_EQ(scene.gutter->toolTipAtPoint({x + 30, 5}), third);
   EXPECT_EQ(scene.gutter->toolTipAtPoint({x, 5}), "");
+}
+
+// What a screen reader hears while a stop is chosen, moved and colored by keyboard.
+TEST_P(GradientGutter, AnnouncesWhatKeysDo) {
+  readEnglishTexts();
+  std::string heard;
+  NSListenToAccessibility([&](QAccessibleEvent& event) {
+    const QAccessibleInterface* part = event.accessibleInterface();
+    if (!part || event.object() != scene.gutter || part->role() != QAccessible::Slider) return;
+    const bool isFocus = event.type() == QAccessible::Focus;
+    heard += isFocus ? "focus " : event.type() == QAccessible::ValueChanged ? "value " : "description ";
+    heard += part->text(QAccessible::Name).section(' ', -3, -3).toStdString() + " ";
+    EXPECT_EQ(part->state().focused, part->state().selected);
+  });
+  const auto hears = [&](const char* expected) {
+    QCoreApplication::processEvents();
+    EXPECT_EQ(std::exchange(heard, {}), expected);
+  };
+  scene.focus();
+  hears("");
+  scene.select(0);
+  hears("focus 1 ");
+  scene.key(Qt::Key_PageDown);
+  hears("focus 2 ");
+  scene.key(Qt::Key_PageDown, Qt::ShiftModifier);
+  hears("focus 2 ");  // the middle point
+  EXPECT_TRUE(scene.editorPart().getMiddleSelected());
+  scene.key(Qt::Key_Left);
+  hears("value 2 ");
+  scene.key(Qt::Key_PageUp, Qt::ShiftModifier);
+  hears("focus 2 ");
+  scene.key(Qt::Key_Right);
+  hears("value 2 ");
+  scene.key(Qt::Key_Return);
+  QTest::keyClick(VRTTransientColorPicker::panel(), Qt::Key_Left);
+  EXPECT_TRUE(heard.starts_with("description 2 ")) << heard;
+  VRTTransientColorPicker::current()->cancel();
+  QCoreApplication::processEvents();
+  heard.clear();
+
+  QAccessibleInterface* view = QAccessible::queryAccessibleInterface(scene.gutter);
+  scene.gutter->clearFocus();
+  view->child(3)->actionInterface()->doAction(QAccessibleActionInterface::setFocusAction());
+  hears("focus 4 focus 4 ");
+  EXPECT_EQ(view->focusChild(), view->child(3));
+  EXPECT_TRUE(view->child(0)->state().focusable);
+  EXPECT_EQ(scene.selected(), scene.sample(3));
+  view->child(2)->actionInterface()->doAction(QAccessibleActionInterface::decreaseAction());
+  EXPECT_NEAR(scene.sample(2)->position, 0.59, 1e-12);
+  NSListenToAccessibility(nullptr);
 }
 
 // What dies or changes meanwhile.
@@ -525,9 +622,10 @@ TEST_P(GradientGutter, PickersSurviveTheirEditorAndTheirSample) {
   scene.gutter->setFocus();
   QTest::keyClick(scene.gutter, Qt::Key_Return);
   ASSERT_NE(VRTTransientColorPicker::current(), nullptr);
-  hover();
+  const QPointer<QWidget> panel = VRTTransientColorPicker::panel();
+  QTest::keyClick(panel, Qt::Key_Down);
   delete scene.editor;
-  hover();
+  if (panel) QTest::keyClick(panel, Qt::Key_Down);
   EXPECT_EQ(VRTTransientColorPicker::current(), nullptr);
   QCoreApplication::processEvents();
   EXPECT_EQ(scene.takeLog(), "start change end");

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
+#include "Platform/TarnKit/NSViewAccessibility.h"
 #include "Tests/Support/EnglishTexts.h"
 #include "Tests/Support/LevelsScene.h"
 
+#include <QAccessible>
 #include <QPixmap>
 #include <cmath>
 
@@ -178,6 +180,48 @@ TEST_F(InputGutter, ShowsSlidersAndCursors) {
   scene.release();
   scene.levels->setValue(nullptr);
   EXPECT_TRUE(scene.gutter->accessibilityElements().empty());
+}
+
+// Between points, as pointers stand on screens of other ratios than 1.
+TEST_F(InputGutter, ADragThatReturnsToItsPixelRestoresEveryValue) {
+  const double fraction = 1 / 3.0;
+  const auto at = [&](QEvent::Type type, double x, Qt::MouseButtons held) {
+    const QPointF place(x + fraction, scene.gutter->height() - 4);
+    QMouseEvent event(type, place, scene.gutter->mapToGlobal(place),
+                      type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton, held, {});
+    QCoreApplication::sendEvent(scene.gutter, &event);
+  };
+  for (const double gamma : {0.3, 1.0, 1.7, 4.9}) {
+    set(0.1, 0.9, gamma);
+    for (const double position : {0.1, 0.9, 0.1 + 0.8 * std::pow(0.5, gamma)}) {
+      const double x = std::floor(on(position).x);
+      at(QEvent::MouseButtonPress, x, Qt::LeftButton);
+      at(QEvent::MouseMove, x + 20, Qt::LeftButton);
+      at(QEvent::MouseMove, x, Qt::LeftButton);
+      at(QEvent::MouseButtonRelease, x, Qt::NoButton);
+      EXPECT_EQ(levels().blackInForChannel(kRed), 0.1);
+      EXPECT_EQ(levels().whiteInForChannel(kRed), 0.9);
+      EXPECT_EQ(levels().gammaForChannel(kRed), gamma);
+    }
+  }
+}
+
+TEST_F(InputGutter, AnnouncesWhichHandleHasTheKeyboard) {
+  readEnglishTexts();
+  std::string heard;
+  NSListenToAccessibility([&](QAccessibleEvent& event) {
+    if (event.type() != QAccessible::Focus || !event.accessibleInterface()) return;
+    heard += event.accessibleInterface()->text(QAccessible::Name).toStdString() + ", ";
+  });
+  scene.focus();
+  QCoreApplication::processEvents();
+  for (const Qt::Key key : {Qt::Key_Tab, Qt::Key_Tab, Qt::Key_Left, Qt::Key_Backtab}) scene.key(key);
+  QAccessible::queryAccessibleInterface(scene.gutter)
+      ->child(0)
+      ->actionInterface()
+      ->doAction(QAccessibleActionInterface::setFocusAction());
+  EXPECT_EQ(heard, "Input black, Gamma, Input white, Gamma, Input black, ");
+  NSListenToAccessibility(nullptr);
 }
 
 TEST_F(InputGutter, ADragGoesOnInAReplacedValue) {

@@ -203,8 +203,9 @@ TEST(PlugIns, BrokenOnesAreOnlyWarnedOf) {
     for (const Words& command : {Words{"effects"}, Words{"effects", "--json"}}) {
       const ProgramRun run = workplace.run(command, options);
       EXPECT_EQ(run.exitCode, 0) << state;
-      for (const char* said : {"Broken.plugin: ", "Bad.qtz: ", "ThrowingConstructor.plugin: it ends the process",
-                               "Damaged.plugin: it ends the process", "no patch today", "\"Gives None\" could not be made, from "}) {
+      for (const char* said :
+           {"Broken.plugin: ", "Bad.qtz: ", "ThrowingConstructor.plugin: it ends the process",
+            "Damaged.plugin: it ends the process", "no patch today", "\"Gives None\" could not be made, from "}) {
         EXPECT_NE(run.err.find(said), std::string::npos) << state << ": " << said << "\n" << run.err;
       }
       EXPECT_NE(run.out.find("Gradient Map"), std::string::npos) << state;

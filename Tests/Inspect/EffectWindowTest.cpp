@@ -15,6 +15,7 @@
 #include "Ports/VRTObjects.h"
 #include "TarnCore/TCBitmap.h"
 #include "Tests/Inspect/InspectFixture.h"
+#include "Tests/Support/EnglishTexts.h"
 
 #include <gtest/gtest.h>
 
@@ -24,6 +25,7 @@
 #include <QDoubleSpinBox>
 #include <QDropEvent>
 #include <QFileDialog>
+#include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QSlider>
@@ -42,6 +44,7 @@ using inspect_test::writeFlatPicture;
 class EffectWindowTest : public testing::Test {
  protected:
   EffectWindowTest() {
+    readEnglishTexts();
     inspect_test::useEffects();
     VRTStartEditors();
     VortoSetExecutionContextProvider([this](QCPatch&) { return &context; });
@@ -143,6 +146,13 @@ TEST_F(EffectWindowTest, PlaysASequenceAndTheHistogramFollows) {
   EXPECT_TRUE(wentRound);
   EXPECT_FALSE(window->transport().isPlaying());
   EXPECT_EQ(context.queried - countedBefore, window->renderCount() - before) << "once a frame";
+  auto* title = window->column().section(port(0))->findChild<QAbstractButton*>();
+  for (const bool shown : {false, true}) {
+    title->setFocus();
+    QTest::keyClick(title, Qt::Key_Space);
+    EXPECT_EQ(window->column().section(port(0))->slot().isVisible(), shown) << "a button presses itself";
+    EXPECT_FALSE(window->transport().isPlaying());
+  }
 
   window->column().section(port(0))->setFolded(true);
   const int folded = context.queried;
@@ -173,6 +183,17 @@ TEST_F(EffectWindowTest, TransitionsHaveATimeAndNeedTwoImages) {
   auto* slider = editorOf<QSlider>("Time");
   slider->setValue(slider->maximum());
   EXPECT_EQ(shown(), qRgb(200, 200, 200));
+}
+
+TEST_F(EffectWindowTest, SpeaksThreeLanguages) {
+  const std::pair<const char*, const char*> languages[] = {{"de", "&Datei"}, {"fr_FR", "&Fichier"}, {"en", "&File"}};
+  for (const auto& [language, file] : languages) {
+    setenv("LANGUAGE", language, 1);
+    setenv("LC_ALL", "en_US.UTF-8", 1);
+    openLevels();
+    EXPECT_EQ(window->menuBar()->actions().front()->text(), file);
+  }
+  readEnglishTexts();
 }
 
 TEST_F(EffectWindowTest, RowsShowAndChangeTheirPorts) {

@@ -12,6 +12,7 @@ struct TARN_EXPORT NSAccessibilityElement {
   double value = 0;
   double minimum = 0;
   double maximum = 1;
-  NSRect frame;  // in the view's coordinates
-  bool selected = false;
+  NSRect frame;           // in the view's coordinates
+  bool selected = false;  // it has the keyboard when the view has
+  QString description{};  // what else there is to say, such as its color
 };

@@ -176,6 +176,11 @@ bool NSTarnView::event(QEvent* event) {
       // A new child's geometry counts from the size that the view has now.
       layOutSubviews(static_cast<QChildEvent*>(event)->child());
       break;
+    case QEvent::FocusIn:
+      // Qt tells of the view itself after this event; what has the keyboard in it comes last.
+      QMetaObject::invokeMethod(
+          this, [this] { announceFocusedPart(); }, Qt::QueuedConnection);
+      break;
     case QEvent::Show:
       setAttribute(Qt::WA_OpaquePaintEvent, isOpaque());
       NSLiveResizeWatch::watch(*window());

@@ -125,14 +125,16 @@ class TARN_EXPORT NSTarnView : public QWidget {
   virtual void draggingExited();
   virtual bool performDragOperation(const NSDraggingInfo& info);
 
-  // Accessibility: a name for the view, and its parts. Answer the same number of parts until accessibilityChanged() is
-  // called.
+  // Accessibility: a name for the view, and its parts.
   virtual QString accessibilityLabel() const;  // the base returns QWidget::accessibleName()
   virtual std::vector<NSAccessibilityElement> accessibilityElements() const;
   // Assistive technology sets a part's value; the base does nothing.
   virtual void setAccessibilityValue(std::size_t element, double value);
-  // Tells assistive technology about a changed value of a part, and about another number or order of parts.
-  void accessibilityValueChanged(std::size_t element);
+  // Assistive technology gives a part the keyboard: select it. The view has got the keyboard by then, unless it takes
+  // none. The base does nothing.
+  virtual void takeAccessibilityFocus(std::size_t element);
+  // Tells assistive technology what is new about the parts since the last call: their number and names, their values
+  // and descriptions, and which one has the keyboard. Call it after every change.
   void accessibilityChanged();
 
   QSize sizeHint() const override;  // the frame size that was set last
@@ -170,6 +172,7 @@ class TARN_EXPORT NSTarnView : public QWidget {
   void pass(Handler handler, const NSEvent& event);
   void passModifiers(const QKeyEvent& event);
   void updateCursor(QPointF position);
+  void announceFocusedPart();
   bool wantsDrag(const NSDraggingInfo& info) const;
   void answerDrag(QDropEvent& event, std::uint32_t operation);
 
@@ -189,6 +192,7 @@ class TARN_EXPORT NSTarnView : public QWidget {
   bool rightPressTaken_ = false;
   bool cursorIsSet_ = false;
   std::vector<ToolTip> toolTips_;
+  std::vector<NSAccessibilityElement> announcedParts_;  // as assistive technology knows them
   QStringList draggedTypes_;
   std::uint32_t dragOperation_ = NSDragOperationNone;  // what the last move over the view returned
 };

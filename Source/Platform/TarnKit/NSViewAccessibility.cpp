@@ -6,13 +6,44 @@
 #include <QAccessible>
 #include <QAccessibleWidget>
 #include <QPointer>
+#include <algorithm>
+#include <utility>
 
 namespace {
 
-class ViewInterface;
+constexpr double kSteps = 100;  // from a part's minimum to its maximum
+
+// The part that has the keyboard when the view has it; -1 for none.
+int selectedPart(const std::vector<NSAccessibilityElement>& parts) {
+  const auto selected = std::find_if(parts.begin(), parts.end(), [](const auto& part) { return part.selected; });
+  return selected == parts.end() ? -1 : int(selected - parts.begin());
+}
+
+bool haveEqualNames(const std::vector<NSAccessibilityElement>& a, const std::vector<NSAccessibilityElement>& b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](const auto& x, const auto& y) { return x.name == y.name; });
+}
+
+NSAccessibilityListener& listener() {
+  static auto& listening = *new NSAccessibilityListener;
+  return listening;
+}
+
+// Whether anybody wants to know.
+bool isHeard() {
+  return listener() || QAccessible::isActive();
+}
+
+void tell(QAccessibleEvent&& event, int child = -1) {
+  if (child >= 0) event.setChild(child);
+  if (listener()) listener()(event);
+  QAccessible::updateAccessibility(&event);
+}
 
 // One part of a view. The view's interface owns it; it tells nothing once the view is gone.
-class ElementInterface : public QAccessibleInterface, public QAccessibleValueInterface {
+class ElementInterface : public QAccessibleInterface,
+                         public QAccessibleValueInterface,
+                         public QAccessibleActionInterface {
  public:
   ElementInterface(NSTarnView& view, std::size_t index) : view_(&view), index_(index) {}
 
@@ -31,6 +62,7 @@ class ElementInterface : public QAccessibleInterface, public QAccessibleValueInt
     const auto part = element();
     if (!part) return {};
     if (kind == QAccessible::Name) return part->name;
+    if (kind == QAccessible::Description) return part->description;
     return kind == QAccessible::Value ? QString::number(part->value, 'g', 4) : QString();
   }
 
@@ -46,6 +78,7 @@ class ElementInterface : public QAccessibleInterface, public QAccessibleValueInt
     const auto part = element();
     state.invalid = !part;
     state.selectable = true;
+    state.focusable = view_ && view_->focusPolicy() != Qt::NoFocus;
     state.selected = part && part->selected;
     state.focused = part && part->selected && view_->hasFocus();
     state.disabled = part && !view_->isEnabled();
@@ -53,20 +86,37 @@ class ElementInterface : public QAccessibleInterface, public QAccessibleValueInt
   }
 
   void* interface_cast(QAccessible::InterfaceType type) override {
-    return type == QAccessible::ValueInterface ? static_cast<QAccessibleValueInterface*>(this) : nullptr;
+    if (type == QAccessible::ValueInterface) return static_cast<QAccessibleValueInterface*>(this);
+    return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface*>(this) : nullptr;
   }
 
   QVariant currentValue() const override { return number(&NSAccessibilityElement::value); }
   QVariant maximumValue() const override { return number(&NSAccessibilityElement::maximum); }
   QVariant minimumValue() const override { return number(&NSAccessibilityElement::minimum); }
-  QVariant minimumStepSize() const override { return 0.01; }
+  QVariant minimumStepSize() const override {
+    const auto part = element();
+    return part ? QVariant(stepOf(*part)) : QVariant();
+  }
   void setCurrentValue(const QVariant& value) override {
     bool isNumber = false;
     const double wanted = value.toDouble(&isNumber);
     if (isNumber && element()) view_->setAccessibilityValue(index_, wanted);
   }
 
+  QStringList actionNames() const override { return {setFocusAction(), increaseAction(), decreaseAction()}; }
+  QStringList keyBindingsForAction(const QString&) const override { return {}; }
+  void doAction(const QString& name) override {
+    const auto part = element();
+    if (!part) return;
+    if (name == increaseAction()) return view_->setAccessibilityValue(index_, part->value + stepOf(*part));
+    if (name == decreaseAction()) return view_->setAccessibilityValue(index_, part->value - stepOf(*part));
+    if (name != setFocusAction()) return;
+    view_->setFocus(Qt::OtherFocusReason);
+    if (view_) view_->takeAccessibilityFocus(index_);
+  }
+
  private:
+  static double stepOf(const NSAccessibilityElement& part) { return (part.maximum - part.minimum) / kSteps; }
   std::optional<NSAccessibilityElement> element() const {
     if (!view_) return std::nullopt;
     const std::vector<NSAccessibilityElement> all = view_->accessibilityElements();
@@ -96,6 +146,10 @@ class ViewInterface : public QAccessibleWidget {
   QAccessibleInterface* child(int index) const override {
     const int count = elementCount();
     return index >= 0 && index < count ? element(index) : QAccessibleWidget::child(index - count);
+  }
+  QAccessibleInterface* focusChild() const override {
+    const int selected = view_.hasFocus() ? selectedPart(view_.accessibilityElements()) : -1;
+    return selected < 0 ? QAccessibleWidget::focusChild() : element(selected);
   }
   int indexOfChild(const QAccessibleInterface* child) const override {
     const int count = elementCount();
@@ -127,6 +181,10 @@ QAccessibleInterface* makeInterface(const QString&, QObject* object) {
 
 }  // namespace
 
+void NSListenToAccessibility(NSAccessibilityListener heard) {
+  listener() = std::move(heard);
+}
+
 void NSInstallViewAccessibility() {
   static const bool installed = (QAccessible::installFactory(makeInterface), true);
   (void)installed;
@@ -142,17 +200,24 @@ std::vector<NSAccessibilityElement> NSTarnView::accessibilityElements() const {
 
 void NSTarnView::setAccessibilityValue(std::size_t, double) {}
 
-void NSTarnView::accessibilityValueChanged(std::size_t element) {
-  if (!QAccessible::isActive()) return;
-  const std::vector<NSAccessibilityElement> all = accessibilityElements();
-  if (element >= all.size()) return;
-  QAccessibleValueChangeEvent event(this, all[element].value);
-  event.setChild(int(element));
-  QAccessible::updateAccessibility(&event);
-}
+void NSTarnView::takeAccessibilityFocus(std::size_t) {}
 
 void NSTarnView::accessibilityChanged() {
-  if (!QAccessible::isActive()) return;
-  QAccessibleEvent event(this, QAccessible::ObjectReorder);
-  QAccessible::updateAccessibility(&event);
+  if (!isHeard()) return;
+  const std::vector<NSAccessibilityElement> parts = accessibilityElements();
+  const std::vector<NSAccessibilityElement> before = std::exchange(announcedParts_, parts);
+  const bool isReordered = !haveEqualNames(before, parts);
+  if (isReordered) tell(QAccessibleEvent(this, QAccessible::ObjectReorder));
+  for (std::size_t i = 0; i < parts.size() && !isReordered; ++i) {
+    if (parts[i].value != before[i].value) tell(QAccessibleValueChangeEvent(this, parts[i].value), int(i));
+    if (parts[i].description != before[i].description) {
+      tell(QAccessibleEvent(this, QAccessible::DescriptionChanged), int(i));
+    }
+  }
+  if (isReordered || selectedPart(parts) != selectedPart(before)) announceFocusedPart();
+}
+
+void NSTarnView::announceFocusedPart() {
+  const int selected = hasFocus() && isHeard() ? selectedPart(accessibilityElements()) : -1;
+  if (selected >= 0) tell(QAccessibleEvent(this, QAccessible::Focus), selected);
 }
