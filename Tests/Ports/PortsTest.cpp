@@ -53,28 +53,6 @@ TEST(ParameterPorts, StatesMakeValuesAndBadOnesAreRefused) {
   }
 }
 
-TEST(ParameterPorts, GetTheirEditorFromTheRegisteredFactory) {
-  TarnGradientPort gradientPort("inputGradient");
-  VRTHistogramPort histogramPort("inputLevels");
-  EXPECT_EQ(gradientPort.setupParameterView(), nullptr);
-
-  std::vector<QCObjectPort*> given;
-  VRTRegisterParameterViewFactory("VRTGradientPort", [&](QCObjectPort& port) {
-    given.push_back(&port);
-    return new NSTarnView;
-  });
-  const std::unique_ptr<NSTarnView> first(gradientPort.setupParameterView());
-  const std::unique_ptr<NSTarnView> second(gradientPort.setupParameterView());
-  EXPECT_TRUE(first && second && first != second);
-  EXPECT_EQ(given, (std::vector<QCObjectPort*>{&gradientPort, &gradientPort}));
-  EXPECT_EQ(histogramPort.setupParameterView(), nullptr);
-  gradientPort.resetParameterView(first.get());
-  gradientPort.resetParameterView(nullptr);
-
-  VRTRegisterParameterViewFactory("VRTGradientPort", nullptr);
-  EXPECT_EQ(gradientPort.setupParameterView(), nullptr);
-}
-
 class PatchWithEditor : public QCPatch, public VRTOpaqueDataViewing {
  public:
   NSTarnView* viewForOpaqueDataPort(VRTOpaqueDataPort* port) override {
@@ -118,12 +96,10 @@ TEST(Images, ShareTheirBitmap) {
 }
 
 TEST(Compatibility, NamesStandInTheClassTableUnderTheirSuperclasses) {
-  const std::pair<const char*, const char*> kinship[] = {
-      {"TarnEffectManager", "VRTNodeManager"},   {"TarnGradientPort", "VRTGradientPort"},
-      {"TarnHistogramPort", "VRTHistogramPort"}, {"TarnOpaqueDataPort", "VRTOpaqueDataPort"},
-      {"TarnGradient", "VRTGradient"},           {"TarnHistogram", "VRTHistogram"},
-      {"TarnOpaqueData", "VRTOpaqueData"},
-  };
+  const std::pair<const char*, const char*> kinship[] = {{"TarnEffectManager", "VRTNodeManager"},
+                                                         {"TarnGradientPort", "VRTGradientPort"},
+                                                         {"TarnHistogramPort", "VRTHistogramPort"},
+                                                         {"TarnOpaqueDataPort", "VRTOpaqueDataPort"}};
   for (const auto& [name, superclass] : kinship) {
     const NSClass* entry = NSClassFromString(name);
     ASSERT_TRUE(entry) << name;
