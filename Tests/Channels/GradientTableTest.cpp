@@ -94,19 +94,4 @@ TEST(GradientTable, EveryCountAndEveryKindOfGradient) {
   });
 }
 
-// Every middle of a fine grid: the search must stop where the definition does.
-TEST(GradientTable, SmoothSegmentsOfEveryMiddle) {
-  onEveryTarget([] {
-    for (int middle = -20; middle <= 120; ++middle) {
-      Gradient gradient;
-      gradient.color.collect(0.0, {0.1, 0.0, 1.0, 0.0, middle / 100.0, 2});
-      gradient.color.collect(1.0, {0.9, 1.0, 0.2, 0.0, 0.5, 2});
-      gradient.color.arrange();
-      gradient.opacity.collect(0.0, {0.0, 0.0, 0.0, 1.0, 0.5, 2});
-      gradient.opacity.arrange();
-      expectEqual<float>(gradient, 1025);
-    }
-  });
-}
-
 }  // namespace

@@ -7,8 +7,6 @@
 #include "Tests/Support/ChildProcess.h"
 #include "Tests/Support/Tables.h"
 
-#include <sys/wait.h>
-
 namespace {
 
 namespace fs = std::filesystem;
@@ -169,30 +167,6 @@ TEST_F(CFBundleTest, FoldersBesideALibrary) {
             (Folders{"/usr/lib/x86_64", "/usr/lib/lib", "/usr/lib/share/vorto", "/usr/share/vorto"}));
   EXPECT_EQ(CFBundleFoldersBeside("/t/lib"), (Folders{"/t/lib", "/t/share/vorto", "/share/vorto"}));
   EXPECT_EQ(CFBundleFoldersBeside(""), Folders{});
-}
-
-// What FindsTheFrameworksOwnBundles runs in a copy of this program that lies in an installed tree.
-TEST_F(CFBundleTest, DISABLED_PrintOwnBundles) {
-  for (const char* identifier : {"test.shared", "test.beside"}) {
-    std::printf("found %s\n", CFBundleGetPath(CFBundleGetBundleWithIdentifier(CFSTR(identifier))).c_str());
-  }
-}
-
-TEST_F(CFBundleTest, FindsTheFrameworksOwnBundles) {
-  const fs::path program = root_ / "bin/program";
-  const std::string shared = MakeBundle(root_ / "share/vorto/Shared.bundle", "test.shared");
-  const std::string beside = MakeBundle(root_ / "bin/Beside.bundle", "test.beside");
-  fs::copy_file("/proc/self/exe", program);
-  const ChildResult child = RunInChild([&] {
-    // Under a name that leads nowhere: where the program lies is not told by its arguments.
-    execl(program.c_str(), "vorto", "--gtest_also_run_disabled_tests", "--gtest_filter=*DISABLED_PrintOwnBundles",
-          nullptr);
-    return 127;
-  });
-  EXPECT_TRUE(child.exitedWith(0)) << child.output << child.errors;
-  for (const std::string& path : {shared, beside}) {
-    EXPECT_NE(child.output.find("found " + path + "\n"), std::string::npos) << child.output;
-  }
 }
 
 }  // namespace

@@ -40,20 +40,11 @@ TEST(CFStringsFileTest, RefusesMalformedTextWithItsPlace) {
 }
 
 TEST(CFStringsFileTest, ReadsTheEncodingsByTheirMarks) {
-  using namespace std::string_literals;
   const TemporaryFolder folder;
   const std::string path = folder.path() + "/Localizable.strings";
-  const std::pair<std::string, bool> rows[] = {
-      {"\"k\"=\"\xC3\xA4\";"s, true},
-      {"\xEF\xBB\xBF\"k\"=\"\xC3\xA4\";"s, true},
-      {"\xFE\xFF\0\"\0k\0\"\0=\0\"\0\xE4\0\"\0;"s, true},
-      {"\xFF\xFE\"\0k\0\"\0=\0\"\0\xE4\0\"\0;\0"s, true},
-      {"\"k\"=\"\xE4\";"s, false},                          // Latin-1
-      {"\xFF\xFE\"\0k\0\"\0=\0\"\0\xE4\0\"\0;"s, false},    // half a unit at the end
-      {"\xFF\xFE\"\0k\0\"\0=\0\"\0\0\xD8\"\0;\0"s, false},  // a lone surrogate
-  };
-  for (const auto& [bytes, valid] : rows) {
-    std::ofstream(path, std::ios::binary) << bytes;
+  for (const Row& row : rowsOf("Marks.txt")) {
+    const bool valid = row[0] == "yes";
+    std::ofstream(path, std::ios::binary) << row[1];
     std::string reason;
     const auto table = CFReadStringsFile(path, &reason);
     ASSERT_EQ(table.has_value(), valid) << reason;

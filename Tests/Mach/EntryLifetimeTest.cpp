@@ -57,12 +57,10 @@ TEST(EntryLifetime, PartlyUnmappedMemoryKeepsItsBytesOrSaysThatItLostThem) {
 // Random steps against a plain model: what is mapped reads as was written, and in the end nothing is left over.
 TEST(EntryLifetime, AnyMixOfStepsKeepsTheBooks) {
   struct Memory {
-    vm_address_t address = 0;
-    vm_address_t second = 0;
+    vm_address_t address = 0, second = 0;
     mach_port_t entry = 0;
     std::uint8_t mark = 0;
-    bool isLost = false;
-    bool wasShared = false;
+    bool isLost = false, wasShared = false;
   };
   const auto before = openDescriptors();
   std::mt19937 random(20);
@@ -93,17 +91,15 @@ TEST(EntryLifetime, AnyMixOfStepsKeepsTheBooks) {
     } else if (kind == 5 && memory.entry) {
       ASSERT_EQ(mach_port_deallocate(self, memory.entry), KERN_SUCCESS);
       memory.entry = 0;
-    } else if (kind == 6 && memory.address && memory.entry && random() % 4 == 0) {
+    } else if (kind == 6 && memory.address && memory.entry && step % 8 == 0) {
       vm_address_t probe = 0;
-      if (random() % 2 == 0) {
-        memory.wasShared = true;
-        ASSERT_EQ(mapEntry(memory.entry, &probe, page), KERN_SUCCESS);
-        ASSERT_EQ(mach_munmap(bytesAt(probe), page), 0);
-      } else if (!memory.second) {
-        ASSERT_EQ(munmap(bytesAt(memory.address), size), 0);
-        memory.address = 0;
-        memory.isLost = !memory.wasShared;
-      }
+      memory.wasShared = true;
+      ASSERT_EQ(mapEntry(memory.entry, &probe, page), KERN_SUCCESS);
+      ASSERT_EQ(mach_munmap(bytesAt(probe), page), 0);
+    } else if (kind == 6 && memory.address && memory.entry && !memory.second && step % 8 == 4) {
+      ASSERT_EQ(munmap(bytesAt(memory.address), size), 0);
+      memory.address = 0;
+      memory.isLost = !memory.wasShared;
     }
   }
   for (const Memory& memory : all) {

@@ -70,29 +70,6 @@ int memoryFile(vm_size_t size, int seals) {
 
 constexpr int goodSeals = F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL;
 
-TEST(EntrySocket, AnotherProcessReadsAndChangesTheSameMemory) {
-  SocketPair pair;
-  const vm_address_t address = allocated(5 * page);
-  std::memset(bytesAt(address), 3, 5 * page);
-  const mach_port_t entry = entryOf(address, 5 * page);
-  ASSERT_EQ(mach_send_memory_entry(pair.ours(), entry, "note", 4), KERN_SUCCESS);
-  const ChildResult child = RunInChild([&pair] {
-    const Received received = receive(pair.theirs());
-    if (received.result != KERN_SUCCESS || received.size != 5 * page || received.note != "note") return 1;
-    vm_address_t mapped = 0;
-    if (mapEntry(received.entry, &mapped, received.size) != KERN_SUCCESS) return 2;
-    for (vm_size_t i = 0; i < 5 * page; ++i) {
-      if (bytesAt(mapped)[i] != 3) return 3;
-    }
-    bytesAt(mapped)[4 * page] = 200;
-    return 0;
-  });
-  EXPECT_TRUE(child.exitedWith(0)) << child.status;
-  EXPECT_EQ(bytesAt(address)[4 * page], 200);
-  EXPECT_EQ(bytesAt(address)[0], 3);
-  release({entry}, {{address, 5 * page}});
-}
-
 TEST(EntrySocket, PeerCanNeitherShrinkNorGrowNorUnsealTheMemory) {
   SocketPair pair;
   const vm_address_t address = allocated(4 * page);

@@ -6,15 +6,9 @@
 
 namespace {
 
-class GuardPagesTest : public testing::Test {
- protected:
-  void SetUp() override {
-    if (!kHasAddressSanitizer) GTEST_SKIP() << "guards stand in builds with the address sanitizer alone";
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
-  }
-};
-
-TEST_F(GuardPagesTest, StopWhoeverRunsPastMemorySharedOrNotAndGoWithTheLastPage) {
+TEST(GuardPagesTest, StopWhoeverRunsPastMemorySharedOrNotAndGoWithTheLastPage) {
+  if (!kHasAddressSanitizer) GTEST_SKIP() << "guards stand in builds with the address sanitizer alone";
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
   for (const vm_size_t size : {page, 3 * page, 600 * page}) {
     const vm_address_t address = allocated(size);
     volatile std::uint8_t* const bytes = bytesAt(address);
@@ -31,7 +25,7 @@ TEST_F(GuardPagesTest, StopWhoeverRunsPastMemorySharedOrNotAndGoWithTheLastPage)
   }
 }
 
-TEST_F(GuardPagesTest, PoisonEndsWhenMemoryIsGivenBackOrShared) {
+TEST(GuardPagesTest, PoisonEndsWhenMemoryIsGivenBackOrShared) {
   const vm_size_t size = 64 * page;
   mach_limit_kept_memory(size);
   const vm_address_t address = allocated(size);

@@ -116,6 +116,15 @@ TEST_F(KeptMemoryTest, WhatIsMissingOrSomebodyElsesIsNotKept) {
     EXPECT_FALSE(isMapped(taken, page));
   }
   EXPECT_EQ(mach_release_kept_memory(), 0u);
+  // Memory that is kept may come to lie where an entry's memory was.
+  const vm_address_t lost = filled(small), other = filled(small);
+  const mach_port_t entry = entryOf(lost, small);
+  ASSERT_EQ(munmap(bytesAt(lost), small), 0);
+  giveBack(other, small);
+  vm_address_t mapped = 0;
+  EXPECT_EQ(mapEntry(entry, &mapped, small), KERN_INVALID_ADDRESS);
+  release({entry}, {});
+  EXPECT_EQ(mach_release_kept_memory(), small);
   char byte = 0;
   EXPECT_EQ(pread(file, &byte, 1, 0), 1);
   EXPECT_EQ(byte, 5) << "nothing was cleared through it";

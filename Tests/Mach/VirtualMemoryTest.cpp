@@ -75,8 +75,10 @@ TEST(MemoryEntry, RefusesWhatItCannotName) {
 
 TEST(MemoryEntry, CostsNoDescriptorUntilItIsMapped) {
   const auto before = openDescriptors();
-  std::vector<std::pair<vm_address_t, mach_port_t>> all(50);
+  std::vector<std::pair<vm_address_t, mach_port_t>> all(10000);
   for (auto& [address, entry] : all) entry = entryOf(address = allocated(page), page);
+  for (std::size_t i = 0; i < all.size(); ++i) bytesAt(all[i].first)[page - 1] = static_cast<std::uint8_t>(i);
+  for (std::size_t i = 0; i < all.size(); ++i) ASSERT_EQ(bytesAt(all[i].first)[page - 1], i % 256);
   EXPECT_EQ(openDescriptors(), before);
   const vm_address_t place = placeOf(all[7].second, page);
   EXPECT_EQ(openDescriptors(), before + 1);

@@ -56,12 +56,9 @@ TEST_F(NodeManagerInHome, LoadsTheHomeFolderOnFirstUseAndListsByKind) {
   manager->addEffectsWithProtocol("filter", names);
   EXPECT_EQ(names.front(), "kept");
   EXPECT_EQ(Names(names.begin() + 1, names.end()), manager->filterNames());
-}
-
-TEST_F(NodeManagerInHome, APlugInFindsTheManagerThatIsBeingMade) {
-  const PropertyList* attributes = VRTNodeManager::manager()->nodeAttributesWithName("Searching Shared");
+  const PropertyList* attributes = manager->nodeAttributesWithName("Searching Shared");
   ASSERT_NE(attributes, nullptr);
-  EXPECT_TRUE(attributes->find("managerIsShared")->boolValue());
+  EXPECT_TRUE(attributes->find("managerIsShared")->boolValue()) << "a plug-in finds the manager that is being made";
 }
 
 TEST_F(NodeManagerInHome, CompatibilityClassMakesNoSecondManager) {
@@ -99,26 +96,19 @@ TEST_F(NodeManagerInHome, TakesKindsFromTheSharedManagerAndNamesFromItself) {
   EXPECT_TRUE(has(other->filterNames(), "Filter There"));
 }
 
-TEST_F(NodeManagerInHome, ASubclassMayMakeTheInstances) {
+TEST_F(NodeManagerInHome, ASubclassMayMakeTheInstancesAndSamplerSlotsKeepNothingAlive) {
   const auto manager = std::make_shared<Instantiating>();
   ASSERT_TRUE(manager->initWithNamespace("org.vorto.test.instantiating"));
   EXPECT_NE(manager->nodeInstanceWithName("Own"), nullptr);
   manager->registerNodeWithName("Registered", {}, plainPatch);
   EXPECT_EQ(manager->nodeInstanceWithName("Registered"), nullptr) << "used instead of the table";
   EXPECT_EQ(manager->wanted, "Registered");
-}
 
-TEST_F(NodeManagerInHome, SamplerSlotsKeepNothingAlive) {
-  const auto manager = VRTNodeManager::manager();
-  auto sampler = std::make_shared<QCColor>();
-  manager->setImageSampler(sampler.get());
-  manager->setInputSampler(sampler.get());
-  EXPECT_EQ(manager->imageSampler(), sampler.get());
-  EXPECT_EQ(manager->inputSampler(), sampler.get());
-  EXPECT_EQ(sampler.use_count(), 1);
-  manager->setImageSampler(nullptr);
-  EXPECT_EQ(manager->imageSampler(), nullptr);
-  manager->setInputSampler(nullptr);
+  const auto image = std::make_shared<QCColor>(), input = std::make_shared<QCColor>();
+  manager->setImageSampler(image.get());
+  manager->setInputSampler(input.get());
+  EXPECT_TRUE(manager->imageSampler() == image.get() && manager->inputSampler() == input.get());
+  EXPECT_EQ(image.use_count() + input.use_count(), 2);
 }
 
 TEST(NodeManagerWithoutHome, IsStillMade) {

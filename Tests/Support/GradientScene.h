@@ -28,17 +28,14 @@ class GradientScene : public EditorScene {
 
   static std::shared_ptr<VRTGradient> gradientAt(const std::vector<double>& positions) {
     PropertyList colors = PropertyList::array(), opacities = PropertyList::array();
-    const auto add = [](PropertyList& list, std::initializer_list<double> reals) {
-      for (const double real : reals) list.append(PropertyList::real(real));
-    };
     double shade = 0.1;
     for (const double position : positions) {
-      add(colors, {position, 0.5});
-      colors.append(PropertyList::integer(VRTGradientSmooth));
-      add(colors, {shade, 0.5, 1 - shade});
-      add(opacities, {position, 0.5});
-      opacities.append(PropertyList::integer(VRTGradientSmooth));
-      add(opacities, {1 - shade / 2});
+      for (PropertyList* samples : {&colors, &opacities}) {
+        for (const double real : {position, 0.5}) samples->append(PropertyList::real(real));
+        samples->append(PropertyList::integer(VRTGradientSmooth));
+      }
+      for (const double real : {shade, 0.5, 1 - shade}) colors.append(PropertyList::real(real));
+      opacities.append(PropertyList::real(1 - shade / 2));
       shade += 0.2;
     }
     auto gradient = VRTGradient::gradient();

@@ -177,43 +177,6 @@ TEST(Bitmap, ConvertsBetweenYUVAndARGB) {
     EXPECT_EQ(bytesOf(*yuv), expected) << "RGBA8 is no partner";
     EXPECT_EQ(bytesOf(*rgba), Bytes(rgba->allocSize));
   }
-  const Bitmap yuv = made(4, 1, 2), argb = made(4, 1, 1);
-  const std::uint8_t pairs[] = {128, 16, 128, 235, 0, 255, 255, 255};
-  const std::uint8_t colors[] = {255, 0, 0, 0, 255, 254, 254, 254, 255, 255, 225, 20, 255, 255, 225, 20};
-  yuv->setData(pairs);
-  argb->copy(*yuv);
-  EXPECT_EQ(std::memcmp(argb->data, colors, sizeof colors), 0);
-}
-
-TEST(BitmapMemory, TenThousandBitmapsNeedNoDescriptors) {
-  rlimit limit;
-  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
-  limit.rlim_cur = 1024;
-  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
-  const auto before = openDescriptors();
-  std::vector<Bitmap> bitmaps;
-  for (int i = 0; i < 10000; ++i) {
-    bitmaps.emplace_back(TCCreateBitmap(16, 16, 0));
-    ASSERT_NE(bitmaps.back()->data, nullptr) << i;
-    std::memset(bitmaps.back()->data, i, 1024);
-  }
-  EXPECT_EQ(openDescriptors(), before);
-  for (int i = 0; i < 10000; ++i) ASSERT_EQ(bitmaps[i]->data[1023], static_cast<std::uint8_t>(i));
-  bitmaps.clear();
-  EXPECT_EQ(openDescriptors(), before);
-}
-
-TEST(BitmapMemory, IsMappedAgainWithItsPixels) {
-  const Bitmap bitmap = made(100, 100, 9);
-  const Bytes pixels = fill(*bitmap, 8);
-  std::uint8_t* const address = bitmap->data;
-  bitmap->mapIntoMemory();
-  EXPECT_EQ(bitmap->data, address) << "it was there already";
-  bitmap->unmapFromMemory();
-  EXPECT_TRUE(!bitmap->data && bitmap->memoryEntry != 0);
-  bitmap->mapIntoMemory();
-  ASSERT_NE(bitmap->data, nullptr);
-  EXPECT_EQ(std::memcmp(bitmap->data, pixels.data(), bitmap->getSize()), 0);
 }
 
 int callbackCalls = 0;
@@ -283,12 +246,20 @@ TEST(BitmapSharing, AnotherProcessReadsAndChangesThePixels) {
   SocketPair sockets;
   const Bitmap bitmap = made(640, 480, 4);
   const Bytes pixels = fill(*bitmap, 9);
-  std::uint8_t* const address = bitmap->data;
+  std::uint8_t* address = bitmap->data;
   ASSERT_EQ(TCSendBitmap(*bitmap, sockets.ours()), 0);
   const ChildResult child = RunInChild([&] { return receiveAndChange(sockets.theirs(), pixels); });
   EXPECT_TRUE(child.exitedWith(0)) << child.status;
   EXPECT_EQ(bitmap->data, address);
-  EXPECT_EQ(std::count(address, address + bitmap->getSize(), 0xEE), bitmap->getSize());
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_EQ(std::count(bitmap->data, bitmap->data + bitmap->getSize(), 0xEE), bitmap->getSize());
+    bitmap->mapIntoMemory();
+    EXPECT_EQ(bitmap->data, address) << "it was there already";
+    bitmap->unmapFromMemory();
+    EXPECT_TRUE(!bitmap->data && bitmap->memoryEntry != 0);
+    bitmap->mapIntoMemory();
+    ASSERT_NE(address = bitmap->data, nullptr);
+  }
 }
 
 // Each lie is refused before it is sent, unless it is about the memory itself, and by whoever receives it all the same.

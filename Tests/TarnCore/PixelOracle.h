@@ -90,16 +90,9 @@ inline std::size_t bytesOf(Number number) {
 
 // 0 to 1 for integers.
 inline float read(Number number, From at) {
-  switch (number) {
-    case Number::Byte:
-      return static_cast<float>(*at / 255.0);
-    case Number::Word:
-      return static_cast<float>(load<std::uint16_t>(at) / 65535.0);
-    case Number::Half:
-      return valueOfHalf(load<std::uint16_t>(at));
-    default:
-      return load<float>(at);
-  }
+  if (number == Number::Byte) return static_cast<float>(*at / 255.0);
+  if (number == Number::Word) return static_cast<float>(load<std::uint16_t>(at) / 65535.0);
+  return number == Number::Half ? valueOfHalf(load<std::uint16_t>(at)) : load<float>(at);
 }
 
 // The integer of 0 to `largest` that a product rounds to: halves and what lies within 1e-7 below them upward; NaN is 0.
@@ -110,16 +103,10 @@ inline std::uint32_t rounded(double product, std::uint32_t largest) {
 }
 
 inline void write(Number number, To at, float v) {
-  switch (number) {
-    case Number::Byte:
-      return store(at, static_cast<std::uint8_t>(rounded(255.0f * v, 255)));
-    case Number::Word:
-      return store(at, static_cast<std::uint16_t>(rounded(65535.0f * v, 65535)));
-    case Number::Half:
-      return store(at, nearestHalf(v));
-    default:
-      return store(at, v);
-  }
+  if (number == Number::Byte) store(at, static_cast<std::uint8_t>(rounded(255.0f * v, 255)));
+  if (number == Number::Word) store(at, static_cast<std::uint16_t>(rounded(65535.0f * v, 65535)));
+  if (number == Number::Half) store(at, nearestHalf(v));
+  if (number == Number::Float) store(at, v);
 }
 
 // Whether two stored numbers are equal bit for bit, or neither is one.

@@ -24,6 +24,7 @@ struct Mapping {
   unsigned long long device = 0;
   unsigned long long inode = 0;
   bool isLeftOutOfDumps = false;
+  bool isWipedOnFork = false;
 };
 
 struct CloseFile {
@@ -46,6 +47,7 @@ class MappingReader {
         isInside = readHead(line, &mapping);
       } else if (std::strncmp(line, "VmFlags:", 8) == 0) {  // the last line of a mapping
         mapping.isLeftOutOfDumps = std::strstr(line, " dd") != nullptr;
+        mapping.isWipedOnFork = std::strstr(line, " wf") != nullptr;
         return mapping;
       }
     }
@@ -63,8 +65,7 @@ class MappingReader {
                 permissions[0] == 'r' && permissions[1] == 'w',
                 permissions[3] == 's',
                 makedev(major, minor),
-                inode,
-                false};
+                inode};
     return true;
   }
 
@@ -88,9 +89,11 @@ kern_return_t checkCovered(const Range& range, Test test) {
 
 }  // namespace
 
+// Memory that is kept for the next owner may have been moved to where ours was; as long as it is, forks get none of it.
 kern_return_t checkAllocatedMemory(const Range& range) {
   return checkCovered(range, [](const Mapping& mapping) {
-    return mapping.isReadWrite && !mapping.isShared && mapping.inode == 0 && mapping.isLeftOutOfDumps;
+    return mapping.isReadWrite && !mapping.isShared && mapping.inode == 0 && mapping.isLeftOutOfDumps &&
+           !mapping.isWipedOnFork;
   });
 }
 

@@ -115,73 +115,6 @@ bool flipAborts(const VortoBitmap& destination, const VortoBitmap& source) {
   return !(destination.formatCode == VortoPixelFormat::ARGB8 && source.formatCode == VortoPixelFormat::YUV8);
 }
 
-using V = VortoBitmap;
-
-void runInPlace(std::uint32_t operation, V& bitmap, Input& in) {
-  static const std::function<void(V&, Input&, const VortoColor&)> operations[] = {
-      [](V& b, Input&, auto&) { b.invertAlpha(); },
-      [](V& b, Input& i, auto&) { b.setConstantAlpha(i.byte() / 200.0); },
-      [](V& b, Input&, auto&) { b.duplicateAlphaToRGB(); },
-      [](V& b, Input&, auto& background) { b.unpremultiply(background); },
-      [](V& b, Input&, auto&) { b.preMult(); },
-      [](V& b, Input&, auto&) { b.unPreMult(); },
-      [](V& b, Input&, auto&) { b.convertToARGB(); },
-      [](V& b, Input&, auto&) { b.convertToRGBA(); },
-      [](V& b, Input&, auto&) { b.flip(); },
-      [](V& b, Input& i, auto& color) { b.doOutputConversion(i.byte() & 1, i.byte() & 1, i.byte() & 1, color); },
-  };
-  operations[operation](bitmap, in, VortoColor(static_cast<float>(in.byte()) / 255, 0.5f, 0.25f, 1.0f));
-}
-
-struct Arguments {
-  explicit Arguments(Input& in)
-      : input(in),
-        background(0.5f, static_cast<float>(in.byte()) / 255, 0.25f, 1.0f),
-        x(static_cast<int>(in.number())),
-        y(static_cast<int>(in.number())) {}
-  Input& input;
-  VortoColor background;
-  int x, y;
-};
-
-void runCopy(std::uint32_t operation, V& to, const V& from, Input& input) {
-  static const std::function<void(V&, const V&, Arguments&)> operations[] = {
-      [](V& t, const V& f, auto&) { t.copy(f); },
-      [](V& t, const V& f, auto&) { flipAborts(t, f) ? void() : t.copyWithFlip(f); },
-      [](V& t, const V& f, auto&) { rowBytes(t) != rowBytes(f) ? void() : t.copyWithFlipAndSwizzleARGBtoRGBA(f); },
-      [](V& t, const V& f, auto&) { t.copyWithSwizzleARGBToRGBA(f); },
-      [](V& t, const V& f, auto&) { t.copyWithSwizzleRGBToARGB(f); },
-      [](V& t, const V& f, auto& a) { t.copyWithCropping(f, a.x, a.y, a.input.byte() & 1); },
-      [](V& t, const V& f, auto& a) { t.copyWithCropping(f, -a.x, -a.y, a.input.byte() & 1); },
-      [](V& t, const V& f, auto& a) { t.copyWithUnPreMult(f, a.background); },
-      [](V& t, const V& f, auto&) { V::convertYUVtoRGBA(&t, &f); },
-      [](V& t, const V& f, auto&) { V::convertRGBAtoYUV(&t, &f); },
-      [](V& t, const V& f, auto&) { t.copyWithScaling(f); },
-      [](V& t, const V& f, auto&) { t.copyWithScalingAndDepthConversion(f); },
-  };
-  Arguments arguments(input);
-  operations[operation](to, from, arguments);
-}
-
-void runOnBorrowed(Input& input) {
-  const GuardedMemory first(GuardedMemory::sizeFrom(input), input);
-  const bool isShared = input.byte() > 200;
-  const GuardedMemory second(isShared ? 0 : GuardedMemory::sizeFrom(input), input);
-  const std::size_t skipped = isShared && first.size > 0 ? input.number() % first.size : 0;
-  BorrowedBitmap to(first, 0, input);
-  BorrowedBitmap from(isShared ? first : second, skipped, input);
-  for (int i = 0; i < 4; ++i) {
-    const std::uint32_t operation = input.byte() % 24;
-    if (operation < 10) {
-      runInPlace(operation, to, input);
-    } else if (operation < 22) {
-      runCopy(operation - 10, to, from, input);
-    } else {
-      runCopy(input.byte() % 12, to, to, input);  // the same bitmap on both sides
-    }
-  }
-}
-
 // The descriptor of a bitmap that does not take long to fill, unless its size wraps.
 void describeModestly(VortoBitmap& bitmap, Input& input) {
   describe(bitmap, input);
@@ -201,30 +134,76 @@ std::vector<std::uint8_t> pixelsFor(const VortoBitmap& bitmap) {
   return std::vector<std::uint8_t>(std::min<std::uint64_t>(size, bitmap.accessibleBytes()), 0x33);
 }
 
-void runOwning(std::uint32_t operation, V& to, const V& from, Input& input) {
-  static const std::function<void(V&, const V&, Input&)> operations[] = {
-      [](V& t, const V& f, Input&) { t.clone(f); },
-      [](V& t, const V& f, Input& i) {
-        t.copyWithOutputConversion(f, i.byte() & 1, i.byte() & 1, i.byte() & 1, VortoColor(0.5f, 0.5f, 0.25f, 1.0f));
-      },
-      [](V& t, const V&, Input&) { t.setData(pixelsFor(t).data()); },
-      [](V& t, const V&, Input&) { t.clear(); },
-      [](V& t, const V&, Input&) {
-        t.mapIntoMemory();
-        t.unmapFromMemory();
-        t.mapIntoMemory();
-      },
-      [](V&, const V& f, Input& i) {
+using V = VortoBitmap;
+
+// What an operation takes from the input before it runs: in-place ones a color, copies a place too.
+struct Arguments {
+  Arguments(Input& in, std::uint32_t operation) : input(in) {
+    if (operation < 22) background.c1 = static_cast<float>(in.byte()) / 255;
+    if (operation < 10 || operation >= 22) return;
+    x = static_cast<int>(in.number());
+    y = static_cast<int>(in.number());
+  }
+  bool flag() const { return input.byte() & 1; }
+  Input& input;
+  VortoColor background{0.5f, 0.5f, 0.25f, 1.0f};
+  int x = 0, y = 0;
+};
+
+// The first 10 change a bitmap in place, the next 12 copy into it, and the last 8 do something about its memory.
+void run(std::uint32_t operation, V& to, const V& from, Input& input) {
+  static const std::function<void(V&, const V&, const Arguments&)> operations[] = {
+      [](V& t, auto&, auto&) { t.invertAlpha(); },
+      [](V& t, auto&, auto& a) { t.setConstantAlpha(a.input.byte() / 200.0); },
+      [](V& t, auto&, auto&) { t.duplicateAlphaToRGB(); },
+      [](V& t, auto&, auto& a) { t.unpremultiply(a.background); },
+      [](V& t, auto&, auto&) { t.preMult(); },
+      [](V& t, auto&, auto&) { t.unPreMult(); },
+      [](V& t, auto&, auto&) { t.convertToARGB(); },
+      [](V& t, auto&, auto&) { t.convertToRGBA(); },
+      [](V& t, auto&, auto&) { t.flip(); },
+      [](V& t, auto&, auto& a) { t.doOutputConversion(a.flag(), a.flag(), a.flag(), a.background); },
+
+      [](V& t, auto& f, auto&) { t.copy(f); },
+      [](V& t, auto& f, auto&) { flipAborts(t, f) ? void() : t.copyWithFlip(f); },
+      [](V& t, auto& f, auto&) { rowBytes(t) != rowBytes(f) ? void() : t.copyWithFlipAndSwizzleARGBtoRGBA(f); },
+      [](V& t, auto& f, auto&) { t.copyWithSwizzleARGBToRGBA(f); },
+      [](V& t, auto& f, auto&) { t.copyWithSwizzleRGBToARGB(f); },
+      [](V& t, auto& f, auto& a) { t.copyWithCropping(f, a.x, a.y, a.flag()); },
+      [](V& t, auto& f, auto& a) { t.copyWithCropping(f, -a.x, -a.y, a.flag()); },
+      [](V& t, auto& f, auto& a) { t.copyWithUnPreMult(f, a.background); },
+      [](V& t, auto& f, auto&) { V::convertYUVtoRGBA(&t, &f); },
+      [](V& t, auto& f, auto&) { V::convertRGBAtoYUV(&t, &f); },
+      [](V& t, auto& f, auto&) { t.copyWithScaling(f); },
+      [](V& t, auto& f, auto&) { t.copyWithScalingAndDepthConversion(f); },
+
+      [](V& t, auto& f, auto&) { t.clone(f); },
+      [](V& t, auto& f, auto& a) { t.copyWithOutputConversion(f, a.flag(), a.flag(), a.flag(), a.background); },
+      [](V& t, auto&, auto&) { t.setData(pixelsFor(t).data()); },
+      [](V& t, auto&, auto&) { t.clear(); },
+      [](V& t, auto&, auto&) { t.mapIntoMemory(), t.unmapFromMemory(), t.mapIntoMemory(); },
+      [](V&, auto& f, auto& a) {
         V copied(f);
-        runInPlace(i.byte() % 10, copied, i);
+        run(a.input.byte() % 10, copied, copied, a.input);
       },
-      [](V& t, const V&, Input&) { t.deallocateMemory(); },
-      [](V& t, const V&, Input& i) {
-        describeModestly(t, i);
-        t.allocateMemory();
-      },
+      [](V& t, auto&, auto&) { t.deallocateMemory(); },
+      [](V& t, auto&, auto& a) { describeModestly(t, a.input), t.allocateMemory(); },
   };
-  operations[operation](to, from, input);
+  operations[operation](to, from, Arguments(input, operation));
+}
+
+void runOnBorrowed(Input& input) {
+  const GuardedMemory first(GuardedMemory::sizeFrom(input), input);
+  const bool isShared = input.byte() > 200;
+  const GuardedMemory second(isShared ? 0 : GuardedMemory::sizeFrom(input), input);
+  const std::size_t skipped = isShared && first.size > 0 ? input.number() % first.size : 0;
+  BorrowedBitmap to(first, 0, input);
+  BorrowedBitmap from(isShared ? first : second, skipped, input);
+  for (int i = 0; i < 4; ++i) {
+    const std::uint32_t operation = input.byte() % 24;
+    const bool isOne = operation >= 22;  // the same bitmap on both sides
+    run(isOne ? 10 + input.byte() % 12 : operation, to, isOne ? to : from, input);
+  }
 }
 
 void runOnOwned(Input& input) {
@@ -236,14 +215,7 @@ void runOnOwned(Input& input) {
   for (int i = 0; i < 6; ++i) {
     VortoBitmap& to = input.byte() & 1 ? first : second;
     VortoBitmap& from = input.byte() < 220 ? (&to == &first ? second : first) : to;
-    const std::uint32_t operation = input.byte() % 30;
-    if (operation < 10) {
-      runInPlace(operation, to, input);
-    } else if (operation < 22) {
-      runCopy(operation - 10, to, from, input);
-    } else {
-      runOwning(operation - 22, to, from, input);
-    }
+    run(input.byte() % 30, to, from, input);
   }
 }
 
