@@ -171,7 +171,9 @@ void printList() {
     if (names.empty()) continue;
     printText(std::string(first ? "" : "\n") + effectKindPlural(kind) + "\n");
     first = false;
-    for (const std::string& name : names) printEffect(name, *makeEffect(name), kind);
+    for (const std::string& name : names) {
+      if (const auto effect = describedEffect(name)) printEffect(name, *effect, kind);
+    }
   }
   if (first) printText("No effects were found.\n");
 }
@@ -182,7 +184,9 @@ void printJson() {
   for (const EffectKind kind : kEffectKinds) {
     json.key(effectKindKey(kind));
     json.beginArray();
-    for (const std::string& name : effectNames(kind)) writeEffect(json, name, *makeEffect(name), kind);
+    for (const std::string& name : effectNames(kind)) {
+      if (const auto effect = describedEffect(name)) writeEffect(json, name, *effect, kind);
+    }
     json.endArray();
   }
   json.endObject();
