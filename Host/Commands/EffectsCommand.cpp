@@ -170,14 +170,14 @@ void writeEffect(JsonWriter& json, const std::string& name, const QCPatch& patch
 template <class Use>
 void forEachEffect(EffectKind kind, Use use) {
   for (const std::string& name : effectNames(kind)) {
-    std::shared_ptr<QCPatch> patch;
+    std::shared_ptr<const QCPatch> effect = describedEffect(name);
     try {
-      patch = makeEffect(name);
+      if (!effect) effect = makeEffect(name);  // which says what is wrong
     } catch (const Failure& failure) {
       std::fprintf(stderr, "vorto: %s\n", printable(failure.what()).c_str());
       continue;
     }
-    use(name, *patch);
+    use(name, *effect);
   }
 }
 

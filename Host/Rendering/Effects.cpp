@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <set>
 #include <sstream>
 
 namespace host {
@@ -60,9 +61,10 @@ const std::string* knownName(const std::string& name, const std::vector<std::str
 
 std::vector<std::string> allEffectNames() {
   std::vector<std::string> names;
+  std::set<std::string> seen;
   for (const EffectKind kind : kEffectKinds) {
     for (const std::string& name : effectNames(kind)) {
-      if (std::find(names.begin(), names.end(), name) == names.end()) names.push_back(name);
+      if (seen.insert(name).second) names.push_back(name);
     }
   }
   return names;
@@ -126,6 +128,10 @@ std::shared_ptr<QCPatch> makeEffect(const std::string& name) {
                   "the effect \"" + *known + "\" could not be made" + (path.empty() ? "" : ", from " + path));
   }
   return patch;
+}
+
+std::shared_ptr<const QCPatch> describedEffect(const std::string& name) {
+  return VRTNodeManager::manager()->nodeDescriptionWithName(name);
 }
 
 std::vector<EffectKind> effectKindsOf(const QCPatch& patch) {

@@ -30,6 +30,9 @@ std::vector<std::string> effectNames(EffectKind kind);
 // effect's, with the names that are close to it.
 std::shared_ptr<QCPatch> makeEffect(const std::string& name);
 
+// What one of effectNames() looks like; null when it cannot be made.
+std::shared_ptr<const QCPatch> describedEffect(const std::string& name);
+
 // The kinds of an effect, and the ports that play a role in one of them.
 std::vector<EffectKind> effectKindsOf(const QCPatch& patch);
 struct EffectRoles {

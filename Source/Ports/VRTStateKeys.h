@@ -9,6 +9,7 @@
 #include <string>
 
 // The persisted form of gradients and levels: what the keys of their state dictionaries are and what stands under them.
+// Numbers are written as numbers; text that begins with one is read as that.
 namespace VRTStateKeys {
 
 // What the numbers of a gradient sample mean, by their place in it. Interpolation is an integer (0 constant, 1 linear,

@@ -92,38 +92,25 @@ INSTANTIATE_TEST_SUITE_P(Host, SavedDocument,
 TEST(State, TextsAndBareStatesAreReadAsTheyAreMeant) {
   const TemporaryFolder folder;
   const auto at = [&](const std::string& name) { return folder.path() + "/" + name; };
-  const auto list = [](const std::string& contents) { return "<plist version=\"1.0\">" + contents + "</plist>"; };
   const std::string saved = readFile(document("levels"));
   writeFile(at("text.plist"), std::regex_replace(saved, std::regex("(real|integer)>"), "string>"));
   vortoSucceeds({"state", document("levels"), "--convert", "xml", "--form", "archive", "--output", at("archive")});
-  const std::string archive = readFile(at("archive"));
-  writeFile(at("texts"), std::regex_replace(archive, std::regex("<real>([^<]*)</real>"), "<string>$1 x</string>"));
+  writeFile(at("texts"),
+            std::regex_replace(readFile(at("archive")), std::regex("<real>([^<]*)</real>"), "<string>$1 x</string>"));
   const std::string wanted = parsed(vortoSucceeds({"state", document("levels"), "--json"}).out)["state"].dump();
   for (const char* each : {"text.plist", "texts"}) {
     EXPECT_EQ(parsed(vortoSucceeds({"state", at(each), "--json"}).out)["state"].dump(), wanted) << each;
   }
-  const std::string node = "<key>identifier</key><string>n</string><key>name</key><string>Levels</string>";
-  const auto composition = [&](const std::string& name, const std::string& state) {
-    writeFile(at(name + ".qtz"),
-              list("<dict><key>formatVersion</key><integer>1</integer><key>attributes</key><dict><key>protocols</key>"
-                   "<dict><key>filter</key><dict><key>inputImagePort</key><string>i</string><key>outputImagePort</key>"
-                   "<string>o</string></dict></dict></dict><key>nodes</key><array><dict>" +
-                   node + "<key>values</key><dict><key>inputLevels</key>" + state +
-                   "</dict></dict></array><key>inputs</key>"
-                   "<array><dict><key>key</key><string>i</string><key>node</key><string>n</string><key>port</key>"
-                   "<string>inputImage</string></dict></array><key>outputs</key><array><dict><key>key</key><string>o"
-                   "</string><key>node</key><string>n</string><key>port</key><string>outputImage</string></dict>"
-                   "</array></dict>"));
+  const auto composition = [&](const std::string& name, const std::string& list) {
+    const std::size_t start = list.find("<dict");
+    writeFile(at(name + ".qtz"), replaced(readFile(VORTO_TEST_DOCUMENTS "/levels-composition.txt"), "STATE",
+                                          list.substr(start, list.rfind("</plist>") - start)));
   };
-  const auto dictionaryIn = [](const std::string& text) {
-    const std::size_t start = text.find("<dict>");
-    return text.substr(start, text.rfind("</dict>") + 7 - start);
-  };
-  composition("Numbers", dictionaryIn(saved));
-  composition("Texts", dictionaryIn(readFile(at("text.plist"))));
-  composition("Bare", "<dict/>");
-  writeFile(at("bare.plist"), list("<dict/>"));
-  writeFile(at("channel.plist"), list("<dict><key>selectedChannel</key><integer>2</integer></dict>"));
+  writeFile(at("bare.plist"), "<plist version=\"1.0\"><dict/></plist>");
+  writeFile(at("channel.plist"), "<plist><dict><key>selectedChannel</key><integer>2</integer></dict></plist>");
+  composition("Numbers", saved);
+  composition("Texts", readFile(at("text.plist")));
+  composition("Bare", readFile(at("bare.plist")));
   RunOptions options;
   options.environment = {"VORTO_PLUGIN_PATH=" + folder.path()};
   writeTiff(at("in.tif"), variedImage(19, 7, 16));

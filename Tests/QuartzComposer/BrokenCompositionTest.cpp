@@ -125,6 +125,7 @@ TEST(BrokenCompositions, CheckingManyMakesNoMoreNodesThanTheyName) {
   load(*manager, composition("Inner", std::vector<std::string>(1023, "Counted")));
   for (int i = 0; i < 300; ++i) load(*manager, composition(("Outer " + std::to_string(i)).c_str(), {3, "Inner"}));
   EXPECT_EQ(manager->nodeNames().size(), 302u);
+  EXPECT_EQ(manager->nodeDescriptionWithName("Outer 299")->attributes().find("name")->stringValue(), "Outer 299");
   EXPECT_EQ(made, 1023);
   EXPECT_TRUE(manager->nodeInstanceWithName("Outer 299"));
   EXPECT_EQ(made, 1023 + 3 * 1023);

@@ -18,7 +18,8 @@
 //
 // A shared object comes back shared. What is refused, with a reason: references that lead nowhere or in a circle
 // through containers, nesting beyond PropertyListMaximumDepth, dictionaries whose keys are not strings, an object whose
-// initWithCoder() says no or throws.
+// initWithCoder() says no or throws. Archives that objects hold count towards one budget with the archive around them,
+// as do values that many objects share: twice as many values as one list may have.
 class TARN_EXPORT NSKeyedUnarchiver : public NSCoder {
  public:
   NSKeyedUnarchiver();

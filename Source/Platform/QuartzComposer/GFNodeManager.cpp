@@ -224,6 +224,12 @@ std::shared_ptr<QCPatch> GFNodeManager::nodeInstanceWithName(std::string_view na
   return entry ? QCMakeInstance(name, entry->factory) : nullptr;
 }
 
+std::shared_ptr<const QCPatch> GFNodeManager::nodeDescriptionWithName(std::string_view name) {
+  state_->resolve(*this);
+  const QCNodeEntry* entry = state_->table.find(name);
+  return entry && entry->shell ? entry->shell : nodeInstanceWithName(name);
+}
+
 std::string GFNodeManager::pathOfNodeWithName(std::string_view name) {
   state_->resolve(*this);
   const QCNodeEntry* entry = state_->table.find(name);

@@ -38,6 +38,9 @@ class TARN_EXPORT GFNodeManager : public NSObject {
   virtual const PropertyList* nodeAttributesWithName(std::string_view name);  // null when unknown
   // Null when unknown, and when the node's factory fails, which is said on standard error.
   virtual std::shared_ptr<QCPatch> nodeInstanceWithName(std::string_view name);
+  // What an instance looks like, to those who only read its attributes and ports: a composition without what is inside
+  // it, which takes less to make. Null where nodeInstanceWithName() returns null.
+  std::shared_ptr<const QCPatch> nodeDescriptionWithName(std::string_view name);
   std::string pathOfNodeWithName(std::string_view name);  // empty unless it came from a file
 
   // Loads every bundle ("plugin") and composition ("qtz") of a folder, extensions in the given order, files by name;
