@@ -82,16 +82,11 @@ const Ending kEndings[] = {
     {"window closed", [](auto& scene, auto&, auto&) { scene.window->close(); }},
     {"disabled", [](auto& scene, auto&, auto&) { scene.editor->setEnabled(false); }},
     {"window disabled", [](auto& scene, auto&, auto&) { scene.window->setEnabled(false); }},
-    {"taken out", [](auto& scene, auto&, auto&) { scene.gutter->setParent(nullptr); }, Then::Settled},
+    {"taken out", [](auto& scene, auto&, auto&) { scene.gutter->setParent(nullptr); }},
     {"keyboard gone",
      [](auto& scene, auto&, auto& gesture) { gesture.byMouse ? gesture.letGo(scene) : scene.gutter->clearFocus(); }},
     {"detached", [](auto& scene, auto&, auto&) { scene.attach(nullptr); }},
     {"another port", [](auto& scene, auto& other, auto&) { scene.attach(&other); }},
-    {"destroyed while it is detached",
-     [](auto& scene, auto&, auto&) {
-       scene.onNote = [&](const std::string&) { delete scene.editor; };
-       scene.attach(nullptr);
-     }},
     {"editor destroyed", [](auto& scene, auto&, auto&) { delete scene.editor; }, Then::Unsettled},
     {"gutter destroyed", [](auto& scene, auto&, auto&) { delete scene.gutter; }, Then::Unsettled},
     {"port gone",

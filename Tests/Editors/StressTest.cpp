@@ -3,7 +3,6 @@
 #include "Tests/Support/LevelsScene.h"
 
 #include <QAbstractButton>
-#include <QContextMenuEvent>
 #include <QDropEvent>
 #include <QElapsedTimer>
 #include <QMimeData>
@@ -36,7 +35,7 @@ class Round : public VRTGradientEditorDelegate {
 
   // Everything dies in the end; what was started has ended then.
   void run() {
-    for (int left = number(80); left > 0; --left) oneOf(events_);
+    for (int left = number(80); left > 0; --left) oneOf(events_)();
     depth_ = kDeepest;
     if (auto* picker = VRTTransientColorPicker::current()) picker->cancel();
     for (const QPointer<NSTarnView>& part : {scene_->editor, parts_[0], parts_[1]}) {
@@ -58,7 +57,11 @@ class Round : public VRTGradientEditorDelegate {
 
   int number(int below) { return int(random_() % unsigned(below)); }
   bool chance(int of) { return number(of) == 0; }
-  void oneOf(const Deeds& deeds) { deeds[std::size_t(number(int(deeds.size())))](); }
+  const Deeds::value_type& oneOf(const Deeds& deeds) { return deeds[std::size_t(number(int(deeds.size())))]; }
+  template <class Each>
+  Each oneOf(std::initializer_list<Each> some) {
+    return some.begin()[number(int(some.size()))];
+  }
 
   template <class Scene, class First, class Second>
   void make() {
@@ -70,7 +73,7 @@ class Round : public VRTGradientEditorDelegate {
   void react() {
     if (depth_ >= kDeepest || !chance(4)) return;
     ++depth_;
-    oneOf(chance(3) ? events_ : deeds_);
+    oneOf(chance(3) ? events_ : deeds_)();
     --depth_;
   }
 
@@ -79,20 +82,17 @@ class Round : public VRTGradientEditorDelegate {
     return scene_->gutter;
   }
   NSPoint place() {
-    const double stops[] = {0, 0.25, 0.5, 0.6, 1, number(100) / 100.0};
     const double width = part() ? scene_->gutter->width() - 10 : 200;
     const double row = chance(8) ? number(160) - 80 : number(24);
-    return {5 + std::round(width * stops[number(6)]) + number(3) - 1, row};
+    return {5 + std::round(width * oneOf({0.0, 0.25, 0.5, 0.6, 1.0, number(100) / 100.0})) + number(3) - 1, row};
   }
   Qt::KeyboardModifiers modifiers() {
-    const Qt::KeyboardModifiers some[] = {{}, {}, {}, Qt::ShiftModifier, Qt::ControlModifier, Qt::AltModifier};
-    return some[number(6)];
+    return chance(2) ? Qt::NoModifier : oneOf({Qt::ShiftModifier, Qt::ControlModifier, Qt::AltModifier});
   }
   Qt::MouseButton button() { return chance(3) ? Qt::RightButton : Qt::LeftButton; }
   int key() {
-    const int keys[] = {Qt::Key_Right,  Qt::Key_Left,   Qt::Key_Up,     Qt::Key_Home,  Qt::Key_End, Qt::Key_PageDown,
-                        Qt::Key_Delete, Qt::Key_Return, Qt::Key_Escape, Qt::Key_Shift, Qt::Key_Tab, Qt::Key_Backtab};
-    return keys[number(12)];
+    return oneOf({Qt::Key_Right, Qt::Key_Left, Qt::Key_Up, Qt::Key_Home, Qt::Key_End, Qt::Key_PageDown, Qt::Key_Delete,
+                  Qt::Key_Return, Qt::Key_Escape, Qt::Key_Shift, Qt::Key_Tab, Qt::Key_Backtab});
   }
   void mouse(QEvent::Type type, QWidget* widget, QPointF at, Qt::MouseButton button, Qt::MouseButtons held) {
     QMouseEvent event(type, at, widget->mapToGlobal(at), button, held, modifiers());
@@ -120,8 +120,8 @@ class Round : public VRTGradientEditorDelegate {
     if (scene_->gutter) QApplication::sendEvent(scene_->gutter, &dropped);
   }
   void clickButton() {
-    const char* names[] = {"rgbSpread", "rgbFlop", "alphaSpread", "alphaFlop"};
-    auto* found = scene_->window ? qobject_cast<QAbstractButton*>(scene_->part(names[number(4)])) : nullptr;
+    const char* name = oneOf({"rgbSpread", "rgbFlop", "alphaSpread", "alphaFlop"});
+    auto* found = scene_->window ? qobject_cast<QAbstractButton*>(scene_->part(name)) : nullptr;
     if (found) found->click();
   }
 
@@ -145,7 +145,7 @@ class Round : public VRTGradientEditorDelegate {
       [this] { clickButton(); },
       [this] { part() ? scene_->gutter->setAccessibilityValue(std::size_t(number(5)), number(11) / 10.0) : void(); },
       [this] { QCoreApplication::processEvents(); },
-      [this] { oneOf(deeds_); },
+      [this] { oneOf(deeds_)(); },
   };
   const Deeds deeds_ = {
       [this] {
@@ -183,17 +183,13 @@ class Round : public VRTGradientEditorDelegate {
   std::vector<NSNotificationCenter::Observation> observations_;
 };
 
-int setting(const char* name, int otherwise) {
-  return qEnvironmentVariableIsSet(name) ? qEnvironmentVariableIntValue(name) : otherwise;
-}
-
 }  // namespace
 
 TEST(Stress, EditorsSurviveRandomEventsAndWhoeverIsTold) {
   constexpr int kRounds = 200;
   const auto silence = qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
-  const int seconds = setting("VORTO_STRESS_SECONDS", 0);
-  auto seed = unsigned(setting("VORTO_STRESS_SEED", 1));
+  const int seconds = qEnvironmentVariableIntValue("VORTO_STRESS_SECONDS");
+  auto seed = unsigned(qEnvironmentVariableIntValue("VORTO_STRESS_SEED"));
   QElapsedTimer elapsed;
   elapsed.start();
   for (int rounds = 0; seconds ? elapsed.elapsed() < seconds * 1000 : rounds < kRounds; ++rounds, ++seed) {

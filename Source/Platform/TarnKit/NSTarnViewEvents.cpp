@@ -91,9 +91,6 @@ void NSTarnView::press(QMouseEvent* event, int clickCount) {
   if (!isLeft && (leftButtonDown_ || event->button() != Qt::RightButton)) return event->setAccepted(leftButtonDown_);
   event->accept();
   if (isInPress_) return;
-  const QPointer<NSTarnView> self(this);
-  tellRightPress();
-  if (!self) return;
   if (isLeft) return pressLeft(*event, clickCount);
   // Qt sends a context-menu event to the same widget afterwards, whether it still lives or not. So the press is told
   // with that event, which is the last one, or with this call, when no such event comes.
@@ -105,7 +102,8 @@ void NSTarnView::press(QMouseEvent* event, int clickCount) {
 
 void NSTarnView::pressLeft(const QMouseEvent& event, int clickCount) {
   const QPointer<NSTarnView> self(this);
-  NSMouseSession::begin(*this, event);
+  tellRightPress();
+  if (self) NSMouseSession::begin(*this, event);
   if (!self) return;
   const auto isHeld = [] { return QGuiApplication::mouseButtons().testFlag(Qt::LeftButton); };
   const bool wasHeld = isHeld();
