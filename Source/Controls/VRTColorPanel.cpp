@@ -172,7 +172,7 @@ VRTColorNumberEntry& VRTColorPanel::numberEntry(VRTColorComponent component) con
 }
 
 void VRTColorPanel::setColor(const NSColor& color) {
-  picked_.setColor(swatch_.kind() == Kind::color ? color : grayOf(color));
+  picked_.setColor(color);
   changed(nullptr);
 }
 
@@ -193,7 +193,7 @@ void VRTColorPanel::showColor(const VRTColorEntry* typedIn) {
 void VRTColorPanel::pickFromScreen() {
   sampler_ = std::make_unique<VRTColorSampler>(*this, [this](const std::optional<NSColor>& color) {
     sampler_.release()->deleteLater();
-    if (color) setColor(*color);
+    if (color) setColor(swatch_.kind() == Kind::color ? *color : grayOf(*color));
   });
 }
 
