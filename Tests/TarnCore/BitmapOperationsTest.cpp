@@ -211,16 +211,7 @@ TEST(BitmapCopies, FollowTheTable) {
   }
 }
 
-// Rows follow one another, so the upper half becomes the lower one, which then finds itself.
-TEST(BitmapCopies, FlippingItself) {
-  PageBitmap bitmap({8, 5}, 0);
-  Bytes expected = bitmap.bytes();
-  for (std::size_t i = 0; i < 64; ++i) expected[i] = expected[(4 - i / 32) * 32 + i % 32];
-  bitmap.copyWithFlip(bitmap);
-  EXPECT_EQ(bitmap.bytes(), expected);
-}
-
-TEST(BitmapCopies, FlippingConversion) {
+TEST(BitmapCopies, FlippingConversionAndItself) {
   for (const std::uint32_t width : {1u, 5u, 16u}) {
     const PageBitmap from({width, 6, 2}, 2);
     PageBitmap to({width, 6, 4}, 1, 2);
@@ -233,41 +224,40 @@ TEST(BitmapCopies, FlippingConversion) {
     to.copyWithFlip(from);
     EXPECT_EQ(to.bytes(), expected) << width;
   }
+  // Rows follow one another, so the upper half becomes the lower one, which then finds itself.
+  PageBitmap bitmap({8, 5}, 0);
+  Bytes expected = bitmap.bytes();
+  for (std::size_t i = 0; i < 64; ++i) expected[i] = expected[(4 - i / 32) * 32 + i % 32];
+  bitmap.copyWithFlip(bitmap);
+  EXPECT_EQ(bitmap.bytes(), expected);
 }
 
-TEST(BitmapCopies, CroppingCopiesWhatBothHave) {
+TEST(BitmapCopies, CroppingCopiesWhatBothHaveAndChromaLags) {
   constexpr int most = 2147483647;
-  for (const std::uint32_t code : {0u, 4u, 7u}) {
-    for (const bool flip : {false, true}) {
-      for (const auto& [x, y] :
-           {std::pair{0, 0}, {3, 2}, {-4, -3}, {0, -1}, {5, 1000}, {-2000000000, 7}, {most, -most - 1}}) {
-        PageBitmap from({17, 9, 6}, code);
-        PageBitmap to({11, 6}, code, 2);
-        const Bytes in = from.bytes();
-        Bytes expected = to.bytes();
-        for (std::size_t i = 0; i < to.row() * 6; ++i) {
-          const auto row = static_cast<std::int64_t>(i / to.row());
-          const std::int64_t begin = (y + (flip ? 5 - row : row)) * static_cast<std::int64_t>(from.row()) +
-                                     x * static_cast<std::int64_t>(from.pixel()) +
-                                     static_cast<std::int64_t>(i % to.row());
-          if (begin >= 0 && begin < 4096) expected[i] = in[static_cast<std::size_t>(begin)];
-        }
-        to.copyWithCropping(from, x, y, flip);
-        EXPECT_EQ(to.bytes(), expected) << code << " at " << x << ", " << y;
-      }
+  constexpr std::pair<int, int> corners[] = {{0, 0},    {3, 2},           {-4, -3},         {0, -1},
+                                             {5, 1000}, {-2000000000, 7}, {most, -most - 1}};
+  for (int i = 0; i < 7 * 3 * 2; ++i) {
+    const auto [x, y] = corners[i % 7];
+    const std::uint32_t code = std::array{0u, 4u, 7u}[i / 7 % 3];
+    PageBitmap from({17, 9, 6}, code), to({11, 6}, code, 2);
+    const auto fromRow = static_cast<std::int64_t>(from.row()), toRow = static_cast<std::int64_t>(to.row());
+    const Bytes in = from.bytes();
+    Bytes expected = to.bytes();
+    for (std::int64_t at = 0; at < toRow * 6; ++at) {
+      const std::int64_t row = y + (i >= 21 ? 5 - at / toRow : at / toRow);
+      const std::int64_t begin = row * fromRow + x * static_cast<std::int64_t>(from.pixel()) + at % toRow;
+      if (begin >= 0 && begin < 4096) expected[static_cast<std::size_t>(at)] = in[static_cast<std::size_t>(begin)];
     }
+    to.copyWithCropping(from, x, y, i >= 21);
+    EXPECT_EQ(to.bytes(), expected) << code << " at " << x << ", " << y;
   }
-}
-
-TEST(BitmapCopies, CroppedChromaLags) {
   for (const std::uint32_t code : {1u, 4u}) {  // four and eight bytes a pixel
     for (const std::size_t x : {0, 1, 2, 5}) {
-      PageBitmap from({80, 6}, 2);
-      PageBitmap to({70, 3}, code, 2);
+      PageBitmap from({80, 6}, 2), to({70, 3}, code, 2);
       Bytes expected = to.bytes();
       for (std::size_t row = 0; row < 3; ++row) {
-        oracle::laggingRow(&expected[row * to.row()], to.pixel(), from.data + (4 - row) * from.row() + 2 * x,
-                           x % 2 == 1, 70);
+        const From pixels = from.data + (4 - row) * from.row() + 2 * x;
+        oracle::laggingRow(&expected[row * to.row()], to.pixel(), pixels, x % 2 == 1, 70);
       }
       to.copyWithCropping(from, static_cast<int>(x), 2, true);
       EXPECT_EQ(to.bytes(), expected) << code << " from column " << x;
@@ -307,19 +297,13 @@ TEST(BitmapCopies, WithoutMemoryNothingHappens) {
 
 TEST(BitmapCopiesDeathTest, MismatchedRowsAndFormatsAreReported) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
-  PageBitmap narrow({4, 4}, 0);
-  PageBitmap wide({5, 4}, 0);
-  PageBitmap yuv({4, 4}, 2);
-  // The report goes to standard output; the sink turns it to where it can be matched.
-  const auto reported = [](auto run) {
-    dup2(2, 1);
-    run();
-  };
-  const char* const report = "File TarnCore/TCBitmap, line [0-9]+ should not have been reached";
-  for (const auto& [to, from] : {std::pair{&narrow, &wide}, {&narrow, &yuv}, {&yuv, &narrow}}) {
-    EXPECT_DEATH(reported([&, to = to, from = from] { to->copyWithFlip(*from); }), report);
+  PageBitmap narrow({4, 4}, 0), wide({5, 4}, 0), yuv({4, 4}, 2);
+  const auto flip = &V::copyWithFlip, toRGBA = &V::copyWithFlipAndSwizzleARGBtoRGBA;
+  for (const auto& [to, from, run] :
+       {std::tuple{&narrow, &wide, flip}, {&narrow, &yuv, flip}, {&yuv, &narrow, flip}, {&narrow, &wide, toRGBA}}) {
+    // The report goes to standard output, which is turned to where it can be matched.
+    EXPECT_DEATH((dup2(2, 1), (to->*run)(*from)), "File TarnCore/TCBitmap, line [0-9]+ should not have been reached");
   }
-  EXPECT_DEATH(reported([&] { narrow.copyWithFlipAndSwizzleARGBtoRGBA(wide); }), report);
 }
 
 // What scaling by nearest neighbours makes, each pixel by convert.
@@ -406,15 +390,14 @@ TEST(BitmapScaling, TypedScalers) {
 
 TEST(BitmapScaling, OutputWithoutUnpremultiplicationClonesAndFinishesAlpha) {
   for (const bool gray : {false, true}) {
-    PageBitmap source({7, 3}, 4);
+    const PageBitmap source({7, 3}, 4);
     Bytes expected(source.data, source.data + 7 * 3 * 8);
     for (To p = expected.data(); p < expected.data() + expected.size(); p += 8) {
       gray ? oracle::alphaIntoColors(layoutOf(4), p) : oracle::setAlpha(layoutOf(4), p, 1);
     }
     VortoBitmap output;
     output.copyWithOutputConversion(source, false, true, gray, kBackground);
-    EXPECT_EQ(output.width, 7u);
-    EXPECT_EQ(output.formatCode, 4u);
+    EXPECT_TRUE(output.width == 7 && output.formatCode == 4);
     EXPECT_EQ(Bytes(output.data, output.data + output.getSize()), expected);
   }
 }

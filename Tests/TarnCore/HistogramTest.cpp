@@ -78,21 +78,23 @@ INSTANTIATE_TEST_SUITE_P(Depths, HistogramOf, testing::Values(kRGBA8, kRGBA16, k
 TEST(Histogram, WhatIsNoImageCountsNothing) {
   const std::vector<std::uint8_t> pixels(64, 7);
   constexpr std::size_t huge = std::numeric_limits<std::size_t>::max();
-  const TCHistogramImage images[] = {
-      {nullptr, 16, 4, 4, 8, true},                                        // no address
-      {pixels.data(), 16, 0, 4, 8, true},                                  // no columns
-      {pixels.data(), 16, 4, 0, 8, true},                                  // no rows
-      {pixels.data(), 15, 4, 4, 8, true},                                  // rows that overlap
-      {pixels.data(), 0, 4, 4, 8, true},                                   //
-      {pixels.data(), 16, 4, 4, 32, true},                                 // the pitch of another depth
-      {pixels.data(), 16, 4, 4, 12, true},                                 // no such depth
-      {pixels.data(), 16, 4, 4, 0, true},                                  //
-      {pixels.data(), huge, huge, huge, 8, true},                          // sizes that wrap
-      {pixels.data(), huge, huge / 4 + 2, 1, 8, true},                     //
-      {pixels.data(), huge, 4, 4, 8, true},                                //
-      {pixels.data(), huge / 4, 4, 4, 8, true},                            //
-      {pixels.data(), std::size_t{1} << 20, 1u << 18, 1u << 18, 8, true},  // more than counts can hold
-  };
+  const From at = pixels.data();
+  constexpr std::size_t many = std::size_t{1} << 18;
+  // No address, columns or rows; rows that overlap; another depth's pitch; no such depth; sizes that wrap; and more
+  // pixels than counts can hold.
+  const TCHistogramImage images[] = {{nullptr, 16, 4, 4, 8, true},
+                                     {at, 16, 0, 4, 8, true},
+                                     {at, 16, 4, 0, 8, true},
+                                     {at, 15, 4, 4, 8, true},
+                                     {at, 0, 4, 4, 8, true},
+                                     {at, 16, 4, 4, 32, true},
+                                     {at, 16, 4, 4, 12, true},
+                                     {at, 16, 4, 4, 0, true},
+                                     {at, huge, huge, huge, 8, true},
+                                     {at, huge, huge / 4 + 2, 1, 8, true},
+                                     {at, huge, 4, 4, 8, true},
+                                     {at, huge / 4, 4, 4, 8, true},
+                                     {at, 4 * many, many, many, 8, true}};
   for (const TCHistogramImage& image : images) {
     TCHistogram histogram = filledHistogram();
     EXPECT_FALSE(TCCountHistogram(image, histogram)) << &image - images;
