@@ -3,10 +3,6 @@
 #include "Tests/Support/EnglishTexts.h"
 #include "Tests/Support/LevelsScene.h"
 
-#include <QAccessible>
-#include <QPixmap>
-#include <cmath>
-
 // What mouse and keyboard do to the levels; what is the same in every editor's gutters is among the tests of Editors.
 
 namespace {
@@ -16,26 +12,27 @@ constexpr NSPoint on(double value) {
   return LevelsScene::on(value);
 }
 
+struct Input {
+  double black, white, gamma;
+};
+
 struct InputGutter : testing::Test {
   VRTHistogram& levels() const { return scene.histogram(); }
-  void expectInput(double black, double white, double gamma) const {
-    EXPECT_DOUBLE_EQ(levels().blackInForChannel(kRed), black);
-    EXPECT_DOUBLE_EQ(levels().whiteInForChannel(kRed), white);
-    EXPECT_NEAR(levels().gammaForChannel(kRed), gamma, 1e-6);
+  void expectInput(const Input& expected) const {
+    EXPECT_DOUBLE_EQ(levels().blackInForChannel(kRed), expected.black);
+    EXPECT_DOUBLE_EQ(levels().whiteInForChannel(kRed), expected.white);
+    EXPECT_NEAR(levels().gammaForChannel(kRed), expected.gamma, 1e-6);
   }
-  void set(double black, double white, double gamma) const {
-    levels().setBlackIn(black, kRed);
-    levels().setWhiteIn(white, kRed);
-    levels().setGamma(gamma, kRed);
+  void set(const Input& input) const {
+    levels().setBlackIn(input.black, kRed);
+    levels().setWhiteIn(input.white, kRed);
+    levels().setGamma(input.gamma, kRed);
   }
 
   LevelsScene scene;
 };
 
 TEST_F(InputGutter, DragsEveryHandleOfItsChannel) {
-  struct Input {
-    double black, white, gamma;
-  };
   constexpr double beside = 4 / 208.0;
   const struct {
     Input before;
@@ -59,16 +56,15 @@ TEST_F(InputGutter, DragsEveryHandleOfItsChannel) {
       {{0.48, 0.5, -2}, 0.5 - beside, 0.75 - beside, {0.48, 0.75, -2}},
   };
   for (const auto& [before, from, to, after] : drags) {
-    set(before.black, before.white, before.gamma);
+    set(before);
     scene.press(on(from));
     for (const double place : {-4.0, 4.0, to}) scene.move(on(place));
     scene.release();
-    expectInput(after.black, after.white, after.gamma);
+    expectInput(after);
   }
   EXPECT_EQ(levels().blackOutForChannel(kRed), 0);
   for (const int other : {0, 2, 3, 4}) {
-    EXPECT_EQ(levels().blackInForChannel(other), 0);
-    EXPECT_EQ(levels().whiteInForChannel(other), 1);
+    EXPECT_TRUE(levels().blackInForChannel(other) == 0 && levels().whiteInForChannel(other) == 1);
     EXPECT_EQ(levels().gammaForChannel(other), 1);
   }
 }
@@ -76,16 +72,14 @@ TEST_F(InputGutter, DragsEveryHandleOfItsChannel) {
 TEST(OutputGutter, DragsEveryHandleOfItsChannel) {
   LevelsScene scene(true);
   const VRTHistogram& levels = scene.histogram();
-  scene.drag(on(0), on(0.5));
-  scene.drag(on(1), on(0.25));
-  EXPECT_DOUBLE_EQ(levels.blackOutForChannel(kRed), 0.5);
-  EXPECT_DOUBLE_EQ(levels.whiteOutForChannel(kRed), 0.25) << "black and white may cross";
-  scene.drag(on(0.5), on(-3));
-  scene.drag(on(0.25), on(3));
-  EXPECT_EQ(levels.blackOutForChannel(kRed), 0);
-  EXPECT_EQ(levels.whiteOutForChannel(kRed), 1);
-  EXPECT_EQ(levels.blackInForChannel(kRed), 0);
-  EXPECT_EQ(levels.gammaForChannel(kRed), 1);
+  const double drags[][4] = {
+      {0, 0.5, 0.5, 1}, {1, 0.25, 0.5, 0.25}, {0.5, -3, 0, 0.25}, {0.25, 3, 0, 1}};  // black and white may cross
+  for (const auto& [from, to, black, white] : drags) {
+    scene.drag(on(from), on(to));
+    EXPECT_DOUBLE_EQ(levels.blackOutForChannel(kRed), black);
+    EXPECT_DOUBLE_EQ(levels.whiteOutForChannel(kRed), white);
+  }
+  EXPECT_TRUE(levels.blackInForChannel(kRed) == 0 && levels.gammaForChannel(kRed) == 1);
 }
 
 TEST_F(InputGutter, HandlesAreHalfOpenRectangles) {
@@ -93,7 +87,7 @@ TEST_F(InputGutter, HandlesAreHalfOpenRectangles) {
   const std::pair<NSPoint, bool> places[] = {{{104, 3}, true}, {{103, 3}, false}, {{114, 3}, true}, {{115, 3}, false},
                                              {{109, 8}, true}, {{109, 9}, false}, {{109, 0}, true}};
   for (const auto& [place, hit] : places) {
-    set(0, 1, 1);
+    set({0, 1, 1});
     scene.drag(place, {place.x - 20, place.y - 30});
     EXPECT_EQ(levels().gammaForChannel(kRed) != 1, hit) << place.x << ", " << place.y;
   }
@@ -126,31 +120,31 @@ TEST_F(InputGutter, DrawsHandlesWhereTheyAreGrabbed) {
 
 TEST_F(InputGutter, KeysMoveTheHandleThatHasTheKeyboard) {
   scene.focus();
+  const std::string told = "start change end";
+  const double gamma = std::log(0.49) / std::log(0.5);  // whose handle goes to the left
   const struct {
     int key;
-    Qt::KeyboardModifiers modifiers;
-    double black;
-    const char* told;
-  } keys[] = {{Qt::Key_Right, {}, 0.01, "start change end"},
-              {Qt::Key_Up, Qt::ShiftModifier, 0.011, "start change end"},
-              {Qt::Key_Home, {}, 0, "start change end"},
-              {Qt::Key_Left, {}, 0, ""},
-              {Qt::Key_A, {}, 0, ""}};
+    Input after;
+    std::string told;
+    Qt::KeyboardModifiers modifiers = {};
+  } keys[] = {{Qt::Key_Right, {0.01, 1, 1}, told},
+              {Qt::Key_Up, {0.011, 1, 1}, told, Qt::ShiftModifier},
+              {Qt::Key_Home, {0, 1, 1}, told},
+              {Qt::Key_Left, {0, 1, 1}, ""},
+              {Qt::Key_A, {0, 1, 1}, ""},
+              {Qt::Key_Tab, {0, 1, 1}, ""},
+              {Qt::Key_Left, {0, 1, gamma}, told},
+              {Qt::Key_Tab, {0, 1, gamma}, ""},
+              {Qt::Key_Down, {0, 0.99, gamma}, told}};
   for (const auto& each : keys) {
     scene.key(each.key, each.modifiers);
-    EXPECT_DOUBLE_EQ(levels().blackInForChannel(kRed), each.black);
-    EXPECT_EQ(scene.takeLog(), each.told);
+    expectInput(each.after);
+    EXPECT_EQ(scene.takeLog(), each.told) << &each - keys;
   }
-  scene.key(Qt::Key_Tab);  // gamma, whose handle goes to the left
-  scene.key(Qt::Key_Left);
-  EXPECT_NEAR(levels().gammaForChannel(kRed), std::log(0.49) / std::log(0.5), 1e-9);
-  scene.key(Qt::Key_Tab);
-  scene.key(Qt::Key_Down);
-  EXPECT_DOUBLE_EQ(levels().whiteInForChannel(kRed), 0.99);
-  set(0.99, 0.99, 1);
+  set({0.99, 0.99, 1});
   scene.key(Qt::Key_Backtab);
   scene.key(Qt::Key_Left);
-  expectInput(0.99, 0.99, 1);  // there is no way to go
+  expectInput({0.99, 0.99, 1});  // there is no way to go
   scene.takeLog();
   scene.key(Qt::Key_Backtab);
   scene.keyDown(Qt::Key_Left);
@@ -160,26 +154,25 @@ TEST_F(InputGutter, KeysMoveTheHandleThatHasTheKeyboard) {
 
 TEST_F(InputGutter, ShowsSlidersAndCursors) {
   readEnglishTexts();
-  const auto elements = scene.gutter->accessibilityElements();
+  NSTarnView& gutter = *scene.gutter;
+  const auto elements = gutter.accessibilityElements();
   ASSERT_EQ(elements.size(), 3u);
-  EXPECT_EQ(elements[0].name, "Input black");
-  EXPECT_EQ(elements[1].name, "Gamma");
-  EXPECT_EQ(elements[1].maximum, 5);
-  EXPECT_EQ(elements[2].value, 1);
-  scene.gutter->setAccessibilityValue(1, 9);
+  EXPECT_EQ(elements[0].name + ", " + elements[1].name, "Input black, Gamma");
+  EXPECT_TRUE(elements[1].maximum == 5 && elements[2].value == 1);
+  gutter.setAccessibilityValue(1, 9);
   EXPECT_EQ(levels().gammaForChannel(kRed), 5);
   scene.takeLog();
-  scene.gutter->setAccessibilityValue(3, 1);
-  scene.gutter->setAccessibilityValue(0, std::nan(""));
+  gutter.setAccessibilityValue(3, 1);
+  gutter.setAccessibilityValue(0, std::nan(""));
   EXPECT_EQ(scene.takeLog(), "");
 
-  EXPECT_EQ(scene.gutter->cursorAtPoint({5, 4})->shape(), Qt::SizeHorCursor);
-  EXPECT_EQ(scene.gutter->cursorAtPoint({60, 4}), std::nullopt);
+  EXPECT_EQ(gutter.cursorAtPoint({5, 4})->shape(), Qt::SizeHorCursor);
+  EXPECT_EQ(gutter.cursorAtPoint({60, 4}), std::nullopt);
   scene.press(on(0));
-  EXPECT_EQ(scene.gutter->cursorAtPoint({60, 4})->shape(), Qt::SizeHorCursor);
+  EXPECT_EQ(gutter.cursorAtPoint({60, 4})->shape(), Qt::SizeHorCursor);
   scene.release();
   scene.levels->setValue(nullptr);
-  EXPECT_TRUE(scene.gutter->accessibilityElements().empty());
+  EXPECT_TRUE(gutter.accessibilityElements().empty());
 }
 
 // Between points, as pointers stand on screens of other ratios than 1.

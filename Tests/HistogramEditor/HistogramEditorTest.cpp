@@ -8,17 +8,16 @@
 
 namespace {
 
-// Chooses as people do.
-void choose(NSPopUpButton& popUp, int index) {
-  popUp.setCurrentIndex(index);
-  emit popUp.activated(index);
-}
-
 struct HistogramEditor : testing::Test {
   HistogramEditor() {
     readEnglishTexts();
     EXPECT_TRUE(popUp && scene.part<VRTHistogramGradientView>());
     scene.image->setValue(imageOf({10, 20, 30, 40}, 8, 8));
+  }
+  // As people do.
+  void choose(int index) const {
+    popUp->setCurrentIndex(index);
+    emit popUp->activated(index);
   }
   LevelsScene scene;
   VRTHistogramEditor* editor = &scene.editorPart();
@@ -27,26 +26,24 @@ struct HistogramEditor : testing::Test {
 
 TEST_F(HistogramEditor, ThePopUpShowsTheChannel) {
   scene.histogram().setSelectedChannel(3);
-  editor->setHistogramPort(scene.levels.get());
-  editor->setHistogramPort(scene.levels.get());
+  for (int i = 0; i < 2; ++i) editor->setHistogramPort(scene.levels.get());
   const char* titles[] = {"RGB", "Red", "Green", "Blue", "Alpha"};
   ASSERT_EQ(popUp->count(), 5);
   for (int i = 0; i < 5; ++i) EXPECT_EQ(popUp->itemText(i), titles[i]);
   EXPECT_EQ(popUp->indexOfSelectedItem(), 3);
-
   scene.levels->setValue(nullptr);
-  editor->setHistogramPort(scene.levels.get());
-  EXPECT_EQ(popUp->count(), 5);
-  choose(*popUp, 2);  // does nothing
-  editor->setHistogramPort(nullptr);
-  EXPECT_EQ(popUp->count(), 5);
+  for (VRTHistogramPort* const port : {scene.levels.get(), static_cast<VRTHistogramPort*>(nullptr)}) {
+    editor->setHistogramPort(port);
+    EXPECT_EQ(popUp->count(), 5);
+    choose(2);  // does nothing
+  }
 }
 
 TEST_F(HistogramEditor, ChoosingAChannelAnnouncesAndCountsNothing) {
   editor->grab();
   scene.takeLog();
   const int reads = scene.context.reads;
-  choose(*popUp, 4);
+  choose(4);
   EXPECT_EQ(scene.histogram().selectedChannel(), 4);
   EXPECT_EQ(scene.takeLog(), "");
   EXPECT_EQ(scene.context.reads, reads);
@@ -54,24 +51,24 @@ TEST_F(HistogramEditor, ChoosingAChannelAnnouncesAndCountsNothing) {
   const auto* graph = scene.part<VRTHistogramView>()->histogramBitmap();
   editor->grab();
   const std::uint32_t column = 40 * graph->pixelsWide() / 256 + 1;  // alpha's only bin, between two columns
-  EXPECT_EQ(graph->bitmapData()[(graph->pixelsHigh() - 1) * graph->bytesPerRow() + 4 * column], 25);
-  EXPECT_EQ(graph->bitmapData()[(graph->pixelsHigh() - 1) * graph->bytesPerRow() + 4 * (column / 2)], 181);
+  const std::uint8_t* const lowest = graph->bitmapData() + (graph->pixelsHigh() - 1) * graph->bytesPerRow();
+  EXPECT_TRUE(lowest[4 * column] == 25 && lowest[4 * (column / 2)] == 181);
 
   scene.drag(LevelsScene::on(0), LevelsScene::on(0.5));
   EXPECT_DOUBLE_EQ(scene.histogram().blackInForChannel(4), 0.5);
 }
 
 TEST_F(HistogramEditor, TitlesInOtherLanguages) {
-  const auto titlesIn = [&](const char* locale) {
+  const char* const rows[][2] = {{"de_DE.UTF-8", "RotBlau, Ausgangswerte"},
+                                 {"fr_CA", "RougeBleu, Niveaux de sortie"},
+                                 {"en_GB.UTF-8", "RedBlue, Output levels"},
+                                 {"C", "RedBlue, Output levels"}};
+  for (const auto& [locale, titles] : rows) {
     setenv("LC_ALL", locale, 1);
     editor->setHistogramPort(scene.levels.get());
-    return (popUp->itemText(1) + popUp->itemText(3) + ", " + scene.part<VRTHistogramGutterOut>()->accessibilityLabel())
-        .toStdString();
-  };
-  EXPECT_EQ(titlesIn("de_DE.UTF-8"), "RotBlau, Ausgangswerte");
-  EXPECT_EQ(titlesIn("fr_CA"), "RougeBleu, Niveaux de sortie");
-  EXPECT_EQ(titlesIn("en_GB.UTF-8"), "RedBlue, Output levels");
-  EXPECT_EQ(titlesIn("C"), "RedBlue, Output levels");
+    const QString label = scene.part<VRTHistogramGutterOut>()->accessibilityLabel();
+    EXPECT_EQ(popUp->itemText(1) + popUp->itemText(3) + ", " + label, titles);
+  }
 }
 
 TEST_F(HistogramEditor, FollowsTheValueAndTheSize) {

@@ -4,32 +4,35 @@
 #include "Tests/Support/LevelsScene.h"
 #include "Tests/TarnKit/Pictures.h"
 
-#include <QMenu>
-#include <cstring>
 #include <numeric>
 
 // The histogram in a graph of patches.
 
 namespace {
 
-constexpr NSRect kFrame = {{0, 0}, {260, 60}};  // a graph of 256 columns
+// A graph of 256 columns that shows the levels of a patch.
+struct HistogramView : testing::Test {
+  HistogramView() { view.setHistogramPort(scene.levels.get()); }
+  std::uint64_t counts() const {
+    const auto& all = view.histogramSamples().rgb;
+    return std::accumulate(std::begin(all), std::end(all), std::uint64_t{0});
+  }
 
-std::uint64_t countsOf(const VRTHistogramView& view) {
-  const auto& counts = view.histogramSamples().rgb;
-  return std::accumulate(std::begin(counts), std::end(counts), std::uint64_t{0});
-}
+  LevelsPatch scene;
+  VRTHistogramView view{NSMakeRect(0, 0, 260, 60)};
+};
 
 template <class Channel>
-std::vector<std::uint8_t> pixelOf(std::initializer_list<Channel> channels) {
-  std::vector<std::uint8_t> bytes(channels.size() * sizeof(Channel));
-  std::memcpy(bytes.data(), channels.begin(), bytes.size());
-  return bytes;
+std::vector<std::uint8_t> pixelOf(std::array<Channel, 4> channels) {
+  const auto* bytes = reinterpret_cast<const std::uint8_t*>(channels.data());
+  return {bytes, bytes + sizeof channels};
 }
 
-TEST(HistogramView, CountsWhatFlowsIn) {
-  LevelsPatch scene;
-  VRTHistogramView view(kFrame);
-  view.setHistogramPort(scene.levels.get());
+QRgb colorAt(QWidget& view, int x, int y) {
+  return pixelAt(pictureOf(view), view.devicePixelRatioF(), x, y);
+}
+
+TEST_F(HistogramView, CountsWhatFlowsIn) {
   const auto bytes = imageOf({10, 20, 30, 40}, 5, 4), blueFirst = imageOf({10, 20, 30, 40}, 5, 4);
   blueFirst->format = 0;
   const struct {
@@ -45,14 +48,11 @@ TEST(HistogramView, CountsWhatFlowsIn) {
     EXPECT_EQ(view.histogramSamples().red[red], 20u);
     EXPECT_EQ(view.histogramSamples().green[green], 20u);
     EXPECT_EQ(view.histogramSamples().blue[blue], 20u);
-    EXPECT_EQ(countsOf(view), 60u);
+    EXPECT_EQ(counts(), 60u);
   }
 }
 
-TEST(HistogramView, UnusableImagesCountNothing) {
-  LevelsPatch scene;
-  VRTHistogramView view(kFrame);
-  view.setHistogramPort(scene.levels.get());
+TEST_F(HistogramView, UnusableImagesCountNothing) {
   void (*const changes[])(SceneImage&) = {
       [](SceneImage& image) { image.pixelBytes = 3; },
       [](SceneImage& image) { image.pixelBytes = -4; },
@@ -64,58 +64,51 @@ TEST(HistogramView, UnusableImagesCountNothing) {
   };
   for (const auto change : changes) {
     scene.image->setValue(imageOf({1, 2, 3, 4}, 2, 2));
-    ASSERT_EQ(countsOf(view), 12u);
+    ASSERT_EQ(counts(), 12u);
     const auto image = imageOf({1, 2, 3, 4}, 4, 4);
     change(*image);
     scene.image->setValue(image);
-    EXPECT_EQ(countsOf(view), 0u);
+    EXPECT_EQ(counts(), 0u);
   }
 }
 
-TEST(HistogramView, OnlyFiltersWithAContextHaveCounts) {
-  for (const std::string kind : {"filter", "generator"}) {
-    LevelsPatch scene(kind.c_str());
-    scene.image->setValue(imageOf({1, 2, 3, 4}, 2, 2));
-    VRTHistogramView view(kFrame);
+TEST_F(HistogramView, OnlyFiltersWithAContextHaveCounts) {
+  LevelsPatch generator("generator");
+  for (const LevelsPatch* patch : {&scene, &generator}) {
+    const bool isFilter = patch == &scene;
+    patch->image->setValue(imageOf({1, 2, 3, 4}, 2, 2));
+    view.setHistogramPort(nullptr);
     EXPECT_EQ(view.imageInputPort(), nullptr);
-    view.setHistogramPort(scene.levels.get());
-    EXPECT_EQ(view.imageInputPort(), kind == "filter" ? scene.image.get() : nullptr);
-    EXPECT_EQ(countsOf(view), kind == "filter" ? 12u : 0u);
-    scene.patch->context = nullptr;
-    scene.image->setValue(imageOf({1, 2, 3, 4}, 2, 2));
-    EXPECT_EQ(countsOf(view), 0u);
+    view.setHistogramPort(patch->levels.get());
+    EXPECT_EQ(view.imageInputPort(), isFilter ? patch->image.get() : nullptr);
+    EXPECT_EQ(counts(), isFilter ? 12u : 0u);
+    patch->patch->context = nullptr;
+    patch->image->setValue(imageOf({1, 2, 3, 4}, 2, 2));
+    EXPECT_EQ(counts(), 0u);
   }
 }
 
-TEST(HistogramView, ADetachedViewCostsNothing) {
-  LevelsPatch scene, other;
-  VRTHistogramView view(kFrame);
+TEST_F(HistogramView, ADetachedViewCostsNothing) {
+  LevelsPatch other;
+  const auto send = [](const LevelsPatch& to, std::uint8_t red) { to.image->setValue(imageOf({red, 2, 3, 4}, 2, 2)); };
   view.setHistogramPort(scene.levels.get());
-  view.setHistogramPort(scene.levels.get());
-  scene.image->setValue(imageOf({1, 2, 3, 4}, 2, 2));
+  send(scene, 1);
   EXPECT_EQ(scene.context.reads, 1) << "attached twice, counted once for each frame";
   view.update(true);
   view.grab();
   EXPECT_EQ(scene.context.reads, 1) << "another channel is no other image";
 
   view.setHistogramPort(other.levels.get());
-  scene.image->setValue(imageOf({5, 2, 3, 4}, 2, 2));
-  EXPECT_EQ(scene.context.reads, 1);
-  other.image->setValue(imageOf({5, 2, 3, 4}, 2, 2));
-  EXPECT_EQ(other.context.reads, 1);
+  for (const LevelsPatch* patch : {&scene, &other}) send(*patch, 5);
+  EXPECT_TRUE(scene.context.reads == 1 && other.context.reads == 1);
   view.setHistogramPort(nullptr);
   other.image->setValue(nullptr);
-  other.image->setValue(imageOf({6, 2, 3, 4}, 2, 2));
+  send(other, 6);
   EXPECT_EQ(other.context.reads, 1);
   EXPECT_EQ(view.histogramSamples().red[5], 4u) << "what was counted last stays";
 }
 
-QRgb colorAt(QWidget& view, int x, int y) {
-  return pixelAt(pictureOf(view), view.devicePixelRatioF(), x, y);
-}
-
-TEST(HistogramView, DrawsBarsInsideItsFrame) {
-  LevelsPatch scene;
+TEST_F(HistogramView, DrawsBarsInsideItsFrame) {
   std::vector<std::uint8_t> pixels;  // 14 reds of 100, 28 of 150, 56 of 200
   for (int i = 0; i < 98; ++i) {
     const std::uint8_t red = i < 14 ? 100 : i < 42 ? 150 : 200;
@@ -123,8 +116,7 @@ TEST(HistogramView, DrawsBarsInsideItsFrame) {
   }
   scene.image->setValue(std::make_shared<SceneImage>(98, 1, 4, pixels));
   scene.histogram().setSelectedChannel(1);
-  VRTHistogramView view(kFrame);
-  view.setHistogramPort(scene.levels.get());
+  view.update(false);
 
   constexpr QRgb bar = qRgb(25, 29, 38), ground = qRgb(181, 187, 200);
   const QImage picture = pictureOf(view);
@@ -135,8 +127,7 @@ TEST(HistogramView, DrawsBarsInsideItsFrame) {
       ASSERT_EQ(color, height > 56 - row ? bar : ground) << bin << ", " << row;
     }
   }
-  EXPECT_NE(colorAt(view, 1, 30), ground);
-  EXPECT_NE(colorAt(view, 258, 30), ground);
+  for (const int frame : {1, 258}) EXPECT_NE(colorAt(view, frame, 30), ground);
 
   scene.histogram().setSelectedChannel(2);
   EXPECT_EQ(colorAt(view, 2 + 200, 57), bar) << "the channel is looked at when the view is told";
@@ -149,57 +140,49 @@ TEST(HistogramView, DrawsBarsInsideItsFrame) {
   EXPECT_EQ(view.histogramBitmap()->pixelsWide(), 0u);
 }
 
-TEST(HistogramView, TheMenuChoosesTheScale) {
-  VRTHistogramView view(kFrame);
-  const auto choose = [&](int index) {
+TEST_F(HistogramView, TheMenuChoosesTheScale) {
+  for (const auto& [index, scale] : {std::pair{1, VRTHistogramScale::Logarithmic}, {0, VRTHistogramScale::Linear}}) {
     const std::unique_ptr<QMenu> menu(view.menuForEvent(NSEvent()));
     ASSERT_EQ(menu->actions().size(), 2);
     menu->actions().at(index)->trigger();
-  };
-  choose(1);
-  EXPECT_EQ(view.histogramScale(), VRTHistogramScale::Logarithmic);
-  choose(0);
-  EXPECT_EQ(view.histogramScale(), VRTHistogramScale::Linear);
-  auto dying = std::make_unique<VRTHistogramView>(kFrame);
+    EXPECT_EQ(view.histogramScale(), scale);
+  }
+  auto dying = std::make_unique<VRTHistogramView>(view.frame());
   const QPointer<QMenu> menu(dying->menuForEvent(NSEvent()));
   dying.reset();
   EXPECT_EQ(menu, nullptr);
 }
 
-TEST(HistogramView, AnythingMayDieFirst) {
-  auto view = std::make_unique<VRTHistogramView>(kFrame);
-  auto scene = std::make_unique<LevelsPatch>();
-  view->setHistogramPort(scene->levels.get());
-  const auto image = scene->image;
-  const auto levels = scene->levels;
-  scene->patch.reset();  // the node; its ports live on
-  image->setValue(imageOf({1, 2, 3, 4}, 2, 2));
-  EXPECT_EQ(view->imageInputPort(), nullptr);
-  EXPECT_EQ(countsOf(*view), 0u);
-  view->setHistogramPort(nullptr);
+TEST_F(HistogramView, AnythingMayDieFirst) {
+  scene.patch.reset();  // the node; its ports live on
+  scene.image->setValue(imageOf({1, 2, 3, 4}, 2, 2));
+  EXPECT_EQ(view.imageInputPort(), nullptr);
+  EXPECT_EQ(counts(), 0u);
+  view.setHistogramPort(nullptr);
+  {
+    const LevelsPatch dying;
+    view.setHistogramPort(dying.levels.get());
+  }
+  EXPECT_EQ(view.getHistogramChannel(), nullptr);
+  view.resampleInputImage();
+  view.grab();
 
-  scene = std::make_unique<LevelsPatch>();
-  view->setHistogramPort(scene->levels.get());
-  scene.reset();  // everything
-  EXPECT_EQ(view->getHistogramChannel(), nullptr);
-  view->resampleInputImage();
-  view->grab();
-
-  scene = std::make_unique<LevelsPatch>();
-  view->setHistogramPort(scene->levels.get());
-  scene->levels->setValue(nullptr);
-  EXPECT_EQ(view->getHistogramChannel(), nullptr);
-  view->grab();
-  view.reset();
-  scene->image->setValue(imageOf({1, 2, 3, 4}, 2, 2));
-  EXPECT_EQ(scene->context.reads, 0);
+  LevelsPatch empty;
+  auto first = std::make_unique<VRTHistogramView>(view.frame());
+  first->setHistogramPort(empty.levels.get());
+  empty.levels->setValue(nullptr);
+  EXPECT_EQ(first->getHistogramChannel(), nullptr);
+  first->grab();
+  first.reset();
+  empty.image->setValue(imageOf({1, 2, 3, 4}, 2, 2));
+  EXPECT_EQ(empty.context.reads, 0);
 }
 
 TEST(HistogramGradientView, DrawsARampThatFollowsTheSize) {
   VRTHistogramGradientView view(NSMakeRect(0, 0, 260, 16));
-  EXPECT_EQ(colorAt(view, 2, 3), qRgb(0, 0, 0));
-  EXPECT_EQ(colorAt(view, 2 + 128, 13), qRgb(128, 128, 128));
-  EXPECT_EQ(colorAt(view, 257, 2), qRgb(254, 254, 254));
+  for (const auto& [x, y, grey] : {std::array{2, 3, 0}, {2 + 128, 13, 128}, {257, 2, 254}}) {
+    EXPECT_EQ(colorAt(view, x, y), qRgb(grey, grey, grey));
+  }
   view.setFrameSize({132, 16});
   EXPECT_EQ(colorAt(view, 2 + 64, 8), qRgb(128, 128, 128));
   view.setFrameSize({132, 2});

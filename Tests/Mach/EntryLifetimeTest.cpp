@@ -6,18 +6,13 @@ namespace {
 // Memory that came to lie where ours was, somebody else's or a new one, is neither changed, nor shared, nor unmapped.
 TEST(EntryLifetime, StaleEntryLeavesWhoeverTookItsAddressAlone) {
   for (const bool isOurs : {false, true}) {
-    vm_address_t address = allocated(2 * page);
+    vm_address_t address = allocated(2 * page), mapped = 0;
     const mach_port_t old = entryOf(address, 2 * page);
     ASSERT_EQ(munmap(bytesAt(address), 2 * page), 0);
-    if (isOurs) {
-      ASSERT_EQ(vm_allocate(self, &address, 2 * page, VM_FLAGS_FIXED), KERN_SUCCESS);
-    } else {
-      ASSERT_NE(mmap(bytesAt(address), 2 * page, PROT_READ | PROT_WRITE,
-                     MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED_NOREPLACE, -1, 0),
-                MAP_FAILED);
-    }
+    const int flags = MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED_NOREPLACE;
+    ASSERT_TRUE(isOurs ? vm_allocate(self, &address, 2 * page, VM_FLAGS_FIXED) == KERN_SUCCESS
+                       : mmap(bytesAt(address), 2 * page, PROT_READ | PROT_WRITE, flags, -1, 0) != MAP_FAILED);
     bytesAt(address)[0] = 42;
-    vm_address_t mapped = 0;
     EXPECT_EQ(mapEntry(old, &mapped, 2 * page), KERN_INVALID_ADDRESS);
     const mach_port_t fresh = isOurs ? entryOf(address, 2 * page) : MACH_PORT_NULL;
     if (isOurs) mapped = placeOf(fresh, page);
@@ -33,24 +28,18 @@ TEST(EntryLifetime, StaleEntryLeavesWhoeverTookItsAddressAlone) {
 }
 
 TEST(EntryLifetime, PartlyUnmappedMemoryKeepsItsBytesOrSaysThatItLostThem) {
-  const vm_address_t address = allocated(4 * page);
-  for (int i = 0; i < 4; ++i) bytesAt(address)[i * page] = static_cast<std::uint8_t>(i + 1);
-  const mach_port_t entry = entryOf(address, 4 * page);
+  const vm_address_t address = numbered(4), torn = numbered(4);
+  const mach_port_t entry = entryOf(address, 4 * page), ofTorn = entryOf(torn, 4 * page);
   release({}, {{address + page, page}});
   EXPECT_FALSE(isMapped(address + page));
-  EXPECT_EQ(bytesAt(address)[0], 1);
-  EXPECT_EQ(bytesAt(address)[3 * page], 4);
-  const vm_address_t place = placeOf(entry, 4 * page);
+  for (const int i : {0, 3}) EXPECT_EQ(bytesAt(address)[i * page], i + 1);
+  vm_address_t place = placeOf(entry, 4 * page);
   for (int i = 0; i < 4; ++i) EXPECT_EQ(bytesAt(place)[i * page], i + 1);
   release({entry}, {{place, 4 * page}, {address, 4 * page}});
 
-  const vm_address_t torn = allocated(4 * page);
-  const mach_port_t ofTorn = entryOf(torn, 4 * page);
-  bytesAt(torn)[0] = 9;
   ASSERT_EQ(munmap(bytesAt(torn + 2 * page), page), 0);
-  vm_address_t mapped = 0;
-  EXPECT_EQ(mapEntry(ofTorn, &mapped, 4 * page), KERN_INVALID_ADDRESS);
-  EXPECT_EQ(bytesAt(torn)[0], 9);
+  EXPECT_EQ(mapEntry(ofTorn, &place, 4 * page), KERN_INVALID_ADDRESS);
+  EXPECT_EQ(bytesAt(torn)[0], 1);
   release({ofTorn}, {{torn, 4 * page}});
 }
 

@@ -6,7 +6,7 @@
 
 namespace {
 
-TEST(GuardPagesTest, StopWhoeverRunsPastMemorySharedOrNotAndGoWithTheLastPage) {
+TEST(GuardPages, StopWhoeverRunsPastMemorySharedOrNotAndGoWithTheLastPage) {
   if (!kHasAddressSanitizer) GTEST_SKIP() << "guards stand in builds with the address sanitizer alone";
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   for (const vm_size_t size : {page, 3 * page, 600 * page}) {
@@ -23,19 +23,15 @@ TEST(GuardPagesTest, StopWhoeverRunsPastMemorySharedOrNotAndGoWithTheLastPage) {
     EXPECT_EQ(isMapped(address + size), false);
     EXPECT_DEATH(bytes[0] = 1, "AddressSanitizer") << "given back";
   }
-}
-
-TEST(GuardPagesTest, PoisonEndsWhenMemoryIsGivenBackOrShared) {
+  // Poison ends when memory is given back or shared.
   const vm_size_t size = 64 * page;
   mach_limit_kept_memory(size);
-  const vm_address_t address = allocated(size);
-  poisonMemory(bytesAt(address + page), size - page);
-  ASSERT_EQ(vm_deallocate(self, address, size), KERN_SUCCESS);
-  vm_address_t next = address;
+  vm_address_t next = allocated(size);
+  poisonMemory(bytesAt(next + page), size - page);
+  release({}, {{next, size}});
   ASSERT_EQ(vm_allocate(self, &next, size, VM_FLAGS_FIXED), KERN_SUCCESS);
-  std::memset(bytesAt(next), 1, size);
   const vm_address_t kept = allocated(size);
-  std::memset(bytesAt(kept), 1, size);
+  for (const vm_address_t memory : {next, kept}) std::memset(bytesAt(memory), 1, size);
   const mach_port_t entry = entryOf(kept, size);
   poisonMemory(bytesAt(kept + size - page), page);
   const vm_address_t place = placeOf(entry, size);

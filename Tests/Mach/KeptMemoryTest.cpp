@@ -62,56 +62,43 @@ TEST_F(KeptMemoryTest, IsZeroBehindWhatTheNextOverwrites) {
   EXPECT_FALSE(isZero(allocated(large), page)) << "the outer one counts again";
 }
 
-TEST_F(KeptMemoryTest, OfEntriesIsKeptOnceNobodyNamesIt) {
+TEST_F(KeptMemoryTest, OfEntriesIsKeptOnceNobodyNamesItUnlessItWasEverShared) {
   for (const bool entryFirst : {false, true}) {
     const vm_address_t address = filled(large);  // either may be released first
     const mach_port_t entry = entryOf(address, large);
-    if (entryFirst) mach_port_deallocate(self, entry);
+    if (entryFirst) release({entry}, {});
     giveBack(address, large);
     if (!entryFirst) {
       EXPECT_EQ(mach_release_kept_memory(), 0u) << "the entry names it still";
-      mach_port_deallocate(self, entry);
+      release({entry}, {});
     }
     EXPECT_EQ(mach_release_kept_memory(), large);
     EXPECT_FALSE(isMapped(address, page));
   }
-}
-
-// Somebody else could write to it, or would see the next picture.
-TEST_F(KeptMemoryTest, ThatWasEverSharedIsNotKept) {
-  const vm_address_t address = filled(large);
-  const mach_port_t entry = entryOf(address, large);
+  // Somebody else could write to it, or would see the next picture.
+  const SocketPair sockets;
+  const vm_address_t address = filled(large), sent = filled(small);
+  const mach_port_t entry = entryOf(address, large), ofSent = entryOf(sent, small);
   const vm_address_t place = placeOf(entry, large);
-  release({entry}, {{address, large}});
+  ASSERT_EQ(mach_send_memory_entry(sockets.ours(), ofSent, nullptr, 0), KERN_SUCCESS);
+  release({entry, ofSent}, {{address, large}, {sent, small}});
   EXPECT_EQ(bytesAt(place)[0], 0xAB);
   giveBack(place, large);
-  EXPECT_EQ(mach_release_kept_memory(), 0u);
-
-  SocketPair sockets;
-  const vm_address_t sent = filled(small);
-  const mach_port_t ofSent = entryOf(sent, small);
-  ASSERT_EQ(mach_send_memory_entry(sockets.ours(), ofSent, nullptr, 0), KERN_SUCCESS);
-  release({ofSent}, {{sent, small}});
   EXPECT_EQ(mach_release_kept_memory(), 0u);
 }
 
 TEST_F(KeptMemoryTest, WhatIsMissingOrSomebodyElsesIsNotKept) {
-  const vm_address_t gone = filled(small);
-  ASSERT_EQ(munmap(bytesAt(gone), small), 0);
-  giveBack(gone, small);
-  const vm_address_t torn = filled(small);
-  ASSERT_EQ(munmap(bytesAt(torn + 3 * page), page), 0);
-  giveBack(torn, small);
-  EXPECT_FALSE(isMapped(torn, page));
-
-  // A file that came to lie where memory was.
+  // A file may have come to lie where memory was; 0 stands for none.
   const int file = memfd_create("file", MFD_CLOEXEC);
   ASSERT_EQ(ftruncate(file, static_cast<off_t>(small)), 0);
-  for (const int kind : {MAP_SHARED, MAP_PRIVATE}) {
+  for (const auto& [offset, size, kind] :
+       {std::tuple{vm_size_t{0}, small, 0}, {3 * page, page, 0}, {0, small, MAP_SHARED}, {0, small, MAP_PRIVATE}}) {
     const vm_address_t taken = filled(small);
-    ASSERT_EQ(munmap(bytesAt(taken), small), 0);
-    ASSERT_NE(mmap(bytesAt(taken), small, PROT_READ | PROT_WRITE, kind | MAP_FIXED, file, 0), MAP_FAILED);
-    bytesAt(taken)[0] = 5;
+    ASSERT_EQ(munmap(bytesAt(taken + offset), size), 0);
+    if (kind) {
+      ASSERT_NE(mmap(bytesAt(taken), small, PROT_READ | PROT_WRITE, kind | MAP_FIXED, file, 0), MAP_FAILED);
+      bytesAt(taken)[0] = 5;
+    }
     giveBack(taken, small);
     EXPECT_FALSE(isMapped(taken, page));
   }
@@ -134,8 +121,7 @@ TEST_F(KeptMemoryTest, WhatIsMissingOrSomebodyElsesIsNotKept) {
 TEST_F(KeptMemoryTest, PartsAndNeighboursGoTheirOwnWays) {
   const vm_address_t address = filled(3 * small, 1);
   giveBack(address + small, small);
-  EXPECT_EQ(bytesAt(address)[small - 1], 1);
-  EXPECT_EQ(bytesAt(address)[2 * small], 1);
+  EXPECT_TRUE(bytesAt(address)[small - 1] == 1 && bytesAt(address)[2 * small] == 1);
   const vm_address_t again = allocated(small);
   EXPECT_TRUE(isZero(again, small));
   EXPECT_EQ(mach_release_kept_memory(), 0u);
@@ -179,11 +165,10 @@ TEST_F(KeptMemoryTest, ComesAgainWritableAndAbleToBeShared) {
 
 TEST_F(KeptMemoryTest, StaysWithinItsLimit) {
   mach_limit_kept_memory(3 * small);
-  std::vector<vm_address_t> all;
-  for (int i = 0; i < 6; ++i) all.push_back(filled(small));
+  std::vector<vm_address_t> all(6);
+  for (vm_address_t& address : all) address = filled(small);
   for (const vm_address_t address : all) giveBack(address, small);
-  giveBack(filled(4 * small), 4 * small);
-  giveBack(filled(page), page);
+  for (const vm_size_t size : {4 * small, page}) giveBack(filled(size), size);
   EXPECT_EQ(mach_release_kept_memory(), 3 * small);
   giveBack(filled(small), small);
   mach_limit_kept_memory(0);
@@ -201,13 +186,11 @@ TEST_F(KeptMemoryTest, MakesRoomBeforeAnAllocationFails) {
   std::ifstream("/proc/self/statm") >> pagesInUse;
   const rlimit tight{pagesInUse * page + kept / 4, before.rlim_max};
   ASSERT_EQ(setrlimit(RLIMIT_AS, &tight), 0);
-  vm_address_t address = 0;
+  vm_address_t address = 0, second = 0;
   const kern_return_t fits = vm_allocate(self, &address, kept - page, VM_FLAGS_ANYWHERE);
-  vm_address_t second = 0;
   const kern_return_t doesNot = vm_allocate(self, &second, kept - page, VM_FLAGS_ANYWHERE);
   ASSERT_EQ(setrlimit(RLIMIT_AS, &before), 0);
-  EXPECT_EQ(fits, KERN_SUCCESS);
-  EXPECT_EQ(doesNot, KERN_NO_SPACE);
+  EXPECT_TRUE(fits == KERN_SUCCESS && doesNot == KERN_NO_SPACE) << fits << ", " << doesNot;
   EXPECT_EQ(mach_release_kept_memory(), 0u);
   giveBack(address, kept - page);
 }
@@ -215,20 +198,20 @@ TEST_F(KeptMemoryTest, MakesRoomBeforeAnAllocationFails) {
 // Threads make and release at once; every byte is as its owner left it, and zero at first.
 TEST_F(KeptMemoryTest, ServesThreads) {
   std::vector<int> faults(4);
-  const auto work = [&faults](int thread) {
-    std::mt19937 random(static_cast<unsigned>(thread));
-    for (int i = 0; i < 300; ++i) {
-      const vm_size_t size = small * (1 + random() % 2);
-      vm_address_t address = 0;
-      if (vm_allocate(self, &address, size, VM_FLAGS_ANYWHERE) != KERN_SUCCESS) ++faults[thread];
-      if (!isZero(address, size)) ++faults[thread];
-      std::memset(bytesAt(address), thread + 1, size);
-      if (bytesAt(address)[size - 1] != thread + 1 || bytesAt(address)[0] != thread + 1) ++faults[thread];
-      if (vm_deallocate(self, address, size) != KERN_SUCCESS) ++faults[thread];
-    }
-  };
   std::vector<std::thread> threads;
-  for (int i = 0; i < 4; ++i) threads.emplace_back(work, i);
+  for (unsigned thread = 0; thread < 4; ++thread) {
+    threads.emplace_back([mark = std::uint8_t(thread + 1), &count = faults[thread]] {
+      std::mt19937 random(mark);
+      for (int i = 0; i < 300; ++i) {
+        const vm_size_t size = small * (1 + random() % 2);
+        vm_address_t address = 0;
+        count += vm_allocate(self, &address, size, VM_FLAGS_ANYWHERE) != KERN_SUCCESS || !isZero(address, size);
+        std::memset(bytesAt(address), mark, size);
+        count += bytesAt(address)[size - 1] != mark || bytesAt(address)[0] != mark;
+        count += vm_deallocate(self, address, size) != KERN_SUCCESS;
+      }
+    });
+  }
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(faults, std::vector<int>(4));
 }

@@ -18,6 +18,13 @@ inline vm_address_t allocated(vm_size_t size) {
   return address;
 }
 
+// Memory whose every page begins with its number, from 1 on.
+inline vm_address_t numbered(vm_size_t pages) {
+  const vm_address_t address = allocated(pages * page);
+  for (vm_size_t i = 0; i < pages; ++i) bytesAt(address)[i * page] = static_cast<std::uint8_t>(i + 1);
+  return address;
+}
+
 inline mach_port_t entryOf(vm_address_t address, vm_size_t size) {
   mach_port_t entry = MACH_PORT_NULL;
   EXPECT_EQ(mach_make_memory_entry(self, &size, address, readAndWrite, &entry, MACH_PORT_NULL), KERN_SUCCESS);

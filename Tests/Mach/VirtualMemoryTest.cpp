@@ -17,35 +17,28 @@ TEST(VirtualMemory, IsPageAlignedZeroAndWritableToItsLastPage) {
   }
 }
 
-TEST(VirtualMemory, AnswersWithTheResultCodes) {
+TEST(VirtualMemory, GivesTheResultCodes) {
+  constexpr vm_size_t largest = std::numeric_limits<vm_size_t>::max();
   vm_address_t address = 42;
   EXPECT_EQ(vm_allocate(self, &address, 0, VM_FLAGS_ANYWHERE), KERN_SUCCESS);
   EXPECT_EQ(address, 0u);
   EXPECT_EQ(vm_allocate(self, &address, std::size_t{1} << 60, VM_FLAGS_ANYWHERE), KERN_NO_SPACE);
-  EXPECT_EQ(vm_allocate(self, &address, std::numeric_limits<vm_size_t>::max(), VM_FLAGS_ANYWHERE),
-            KERN_INVALID_ARGUMENT);
+  EXPECT_EQ(vm_allocate(self, &address, largest, VM_FLAGS_ANYWHERE), KERN_INVALID_ARGUMENT);
   EXPECT_EQ(vm_allocate(self + 1, &address, page, VM_FLAGS_ANYWHERE), KERN_INVALID_ARGUMENT);
   EXPECT_EQ(address, 0u) << "written on failure";
-
-  EXPECT_EQ(vm_deallocate(self, 0, 0), KERN_SUCCESS);
-  EXPECT_EQ(vm_deallocate(self, 0xDEAD000, 0), KERN_SUCCESS);
-  EXPECT_EQ(vm_deallocate(self, page, std::numeric_limits<vm_size_t>::max()), KERN_INVALID_ARGUMENT);
-
+  for (const vm_address_t nothing : {vm_address_t{0}, vm_address_t{0xDEAD000}}) release({}, {{nothing, 0}});
+  EXPECT_EQ(vm_deallocate(self, page, largest), KERN_INVALID_ARGUMENT);
   EXPECT_EQ(mach_port_deallocate(self, 0x7FFFFFFF), KERN_INVALID_NAME);
   EXPECT_EQ(mapEntry(0x7FFFFFFF, &address, page), KERN_INVALID_OBJECT);
   EXPECT_EQ(mach_munmap(reinterpret_cast<void*>(1), page), -1);
   EXPECT_EQ(errno, EINVAL);
-}
 
-TEST(VirtualMemory, CanBePlacedAtAFreeAddressOnly) {
-  const vm_address_t wanted = allocated(2 * page);
-  vm_address_t address = wanted;
+  const vm_address_t wanted = address = allocated(2 * page);
   EXPECT_EQ(vm_allocate(self, &address, page, VM_FLAGS_FIXED), KERN_NO_SPACE);
   release({}, {{wanted, 2 * page}});
   EXPECT_EQ(vm_allocate(self, &address, page, VM_FLAGS_FIXED), KERN_SUCCESS);
-  EXPECT_EQ(address, wanted);
+  EXPECT_EQ(address++, wanted);
   release({}, {{wanted, page}});
-  ++address;
   EXPECT_EQ(vm_allocate(self, &address, page, VM_FLAGS_FIXED), KERN_INVALID_ARGUMENT);
 }
 
@@ -90,15 +83,15 @@ TEST(MemoryEntry, CostsNoDescriptorUntilItIsMapped) {
 TEST(MemoryEntry, SharesTheSameBytesAtTheOldAddressAndTheNew) {
   const vm_size_t size = 600 * page;
   const vm_address_t address = allocated(size);
-  for (vm_size_t i = 0; i < size; ++i) bytesAt(address)[i] = static_cast<std::uint8_t>(i * 31 >> 3);
+  const auto pattern = [](vm_size_t i) { return static_cast<std::uint8_t>(i * 31 >> 3); };
+  for (vm_size_t i = 0; i < size; ++i) bytesAt(address)[i] = pattern(i);
   const mach_port_t entry = entryOf(address, size);
   const vm_address_t mapped = placeOf(entry, size);
   ASSERT_NE(mapped, address);
-  for (vm_size_t i = 0; i < size; ++i) ASSERT_EQ(bytesAt(mapped)[i], static_cast<std::uint8_t>(i * 31 >> 3));
+  for (vm_size_t i = 0; i < size; ++i) ASSERT_EQ(bytesAt(mapped)[i], pattern(i));
   bytesAt(mapped)[size - 1] = 99;
   EXPECT_EQ(bytesAt(address)[size - 1], 99);
   const vm_address_t copy = placeOf(entry, page, size - page, true);
-  EXPECT_EQ(bytesAt(copy)[page - 1], 99);
   bytesAt(address)[size - 1] = 1;
   EXPECT_EQ(bytesAt(copy)[page - 1], 99) << "a copy keeps the bytes of its moment";
   release({entry}, {});
@@ -107,10 +100,8 @@ TEST(MemoryEntry, SharesTheSameBytesAtTheOldAddressAndTheNew) {
 }
 
 TEST(MemoryEntry, OfAPartNamesThatPart) {
-  const vm_address_t address = allocated(8 * page);
-  for (int i = 0; i < 8; ++i) bytesAt(address)[i * page] = static_cast<std::uint8_t>(i + 1);
-  const mach_port_t whole = entryOf(address, 8 * page);
-  const mach_port_t part = entryOf(address + 3 * page, 2 * page);
+  const vm_address_t address = numbered(8);
+  const mach_port_t whole = entryOf(address, 8 * page), part = entryOf(address + 3 * page, 2 * page);
   const vm_address_t ofPart = placeOf(part, page, page);
   EXPECT_EQ(bytesAt(ofPart)[0], 5);
   release({whole}, {});

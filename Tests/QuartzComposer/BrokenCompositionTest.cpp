@@ -1,18 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/QuartzComposer/QCCompositionBuilder.h"
-#include "Tests/QuartzComposer/TestFolder.h"
 #include "Tests/QuartzComposer/TestPatches.h"
-
-#include <filesystem>
 
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string bytesOf(const PropertyList& list) {
-  const auto bytes = PropertyListToBytes(list, PropertyListFormat::Binary, nullptr).value_or(PropertyList::Bytes());
-  return {bytes.begin(), bytes.end()};
-}
 
 // Expects that the manager, which loaded something "Broken.qtz", has a good composition nevertheless, and told once of
 // the broken one.
@@ -41,35 +33,31 @@ TEST(BrokenCompositions, AreReportedOnceAndTheOthersLoad) {
     Capture errors(STDERR_FILENO);
     manager->loadPlugInsInFolder(folder.path(), {"qtz"});
     expectRefusal(*manager, cause.substr(0, cause.find(" -->")));
-    EXPECT_EQ(errors.text(), folder.path() + "/Broken.qtz: " + manager->loadFailures().at(0).reason + "\n");
+    EXPECT_EQ(errors.text(), folder.path("Broken.qtz") + ": " + manager->loadFailures().at(0).reason + "\n");
     ++count;
   }
   EXPECT_GE(count, 38);
 }
 
-TEST(BrokenCompositions, AreRefusedWithoutAReasonToo) {
-  const auto manager = managerWithTestPatches();
+TEST(BrokenCompositions, AreRefusedWithoutAReasonTooAndBeforeTheyAreRead) {
+  const auto manager = managerWithTestPatches(), other = newManager();
   EXPECT_EQ(QCCompositionFromFile("/nowhere.qtz", nullptr), nullptr);
   EXPECT_EQ(QCCompositionFromPropertyList(PropertyList::array(), "C.qtz", nullptr), nullptr);
   const auto unknown = QCCompositionFromPropertyList(composition("C", {"Sun"}), "C.qtz", nullptr);
   ASSERT_TRUE(unknown);
   EXPECT_EQ(QCPatchWithComposition(*unknown, *manager, nullptr), nullptr);
-  load(*manager, composition("C", std::vector<std::string>(1025, "Sum")), "Broken.qtz");
+  load(*manager, composition("C", Names(1025, "Sum")), "Broken.qtz");
   expectRefusal(*manager, "1025 nodes, more than 1024");
-}
 
-TEST(BrokenCompositions, AreRefusedBeforeTheyAreRead) {
   const TestFolder folder;
   folder.write("A.qtz", "no property list");
-  folder.write("B.qtz", "");
   folder.write("C.qtz/file", "");
-  folder.write("D.qtz", "x");
-  fs::resize_file(folder.path() + "/D.qtz", std::uintmax_t{1} << 40);  // a hole
-  const auto manager = newManager();
-  manager->loadPlugInsInFolder(folder.path(), {"qtz"});
-  ASSERT_EQ(manager->loadFailures().size(), 4u);
-  EXPECT_EQ(manager->loadFailures()[2].reason, "it is not a file");
-  EXPECT_EQ(manager->loadFailures()[3].reason, "it is larger than a composition can be");
+  for (const char* name : {"B.qtz", "D.qtz"}) folder.write(name, "");
+  fs::resize_file(folder.path("D.qtz"), std::uintmax_t{1} << 40);  // a hole
+  other->loadPlugInsInFolder(folder.path(), {"qtz"});
+  ASSERT_EQ(other->loadFailures().size(), 4u);
+  EXPECT_EQ(other->loadFailures()[2].reason, "it is not a file");
+  EXPECT_EQ(other->loadFailures()[3].reason, "it is larger than a composition can be");
 }
 
 TEST(BrokenCompositions, MutualRecursionIsToldFromThoseThatNameIt) {
@@ -96,12 +84,14 @@ TEST(BrokenCompositions, ManyThatCannotBeCompletedAreExplained) {
   const auto manager = managerWithTestPatches();
   const TestFolder folder;
   constexpr int count = 1000;
+  const auto write = [&](const std::string& file, const std::string& name, const std::string& node) {
+    folder.write(file + ".qtz", bytesOf(composition(name, {node})));
+  };
   for (int i = 0; i < count; ++i) {
-    const std::string number = std::to_string(1000 + i), next = std::to_string(1000 + (i + 1) % count);
-    const std::string longName = std::string(250, 'x') + number;
-    folder.write("C" + number + ".qtz", bytesOf(composition(("C" + number).c_str(), {"C" + next})));
-    folder.write("L" + number + ".qtz", bytesOf(composition(longName.c_str(), {"Sum"})));
-    folder.write("M" + number + ".qtz", bytesOf(composition(("M" + number).c_str(), {longName + "z"})));
+    const std::string number = std::to_string(1000 + i), longName = std::string(250, 'x') + number;
+    write("C" + number, "C" + number, "C" + std::to_string(1000 + (i + 1) % count));
+    write("L" + number, longName, "Sum");
+    write("M" + number, "M" + number, longName + "z");
   }
   Capture errors(STDERR_FILENO);
   manager->loadPlugInsInFolder(folder.path(), {"qtz"});
@@ -123,7 +113,7 @@ TEST(BrokenCompositions, CheckingManyMakesNoMoreNodesThanTheyName) {
     return std::make_shared<QCPatch>();
   }));
   load(*manager, composition("Inner", std::vector<std::string>(1023, "Counted")));
-  for (int i = 0; i < 300; ++i) load(*manager, composition(("Outer " + std::to_string(i)).c_str(), {3, "Inner"}));
+  for (int i = 0; i < 300; ++i) load(*manager, composition(("Outer " + std::to_string(i)), {3, "Inner"}));
   EXPECT_EQ(manager->nodeNames().size(), 302u);
   EXPECT_EQ(manager->nodeDescriptionWithName("Outer 299")->attributes().find("name")->stringValue(), "Outer 299");
   EXPECT_EQ(made, 1023);
@@ -133,44 +123,37 @@ TEST(BrokenCompositions, CheckingManyMakesNoMoreNodesThanTheyName) {
 
 TEST(BrokenCompositions, ManyPortsAndRolesAreFoundByTheirKeys) {
   const auto manager = newManager();
-  ASSERT_TRUE(manager->registerNodeWithName("Wide", {}, [] {
-    auto patch = std::make_shared<QCPatch>();
-    for (int i = 0; i < 100000; ++i) patch->addInputPort<QCNumberPort>(std::to_string(i));
-    return patch;
-  }));
-  PropertyList list = composition("Many", {"Wide"});
-  PropertyList inputs = PropertyList::array(), roles;
+  auto wide = std::make_shared<QCPatch>();
+  PropertyList inputs = PropertyList::array(), roles, list = composition("Many", {"Wide"});
   for (int i = 0; i < 100000; ++i) {
     const std::string key = std::to_string(i);
+    wide->addInputPort<QCNumberPort>(key);
     inputs.append(dict({{"key", text(key)}, {"node", text("n0")}, {"port", text(key)}}));
     roles.set("input" + key, text(key));
   }
+  ASSERT_TRUE(manager->registerNodeWithName("Wide", {}, [wide] { return wide; }));
   list.set("inputs", inputs);
   list.set("attributes", dict({{"name", text("Many")}, {"protocols", dict({{"filter", roles}})}}));
   std::string reason;
   const auto read = QCCompositionFromPropertyList(list, "Many.qtz", &reason);
-  ASSERT_TRUE(read) << reason;
-  ASSERT_TRUE(QCPatchWithComposition(*read, *manager, &reason)) << reason;
+  ASSERT_TRUE(read && QCPatchWithComposition(*read, *manager, &reason)) << reason;
 }
 
 TEST(BrokenCompositions, DepthAndSizeOfWhatIsInsideAreBounded) {
   const auto manager = managerWithTestPatches();
-  std::string inner = "Sum";
-  for (int depth = 1; depth <= 17; ++depth) {
-    const std::string name = "Deep " + std::to_string(depth);
-    load(*manager, composition(name.c_str(), {inner}));
-    inner = name;
-  }
-  inner = "Sum";
-  for (int level = 1; level <= 5; ++level) {  // eight times as many nodes at every level
-    const std::vector<std::string> nodes(8, inner);
-    inner = "Wide " + std::to_string(level);
-    load(*manager, composition(inner.c_str(), nodes));
-  }
+  const auto nest = [&](const std::string& name, int levels, std::size_t nodes) {
+    std::string inner = "Sum";
+    for (int level = 1; level <= levels; ++level) {
+      const std::string outer = name + std::to_string(level);
+      load(*manager, composition(outer, std::vector(nodes, inner)));
+      inner = outer;
+    }
+  };
+  nest("Deep ", 17, 1);
+  nest("Wide ", 5, 8);
   const auto& failures = manager->loadFailures();
   ASSERT_EQ(failures.size(), 3u);
   EXPECT_EQ(failures[0].reason, "compositions are nested more than 16 deep in it");
   EXPECT_NE(failures[1].reason.find("more than 4096 nodes"), std::string::npos) << "8^4 and the compositions above";
-  EXPECT_NE(manager->nodeInstanceWithName("Deep 16"), nullptr);
-  EXPECT_NE(manager->nodeInstanceWithName("Wide 3"), nullptr);
+  for (const char* whole : {"Deep 16", "Wide 3"}) EXPECT_NE(manager->nodeInstanceWithName(whole), nullptr);
 }

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Tests/QuartzComposer/TestPatches.h"
 
-#include <stdexcept>
-
 TEST(NodeManager, TheFirstOfANamespaceIsTheOneThatIsFound) {
   const std::string space = "org.vorto.test.first";
   EXPECT_EQ(GFNodeManager::managerForNodeNamespace(space), nullptr);

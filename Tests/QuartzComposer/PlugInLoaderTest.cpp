@@ -1,55 +1,54 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/QuartzComposer/GFNodeManager.h"
-#include "Tests/QuartzComposer/TestFolder.h"
 #include "Tests/QuartzComposer/TestPatches.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <filesystem>
-#include <functional>
-
 namespace fs = std::filesystem;
 
 namespace {
 
-// A bundle "M.plugin" that lies between two whole ones, and what is wrong with it.
-struct BrokenBundle {
-  const char* name;
-  std::function<void(const TestFolder&)> make;
-  const char* reason;  // a part of it
-};
+using Make = std::function<void(const TestFolder&)>;
 
-std::function<void(const TestFolder&)> bundleOf(const char* plugIn) {
+Make bundleOf(const char* plugIn) {
   return [plugIn](const TestFolder& folder) { folder.writeBundle("M.plugin", plugIn); };
 }
 
-std::function<void(const TestFolder&)> bundleWithInfo(const std::string& info) {
+Make bundleWithInfo(const std::string& info) {
   return [info](const TestFolder& folder) {
     folder.writeBundle("M.plugin", "Good");
     folder.write("M.plugin/Contents/Info.plist", info);
   };
 }
 
-std::function<void(const TestFolder&)> bundleWithBinary(std::function<std::string(std::string)> edit) {
+Make bundleWithBinary(std::function<std::string(std::string)> edit) {
   return [edit](const TestFolder& folder) {
     folder.write("M.plugin/Contents/Info.plist", infoPlist("Program"));
     folder.write("M.plugin/Contents/Linux/Program", edit(contentsOf(testPlugIn("Good"))));
   };
 }
 
+Make file(const char* name) {
+  return [name](const TestFolder& folder) { folder.write(name, ""); };
+}
+
+// A bundle "M.plugin" that lies between two whole ones, and what is wrong with it.
+struct BrokenBundle {
+  const char* name;
+  Make make;
+  const char* reason;  // a part of it
+};
+
 const BrokenBundle brokenBundles[] = {
-    {"NoInfo", [](const TestFolder& folder) { folder.write("M.plugin/Contents/Linux/Program", ""); },
-     "no Contents/Info.plist"},
-    {"NotAFolder", [](const TestFolder& folder) { folder.write("M.plugin", "text"); }, "not a folder"},
-    {"DanglingLink", [](const TestFolder& folder) { fs::create_symlink("/nowhere", folder.path() + "/M.plugin"); },
-     "leads nowhere"},
-    {"InfoIsAFolder", [](const TestFolder& folder) { folder.write("M.plugin/Contents/Info.plist/file", ""); },
-     "Info.plist cannot be read"},
+    {"NoInfo", file("M.plugin/Contents/Linux/Program"), "no Contents/Info.plist"},
+    {"NotAFolder", file("M.plugin"), "not a folder"},
+    {"DanglingLink", [](auto& folder) { fs::create_symlink("/nowhere", folder.path("M.plugin")); }, "leads nowhere"},
+    {"InfoIsAFolder", file("M.plugin/Contents/Info.plist/file"), "Info.plist cannot be read"},
     {"InfoIsAPipe",
-     [](const TestFolder& folder) {
+     [](auto& folder) {
        folder.write("M.plugin/Contents/file", "");
-       ASSERT_EQ(mkfifo((folder.path() + "/M.plugin/Contents/Info.plist").c_str(), 0600), 0);
+       ASSERT_EQ(mkfifo(folder.path("M.plugin/Contents/Info.plist").c_str(), 0600), 0);
      },
      "Info.plist cannot be read"},
     {"MalformedInfo", bundleWithInfo("<plist><dict><key>CFBundleExecutable"), "Info.plist cannot be read: "},
@@ -97,42 +96,30 @@ TEST(PlugInLoader, ABrokenBundleIsReportedAndTheOthersLoad) {
     const auto& failures = manager->loadFailures();
     // The bundle "Searching" loads the folder once more: what failed fails again, what registered is a duplicate.
     ASSERT_FALSE(failures.empty());
-    EXPECT_EQ(failures[0].path, folder.path() + "/M.plugin");
+    EXPECT_EQ(failures[0].path, folder.path("M.plugin"));
     EXPECT_NE(failures[0].reason.find(bundle.reason), std::string::npos) << failures[0].reason;
     EXPECT_EQ(printed.find(failures[0].path + ": " + failures[0].reason + "\n"), 0u) << printed;
   }
 }
 
-TEST(PlugInLoader, LoadsAFolderOnceInOrderAndSkipsTheRest) {
+TEST(PlugInLoader, LoadsAFolderOnceForEachManagerInOrderAndSkipsTheRest) {
   const TestFolder folder;
   folder.writeBundle("B.plugin", "Duplicate");
   const std::string good = folder.writeBundle("A.plugin", "Good");
-  folder.write(".hidden.plugin", "");
-  folder.write("readme.txt", "");
-  folder.write("C.plugin.old", "");
-  const auto manager = newManager();
-  manager->loadPlugInsInFolder(folder.path() + "/missing", {"plugin"});
-  manager->loadPlugInsInFolder(folder.path(), {"plugin", "txt"});
-
-  EXPECT_EQ(manager->nodeNames(), (Names{"Good A", "Good B", "Duplicate B"}));
-  EXPECT_EQ(manager->pathOfNodeWithName("Good A"), good) << "the first of a name stays";
-  EXPECT_EQ(manager->nodeInstanceWithName("Good A")->attributes().find("description")->stringValue(),
-            "from the good plug-in");
-  ASSERT_EQ(manager->loadFailures().size(), 1u);
-  EXPECT_EQ(manager->loadFailures()[0].path, folder.path() + "/B.plugin");
-  EXPECT_EQ(manager->loadFailures()[0].reason, "the node \"Good A\" is there already, from " + good);
-}
-
-TEST(PlugInLoader, TwoManagersLoadTheSameBundle) {
-  const TestFolder folder;
-  folder.writeBundle("A.plugin", "Good");
-  const auto first = newManager();
-  const auto second = std::make_shared<GFNodeManager>();
+  for (const char* other : {".hidden.plugin", "readme.txt", "C.plugin.old"}) folder.write(other, "");
+  const auto first = newManager(), second = std::make_shared<GFNodeManager>();
   ASSERT_TRUE(second->initWithNamespace(first->nodeNamespace()));
-  first->loadPlugInsInFolder(folder.path(), {"plugin"});
-  second->loadPlugInsInFolder(folder.path(), {"plugin"});
-  EXPECT_EQ(first->nodeNames(), second->nodeNames());
-  EXPECT_TRUE(second->loadFailures().empty());
+  for (const auto& manager : {first, second}) {
+    manager->loadPlugInsInFolder(folder.path("missing"), {"plugin"});
+    manager->loadPlugInsInFolder(folder.path(), {"plugin", "txt"});
+    EXPECT_EQ(manager->nodeNames(), (Names{"Good A", "Good B", "Duplicate B"}));
+    EXPECT_EQ(manager->pathOfNodeWithName("Good A"), good) << "the first of a name stays";
+    EXPECT_EQ(manager->nodeInstanceWithName("Good A")->attributes().find("description")->stringValue(),
+              "from the good plug-in");
+    ASSERT_EQ(manager->loadFailures().size(), 1u);
+    EXPECT_EQ(manager->loadFailures()[0].path, folder.path("B.plugin"));
+    EXPECT_EQ(manager->loadFailures()[0].reason, "the node \"Good A\" is there already, from " + good);
+  }
   EXPECT_EQ(GFNodeManager::managerForNodeNamespace(first->nodeNamespace()), first);
 }
 

@@ -5,9 +5,6 @@
 #include "Platform/QuartzComposer/QCPatch.h"
 #include "Tests/QuartzComposer/TestPatches.h"
 
-#include <cmath>
-#include <limits>
-
 namespace {
 
 using P = PropertyList;
@@ -25,7 +22,7 @@ std::shared_ptr<QCPort> make(PropertyList attributes) {
   return std::make_shared<Port>("key", std::move(attributes));
 }
 
-P color(std::initializer_list<double> components) {
+P color(const std::vector<double>& components) {
   P array = P::array();
   for (const double component : components) array.append(P::real(component));
   return array;
@@ -61,14 +58,6 @@ const StateRow stateRows[] = {
     {"NoStateForTheBaseClass", make<QCObjectPort>, P::integer(9), {}},
 };
 
-struct Recorder : NSKeyValueObserver {
-  void observeValueForKeyPath(const std::string& keyPath, NSObject* object, const PropertyList&, void*) override {
-    auto* port = dynamic_cast<QCNumberPort*>(object);
-    seen.push_back(keyPath + "=" + std::to_string(static_cast<int>(port->doubleValue())));
-  }
-  std::vector<std::string> seen;
-};
-
 }  // namespace
 
 TEST(Port, StatesAreTakenOrRefusedWhole) {
@@ -89,40 +78,30 @@ TEST(Port, StatesAreTakenOrRefusedWhole) {
   }
 }
 
-TEST(Port, ReasonTellsWhatAStateRaised) {
-  std::string reason;
-  EXPECT_FALSE(TestObjectPort("key").setStateValue(P::array(), &reason));
-  EXPECT_EQ(reason, "this state does not fit a TestObject: index 5 beyond 3");
-}
-
-TEST(Port, AnnouncesBothKeyPathsAroundEveryChange) {
-  const auto port = std::make_shared<QCNumberPort>("key");
-  Recorder recorder;
-  port->addObserver(&recorder, "value", 0, nullptr);
-  port->addObserver(&recorder, "__rawValue__", 0, nullptr);
+TEST(Port, AnnouncesBothKeyPathsAroundEveryChangeToObserversThatMayLetGoOfIt) {
+  struct Recorder : NSKeyValueObserver {
+    void observeValueForKeyPath(const std::string& keyPath, NSObject* object, const PropertyList&, void*) override {
+      seen.push_back(keyPath + "=" + std::to_string(dynamic_cast<QCNumberPort&>(*object).doubleValue()));
+      if (seen.size() == 5) port.reset();
+    }
+    Names seen;
+    std::shared_ptr<QCNumberPort> port = std::make_shared<QCNumberPort>("key");
+  } recorder;
+  const auto& port = recorder.port;
+  for (const char* path : {"value", "__rawValue__"}) port->addObserver(&recorder, path, 0, nullptr);
   port->setDoubleValue(4);
-  EXPECT_EQ(recorder.seen, (Names{"value=4", "__rawValue__=4"}));
+  EXPECT_EQ(recorder.seen, (Names{"value=4.000000", "__rawValue__=4.000000"}));
   EXPECT_FALSE(port->setValue(nullptr));
-  EXPECT_EQ(recorder.seen.size(), 2u) << "a refused value is not announced";
   port->willChangeValue();
-  EXPECT_EQ(recorder.seen.size(), 2u);
+  EXPECT_EQ(recorder.seen.size(), 2u) << "a refused value is not announced";
   port->didChangeValue();
   EXPECT_EQ(recorder.seen.size(), 4u);
+  QCNumberPort* const dying = port.get();
+  dying->setDoubleValue(1);
+  EXPECT_EQ(port, nullptr);
 }
 
-TEST(Port, SurvivesAnObserverThatLetsGoOfIt) {
-  struct Releaser : NSKeyValueObserver {
-    void observeValueForKeyPath(const std::string&, NSObject*, const PropertyList&, void*) override { port.reset(); }
-    std::shared_ptr<QCNumberPort> port;
-  } releaser;
-  releaser.port = std::make_shared<QCNumberPort>("key");
-  QCNumberPort* port = releaser.port.get();
-  port->addObserver(&releaser, "value", 0, nullptr);
-  port->setDoubleValue(1);
-  EXPECT_EQ(releaser.port, nullptr);
-}
-
-TEST(Port, ObjectPortsTakeTheirClassAndThoseBelow) {
+TEST(Port, ObjectPortsTakeAndKeepTheirClass) {
   TestObjectPort port("key");
   EXPECT_TRUE(port.setValue(std::make_shared<TestSubobject>(1)));
   EXPECT_FALSE(port.setValue(std::make_shared<QCObject>()));
@@ -136,6 +115,8 @@ TEST(Port, ObjectPortsTakeTheirClassAndThoseBelow) {
   EXPECT_EQ(reason, "a port of kind object does not take this Unregistered, a class that nobody has registered");
   EXPECT_TRUE(port.setValue(nullptr));
   EXPECT_EQ(port.stateValue(), std::nullopt);
+  EXPECT_FALSE(port.setStateValue(P::array(), &reason));
+  EXPECT_EQ(reason, "this state does not fit a TestObject: index 5 beyond 3");
 
   QCObjectPort any("key");
   EXPECT_TRUE(any.setValue(std::make_shared<TestObject>()));
@@ -145,15 +126,11 @@ TEST(Port, ObjectPortsTakeTheirClassAndThoseBelow) {
   EXPECT_FALSE(port.takesValuesOf(QCImagePort("key")));
   EXPECT_TRUE(QCIndexPort("key").takesValuesOf(QCBooleanPort("key")));
   EXPECT_FALSE(QCStringPort("key").takesValuesOf(QCNumberPort("key")));
-}
 
-TEST(Port, IsMadeAgainUnderAnotherKeyInItsOwnClass) {
   QCPatch patch;
-  const auto port = patch.addInputPort<TestObjectPort>("a");
-  const auto other = port->portWithKey("b", dict({{"name", text("B")}}));
+  const auto other = patch.addInputPort<TestObjectPort>("a")->portWithKey("b", dict({{"name", text("B")}}));
   ASSERT_TRUE(other);
-  EXPECT_EQ(other->className(), "TestObjectPort");
-  EXPECT_EQ(other->key() + other->name(), "bB");
+  EXPECT_EQ(other->className() + other->key() + other->name(), "TestObjectPortbB");
   EXPECT_EQ(other->node(), nullptr);
-  EXPECT_EQ(TestObjectPort("alone").portWithKey("b", {}), nullptr);
+  EXPECT_EQ(port.portWithKey("c", {}), nullptr) << "it belongs to no patch";
 }

@@ -4,11 +4,7 @@ set(test_plugin_folder ${CMAKE_BINARY_DIR}/test-plugins)
 
 function(vorto_test_plugins test)
   foreach(name ${ARGN})
-    set(source QuartzComposer/plugins/${name}.cpp)
-    if(NOT EXISTS ${CMAKE_CURRENT_SOURCE_DIR}/${source})
-      set(source QuartzComposer/plugins/PlugIns.cpp)
-    endif()
-    add_library(test-plugin-${name} MODULE ${source})
+    add_library(test-plugin-${name} MODULE QuartzComposer/plugins/PlugIns.cpp)
     target_compile_definitions(test-plugin-${name} PRIVATE TEST_PLUGIN_${name})
     target_link_libraries(test-plugin-${name} PRIVATE vorto_settings)
     set_target_properties(test-plugin-${name} PROPERTIES PREFIX "" OUTPUT_NAME ${name}
@@ -22,7 +18,6 @@ set_target_properties(test-QuartzComposer PROPERTIES ENABLE_EXPORTS ON)
 target_compile_definitions(test-QuartzComposer PRIVATE TEST_DATA="${CMAKE_CURRENT_SOURCE_DIR}/QuartzComposer")
 vorto_test_plugins(test-QuartzComposer Good Duplicate Throwing ThrowingDescription WrongVersion
                    NoDescription NoFunction NoEntry Unresolved Searching)
-target_sources(test-Registry PRIVATE QuartzComposer/TestFolder.cpp)
 vorto_test_plugins(test-Registry SearchingShared)
 # For the host, which finds them from outside.
 foreach(name Unmade ThrowingConstructor Hanging)

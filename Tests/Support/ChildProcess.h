@@ -25,6 +25,14 @@ class TemporaryFolder {
   TemporaryFolder(const TemporaryFolder&) = delete;
   TemporaryFolder& operator=(const TemporaryFolder&) = delete;
   const std::string& path() const { return path_; }
+  std::string path(const std::string& name) const { return path_ + "/" + name; }
+  // Writes a file, with the folders above it; returns its path.
+  std::string write(const std::string& name, std::string_view contents) const {
+    const std::filesystem::path file = path(name);
+    std::filesystem::create_directories(file.parent_path());
+    std::ofstream(file, std::ios::binary) << contents;
+    return file.string();
+  }
 
  private:
   std::string path_;

@@ -5,11 +5,12 @@
 
 namespace {
 
+using Floats = std::array<float, 3>;
 using Triple = std::array<double, 3>;
 using Conversion = void (*)(float, float, float, float*, float*, float*);
 
-std::array<float, 3> converted(Conversion conversion, double a, double b, double c) {
-  std::array<float, 3> out = {-77, -77, -77};
+Floats converted(Conversion conversion, double a, double b, double c) {
+  Floats out = {-77, -77, -77};
   conversion(static_cast<float>(a), static_cast<float>(b), static_cast<float>(c), &out[0], &out[1], &out[2]);
   return out;
 }
@@ -19,93 +20,74 @@ std::vector<double> steps(double low, double high, int count) {
   for (int i = 0; i <= count; ++i) values.push_back(low + (high - low) * i / count);
   return values;
 }
+const std::vector<double> unit = steps(0, 1, 24);
 
 // Holds a conversion against an oracle in double precision on a grid.
 template <class Oracle>
 void expectOnGrid(Conversion conversion, const std::vector<double>& first, const std::vector<double>& others,
                   double tolerance, Oracle oracle) {
-  for (const double a : first) {
-    for (const double b : others) {
-      for (const double c : others) {
-        const Triple expected = oracle(static_cast<float>(a), static_cast<float>(b), static_cast<float>(c));
-        const auto actual = converted(conversion, a, b, c);
-        for (int i = 0; i < 3; ++i)
-          ASSERT_NEAR(actual[i], expected[i], tolerance) << "component " << i << " of " << a << ", " << b << ", " << c;
-      }
-    }
+  for (std::size_t i = 0; i < first.size() * others.size() * others.size() * 3; ++i) {
+    const double a = first[i / 3 / others.size() / others.size()];
+    const double b = others[i / 3 / others.size() % others.size()], c = others[i / 3 % others.size()];
+    const Triple expected = oracle(static_cast<float>(a), static_cast<float>(b), static_cast<float>(c));
+    ASSERT_NEAR(converted(conversion, a, b, c)[i % 3], expected[i % 3], tolerance) << a << ", " << b << ", " << c;
   }
 }
 
-const std::vector<double> unit = steps(0, 1, 24);
-const std::vector<double> hues = steps(-700, 700, 1000);
-
-// The hue by the angle of the projection onto the hexagon, worked out sextant by sextant from the order of components.
+// The hue by sextants of the hexagon.
 double hueOf(double r, double g, double b) {
-  const double max = std::max({r, g, b}), min = std::min({r, g, b});
+  const auto [min, max] = std::minmax({r, g, b});
   if (max == min) return 0;
-  const auto part = [&](double middle) { return 60 * (middle - min) / (max - min); };
-  if (r == max && b == min) return part(g);
-  if (g == max && b == min) return 120 - part(r);
-  if (g == max && r == min) return 120 + part(b);
-  if (b == max && r == min) return 240 - part(g);
-  if (b == max && g == min) return 240 + part(r);
-  return 360 - part(b);
+  if (r == max) return 60 * (g - b) / (max - min) + (g < b ? 360 : 0);
+  return g == max ? 120 + 60 * (b - r) / (max - min) : 240 + 60 * (r - g) / (max - min);
 }
 
-// One channel of the hexcone as a trapezoid around its peak, in degrees from red.
-double trapezoid(double hue, double low, double high) {
-  const double distance = std::fabs(std::remainder(hue, 360));
-  return low + (high - low) * std::clamp((120 - distance) / 60, 0.0, 1.0);
-}
-
-TEST(ColorConversion, RGBtoHSLAndHSV) {
-  expectOnGrid(VortoColor::RGBtoHSL, unit, unit, 3e-4, [](double r, double g, double b) {
-    const double max = std::max({r, g, b}), min = std::min({r, g, b}), l = (max + min) / 2;
-    const double s = max == min ? 0 : (max - min) / (1 - std::fabs(2 * l - 1));
-    return Triple{std::fmod(hueOf(r, g, b), 360), s, l};
-  });
-  expectOnGrid(VortoColor::RGBtoHSV, unit, unit, 3e-4, [](double r, double g, double b) {
-    const double max = std::max({r, g, b}), min = std::min({r, g, b});
-    return Triple{std::fmod(hueOf(r, g, b), 360), max == 0 ? 0 : (max - min) / max, max};
-  });
-}
-
-TEST(ColorConversion, HSLtoRGBHasBlueAtTheUpperBound) {
-  expectOnGrid(VortoColor::HSLtoRGB, steps(0, 360, 720), unit, 1e-5, [](double h, double s, double l) {
-    if (s == 0) return Triple{l, l, l};
-    const double chroma = (1 - std::fabs(2 * l - 1)) * s;
-    const double low = l - chroma / 2, high = l + chroma / 2;
-    return Triple{trapezoid(h, low, high), trapezoid(h - 120, low, high), high};
-  });
-  EXPECT_EQ(converted(VortoColor::HSLtoRGB, 0, 1, 0.5), (std::array<float, 3>{1, 0, 1}));
-}
-
-TEST(ColorConversion, HSVtoRGB) {
-  expectOnGrid(VortoColor::HSVtoRGB, hues, unit, 1e-4, [](double h, double s, double v) {
-    const double low = v - v * s;
-    return Triple{trapezoid(h, low, v), trapezoid(h - 120, low, v), trapezoid(h - 240, low, v)};
-  });
-  EXPECT_EQ(converted(VortoColor::HSVtoRGB, 0, 3, 1), converted(VortoColor::HSVtoRGB, 0, 1, 1)) << "s is at most 1";
+// The channels of the hexcone as trapezoids around their peaks, in degrees from red.
+Triple hexcone(double hue, double low, double high) {
+  const auto channel = [=](double peak) {
+    const double distance = std::fabs(std::remainder(hue - peak, 360));
+    return low + (high - low) * std::clamp((120 - distance) / 60, 0.0, 1.0);
+  };
+  return {channel(0), channel(120), channel(240)};
 }
 
 // Hues in HWB run the hexagon as in HSV, but where red is the smallest component the offset is 2 and not 3.
-TEST(ColorConversion, RGBtoHWB) {
+TEST(ColorConversion, FromRGB) {
+  expectOnGrid(VortoColor::RGBtoHSL, unit, unit, 3e-4, [](double r, double g, double b) {
+    const auto [min, max] = std::minmax({r, g, b});
+    const double l = (max + min) / 2, s = max == min ? 0 : (max - min) / (1 - std::fabs(2 * l - 1));
+    return Triple{std::fmod(hueOf(r, g, b), 360), s, l};
+  });
+  expectOnGrid(VortoColor::RGBtoHSV, unit, unit, 3e-4, [](double r, double g, double b) {
+    const auto [min, max] = std::minmax({r, g, b});
+    return Triple{std::fmod(hueOf(r, g, b), 360), max == 0 ? 0 : (max - min) / max, max};
+  });
   expectOnGrid(VortoColor::RGBtoHWB, unit, unit, 3e-4, [](double r, double g, double b) {
-    const double max = std::max({r, g, b}), min = std::min({r, g, b});
+    const auto [min, max] = std::minmax({r, g, b});
     double hue = hueOf(r, g, b);
     if (max != min && r == min) hue -= 60;
     if (max != min && r != min && g == min && hue == 0) hue = 360;  // pure red is reached from magenta
     return Triple{hue, min, 1 - max};
   });
-  EXPECT_EQ(converted(VortoColor::RGBtoHWB, 0, 1, 1), (std::array<float, 3>{120, 0, 0}));
+  EXPECT_EQ(converted(VortoColor::RGBtoHWB, 0, 1, 1), (Floats{120, 0, 0}));
 }
 
-TEST(ColorConversion, HWBtoRGB) {
+// Of HSL, blue always lies at the upper bound.
+TEST(ColorConversion, ToRGB) {
+  expectOnGrid(VortoColor::HSLtoRGB, steps(0, 360, 720), unit, 1e-5, [](double h, double s, double l) {
+    if (s == 0) return Triple{l, l, l};
+    const double chroma = (1 - std::fabs(2 * l - 1)) * s, low = l - chroma / 2, high = l + chroma / 2;
+    const Triple color = hexcone(h, low, high);
+    return Triple{color[0], color[1], high};
+  });
+  expectOnGrid(VortoColor::HSVtoRGB, steps(-700, 700, 1000), unit, 1e-4,
+               [](double h, double s, double v) { return hexcone(h, v - v * s, v); });
   expectOnGrid(VortoColor::HWBtoRGB, steps(0, 359.5, 719), unit, 1e-4, [](double h, double w, double blackness) {
     const double v = 1 - blackness;
-    if (std::fabs(v - w) < 1e-6) return Triple{v, v, v};
-    return Triple{trapezoid(h, w, v), trapezoid(h - 120, w, v), trapezoid(h - 240, w, v)};
+    return std::fabs(v - w) < 1e-6 ? Triple{v, v, v} : hexcone(h, w, v);
   });
+  EXPECT_EQ(converted(VortoColor::HSLtoRGB, 0, 1, 0.5), (Floats{1, 0, 1}));
+  EXPECT_EQ(converted(VortoColor::HSVtoRGB, 0, 3, 1), converted(VortoColor::HSVtoRGB, 0, 1, 1)) << "s is at most 1";
 }
 
 // As matrices, in double precision.
@@ -132,18 +114,18 @@ TEST(ColorConversion, LinearModels) {
 }
 
 TEST(ColorConversion, LeavesOutputsUnwrittenWhereNoSextantIsMeant) {
-  const std::array<float, 3> untouched = {-77, -77, -77};
+  const Floats untouched = {-77, -77, -77};
   const double nan = std::nan(""), infinity = std::numeric_limits<double>::infinity();
   for (const double hue : {360.0, 720.0, nan, infinity, -infinity})
     EXPECT_EQ(converted(VortoColor::HSVtoRGB, hue, 1, 1), untouched) << hue;
   for (const double hue : {420.0, 1e9, 1e30, -1.0, -1e30, nan, infinity, -infinity})
     EXPECT_EQ(converted(VortoColor::HWBtoRGB, hue, 0, 0), untouched) << hue;
-  EXPECT_EQ(converted(VortoColor::HWBtoRGB, 360, 0, 0), (std::array<float, 3>{1, 0, 0}));
+  EXPECT_EQ(converted(VortoColor::HWBtoRGB, 360, 0, 0), (Floats{1, 0, 0}));
 
   VortoColor color(VortoColor::HSV, 360, 0.5f, 0.25f, 1);
   color.convertToRGB();
   EXPECT_EQ(color.type, VortoColor::RGB);
-  EXPECT_EQ((std::array<float, 3>{color.c1, color.c2, color.c3}), (std::array<float, 3>{360, 0.5f, 0.25f}));
+  EXPECT_EQ((Floats{color.c1, color.c2, color.c3}), (Floats{360, 0.5f, 0.25f}));
 }
 
 TEST(ColorConversion, ClampHueWrapsAndEnds) {

@@ -21,8 +21,8 @@ C colorOf(const std::string& text) {
   std::string model;
   words >> model;
   C color(none);
-  const std::string models[] = {"HSL", "HSV", "HWB", "RGB", "YIQ", "YUV", "CLU"};
-  for (std::size_t i = 0; i < 7; ++i) color.type = models[i] == model ? allTypes[i] : color.type;
+  const std::string models = "HSLHSVHWBRGBYIQYUVCLU";
+  if (const std::size_t at = models.find(model); at < models.size()) color.type = allTypes[at / 3];
   for (float* component : {&color.c1, &color.c2, &color.c3, &color.alpha}) {
     std::string number;
     words >> number;
@@ -101,13 +101,11 @@ TEST(Color, ConvertsInPlaceThroughRGBAndKeepsAlpha) {
 }
 
 TEST(Color, NothingHangsOnWhatIsNoNumber) {
-  const float infinity = std::numeric_limits<float>::infinity();
   for (int i = 0; i < 7 * 7 * 5 * 3; ++i) {
     const C::Type from = allTypes[i % 7], to = allTypes[i / 7 % 7];
-    const float value = std::array{std::nanf(""), infinity, -infinity, 3e38f, -3e38f}[i / 49 % 5];
-    float c[3] = {0.5f, 0.5f, 0.5f};
-    c[i / 245] = value;
-    C color(from, c[0], c[1], c[2], 0.5f);
+    const float value = std::array{NAN, INFINITY, -INFINITY, 3e38f, -3e38f}[i / 49 % 5];
+    C color(from, 0.5f, 0.5f, 0.5f, 0.5f);
+    *std::array{&color.c1, &color.c2, &color.c3}[i / 245] = value;
     color.convert(to);
     color += C(to, value, value, value, value);
     color.clamp();

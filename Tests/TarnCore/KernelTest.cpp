@@ -148,30 +148,26 @@ void appendCopies(std::vector<Operation>& all, bool streamed) {
   }
 }
 
-struct Depth {
-  DepthLayout layout;
-  std::uint32_t code;
-};
-constexpr Depth kDepths[] = {{DepthLayout::RGBA8, kRGBA8},
-                             {DepthLayout::RGBAHalf, kHalf},
-                             {DepthLayout::ARGB8, kARGB8},
-                             {DepthLayout::RGBA16, kRGBA16},
-                             {DepthLayout::RGBAFloat, kFloat}};
+constexpr std::pair<DepthLayout, std::uint32_t> kDepths[] = {{DepthLayout::RGBA8, kRGBA8},
+                                                             {DepthLayout::RGBAHalf, kHalf},
+                                                             {DepthLayout::ARGB8, kARGB8},
+                                                             {DepthLayout::RGBA16, kRGBA16},
+                                                             {DepthLayout::RGBAFloat, kFloat}};
 
 std::vector<Operation> operations() {
   std::vector<Operation> all = inPlaceOperations();
   for (const bool streamed : {false, true}) {
     appendCopies(all, streamed);
-    for (const Depth& to : kDepths) {
-      if (to.code == kRGBA8 || to.code == kHalf) continue;
-      for (const Depth& from : kDepths) {
-        const Layout out = layoutOf(to.code), in = layoutOf(from.code);
-        const auto run = [=, o = to.layout, i = from.layout](To destination, From source, Count n, auto&) {
+    for (const auto& [toDepth, toCode] : kDepths) {
+      if (toCode == kRGBA8 || toCode == kHalf) continue;
+      for (const auto& [fromDepth, fromCode] : kDepths) {
+        const Layout out = layoutOf(toCode), in = layoutOf(fromCode);
+        const auto run = [=, o = toDepth, i = fromDepth](To destination, From source, Count n, auto&) {
           convertDepth(destination, o, source, i, n, streamed);
         };
         all.push_back({"depth" + std::to_string(all.size()), out.pixelBytes(), in.pixelBytes(), out.number, run,
                        each(out.pixelBytes(), in.pixelBytes(), [=](To o, From i, auto&) { convert(out, o, in, i); }),
-                       streamed ? nullptr : domain(from.code)});
+                       streamed ? nullptr : domain(fromCode)});
       }
     }
   }
@@ -211,10 +207,9 @@ const std::vector<Color>& backgrounds() {
                                {0.1f, 1 / 3.0f, 0.013f}};
     std::mt19937 generator(7);
     std::uniform_real_distribution<float> anywhere(-0.25f, 1.25f);
-    for (int i = 0; i < 40; ++i) {  // half of them with colors that land next to a half when they are seen through
-      const float grey = static_cast<float>(i) / 255;
-      made.push_back(i % 2 ? Color{anywhere(generator), anywhere(generator), anywhere(generator)}
-                           : Color{grey, std::nextafter(grey, 1.0f), 0.5f / 255 * static_cast<float>(i)});
+    for (float i = 0; i < 20; ++i) {  // every other one has colors that land next to a half when they are seen through
+      made.push_back({2 * i / 255, std::nextafter(2 * i / 255, 1.0f), i / 255});
+      made.push_back({anywhere(generator), anywhere(generator), anywhere(generator)});
     }
     return made;
   }();

@@ -15,7 +15,9 @@ using From = const std::uint8_t*;
 using Count = std::size_t;
 
 enum class Number { Byte, Word, Half, Float };
-std::size_t bytesOf(Number number);
+inline std::size_t bytesOf(Number number) {
+  return number == Number::Byte ? 1 : number == Number::Float ? 4 : 2;
+}
 
 struct Layout {
   Number number;
@@ -68,9 +70,6 @@ inline std::uint8_t truncated(float v) {
   const float product = 255 * v;
   return product > 0 ? static_cast<std::uint8_t>(std::min(std::floor(product), 255.0f)) : 0;
 }
-inline float limited(float v) {
-  return std::isnan(v) ? v : std::min(std::max(v, 0.0f), 1.0f);
-}
 
 // v / 256, rounded down.
 inline int shifted(int v) {
@@ -84,15 +83,12 @@ inline void storeARGB(To argb, int Y, int U, int V) {
   for (int k = 0; k < 3; ++k) argb[k + 1] = static_cast<std::uint8_t>(std::clamp(colors[k], 0, 255));
 }
 
-inline std::size_t bytesOf(Number number) {
-  return number == Number::Byte ? 1 : number == Number::Float ? 4 : 2;
-}
-
 // 0 to 1 for integers.
 inline float read(Number number, From at) {
-  if (number == Number::Byte) return static_cast<float>(*at / 255.0);
-  if (number == Number::Word) return static_cast<float>(load<std::uint16_t>(at) / 65535.0);
-  return number == Number::Half ? valueOfHalf(load<std::uint16_t>(at)) : load<float>(at);
+  if (number == Number::Float) return load<float>(at);
+  if (number == Number::Half) return valueOfHalf(load<std::uint16_t>(at));
+  return static_cast<float>((number == Number::Byte ? *at : load<std::uint16_t>(at)) /
+                            static_cast<double>(largestOf(number)));
 }
 
 // The integer of 0 to `largest` that a product rounds to: halves and what lies within 1e-7 below them upward; NaN is 0.
@@ -103,10 +99,11 @@ inline std::uint32_t rounded(double product, std::uint32_t largest) {
 }
 
 inline void write(Number number, To at, float v) {
-  if (number == Number::Byte) store(at, static_cast<std::uint8_t>(rounded(255.0f * v, 255)));
-  if (number == Number::Word) store(at, static_cast<std::uint16_t>(rounded(65535.0f * v, 65535)));
-  if (number == Number::Half) store(at, nearestHalf(v));
-  if (number == Number::Float) store(at, v);
+  if (number == Number::Float) return store(at, v);
+  const std::uint32_t largest = largestOf(number);
+  const std::uint32_t value =
+      number == Number::Half ? nearestHalf(v) : rounded(static_cast<float>(largest) * v, largest);
+  std::memcpy(at, &value, bytesOf(number));
 }
 
 // Whether two stored numbers are equal bit for bit, or neither is one.
@@ -142,7 +139,7 @@ inline void setAlpha(const Layout& layout, To pixel, double alpha) {
   const To at = layout.channel(pixel, layout.alpha);
   if (layout.number >= Number::Half) return write(layout.number, at, static_cast<float>(alpha));
   const std::uint32_t value = rounded(largestOf(layout.number) * alpha, largestOf(layout.number));
-  for (std::size_t i = 0; i < bytesOf(layout.number); ++i) at[i] = static_cast<std::uint8_t>(value >> 8 * i);
+  std::memcpy(at, &value, bytesOf(layout.number));
 }
 
 inline void alphaIntoColors(const Layout& layout, To pixel) {
@@ -173,12 +170,6 @@ inline void unpremultiply(const Layout& layout, To pixel, const Color& backgroun
   }
 }
 
-inline void unpremultiplyTruncated(To argb, From in, const Color& background);
-
-inline void unpremultiplyTruncated(To argb) {
-  if (argb[0] != 0) unpremultiplyTruncated(argb, argb, {{0, 0, 0}});
-}
-
 // From one pixel to another.
 
 inline void unpremultiplyTruncated(To argb, From in, const Color& background) {
@@ -188,8 +179,12 @@ inline void unpremultiplyTruncated(To argb, From in, const Color& background) {
   for (int k = 1; k < 4; ++k) {
     const float under = background.values[k - 1];
     const float c = read(Number::Byte, pixel + k);
-    argb[k] = truncated(a > 0 ? limited((c - under * (1 - a)) / a) : under);
+    argb[k] = truncated(a > 0 ? std::clamp((c - under * (1 - a)) / a, 0.0f, 1.0f) : under);
   }
+}
+
+inline void unpremultiplyTruncated(To argb) {
+  if (argb[0] != 0) unpremultiplyTruncated(argb, argb, {{0, 0, 0}});
 }
 
 inline void convert(const Layout& to, To out, const Layout& from, From in) {
@@ -267,12 +262,7 @@ inline void appendPixels(Bytes& bytes, const Layout& layout, const Numbers& colo
   }
 }
 
-inline Numbers upTo(std::uint32_t count) {
-  Numbers all(count);
-  std::iota(all.begin(), all.end(), 0u);
-  return all;
-}
-
+// Floats of every exponent, and around every half step of bytes, words and bins.
 inline Numbers tellingFloats() {
   Numbers all;
   for (std::uint32_t exponent = 0; exponent < 512; ++exponent) {
@@ -282,8 +272,6 @@ inline Numbers tellingFloats() {
   }
   return all;
 }
-
-// Around every half step of bytes, words and bins.
 inline Numbers floatSteps() {
   Numbers all;
   for (const double step : {0.5 / 255, 0.5 / 65535, 0.5 * 0.003921569f}) {
@@ -297,8 +285,10 @@ inline Numbers floatSteps() {
 
 inline Bytes makeDomain(const Layout& layout) {
   Bytes bytes;
+  Numbers every(layout.number == Number::Byte ? 256 : 65536);
+  std::iota(every.begin(), every.end(), 0u);
   if (layout.number == Number::Byte) {
-    appendPixels(bytes, layout, upTo(256), upTo(256));
+    appendPixels(bytes, layout, every, every);
   } else if (layout.number == Number::Float) {
     const Numbers telling = tellingFloats();
     Numbers alphas = {0x3F800000, 0x3F000000, 0xBF800000, 0x40000000};
@@ -308,8 +298,8 @@ inline Bytes makeDomain(const Layout& layout) {
   } else {
     const Numbers some = {0,      1,      2,      127,    255,    0x3800, 0x3C00, 0x7BFF, 0x7C00,
                           0x7C01, 0x7E00, 0x8000, 0x8001, 0xFBFF, 0xFFFF, 0x03FF, 40000,  12345};
-    appendPixels(bytes, layout, upTo(65536), some);
-    appendPixels(bytes, layout, some, upTo(65536));
+    appendPixels(bytes, layout, every, some);
+    appendPixels(bytes, layout, some, every);
   }
   return bytes;
 }

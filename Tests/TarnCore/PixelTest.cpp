@@ -8,9 +8,9 @@ namespace {
 // Every setter reaches its own channel alone, and its getter reads it back.
 template <class Pixel>
 void expectOrder(const std::array<int, 4>& order) {
-  void (Pixel::*const setters[])(float) = {&Pixel::setRedfn, &Pixel::setGreenfn, &Pixel::setBluefn, &Pixel::setAlphafn};
-  float (Pixel::*const getters[])()
-      const = {&Pixel::getRedfn, &Pixel::getGreenfn, &Pixel::getBluefn, &Pixel::getAlphafn};
+  using P = Pixel;
+  void (P::*const setters[])(float) = {&P::setRedfn, &P::setGreenfn, &P::setBluefn, &P::setAlphafn};
+  float (P::*const getters[])() const = {&P::getRedfn, &P::getGreenfn, &P::getBluefn, &P::getAlphafn};
   for (std::size_t k = 0; k < 4; ++k) {
     Pixel pixel{};
     EXPECT_EQ((pixel.*getters[k])(), order[k] < 0 ? 1 : 0);

@@ -9,15 +9,27 @@
 namespace stacktest {
 
 // Functions whose names the tests look for; none of them is exported.
+__attribute__((noinline)) std::vector<CrawlFrame> Inner() {
+  std::vector<CrawlFrame> frames = VortoCollectFrames(0);
+  asm volatile("" ::: "memory");
+  return frames;
+}
+
+__attribute__((noinline)) std::vector<CrawlFrame> Outer() {
+  std::vector<CrawlFrame> frames = Inner();
+  asm volatile("" ::: "memory");
+  return frames;
+}
+
 __attribute__((noinline)) void PrintFrom(int firstFrame, int detailed) {
   VortoPrintStack(firstFrame, 0, detailed);
   asm volatile("" ::: "memory");
 }
 
-__attribute__((noinline)) std::vector<CrawlFrame> Recurse(int depth) {
-  std::vector<CrawlFrame> frames = depth == 0 ? VortoCollectFrames(0) : Recurse(depth - 1);
+__attribute__((noinline)) std::size_t Recurse(int depth) {
+  const std::size_t count = depth == 0 ? VortoCollectFrames(0).size() : Recurse(depth - 1);
   asm volatile("" ::: "memory");
-  return frames;
+  return count;
 }
 
 }  // namespace stacktest
@@ -31,9 +43,7 @@ std::string LogPath(pid_t process) {
 }
 
 std::string FileText(const std::string& path) {
-  std::ostringstream text;
-  text << std::ifstream(path).rdbuf();
-  return text.str();
+  return (std::ostringstream() << std::ifstream(path).rdbuf()).str();
 }
 
 // Runs the work in a child that prints or, with a value, logs, and removes the log.
@@ -113,14 +123,14 @@ TEST(TCPrintTest, UnreachableCodeReportsItselfAndAborts) {
 }
 
 TEST(TCStackTest, Headers) {
+  constexpr int kBeyond = 1 << 20;  // no frame is that far out
   const Child child(nullptr, [] {
-    for (const bool isStarted : {false, true}) {
-      if (isStarted) VortoPrintStackStart("program");
-      VortoPrintStackStop();
-      VortoPrintStack(1 << 20, 0, isStarted);  // no frame is that far out
-    }
+    VortoPrintStack(kBeyond, 0, 0);
+    VortoPrintStackStart("program");
+    VortoPrintStackStop();
+    VortoPrintStack(kBeyond, 0, 1);
     VortoPrintStackStart(nullptr);
-    VortoPrintStack(1 << 20, 0, 0);
+    VortoPrintStack(kBeyond, 0, 0);
     return 0;
   });
   const std::string start = "Printing stack for process " + std::to_string(child.process);
@@ -133,23 +143,20 @@ TEST(TCStackTest, PrintsFramesByTheRule) {
   const std::string part(600, 'n');
   const std::string longSymbol = "__Z1f600" + part + "S_S_", longName = "f(" + part + ", " + part + ", " + part + ")";
   const struct {
-    std::uintptr_t counter, address;
+    std::uintptr_t counter, address, offset;
     const char* symbol;
-    std::uintptr_t offset;
     std::string frame, name, behind;  // as printed
   } rows[] = {
-      {0x1234, 0xABCDEF, nullptr, 0, "\t0x00ABCDEF", "\t0x00001234\t<UNKNOWN>", ""},
-      {0x7FFF12345678, 0x7FFE00000010, "-[Port setValue:]", 0x1F, "\t0x7FFE00000010",
-       "\t0x7FFF12345678\t-[Port setValue:]", " +0x1F"},
-      {0x10, 0x20, "+[Port port]", 1, "\t0x00000020", "\t0x00000010\t+[Port port]", " +0x1"},
-      {0x10, 0x20, "__ZN5Vorto4drawEi", 0xAB, "\t0x00000020", "\t0x00000010\tVorto::draw(int)", " +0xAB"},
-      {0x10, 0x20, "_main", 2, "\t0x00000020", "\t0x00000010\t_main", " +0x2"},
-      {0x10, 0x20, "_", 3, "\t0x00000020", "\t0x00000010\t_", " +0x3"},
-      {0x10, 0x20, "", 4, "\t0x00000020", "\t0x00000010\t", " +0x4"},
-      {0x10, 0x20, longSymbol.c_str(), 5, "\t0x00000020", "\t0x00000010\t" + longName, " +0x5"},
+      {0x1234, 0xABCDEF, 0, nullptr, "00ABCDEF", "00001234\t<UNKNOWN>", ""},
+      {0x7FFF12345678, 0x7FFE00000010, 31, "-[P a:]", "7FFE00000010", "7FFF12345678\t-[P a:]", " +0x1F"},
+      {0x10, 0x20, 1, "+[Port port]", "00000020", "00000010\t+[Port port]", " +0x1"},
+      {0x10, 0x20, 0xAB, "__ZN5Vorto4drawEi", "00000020", "00000010\tVorto::draw(int)", " +0xAB"},
+      {0x10, 0x20, 2, "_main", "00000020", "00000010\t_main", " +0x2"},
+      {0x10, 0x20, 3, "_", "00000020", "00000010\t_", " +0x3"},
+      {0x10, 0x20, 4, "", "00000020", "00000010\t", " +0x4"},
+      {0x10, 0x20, 5, longSymbol.c_str(), "00000020", "00000010\t" + longName, " +0x5"},
   };
   for (const auto& [first, detailed] : {std::pair{0, 0}, {0, 1}, {5, 0}, {8, 0}, {-3, 0}}) {
-    const auto begin = static_cast<std::size_t>(std::max(first, 0));
     const Child child(nullptr, [&, first = first, detailed = detailed] {
       std::vector<CrawlFrame> frames(std::size(rows));
       for (std::size_t i = 0; i < frames.size(); ++i) {
@@ -160,11 +167,12 @@ TEST(TCStackTest, PrintsFramesByTheRule) {
       }
       VortoPrintFrames(frames, "test", first, detailed);
       const auto isFreed = [](const CrawlFrame& frame) { return !frame.symbolName; };
-      return std::all_of(frames.begin() + static_cast<std::ptrdiff_t>(begin), frames.end(), isFreed) ? 0 : 1;
+      return std::all_of(frames.begin() + std::max(first, 0), frames.end(), isFreed) ? 0 : 1;
     });
     std::string expected = detailed ? "\tFrame\t\tPC\t\t\tCaller +offset\n" : "";
-    for (std::size_t i = begin; i < std::size(rows); ++i) {
-      expected += detailed ? rows[i].frame + rows[i].name + rows[i].behind + "\n" : rows[i].name + "\n";
+    for (std::size_t i = first < 0 ? 0 : static_cast<std::size_t>(first); i < std::size(rows); ++i) {
+      const std::string name = "\t0x" + rows[i].name;
+      expected += detailed ? "\t0x" + rows[i].frame + name + rows[i].behind + "\n" : name + "\n";
     }
     EXPECT_TRUE(child.exitedWith(0));
     EXPECT_EQ(child.output.substr(child.output.find('\n') + 1), expected);
@@ -172,16 +180,14 @@ TEST(TCStackTest, PrintsFramesByTheRule) {
 }
 
 TEST(TCStackTest, CollectsTheRealFrames) {
-  const std::vector<CrawlFrame> frames = stacktest::Recurse(1);
-  ASSERT_GE(frames.size(), 3u);
-  for (const int i : {0, 1}) {
-    ASSERT_TRUE(frames[i].symbolName);
-    EXPECT_STREQ(frames[i].symbolName.get(), "__ZN9stacktest7RecurseEi");
-    EXPECT_EQ(frames[i].programCounter - frames[i].offset, reinterpret_cast<std::uintptr_t>(&stacktest::Recurse));
-    EXPECT_GT(frames[i].offset, 0u);
-    EXPECT_LT(frames[i].frameAddress, frames[i + 1].frameAddress) << "the stack grows downwards";
-  }
-  EXPECT_EQ(stacktest::Recurse(5000).size(), kVortoMaximumFrames);
+  const std::vector<CrawlFrame> frames = stacktest::Outer();
+  ASSERT_TRUE(frames.size() >= 4 && frames[0].symbolName && frames[1].symbolName);
+  EXPECT_STREQ(frames[0].symbolName.get(), "__ZN9stacktest5InnerEv");
+  EXPECT_STREQ(frames[1].symbolName.get(), "__ZN9stacktest5OuterEv");
+  EXPECT_EQ(frames[1].programCounter - frames[1].offset, reinterpret_cast<std::uintptr_t>(&stacktest::Outer));
+  EXPECT_GT(frames[1].offset, 0u);
+  EXPECT_LT(frames[0].frameAddress, frames[1].frameAddress) << "the stack grows downwards";
+  EXPECT_EQ(stacktest::Recurse(5000), kVortoMaximumFrames);
 }
 
 TEST(TCStackTest, PrintsTheCallersStack) {

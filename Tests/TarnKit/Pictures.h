@@ -2,17 +2,7 @@
 #pragma once
 
 #include "Platform/TarnKit/NSTarnView.h"
-
-#include <QDir>
-#include <QImage>
-#include <QPixmap>
-#include <QTemporaryDir>
-#include <QWidget>
-#include <cmath>
-#include <fstream>
-#include <functional>
-#include <string>
-#include <utility>
+#include "Tests/Support/ChildProcess.h"
 
 // What a widget paints, in device pixels.
 inline QImage pictureOf(QWidget& widget) {
@@ -48,18 +38,4 @@ class DrawnView : public NSTarnView {
   std::function<void()> draw_;
 };
 
-// A folder of its own for files, removed afterwards.
-class TestFolder {
- public:
-  std::string path(const std::string& name) const {
-    return folder_.filePath(QString::fromStdString(name)).toStdString();
-  }
-  std::string write(const std::string& name, const std::string& text) const {
-    QDir().mkpath(QString::fromStdString(path(name)).section('/', 0, -2));
-    std::ofstream(path(name)) << text;
-    return path(name);
-  }
-
- private:
-  QTemporaryDir folder_;
-};
+using TestFolder = TemporaryFolder;

@@ -1,15 +1,16 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Good and broken plug-ins: this file makes the one whose name (TEST_PLUGIN_Good, ...) is defined.
 #include "Platform/QuartzComposer/QCPlugIn.h"
+#include "Registry/VRTNodeManager.h"
 
 #include <cstdlib>
+#include <filesystem>
 #include <stdexcept>
 #include <string>
 
 namespace {
 
-[[maybe_unused]] void registerNode(GFNodeManager& manager, const std::string& name) {
-  PropertyList attributes;
+[[maybe_unused]] void registerNode(GFNodeManager& manager, const std::string& name, PropertyList attributes = {}) {
   attributes.set("description", PropertyList::string("from the good plug-in"));
   manager.registerNodeWithName(name, attributes, [attributes] { return std::make_shared<QCPatch>(attributes); });
 }
@@ -76,6 +77,26 @@ extern "C" __attribute__((visibility("default"))) int QCPlugInSomethingElse() {
 #elif defined(TEST_PLUGIN_Unresolved)
 void definedNowhere(GFNodeManager& manager);
 QC_PLUGIN_ENTRY(definedNowhere)
+#elif defined(TEST_PLUGIN_Searching)
+// Looks for its manager and for nodes while it is loaded, and loads the folder that it is in.
+QC_PLUGIN_ENTRY([](GFNodeManager& manager) {
+  const bool isFound = GFNodeManager::managerForNodeNamespace(manager.nodeNamespace()).get() == &manager;
+  const std::string folder = std::filesystem::path(manager.pathOfNodeWithName("Good A")).parent_path().string();
+  if (!folder.empty()) manager.loadPlugInsInFolder(folder, {"plugin"});
+  PropertyList attributes;
+  PropertyList seen = PropertyList::array();
+  for (const std::string& name : manager.nodeNames()) seen.append(PropertyList::string(name));
+  attributes.set("managerIsFound", PropertyList::boolean(isFound));
+  attributes.set("seen", std::move(seen));
+  registerNode(manager, "Searching", attributes);
+})
+#elif defined(TEST_PLUGIN_SearchingShared)
+// Looks for the framework's own manager while that one is being made.
+QC_PLUGIN_ENTRY([](GFNodeManager& manager) {
+  PropertyList attributes;
+  attributes.set("managerIsShared", PropertyList::boolean(VRTNodeManager::manager().get() == &manager));
+  registerNode(manager, "Searching Shared", attributes);
+})
 #else
 #error "no plug-in is named"
 #endif
