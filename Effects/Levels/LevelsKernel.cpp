@@ -46,9 +46,10 @@ template void levelsRow<RGBA16>(const std::uint16_t*, std::uint16_t*, std::size_
 
 void levelsFloatRow(const float* in, float* out, std::size_t count, const LevelsCurves& curves) {
   const bool keepsColor = curves.red.isNeutral() && curves.green.isNeutral() && curves.blue.isNeutral();
+  const bool keepsAlpha = curves.alpha.isNeutral();
   for (std::size_t i = 0; i < count; ++i, in += RGBAFloat::kChannels, out += RGBAFloat::kChannels) {
     const float alpha = in[RGBAFloat::kAlpha];
-    const float newAlpha = curves.alpha.apply(alpha);
+    const float newAlpha = keepsAlpha ? alpha : curves.alpha.applyClipped(alpha);
     const bool covered = alpha > 0;
     float red = in[RGBAFloat::kRed];
     float green = in[RGBAFloat::kGreen];

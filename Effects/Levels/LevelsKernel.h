@@ -8,7 +8,8 @@
 // Puts the straight color of each pixel, and its alpha, through their curves.
 //
 // Premultiplication is taken off and put back with the new alpha. Where alpha is 0 there is nothing to take off: the
-// color is taken as it stands, and stays when the new alpha is 0 as well (or negative).
+// color is taken as it stands, and stays when the new alpha is 0 as well (or negative). Opacity multiplies, so levels
+// of its own keep it in 0 to 1 at every depth; without them floats keep the alpha that they have.
 namespace vorto::effects {
 
 // One value per value of a channel.

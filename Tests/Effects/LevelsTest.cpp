@@ -33,7 +33,7 @@ double limited(double value) {
   return std::fmin(std::fmax(value, 0), 1);
 }
 
-// One channel's levels from their definition; limits apply at integer depths.
+// One channel's levels from their definition; limits apply at integer depths, and to opacity.
 double stage(const PropertyList& state, int channel, double value, bool limits) {
   const double blackIn = parameter(state, "blackIn", channel);
   const double blackOut = parameter(state, "blackOut", channel);
@@ -48,7 +48,7 @@ Values expected(const PropertyList& state, const Layout& layout, const Values& i
   const bool integer = layout.code != 9;
   const auto stored = [&](double value) { return integer ? std::floor(value * layout.full + 0.5 + 1e-7) : value; };
   const double alpha = in[3] / layout.full;
-  const double newAlpha = stored(stage(state, 4, alpha, integer)) / layout.full;
+  const double newAlpha = stored(stage(state, 4, alpha, true)) / layout.full;
   Values out{0, 0, 0, stored(newAlpha)};
   for (int c = 0; c < 3; ++c) {
     if (alpha == 0 && newAlpha == 0) {
@@ -96,6 +96,7 @@ TEST(Levels, FollowTheDefinition) {
       levels({{"blackOutAlpha", 0.3}, {"whiteOutAlpha", 0.8}, {"gammaAlpha", 2}}),
       levels({{"blackInAlpha", 0.5}, {"gammaRGB", 1.5}}),
       levels({{"blackOutRed", -0.5}, {"whiteOutRed", 1.5}}),
+      levels({{"blackInAlpha", 0.25}, {"whiteInAlpha", 0.5}, {"blackOutAlpha", -0.5}, {"whiteOutAlpha", 1.5}}),
   };
   for (const PropertyList& state : settings) {
     for (const Layout& layout : layouts) {
