@@ -6,6 +6,7 @@
 #include "Host/Commands/SheetCommand.h"
 #include "Host/Commands/StateCommand.h"
 #include "Host/Messages/Failure.h"
+#include "Host/Messages/Signals.h"
 #include "Host/Messages/StandardOutput.h"
 #include "Host/Messages/Utf8.h"
 #include "Host/Pixels/Layouts.h"
@@ -229,6 +230,7 @@ int report(const std::string& message, ExitCode code) {
 }  // namespace
 
 int runProgram(int argc, char** argv, const InspectAction& inspect) {
+  prepareForSignals();
   try {
     CLI::App app("Lists and renders image effects, and looks into their saved parameters.");
     Options options;

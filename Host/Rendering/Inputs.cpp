@@ -16,6 +16,17 @@ Depth commonDepth(Depth a, Depth b) {
   return integerAndHalf ? Depth::Float : std::max(a, b);
 }
 
+// Straight colors in the samples of a deeper depth: premultiplied in fewer bits they would lose most of what they are
+// under a small alpha. The same where the depth is no deeper.
+ImagePixels widened(ImagePixels image, SampleType sample, const std::string& path) {
+  if (bytesPerSample(sample) <= bytesPerSample(image.sample)) return image;
+  image.alpha = AlphaKind::Premultiplied;  // so that the colors go through as they are
+  const BitmapRef wide = inDepth(makeBitmap(std::move(image), path), sample, path);
+  ImagePixels pixels = pixelsOfBitmap(*wide, path);
+  pixels.alpha = AlphaKind::Straight;
+  return pixels;
+}
+
 }  // namespace
 
 Inputs::Inputs(const std::vector<std::string>& paths, std::optional<Depth> depth, std::optional<Layout> layout)
@@ -64,6 +75,7 @@ InputPictures Inputs::picturesAt(std::uint32_t frame) {
 }
 
 BitmapRef Inputs::bitmapOf(ImagePixels image, const std::string& path) const {
+  if (image.alpha == AlphaKind::Straight) image = widened(std::move(image), sampleTypeOf(*depth_), path);
   const BitmapRef bitmap = makeBitmap(std::move(image), path);
   return layout_ ? throughLayout(bitmap, *layout_, path) : inDepth(bitmap, sampleTypeOf(*depth_), path);
 }

@@ -1,17 +1,27 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/Foundation/NSFiles.h"
 #include "Platform/Foundation/PropertyList.h"
+#include "Tests/Support/ChildProcess.h"
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/time.h>
 #include <unistd.h>
+#include <atomic>
 #include <clocale>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <set>
+#include <thread>
 
 namespace {
 
@@ -60,6 +70,59 @@ TEST_F(Files, ReplacesWholeAndKeepsPermissions) {
   EXPECT_EQ(contents(longest.c_str()), "3");
   EXPECT_EQ(modeOf(folder / longest), mode_t{0604});
   EXPECT_EQ(count(), 1u);
+}
+
+// Somebody else in the process makes files meanwhile.
+TEST_F(Files, TheMaskOfPermissionsStays) {
+  const mode_t former = ::umask(027);
+  std::atomic<bool> done{false};
+  std::set<std::string> masks;
+  std::thread watcher([&] {
+    while (!done) {
+      std::ifstream status("/proc/self/status");
+      for (std::string line; std::getline(status, line);) {
+        if (line.starts_with("Umask:")) masks.insert(line);
+      }
+    }
+  });
+  for (int i = 0; i < 100; ++i) EXPECT_TRUE(write(std::to_string(i).c_str(), "text"));
+  done = true;
+  watcher.join();
+  ::umask(former);
+  EXPECT_EQ(masks, std::set<std::string>{"Umask:\t0027"});
+}
+
+// Where files without a name are not known, the handler of a signal removes the named one.
+TEST_F(Files, AnInterruptedWriteLeavesTheOldFile) {
+  ASSERT_TRUE(write("kept", "old"));
+  const ChildResult child = RunInChild([&] {
+    sock_filter steps[] = {
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_openat, 0, 4),
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, args[2])),
+        BPF_STMT(BPF_ALU | BPF_AND | BPF_K, O_TMPFILE),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, O_TMPFILE, 0, 1),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EOPNOTSUPP),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+    };
+    const sock_fprog program{std::size(steps), steps};
+    if (::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 || ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) != 0) {
+      return 2;
+    }
+    if (!write("small", "written")) return 3;
+    std::signal(SIGALRM, [](int) {
+      NSRemoveUnfinishedFiles();
+      ::_exit(0);
+    });
+    const itimerval soon{{0, 0}, {0, 20000}};
+    ::setitimer(ITIMER_REAL, &soon, nullptr);
+    const std::string large(std::size_t{1} << 26, 'x');
+    while (write("kept", large)) std::ofstream(path("kept")) << "old";
+    return 1;
+  });
+  EXPECT_TRUE(child.exitedWith(0)) << child.status;
+  EXPECT_EQ(contents("small"), "written");
+  EXPECT_EQ(count(), 2u);
 }
 
 // Beside what a write into the file itself leaves of its permissions; also as somebody without privileges.

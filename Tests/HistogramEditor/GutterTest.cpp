@@ -3,6 +3,8 @@
 #include "Tests/Support/EnglishTexts.h"
 #include "Tests/Support/LevelsScene.h"
 
+#include <QAccessible>
+
 // What mouse and keyboard do to the levels; what is the same in every editor's gutters is among the tests of Editors.
 
 namespace {
@@ -185,7 +187,7 @@ TEST_F(InputGutter, ADragThatReturnsToItsPixelRestoresEveryValue) {
     QCoreApplication::sendEvent(scene.gutter, &event);
   };
   for (const double gamma : {0.3, 1.0, 1.7, 4.9}) {
-    set(0.1, 0.9, gamma);
+    set({0.1, 0.9, gamma});
     for (const double position : {0.1, 0.9, 0.1 + 0.8 * std::pow(0.5, gamma)}) {
       const double x = std::floor(on(position).x);
       at(QEvent::MouseButtonPress, x, Qt::LeftButton);

@@ -4,9 +4,11 @@
 #include "Tests/Host/TestImages.h"
 
 #include <elf.h>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstring>
 #include <fstream>
 #include <iomanip>
@@ -151,6 +153,32 @@ TEST(FullDisk, LeavesTheOldFile) {
   full.fileSizeLimit = 16;
   const ProgramRun list = workplace.run({"effects"}, full);
   EXPECT_EQ(list.exitCode, Output) << "standard output counts too";
+}
+
+// At any time of a run that reads little and writes much.
+TEST(Signals, LeaveNothingBehind) {
+  const std::string program = (fs::read_symlink("/proc/self/exe").parent_path() / "vorto").string();
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    for (const int delay : {20, 60, 120, 240, 480}) {  // milliseconds
+      const TemporaryFolder folder;
+      const std::string output = folder.path() + "/out.tif";
+      writeFile(output, OldContent);
+      const pid_t process = fork();
+      if (process == 0) {
+        dup2(open("/dev/null", O_WRONLY), STDERR_FILENO);
+        execl(program.c_str(), "vorto", "render", "Checkerboard", "--size", "6000x6000", "--output", output.c_str(),
+              nullptr);
+        _exit(127);
+      }
+      usleep(static_cast<useconds_t>(delay) * 1000);
+      kill(process, signal);
+      int status = 0;
+      waitpid(process, &status, 0);
+      EXPECT_TRUE(WIFSIGNALED(status) ? WTERMSIG(status) == signal : status == 0) << status;
+      EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), fs::directory_iterator()), 1) << signal;
+      EXPECT_TRUE(fs::file_size(output) > 1000 || readFile(output) == OldContent);
+    }
+  }
 }
 
 TEST(Permissions, ReadOnlyFoldersAndFilesStay) {

@@ -94,6 +94,16 @@ TEST(Alpha, StraightFilesAreMultiplied) {
   writeTiff(folder.path() + "/in.tif", straight, Alpha::Straight);
   passThrough(folder.path() + "/in.tif", folder.path() + "/tiff.tif");
   EXPECT_EQ(readTiff(folder.path() + "/tiff.tif").samples, expected);
+  // In the depth that is rendered, not in that of the file.
+  for (const std::string depth : {"16", "float"}) {
+    passThrough(folder.path() + "/in.png", folder.path() + "/deep.tif", {"--depth", depth});
+    const TestImage deep = readTiff(folder.path() + "/deep.tif");
+    const double full = depth == "16" ? 65535 : 1;
+    for (std::size_t i = 0; i < straight.samples.size(); ++i) {
+      const double alpha = i % 4 == 3 ? 255 : straight.samples[i / 4 * 4 + 3];
+      EXPECT_NEAR(deep.samples[i] / full, straight.samples[i] * alpha / (255.0 * 255), 1.1 / 65535) << depth << i;
+    }
+  }
 }
 
 TEST(Alpha, JpegShowsThePictureOverBlack) {

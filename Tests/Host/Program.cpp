@@ -62,7 +62,6 @@ ProgramRun vorto(const Words& arguments, const RunOptions& options) {
     if (options.fileSizeLimit) {
       const rlimit limit{options.fileSizeLimit, options.fileSizeLimit};
       setrlimit(RLIMIT_FSIZE, &limit);
-      signal(SIGXFSZ, SIG_IGN);
     }
     dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
     execve(wordPointers[0], wordPointers.data(), variablePointers.data());

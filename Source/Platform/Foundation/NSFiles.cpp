@@ -4,12 +4,15 @@
 #include "Platform/Foundation/NSReason.h"
 
 #include <fcntl.h>
+#include <sys/random.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
+#include <string_view>
 #include <utility>
 
 namespace {
@@ -48,13 +51,6 @@ bool writeAll(int descriptor, std::span<const std::uint8_t> bytes) {
   return true;
 }
 
-// The permissions of a file that is not there yet, as open() would give them.
-mode_t permissionsOfNewFiles() {
-  const mode_t mask = ::umask(0);
-  ::umask(mask);
-  return 0666 & ~mask;
-}
-
 // With its slash, so that a name can follow; empty for the current folder.
 std::string folderOf(const std::string& path) {
   const std::size_t slash = path.rfind('/');
@@ -70,11 +66,11 @@ void syncFolderOf(const std::string& path) {
   }
 }
 
-// Gives a file that is still empty the owner and the permissions of the one that it replaces, or those of a new one.
-// The owner is kept where the process may; set-id bits never pass to another owner.
+// Gives a file that is still empty the owner and the permissions of the one that it replaces; one that replaces none
+// has those of a new file. The owner is kept where the process may; set-id bits never pass to another owner.
 bool takeOver(const File& file, const struct stat* former) {
   if (former == nullptr) {
-    return ::fchmod(file.descriptor(), permissionsOfNewFiles()) == 0;
+    return true;
   }
   const bool owned = ::fchown(file.descriptor(), former->st_uid, former->st_gid) == 0;
   return ::fchmod(file.descriptor(), former->st_mode & (owned ? 07777 : 01777)) == 0;
@@ -82,14 +78,122 @@ bool takeOver(const File& file, const struct stat* former) {
 
 // The permissions come first: the kernel then takes the set-id bits away, or not, as it does whenever this process
 // writes to a file. Cutting the file counts as writing, also when no bytes follow.
-bool fillTemporary(File& file, const struct stat* former, std::span<const std::uint8_t> bytes, std::string* reason) {
+bool fill(const File& file, const struct stat* former, std::span<const std::uint8_t> bytes, std::string* reason) {
   if (!takeOver(file, former)) {
     return NSRefuseWithError(reason, "cannot set the permissions");
   }
   if (::ftruncate(file.descriptor(), 0) != 0 || !writeAll(file.descriptor(), bytes)) {
     return NSRefuseWithError(reason, "cannot write");
   }
-  return (::fsync(file.descriptor()) == 0 && file.close()) || NSRefuseWithError(reason, "cannot finish writing");
+  return ::fsync(file.descriptor()) == 0 || NSRefuseWithError(reason, "cannot finish writing");
+}
+
+// The names of unfinished files, for a signal's handler: no lock, no memory taken.
+std::atomic<const char*> unfinished[16];
+
+// A name beside a target that no file had a moment ago. While it is in use NSRemoveUnfinishedFiles() removes the file.
+class TemporaryName {
+ public:
+  explicit TemporaryName(const std::string& target) : folder_(folderOf(target)) { renew(); }
+  ~TemporaryName() { withdraw(); }
+  TemporaryName(const TemporaryName&) = delete;
+  TemporaryName& operator=(const TemporaryName&) = delete;
+
+  // Has `make`, which returns a negative value and sets errno when it fails, try names until one is free.
+  template <class Make>
+  int firstFree(Make make) {
+    constexpr int mostAttempts = 100;
+    int result = -1;
+    for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+      result = make(path_.c_str());
+      if (result >= 0 || errno != EEXIST) {
+        break;
+      }
+      renew();
+    }
+    return result;
+  }
+  const std::string& path() const { return path_; }
+
+ private:
+  void renew() {
+    static constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyz012345";
+    std::uint8_t numbers[8] = {};
+    if (::getrandom(numbers, sizeof numbers, 0) < 0) {
+      numbers[0] = static_cast<std::uint8_t>(++attempts_);
+    }
+    withdraw();
+    path_ = folder_ + ".write-";
+    for (const std::uint8_t number : numbers) {
+      path_ += letters[number % letters.size()];
+    }
+    for (auto& slot : unfinished) {
+      const char* free = nullptr;
+      if (slot.compare_exchange_strong(free, path_.c_str())) {
+        slot_ = &slot;
+        break;
+      }
+    }
+  }
+  void withdraw() {
+    if (slot_ != nullptr) {
+      slot_->store(nullptr);
+    }
+    slot_ = nullptr;
+  }
+
+  std::string folder_;
+  std::string path_;
+  std::atomic<const char*>* slot_ = nullptr;
+  unsigned attempts_ = 0;
+};
+
+bool moveToTarget(const TemporaryName& name, const std::string& target, std::string* reason) {
+  if (::rename(name.path().c_str(), target.c_str()) == 0) {
+    return true;
+  }
+  NSRefuseWithError(reason, "cannot replace it");
+  ::unlink(name.path().c_str());
+  return false;
+}
+
+enum class Written { Yes, No, NotThatWay };
+
+// By a file that has no name until it is complete, where the file system knows such files: whatever ends the process
+// before leaves nothing behind.
+Written writeUnnamed(const std::string& target, const struct stat* former, std::span<const std::uint8_t> bytes,
+                     std::string* reason) {
+  const std::string folder = folderOf(target);
+  const File file(::open(folder.empty() ? "." : folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666));
+  if (!file.isOpen()) {
+    return Written::NotThatWay;
+  }
+  if (!fill(file, former, bytes, reason)) {
+    return Written::No;
+  }
+  const std::string own = "/proc/self/fd/" + std::to_string(file.descriptor());
+  TemporaryName name(target);
+  const int linked = name.firstFree(
+      [&](const char* path) { return ::linkat(AT_FDCWD, own.c_str(), AT_FDCWD, path, AT_SYMLINK_FOLLOW); });
+  if (linked != 0) {
+    return Written::NotThatWay;
+  }
+  return moveToTarget(name, target, reason) ? Written::Yes : Written::No;
+}
+
+bool writeNamed(const std::string& target, const struct stat* former, std::span<const std::uint8_t> bytes,
+                std::string* reason) {
+  TemporaryName name(target);
+  File file(
+      name.firstFree([](const char* path) { return ::open(path, O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0666); }));
+  if (!file.isOpen()) {
+    return NSRefuseWithError(reason, "cannot create a file beside it");
+  }
+  if (!fill(file, former, bytes, reason) || (!file.close() && !NSRefuseWithError(reason, "cannot finish writing"))) {
+    ::unlink(name.path().c_str());
+    return false;
+  }
+  return moveToTarget(name, target, reason);
 }
 
 bool isReplaceable(const std::string& target, const struct stat& status, std::string* reason) {
@@ -149,22 +253,21 @@ bool NSWriteFile(const std::string& path, std::span<const std::uint8_t> bytes, s
   if (exists && !isReplaceable(target, status, reason)) {
     return false;
   }
-  std::string temporary = folderOf(target) + ".write-XXXXXX";
-  File file(::mkostemp(temporary.data(), O_CLOEXEC));
-  if (!file.isOpen()) {
-    return NSRefuseWithError(reason, "cannot create a file beside it");
-  }
-  if (!fillTemporary(file, exists ? &status : nullptr, bytes, reason)) {
-    ::unlink(temporary.c_str());
-    return false;
-  }
-  if (::rename(temporary.c_str(), target.c_str()) != 0) {
-    NSRefuseWithError(reason, "cannot replace it");
-    ::unlink(temporary.c_str());
+  const struct stat* const former = exists ? &status : nullptr;
+  const Written written = writeUnnamed(target, former, bytes, reason);
+  if (written == Written::No || (written == Written::NotThatWay && !writeNamed(target, former, bytes, reason))) {
     return false;
   }
   syncFolderOf(target);
   return true;
+}
+
+void NSRemoveUnfinishedFiles() {
+  for (const auto& slot : unfinished) {
+    if (const char* path = slot.load()) {
+      ::unlink(path);
+    }
+  }
 }
 
 std::string NSResolvedPath(const std::string& path, std::string* reason) {

@@ -17,8 +17,13 @@ TARN_EXPORT std::optional<PropertyList::Bytes> NSReadFile(const std::string& pat
 
 // Writes beside the target and renames, so that a failure leaves an existing file as it was. An existing file keeps its
 // permissions, except for set-id bits that a write into it would have cost it; a symbolic link stays, and the file that
-// it leads to is replaced. Only regular files are replaced.
+// it leads to is replaced. Only regular files are replaced. Until it is complete the new file has no name, where the
+// file system knows such files.
 TARN_EXPORT bool NSWriteFile(const std::string& path, std::span<const std::uint8_t> bytes, std::string* reason);
+
+// Removes what NSWriteFile() has begun and not finished. For the handlers of signals that end the process: safe there,
+// and on any thread; what is being written then fails.
+TARN_EXPORT void NSRemoveUnfinishedFiles();
 
 // The file that a path leads to through any chain of symbolic links at its end, whether or not there is one; the path
 // itself when it is no link. Empty, with the cause, for links in a circle.

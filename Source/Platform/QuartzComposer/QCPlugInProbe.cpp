@@ -76,10 +76,11 @@ pid_t start(const std::string& program, const std::string& bundle, int report) {
   return error == 0 ? process : 0;
 }
 
-// Waits for the byte that the probe writes once it has loaded the bundle, or for the end of the pipe.
+// Waits for the byte that the probe writes once it has loaded the bundle, then for the end of the pipe, which is that
+// of the process.
 Outcome reported(int descriptor) {
   const auto end = std::chrono::steady_clock::now() + kLongestProbe;
-  for (;;) {
+  for (Outcome outcome = Outcome::Died;;) {
     const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
     pollfd waiting{descriptor, POLLIN, 0};
     const int ready = left.count() > 0 ? ::poll(&waiting, 1, static_cast<int>(left.count())) : 0;
@@ -88,23 +89,25 @@ Outcome reported(int descriptor) {
     char byte = 0;
     const ssize_t count = ::read(descriptor, &byte, 1);
     if (count < 0 && errno == EINTR) continue;
-    return count == 1 ? Outcome::Survived : Outcome::Died;
+    if (count <= 0) return outcome;
+    outcome = Outcome::Survived;
   }
 }
 
-// How the process ended, in words; a host that collects its children itself leaves nothing to say.
+// How the process ended, in words; empty when it ended well, and when a host that collects its children itself has
+// taken the answer.
 std::string endOf(pid_t process) {
   int status = 0;
   pid_t ended;
   do {
     ended = ::waitpid(process, &status, 0);
   } while (ended < 0 && errno == EINTR);
-  if (ended != process) return "it ends the process that loads it";
+  if (ended != process || status == 0) return {};
   if (WIFSIGNALED(status)) {
     const char* name = ::sigdescr_np(WTERMSIG(status));
-    return std::string("it ends the process that loads it: ") + (name ? name : "by a signal");
+    return name ? name : "by a signal";
   }
-  return "it ends the process that loads it, with the exit code " + std::to_string(WEXITSTATUS(status));
+  return "with the exit code " + std::to_string(WEXITSTATUS(status));
 }
 
 Outcome probe(const std::string& program, const std::string& bundle, std::string* reason) {
@@ -118,8 +121,9 @@ Outcome probe(const std::string& program, const std::string& bundle, std::string
     NSRefuse(reason, "loading it takes longer than " + std::to_string(kLongestProbe.count()) + " seconds");
   }
   const std::string end = endOf(process);
-  if (outcome == Outcome::Died) NSRefuse(reason, end);
-  return outcome;
+  if (outcome == Outcome::Hung || (outcome == Outcome::Survived && end.empty())) return outcome;
+  NSRefuse(reason, "it ends the process that loads it" + (end.empty() ? end : ": " + end));
+  return Outcome::Died;
 }
 
 const std::string& probeProgram() {
@@ -156,11 +160,11 @@ int QCPlugInProbeMain(int argc, char** argv) {
     manager->initWithNamespace("org.vorto.probe");
     try {
       description->registerNodes(*manager);
+      for (const std::string& name : manager->nodeNames()) manager->nodeInstanceWithName(name);
     } catch (...) {
       // The process that loads it for good says so.
     }
   }
-  // At once: what the binary does at the end of a process is no part of loading it.
   const char loaded = 1;
-  ::_exit(::write(std::atoi(argv[2]), &loaded, 1) == 1 ? 0 : 1);
+  return ::write(std::atoi(argv[2]), &loaded, 1) == 1 ? 0 : 1;
 }

@@ -17,5 +17,6 @@
 // loads; as long as it stays the same file the outcome is taken from the user's cache folder.
 bool QCSurvivesLoading(const std::string& bundle, const std::string& binary, std::string* reason);
 
-// What the probe does: loads the bundle argv[1], registers its nodes, and writes one byte to the descriptor argv[2].
+// What the probe does: loads the bundle argv[1], registers its nodes, makes each of them once, and writes one byte to
+// the descriptor argv[2]. Then it ends as every program does, which a binary can still prevent.
 extern "C" TARN_EXPORT int QCPlugInProbeMain(int argc, char** argv);
