@@ -118,8 +118,8 @@ std::optional<NSColor> VRTColorOfHex(const QString& text, int fewestDigits) {
   const auto isDigit = [](QChar c) { return QStringLiteral("0123456789abcdefABCDEF").contains(c); };
   if (!std::all_of(digits.begin(), digits.end(), isDigit)) return std::nullopt;
   if ((digits.size() != 6 && digits.size() != 3) || digits.size() < fewestDigits) return std::nullopt;
-  const int each = int(digits.size() / 3);
-  const auto component = [&](int at) {
+  const qsizetype each = digits.size() / 3;
+  const auto component = [&](qsizetype at) {
     const QString own = digits.mid(at * each, each);
     return (each == 2 ? own : own + own).toInt(nullptr, 16) / kLevels;
   };

@@ -128,7 +128,7 @@ void VRTGradientGutter::selectNeighbour(int direction, bool middlesToo) {
   VRTGradientGutterMap samples;
   getSamples(samples);
   if (samples.empty()) return;
-  const std::ptrdiff_t last = 2 * std::ssize(samples) - 2;
+  const std::ptrdiff_t last = std::ptrdiff_t{2} * std::ssize(samples) - 2;
   std::ptrdiff_t chosen = direction > 0 ? 0 : last;
   const VRTChannelGradientSample* selected = selectedSampleOfFolder();
   const bool isMiddle = selected && selection().middle;
@@ -136,7 +136,7 @@ void VRTGradientGutter::selectNeighbour(int direction, bool middlesToo) {
   for (const auto& [position, record] : samples) {
     if (selected && record.sample == selected) {
       const std::ptrdiff_t here = isMiddle && middlesToo ? place + 1 : place;
-      chosen = std::clamp(here + direction * (middlesToo ? 1 : 2), std::ptrdiff_t{0}, last);
+      chosen = std::clamp(here + (middlesToo ? direction : direction + direction), std::ptrdiff_t{0}, last);
     }
     place += 2;
   }

@@ -424,7 +424,7 @@ TEST_P(GradientGutter, AnnouncesWhatKeysDo) {
     const bool isFocus = event.type() == QAccessible::Focus;
     heard += isFocus ? "focus " : event.type() == QAccessible::ValueChanged ? "value " : "description ";
     heard += part->text(QAccessible::Name).section(' ', -3, -3).toStdString() + " ";
-    EXPECT_EQ(part->state().focused, part->state().selected);
+    EXPECT_TRUE(!isFocus || part->state().focused);
   });
   const auto hears = [&](const char* expected) {
     QCoreApplication::processEvents();
