@@ -5,7 +5,6 @@
 #include "Ports/VRTImage.h"
 #include "Registry/BrivoCompatability.h"
 #include "TarnCore/TCBitmap.h"
-#include "Tests/Support/Lists.h"
 
 class NSTarnView {};
 
@@ -34,22 +33,6 @@ TEST(ParameterPorts, TakeTheirOwnClassInEitherGeneration) {
       EXPECT_FALSE(port->setValue(std::make_shared<QCObject>()));
       EXPECT_EQ(port->objectClass(), "VRT" + values[kind].front()->className().substr(3));
     }
-  }
-}
-
-TEST(ParameterPorts, StatesMakeValuesAndBadOnesAreRefused) {
-  VRTGradientPort port("inputGradient");
-  std::string reason;
-  EXPECT_TRUE(port.setStateValue(*VRTGradient::gradient()->stateValue(), &reason)) << reason;
-  const NSObjectRef value = port.value();
-  ASSERT_TRUE(value);
-  EXPECT_EQ(value->className(), "VRTGradient");
-
-  for (const PropertyList& state : {text("red"), dict({{"rgbSamples", list({PropertyList::real(0)})}})}) {
-    reason.clear();
-    EXPECT_FALSE(port.setStateValue(state, &reason));
-    EXPECT_FALSE(reason.empty());
-    EXPECT_EQ(port.value(), value);
   }
 }
 
