@@ -5,7 +5,6 @@
 #include "Ports/VRTImage.h"
 #include "Registry/BrivoCompatability.h"
 #include "TarnCore/TCBitmap.h"
-#include "Tests/Support/Lists.h"
 
 class NSTarnView {};
 
@@ -35,44 +34,6 @@ TEST(ParameterPorts, TakeTheirOwnClassInEitherGeneration) {
       EXPECT_EQ(port->objectClass(), "VRT" + values[kind].front()->className().substr(3));
     }
   }
-}
-
-TEST(ParameterPorts, StatesMakeValuesAndBadOnesAreRefused) {
-  VRTGradientPort port("inputGradient");
-  std::string reason;
-  EXPECT_TRUE(port.setStateValue(*VRTGradient::gradient()->stateValue(), &reason)) << reason;
-  const NSObjectRef value = port.value();
-  ASSERT_TRUE(value);
-  EXPECT_EQ(value->className(), "VRTGradient");
-
-  for (const PropertyList& state : {text("red"), dict({{"rgbSamples", list({PropertyList::real(0)})}})}) {
-    reason.clear();
-    EXPECT_FALSE(port.setStateValue(state, &reason));
-    EXPECT_FALSE(reason.empty());
-    EXPECT_EQ(port.value(), value);
-  }
-}
-
-TEST(ParameterPorts, GetTheirEditorFromTheRegisteredFactory) {
-  TarnGradientPort gradientPort("inputGradient");
-  VRTHistogramPort histogramPort("inputLevels");
-  EXPECT_EQ(gradientPort.setupParameterView(), nullptr);
-
-  std::vector<QCObjectPort*> given;
-  VRTRegisterParameterViewFactory("VRTGradientPort", [&](QCObjectPort& port) {
-    given.push_back(&port);
-    return new NSTarnView;
-  });
-  const std::unique_ptr<NSTarnView> first(gradientPort.setupParameterView());
-  const std::unique_ptr<NSTarnView> second(gradientPort.setupParameterView());
-  EXPECT_TRUE(first && second && first != second);
-  EXPECT_EQ(given, (std::vector<QCObjectPort*>{&gradientPort, &gradientPort}));
-  EXPECT_EQ(histogramPort.setupParameterView(), nullptr);
-  gradientPort.resetParameterView(first.get());
-  gradientPort.resetParameterView(nullptr);
-
-  VRTRegisterParameterViewFactory("VRTGradientPort", nullptr);
-  EXPECT_EQ(gradientPort.setupParameterView(), nullptr);
 }
 
 class PatchWithEditor : public QCPatch, public VRTOpaqueDataViewing {
