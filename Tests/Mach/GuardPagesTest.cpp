@@ -4,8 +4,6 @@
 
 // In a build with the address sanitizer, whoever runs past memory is stopped at once.
 
-namespace {
-
 TEST(GuardPages, StopWhoeverRunsPastMemorySharedOrNotAndGoWithTheLastPage) {
   if (!kHasAddressSanitizer) GTEST_SKIP() << "guards stand in builds with the address sanitizer alone";
   GTEST_FLAG_SET(death_test_style, "threadsafe");
@@ -38,5 +36,3 @@ TEST(GuardPages, StopWhoeverRunsPastMemorySharedOrNotAndGoWithTheLastPage) {
   EXPECT_EQ(bytesAt(place)[size - 1], 1);
   release({entry}, {{next, size}, {kept, size}, {place, size}});
 }
-
-}  // namespace

@@ -3,8 +3,6 @@
 
 #include <cerrno>
 
-namespace {
-
 TEST(VirtualMemory, IsPageAlignedZeroAndWritableToItsLastPage) {
   for (const vm_size_t size : {vm_size_t{1}, page, page + 1, vm_size_t{5} << 20}) {
     const vm_address_t address = allocated(size);
@@ -110,5 +108,3 @@ TEST(MemoryEntry, OfAPartNamesThatPart) {
   EXPECT_EQ(bytesAt(third)[0], 77);
   release({part, again}, {{address, 8 * page}, {ofPart, page}, {third, page}});
 }
-
-}  // namespace
