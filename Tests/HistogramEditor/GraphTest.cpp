@@ -60,17 +60,10 @@ TEST(HistogramGraph, NoCountsNoPixelsAndStrangeChannels) {
 }
 
 TEST(HistogramGutterGeometry, GammaIsAPlaceBetweenBlackAndWhite) {
-  EXPECT_EQ(VRTHistogramPositionOfGamma(0, 1, 1), 0.5);
-  EXPECT_NEAR(VRTHistogramGammaOfPosition(0, 1, 0.25), 2, 1e-12);
-  EXPECT_NEAR(VRTHistogramGammaOfPosition(0, 1, 0.75), 0.415037, 1e-6);
   for (const auto& [black, white] : {std::pair{0.2, 0.7}, {0.9, 0.1}}) {
     for (const double gamma : {0.1, 1.0, 3.5}) {
       const double position = VRTHistogramPositionOfGamma(black, white, gamma);
       EXPECT_NEAR(VRTHistogramGammaOfPosition(black, white, position), gamma, 1e-9);
-    }
-    for (const double beyond : {0.0, white - black}) {
-      EXPECT_EQ(VRTHistogramGammaOfPosition(black, white, black - beyond), 5);
-      EXPECT_EQ(VRTHistogramGammaOfPosition(black, white, white + beyond), 0);
     }
   }
   EXPECT_EQ(VRTHistogramGammaOfPosition(0.5, 0.5, 0.5), 5);

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Tests/Mach/Memory.h"
 
-namespace {
-
 // Memory that came to lie where ours was, somebody else's or a new one, is neither changed, nor shared, nor unmapped.
 TEST(EntryLifetime, StaleEntryLeavesWhoeverTookItsAddressAlone) {
   for (const bool isOurs : {false, true}) {
@@ -97,5 +95,3 @@ TEST(EntryLifetime, AnyMixOfStepsKeepsTheBooks) {
   }
   EXPECT_EQ(openDescriptors(), before);
 }
-
-}  // namespace

@@ -4,8 +4,6 @@
 
 #include <cerrno>
 
-namespace {
-
 TEST(VirtualMemory, IsPageAlignedZeroAndWritableToItsLastPage) {
   for (const vm_size_t size : {vm_size_t{1}, page, page + 1, vm_size_t{5} << 20}) {
     const vm_address_t address = allocated(size);

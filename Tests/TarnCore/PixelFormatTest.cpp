@@ -6,8 +6,6 @@
 #include "Platform/CGL/CGL.h"
 #include "Tests/Support/Tables.h"
 
-namespace {
-
 TEST(PixelFormat, Table) {
   using F = VortoPixelFormat;
   for (const Row& row : rowsOf("GLFormats.txt")) {
@@ -74,8 +72,6 @@ TEST(Image, DescribesItselfAndCountsPaddingAsPixels) {
   EXPECT_FALSE(attributes == other);
 }
 
-constexpr std::int64_t mebibyte = 1048576;
-
 TEST(TextureLimit, ByMemoryAndDepth) {
   std::vector<std::array<int, 6>> devices = {// hardware, mebibytes, displays (none counts as one); limits at 8, 16, 32
                                              {1024, 256, 1, 1024, 1024, 1024},
@@ -88,6 +84,7 @@ TEST(TextureLimit, ByMemoryAndDepth) {
     for (const int megabytes : {65, 127, 128}) devices.push_back({hardware, megabytes, 1, 2048, 2048, 1414});
     for (const int megabytes : {129, 256, 2047}) devices.push_back({hardware, megabytes, 1, 2048, 2048, 2048});
   }
+  constexpr std::int64_t mebibyte = 1048576;
   for (const auto& [hardware, megabytes, displays, at8, at16, at32] : devices) {
     for (const auto& [bits, expected] : {std::pair{8, at8}, {16, at16}, {32, at32}}) {
       TCTextureLimit limit;
@@ -95,16 +92,12 @@ TEST(TextureLimit, ByMemoryAndDepth) {
       EXPECT_EQ(limit.limit(megabytes * mebibyte, bits), expected) << megabytes << " at " << bits;
     }
   }
-}
-
-// What memory took stays taken; a renderer's name counts in its first sixteen characters.
-TEST(TextureLimit, RemembersWhatItIsOf) {
-  const std::string names[] = {"ATI Radeon X1600 OpenGL Engine", "An ATI Radeon X1600", ""};
-  for (const std::string& name : names) {
+  // What memory took stays taken; a renderer's name counts in its first sixteen characters.
+  for (const std::string name : {"ATI Radeon X1600 OpenGL Engine", "An ATI Radeon X1600", ""}) {
     TCTextureLimit limit;
     EXPECT_FALSE(limit.wasAsked());
     limit.setDevice(8192, 1, name);
-    EXPECT_EQ(limit.isLimitedRenderer, &name == names) << name;
+    EXPECT_EQ(limit.isLimitedRenderer, name.starts_with("ATI")) << name;
     const int calls[][3] = {{256, 8, 2048}, {32, 8, 1920}, {256, 8, 1920}, {256, 32, 1920}};
     for (const auto& [megabytes, bits, expected] : calls) EXPECT_EQ(limit.limit(megabytes * mebibyte, bits), expected);
     EXPECT_TRUE(limit.wasAsked());
@@ -121,5 +114,3 @@ TEST(TextureLimit, OfThisMachinePutsTheContextBack) {
   EXPECT_EQ(CGLGetCurrentContext(), host);
   if (host) CGLDestroyContext(host);
 }
-
-}  // namespace

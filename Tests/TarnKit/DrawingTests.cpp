@@ -5,10 +5,6 @@
 #include "Platform/TarnKit/NSTarnColor.h"
 #include "Tests/TarnKit/Pictures.h"
 
-#include <gtest/gtest.h>
-
-#include <limits>
-
 namespace {
 
 void clear() {
@@ -26,6 +22,8 @@ std::shared_ptr<NSImage> fourPixels() {
   return image;
 }
 
+// No pixel is mixed, at fractional ratios either: edges lie on the nearest device pixel. What is dirty is told in the
+// view's coordinates.
 TEST(Drawing, FillsExactlyThePixelsOfARectangle) {
   for (const bool flipped : {false, true}) {
     DrawnView view({20, 12}, flipped, [] {
@@ -34,17 +32,18 @@ TEST(Drawing, FillsExactlyThePixelsOfARectangle) {
       NSBezierPath::fillRect(NSMakeRect(4, 2, 6, 5));
     });
     const QImage image = pictureOf(view);
-    const double ratio = view.devicePixelRatioF();
-    const QRect painted(4, flipped ? 2 : 5, 6, 5);
-    // No pixel is mixed, at fractional ratios either; edges lie on the nearest device pixel.
+    const auto device = [&](int x) { return int(std::lround(x * view.devicePixelRatioF())); };
+    const int top = flipped ? 2 : 5;
+    const QRect painted(QPoint(device(4), device(top)), QPoint(device(4 + 6) - 1, device(top + 5) - 1));
     for (int y = 0; y < image.height(); ++y) {
       for (int x = 0; x < image.width(); ++x) {
-        const bool inside = x >= std::lround(painted.left() * ratio) &&
-                            x < std::lround((painted.right() + 1) * ratio) && y >= std::lround(painted.top() * ratio) &&
-                            y < std::lround((painted.bottom() + 1) * ratio);
-        ASSERT_EQ(image.pixel(x, y), inside ? qRgb(0, 0, 255) : qRgb(255, 255, 255)) << x << ", " << y << flipped;
+        const QRgb expected = painted.contains(x, y) ? qRgb(0, 0, 255) : qRgb(255, 255, 255);
+        ASSERT_EQ(image.pixel(x, y), expected) << x << ", " << y << flipped;
       }
     }
+    view.grab(QRect(5, 2, 10, 4));
+    EXPECT_EQ(view.lastDirty.origin.x, 5);
+    EXPECT_EQ(view.lastDirty.origin.y, flipped ? 2 : 6);
   }
 }
 
@@ -56,8 +55,8 @@ TEST(Drawing, ImagesAndPatternsStandUpright) {
     NSColor::colorWithPatternImage(fourPixels()).set();
     NSBezierPath::fillRect(NSMakeRect(4, 2, 8, 8));
   };
-  struct Spot {  // counted from the upper left
-    int x, y;
+  struct Spot {
+    int x, y;  // from the upper left
     QRgb color;
   };
   const struct {
@@ -74,14 +73,11 @@ TEST(Drawing, ImagesAndPatternsStandUpright) {
     });
     const QImage image = pictureOf(view);
     for (const auto& [x, y, color] : each.spots) {
-      EXPECT_EQ(pixelAt(image, view.devicePixelRatioF(), x, y), color)
-          << x << ", " << y << each.pattern << each.flipped;
+      EXPECT_EQ(pixelAt(image, view.devicePixelRatioF(), x, y), color) << x << ", " << y << &each - cases;
     }
-    for (int y = 0; y < image.height(); ++y) {
-      for (int x = 0; x < image.width(); ++x) {
-        const QRgb color = image.pixel(x, y);
-        for (const int part : {qRed(color), qGreen(color), qBlue(color)}) ASSERT_TRUE(part == 0 || part == 255);
-      }
+    for (int i = 0; i < image.width() * image.height(); ++i) {
+      const QRgb color = image.pixel(i % image.width(), i / image.width());
+      for (const int part : {qRed(color), qGreen(color), qBlue(color)}) ASSERT_TRUE(part == 0 || part == 255);
     }
   }
 }
@@ -92,14 +88,12 @@ TEST(Drawing, NothingHappensWithoutAContextOrAnythingToDraw) {
   NSBezierPath::fillRect(NSMakeRect(0, 0, 5, 5));
   NSDrawFocusRing(NSMakeRect(0, 0, 5, 5));
   fourPixels()->compositeToPoint({}, NSCompositeCopy);
-  const double nan = std::numeric_limits<double>::quiet_NaN();
-  DrawnView view({10, 10}, false, [nan] {
+  DrawnView view({10, 10}, false, [] {
     clear();
     NSColor::colorWithPatternImage(nullptr).set();
     NSBezierPath::fillRect(NSMakeRect(0, 0, 10, 10));
     NSColor::colorWithCalibratedRed(0, 0, 0, 1).set();
-    NSBezierPath::fillRect(NSMakeRect(0, 0, -5, 5));
-    NSBezierPath::fillRect(NSMakeRect(0, 0, nan, 5));
+    for (const double width : {-5.0, std::nan("")}) NSBezierPath::fillRect(NSMakeRect(0, 0, width, 5));
     NSBezierPath::strokeRect(NSMakeRect(0, 0, 5, 5), 0);
     NSImage({5, 5}).compositeToPoint({}, NSCompositeSourceOver);
     NSImage empty({-5, 5});
@@ -110,48 +104,34 @@ TEST(Drawing, NothingHappensWithoutAContextOrAnythingToDraw) {
   for (int x = 0; x < image.width(); ++x) EXPECT_EQ(image.pixel(x, image.height() - 1), qRgb(255, 255, 255));
 }
 
-TEST(Drawing, DirtyRectanglesAreInTheViewsCoordinates) {
-  for (const bool flipped : {false, true}) {
-    DrawnView view({40, 30}, flipped, [] {});
-    view.grab(QRect(5, 2, 10, 4));
-    EXPECT_EQ(view.lastDirty.origin.x, 5);
-    EXPECT_EQ(view.lastDirty.origin.y, flipped ? 2 : 24);
-  }
-}
-
 TEST(Bitmaps, HaveZeroedRowsOfThePitchAskedFor) {
   NSBitmapImageRep bitmap(3, 2, 16);
-  EXPECT_EQ(bitmap.bytesPerRow(), 16U);
-  for (int byte = 0; byte < 32; ++byte) EXPECT_EQ(bitmap.bitmapData()[byte], 0);
-  EXPECT_EQ(NSBitmapImageRep(3, 2, 5).bytesPerRow(), 12U);
+  EXPECT_TRUE(bitmap.bytesPerRow() == 16 && NSBitmapImageRep(3, 2, 5).bytesPerRow() == 12);
+  EXPECT_EQ(std::count(bitmap.bitmapData(), bitmap.bitmapData() + 32, 0), 32);
   EXPECT_EQ(NSBitmapImageRep(1, 0xFFFFFFFF, 4).bitmapData(), nullptr);
   EXPECT_EQ(NSBitmapImageRep(0xFFFFFFFF, 1, 4).pixelsWide(), 0U);
 }
 
 TEST(Images, ComeFromFilesOrNotAtAll) {
   const TestFolder folder;
+  const std::string path = folder.path("half.png");
   QImage picture(3, 2, QImage::Format_ARGB32);
   picture.fill(QColor(255, 0, 0, 128));
-  picture.save(QString::fromStdString(folder.path("half.png")));
-  const std::shared_ptr<NSImage> image = NSImage::initWithContentsOfFile(folder.path("half.png"));
+  picture.save(QString::fromStdString(path));
+  const std::shared_ptr<NSImage> image = NSImage::initWithContentsOfFile(path);
   ASSERT_TRUE(image);
   EXPECT_EQ(image->size().width, 3);
-  EXPECT_EQ(image->representation()->bitmapData()[0], 128);
-  EXPECT_EQ(image->representation()->bitmapData()[3], 128);
+  for (const int byte : {0, 3}) EXPECT_EQ(image->representation()->bitmapData()[byte], 128);
   EXPECT_EQ(NSImage::initWithContentsOfFile(folder.path("none.png")), nullptr);
   EXPECT_EQ(NSImage::initWithContentsOfFile(folder.write("broken.png", "no picture")), nullptr);
 }
 
-TEST(Colors, KeepTheirComponentsAndAreLimitedWhereTheyAreDrawn) {
-  const NSColor color = NSColor::colorWithCalibratedRed(1.5, -0.5, std::numeric_limits<double>::quiet_NaN(), 0.25);
+TEST(Colors, AreLimitedWhereTheyAreDrawnAndFollowTheWidgetsPalette) {
+  const NSColor color = NSColor::colorWithCalibratedRed(1.5, -0.5, std::nan(""), 0.25);
   double red = 0, alpha = 0;
   color.getRed(&red, nullptr, nullptr, &alpha);
-  EXPECT_EQ(red, 1.5);
-  EXPECT_EQ(alpha, 0.25);
+  EXPECT_TRUE(red == 1.5 && alpha == 0.25);
   EXPECT_EQ(color.toQColor().rgba(), qRgba(255, 0, 0, 64));
-}
-
-TEST(Colors, FollowThePaletteOfTheWidgetThatIsDrawn) {
   bool dark = false;
   DrawnView view({10, 10}, false, [&] { dark = NSTarnColor::isDark(); });
   for (const bool wanted : {true, false, true}) {

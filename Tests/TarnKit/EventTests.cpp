@@ -1,15 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Tests/TarnKit/RecordingView.h"
 
-#include <gtest/gtest.h>
-
-#include <QApplication>
-#include <QContextMenuEvent>
-#include <QMenu>
-#include <QPointer>
-#include <QTest>
-#include <memory>
-
 namespace {
 
 void move(QWidget& widget, QPoint position, Qt::MouseButtons buttons,
@@ -39,50 +30,45 @@ TEST(Mouse, HitsExactlyTheRowsThatARectanglePaints) {
 
 TEST(Mouse, SequenceModifiersAndClickCounts) {
   RecordingView view(NSMakeRect(0, 0, 40, 30));
+  const QPoint at(4, 5), there(14, 7);
   view.show();
-  QTest::mousePress(&view, Qt::LeftButton, Qt::ControlModifier | Qt::AltModifier, QPoint(4, 5));
-  move(view, QPoint(14, 7), Qt::LeftButton, Qt::ShiftModifier);
-  QTest::mouseRelease(&view, Qt::LeftButton, {}, QPoint(14, 7));
-  QTest::mouseClick(&view, Qt::LeftButton, {}, QPoint(4, 5));
-  QTest::mouseDClick(&view, Qt::LeftButton, {}, QPoint(4, 5));
-  QTest::mouseRelease(&view, Qt::LeftButton, {}, QPoint(4, 5));
+  QTest::mousePress(&view, Qt::LeftButton, Qt::ControlModifier | Qt::AltModifier, at);
+  move(view, there, Qt::LeftButton, Qt::ShiftModifier);
+  QTest::mouseRelease(&view, Qt::LeftButton, {}, there);
+  QTest::mouseClick(&view, Qt::LeftButton, {}, at);
+  QTest::mouseDClick(&view, Qt::LeftButton, {}, at);
+  QTest::mouseRelease(&view, Qt::LeftButton, {}, at);
   move(view, QPoint(1, 1), Qt::NoButton);
   ASSERT_EQ(view.names(), "down dragged up down up down up moved");
-  EXPECT_EQ(view.calls[0].flags, NSControlKeyMask | NSAlternateKeyMask);
-  EXPECT_EQ(view.calls[0].clicks, 1);
-  EXPECT_EQ(view.calls[1].flags, NSShiftKeyMask);
-  EXPECT_EQ(view.calls[1].point.x - view.calls[0].point.x, 10);
-  EXPECT_EQ(view.calls[1].point.y - view.calls[0].point.y, -2);
-  EXPECT_EQ(view.calls[5].clicks, 2);
+  const auto& [down, dragged] = std::tie(view.calls[0], view.calls[1]);
+  EXPECT_TRUE(down.flags == (NSControlKeyMask | NSAlternateKeyMask) && dragged.flags == NSShiftKeyMask);
+  EXPECT_TRUE(dragged.point.x - down.point.x == 10 && dragged.point.y - down.point.y == -2);
+  EXPECT_TRUE(down.clicks == 1 && view.calls[5].clicks == 2);
 
   view.calls.clear();
-  QTest::mousePress(&view, Qt::LeftButton, {}, QPoint(4, 5));
-  QTest::mouseClick(&view, Qt::RightButton, {}, QPoint(4, 5));
-  QTest::mouseRelease(&view, Qt::LeftButton, {}, QPoint(4, 5));
-  QTest::mouseClick(&view, Qt::RightButton, {}, QPoint(4, 5));
+  QTest::mousePress(&view, Qt::LeftButton, {}, at);
+  QTest::mouseClick(&view, Qt::RightButton, {}, at);
+  QTest::mouseRelease(&view, Qt::LeftButton, {}, at);
+  QTest::mouseClick(&view, Qt::RightButton, {}, at);
   QCoreApplication::processEvents();
   EXPECT_EQ(view.names(), "down up right") << "other buttons do nothing while the left one is held";
 }
 
-struct MouseCatcher : QWidget {
-  void mousePressEvent(QMouseEvent* event) override { places.push_back(event->position().toPoint()); }
-  void mouseReleaseEvent(QMouseEvent*) override { ++releases; }
-  std::vector<QPoint> places;  // of presses
-  int releases = 0;
-};
-
 TEST(Mouse, UnwantedEventsGoToTheSuperviewsOnceAndThenToTheWidgetAround) {
-  MouseCatcher window;
+  struct : QWidget {
+    void mousePressEvent(QMouseEvent* event) override { places.push_back(event->position().toPoint()); }
+    void mouseReleaseEvent(QMouseEvent*) override { ++releases; }
+    std::vector<QPoint> places;  // of presses
+    int releases = 0;
+  } window;
   window.resize(100, 100);
   RecordingView outer(NSMakeRect(10, 20, 60, 60), &window);
   RecordingView middle(NSMakeRect(0, 0, 50, 50), &outer);
   NSTarnView plain(NSMakeRect(0, 0, 40, 40), &middle);
-  outer.passesOn = true;
-  middle.passesOn = true;
+  outer.passesOn = middle.passesOn = true;
   window.show();
   QTest::mouseClick(&plain, Qt::LeftButton, {}, plain.toWidget(NSPoint{3, 5}).toPoint());
-  EXPECT_EQ(middle.names(), "down up");
-  EXPECT_EQ(outer.names(), "down up");
+  for (const RecordingView* view : {&middle, &outer}) EXPECT_EQ(view->names(), "down up");
   EXPECT_EQ(outer.calls[0].point.x, 3);
   EXPECT_EQ(window.places, std::vector{QPoint(13, 75)});
   EXPECT_EQ(window.releases, 1);
@@ -106,36 +92,35 @@ TEST(Mouse, UnwantedEventsGoToTheSuperviewsOnceAndThenToTheWidgetAround) {
 TEST(Mouse, TheViewHearsAReleaseThatGoesElsewhere) {
   auto view = std::make_unique<RecordingView>(NSMakeRect(0, 0, 40, 30));
   QWidget other;
-  const auto press = [&] { QTest::mousePress(view.get(), Qt::LeftButton, {}, QPoint(4, 5)); };
+  const auto press = [](QWidget* at) { QTest::mousePress(at, Qt::LeftButton, {}, QPoint(4, 5)); };
   const auto releaseElsewhere = [&] { QTest::mouseRelease(&other, Qt::LeftButton, {}, QPoint(1, 1)); };
   view->show();
-  press();
+  press(view.get());
   view->hide();
   for (int i = 0; i < 2; ++i) {
     releaseElsewhere();
     EXPECT_EQ(view->names(), "down up");
   }
   view->show();
-  press();
+  press(view.get());
   for (const int y : {6, 7}) move(*view, QPoint(4, y), Qt::NoButton);  // released over another program
   EXPECT_EQ(view->names(), "down up down up moved");
   releaseElsewhere();
   for (const bool wholeWindow : {false, true}) {
-    auto* outer = new QWidget;
-    auto* inner = new RecordingView(NSMakeRect(0, 0, 40, 30), outer);
-    outer->show();
-    QTest::mousePress(outer->windowHandle(), Qt::LeftButton, {}, QPoint(4, 5));
-    (wholeWindow ? outer : inner)->setEnabled(false);
-    QTest::mouseRelease(outer->windowHandle(), Qt::LeftButton, {}, QPoint(4, 5));
-    EXPECT_TRUE(inner->names().ends_with("down up")) << "disabled meanwhile: " << inner->names();
-    delete outer;
+    QWidget outer;
+    RecordingView inner(NSMakeRect(0, 0, 40, 30), &outer);
+    outer.show();
+    QTest::mousePress(outer.windowHandle(), Qt::LeftButton, {}, QPoint(4, 5));
+    (wholeWindow ? outer : inner).setEnabled(false);
+    QTest::mouseRelease(outer.windowHandle(), Qt::LeftButton, {}, QPoint(4, 5));
+    EXPECT_TRUE(inner.names().ends_with("down up")) << "disabled meanwhile: " << inner.names();
   }
   view->calls.clear();
-  press();
+  press(view.get());
   RecordingView next(NSMakeRect(0, 0, 40, 30));
-  QTest::mousePress(&next, Qt::LeftButton, {}, QPoint(4, 5));
+  press(&next);
   EXPECT_EQ(view->names(), "down up") << "at the latest with a press elsewhere";
-  press();
+  press(view.get());
   view.reset();
   releaseElsewhere();
 }
@@ -166,19 +151,22 @@ TEST(Mouse, TheReleaseWaitsForTheHandlerOfThePress) {
 // At every step of a gesture.
 TEST(Mouse, AHandlerMayDeleteTheViewItsSuperviewOrTheWindow) {
   using Steps = std::vector<std::function<void(QWidget&)>>;
+  const auto left = [](QWidget& view) { QTest::mousePress(&view, Qt::LeftButton, {}, QPoint(4, 5)); };
+  const auto right = [](QWidget& view) {
+    QTest::mousePress(&view, Qt::RightButton, {}, QPoint(4, 5));
+    QCoreApplication::processEvents();
+  };
+  const auto inWindow = [](Qt::MouseButton button) {  // where Qt itself holds on to the receiver
+    return [=](QWidget& view) { QTest::mousePress(view.window()->windowHandle(), button, {}, QPoint(10, 40)); };
+  };
   const Steps gestures[] = {
-      {[](QWidget& view) { QTest::mousePress(&view, Qt::LeftButton, {}, QPoint(4, 5)); },
-       [](QWidget& view) { move(view, QPoint(9, 9), Qt::LeftButton); },
+      {left, [](QWidget& view) { move(view, QPoint(9, 9), Qt::LeftButton); },
        [](QWidget& view) { QTest::mouseRelease(&view, Qt::LeftButton, {}, QPoint(9, 9)); }},
       {[](QWidget& view) { QTest::mouseDClick(&view, Qt::LeftButton, {}, QPoint(4, 5)); }},
-      {[](QWidget& view) {
-        QTest::mousePress(&view, Qt::RightButton, {}, QPoint(4, 5));
-        QCoreApplication::processEvents();
-      }},
+      {right},
       {[](QWidget& view) { move(view, QPoint(3, 3), Qt::NoButton); }},
       {[](QWidget& view) { QTest::keyPress(&view, Qt::Key_Shift); }},
-      // Through the window, where Qt itself holds on to the receiver.
-      {[](QWidget& view) { QTest::mousePress(view.window()->windowHandle(), Qt::LeftButton, {}, QPoint(10, 40)); }},
+      {inWindow(Qt::LeftButton)},
       {[](QWidget& view) {
         QTest::mousePress(&view, Qt::RightButton, {}, QPoint(4, 5));  // not told when the next one comes
         QTest::mousePress(view.window()->windowHandle(), Qt::RightButton, {}, QPoint(10, 40));
@@ -186,21 +174,21 @@ TEST(Mouse, AHandlerMayDeleteTheViewItsSuperviewOrTheWindow) {
   };
   for (const Steps& steps : gestures) {
     for (std::size_t last = 0; last < steps.size(); ++last) {
-      for (int victim = 0; victim < 3; ++victim) {
+      for (const char* victim : {"inner", "outer", "window"}) {
         auto* window = new QWidget;
         window->resize(100, 100);
         auto* outer = new RecordingView(NSMakeRect(0, 0, 60, 60), window);
         auto* inner = new RecordingView(NSMakeRect(0, 0, 50, 50), outer);
         window->show();
-        const QPointer<QWidget> alive = inner;
-        QWidget* const victims[] = {inner, outer, window};
+        QWidget* const chosen = *victim == 'i' ? inner : *victim == 'o' ? outer : window;
+        const QPointer<QWidget> alive = inner, around = window;
         for (std::size_t step = 0; step <= last; ++step) {
           ASSERT_TRUE(alive);
-          if (step == last) inner->inHandler = [chosen = victims[victim]] { delete chosen; };
+          if (step == last) inner->inHandler = [chosen] { delete chosen; };
           steps[step](*inner);
         }
-        EXPECT_TRUE(alive.isNull());
-        if (victim == 2) continue;
+        EXPECT_TRUE(alive.isNull()) << victim;
+        if (!around) continue;
         QTest::mouseRelease(window->windowHandle(), Qt::LeftButton, {}, QPoint(10, 40));
         delete window;
       }
@@ -208,25 +196,21 @@ TEST(Mouse, AHandlerMayDeleteTheViewItsSuperviewOrTheWindow) {
   }
 }
 
-class MenuView : public NSTarnView {
- public:
-  using NSTarnView::NSTarnView;
-  QMenu* menuForEvent(const NSEvent&) override {
-    if (!hasMenu) return nullptr;
-    menu = new QMenu(this);
-    menu->addAction("One");
-    return menu;
-  }
-  bool hasMenu = true;
-  QPointer<QMenu> menu;
-};
-
 TEST(ContextMenu, OpensByRightPressAndByKeyboardAndCleansUp) {
-  MenuView view(NSMakeRect(0, 0, 50, 50));
+  struct MenuView : NSTarnView {
+    using NSTarnView::NSTarnView;
+    QMenu* menuForEvent(const NSEvent&) override {
+      if (!hasMenu) return nullptr;
+      menu = new QMenu(this);
+      menu->addAction("One");
+      return menu;
+    }
+    bool hasMenu = true;
+    QPointer<QMenu> menu;
+  } view(NSMakeRect(0, 0, 50, 50));
   view.show();
   QTest::mousePress(view.windowHandle(), Qt::RightButton, {}, QPoint(5, 5));
-  ASSERT_TRUE(view.menu);
-  EXPECT_TRUE(view.menu->isVisible());
+  ASSERT_TRUE(view.menu && view.menu->isVisible());
   view.menu->hide();
   EXPECT_TRUE(QTest::qWaitFor([&] { return view.menu.isNull(); }, 2000));
 
@@ -249,13 +233,9 @@ TEST(Keyboard, ModifierKeysAreFlagsAndOthersReachTheSuperview) {
   KeyView outer(NSMakeRect(0, 0, 60, 60));
   RecordingView inner(NSMakeRect(0, 0, 50, 50), &outer);
   outer.show();
-  QKeyEvent down(QEvent::KeyPress, Qt::Key_Alt, Qt::NoModifier);
-  QKeyEvent up(QEvent::KeyRelease, Qt::Key_Alt, Qt::AltModifier);
-  QCoreApplication::sendEvent(&inner, &down);
-  QCoreApplication::sendEvent(&inner, &up);
+  QTest::keyClick(&inner, Qt::Key_Alt);
   ASSERT_EQ(inner.names(), "flags flags");
-  EXPECT_EQ(inner.calls[0].flags, NSAlternateKeyMask);
-  EXPECT_EQ(inner.calls[1].flags, 0U);
+  EXPECT_TRUE(inner.calls[0].flags == NSAlternateKeyMask && inner.calls[1].flags == 0);
   QTest::keyClick(&inner, Qt::Key_Left);
   EXPECT_EQ(outer.keys, std::vector<int>{Qt::Key_Left});
 }
@@ -271,30 +251,24 @@ TEST(LiveResize, RunsFromTheFirstToAMomentAfterTheLastResizeByTheUser) {
   QResizeEvent resize(QSize(120, 100), QSize(110, 100));
   QSpontaneKeyEvent::setSpontaneous(&resize);
   qApp->notify(&window, &resize);
-  EXPECT_TRUE(view.inLiveResize());
-  EXPECT_EQ(view.names(), "");
+  EXPECT_TRUE(view.inLiveResize() && view.calls.empty());
   EXPECT_TRUE(QTest::qWaitFor([&] { return !view.inLiveResize(); }, 5000));
   EXPECT_EQ(view.names(), "endLiveResize");
 }
 
-TEST(Cursor, FollowsThePointAndReturnsToTheSuperviews) {
+TEST(Mouse, CursorsAndToolTipsBelongToTheirPlaces) {
   struct CursorView : NSTarnView {
     using NSTarnView::NSTarnView;
     std::optional<QCursor> cursorAtPoint(NSPoint point) const override {
-      if (point.x < 10) return QCursor(Qt::PointingHandCursor);
-      return std::nullopt;
+      return point.x < 10 ? std::optional<QCursor>(Qt::PointingHandCursor) : std::nullopt;
     }
   };
-  CursorView view(NSMakeRect(0, 0, 50, 50));
+  CursorView view(NSMakeRect(0, 0, 100, 50));
   view.show();
-  move(view, QPoint(5, 5), Qt::NoButton);
-  EXPECT_EQ(view.cursor().shape(), Qt::PointingHandCursor);
-  move(view, QPoint(15, 5), Qt::NoButton);
-  EXPECT_EQ(view.cursor().shape(), Qt::ArrowCursor);
-}
-
-TEST(ToolTips, BelongToTheirRectangles) {
-  NSTarnView view(NSMakeRect(0, 0, 100, 50));
+  for (const auto& [x, shape] : {std::pair{5, Qt::PointingHandCursor}, {15, Qt::ArrowCursor}}) {
+    move(view, QPoint(x, 5), Qt::NoButton);
+    EXPECT_EQ(view.cursor().shape(), shape);
+  }
   view.setToolTip("whole");
   view.addToolTipRect(NSMakeRect(10, 0, 11, 14), "first");
   view.addToolTipRect(NSMakeRect(15, 0, 11, 14), "second");

@@ -2,23 +2,12 @@
 #include "Platform/TarnKit/NSFrames.h"
 #include "Tests/TarnKit/RecordingView.h"
 
-#include <gtest/gtest.h>
-
-#include <QPushButton>
-#include <QVBoxLayout>
-#include <cmath>
-#include <limits>
-
-namespace {
-
 // Frames count from the lower left unless the superview is flipped, and stay in its coordinates when its height
 // changes: once by the program while nothing is shown, once as Qt resizes a window that is shown.
 TEST(Frames, CountFromTheLowerLeftUnlessTheSuperviewIsFlipped) {
   for (const bool shown : {false, true}) {
-    RecordingView root(NSMakeRect(0, 0, 200, 100));
-    RecordingView child(NSMakeRect(10, 20, 50, 30), &root);
-    RecordingView flipped(NSMakeRect(0, 40, 100, 40), &root, true);
-    RecordingView inFlipped(NSMakeRect(1, 2, 3, 4), &flipped);
+    RecordingView root(NSMakeRect(0, 0, 200, 100)), child(NSMakeRect(10, 20, 50, 30), &root);
+    RecordingView flipped(NSMakeRect(0, 40, 100, 40), &root, true), inFlipped(NSMakeRect(1, 2, 3, 4), &flipped);
     QPushButton button(&root);
     NSSetFrame(button, NSMakeRect(5, 6, 7, 8));
     const auto expectHeight = [&](int height) {
@@ -37,18 +26,6 @@ TEST(Frames, CountFromTheLowerLeftUnlessTheSuperviewIsFlipped) {
     EXPECT_EQ(flipped.frame(), NSMakeRect(0, 40, 100, 60));
     expectHeight(160);
   }
-}
-
-TEST(Frames, HoldWhenAHiddenWindowWasResizedByQt) {
-  RecordingView root(NSMakeRect(0, 0, 200, 100));
-  RecordingView child(NSMakeRect(10, 20, 50, 30), &root);
-  root.resize(300, 150);
-  EXPECT_EQ(child.frame(), NSMakeRect(10, 20, 50, 30));
-  RecordingView late(NSMakeRect(0, 0, 10, 10), &root);
-  EXPECT_EQ(late.geometry(), QRect(0, 140, 10, 10));
-  EXPECT_EQ(child.geometry(), QRect(10, 100, 50, 30));
-  root.show();
-  EXPECT_EQ(child.geometry(), QRect(10, 100, 50, 30));
 }
 
 TEST(Frames, FollowByTheirAutoresizingMasks) {
@@ -72,42 +49,41 @@ TEST(Frames, FollowByTheirAutoresizingMasks) {
     EXPECT_EQ(NSGetFrame(child), frame) << mask;
   }
   EXPECT_EQ(NSAutoresizedFrame(frame, NSViewWidthSizable, -80, 0), NSMakeRect(10, 20, 0, 30));
-  RecordingView rigid(NSMakeRect(0, 0, 200, 100));
-  RecordingView child(frame, &rigid);
+  RecordingView rigid(NSMakeRect(0, 0, 200, 100)), child(frame, &rigid);
   child.setAutoresizingMask(NSViewWidthSizable | NSViewHeightSizable);
   rigid.setAutoresizesSubviews(false);
   rigid.setFrameSize({240, 120});
   EXPECT_EQ(child.frame(), frame);
 }
 
+TEST(Frames, HoldWhenAHiddenWindowWasResizedByQtAndWhenAViewIsTakenOut) {
+  RecordingView root(NSMakeRect(0, 0, 200, 100)), child(NSMakeRect(10, 20, 50, 30), &root);
+  root.resize(300, 150);
+  EXPECT_EQ(child.frame(), NSMakeRect(10, 20, 50, 30));
+  const RecordingView late(NSMakeRect(0, 0, 10, 10), &root);
+  EXPECT_EQ(late.geometry(), QRect(0, 140, 10, 10));
+  EXPECT_EQ(child.geometry(), QRect(10, 100, 50, 30));
+  root.show();
+  for (const int height : {150, 60}) {
+    root.setFrameSize({200, double(height)});
+    EXPECT_EQ(child.geometry(), QRect(10, height - 50, 50, 30));
+    child.removeFromSuperview();
+    EXPECT_TRUE(child.superview() == nullptr && !child.isVisible());
+    root.addSubview(child);
+    EXPECT_TRUE(child.superview() == &root && child.isVisible());
+    EXPECT_EQ(child.geometry(), QRect(10, height - 50, 50, 30));
+  }
+}
+
 TEST(Frames, AnnounceNewBoundsOncePerChange) {
-  RecordingView root(NSMakeRect(0, 0, 200, 100));
-  RecordingView child(NSMakeRect(10, 20, 50, 30), &root);
+  RecordingView root(NSMakeRect(0, 0, 200, 100)), child(NSMakeRect(10, 20, 50, 30), &root);
   child.setAutoresizingMask(NSViewWidthSizable);
   root.show();
   EXPECT_TRUE(root.boundsSet.empty());
   root.setFrameSize({220, 100});
   root.setFrame(NSMakeRect(7, 7, 220, 100));
-  ASSERT_EQ(root.boundsSet.size(), 1U);
-  EXPECT_EQ(root.boundsSet[0], NSMakeRect(0, 0, 220, 100));
-  ASSERT_EQ(child.boundsSet.size(), 1U);
-  EXPECT_EQ(child.boundsSet[0], NSMakeRect(0, 0, 70, 30));
-}
-
-TEST(Frames, KeepTheirNumbersWhenAViewIsTakenOutAndPutBack) {
-  RecordingView root(NSMakeRect(0, 0, 200, 100));
-  RecordingView child(NSMakeRect(10, 20, 50, 30));
-  root.show();
-  for (const int height : {100, 60}) {
-    root.setFrameSize({200, double(height)});
-    root.addSubview(child);
-    EXPECT_EQ(child.superview(), &root);
-    EXPECT_EQ(child.geometry(), QRect(10, height - 50, 50, 30));
-    EXPECT_TRUE(child.isVisible());
-    child.removeFromSuperview();
-    EXPECT_EQ(child.superview(), nullptr);
-    EXPECT_FALSE(child.isVisible());
-  }
+  EXPECT_EQ(root.boundsSet, std::vector{NSMakeRect(0, 0, 220, 100)});
+  EXPECT_EQ(child.boundsSet, std::vector{NSMakeRect(0, 0, 70, 30)});
 }
 
 TEST(Frames, InsideOrdinaryWidgetsFollowTheirLayouts) {
@@ -126,30 +102,23 @@ TEST(Frames, InsideOrdinaryWidgetsFollowTheirLayouts) {
 }
 
 TEST(Frames, TakeAnyNumbers) {
-  const double nan = std::numeric_limits<double>::quiet_NaN();
-  EXPECT_EQ(NSGeometryOfFrame(NSMakeRect(nan, nan, nan, nan), 10, true), QRect(0, 0, 0, 0));
+  EXPECT_EQ(NSGeometryOfFrame(NSMakeRect(NAN, NAN, NAN, NAN), 10, true), QRect(0, 0, 0, 0));
   EXPECT_EQ(NSGeometryOfFrame(NSMakeRect(1.6, 2.4, -5, 1e300), 10, true).topLeft(), QPoint(2, 2));
   EXPECT_EQ(NSGeometryOfFrame(NSMakeRect(1.6, 2.4, -5, 3), 10, false), QRect(2, 5, 0, 3));
 }
 
+// A point of the window, from its lower left: y 140 is 60 from the top, 50 from that of the outer view, whose y counts
+// from the top inside an ordinary widget; so 40 of it are above the flipped one, and 4 above the inner one.
 TEST(Coordinates, ConvertThroughNestedAndFlippedViews) {
   QWidget window;
   window.resize(300, 200);
-  RecordingView outer(NSMakeRect(20, 10, 200, 100), &window);  // y counts from the top inside an ordinary widget
+  RecordingView outer(NSMakeRect(20, 10, 200, 100), &window);
   RecordingView flipped(NSMakeRect(30, 40, 50, 20), &outer, true);
   RecordingView inner(NSMakeRect(5, 4, 10, 10), &flipped);
-  // A point of the window, from its lower left: x 60, y 140 is 60 from the top.
-  const NSPoint inWindow{60, 140};
-  // outer: x 60 - 20, from its top 60 - 10 = 50. flipped: 40 from the top of outer. inner: 4 from the top of flipped.
   const std::pair<const RecordingView*, NSPoint> cases[] = {{&outer, {40, 50}}, {&flipped, {10, 10}}, {&inner, {5, 4}}};
   for (const auto& [view, expected] : cases) {
-    const NSPoint point = view->convertPointFromWindow(inWindow);
-    EXPECT_EQ(point.x, expected.x);
-    EXPECT_EQ(point.y, expected.y);
-    const NSPoint back = view->convertPointToWindow(point);
-    EXPECT_EQ(back.x, inWindow.x);
-    EXPECT_EQ(back.y, inWindow.y);
+    const NSPoint point = view->convertPointFromWindow({60, 140}), back = view->convertPointToWindow(point);
+    EXPECT_TRUE(point.x == expected.x && point.y == expected.y) << point.x << ", " << point.y;
+    EXPECT_TRUE(back.x == 60 && back.y == 140) << back.x << ", " << back.y;
   }
 }
-
-}  // namespace

@@ -6,24 +6,19 @@
 #include "Platform/TarnKit/TarnInterfaceFile.h"
 #include "Tests/TarnKit/Pictures.h"
 
-#include <gtest/gtest.h>
-
-#include <QLabel>
-#include <QTest>
-
 namespace {
 
-class PanelView : public NSTarnView {
- public:
+struct PanelView : NSTarnView {
   using NSTarnView::NSTarnView;
   bool isFlipped() const override { return true; }
 };
 
-std::string widget(const char* type, const char* name, QRect frame, const std::string& inside = "") {
-  const QString start(R"(<widget class="%1" name="%2"><property name="geometry"><rect>)");
-  const QString rest("<x>%1</x><y>%2</y><width>%3</width><height>%4</height></rect></property>");
-  return start.arg(QString(type), QString(name)).toStdString() +
-         rest.arg(frame.x()).arg(frame.y()).arg(frame.width()).arg(frame.height()).toStdString() + inside + "</widget>";
+std::string widget(const char* type, const char* name, QRect r, const std::string& inside = "") {
+  std::ostringstream text;
+  text << "<widget class=\"" << type << "\" name=\"" << name << "\"><property name=\"geometry\"><rect><x>" << r.x()
+       << "</x><y>" << r.y() << "</y><width>" << r.width() << "</width><height>" << r.height()
+       << "</height></rect></property>" << inside << "</widget>";
+  return text.str();
 }
 
 std::string action(const std::string& name) {
@@ -46,8 +41,7 @@ struct InterfaceFile : testing::Test {
   }
 
   TestFolder folder;
-  std::string reason;
-  std::string reports;
+  std::string reason, reports;
 };
 
 TEST_F(InterfaceFile, GivesViewsFramesOutletsAndActions) {
@@ -77,10 +71,8 @@ TEST_F(InterfaceFile, GivesViewsFramesOutletsAndActions) {
   EXPECT_EQ(panel->frame().origin.y, 40);
   master->setFrameSize({236, 80});
   EXPECT_EQ(panel->geometry(), QRect(10, 10, 100, 30));
-  popUp->addItemWithTitle("One");
-  popUp->addItemWithTitle("Two");
-  popUp->selectItemAtIndex(1);
-  popUp->selectItemAtIndex(7);
+  for (const char* title : {"One", "Two"}) popUp->addItemWithTitle(title);
+  for (const int item : {1, 7}) popUp->selectItemAtIndex(item);
   EXPECT_EQ(popUp->indexOfSelectedItem(), 1);
   root->show();
   QTest::mouseClick(button, Qt::LeftButton);
@@ -109,39 +101,32 @@ TEST_F(InterfaceFile, ReportsByNameWhatDoesNotFitAndKeepsTheRest) {
   file.addOutlet("button", button);
   const std::unique_ptr<QWidget> root = load(file, text);
   ASSERT_TRUE(root);
-  EXPECT_EQ(panel, nullptr);
-  EXPECT_EQ(missing, nullptr);
-  ASSERT_TRUE(button);
+  ASSERT_TRUE(!panel && !missing && button);
   for (const char* name : {"panel has another class", "lost is missing", "NoSuchView", "nobody:"}) {
     EXPECT_NE(reports.find(name), std::string::npos) << name << " in " << reports;
   }
   QTest::mouseClick(button, Qt::LeftButton);
 }
 
-TEST_F(InterfaceFile, FailsWithTheReason) {
+TEST_F(InterfaceFile, IsFoundInABundleByNameOrFailsWithTheReason) {
   const TarnInterfaceFile file;
+  const auto failsWith = [&](const std::unique_ptr<QWidget>& root, const char* part) {
+    return !root && reason.find(part) != std::string::npos;
+  };
   for (const char* text : {"", "no form", "<ui version=\"4.0\">", "<ui version=\"4.0\"/>", "<html/>"}) {
     reason.clear();
-    EXPECT_FALSE(load(file, text)) << text;
-    EXPECT_NE(reason.find("Form.ui"), std::string::npos) << text;
+    EXPECT_TRUE(failsWith(load(file, text), "Form.ui")) << text;
   }
-  EXPECT_FALSE(file.loadFile(folder.path("none.ui"), &reason));
-  EXPECT_NE(reason.find("none.ui"), std::string::npos);
-  EXPECT_FALSE(file.load("org.example.nobody", "Form", &reason));
-  EXPECT_NE(reason.find("org.example.nobody"), std::string::npos);
-}
-
-TEST_F(InterfaceFile, IsFoundInABundleByName) {
-  const std::string contents = "Panels.bundle/Contents/";
+  EXPECT_TRUE(failsWith(file.loadFile(folder.path("none.ui"), &reason), "none.ui"));
+  EXPECT_TRUE(failsWith(file.load("org.example.nobody", "Form", &reason), "org.example.nobody"));
   folder.write(
-      contents + "Info.plist",
+      "Panels.bundle/Contents/Info.plist",
       "<plist version=\"1.0\"><dict><key>CFBundleIdentifier</key><string>org.example.panels</string></dict></plist>");
-  folder.write(contents + "Resources/Panel.ui", form(""));
+  folder.write("Panels.bundle/Contents/Resources/Panel.ui", form(""));
   const CFBundleRef bundle = CFBundleCreate(nullptr, folder.path("Panels.bundle"), &reason);
   ASSERT_TRUE(bundle) << reason;
-  EXPECT_TRUE(TarnInterfaceFile().load("org.example.panels", "Panel", &reason)) << reason;
-  EXPECT_FALSE(TarnInterfaceFile().load("org.example.panels", "Other", &reason));
-  EXPECT_NE(reason.find("Other"), std::string::npos);
+  EXPECT_TRUE(file.load("org.example.panels", "Panel", &reason)) << reason;
+  EXPECT_TRUE(failsWith(file.load("org.example.panels", "Other", &reason), "Other"));
   CFRelease(bundle);
 }
 

@@ -3,10 +3,6 @@
 
 #include "Platform/TarnKit/NSTarnView.h"
 
-#include <functional>
-#include <string>
-#include <vector>
-
 // A view that writes down what it is told.
 class RecordingView : public NSTarnView {
  public:
@@ -21,14 +17,14 @@ class RecordingView : public NSTarnView {
       : NSTarnView(frame, parent), flipped_(flipped) {}
 
   bool isFlipped() const override { return flipped_; }
-  void mouseDown(const NSEvent& event) override {
-    record("down", event, [&] { NSTarnView::mouseDown(event); });
+  void mouseDown(const NSEvent& e) override {
+    record("down", e, [&] { NSTarnView::mouseDown(e); });
   }
-  void mouseDragged(const NSEvent& event) override {
-    record("dragged", event, [&] { NSTarnView::mouseDragged(event); });
+  void mouseDragged(const NSEvent& e) override {
+    record("dragged", e, [&] { NSTarnView::mouseDragged(e); });
   }
-  void mouseUp(const NSEvent& event) override {
-    record("up", event, [&] { NSTarnView::mouseUp(event); });
+  void mouseUp(const NSEvent& e) override {
+    record("up", e, [&] { NSTarnView::mouseUp(e); });
   }
   void mouseMoved(const NSEvent& event) override { record("moved", event); }
   void rightMouseDown(const NSEvent& event) override {
