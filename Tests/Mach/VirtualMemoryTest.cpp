@@ -149,5 +149,3 @@ TEST(GuardPagesTest, PoisonEndsWhenMemoryIsGivenBackOrShared) {
   EXPECT_EQ(bytesAt(place)[size - 1], 1);
   release({entry}, {{next, size}, {kept, size}, {place, size}});
 }
-
-}  // namespace
