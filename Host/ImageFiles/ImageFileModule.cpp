@@ -3,6 +3,7 @@
 
 #include "Host/ImageFiles/Drawing.h"
 #include "Host/ImageFiles/Reading.h"
+#include "Host/ImageFiles/SilentStandardError.h"
 #include "Host/ImageFiles/Writing.h"
 #include "Platform/Foundation/NSReason.h"
 #include "Platform/Visibility.h"
@@ -17,6 +18,7 @@ namespace {
 // Runs a step that may throw (the library, or memory that ran out) and returns false instead.
 template <class Step>
 bool guarded(std::string* reason, Step step) {
+  const SilentStandardError silent;
   try {
     return step();
   } catch (const std::bad_alloc&) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Files/ImageFileLoader.h"
 #include "Host/Messages/Failure.h"
+#include "Platform/Sanitizer.h"
 #include "Tests/Support/ChildProcess.h"
 
 #include <gtest/gtest.h>
@@ -94,4 +95,11 @@ TEST(DamagedFiles, AreRefusedWhateverTheLibrariesMakeOfThem) {
     for (const std::size_t place : {30, 100, 200}) EXPECT_FALSE(isReadWith(name, 0, place)) << name << " at " << place;
   }
   EXPECT_FALSE(isReadWith("rows-rle.exr", 0, 625));
+}
+
+TEST(DamagedFiles, AreRefusedWithoutALineOfTheLibrarysOwn) {
+  if (kHasAddressSanitizer) GTEST_SKIP() << "what its findings are written to is left alone";
+  Capture errors(2);
+  EXPECT_FALSE(isReadWith("wrong-sum.png", 0, 0));
+  EXPECT_EQ(errors.text(), "");
 }
