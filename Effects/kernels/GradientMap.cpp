@@ -30,9 +30,6 @@ std::size_t mapFloats(const float*, float*, std::size_t, const void*) {
   return 0;
 }
 #else
-using Longs = hn::Repartition<std::uint64_t, Bytes>;
-using Doubles = hn::Repartition<double, Bytes>;
-
 template <int index>
 HWY_INLINE hn::Vec<Wides> channelOfBytes(hn::Vec<Wides> pixels) {
   return hn::And(hn::ShiftRight<8 * index>(pixels), hn::Set(Wides(), 0xFF));
@@ -87,17 +84,10 @@ std::size_t mapARGB8(const std::uint8_t* in, std::uint8_t* out, std::size_t coun
   return mapBytes<ARGB8>(in, out, count, table);
 }
 
-// Integers below 2 to the 52.
-HWY_INLINE hn::Vec<Doubles> doubleOf(hn::Vec<Longs> v) {
-  const auto magic = hn::Set(Doubles(), 0x1p52);
-  return hn::Sub(hn::BitCast(Doubles(), hn::Or(v, hn::BitCast(Longs(), magic))), magic);
-}
-
 // A word of each pixel, weighted.
 template <int index>
 HWY_INLINE hn::Vec<Longs> weightedWord(hn::Vec<Longs> pixels, std::uint32_t weight) {
-  const auto word = hn::And(hn::ShiftRight<16 * index>(pixels), hn::Set(Longs(), 0xFFFF));
-  return hn::MulEven(hn::BitCast(Wides(), word), hn::Set(Wides(), weight));
+  return hn::MulEven(hn::BitCast(Wides(), wordOf<index>(pixels)), hn::Set(Wides(), weight));
 }
 
 std::size_t mapWords(const std::uint16_t* in, std::uint16_t* out, std::size_t count, const void* table) {
@@ -180,10 +170,9 @@ HWY_EXPORT(mapFloats);
 template <class Layout>
 void gradientMapRow(const typename Layout::Channel* in, typename Layout::Channel* out, std::size_t count,
                     const LaidPixel<Layout>* table) {
+  if (TCUsesScalarKernels()) return gradientMapRowScalar<Layout>(in, out, count, table);
   std::size_t done = 0;
-  if (TCUsesScalarKernels()) {
-    // all by the definition
-  } else if constexpr (std::is_same_v<Layout, RGBA8>) {
+  if constexpr (std::is_same_v<Layout, RGBA8>) {
     done = HWY_DYNAMIC_DISPATCH(mapRGBA8)(in, out, count, table);
   } else if constexpr (std::is_same_v<Layout, ARGB8>) {
     done = HWY_DYNAMIC_DISPATCH(mapARGB8)(in, out, count, table);

@@ -111,25 +111,11 @@ std::size_t levelsARGB8(const std::uint8_t* in, std::uint8_t* out, std::size_t c
 }
 
 // Pixels of words, one to a lane.
-using Longs = hn::Repartition<std::uint64_t, Bytes>;
-using Doubles = hn::Repartition<double, Bytes>;
-
-template <int index>
-HWY_INLINE hn::Vec<Longs> wordOf(hn::Vec<Longs> pixels) {
-  return hn::And(hn::ShiftRight<16 * index>(pixels), hn::Set(Longs(), 0xFFFF));
-}
-
 HWY_INLINE hn::Vec<Longs> lookedUp(const LevelsTable<std::uint16_t>& table, hn::Vec<Longs> index) {
   // The three words that follow are read too, and cut off.
   const auto* const bytes = reinterpret_cast<const std::uint64_t*>(table.data());
   const auto offset = hn::BitCast(hn::RebindToSigned<Longs>(), hn::Add(index, index));
   return hn::And(hn::GatherOffset(Longs(), bytes, offset), hn::Set(Longs(), 0xFFFF));
-}
-
-// Integers below 2 to the 52, which this adds to the bits of a double.
-HWY_INLINE hn::Vec<Doubles> doubleOf(hn::Vec<Longs> v) {
-  const auto magic = hn::Set(Doubles(), 0x1p52);
-  return hn::Sub(hn::BitCast(Doubles(), hn::Or(v, hn::BitCast(Longs(), magic))), magic);
 }
 
 // (color 65535 + alpha / 2) / alpha, cut off and at most 65535: exact in doubles.
@@ -190,10 +176,9 @@ HWY_EXPORT(levelsWords);
 template <class Layout>
 void levelsRow(const typename Layout::Channel* in, typename Layout::Channel* out, std::size_t count,
                const LevelsTables<typename Layout::Channel>& tables) {
+  if (TCUsesScalarKernels()) return levelsRowScalar<Layout>(in, out, count, tables);
   std::size_t done = 0;
-  if (TCUsesScalarKernels()) {
-    // all by the definition
-  } else if constexpr (std::is_same_v<Layout, RGBA8>) {
+  if constexpr (std::is_same_v<Layout, RGBA8>) {
     done = HWY_DYNAMIC_DISPATCH(levelsRGBA8)(in, out, count, tables);
   } else if constexpr (std::is_same_v<Layout, ARGB8>) {
     done = HWY_DYNAMIC_DISPATCH(levelsARGB8)(in, out, count, tables);

@@ -196,10 +196,9 @@ HWY_EXPORT(mixFloatPixels);
 
 template <class Channel>
 void mixRow(const Channel* a, const Channel* b, Channel* out, std::size_t count, MixWeight<Channel> weight) {
+  if (TCUsesScalarKernels()) return mixRowScalar(a, b, out, count, weight);
   std::size_t done = 0;
-  if (TCUsesScalarKernels()) {
-    // all by the definition
-  } else if constexpr (std::is_same_v<Channel, std::uint8_t>) {
+  if constexpr (std::is_same_v<Channel, std::uint8_t>) {
     done = HWY_DYNAMIC_DISPATCH(mixBytes)(a, b, out, count, weight);
   } else if constexpr (std::is_same_v<Channel, std::uint16_t>) {
     done = HWY_DYNAMIC_DISPATCH(mixWords)(a, b, out, count, weight);
@@ -211,10 +210,9 @@ void mixRow(const Channel* a, const Channel* b, Channel* out, std::size_t count,
 
 template <class Channel>
 void mixPixels(const Channel* a, const Channel* b, Channel* out, std::size_t count, const MixWeight<Channel>* weights) {
+  if (TCUsesScalarKernels()) return mixPixelsScalar(a, b, out, count, weights);
   std::size_t done = 0;
-  if (TCUsesScalarKernels()) {
-    // all by the definition
-  } else if constexpr (std::is_same_v<Channel, std::uint8_t>) {
+  if constexpr (std::is_same_v<Channel, std::uint8_t>) {
     done = HWY_DYNAMIC_DISPATCH(mixBytePixels)(a, b, out, count, weights);
   } else if constexpr (std::is_same_v<Channel, std::uint16_t>) {
     done = HWY_DYNAMIC_DISPATCH(mixWordPixels)(a, b, out, count, weights);

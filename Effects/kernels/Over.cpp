@@ -97,10 +97,9 @@ HWY_EXPORT(overFloats);
 template <class Layout>
 void overRow(const typename Layout::Channel* background, const typename Layout::Channel* foreground,
              typename Layout::Channel* out, std::size_t count) {
+  if (TCUsesScalarKernels()) return overRowScalar<Layout>(background, foreground, out, count);
   std::size_t done = 0;
-  if (TCUsesScalarKernels()) {
-    // all by the definition
-  } else if constexpr (std::is_same_v<Layout, RGBA8>) {
+  if constexpr (std::is_same_v<Layout, RGBA8>) {
     done = HWY_DYNAMIC_DISPATCH(overRGBA8)(background, foreground, out, count);
   } else if constexpr (std::is_same_v<Layout, ARGB8>) {
     done = HWY_DYNAMIC_DISPATCH(overARGB8)(background, foreground, out, count);

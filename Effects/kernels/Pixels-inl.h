@@ -22,6 +22,8 @@ using Words = hn::Repartition<std::uint16_t, Bytes>;
 using Integers = hn::Repartition<std::int16_t, Bytes>;
 using Wides = hn::Repartition<std::uint32_t, Bytes>;
 using Floats = hn::Repartition<float, Bytes>;
+using Longs = hn::Repartition<std::uint64_t, Bytes>;
+using Doubles = hn::Repartition<double, Bytes>;
 
 // Bytes are computed with in words: those at even places in one vector, those at odd places in another. Results come
 // back in the high byte of each word.
@@ -69,6 +71,18 @@ HWY_INLINE hn::Vec<Words> productOfWords(hn::Vec<Words> a, hn::Vec<Words> b) {
   const auto high = hn::Add(hn::MulHigh(a, b), hn::ShiftRight<15>(exact));
   const auto low = hn::Add(exact, hn::Set(Words(), 0x8000));
   return hn::Sub(high, carryOf(hn::Add(low, high), low));
+}
+
+// A word of each pixel of four, in a lane of its own.
+template <int index>
+HWY_INLINE hn::Vec<Longs> wordOf(hn::Vec<Longs> pixels) {
+  return hn::And(hn::ShiftRight<16 * index>(pixels), hn::Set(Longs(), 0xFFFF));
+}
+
+// Integers below 2 to the 52, which this adds to the bits of a double.
+HWY_INLINE hn::Vec<Doubles> doubleOf(hn::Vec<Longs> v) {
+  const auto magic = hn::Set(Doubles(), 0x1p52);
+  return hn::Sub(hn::BitCast(Doubles(), hn::Or(v, hn::BitCast(Longs(), magic))), magic);
 }
 
 // The number of whole vectors in `count` pixels of four channels, in channels.
