@@ -100,9 +100,11 @@ std::uint64_t chunkCount(const Part& part) {
 std::uint64_t runLengthSize(std::span<const std::uint8_t> stored) {
   std::uint64_t size = 0;
   for (std::size_t at = 0; at < stored.size();) {
-    const int count = static_cast<std::int8_t>(stored[at]);
-    size += count < 0 ? static_cast<std::uint64_t>(-count) : static_cast<std::uint64_t>(count) + 1;
-    at += count < 0 ? static_cast<std::size_t>(-count) + 1 : 2;
+    // Up to 127 the following byte is repeated once more than that; above, 256 less it bytes follow.
+    const std::size_t count = stored[at];
+    const bool isRun = count < 128;
+    size += isRun ? count + 1 : 256 - count;
+    at += isRun ? 2 : 256 - count + 1;
     if (at > stored.size()) return 0;
   }
   return size;
