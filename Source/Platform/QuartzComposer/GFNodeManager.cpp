@@ -6,6 +6,7 @@
 #include "Platform/QuartzComposer/QCCompositionQueue.h"
 #include "Platform/QuartzComposer/QCInstance.h"
 #include "Platform/QuartzComposer/QCPlugInBundle.h"
+#include "Platform/QuartzComposer/QCPlugInProbe.h"
 
 #include <algorithm>
 #include <exception>
@@ -113,7 +114,7 @@ struct GFNodeManager::State {
     if (!fs::is_directory(path, error)) {
       return NSRefuse(reason, "it is not a folder");
     }
-    const QCPlugInDescription* description = QCLoadPlugInBundle(path, reason);
+    const QCPlugInDescription* description = QCLoadPlugInBundle(path, QCSurvivesLoading, reason);
     if (!description) {
       return false;
     }

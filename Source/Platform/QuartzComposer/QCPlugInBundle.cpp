@@ -3,7 +3,6 @@
 
 #include "Platform/Foundation/NSReason.h"
 #include "Platform/QuartzComposer/QCPlugInBinary.h"
-#include "Platform/QuartzComposer/QCPlugInProbe.h"
 
 #include <dlfcn.h>
 
@@ -80,7 +79,7 @@ const QCPlugInDescription* describe(void* handle, std::string* reason) {
 
 }  // namespace
 
-const QCPlugInDescription* QCLoadPlugInBundle(const std::string& path, std::string* reason) {
+const QCPlugInDescription* QCLoadPlugInBundle(const std::string& path, QCPlugInTrial survives, std::string* reason) {
   const std::string name = executableName(path, reason);
   if (name.empty()) {
     return nullptr;
@@ -91,7 +90,7 @@ const QCPlugInDescription* QCLoadPlugInBundle(const std::string& path, std::stri
     NSRefuse(reason, "it has no binary Contents/Linux/" + name);
     return nullptr;
   }
-  if (!QCCheckPlugInBinary(binary, reason) || !QCSurvivesLoading(path, binary, reason)) {
+  if (!QCCheckPlugInBinary(binary, reason) || (survives && !survives(path, binary, reason))) {
     return nullptr;
   }
   // The handle is never closed: initialisers of the binary may have registered classes.

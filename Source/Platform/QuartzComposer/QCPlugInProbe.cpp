@@ -26,8 +26,6 @@ namespace {
 constexpr std::chrono::seconds kLongestProbe{5};
 constexpr int kReportDescriptor = 3;  // in the probe
 
-bool isProbe = false;  // this process is one: it tries nothing beforehand
-
 enum class Outcome { Survived, Died, Hung, NotTried };
 
 struct Pipe {
@@ -138,7 +136,7 @@ const std::string& probeProgram() {
 }  // namespace
 
 bool QCSurvivesLoading(const std::string& bundle, const std::string& binary, std::string* reason) {
-  const std::string& program = isProbe ? std::string() : probeProgram();
+  const std::string& program = probeProgram();
   if (program.empty()) return true;
   // Never destroyed: plug-ins may be loaded while the process ends.
   static QCPlugInVerdicts& verdicts = *new QCPlugInVerdicts(program);
@@ -152,10 +150,9 @@ bool QCSurvivesLoading(const std::string& bundle, const std::string& binary, std
 
 int QCPlugInProbeMain(int argc, char** argv) {
   if (argc != 3) return 2;
-  isProbe = true;
   const rlimit none{0, 0};
   ::setrlimit(RLIMIT_CORE, &none);
-  if (const QCPlugInDescription* description = QCLoadPlugInBundle(argv[1], nullptr)) {
+  if (const QCPlugInDescription* description = QCLoadPlugInBundle(argv[1], nullptr, nullptr)) {
     const auto manager = std::make_shared<GFNodeManager>();
     manager->initWithNamespace("org.vorto.probe");
     try {
