@@ -26,6 +26,8 @@ namespace {
 constexpr std::chrono::seconds kLongestProbe{5};
 constexpr int kReportDescriptor = 3;  // in the probe
 
+bool isProbe = false;  // this process is one: what its plug-in loads in turn is not tried beforehand
+
 enum class Outcome { Survived, Died, Hung, NotTried };
 
 struct Pipe {
@@ -137,7 +139,7 @@ const std::string& probeProgram() {
 
 bool QCSurvivesLoading(const std::string& bundle, const std::string& binary, std::string* reason) {
   const std::string& program = probeProgram();
-  if (program.empty()) return true;
+  if (isProbe || program.empty()) return true;
   // Never destroyed: plug-ins may be loaded while the process ends.
   static QCPlugInVerdicts& verdicts = *new QCPlugInVerdicts(program);
   const std::optional<QCPlugInFile> file = QCPlugInFile::of(binary);
@@ -150,6 +152,7 @@ bool QCSurvivesLoading(const std::string& bundle, const std::string& binary, std
 
 int QCPlugInProbeMain(int argc, char** argv) {
   if (argc != 3) return 2;
+  isProbe = true;
   const rlimit none{0, 0};
   ::setrlimit(RLIMIT_CORE, &none);
   if (const QCPlugInDescription* description = QCLoadPlugInBundle(argv[1], nullptr, nullptr)) {
