@@ -59,10 +59,22 @@ VRTPickerWindow::VRTPickerWindow(QWidget& owner, VRTColorSwatch::Kind kind, cons
   }
 }
 
-void VRTPickerWindow::ownerDied() {
-  handlers_.ownerDied();
+template <class Tell>
+void VRTPickerWindow::tell(Tell tellHandlers) {
+  ++telling_;
+  tellHandlers();
+  if (--telling_ == 0 && isDone_) deleteLater();
+}
+
+void VRTPickerWindow::dispose() {
+  isDone_ = true;
   hide();
-  deleteLater();
+  if (telling_ == 0) deleteLater();
+}
+
+void VRTPickerWindow::ownerDied() {
+  tell([this] { handlers_.ownerDied(); });
+  dispose();
 }
 
 void VRTPickerWindow::moveOnScreen(QPoint corner, QPoint near) {
@@ -78,16 +90,18 @@ void VRTPickerWindow::moveOnScreen(QPoint corner, QPoint near) {
 void VRTPickerWindow::report() {
   hasReported_ = true;
   update();
-  handlers_.report(picked_.color());
+  tell([this] { handlers_.report(picked_.color()); });
 }
 
 void VRTPickerWindow::finish(bool taken) {
-  handlers_.finish(taken);
+  tell([this, taken] { handlers_.finish(taken); });
 }
 
 void VRTPickerWindow::take() {
-  if (!hasReported_ && !hasOldColor_) report();
-  finish(true);
+  tell([this] {
+    if (!hasReported_ && !hasOldColor_) report();
+    finish(true);
+  });
 }
 
 bool VRTPickerWindow::event(QEvent* event) {

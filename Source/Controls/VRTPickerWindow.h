@@ -10,8 +10,8 @@
 
 // The window of a color picker: the color that it has, and what it tells. Enter takes the color, Escape gives it up.
 //
-// Whoever is told may destroy the owner. The window closes then, but lives on until its events are handled: no part of
-// it goes while it tells of a change.
+// Whoever is told may destroy the owner and run an event loop. The window closes then, but lives on until everybody has
+// been told and its events are handled: no part of it goes while it tells of a change.
 class VRTPickerWindow : public QWidget {
  public:
   struct Handlers {
@@ -21,6 +21,9 @@ class VRTPickerWindow : public QWidget {
   };
 
   const VRTPickedColor& picked() const { return picked_; }
+
+  // Closes it, and deletes it as soon as it may.
+  void dispose();
 
  protected:
   VRTPickerWindow(QWidget& owner, VRTColorSwatch::Kind kind, const std::optional<NSColor>& oldColor, Handlers handlers);
@@ -49,11 +52,15 @@ class VRTPickerWindow : public QWidget {
   virtual void pickedByKey() = 0;
 
   void ownerDied();
+  template <class Tell>
+  void tell(Tell tellHandlers);
 
   Handlers handlers_;
   QPointer<QWidget> owner_;
   bool hasOldColor_;
   bool hasReported_ = false;
+  int telling_ = 0;  // how many handlers are being called, one within another
+  bool isDone_ = false;
 };
 
 // Which way an arrow key points, y downwards; nowhere for other keys. With Shift ten times as far.

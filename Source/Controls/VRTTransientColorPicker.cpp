@@ -87,10 +87,7 @@ void VRTTransientColorPicker::Session::finish(bool taken) {
   if (!running) return;
   running = false;
   if (current() == self) current().reset();
-  if (panel) {
-    panel->hide();
-    panel->deleteLater();
-  }
+  if (panel) panel->dispose();
   VRTTransientColorPicker& ended = *picker;
   if (taken && ended.color_) VRTRecentColors::ofKind(kind).add(*ended.color_);
   if (!taken && ended.color_ && ended.options_.oldColor) {
