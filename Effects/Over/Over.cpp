@@ -1,26 +1,14 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "Effects/kernels/Over.h"
-#include "Effects/Support/BlendModePatch.h"
-#include "Effects/Support/PixelLayout.h"
+#include "Effects/Support/BlendModeOf.h"
 #include "Platform/QuartzComposer/QCPlugIn.h"
 
 namespace vorto::effects {
 namespace {
 
-class OverPatch : public BlendModePatch {
+class OverPatch : public BlendModeOf<OverMode> {
  public:
   static PropertyList description() { return describe("Over", "Lays the foreground on the background."); }
-  OverPatch() : BlendModePatch(description()) {}
-
- private:
-  void blendRow(std::uint32_t formatCode, const void* background, const void* foreground, void* out,
-                std::size_t count) override {
-    withLayout(formatCode, [&](auto layout) {
-      using Channel = typename decltype(layout)::Channel;
-      overRow<decltype(layout)>(static_cast<const Channel*>(background), static_cast<const Channel*>(foreground),
-                                static_cast<Channel*>(out), count);
-    });
-  }
+  OverPatch() : BlendModeOf(description()) {}
 };
 
 }  // namespace

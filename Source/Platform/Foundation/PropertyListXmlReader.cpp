@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Platform/Foundation/NSReason.h"
+#include "Platform/Foundation/NSUnicode.h"
 #include "Platform/Foundation/PropertyListCoding.h"
 
 #include <expat.h>
@@ -33,6 +34,14 @@ Element elementOf(const char* name) {
     }
   }
   return Element::Unknown;
+}
+
+// As faults name it: a stranger's name may be as long as the file.
+std::string tagOf(const char* name) {
+  constexpr std::size_t most = 40;
+  const std::string_view whole(name);
+  const std::size_t shown = whole.size() <= most ? whole.size() : NSValidUTF8Length(whole.substr(0, most));
+  return "<" + std::string(whole.substr(0, shown)) + (shown < whole.size() ? "...>" : ">");
 }
 
 bool isBlank(char each) {
@@ -163,7 +172,7 @@ class XmlReader {
       return;
     }
     if (leaf_ != Element::None) {
-      return fail(std::string("<") + name + "> within another value");
+      return fail(tagOf(name) + " within another value");
     }
     if (element == Element::Plist && !isOpen_) {
       isOpen_ = true;
@@ -171,7 +180,7 @@ class XmlReader {
     }
     isOpen_ = true;
     if (element == Element::Plist || element == Element::Unknown) {
-      return fail(std::string("<") + name + "> is unknown");
+      return fail(tagOf(name) + " is unknown");
     }
     if (mayStandHere(element == Element::Key) && isWithinLimits()) {
       begin(element);

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Effects/Support/PixelLayout.h"
+#include "Effects/kernels/Blend.h"
 #include "Effects/kernels/GradientMap.h"
 #include "Effects/kernels/Levels.h"
 #include "Effects/kernels/Mix.h"
-#include "Effects/kernels/Multiply.h"
-#include "Effects/kernels/Over.h"
 #include "Effects/kernels/Power.h"
 #include "Effects/kernels/Wipe.h"
 
@@ -104,10 +103,12 @@ TYPED_TEST(Rows, BlendAsDefined) {
     using Layout = decltype(layout);
     const auto a = this->row();
     const auto b = this->row();
-    this->expectSame([&](auto* out, std::size_t count) { overRowScalar<Layout>(a.data(), b.data(), out, count); },
-                     [&](auto* out, std::size_t count) { overRow<Layout>(a.data(), b.data(), out, count); });
-    this->expectSame([&](auto* out, std::size_t count) { multiplyRowScalar<Layout>(a.data(), b.data(), out, count); },
-                     [&](auto* out, std::size_t count) { multiplyRow<Layout>(a.data(), b.data(), out, count); });
+    this->expectSame(
+        [&](auto* out, std::size_t count) { blendRowScalar<OverMode, Layout>(a.data(), b.data(), out, count); },
+        [&](auto* out, std::size_t count) { blendRow<OverMode, Layout>(a.data(), b.data(), out, count); });
+    this->expectSame(
+        [&](auto* out, std::size_t count) { blendRowScalar<MultiplyMode, Layout>(a.data(), b.data(), out, count); },
+        [&](auto* out, std::size_t count) { blendRow<MultiplyMode, Layout>(a.data(), b.data(), out, count); });
   });
 }
 
@@ -241,11 +242,11 @@ TEST(Bytes, BlendAsDefinedForEveryValue) {
       front[i] = static_cast<std::uint8_t>(alphas >> 8);
     }
     const std::size_t count = behind.size() / 4;
-    multiplyRowScalar<RGBA8>(behind.data(), front.data(), expected.data(), count);
-    multiplyRow<RGBA8>(behind.data(), front.data(), out.data(), count);
+    blendRowScalar<MultiplyMode, RGBA8>(behind.data(), front.data(), expected.data(), count);
+    blendRow<MultiplyMode, RGBA8>(behind.data(), front.data(), out.data(), count);
     ASSERT_EQ(out, expected) << alphas;
-    overRowScalar<RGBA8>(behind.data(), front.data(), expected.data(), count);
-    overRow<RGBA8>(behind.data(), front.data(), out.data(), count);
+    blendRowScalar<OverMode, RGBA8>(behind.data(), front.data(), expected.data(), count);
+    blendRow<OverMode, RGBA8>(behind.data(), front.data(), out.data(), count);
     ASSERT_EQ(out, expected) << alphas;
   }
 }

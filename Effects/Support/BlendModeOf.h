@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include "Effects/Support/BlendModePatch.h"
+#include "Effects/Support/PixelLayout.h"
+#include "Effects/kernels/Blend.h"
+
+namespace vorto::effects {
+
+// The patch of a mode of Blend.h.
+template <class Mode>
+class BlendModeOf : public BlendModePatch {
+ protected:
+  using BlendModePatch::BlendModePatch;
+
+ private:
+  void blendRow(std::uint32_t formatCode, const void* background, const void* foreground, void* out,
+                std::size_t count) final {
+    withLayout(formatCode, [&](auto layout) {
+      using Channel = typename decltype(layout)::Channel;
+      effects::blendRow<Mode, decltype(layout)>(static_cast<const Channel*>(background),
+                                                static_cast<const Channel*>(foreground), static_cast<Channel*>(out),
+                                                count);
+    });
+  }
+};
+
+}  // namespace vorto::effects
