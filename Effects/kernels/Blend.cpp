@@ -166,8 +166,7 @@ auto vectorsOf(MultiplyMode) {
 template <class Mode, class Layout>
 void blendRow(const typename Layout::Channel* background, const typename Layout::Channel* foreground,
               typename Layout::Channel* out, std::size_t count) {
-  const std::size_t done =
-      TCUsesScalarKernels() ? 0 : vectorsOf<Layout>(Mode())(background, foreground, out, count);
+  const std::size_t done = TCUsesScalarKernels() ? 0 : vectorsOf<Layout>(Mode())(background, foreground, out, count);
   blendRowScalar<Mode, Layout>(background + 4 * done, foreground + 4 * done, out + 4 * done, count - done);
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Effects/kernels/GradientMap.h"
 
-#include "Effects/Support/PixelLayout.h"
+#include "Effects/kernels/RowOfLayout.h"
 #include "TarnCore/TCKernelTarget.h"
 
 #undef HWY_TARGET_INCLUDE
@@ -17,24 +17,11 @@ HWY_BEFORE_NAMESPACE();
 namespace vorto::effects::HWY_NAMESPACE {
 
 #if HWY_TARGET == HWY_SCALAR
-std::size_t mapRGBA8(const std::uint8_t*, std::uint8_t*, std::size_t, const void*) {
-  return 0;
-}
-std::size_t mapARGB8(const std::uint8_t*, std::uint8_t*, std::size_t, const void*) {
-  return 0;
-}
-std::size_t mapWords(const std::uint16_t*, std::uint16_t*, std::size_t, const void*) {
-  return 0;
-}
-std::size_t mapFloats(const float*, float*, std::size_t, const void*) {
+template <class Layout, class Channel>
+std::size_t mapVectors(Layout, const Channel*, Channel*, std::size_t, const void*) {
   return 0;
 }
 #else
-template <int index>
-HWY_INLINE hn::Vec<Wides> channelOfBytes(hn::Vec<Wides> pixels) {
-  return hn::And(hn::ShiftRight<8 * index>(pixels), hn::Set(Wides(), 0xFF));
-}
-
 // Quotients below 512 of numbers that floats hold are cut off right: one that is no integer is 1/255 or more away from
 // the next.
 template <class Layout>
@@ -42,9 +29,9 @@ HWY_INLINE hn::Vec<hn::RebindToSigned<Wides> > straightLumaOfBytes(hn::Vec<Wides
   const Wides d;
   const Floats df;
   const hn::RebindToSigned<Wides> di;
-  const auto red = hn::Mul(channelOfBytes<Layout::kRed>(pixels), hn::Set(d, kRedWeight));
-  const auto green = hn::Mul(channelOfBytes<Layout::kGreen>(pixels), hn::Set(d, kGreenWeight));
-  const auto blue = hn::Mul(channelOfBytes<Layout::kBlue>(pixels), hn::Set(d, kBlueWeight));
+  const auto red = hn::Mul(byteOf<Layout::kRed>(pixels), hn::Set(d, kRedWeight));
+  const auto green = hn::Mul(byteOf<Layout::kGreen>(pixels), hn::Set(d, kGreenWeight));
+  const auto blue = hn::Mul(byteOf<Layout::kBlue>(pixels), hn::Set(d, kBlueWeight));
   const auto sum = hn::Add(hn::Add(red, green), blue);
   const auto scaled = hn::Add(hn::Sub(hn::ShiftLeft<8>(sum), sum), hn::ShiftLeft<15>(alpha));
   const auto n = hn::ConvertTo(df, hn::BitCast(di, hn::ShiftRight<16>(scaled)));
@@ -54,7 +41,7 @@ HWY_INLINE hn::Vec<hn::RebindToSigned<Wides> > straightLumaOfBytes(hn::Vec<Wides
 }
 
 template <class Layout>
-std::size_t mapBytes(const std::uint8_t* in, std::uint8_t* out, std::size_t count, const void* table) {
+std::size_t mapVectors(Layout, const std::uint8_t* in, std::uint8_t* out, std::size_t count, const void* table) {
   const Bytes d;
   const Wides dp;
   const Words dw;
@@ -62,11 +49,11 @@ std::size_t mapBytes(const std::uint8_t* in, std::uint8_t* out, std::size_t coun
   const std::size_t whole = wholeVectors(d, count);
   for (std::size_t i = 0; i < whole; i += hn::Lanes(d)) {
     const auto pixels = hn::BitCast(dp, hn::LoadU(d, in + i));
-    const auto alpha = channelOfBytes<Layout::kAlpha>(pixels);
+    const auto alpha = byteOf<Layout::kAlpha>(pixels);
     const auto index = straightLumaOfBytes<Layout>(pixels, alpha);
     const auto color = hn::GatherIndex(dp, static_cast<const std::uint32_t*>(table), index);
-    const auto covered = productOfBytes(hn::BitCast(dw, channelOfBytes<Layout::kAlpha>(color)), hn::BitCast(dw, alpha));
-    const auto coverage = channelOfBytes<1>(hn::BitCast(dp, covered));
+    const auto covered = productOfBytes(hn::BitCast(dw, byteOf<Layout::kAlpha>(color)), hn::BitCast(dw, alpha));
+    const auto coverage = byteOf<1>(hn::BitCast(dp, covered));
     const auto twice = hn::BitCast(dw, hn::Or(coverage, hn::ShiftLeft<16>(coverage)));
     const auto opaque = hn::BitCast(d, hn::Or(color, alphaByte));
     const auto even = productOfBytes(evenBytes(opaque), twice);
@@ -76,21 +63,13 @@ std::size_t mapBytes(const std::uint8_t* in, std::uint8_t* out, std::size_t coun
   return whole / 4;
 }
 
-std::size_t mapRGBA8(const std::uint8_t* in, std::uint8_t* out, std::size_t count, const void* table) {
-  return mapBytes<RGBA8>(in, out, count, table);
-}
-
-std::size_t mapARGB8(const std::uint8_t* in, std::uint8_t* out, std::size_t count, const void* table) {
-  return mapBytes<ARGB8>(in, out, count, table);
-}
-
 // A word of each pixel, weighted.
 template <int index>
 HWY_INLINE hn::Vec<Longs> weightedWord(hn::Vec<Longs> pixels, std::uint32_t weight) {
   return hn::MulEven(hn::BitCast(Wides(), wordOf<index>(pixels)), hn::Set(Wides(), weight));
 }
 
-std::size_t mapWords(const std::uint16_t* in, std::uint16_t* out, std::size_t count, const void* table) {
+std::size_t mapVectors(RGBA16, const std::uint16_t* in, std::uint16_t* out, std::size_t count, const void* table) {
   const Words d;
   const Longs dp;
   const Doubles df;
@@ -117,7 +96,7 @@ std::size_t mapWords(const std::uint16_t* in, std::uint16_t* out, std::size_t co
 }
 
 // First the places of a vector of pixels in the table, then one pixel after the other.
-std::size_t mapFloats(const float* in, float* out, std::size_t count, const void* table) {
+std::size_t mapVectors(RGBAFloat, const float* in, float* out, std::size_t count, const void* table) {
   const Floats d;
   const hn::RebindToSigned<Floats> di;
   const hn::FixedTag<float, 4> pixel;
@@ -156,6 +135,19 @@ std::size_t mapFloats(const float* in, float* out, std::size_t count, const void
 }
 #endif
 
+std::size_t mapRGBA8(const std::uint8_t* in, std::uint8_t* out, std::size_t count, const void* table) {
+  return mapVectors(RGBA8(), in, out, count, table);
+}
+std::size_t mapARGB8(const std::uint8_t* in, std::uint8_t* out, std::size_t count, const void* table) {
+  return mapVectors(ARGB8(), in, out, count, table);
+}
+std::size_t mapWords(const std::uint16_t* in, std::uint16_t* out, std::size_t count, const void* table) {
+  return mapVectors(RGBA16(), in, out, count, table);
+}
+std::size_t mapFloats(const float* in, float* out, std::size_t count, const void* table) {
+  return mapVectors(RGBAFloat(), in, out, count, table);
+}
+
 }  // namespace vorto::effects::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
@@ -170,17 +162,9 @@ HWY_EXPORT(mapFloats);
 template <class Layout>
 void gradientMapRow(const typename Layout::Channel* in, typename Layout::Channel* out, std::size_t count,
                     const LaidPixel<Layout>* table) {
-  if (TCUsesScalarKernels()) return gradientMapRowScalar<Layout>(in, out, count, table);
-  std::size_t done = 0;
-  if constexpr (std::is_same_v<Layout, RGBA8>) {
-    done = HWY_DYNAMIC_DISPATCH(mapRGBA8)(in, out, count, table);
-  } else if constexpr (std::is_same_v<Layout, ARGB8>) {
-    done = HWY_DYNAMIC_DISPATCH(mapARGB8)(in, out, count, table);
-  } else if constexpr (std::is_same_v<Layout, RGBA16>) {
-    done = HWY_DYNAMIC_DISPATCH(mapWords)(in, out, count, table);
-  } else {
-    done = HWY_DYNAMIC_DISPATCH(mapFloats)(in, out, count, table);
-  }
+  const auto vectors = rowOfLayout<Layout>(HWY_DYNAMIC_DISPATCH(mapRGBA8), HWY_DYNAMIC_DISPATCH(mapARGB8),
+                                           HWY_DYNAMIC_DISPATCH(mapWords), HWY_DYNAMIC_DISPATCH(mapFloats));
+  const std::size_t done = TCUsesScalarKernels() ? 0 : vectors(in, out, count, table);
   gradientMapRowScalar<Layout>(in + 4 * done, out + 4 * done, count - done, table);
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Effects/kernels/Levels.h"
 
-#include "Effects/Support/PixelLayout.h"
+#include "Effects/kernels/RowOfLayout.h"
 #include "TarnCore/TCKernelTarget.h"
 
 #undef HWY_TARGET_INCLUDE
@@ -20,13 +20,8 @@ using ByteTables = LevelsTables<std::uint8_t>;
 using WordTables = LevelsTables<std::uint16_t>;
 
 #if HWY_TARGET == HWY_SCALAR
-std::size_t levelsRGBA8(const std::uint8_t*, std::uint8_t*, std::size_t, const ByteTables&) {
-  return 0;
-}
-std::size_t levelsARGB8(const std::uint8_t*, std::uint8_t*, std::size_t, const ByteTables&) {
-  return 0;
-}
-std::size_t levelsWords(const std::uint16_t*, std::uint16_t*, std::size_t, const WordTables&) {
+template <class Layout, class Channel>
+std::size_t levelsVectors(Layout, const Channel*, Channel*, std::size_t, const LevelsTables<Channel>&) {
   return 0;
 }
 #else
@@ -38,17 +33,12 @@ struct BytePixels {
   Lanes pixels, alpha;
   hn::Vec<Floats> divisor, half;
 
-  HWY_INLINE explicit BytePixels(Lanes loaded) : pixels(loaded), alpha(channel<Layout::kAlpha>()) {
+  HWY_INLINE explicit BytePixels(Lanes loaded) : pixels(loaded), alpha(byteOf<Layout::kAlpha>(loaded)) {
     const auto wide = hn::BitCast(hn::RebindToSigned<Wides>(), alpha);
     // Where alpha is 0, the color stands for itself.
     const auto float32 = hn::ConvertTo(Floats(), wide);
     divisor = hn::IfThenElse(hn::Eq(float32, hn::Zero(Floats())), hn::Set(Floats(), 255.0F), float32);
     half = hn::ConvertTo(Floats(), hn::ShiftRight<1>(wide));
-  }
-
-  template <int index>
-  HWY_INLINE Lanes channel() const {
-    return hn::And(hn::ShiftRight<8 * index>(pixels), hn::Set(kLanes, 0xFF));
   }
 
   // (color 255 + alpha / 2) / alpha, cut off and at most 255: exact in floats, where a quotient below 512 that is no
@@ -71,9 +61,9 @@ HWY_INLINE hn::Vec<Wides> levelsOfBytes(const BytePixels<Layout>& in, hn::Vec<Wi
   using Pixels = BytePixels<Layout>;
   const auto through = [&](hn::Vec<Wides> color, const LevelsTable<std::uint8_t>& table)
                            HWY_ATTR { return Pixels::lookedUp(table, isOpaque ? color : in.straight(color)); };
-  const auto red = hn::ShiftLeft<8 * Layout::kRed>(through(in.template channel<Layout::kRed>(), tables.red));
-  const auto green = hn::ShiftLeft<8 * Layout::kGreen>(through(in.template channel<Layout::kGreen>(), tables.green));
-  const auto blue = hn::ShiftLeft<8 * Layout::kBlue>(through(in.template channel<Layout::kBlue>(), tables.blue));
+  const auto red = hn::ShiftLeft<8 * Layout::kRed>(through(byteOf<Layout::kRed>(in.pixels), tables.red));
+  const auto green = hn::ShiftLeft<8 * Layout::kGreen>(through(byteOf<Layout::kGreen>(in.pixels), tables.green));
+  const auto blue = hn::ShiftLeft<8 * Layout::kBlue>(through(byteOf<Layout::kBlue>(in.pixels), tables.blue));
   const auto colors = hn::Or(hn::Or(red, green), blue);
   if constexpr (isOpaque) return hn::Or(colors, hn::ShiftLeft<8 * Layout::kAlpha>(newAlpha));
   const Bytes d;
@@ -86,7 +76,8 @@ HWY_INLINE hn::Vec<Wides> levelsOfBytes(const BytePixels<Layout>& in, hn::Vec<Wi
 }
 
 template <class Layout>
-std::size_t levelsBytes(const std::uint8_t* in, std::uint8_t* out, std::size_t count, const ByteTables& tables) {
+std::size_t levelsVectors(Layout, const std::uint8_t* in, std::uint8_t* out, std::size_t count,
+                          const ByteTables& tables) {
   const Bytes d;
   const Wides dp;
   const auto full = hn::Set(dp, 0xFF);
@@ -100,14 +91,6 @@ std::size_t levelsBytes(const std::uint8_t* in, std::uint8_t* out, std::size_t c
     storeNext<false>(hn::BitCast(d, made), d, out + i);
   }
   return whole / 4;
-}
-
-std::size_t levelsRGBA8(const std::uint8_t* in, std::uint8_t* out, std::size_t count, const ByteTables& tables) {
-  return levelsBytes<RGBA8>(in, out, count, tables);
-}
-
-std::size_t levelsARGB8(const std::uint8_t* in, std::uint8_t* out, std::size_t count, const ByteTables& tables) {
-  return levelsBytes<ARGB8>(in, out, count, tables);
 }
 
 // Pixels of words, one to a lane.
@@ -145,7 +128,8 @@ HWY_INLINE hn::Vec<Longs> levelsOfWords(hn::Vec<Longs> pixels, hn::Vec<Longs> ne
   return hn::IfThenElse(hn::Eq(hn::Or(alpha, newAlpha), hn::Zero(d)), pixels, made);
 }
 
-std::size_t levelsWords(const std::uint16_t* in, std::uint16_t* out, std::size_t count, const WordTables& tables) {
+std::size_t levelsVectors(RGBA16, const std::uint16_t* in, std::uint16_t* out, std::size_t count,
+                          const WordTables& tables) {
   const Words d;
   const Longs dp;
   const auto full = hn::Set(dp, 0xFFFF);
@@ -163,6 +147,16 @@ std::size_t levelsWords(const std::uint16_t* in, std::uint16_t* out, std::size_t
 }
 #endif
 
+std::size_t levelsRGBA8(const std::uint8_t* in, std::uint8_t* out, std::size_t count, const ByteTables& tables) {
+  return levelsVectors(RGBA8(), in, out, count, tables);
+}
+std::size_t levelsARGB8(const std::uint8_t* in, std::uint8_t* out, std::size_t count, const ByteTables& tables) {
+  return levelsVectors(ARGB8(), in, out, count, tables);
+}
+std::size_t levelsWords(const std::uint16_t* in, std::uint16_t* out, std::size_t count, const WordTables& tables) {
+  return levelsVectors(RGBA16(), in, out, count, tables);
+}
+
 }  // namespace vorto::effects::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
@@ -176,15 +170,9 @@ HWY_EXPORT(levelsWords);
 template <class Layout>
 void levelsRow(const typename Layout::Channel* in, typename Layout::Channel* out, std::size_t count,
                const LevelsTables<typename Layout::Channel>& tables) {
-  if (TCUsesScalarKernels()) return levelsRowScalar<Layout>(in, out, count, tables);
-  std::size_t done = 0;
-  if constexpr (std::is_same_v<Layout, RGBA8>) {
-    done = HWY_DYNAMIC_DISPATCH(levelsRGBA8)(in, out, count, tables);
-  } else if constexpr (std::is_same_v<Layout, ARGB8>) {
-    done = HWY_DYNAMIC_DISPATCH(levelsARGB8)(in, out, count, tables);
-  } else {
-    done = HWY_DYNAMIC_DISPATCH(levelsWords)(in, out, count, tables);
-  }
+  const auto vectors = rowOfLayout<Layout>(HWY_DYNAMIC_DISPATCH(levelsRGBA8), HWY_DYNAMIC_DISPATCH(levelsARGB8),
+                                           HWY_DYNAMIC_DISPATCH(levelsWords));
+  const std::size_t done = TCUsesScalarKernels() ? 0 : vectors(in, out, count, tables);
   levelsRowScalar<Layout>(in + 4 * done, out + 4 * done, count - done, tables);
 }
 

@@ -73,6 +73,12 @@ HWY_INLINE hn::Vec<Words> productOfWords(hn::Vec<Words> a, hn::Vec<Words> b) {
   return hn::Sub(high, carryOf(hn::Add(low, high), low));
 }
 
+// A byte of each pixel of four, in a lane of its own.
+template <int index>
+HWY_INLINE hn::Vec<Wides> byteOf(hn::Vec<Wides> pixels) {
+  return hn::And(hn::ShiftRight<8 * index>(pixels), hn::Set(Wides(), 0xFF));
+}
+
 // A word of each pixel of four, in a lane of its own.
 template <int index>
 HWY_INLINE hn::Vec<Longs> wordOf(hn::Vec<Longs> pixels) {
