@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Effects/kernels/Levels.h"
-#include "Effects/Levels/LevelsFloats.h"
+#include "Effects/Levels/LevelsStage.h"
 #include "Effects/Support/Arithmetic.h"
 #include "Effects/Support/EffectPatch.h"
 #include "Effects/Support/KeptForState.h"
@@ -47,13 +47,18 @@ LevelsTables<Channel> tablesOf(const VRTHistogram& levels) {
   return {color(Red), color(Green), color(Blue), tabulated<Channel>(LevelsStage(levels, Alpha))};
 }
 
-void applyToFloats(const VRTHistogram& levels, const VortoBitmap& in, VortoBitmap& out) {
-  const LevelsCurves curves{colorCurve(levels, Red), colorCurve(levels, Green), colorCurve(levels, Blue),
-                            LevelsStage(levels, Alpha)};
-  for (std::size_t y = 0; y < in.height; ++y) {
-    levelsFloatRow(rowOf<float>(in, y), rowOf<float>(out, y), in.width, curves);
+// What rows of a depth are put through.
+template <class Channel>
+auto prepared(const VRTHistogram& levels) {
+  if constexpr (std::is_same_v<Channel, float>) {
+    const auto stage = [&](int channel) { return LevelsStage(levels, channel).forFloats(); };
+    return FloatLevels{stage(RGB), stage(Red), stage(Green), stage(Blue), stage(Alpha)};
+  } else {
+    return tablesOf<Channel>(levels);
   }
 }
+template <class Channel>
+using KeptPrepared = KeptForState<decltype(prepared<Channel>(std::declval<const VRTHistogram&>()))>;
 
 class LevelsPatch : public EffectPatch {
  public:
@@ -81,21 +86,17 @@ class LevelsPatch : public EffectPatch {
     if (!out) return std::nullopt;
     withLayout(in->formatCode, [&](auto layout) {
       using Layout = decltype(layout);
-      if constexpr (std::is_same_v<Layout, RGBAFloat>) {
-        applyToFloats(*levels, *in, *out);
-      } else {
-        using Channel = typename Layout::Channel;
-        const auto& tables = std::get<KeptForState<LevelsTables<Channel>>>(tables_).of(
-            levels->stateValue(), [&] { return tablesOf<Channel>(*levels); });
-        for (std::size_t y = 0; y < in->height; ++y) {
-          levelsRow<Layout>(rowOf<Channel>(*in, y), rowOf<Channel>(*out, y), in->width, tables);
-        }
+      using Channel = typename Layout::Channel;
+      const auto& made =
+          std::get<KeptPrepared<Channel>>(kept_).of(levels->stateValue(), [&] { return prepared<Channel>(*levels); });
+      for (std::size_t y = 0; y < in->height; ++y) {
+        levelsRow<Layout>(rowOf<Channel>(*in, y), rowOf<Channel>(*out, y), in->width, made);
       }
     });
     return out;
   }
 
-  std::tuple<KeptForState<LevelsTables<std::uint8_t>>, KeptForState<LevelsTables<std::uint16_t>>> tables_;
+  std::tuple<KeptPrepared<std::uint8_t>, KeptPrepared<std::uint16_t>, KeptPrepared<float>> kept_;
   std::shared_ptr<QCImagePort> image_;
   std::shared_ptr<VRTHistogramPort> levels_;
 };

@@ -2,7 +2,6 @@
 #include "Effects/Levels/LevelsStage.h"
 
 #include "Effects/Support/Arithmetic.h"
-#include "Effects/kernels/Power.h"
 #include "Ports/VRTObjects.h"
 
 namespace vorto::effects {
@@ -12,10 +11,6 @@ constexpr double kNearZero = 0.00001;
 
 double clipped(double value) {
   return value > 0 ? std::min(value, 1.0) : 0.0;
-}
-
-void clip(float* values, std::size_t count) {
-  for (std::size_t i = 0; i < count; ++i) values[i] = values[i] > 0 ? std::min(values[i], 1.0F) : 0.0F;
 }
 
 }  // namespace
@@ -56,47 +51,17 @@ double LevelsStage::applyClipped(double value) const {
   return clipped(blackOut_ + shaped(clipped(stretched(value))) * outputSpan_);
 }
 
-void LevelsStage::apply(float* values, std::size_t count) const {
-  if (neutral_) return;
-  stretch(values, count);
-  shape(values, count);
-  lay(values, count);
-}
-
-void LevelsStage::applyClipped(float* values, std::size_t count) const {
-  if (!neutral_) {
-    stretch(values, count);
-    clip(values, count);
-    shape(values, count);
-    lay(values, count);
-  }
-  clip(values, count);
-}
-
-void LevelsStage::stretch(float* values, std::size_t count) const {
-  const auto black = static_cast<float>(blackIn_);
-  const auto span = static_cast<float>(inputSpan_);
-  for (std::size_t i = 0; i < count; ++i) {
-    values[i] = step_ ? (values[i] < black ? 0.0F : 1.0F) : (values[i] - black) / span;
-  }
-}
-
-void LevelsStage::shape(float* values, std::size_t count) const {
-  if (gamma_ == Gamma::Power) {
-    powerRow(values, count, exponent_);
-  } else if (gamma_ == Gamma::Zero) {
-    for (std::size_t i = 0; i < count; ++i) values[i] = values[i] > 0 && values[i] < 1 ? 0.0F : values[i];
-  }
-}
-
-void LevelsStage::lay(float* values, std::size_t count) const {
-  const auto black = static_cast<float>(blackOut_);
-  const auto span = static_cast<float>(outputSpan_);
-  if (span == 0) {
-    std::fill_n(values, count, black);  // infinity and NaN, too
-    return;
-  }
-  for (std::size_t i = 0; i < count; ++i) values[i] = black + values[i] * span;
+FloatStage LevelsStage::forFloats() const {
+  FloatStage stage;
+  stage.isNeutral = neutral_;
+  stage.isStep = step_;
+  stage.isLimit = gamma_ == Gamma::Zero;
+  if (gamma_ == Gamma::Power) stage.power.emplace(exponent_);
+  stage.blackIn = static_cast<float>(blackIn_);
+  stage.inputSpan = static_cast<float>(inputSpan_);
+  stage.blackOut = static_cast<float>(blackOut_);
+  stage.outputSpan = static_cast<float>(outputSpan_);
+  return stage;
 }
 
 }  // namespace vorto::effects

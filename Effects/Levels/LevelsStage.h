@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include <cstddef>
+#include "Effects/kernels/LevelsFloats.h"
 
 class VRTHistogram;
 
@@ -20,19 +20,15 @@ class LevelsStage {
   LevelsStage(const VRTHistogram& levels, int channel);
 
   bool isNeutral() const { return neutral_; }
-  // Of floats, in place: values outside the input range go on in the same way and may leave the output range.
-  void apply(float* values, std::size_t count) const;
   // Of channels that cannot leave 0 to 1: the input range clips, and so do 0 and 1. NaN becomes 0.
   double applyClipped(double value) const;
-  void applyClipped(float* values, std::size_t count) const;
+  // For floats: values outside the input range go on in the same way and may leave the output range.
+  FloatStage forFloats() const;
 
  private:
   enum class Gamma { None, Power, Zero };
   double stretched(double value) const;
   double shaped(double value) const;
-  void stretch(float* values, std::size_t count) const;
-  void shape(float* values, std::size_t count) const;
-  void lay(float* values, std::size_t count) const;
 
   bool neutral_ = true;
   bool step_ = false;
@@ -49,10 +45,6 @@ struct LevelsCurve {
   LevelsStage common;
   LevelsStage own;
   bool isNeutral() const { return common.isNeutral() && own.isNeutral(); }
-  void apply(float* values, std::size_t count) const {
-    common.apply(values, count);
-    own.apply(values, count);
-  }
   double applyClipped(double value) const { return own.applyClipped(common.applyClipped(value)); }
 };
 

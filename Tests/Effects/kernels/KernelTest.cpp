@@ -3,6 +3,7 @@
 #include "Effects/kernels/Blend.h"
 #include "Effects/kernels/GradientMap.h"
 #include "Effects/kernels/Levels.h"
+#include "Effects/kernels/LevelsFloats.h"
 #include "Effects/kernels/Mix.h"
 #include "Effects/kernels/Power.h"
 #include "Effects/kernels/Wipe.h"
@@ -161,6 +162,33 @@ TYPED_TEST(Rows, ChangeLevelsAsDefined) {
   }
 }
 
+TEST(LevelsOfFloats, AreAsDefined) {
+  std::mt19937 random(3);
+  const float inf = std::numeric_limits<float>::infinity();
+  const float specials[] = {0, -0.0F, 1, -1, inf, -inf, std::nanf(""), 1e-44F, 3e38F, 0.25F};
+  std::vector<float> in(4 * kPixels);
+  for (float& each : in) {
+    each = random() % 4 == 0 ? specials[random() % std::size(specials)]
+                             : std::uniform_real_distribution<float>(-0.2F, 1.3F)(random);
+  }
+  FloatStage gamma{.isNeutral = false, .power = PowerTable(1 / 1.7), .blackIn = 0.1F, .inputSpan = 0.7F};
+  FloatStage steep{.isNeutral = false, .power = PowerTable(40), .blackOut = 0.2F, .outputSpan = 0.5F};
+  FloatStage limit{.isNeutral = false, .isLimit = true, .power = {}, .inputSpan = -1, .outputSpan = 0};
+  FloatStage step{.isNeutral = false, .isStep = true, .power = {}, .blackIn = 0.5F, .blackOut = 1, .outputSpan = -1};
+  for (const FloatLevels& levels : {FloatLevels{gamma, {}, steep, step, {}}, FloatLevels{{}, limit, gamma, {}, gamma},
+                                    FloatLevels{{}, {}, {}, {}, step}}) {
+    std::vector<float> expected(in.size()), out(in.size());
+    levelsRowScalar<RGBAFloat>(in.data(), expected.data(), kPixels, levels);
+    onEveryTarget([&] {
+      levelsRow<RGBAFloat>(in.data(), out.data(), kPixels, levels);
+      for (std::size_t i = 0; i < out.size(); ++i) {
+        const bool isSame = std::memcmp(&out[i], &expected[i], sizeof(float)) == 0;
+        ASSERT_TRUE(isSame || (std::isnan(out[i]) && std::isnan(expected[i]))) << out[i] << " for " << expected[i];
+      }
+    });
+  }
+}
+
 template <class Weight>
 void expectSameWipes() {
   std::vector<Weight> values(65536), expected(997), out(997);
@@ -212,10 +240,27 @@ TEST(Power, IsNearTheExactOneAndTheSameEverywhere) {
   }
 }
 
+TEST(Power, OfATableIsNearTheExactOne) {
+  std::vector<float> values = positiveFloats();
+  for (std::uint32_t bits = 0x3E000000; bits < 0x3F900000; bits += 77) values.push_back(std::bit_cast<float>(bits));
+  for (const double exponent : {1e-30, 0.01, 0.1, 1 / 2.2, 0.999, 1.0, 1 / 0.9, 2.0, 3.7, 15.99, 16.01, 99'999.0}) {
+    const PowerTable table(exponent);
+    for (const float value : values) {
+      const auto exact = static_cast<float>(std::pow(static_cast<double>(value), exponent));
+      ASSERT_LE(stepsBetween(powered(value, table), exact), 2) << value << " to the " << exponent;
+    }
+  }
+}
+
 TEST(Power, LeavesWhatIsNotAboveZero) {
   const float inf = std::numeric_limits<float>::infinity();
+  const PowerTable table(0.5);
   onEveryTarget([&] {
     std::vector<float> row = {0, -0.0F, -1, -inf, inf, std::nanf(""), -1e-44F, 0, 4};
+    for (const float each : row) {
+      const float raised = powered(each, table);
+      EXPECT_EQ(std::bit_cast<std::uint32_t>(raised), std::bit_cast<std::uint32_t>(each == 4 ? 2.0F : each));
+    }
     powerRow(row.data(), row.size(), 0.5);
     EXPECT_EQ(std::vector(row.begin(), row.begin() + 5), (std::vector<float>{0, 0, -1, -inf, inf}));
     EXPECT_TRUE(std::signbit(row[1]) && std::isnan(row[5]));
