@@ -13,22 +13,17 @@
 namespace vorto::effects {
 namespace {
 
-// Tells tables of layouts apart that are of the same type.
 template <class Layout>
-struct LayoutTable {
-  MapTable<Layout> entries;
-};
-template <class Layout>
-using KeptTable = KeptForState<LayoutTable<Layout>>;
+using KeptTable = KeptForState<MapTable<Layout>>;
 
 template <class Layout>
-LayoutTable<Layout> tableOf(const VRTGradient& gradient) {
+MapTable<Layout> tableOf(const VRTGradient& gradient) {
   if constexpr (std::is_same_v<Layout, RGBAFloat>) {
-    return {mapTable<Layout>(floatGradientTable(gradient))};
+    return mapTable<Layout>(floatGradientTable(gradient));
   } else if constexpr (std::is_same_v<Layout, RGBA16>) {
-    return {mapTable<Layout>(roundedGradientTable<std::uint16_t>(gradient))};
+    return mapTable<Layout>(roundedGradientTable<std::uint16_t>(gradient));
   } else {
-    return {mapTable<Layout>(byteGradientTable(gradient))};
+    return mapTable<Layout>(byteGradientTable(gradient));
   }
 }
 
@@ -62,7 +57,7 @@ class GradientMapPatch : public EffectPatch {
       const auto& table =
           std::get<KeptTable<Layout>>(tables_).of(gradient->stateValue(), [&] { return tableOf<Layout>(*gradient); });
       for (std::size_t y = 0; y < in->height; ++y) {
-        gradientMapRow<Layout>(rowOf<Channel>(*in, y), rowOf<Channel>(*out, y), in->width, table.entries.data());
+        gradientMapRow<Layout>(rowOf<Channel>(*in, y), rowOf<Channel>(*out, y), in->width, table);
       }
     });
     return out;

@@ -44,7 +44,8 @@ LevelsTables<Channel> tablesOf(const VRTHistogram& levels) {
     const LevelsCurve curve = colorCurve(levels, channel);
     return curve.own.isNeutral() ? common : tabulated<Channel>(curve);
   };
-  return {color(Red), color(Green), color(Blue), tabulated<Channel>(LevelsStage(levels, Alpha))};
+  const LevelsStage alpha(levels, Alpha);
+  return {color(Red), color(Green), color(Blue), tabulated<Channel>(alpha), alpha.isNeutral()};
 }
 
 // What rows of a depth are put through.

@@ -14,6 +14,9 @@ namespace vorto::effects {
 template <class Channel>
 inline constexpr std::uint32_t kFull = std::numeric_limits<Channel>::max();  // what 1.0 is at an integer depth
 
+template <class Channel>
+inline constexpr Channel kOne = std::is_floating_point_v<Channel> ? Channel{1} : std::numeric_limits<Channel>::max();
+
 // The product of two channel values. Exact for every pair: multiplying by 1.0 changes nothing.
 inline std::uint8_t product(std::uint8_t a, std::uint8_t b) {
   const std::uint32_t n = std::uint32_t{a} * b + 128;

@@ -18,47 +18,69 @@ namespace vorto::effects::HWY_NAMESPACE {
 
 #if HWY_TARGET == HWY_SCALAR
 template <class Layout, class Channel>
-std::size_t mapVectors(Layout, const Channel*, Channel*, std::size_t, const void*) {
+std::size_t mapVectors(Layout, const Channel*, Channel*, std::size_t, const MapTable<Layout>&) {
   return 0;
 }
 #else
-// Quotients below 512 of numbers that floats hold are cut off right: one that is no integer is 1/255 or more away from
-// the next.
+// Of straight color: the sum of the weighted channels, 65536ths of a unit.
 template <class Layout>
-HWY_INLINE hn::Vec<hn::RebindToSigned<Wides> > straightLumaOfBytes(hn::Vec<Wides> pixels, hn::Vec<Wides> alpha) {
+HWY_INLINE hn::Vec<Wides> lumaOfBytes(hn::Vec<Wides> pixels) {
   const Wides d;
-  const Floats df;
-  const hn::RebindToSigned<Wides> di;
   const auto red = hn::Mul(byteOf<Layout::kRed>(pixels), hn::Set(d, kRedWeight));
   const auto green = hn::Mul(byteOf<Layout::kGreen>(pixels), hn::Set(d, kGreenWeight));
   const auto blue = hn::Mul(byteOf<Layout::kBlue>(pixels), hn::Set(d, kBlueWeight));
-  const auto sum = hn::Add(hn::Add(red, green), blue);
+  return hn::Add(hn::Add(red, green), blue);
+}
+
+// Quotients below 512 of numbers that floats hold are cut off right: one that is no integer is 1/255 or more away from
+// the next.
+template <class Layout>
+HWY_INLINE hn::Vec<Wides> straightLumaOfBytes(hn::Vec<Wides> pixels, hn::Vec<Wides> alpha) {
+  const Floats df;
+  const hn::RebindToSigned<Wides> di;
+  const auto sum = lumaOfBytes<Layout>(pixels);
   const auto scaled = hn::Add(hn::Sub(hn::ShiftLeft<8>(sum), sum), hn::ShiftLeft<15>(alpha));
   const auto n = hn::ConvertTo(df, hn::BitCast(di, hn::ShiftRight<16>(scaled)));
   // Without alpha it is any index of the table: the color will be multiplied by 0.
   const auto divisor = hn::Max(hn::ConvertTo(df, hn::BitCast(di, alpha)), hn::Set(df, 1.0F));
-  return hn::ConvertTo(di, hn::Min(hn::Div(n, divisor), hn::Set(df, 255.0F)));
+  return hn::BitCast(Wides(), hn::ConvertTo(di, hn::Min(hn::Div(n, divisor), hn::Set(df, 255.0F))));
 }
 
 template <class Layout>
-std::size_t mapVectors(Layout, const std::uint8_t* in, std::uint8_t* out, std::size_t count, const void* table) {
+HWY_INLINE hn::Vec<Wides> mappedBytes(const LaidPixel<Layout>* entries, hn::Vec<Wides> index) {
+  const auto* const colors = reinterpret_cast<const std::uint32_t*>(entries);
+  return hn::GatherIndex(Wides(), colors, hn::BitCast(hn::RebindToSigned<Wides>(), index));
+}
+
+template <class Layout>
+HWY_INLINE hn::Vec<Bytes> coveredBytes(hn::Vec<Wides> color, hn::Vec<Wides> alpha) {
+  const Words dw;
+  const auto covered = productOfBytes(hn::BitCast(dw, byteOf<Layout::kAlpha>(color)), hn::BitCast(dw, alpha));
+  const auto coverage = byteOf<1>(hn::BitCast(Wides(), covered));
+  const auto twice = hn::BitCast(dw, hn::Or(coverage, hn::ShiftLeft<16>(coverage)));
+  const auto opaque = hn::BitCast(Bytes(), hn::Or(color, hn::Set(Wides(), 0xFFU << (8 * Layout::kAlpha))));
+  return joinedHighBytes(productOfBytes(evenBytes(opaque), twice), productOfBytes(oddBytes(opaque), twice));
+}
+
+template <class Layout>
+std::size_t mapVectors(Layout, const std::uint8_t* in, std::uint8_t* out, std::size_t count,
+                       const MapTable<Layout>& table) {
   const Bytes d;
   const Wides dp;
-  const Words dw;
-  const auto alphaByte = hn::Set(dp, 0xFFU << (8 * Layout::kAlpha));
+  const auto full = hn::Set(dp, 0xFF);
+  const auto half = hn::Set(dp, 0x8000);
+  const LaidPixel<Layout>* const entries = table.entries.data();
   const std::size_t whole = wholeVectors(d, count);
   for (std::size_t i = 0; i < whole; i += hn::Lanes(d)) {
     const auto pixels = hn::BitCast(dp, hn::LoadU(d, in + i));
     const auto alpha = byteOf<Layout::kAlpha>(pixels);
-    const auto index = straightLumaOfBytes<Layout>(pixels, alpha);
-    const auto color = hn::GatherIndex(dp, static_cast<const std::uint32_t*>(table), index);
-    const auto covered = productOfBytes(hn::BitCast(dw, byteOf<Layout::kAlpha>(color)), hn::BitCast(dw, alpha));
-    const auto coverage = byteOf<1>(hn::BitCast(dp, covered));
-    const auto twice = hn::BitCast(dw, hn::Or(coverage, hn::ShiftLeft<16>(coverage)));
-    const auto opaque = hn::BitCast(d, hn::Or(color, alphaByte));
-    const auto even = productOfBytes(evenBytes(opaque), twice);
-    const auto odd = productOfBytes(oddBytes(opaque), twice);
-    storeNext<false>(joinedHighBytes(even, odd), d, out + i);
+    if (table.isOpaque && hn::AllTrue(dp, hn::Eq(alpha, full))) {
+      const auto luma = hn::ShiftRight<16>(hn::Add(lumaOfBytes<Layout>(pixels), half));
+      storeNext<false>(hn::BitCast(d, mappedBytes<Layout>(entries, luma)), d, out + i);
+    } else {
+      const auto luma = straightLumaOfBytes<Layout>(pixels, alpha);
+      storeNext<false>(coveredBytes<Layout>(mappedBytes<Layout>(entries, luma), alpha), d, out + i);
+    }
   }
   return whole / 4;
 }
@@ -69,38 +91,59 @@ HWY_INLINE hn::Vec<Longs> weightedWord(hn::Vec<Longs> pixels, std::uint32_t weig
   return hn::MulEven(hn::BitCast(Wides(), wordOf<index>(pixels)), hn::Set(Wides(), weight));
 }
 
-std::size_t mapVectors(RGBA16, const std::uint16_t* in, std::uint16_t* out, std::size_t count, const void* table) {
+// Of straight color, 65536ths of a unit.
+HWY_INLINE hn::Vec<Longs> lumaOfWords(hn::Vec<Longs> pixels) {
+  const auto red = weightedWord<RGBA16::kRed>(pixels, kRedWeight);
+  const auto green = weightedWord<RGBA16::kGreen>(pixels, kGreenWeight);
+  return hn::Add(hn::Add(red, green), weightedWord<RGBA16::kBlue>(pixels, kBlueWeight));
+}
+
+HWY_INLINE hn::Vec<Longs> straightLumaOfWords(hn::Vec<Longs> pixels, hn::Vec<Longs> alpha) {
+  const Doubles d;
+  const hn::Rebind<std::int32_t, Doubles> di;
+  const auto sum = lumaOfWords(pixels);
+  const auto scaled = hn::Add(hn::Sub(hn::ShiftLeft<16>(sum), sum), hn::ShiftLeft<15>(alpha));
+  // Divided by 65536 and by alpha at once, and cut off: nothing that is no integer rounds to one. Without alpha it is
+  // any index of the table.
+  const auto divisor = hn::Max(doubleOf(hn::ShiftLeft<16>(alpha)), hn::Set(d, 1.0));
+  const auto luma = hn::Min(hn::Div(doubleOf(scaled), divisor), hn::Set(d, 65535.0));
+  return hn::BitCast(Longs(), hn::PromoteTo(hn::RebindToSigned<Longs>(), hn::DemoteTo(di, luma)));
+}
+
+HWY_INLINE hn::Vec<Longs> mappedWords(const LaidPixel<RGBA16>* entries, hn::Vec<Longs> index) {
+  const auto* const colors = reinterpret_cast<const std::uint64_t*>(entries);
+  return hn::GatherIndex(Longs(), colors, hn::BitCast(hn::RebindToSigned<Longs>(), index));
+}
+
+std::size_t mapVectors(RGBA16, const std::uint16_t* in, std::uint16_t* out, std::size_t count,
+                       const MapTable<RGBA16>& table) {
   const Words d;
   const Longs dp;
-  const Doubles df;
-  const hn::Rebind<std::int32_t, Doubles> di;
+  const auto full = hn::Set(dp, 0xFFFF);
+  const auto half = hn::Set(dp, 0x8000);
   const auto alphaWord = hn::Set(dp, std::uint64_t{0xFFFF} << 48);
   const std::size_t whole = wholeVectors(d, count);
   for (std::size_t i = 0; i < whole; i += hn::Lanes(d)) {
     const auto pixels = hn::BitCast(dp, hn::LoadU(d, in + i));
     const auto alpha = hn::ShiftRight<48>(pixels);
-    const auto sum = hn::Add(
-        hn::Add(weightedWord<RGBA16::kRed>(pixels, kRedWeight), weightedWord<RGBA16::kGreen>(pixels, kGreenWeight)),
-        weightedWord<RGBA16::kBlue>(pixels, kBlueWeight));
-    const auto scaled = hn::Add(hn::Sub(hn::ShiftLeft<16>(sum), sum), hn::ShiftLeft<15>(alpha));
-    // Divided by 65536 and by alpha at once, and cut off: nothing that is no integer rounds to one. Without alpha it is
-    // any index of the table.
-    const auto divisor = hn::Max(doubleOf(hn::ShiftLeft<16>(alpha)), hn::Set(df, 1.0));
-    const auto luma = hn::Min(hn::Div(doubleOf(scaled), divisor), hn::Set(df, 65535.0));
-    const auto index = hn::PromoteTo(hn::RebindToSigned<Longs>(), hn::DemoteTo(di, luma));
-    const auto color = hn::GatherIndex(dp, static_cast<const std::uint64_t*>(table), index);
-    const auto covered = productOfWords(alphaOfWords(hn::BitCast(d, color)), alphaOfWords(hn::BitCast(d, pixels)));
-    storeNext<false>(productOfWords(hn::BitCast(d, hn::Or(color, alphaWord)), covered), d, out + i);
+    if (table.isOpaque && hn::AllTrue(dp, hn::Eq(alpha, full))) {
+      const auto luma = hn::ShiftRight<16>(hn::Add(lumaOfWords(pixels), half));
+      storeNext<false>(hn::BitCast(d, mappedWords(table.entries.data(), luma)), d, out + i);
+    } else {
+      const auto color = mappedWords(table.entries.data(), straightLumaOfWords(pixels, alpha));
+      const auto covered = productOfWords(alphaOfWords(hn::BitCast(d, color)), alphaOfWords(hn::BitCast(d, pixels)));
+      storeNext<false>(productOfWords(hn::BitCast(d, hn::Or(color, alphaWord)), covered), d, out + i);
+    }
   }
   return whole / 4;
 }
 
 // First the places of a vector of pixels in the table, then one pixel after the other.
-std::size_t mapVectors(RGBAFloat, const float* in, float* out, std::size_t count, const void* table) {
+std::size_t mapVectors(RGBAFloat, const float* in, float* out, std::size_t count, const MapTable<RGBAFloat>& table) {
   const Floats d;
   const hn::RebindToSigned<Floats> di;
   const hn::FixedTag<float, 4> pixel;
-  const auto* const entries = static_cast<const float*>(table);
+  const auto* const entries = table.entries.data()->data();
   const auto zero = hn::Zero(d);
   const auto one = hn::Set(d, 1.0F);
   const auto isColor = hn::FirstN(pixel, 3);
@@ -135,16 +178,16 @@ std::size_t mapVectors(RGBAFloat, const float* in, float* out, std::size_t count
 }
 #endif
 
-std::size_t mapRGBA8(const std::uint8_t* in, std::uint8_t* out, std::size_t count, const void* table) {
+std::size_t mapRGBA8(const std::uint8_t* in, std::uint8_t* out, std::size_t count, const MapTable<RGBA8>& table) {
   return mapVectors(RGBA8(), in, out, count, table);
 }
-std::size_t mapARGB8(const std::uint8_t* in, std::uint8_t* out, std::size_t count, const void* table) {
+std::size_t mapARGB8(const std::uint8_t* in, std::uint8_t* out, std::size_t count, const MapTable<ARGB8>& table) {
   return mapVectors(ARGB8(), in, out, count, table);
 }
-std::size_t mapWords(const std::uint16_t* in, std::uint16_t* out, std::size_t count, const void* table) {
+std::size_t mapWords(const std::uint16_t* in, std::uint16_t* out, std::size_t count, const MapTable<RGBA16>& table) {
   return mapVectors(RGBA16(), in, out, count, table);
 }
-std::size_t mapFloats(const float* in, float* out, std::size_t count, const void* table) {
+std::size_t mapFloats(const float* in, float* out, std::size_t count, const MapTable<RGBAFloat>& table) {
   return mapVectors(RGBAFloat(), in, out, count, table);
 }
 
@@ -161,17 +204,17 @@ HWY_EXPORT(mapFloats);
 
 template <class Layout>
 void gradientMapRow(const typename Layout::Channel* in, typename Layout::Channel* out, std::size_t count,
-                    const LaidPixel<Layout>* table) {
+                    const MapTable<Layout>& table) {
   const auto vectors = rowOfLayout<Layout>(HWY_DYNAMIC_DISPATCH(mapRGBA8), HWY_DYNAMIC_DISPATCH(mapARGB8),
                                            HWY_DYNAMIC_DISPATCH(mapWords), HWY_DYNAMIC_DISPATCH(mapFloats));
   const std::size_t done = TCUsesScalarKernels() ? 0 : vectors(in, out, count, table);
   gradientMapRowScalar<Layout>(in + 4 * done, out + 4 * done, count - done, table);
 }
 
-template void gradientMapRow<RGBA8>(const std::uint8_t*, std::uint8_t*, std::size_t, const LaidPixel<RGBA8>*);
-template void gradientMapRow<ARGB8>(const std::uint8_t*, std::uint8_t*, std::size_t, const LaidPixel<ARGB8>*);
-template void gradientMapRow<RGBA16>(const std::uint16_t*, std::uint16_t*, std::size_t, const LaidPixel<RGBA16>*);
-template void gradientMapRow<RGBAFloat>(const float*, float*, std::size_t, const LaidPixel<RGBAFloat>*);
+template void gradientMapRow<RGBA8>(const std::uint8_t*, std::uint8_t*, std::size_t, const MapTable<RGBA8>&);
+template void gradientMapRow<ARGB8>(const std::uint8_t*, std::uint8_t*, std::size_t, const MapTable<ARGB8>&);
+template void gradientMapRow<RGBA16>(const std::uint16_t*, std::uint16_t*, std::size_t, const MapTable<RGBA16>&);
+template void gradientMapRow<RGBAFloat>(const float*, float*, std::size_t, const MapTable<RGBAFloat>&);
 
 }  // namespace vorto::effects
 #endif

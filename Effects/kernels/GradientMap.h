@@ -16,7 +16,10 @@ namespace vorto::effects {
 // The gradient's entries as pixels of a layout, not premultiplied: of integers one for each value of a channel, 256 or
 // 65536; of floats kGradientSteps and one more (floatGradientTable()), between which positions are interpolated.
 template <class Layout>
-using MapTable = std::vector<LaidPixel<Layout>>;
+struct MapTable {
+  std::vector<LaidPixel<Layout>> entries;
+  bool isOpaque;  // all of them are
+};
 
 template <class Layout>
 MapTable<Layout> mapTable(const std::vector<GradientEntry<typename Layout::Channel>>& entries);
@@ -24,12 +27,12 @@ MapTable<Layout> mapTable(const std::vector<GradientEntry<typename Layout::Chann
 // For RGBA8, ARGB8, RGBA16 and RGBAFloat (PixelLayout.h). The rows do not overlap.
 template <class Layout>
 void gradientMapRow(const typename Layout::Channel* in, typename Layout::Channel* out, std::size_t count,
-                    const LaidPixel<Layout>* table);
+                    const MapTable<Layout>& table);
 
 // The definition.
 template <class Layout>
 void gradientMapRowScalar(const typename Layout::Channel* in, typename Layout::Channel* out, std::size_t count,
-                          const LaidPixel<Layout>* table);
+                          const MapTable<Layout>& table);
 
 // Of integer lumas, in 65536ths; they add up to 65536, so that the luma of a grey is the grey.
 inline constexpr std::uint32_t kRedWeight = 13933;

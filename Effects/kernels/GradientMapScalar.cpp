@@ -43,25 +43,26 @@ LaidPixel<Layout> colorOf(const typename Layout::Channel* pixel, const LaidPixel
 
 template <class Layout>
 MapTable<Layout> mapTable(const std::vector<GradientEntry<typename Layout::Channel>>& entries) {
-  MapTable<Layout> table(entries.size());
+  MapTable<Layout> table{std::vector<LaidPixel<Layout>>(entries.size()), true};
   for (std::size_t i = 0; i < entries.size(); ++i) {
-    table[i][Layout::kAlpha] = entries[i].alpha;
-    table[i][Layout::kRed] = entries[i].red;
-    table[i][Layout::kGreen] = entries[i].green;
-    table[i][Layout::kBlue] = entries[i].blue;
+    table.entries[i][Layout::kAlpha] = entries[i].alpha;
+    table.entries[i][Layout::kRed] = entries[i].red;
+    table.entries[i][Layout::kGreen] = entries[i].green;
+    table.entries[i][Layout::kBlue] = entries[i].blue;
+    table.isOpaque = table.isOpaque && entries[i].alpha == kOne<typename Layout::Channel>;
   }
   return table;
 }
 
 template <class Layout>
 void gradientMapRowScalar(const typename Layout::Channel* in, typename Layout::Channel* out, std::size_t count,
-                          const LaidPixel<Layout>* table) {
+                          const MapTable<Layout>& table) {
   for (std::size_t i = 0; i < count; ++i, in += Layout::kChannels, out += Layout::kChannels) {
     if (!(in[Layout::kAlpha] > 0)) {
       std::fill_n(out, Layout::kChannels, typename Layout::Channel{0});
       continue;
     }
-    const LaidPixel<Layout> color = colorOf<Layout>(in, table);
+    const LaidPixel<Layout> color = colorOf<Layout>(in, table.entries.data());
     const auto coverage = product(color[Layout::kAlpha], in[Layout::kAlpha]);
     out[Layout::kAlpha] = coverage;
     for (const int c : {Layout::kRed, Layout::kGreen, Layout::kBlue}) out[c] = product(color[c], coverage);
@@ -72,9 +73,9 @@ template MapTable<RGBA8> mapTable<RGBA8>(const std::vector<GradientEntry<std::ui
 template MapTable<ARGB8> mapTable<ARGB8>(const std::vector<GradientEntry<std::uint8_t>>&);
 template MapTable<RGBA16> mapTable<RGBA16>(const std::vector<GradientEntry<std::uint16_t>>&);
 template MapTable<RGBAFloat> mapTable<RGBAFloat>(const std::vector<GradientEntry<float>>&);
-template void gradientMapRowScalar<RGBA8>(const std::uint8_t*, std::uint8_t*, std::size_t, const LaidPixel<RGBA8>*);
-template void gradientMapRowScalar<ARGB8>(const std::uint8_t*, std::uint8_t*, std::size_t, const LaidPixel<ARGB8>*);
-template void gradientMapRowScalar<RGBA16>(const std::uint16_t*, std::uint16_t*, std::size_t, const LaidPixel<RGBA16>*);
-template void gradientMapRowScalar<RGBAFloat>(const float*, float*, std::size_t, const LaidPixel<RGBAFloat>*);
+template void gradientMapRowScalar<RGBA8>(const std::uint8_t*, std::uint8_t*, std::size_t, const MapTable<RGBA8>&);
+template void gradientMapRowScalar<ARGB8>(const std::uint8_t*, std::uint8_t*, std::size_t, const MapTable<ARGB8>&);
+template void gradientMapRowScalar<RGBA16>(const std::uint16_t*, std::uint16_t*, std::size_t, const MapTable<RGBA16>&);
+template void gradientMapRowScalar<RGBAFloat>(const float*, float*, std::size_t, const MapTable<RGBAFloat>&);
 
 }  // namespace vorto::effects

@@ -25,33 +25,42 @@ std::size_t levelsVectors(Layout, const Channel*, Channel*, std::size_t, const L
   return 0;
 }
 #else
-// Pixels of bytes, one to a lane. `Opaque` pixels are straight already.
+// Pixels of bytes, one to a lane.
 template <class Layout>
 struct BytePixels {
   static constexpr Wides kLanes{};
   using Lanes = hn::Vec<Wides>;
   Lanes pixels, alpha;
-  hn::Vec<Floats> divisor, half;
 
-  HWY_INLINE explicit BytePixels(Lanes loaded) : pixels(loaded), alpha(byteOf<Layout::kAlpha>(loaded)) {
-    const auto wide = hn::BitCast(hn::RebindToSigned<Wides>(), alpha);
-    // Where alpha is 0, the color stands for itself.
-    const auto float32 = hn::ConvertTo(Floats(), wide);
-    divisor = hn::IfThenElse(hn::Eq(float32, hn::Zero(Floats())), hn::Set(Floats(), 255.0F), float32);
-    half = hn::ConvertTo(Floats(), hn::ShiftRight<1>(wide));
-  }
-
-  // (color 255 + alpha / 2) / alpha, cut off and at most 255: exact in floats, where a quotient below 512 that is no
-  // integer is 1/255 or more away from the next.
-  HWY_INLINE Lanes straight(Lanes color) const {
-    const hn::RebindToSigned<Wides> di;
-    const auto n = hn::Sub(hn::ShiftLeft<8>(color), color);
-    const auto quotient = hn::Div(hn::Add(hn::ConvertTo(Floats(), hn::BitCast(di, n)), half), divisor);
-    return hn::BitCast(kLanes, hn::ConvertTo(di, hn::Min(quotient, hn::Set(Floats(), 255.0F))));
-  }
+  HWY_INLINE explicit BytePixels(Lanes loaded) : pixels(loaded), alpha(byteOf<Layout::kAlpha>(loaded)) {}
 
   HWY_INLINE static Lanes lookedUp(const LevelsTable<std::uint8_t>& table, Lanes index) {
     return hn::GatherIndex(kLanes, table.data(), hn::BitCast(hn::RebindToSigned<Wides>(), index));
+  }
+};
+
+// Takes premultiplication off, (color 255 + alpha / 2) / alpha, cut off and at most 255. What is divided is half a unit
+// more, which leaves the quotient 1/510 or more away from any integer: far more than the reciprocal and the product err
+// by in floats.
+struct ByteStraightener {
+  hn::Vec<Floats> reciprocal, half;
+
+  HWY_INLINE explicit ByteStraightener(hn::Vec<Wides> alpha) {
+    const Floats d;
+    const auto wide = hn::BitCast(hn::RebindToSigned<Wides>(), alpha);
+    // Where alpha is 0, the color stands for itself.
+    const auto float32 = hn::ConvertTo(d, wide);
+    const auto divisor = hn::IfThenElse(hn::Eq(float32, hn::Zero(d)), hn::Set(d, 255.0F), float32);
+    reciprocal = hn::Div(hn::Set(d, 1.0F), divisor);
+    half = hn::Add(hn::ConvertTo(d, hn::ShiftRight<1>(wide)), hn::Set(d, 0.5F));
+  }
+
+  HWY_INLINE hn::Vec<Wides> straight(hn::Vec<Wides> color) const {
+    const Floats d;
+    const hn::RebindToSigned<Wides> di;
+    const auto n = hn::ConvertTo(d, hn::BitCast(di, hn::Sub(hn::ShiftLeft<8>(color), color)));
+    const auto quotient = hn::Mul(hn::Add(n, half), reciprocal);
+    return hn::BitCast(Wides(), hn::ConvertTo(di, hn::Min(quotient, hn::Set(d, 255.0F))));
   }
 };
 
@@ -59,8 +68,10 @@ template <class Layout, bool isOpaque>
 HWY_INLINE hn::Vec<Wides> levelsOfBytes(const BytePixels<Layout>& in, hn::Vec<Wides> newAlpha,
                                         const ByteTables& tables) {
   using Pixels = BytePixels<Layout>;
-  const auto through = [&](hn::Vec<Wides> color, const LevelsTable<std::uint8_t>& table)
-                           HWY_ATTR { return Pixels::lookedUp(table, isOpaque ? color : in.straight(color)); };
+  const ByteStraightener straightener(in.alpha);
+  const auto through = [&](hn::Vec<Wides> color, const LevelsTable<std::uint8_t>& table) HWY_ATTR {
+    return Pixels::lookedUp(table, isOpaque ? color : straightener.straight(color));
+  };
   const auto red = hn::ShiftLeft<8 * Layout::kRed>(through(byteOf<Layout::kRed>(in.pixels), tables.red));
   const auto green = hn::ShiftLeft<8 * Layout::kGreen>(through(byteOf<Layout::kGreen>(in.pixels), tables.green));
   const auto blue = hn::ShiftLeft<8 * Layout::kBlue>(through(byteOf<Layout::kBlue>(in.pixels), tables.blue));
@@ -84,7 +95,7 @@ std::size_t levelsVectors(Layout, const std::uint8_t* in, std::uint8_t* out, std
   const std::size_t whole = wholeVectors(d, count);
   for (std::size_t i = 0; i < whole; i += hn::Lanes(d)) {
     const BytePixels<Layout> pixels(hn::BitCast(dp, hn::LoadU(d, in + i)));
-    const auto newAlpha = BytePixels<Layout>::lookedUp(tables.alpha, pixels.alpha);
+    const auto newAlpha = tables.keepsAlpha ? pixels.alpha : BytePixels<Layout>::lookedUp(tables.alpha, pixels.alpha);
     const bool isOpaque = hn::AllTrue(dp, hn::Eq(hn::And(pixels.alpha, newAlpha), full));
     const auto made = isOpaque ? levelsOfBytes<Layout, true>(pixels, newAlpha, tables)
                                : levelsOfBytes<Layout, false>(pixels, newAlpha, tables);
@@ -101,23 +112,34 @@ HWY_INLINE hn::Vec<Longs> lookedUp(const LevelsTable<std::uint16_t>& table, hn::
   return hn::And(hn::GatherOffset(Longs(), bytes, offset), hn::Set(Longs(), 0xFFFF));
 }
 
-// (color 65535 + alpha / 2) / alpha, cut off and at most 65535: exact in doubles.
-HWY_INLINE hn::Vec<Longs> straightWord(hn::Vec<Longs> color, hn::Vec<Longs> half, hn::Vec<Doubles> divisor) {
-  const Doubles d;
-  const hn::Rebind<std::int32_t, Doubles> di;
-  const auto n = hn::Add(hn::Sub(hn::ShiftLeft<16>(color), color), half);
-  const auto quotient = hn::Min(hn::Div(doubleOf(n), divisor), hn::Set(d, 65535.0));
-  return hn::BitCast(Longs(), hn::PromoteTo(hn::RebindToSigned<Longs>(), hn::DemoteTo(di, quotient)));
-}
+// ByteStraightener of words, in doubles.
+struct WordStraightener {
+  hn::Vec<Doubles> reciprocal, half;
+
+  HWY_INLINE explicit WordStraightener(hn::Vec<Longs> alpha) {
+    const Longs d;
+    const Doubles df;
+    const auto divisor = doubleOf(hn::IfThenElse(hn::Eq(alpha, hn::Zero(d)), hn::Set(d, 0xFFFF), alpha));
+    reciprocal = hn::Div(hn::Set(df, 1.0), divisor);
+    half = hn::Add(doubleOf(hn::ShiftRight<1>(alpha)), hn::Set(df, 0.5));
+  }
+
+  HWY_INLINE hn::Vec<Longs> straight(hn::Vec<Longs> color) const {
+    const Doubles d;
+    const hn::Rebind<std::int32_t, Doubles> di;
+    const auto n = doubleOf(hn::Sub(hn::ShiftLeft<16>(color), color));
+    const auto quotient = hn::Min(hn::Mul(hn::Add(n, half), reciprocal), hn::Set(d, 65535.0));
+    return hn::BitCast(Longs(), hn::PromoteTo(hn::RebindToSigned<Longs>(), hn::DemoteTo(di, quotient)));
+  }
+};
 
 template <bool isOpaque>
 HWY_INLINE hn::Vec<Longs> levelsOfWords(hn::Vec<Longs> pixels, hn::Vec<Longs> newAlpha, const WordTables& tables) {
   const Longs d;
   const auto alpha = wordOf<RGBA16::kAlpha>(pixels);
-  const auto divisor = doubleOf(hn::IfThenElse(hn::Eq(alpha, hn::Zero(d)), hn::Set(d, 0xFFFF), alpha));
-  const auto half = hn::ShiftRight<1>(alpha);
+  const WordStraightener straightener(alpha);
   const auto through = [&](hn::Vec<Longs> color, const LevelsTable<std::uint16_t>& table)
-                           HWY_ATTR { return lookedUp(table, isOpaque ? color : straightWord(color, half, divisor)); };
+                           HWY_ATTR { return lookedUp(table, isOpaque ? color : straightener.straight(color)); };
   const auto red = through(wordOf<RGBA16::kRed>(pixels), tables.red);
   const auto green = hn::ShiftLeft<16>(through(wordOf<RGBA16::kGreen>(pixels), tables.green));
   const auto blue = hn::ShiftLeft<32>(through(wordOf<RGBA16::kBlue>(pixels), tables.blue));
@@ -137,7 +159,7 @@ std::size_t levelsVectors(RGBA16, const std::uint16_t* in, std::uint16_t* out, s
   for (std::size_t i = 0; i < whole; i += hn::Lanes(d)) {
     const auto pixels = hn::BitCast(dp, hn::LoadU(d, in + i));
     const auto alpha = wordOf<RGBA16::kAlpha>(pixels);
-    const auto newAlpha = lookedUp(tables.alpha, alpha);
+    const auto newAlpha = tables.keepsAlpha ? alpha : lookedUp(tables.alpha, alpha);
     const bool isOpaque = hn::AllTrue(dp, hn::Eq(hn::And(alpha, newAlpha), full));
     const auto made =
         isOpaque ? levelsOfWords<true>(pixels, newAlpha, tables) : levelsOfWords<false>(pixels, newAlpha, tables);

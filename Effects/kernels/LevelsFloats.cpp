@@ -78,7 +78,8 @@ std::size_t levelsOfFloats(const float* in, float* out, std::size_t count, const
     red = coverage.colorOf(red, levels.common, levels.red);
     green = coverage.colorOf(green, levels.common, levels.green);
     blue = coverage.colorOf(blue, levels.common, levels.blue);
-    for (std::size_t vector = 0; vector < 4; ++vector) kernels::HWY_NAMESPACE::expectWriteBehind(out + i + vector * lanes);
+    for (std::size_t vector = 0; vector < 4; ++vector)
+      kernels::HWY_NAMESPACE::expectWriteBehind(out + i + vector * lanes);
     hn::StoreInterleaved4(red, green, blue, coverage.newAlpha, d, out + i);
   }
   return whole;
@@ -94,7 +95,7 @@ namespace vorto::effects {
 HWY_EXPORT(levelsOfFloats);
 
 template <class Layout>
-  requires std::is_same_v<Layout, RGBAFloat>
+requires std::is_same_v<Layout, RGBAFloat>
 void levelsRow(const float* in, float* out, std::size_t count, const FloatLevels& levels) {
   const std::size_t done = TCUsesScalarKernels() ? 0 : HWY_DYNAMIC_DISPATCH(levelsOfFloats)(in, out, count, levels);
   levelsRowScalar<RGBAFloat>(in + 4 * done, out + 4 * done, count - done, levels);

@@ -15,8 +15,8 @@ namespace vorto::effects {
 // blackOut alone, whatever the value. A neutral stage changes nothing.
 struct FloatStage {
   bool isNeutral = true;
-  bool isStep = false;          // 0 below blackIn, 1 from it on, instead of the stretch
-  bool isLimit = false;         // what lies between 0 and 1 becomes 0, instead of the power
+  bool isStep = false;              // 0 below blackIn, 1 from it on, instead of the stretch
+  bool isLimit = false;             // what lies between 0 and 1 becomes 0, instead of the power
   std::optional<PowerTable> power;  // of values above 0
   float blackIn = 0;
   float inputSpan = 1;
@@ -36,12 +36,12 @@ struct FloatLevels {
 // nothing to take off: the color is taken as it stands, and stays when the new alpha is not above 0 either. The rows do
 // not overlap. Layout is RGBAFloat.
 template <class Layout>
-  requires std::is_same_v<Layout, RGBAFloat>
+requires std::is_same_v<Layout, RGBAFloat>
 void levelsRow(const float* in, float* out, std::size_t count, const FloatLevels& levels);
 
 // The definition.
 template <class Layout>
-  requires std::is_same_v<Layout, RGBAFloat>
+requires std::is_same_v<Layout, RGBAFloat>
 void levelsRowScalar(const float* in, float* out, std::size_t count, const FloatLevels& levels);
 
 }  // namespace vorto::effects

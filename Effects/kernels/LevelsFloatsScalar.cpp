@@ -24,7 +24,7 @@ float staged(float value, const FloatStage& stage) {
 }  // namespace
 
 template <class Layout>
-  requires std::is_same_v<Layout, RGBAFloat>
+requires std::is_same_v<Layout, RGBAFloat>
 void levelsRowScalar(const float* in, float* out, std::size_t count, const FloatLevels& levels) {
   const FloatStage* const own[] = {&levels.red, &levels.green, &levels.blue};
   const bool keepsColor =

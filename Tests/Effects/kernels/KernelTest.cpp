@@ -130,14 +130,20 @@ TYPED_TEST(Rows, MixAsDefined) {
 TYPED_TEST(Rows, MapAsDefined) {
   withLayoutsOf<TypeParam>([&](auto layout) {
     using Layout = decltype(layout);
-    MapTable<Layout> table(sizeof(TypeParam) == 1 ? 256 : kGradientSteps + 1);
-    for (auto& entry : table) {
-      for (TypeParam& each : entry) each = this->channel();
+    for (const bool isOpaque : {false, true}) {
+      std::vector<GradientEntry<TypeParam>> entries(sizeof(TypeParam) == 1 ? 256 : kGradientSteps + 1);
+      for (auto& [alpha, red, green, blue] : entries) {
+        alpha = isOpaque ? kOne<TypeParam> : this->channel();
+        for (TypeParam* each : {&red, &green, &blue}) *each = this->channel();
+      }
+      const auto table = mapTable<Layout>(entries);
+      EXPECT_EQ(table.isOpaque, isOpaque);
+      auto in = this->row();
+      for (std::size_t i = in.size() / 2; i < in.size() * 3 / 4; i += 4) in[i + Layout::kAlpha] = kOne<TypeParam>;
+      this->expectSame(
+          [&](auto* out, std::size_t count) { gradientMapRowScalar<Layout>(in.data(), out, count, table); },
+          [&](auto* out, std::size_t count) { gradientMapRow<Layout>(in.data(), out, count, table); });
     }
-    const auto in = this->row();
-    this->expectSame(
-        [&](auto* out, std::size_t count) { gradientMapRowScalar<Layout>(in.data(), out, count, table.data()); },
-        [&](auto* out, std::size_t count) { gradientMapRow<Layout>(in.data(), out, count, table.data()); });
   });
 }
 
@@ -148,9 +154,9 @@ TYPED_TEST(Rows, ChangeLevelsAsDefined) {
       for (auto& each : values) each = this->channel();
       return values;
     };
-    for (const bool keepsEnds : {false, true}) {
-      LevelsTables<TypeParam> tables{table(), table(), table(), table()};
-      if (keepsEnds) tables.alpha[0] = 0, tables.alpha[kFull<TypeParam>] = kFull<TypeParam>;
+    for (const int kind : {0, 1, 2}) {
+      LevelsTables<TypeParam> tables{table(), table(), table(), table(), kind == 2};
+      if (kind == 1) tables.alpha[0] = 0, tables.alpha[kFull<TypeParam>] = kFull<TypeParam>;
       withLayoutsOf<TypeParam>([&](auto layout) {
         using Layout = decltype(layout);
         auto in = this->row();
