@@ -11,12 +11,64 @@
 #include "Ports/VRTObjects.h"
 #include "Ports/VRTPorts.h"
 
+#include <algorithm>
 #include <tuple>
 
 namespace vorto::effects {
 namespace {
 
 constexpr double kDefaultSoftness = 0.1;
+
+// The rows of two images that one row is wiped from, on a ramp.
+template <class Channel>
+struct WipedRow {
+  const Channel* a;
+  const Channel* b;
+  Channel* out;
+  std::size_t width;
+  double start, step;
+
+  // The pixels of a row that lie in one run are neighbours, for positions never turn back.
+  void wipe(const WipeWeights<Channel>& weights, std::vector<MixWeight<Channel>>& scratch) const {
+    for (std::size_t x = 0; x < width;) {
+      const auto run = runAt(weights, x);
+      const std::size_t end = endOfRun(weights, run, x);
+      wipeRun(weights, run->kind, x, end - x, scratch);
+      x = end;
+    }
+  }
+
+ private:
+  using Weights = WipeWeights<Channel>;
+  using RunRef = typename std::vector<typename Weights::Run>::const_iterator;
+
+  std::size_t indexAt(std::size_t x) const { return wipeIndex(start, step, x, kGradientSteps); }
+
+  RunRef runAt(const Weights& weights, std::size_t x) const {
+    const auto isBefore = [](std::size_t index, const auto& run) { return index < run.first; };
+    return std::upper_bound(weights.runs().begin(), weights.runs().end(), indexAt(x), isBefore) - 1;
+  }
+
+  // The first pixel after x that lies in another run; the width where there is none.
+  std::size_t endOfRun(const Weights& weights, RunRef run, std::size_t x) const {
+    std::size_t inside = x, outside = width;
+    while (outside - inside > 1) {
+      const std::size_t middle = inside + (outside - inside) / 2;
+      (runAt(weights, middle) == run ? inside : outside) = middle;
+    }
+    return outside;
+  }
+
+  void wipeRun(const Weights& weights, typename Weights::Kind kind, std::size_t x, std::size_t count,
+               std::vector<MixWeight<Channel>>& scratch) const {
+    if (kind == Weights::Kind::Mixed) {
+      wipeRow(start, step, x, weights.weights(), kGradientSteps, scratch.data(), count);
+      mixPixels(a + 4 * x, b + 4 * x, out + 4 * x, count, scratch.data());
+    } else {
+      std::copy_n((kind == Weights::Kind::First ? a : b) + 4 * x, 4 * count, out + 4 * x);
+    }
+  }
+};
 
 class GradientWipePatch : public TransitionPatch {
  public:
@@ -35,30 +87,33 @@ class GradientWipePatch : public TransitionPatch {
 
  private:
   void mix(const VortoBitmap& a, const VortoBitmap& b, double time, VortoBitmap& out) override {
-    const std::vector<double>& places = lumas();
     const double softness = std::clamp(finiteOr(softness_->doubleValue(), kDefaultSoftness), 0.0, 1.0);
     const Ramp ramp = Ramp::across(out.width, out.height, finiteOr(angle_->doubleValue(), 0));
     withLayout(out.formatCode, [&](auto layout) {
       using Channel = typename decltype(layout)::Channel;
-      auto& weights = std::get<std::vector<MixWeight<Channel>>>(weights_);
-      wipeWeights<Channel>(places, time, softness, weights);
-      std::vector<MixWeight<Channel>> row(out.width);
+      auto& weights = std::get<WipeWeights<Channel>>(weights_);
+      weights.set(lumas(), time, softness);
+      std::vector<MixWeight<Channel>> scratch(out.width);
       for (std::size_t y = 0; y < out.height; ++y) {
-        wipeRow(ramp.rowStart(static_cast<double>(y)), ramp.perColumn, weights.data(), weights.size(), row.data(),
-                row.size());
-        mixPixels(rowOf<Channel>(a, y), rowOf<Channel>(b, y), rowOf<Channel>(out, y), row.size(), row.data());
+        const WipedRow<Channel> row{rowOf<Channel>(a, y),
+                                    rowOf<Channel>(b, y),
+                                    rowOf<Channel>(out, y),
+                                    out.width,
+                                    ramp.rowStart(static_cast<double>(y)),
+                                    ramp.perColumn};
+        row.wipe(weights, scratch);
       }
     });
   }
 
-  const std::vector<double>& lumas() {
+  const WipeLumas& lumas() {
     const auto held = std::dynamic_pointer_cast<VRTGradient>(gradient_->value());
     const auto gradient = held ? held : evenGradient();
-    return lumas_.of(gradient->stateValue(), [&] { return wipeLumas(floatGradientTable(*gradient)); });
+    return lumas_.of(gradient->stateValue(), [&] { return WipeLumas(floatGradientTable(*gradient)); });
   }
 
-  KeptForState<std::vector<double>> lumas_;
-  std::tuple<std::vector<std::uint32_t>, std::vector<float>> weights_;  // memory that is used again
+  KeptForState<WipeLumas> lumas_;
+  std::tuple<WipeWeights<std::uint8_t>, WipeWeights<std::uint16_t>, WipeWeights<float>> weights_;  // used again
   std::shared_ptr<VRTGradientPort> gradient_;
   std::shared_ptr<QCNumberPort> angle_;
   std::shared_ptr<QCNumberPort> softness_;

@@ -3,27 +3,42 @@
 
 namespace vorto::effects {
 
-std::vector<double> wipeLumas(const std::vector<GradientEntry<float>>& gradient) {
-  std::vector<double> lumas(kGradientSteps);
+WipeLumas::WipeLumas(const std::vector<GradientEntry<float>>& gradient) : lumas(kGradientSteps) {
   for (std::size_t i = 0; i < kGradientSteps; ++i) {
     lumas[i] = 0.2126 * gradient[i].red + 0.7152 * gradient[i].green + 0.0722 * gradient[i].blue;
   }
-  return lumas;
-}
-
-template <class Channel>
-void wipeWeights(const std::vector<double>& lumas, double time, double softness,
-                 std::vector<MixWeight<Channel>>& weights) {
-  weights.resize(lumas.size());
-  const double edge = time * (1 + softness);
-  for (std::size_t i = 0; i < lumas.size(); ++i) {
-    const double ahead = edge - lumas[i];
-    weights[i] = mixWeight<Channel>(softness > 0 ? ahead / softness : (ahead > 0 ? 1.0 : 0.0));
+  for (std::size_t block = 0; block < kBlocks; ++block) {
+    const auto* const first = lumas.data() + block * kBlockSteps;
+    const auto [least, most] = std::minmax_element(first, first + kBlockSteps);
+    blocks[block] = {*least, *most};
   }
 }
 
-template void wipeWeights<std::uint8_t>(const std::vector<double>&, double, double, std::vector<std::uint32_t>&);
-template void wipeWeights<std::uint16_t>(const std::vector<double>&, double, double, std::vector<std::uint32_t>&);
-template void wipeWeights<float>(const std::vector<double>&, double, double, std::vector<float>&);
+template <class Channel>
+void WipeWeights<Channel>::set(const WipeLumas& lumas, double time, double softness) {
+  const double edge = time * (1 + softness);
+  const auto weightOf = [&](double luma) {
+    const double ahead = edge - luma;
+    return mixWeight<Channel>(softness > 0 ? ahead / softness : (ahead > 0 ? 1.0 : 0.0));
+  };
+  // The weight falls with the luma: a block lies between the weights of its range.
+  const auto kindOf = [&](const WipeLumas::Range& range) {
+    if (weightOf(range.most) == mixWeight<Channel>(1)) return Kind::Second;
+    return weightOf(range.least) == 0 ? Kind::First : Kind::Mixed;
+  };
+  weights_.resize(kGradientSteps);
+  runs_.clear();
+  for (std::size_t block = 0; block < WipeLumas::kBlocks; ++block) {
+    const std::size_t first = block * WipeLumas::kBlockSteps;
+    const Kind kind = kindOf(lumas.blocks[block]);
+    if (runs_.empty() || runs_.back().kind != kind) runs_.push_back({first, kind});
+    if (kind != Kind::Mixed) continue;
+    for (std::size_t i = first; i < first + WipeLumas::kBlockSteps; ++i) weights_[i] = weightOf(lumas.lumas[i]);
+  }
+}
+
+template class WipeWeights<std::uint8_t>;
+template class WipeWeights<std::uint16_t>;
+template class WipeWeights<float>;
 
 }  // namespace vorto::effects

@@ -5,15 +5,18 @@
 
 namespace vorto::effects {
 
-// Where a row of `count` pixels lies on a ramp: at the positions start, start + step, ...; each takes the nearest of
-// `steps` values that stand for the positions 0 to 1, and positions outside take the ends, NaN the first. At least one
-// step, at most 2^24. Weight is std::uint32_t or float.
-template <class Weight>
-void wipeRow(double start, double step, const Weight* values, std::size_t steps, Weight* out, std::size_t count);
+// Pixels of a row that lies on a ramp, pixel i at the position start + i * step. Values stand for the positions 0 to 1;
+// a pixel takes the nearest of them, positions outside the ends, NaN the first. There are 1 to 2^24 values.
+std::size_t wipeIndex(double start, double step, std::size_t pixel, std::size_t values);
 
-// The definition, from the pixel `first` on.
+// The values of `count` pixels from `first` on. Weight is std::uint32_t or float.
 template <class Weight>
-void wipeRowScalar(double start, double step, const Weight* values, std::size_t steps, Weight* out, std::size_t first,
-                   std::size_t count);
+void wipeRow(double start, double step, std::size_t first, const Weight* values, std::size_t valueCount, Weight* out,
+             std::size_t count);
+
+// The definition.
+template <class Weight>
+void wipeRowScalar(double start, double step, std::size_t first, const Weight* values, std::size_t valueCount,
+                   Weight* out, std::size_t count);
 
 }  // namespace vorto::effects

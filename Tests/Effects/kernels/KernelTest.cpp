@@ -202,9 +202,9 @@ void expectSameWipes() {
   const double nan = std::nan("");
   for (const auto& [start, step] :
        {std::pair{-0.1, 0.0012}, {1.3, -0.002}, {0.5, 0.0}, {0.25 / 65535, 0.5 / 65535}, {nan, 0.1}, {1e300, -1e298}}) {
-    wipeRowScalar(start, step, values.data(), values.size(), expected.data(), 0, expected.size());
+    wipeRowScalar(start, step, 5, values.data(), values.size(), expected.data(), expected.size());
     onEveryTarget([&, from = start, by = step] {
-      wipeRow(from, by, values.data(), values.size(), out.data(), out.size());
+      wipeRow(from, by, 5, values.data(), values.size(), out.data(), out.size());
       EXPECT_EQ(out, expected) << from << " by " << by;
     });
   }
