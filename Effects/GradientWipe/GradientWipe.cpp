@@ -52,11 +52,22 @@ struct WipedRow {
   // The first pixel after x that lies in another run; the width where there is none.
   std::size_t endOfRun(const Weights& weights, RunRef run, std::size_t x) const {
     std::size_t inside = x, outside = width;
-    while (outside - inside > 1) {
-      const std::size_t middle = inside + (outside - inside) / 2;
-      (runAt(weights, middle) == run ? inside : outside) = middle;
-    }
+    const auto look = [&](std::size_t pixel) {
+      if (pixel > inside && pixel < outside) (runAt(weights, pixel) == run ? inside : outside) = pixel;
+    };
+    const std::size_t guess = guessedEnd(weights, run);
+    for (const std::size_t near : {guess, guess - 1, guess + 1}) look(near);
+    while (outside - inside > 1) look(inside + (outside - inside) / 2);
     return outside;
+  }
+
+  // About where the ramp leaves a run.
+  std::size_t guessedEnd(const Weights& weights, RunRef run) const {
+    const bool climbs = step > 0;
+    if (climbs && run + 1 == weights.runs().end()) return width;
+    const std::size_t last = climbs ? (run + 1)->first : run->first;
+    const double pixel = ((static_cast<double>(last) - 0.5) / (kGradientSteps - 1) - start) / step;
+    return pixel > 0 && pixel < static_cast<double>(width) ? static_cast<std::size_t>(pixel) + 1 : width;
   }
 
   void wipeRun(const Weights& weights, typename Weights::Kind kind, std::size_t x, std::size_t count,
