@@ -16,10 +16,6 @@ namespace {
 
 enum LevelsChannel { RGB, Red, Green, Blue, Alpha };
 
-LevelsCurve colorCurve(const VRTHistogram& levels, int channel) {
-  return {LevelsStage(levels, RGB), LevelsStage(levels, channel)};
-}
-
 bool isNeutral(const VRTHistogram& levels) {
   for (int channel = RGB; channel <= Alpha; ++channel) {
     if (!LevelsStage(levels, channel).isNeutral()) return false;
@@ -27,25 +23,51 @@ bool isNeutral(const VRTHistogram& levels) {
   return true;
 }
 
-// The values of a curve for every value of an integer channel.
+template <class Channel>
+double valueOf(std::size_t i) {
+  return static_cast<double>(i) / kFull<Channel>;
+}
+
+// Every value of an integer channel, exactly.
+template <class Channel>
+LevelsBounds everyValue() {
+  std::vector<double> values(kFull<Channel> + std::size_t{1});
+  for (std::size_t i = 0; i < values.size(); ++i) values[i] = valueOf<Channel>(i);
+  return {values, values};
+}
+
+// The values of a curve that lie within these bounds: the exact ones where the bounds leave a choice.
 template <class Channel, class Curve>
-LevelsTable<Channel> tabulated(const Curve& curve) {
+LevelsTable<Channel> tabulated(const LevelsBounds& bounds, const Curve& curve) {
   LevelsTable<Channel> table(kLevelsTableSize<Channel>);
   for (std::size_t i = 0; i <= kFull<Channel>; ++i) {
-    table[i] = quantized<Channel>(curve.applyClipped(static_cast<double>(i) / kFull<Channel>));
+    table[i] = quantized<Channel>(bounds.low[i]);
+    const bool isCertain = quantized<Channel>(bounds.high[i]) == table[i];
+    if (!isCertain) table[i] = quantized<Channel>(curve.applyClipped(valueOf<Channel>(i)));
   }
   return table;
 }
 
 template <class Channel>
 LevelsTables<Channel> tablesOf(const VRTHistogram& levels) {
-  const auto common = tabulated<Channel>(LevelsCurve{LevelsStage(levels, RGB), {}});
+  const LevelsStage common(levels, RGB), alpha(levels, Alpha);
+  LevelsBounds commonBounds = everyValue<Channel>();
+  common.applyClipped(commonBounds);
+  const auto commonTable = tabulated<Channel>(commonBounds, common);
   const auto color = [&](int channel) {
-    const LevelsCurve curve = colorCurve(levels, channel);
-    return curve.own.isNeutral() ? common : tabulated<Channel>(curve);
+    const LevelsStage own(levels, channel);
+    if (own.isNeutral()) return commonTable;
+    LevelsBounds bounds = commonBounds;
+    own.applyClipped(bounds);
+    return tabulated<Channel>(bounds, LevelsCurve{common, own});
   };
-  const LevelsStage alpha(levels, Alpha);
-  return {color(Red), color(Green), color(Blue), tabulated<Channel>(alpha), alpha.isNeutral()};
+  LevelsTables<Channel> tables{color(Red), color(Green), color(Blue), {}, alpha.isNeutral()};
+  if (!tables.keepsAlpha) {
+    LevelsBounds bounds = everyValue<Channel>();
+    alpha.applyClipped(bounds);
+    tables.alpha = tabulated<Channel>(bounds, alpha);
+  }
+  return tables;
 }
 
 // What rows of a depth are put through.

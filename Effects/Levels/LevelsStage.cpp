@@ -2,12 +2,17 @@
 #include "Effects/Levels/LevelsStage.h"
 
 #include "Effects/Support/Arithmetic.h"
+#include "Effects/kernels/Power.h"
 #include "Ports/VRTObjects.h"
+
+#include <utility>
 
 namespace vorto::effects {
 namespace {
 
 constexpr double kNearZero = 0.00001;
+constexpr double kLeastPower = 0x1p-900;
+constexpr double kPowerError = 0x1p-30;  // twice what powerRow() errs by
 
 double clipped(double value) {
   return value > 0 ? std::min(value, 1.0) : 0.0;
@@ -48,7 +53,29 @@ double LevelsStage::shaped(double value) const {
 
 double LevelsStage::applyClipped(double value) const {
   if (neutral_) return clipped(value);
-  return clipped(blackOut_ + shaped(clipped(stretched(value))) * outputSpan_);
+  return clipped(laid(shaped(clipped(stretched(value)))));
+}
+
+// Every step either never falls or never rises, rounding included, so that bounds stay bounds, exchanged at the end
+// where levels turn around. Only of the powers more is known than that they are near.
+void LevelsStage::applyClipped(LevelsBounds& values) const {
+  for (std::vector<double>* bound : {&values.low, &values.high}) {
+    for (double& value : *bound) value = clipped(neutral_ ? value : stretched(value));
+  }
+  if (neutral_) return;
+  if (inputSpan_ < 0 && !step_) std::swap(values.low, values.high);
+  if (gamma_ == Gamma::Power) {
+    powerRow(values.low.data(), values.low.size(), exponent_);
+    powerRow(values.high.data(), values.high.size(), exponent_);
+    for (double& value : values.low) value = value > kLeastPower ? value * (1 - kPowerError) : 0;
+    for (double& value : values.high) value *= 1 + kPowerError;
+  } else {
+    for (double& value : values.low) value = shaped(value);
+    for (double& value : values.high) value = shaped(value);
+  }
+  for (double& value : values.low) value = clipped(laid(value));
+  for (double& value : values.high) value = clipped(laid(value));
+  if (outputSpan_ < 0) std::swap(values.low, values.high);
 }
 
 FloatStage LevelsStage::forFloats() const {

@@ -3,9 +3,16 @@
 
 #include "Effects/kernels/LevelsFloats.h"
 
+#include <vector>
+
 class VRTHistogram;
 
 namespace vorto::effects {
+
+// Values that are known to lie between two others, within 0 and 1.
+struct LevelsBounds {
+  std::vector<double> low, high;
+};
 
 // One channel's levels: the input range is stretched to 0 to 1, raised to 1 / gamma, and laid on the output range. So
 // the value under the gamma handle, which stands at blackIn + (whiteIn - blackIn) * 0.5 ^ gamma, becomes the middle of
@@ -22,6 +29,8 @@ class LevelsStage {
   bool isNeutral() const { return neutral_; }
   // Of channels that cannot leave 0 to 1: the input range clips, and so do 0 and 1. NaN becomes 0.
   double applyClipped(double value) const;
+  // Between which values the results of applyClipped() lie; quick where there are many.
+  void applyClipped(LevelsBounds& values) const;
   // For floats: values outside the input range go on in the same way and may leave the output range.
   FloatStage forFloats() const;
 
@@ -29,6 +38,7 @@ class LevelsStage {
   enum class Gamma { None, Power, Zero };
   double stretched(double value) const;
   double shaped(double value) const;
+  double laid(double value) const { return blackOut_ + value * outputSpan_; }
 
   bool neutral_ = true;
   bool step_ = false;
@@ -44,7 +54,6 @@ class LevelsStage {
 struct LevelsCurve {
   LevelsStage common;
   LevelsStage own;
-  bool isNeutral() const { return common.isNeutral() && own.isNeutral(); }
   double applyClipped(double value) const { return own.applyClipped(common.applyClipped(value)); }
 };
 

@@ -23,7 +23,7 @@ inline constexpr std::size_t kLevelsTableSize = sizeof(Channel) == 1 ? 256 : 655
 template <class Channel>
 struct LevelsTables {
   LevelsTable<Channel> red, green, blue, alpha;  // kLevelsTableSize each
-  bool keepsAlpha = false;                       // the alpha table, which is not read then, changes nothing
+  bool keepsAlpha = false;                       // alpha stays, and its table is not read
 };
 
 // For RGBA8, ARGB8 and RGBA16 (PixelLayout.h). The rows do not overlap.

@@ -16,7 +16,12 @@ void powerRow(float* values, std::size_t count, double exponent);
 // The definition.
 void powerRowScalar(float* values, std::size_t count, double exponent);
 
-// The same for many values: within two units in the last place of the exact power, the same bits on every processor.
+// Of doubles up to 1: within 2^-31 of the exact power, relative to it, where that is above 2^-1000, and below 2^-999
+// elsewhere. The same bits on every processor.
+void powerRow(double* values, std::size_t count, double exponent);
+void powerRowScalar(double* values, std::size_t count, double exponent);
+
+// Of floats in great number: within two units in the last place of the exact power, the same bits on every processor.
 //
 // An entry holds the power of the middle c of 2^16 neighbouring floats, from 2^-40 to 2^17. With r = (x - c) / c, which
 // is at most 2^-8, x^e is c^e (1 + e r + e (e - 1) / 2 r^2 ...), the binomial series (M. Abramowitz and I. A. Stegun,

@@ -54,6 +54,12 @@ void powerRowScalar(float* values, std::size_t count, double exponent) {
   }
 }
 
+void powerRowScalar(double* values, std::size_t count, double exponent) {
+  for (double* value = values; value != values + count; ++value) {
+    if (*value > 0) *value = exponential(exponent * logarithm(*value));
+  }
+}
+
 PowerTable::PowerTable(double exponentOfAll) : exponent(exponentOfAll), entries(kEntries + 1, std::nanf("")) {
   double term = 1;
   for (int i = 0; i < 4; ++i) {

@@ -109,6 +109,17 @@ TEST(Levels, FollowTheDefinition) {
   }
 }
 
+TEST(Levels, EveryWordFollowsTheDefinition) {
+  double next = 0;
+  const Bitmap image = makeImage(layouts[2], 256, 256, [&] { return Values{next, next, 65535 - next, next++}; });
+  for (const Row& row : rowsOf("Levels.txt")) {
+    if (row[0] != "settings") continue;
+    const PropertyList state = levels(row[1]);
+    expectPixels(throughLevels(image, state), layouts[2], 0,
+                 [&](auto x, auto y) { return expected(state, layouts[2], pixelAt(*image, layouts[2], x, y)); });
+  }
+}
+
 TEST(Levels, EverySettingHasADefinedResult) {
   for (const Row& row : rowsOf("Levels.txt")) {
     if (row[0] == "settings") continue;
