@@ -39,11 +39,11 @@ struct BytePixels {
   }
 };
 
-// Takes premultiplication off, (color 255 + alpha / 2) / alpha, cut off and at most 255. What is divided is half a unit
-// more, which leaves the quotient 1/510 or more away from any integer: far more than the reciprocal and the product err
-// by in floats.
+// Takes premultiplication off, (color 255 + alpha / 2) / alpha, cut off and at most 255: color times a factor and a
+// summand. What is divided is half a unit more, which leaves the quotient 1/510 or more away from any integer: far more
+// than floats err by, fused or not.
 struct ByteStraightener {
-  hn::Vec<Floats> reciprocal, half;
+  hn::Vec<Floats> factor, summand;
 
   HWY_INLINE explicit ByteStraightener(hn::Vec<Wides> alpha) {
     const Floats d;
@@ -51,39 +51,55 @@ struct ByteStraightener {
     // Where alpha is 0, the color stands for itself.
     const auto float32 = hn::ConvertTo(d, wide);
     const auto divisor = hn::IfThenElse(hn::Eq(float32, hn::Zero(d)), hn::Set(d, 255.0F), float32);
-    reciprocal = hn::Div(hn::Set(d, 1.0F), divisor);
-    half = hn::Add(hn::ConvertTo(d, hn::ShiftRight<1>(wide)), hn::Set(d, 0.5F));
+    const auto half = hn::Add(hn::ConvertTo(d, hn::ShiftRight<1>(wide)), hn::Set(d, 0.5F));
+    const auto reciprocal = hn::Div(hn::Set(d, 1.0F), divisor);
+    factor = hn::Mul(hn::Set(d, 255.0F), reciprocal);
+    summand = hn::Mul(half, reciprocal);
   }
 
   HWY_INLINE hn::Vec<Wides> straight(hn::Vec<Wides> color) const {
     const Floats d;
     const hn::RebindToSigned<Wides> di;
-    const auto n = hn::ConvertTo(d, hn::BitCast(di, hn::Sub(hn::ShiftLeft<8>(color), color)));
-    const auto quotient = hn::Mul(hn::Add(n, half), reciprocal);
+    const auto quotient = hn::MulAdd(hn::ConvertTo(d, hn::BitCast(di, color)), factor, summand);
     return hn::BitCast(Wides(), hn::ConvertTo(di, hn::Min(quotient, hn::Set(d, 255.0F))));
   }
 };
 
+// The channels of pixels, in words: those at even places in one vector, those at odd places in another.
+struct ByteChannels {
+  hn::Vec<Wides> even, odd;
+
+  HWY_INLINE ByteChannels() : even(hn::Zero(Wides())), odd(hn::Zero(Wides())) {}
+  template <int place>
+  HWY_INLINE void put(hn::Vec<Wides> channel) {
+    auto& half = place % 2 == 0 ? even : odd;
+    half = hn::Or(half, hn::ShiftLeft<16 * (place / 2)>(channel));
+  }
+  HWY_INLINE hn::Vec<Bytes> joined() const { return hn::BitCast(Bytes(), hn::Or(even, hn::ShiftLeft<8>(odd))); }
+  HWY_INLINE hn::Vec<Bytes> times(hn::Vec<Wides> coverage) const {
+    const Words d;
+    const auto twice = hn::BitCast(d, hn::Or(coverage, hn::ShiftLeft<16>(coverage)));
+    return joinedHighBytes(productOfBytes(hn::BitCast(d, even), twice), productOfBytes(hn::BitCast(d, odd), twice));
+  }
+};
+
 template <class Layout, bool isOpaque>
-HWY_INLINE hn::Vec<Wides> levelsOfBytes(const BytePixels<Layout>& in, hn::Vec<Wides> newAlpha,
+HWY_INLINE hn::Vec<Bytes> levelsOfBytes(const BytePixels<Layout>& in, hn::Vec<Wides> newAlpha,
                                         const ByteTables& tables) {
   using Pixels = BytePixels<Layout>;
   const ByteStraightener straightener(in.alpha);
   const auto through = [&](hn::Vec<Wides> color, const LevelsTable<std::uint8_t>& table) HWY_ATTR {
     return Pixels::lookedUp(table, isOpaque ? color : straightener.straight(color));
   };
-  const auto red = hn::ShiftLeft<8 * Layout::kRed>(through(byteOf<Layout::kRed>(in.pixels), tables.red));
-  const auto green = hn::ShiftLeft<8 * Layout::kGreen>(through(byteOf<Layout::kGreen>(in.pixels), tables.green));
-  const auto blue = hn::ShiftLeft<8 * Layout::kBlue>(through(byteOf<Layout::kBlue>(in.pixels), tables.blue));
-  const auto colors = hn::Or(hn::Or(red, green), blue);
-  if constexpr (isOpaque) return hn::Or(colors, hn::ShiftLeft<8 * Layout::kAlpha>(newAlpha));
-  const Bytes d;
-  const auto full = hn::BitCast(d, hn::Or(colors, hn::Set(Wides(), 0xFFU << (8 * Layout::kAlpha))));
-  const auto twice = hn::BitCast(Words(), hn::Or(newAlpha, hn::ShiftLeft<16>(newAlpha)));
-  const auto even = productOfBytes(evenBytes(full), twice);
-  const auto odd = productOfBytes(oddBytes(full), twice);
+  ByteChannels made;
+  made.put<Layout::kRed>(through(byteOf<Layout::kRed>(in.pixels), tables.red));
+  made.put<Layout::kGreen>(through(byteOf<Layout::kGreen>(in.pixels), tables.green));
+  made.put<Layout::kBlue>(through(byteOf<Layout::kBlue>(in.pixels), tables.blue));
+  made.put<Layout::kAlpha>(hn::Set(Wides(), 255));
+  if constexpr (isOpaque) return made.joined();
   const auto isEmpty = hn::Eq(hn::Or(in.alpha, newAlpha), hn::Zero(Wides()));
-  return hn::IfThenElse(isEmpty, in.pixels, hn::BitCast(Wides(), joinedHighBytes(even, odd)));
+  const auto covered = hn::BitCast(Wides(), made.times(newAlpha));
+  return hn::BitCast(Bytes(), hn::IfThenElse(isEmpty, in.pixels, covered));
 }
 
 template <class Layout>
@@ -99,7 +115,7 @@ std::size_t levelsVectors(Layout, const std::uint8_t* in, std::uint8_t* out, std
     const bool isOpaque = hn::AllTrue(dp, hn::Eq(hn::And(pixels.alpha, newAlpha), full));
     const auto made = isOpaque ? levelsOfBytes<Layout, true>(pixels, newAlpha, tables)
                                : levelsOfBytes<Layout, false>(pixels, newAlpha, tables);
-    storeNext<false>(hn::BitCast(d, made), d, out + i);
+    storeNext<false>(made, d, out + i);
   }
   return whole / 4;
 }
