@@ -10,10 +10,34 @@
 namespace {
 
 // The effects that ship.
+// clang-format off: one a line
 const char* const kShipped[] = {
-    "Checkerboard",  "Dissolve", "Duotone",  "Gradient Map", "Gradient Ramp",
-    "Gradient Wipe", "Levels",   "Multiply", "Over",
+    "Checkerboard",
+    "Color",
+    "Color Burn",
+    "Color Dodge",
+    "Darken",
+    "Difference",
+    "Dissolve",
+    "Duotone",
+    "Exclusion",
+    "Gradient Map",
+    "Gradient Ramp",
+    "Gradient Wipe",
+    "Hard Light",
+    "Hue",
+    "Levels",
+    "Lighten",
+    "Luminosity",
+    "Multiply",
+    "Over",
+    "Overlay",
+    "Plus",
+    "Saturation",
+    "Screen",
+    "Soft Light",
 };
+// clang-format on
 
 std::vector<std::string> imageKeys(const QCPatch& patch) {
   std::vector<std::string> keys;

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "Effects/kernels/Blend.h"
 #include "Effects/kernels/GradientMap.h"
 #include "Effects/kernels/Levels.h"
 #include "Effects/kernels/Mix.h"
@@ -17,20 +16,6 @@ namespace {
 
 using Channels = testing::Types<std::uint8_t, std::uint16_t, float>;
 TYPED_TEST_SUITE(Rows, Channels);
-
-TYPED_TEST(Rows, BlendAsDefined) {
-  withLayoutsOf<TypeParam>([&](auto layout) {
-    using Layout = decltype(layout);
-    const auto a = this->row();
-    const auto b = this->row();
-    this->expectSame(
-        [&](auto* out, std::size_t count) { blendRowScalar<OverMode, Layout>(a.data(), b.data(), out, count); },
-        [&](auto* out, std::size_t count) { blendRow<OverMode, Layout>(a.data(), b.data(), out, count); });
-    this->expectSame(
-        [&](auto* out, std::size_t count) { blendRowScalar<MultiplyMode, Layout>(a.data(), b.data(), out, count); },
-        [&](auto* out, std::size_t count) { blendRow<MultiplyMode, Layout>(a.data(), b.data(), out, count); });
-  });
-}
 
 TYPED_TEST(Rows, MixAsDefined) {
   const auto a = this->row();
@@ -144,31 +129,6 @@ TEST(Power, LeavesWhatIsNotAboveZero) {
     powerRow(row.data(), row.size(), 0);
     EXPECT_EQ(row[0], 1);
   });
-}
-
-// Of bytes there are few enough to try everything: each color of both images under each pair of alphas.
-TEST(Bytes, BlendAsDefinedForEveryValue) {
-  std::vector<std::uint8_t> behind, front;
-  for (std::uint32_t i = 0; i < 1U << 16; ++i) {
-    const auto low = static_cast<std::uint8_t>(i);
-    const auto high = static_cast<std::uint8_t>(i >> 8);
-    behind.insert(behind.end(), {low, 0, 255, 0});
-    front.insert(front.end(), {high, 255, 0, 0});
-  }
-  std::vector<std::uint8_t> expected(behind.size()), out(behind.size());
-  for (int alphas = 0; alphas < 65536; alphas += 257 - 16 * (alphas % 2)) {
-    for (std::size_t i = 3; i < behind.size(); i += 4) {
-      behind[i] = static_cast<std::uint8_t>(alphas);
-      front[i] = static_cast<std::uint8_t>(alphas >> 8);
-    }
-    const std::size_t count = behind.size() / 4;
-    blendRowScalar<MultiplyMode, RGBA8>(behind.data(), front.data(), expected.data(), count);
-    blendRow<MultiplyMode, RGBA8>(behind.data(), front.data(), out.data(), count);
-    ASSERT_EQ(out, expected) << alphas;
-    blendRowScalar<OverMode, RGBA8>(behind.data(), front.data(), expected.data(), count);
-    blendRow<OverMode, RGBA8>(behind.data(), front.data(), out.data(), count);
-    ASSERT_EQ(out, expected) << alphas;
-  }
 }
 
 }  // namespace
