@@ -56,10 +56,6 @@ std::shared_ptr<VortoBitmap> noise(Size size, Format::Code code, Alpha alpha) {
   return bitmap;
 }
 
-void setNumber(QCPatch& patch, const char* key, double value) {
-  patch.portForKey(key)->setValue(NSNumber::numberWithDouble(value));
-}
-
 // A change of every color channel, with a gamma in one of them and in all of them.
 void setLevels(QCPatch& patch) {
   PropertyList state = patch.portForKey("inputLevels")->stateValue().value();
@@ -73,13 +69,7 @@ void setImage(QCPatch& patch, const char* key, const Frame& frame) {
   VRTImage::setBitmapOfPort(dynamic_cast<QCImagePort&>(*patch.portForKey(key)), frame);
 }
 
-struct Effect {
-  const char* name;
-  const char* first;
-  const char* second;  // null where there is one image
-  void (*prepare)(QCPatch&);
-};
-const Effect kEffects[] = {
+const MeasuredEffect kEffects[] = {
     {"Over", "inputBackgroundImage", "inputForegroundImage", nullptr},
     {"Multiply", "inputBackgroundImage", "inputForegroundImage", nullptr},
     {"Dissolve", "inputImageA", "inputImageB", [](QCPatch& patch) { setNumber(patch, "inputTime", 0.37); }},
@@ -93,13 +83,28 @@ const Effect kEffects[] = {
     {"Duotone", "inputImage", nullptr, nullptr},
 };
 
-void measure(benchmark::State& state, const Effect& effect, Size size, Format::Code code, Alpha alpha) {
+// A generator makes what the others are given.
+void connect(QCPatch& patch, const MeasuredEffect& effect, const Frames& frames) {
+  if (effect.first) {
+    setImage(patch, effect.first, frames.first);
+    if (effect.second) setImage(patch, effect.second, frames.second);
+  } else {
+    const Frame& like = frames.first;
+    setNumber(patch, "inputWidth", like->width);
+    setNumber(patch, "inputHeight", like->height);
+    setNumber(patch, "inputDepth",
+              like->formatCode == Format::RGBA8    ? 0
+              : like->formatCode == Format::RGBA16 ? 1
+                                                   : 2);
+  }
+}
+
+void measure(benchmark::State& state, const MeasuredEffect& effect, Size size, Format::Code code, Alpha alpha) {
   const Frames frames{noise(size, code, alpha), effect.second ? noise(size, code, alpha) : nullptr,
                       noise(size, code, alpha)};
   const auto patch = effects().nodeInstanceWithName(effect.name);
   if (!patch) return state.SkipWithError("there is no such effect");
-  setImage(*patch, effect.first, frames.first);
-  if (effect.second) setImage(*patch, effect.second, frames.second);
+  connect(*patch, effect, frames);
   if (effect.prepare) effect.prepare(*patch);
   const auto run = [&patch] {
     std::string reason;
@@ -113,15 +118,24 @@ void measure(benchmark::State& state, const Effect& effect, Size size, Format::C
     contestants.push_back({peer.name, [work = peer.work, &frames] { work(frames); }});
   }
   measureInTurns(state, std::move(contestants), size.width > 1920 ? 7 : 13,
-                 static_cast<double>(bytes) * (effect.second ? 3 : 2));
+                 static_cast<double>(bytes) * (effect.second ? 3 : effect.first ? 2 : 1));
 }
 
-const bool registered = [] {
+const bool registered = registerRows(kEffects);
+
+}  // namespace
+
+void setNumber(QCPatch& patch, const char* key, double value) {
+  patch.portForKey(key)->setValue(NSNumber::numberWithDouble(value));
+}
+
+bool registerRows(std::span<const MeasuredEffect> rows) {
   for (const Size size : {Size{"1280 x 720", 1280, 720}, {"1920 x 1080", 1920, 1080}, {"3840 x 2160", 3840, 2160}}) {
-    for (const Effect& effect : kEffects) {
+    for (const MeasuredEffect& effect : rows) {
       for (const auto& [depth, code] :
            {std::pair{"8", Format::RGBA8}, {"16", Format::RGBA16}, {"float", Format::RGBAFloat}}) {
         for (const Alpha alpha : {Alpha::Opaque, Alpha::Varied}) {
+          if (!effect.first && alpha == Alpha::Varied) continue;
           const std::string row = std::string("Effects at ") + size.name + "/" + effect.name + " " + depth +
                                   (alpha == Alpha::Opaque ? " opaque" : " alpha");
           benchmark::RegisterBenchmark(row.c_str(),
@@ -137,6 +151,4 @@ const bool registered = [] {
     }
   }
   return true;
-}();
-
-}  // namespace
+}

@@ -127,7 +127,7 @@ void add(std::vector<Peer>& peers, const char* name, Work work) {
 std::vector<Peer> peersOf(const std::string& effect, std::uint32_t formatCode) {
   const bool bytes = formatCode == Format::RGBA8;
   const bool mixes = effect == "Dissolve" || effect == "Gradient Wipe";
-  std::vector<Peer> peers;
+  std::vector<Peer> peers = blendPeersOf(effect, formatCode);
 #if VORTO_HAVE_PIXMAN
   if (bytes && effect == "Over") add(peers, "pixman, in place", pixmanOver());
 #endif

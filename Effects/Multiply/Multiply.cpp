@@ -5,17 +5,13 @@
 namespace vorto::effects {
 namespace {
 
-class MultiplyPatch : public BlendModeOf<MultiplyMode> {
- public:
-  static PropertyList description() {
-    return describe(
-        "Multiply",
-        "Multiplies the foreground with the background, which darkens; white leaves the background as it is.");
-  }
-  MultiplyPatch() : BlendModeOf(description()) {}
-};
+void registerMultiply(GFNodeManager& manager) {
+  registerBlendMode<MultiplyMode>(
+      manager, "Multiply",
+      "Multiplies the foreground with the background, which darkens; white leaves the background as it is.");
+}
 
 }  // namespace
 }  // namespace vorto::effects
 
-QC_PLUGIN_ENTRY(&vorto::effects::registerEffect<vorto::effects::MultiplyPatch>)
+QC_PLUGIN_ENTRY(&vorto::effects::registerMultiply)

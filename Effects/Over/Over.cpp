@@ -5,13 +5,11 @@
 namespace vorto::effects {
 namespace {
 
-class OverPatch : public BlendModeOf<OverMode> {
- public:
-  static PropertyList description() { return describe("Over", "Lays the foreground on the background."); }
-  OverPatch() : BlendModeOf(description()) {}
-};
+void registerOver(GFNodeManager& manager) {
+  registerBlendMode<OverMode>(manager, "Over", "Lays the foreground on the background.");
+}
 
 }  // namespace
 }  // namespace vorto::effects
 
-QC_PLUGIN_ENTRY(&vorto::effects::registerEffect<vorto::effects::OverPatch>)
+QC_PLUGIN_ENTRY(&vorto::effects::registerOver)

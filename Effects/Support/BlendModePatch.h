@@ -10,6 +10,9 @@ namespace vorto::effects {
 // A blend mode: a foreground laid on a background. The result has the size of the background; the foreground lies at
 // its upper left corner, what sticks out is cut off, and where it does not reach the background shows. Both images must
 // have the same layout.
+//
+// "inputOpacity" from 0 to 1 scales the foreground, color and alpha, before it is blended; at 0 the result is the
+// background itself.
 class BlendModePatch : public EffectPatch {
  public:
   static PropertyList describe(const std::string& name, const std::string& description);
@@ -24,6 +27,7 @@ class BlendModePatch : public EffectPatch {
   std::optional<BitmapRef> render(std::string* reason) final;
   std::shared_ptr<QCImagePort> background_;
   std::shared_ptr<QCImagePort> foreground_;
+  std::shared_ptr<QCNumberPort> opacity_;
 };
 
 }  // namespace vorto::effects

@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "Effects/Support/PixelLayout.h"
-#include "Effects/kernels/Blend.h"
 #include "Effects/kernels/GradientMap.h"
 #include "Effects/kernels/Levels.h"
 #include "Effects/kernels/LevelsFloats.h"
@@ -8,110 +6,17 @@
 #include "Effects/kernels/Power.h"
 #include "Effects/kernels/Wipe.h"
 
-#include <hwy/highway.h>
-
-#include <gtest/gtest.h>
+#include "Tests/Effects/kernels/Targets.h"
 
 #include <bit>
-#include <cstring>
-#include <random>
 
 // Every instruction set of the machine against the definitions.
 
 namespace vorto::effects {
 namespace {
 
-// Calls the function once in every instruction set of the machine.
-template <class Function>
-void onEveryTarget(Function function) {
-  hwy::SetSupportedTargetsForTest(0);
-  for (const std::int64_t target : hwy::SupportedAndGeneratedTargets()) {
-    SCOPED_TRACE(hwy::TargetName(target));
-    hwy::SetSupportedTargetsForTest(target);
-    hwy::GetChosenTarget().Update(target);
-    function();
-  }
-  hwy::SetSupportedTargetsForTest(0);
-  hwy::GetChosenTarget().Update(hwy::SupportedTargets());
-}
-
-constexpr std::size_t kPixels = 4099;  // whole vectors of any size, and a rest
-
-template <class Channel>
-class Rows : public testing::Test {
- public:
-  using Row = std::vector<Channel>;
-
-  Row row() {
-    Row row(4 * kPixels);
-    for (Channel& each : row) each = channel();
-    return row;
-  }
-
-  // Often the ends and their neighbours; floats also outside 0 to 1.
-  Channel channel() {
-    const auto kind = random_() % 8;
-    if constexpr (std::is_same_v<Channel, float>) {
-      return kind == 0 ? 0.0F : kind == 1 ? 1.0F : std::uniform_real_distribution<float>(-0.5F, 2)(random_);
-    } else {
-      const auto near = static_cast<Channel>(random_() % 3);
-      return kind == 0   ? near
-             : kind == 1 ? static_cast<Channel>(kFull<Channel> - near)
-                         : static_cast<Channel>(random_());
-    }
-  }
-
-  std::vector<MixWeight<Channel>> weights() {
-    std::vector<MixWeight<Channel>> weights(kPixels);
-    for (auto& each : weights) {
-      const double value = std::uniform_real_distribution<>(-0.2, 1.2)(random_);
-      each = random_() % 8 == 0 ? mixWeight<Channel>(0.5) : mixWeight<Channel>(value);
-    }
-    return weights;
-  }
-
-  template <class Definition, class Kernel>
-  void expectSame(Definition definition, Kernel kernel) {
-    for (const std::size_t count : {kPixels, std::size_t{3}, std::size_t{0}}) {
-      Row expected(4 * kPixels, Channel{7});
-      definition(expected.data(), count);
-      onEveryTarget([&] {
-        Row out(4 * kPixels, Channel{7});
-        kernel(out.data(), count);
-        EXPECT_EQ(std::memcmp(out.data(), expected.data(), out.size() * sizeof(Channel)), 0);
-      });
-    }
-  }
-
- private:
-  std::mt19937 random_{1};
-};
 using Channels = testing::Types<std::uint8_t, std::uint16_t, float>;
 TYPED_TEST_SUITE(Rows, Channels);
-
-template <class Channel, class Function>
-void withLayoutsOf(Function function) {
-  for (const auto code :
-       {VortoPixelFormat::RGBA8, VortoPixelFormat::ARGB8, VortoPixelFormat::RGBA16, VortoPixelFormat::RGBAFloat}) {
-    withLayout(code, [&](auto layout) {
-      if constexpr (std::is_same_v<typename decltype(layout)::Channel, Channel>) function(layout);
-    });
-  }
-}
-
-TYPED_TEST(Rows, BlendAsDefined) {
-  withLayoutsOf<TypeParam>([&](auto layout) {
-    using Layout = decltype(layout);
-    const auto a = this->row();
-    const auto b = this->row();
-    this->expectSame(
-        [&](auto* out, std::size_t count) { blendRowScalar<OverMode, Layout>(a.data(), b.data(), out, count); },
-        [&](auto* out, std::size_t count) { blendRow<OverMode, Layout>(a.data(), b.data(), out, count); });
-    this->expectSame(
-        [&](auto* out, std::size_t count) { blendRowScalar<MultiplyMode, Layout>(a.data(), b.data(), out, count); },
-        [&](auto* out, std::size_t count) { blendRow<MultiplyMode, Layout>(a.data(), b.data(), out, count); });
-  });
-}
 
 TYPED_TEST(Rows, MixAsDefined) {
   const auto a = this->row();
@@ -275,31 +180,6 @@ TEST(Power, LeavesWhatIsNotAboveZero) {
     powerRow(row.data(), row.size(), 0);
     EXPECT_EQ(row[0], 1);
   });
-}
-
-// Of bytes there are few enough to try everything: each color of both images under each pair of alphas.
-TEST(Bytes, BlendAsDefinedForEveryValue) {
-  std::vector<std::uint8_t> behind, front;
-  for (std::uint32_t i = 0; i < 1U << 16; ++i) {
-    const auto low = static_cast<std::uint8_t>(i);
-    const auto high = static_cast<std::uint8_t>(i >> 8);
-    behind.insert(behind.end(), {low, 0, 255, 0});
-    front.insert(front.end(), {high, 255, 0, 0});
-  }
-  std::vector<std::uint8_t> expected(behind.size()), out(behind.size());
-  for (int alphas = 0; alphas < 65536; alphas += 257 - 16 * (alphas % 2)) {
-    for (std::size_t i = 3; i < behind.size(); i += 4) {
-      behind[i] = static_cast<std::uint8_t>(alphas);
-      front[i] = static_cast<std::uint8_t>(alphas >> 8);
-    }
-    const std::size_t count = behind.size() / 4;
-    blendRowScalar<MultiplyMode, RGBA8>(behind.data(), front.data(), expected.data(), count);
-    blendRow<MultiplyMode, RGBA8>(behind.data(), front.data(), out.data(), count);
-    ASSERT_EQ(out, expected) << alphas;
-    blendRowScalar<OverMode, RGBA8>(behind.data(), front.data(), expected.data(), count);
-    blendRow<OverMode, RGBA8>(behind.data(), front.data(), out.data(), count);
-    ASSERT_EQ(out, expected) << alphas;
-  }
 }
 
 }  // namespace
