@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+#include "Effects/Support/Arithmetic.h"
 #include "Effects/kernels/BlendVectors.h"
 
 #undef HWY_TARGET_INCLUDE
@@ -116,7 +117,54 @@ struct PlainVectors {
   }
 };
 
-using PlainLoops = InterleavedLoops<PlainVectors>;
+// Integer pixels that are opaque take short ways: a foreground hides what it is laid over, which is not even read, and
+// of the multiplied images' products one is left.
+template <class Layout, class D>
+HWY_INLINE bool areOpaque(D, hn::Vec<D> pixels) {
+  using Pixel = std::conditional_t<sizeof(hn::TFromD<D>) == 1, std::uint32_t, std::uint64_t>;
+  const hn::Repartition<Pixel, D> d;
+  const auto alpha = hn::Set(d, Pixel{kFull<hn::TFromD<D> >} << (8 * sizeof(hn::TFromD<D>) * Layout::kAlpha));
+  return hn::AllTrue(d, hn::Eq(hn::And(hn::BitCast(d, pixels), alpha), alpha));
+}
+
+HWY_INLINE hn::Vec<Bytes> productOf(Bytes, hn::Vec<Bytes> a, hn::Vec<Bytes> b) {
+  return joinedHighBytes(productOfBytes(evenBytes(a), evenBytes(b)), productOfBytes(oddBytes(a), oddBytes(b)));
+}
+HWY_INLINE hn::Vec<Words> productOf(Words, hn::Vec<Words> a, hn::Vec<Words> b) {
+  return productOfWords(a, b);
+}
+
+struct PlainLoops {
+  template <class Mode, class Layout, class Channel = typename Layout::Channel>
+  static std::size_t row(const Channel* background, const Channel* foreground, Channel* out, std::size_t count) {
+    if constexpr (std::is_integral_v<Channel> && std::is_same_v<Mode, OverMode>) {
+      return loop<Layout>(background, foreground, out, count, [](auto d, auto front, const Channel* behind) HWY_ATTR {
+        if (areOpaque<Layout>(d, front)) return front;
+        return PlainVectors::blended<Layout>(OverMode(), d, hn::LoadU(d, behind), front);
+      });
+    } else if constexpr (std::is_integral_v<Channel> && std::is_same_v<Mode, MultiplyMode>) {
+      return loop<Layout>(background, foreground, out, count, [](auto d, auto front, const Channel* place) HWY_ATTR {
+        const auto behind = hn::LoadU(d, place);
+        if (areOpaque<Layout>(d, hn::And(front, behind))) return productOf(d, behind, front);
+        return PlainVectors::blended<Layout>(MultiplyMode(), d, behind, front);
+      });
+    } else {
+      return InterleavedLoops<PlainVectors>::row<Mode, Layout>(background, foreground, out, count);
+    }
+  }
+
+ private:
+  template <class Layout, class Channel, class Blend>
+  static HWY_INLINE std::size_t loop(const Channel* background, const Channel* foreground, Channel* out,
+                                     std::size_t count, Blend blend) {
+    const hn::ScalableTag<Channel> d;
+    const std::size_t whole = wholeVectors(d, count);
+    for (std::size_t i = 0; i < whole; i += hn::Lanes(d)) {
+      storeNext<false>(blend(d, hn::LoadU(d, foreground + i), background + i), d, out + i);
+    }
+    return whole / 4;
+  }
+};
 #endif
 
 BlendVectors plainVectors(std::size_t mode) {

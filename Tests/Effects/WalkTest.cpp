@@ -12,30 +12,10 @@ namespace {
 // The effects that ship.
 // clang-format off: one a line
 const char* const kShipped[] = {
-    "Checkerboard",
-    "Color",
-    "Color Burn",
-    "Color Dodge",
-    "Darken",
-    "Difference",
-    "Dissolve",
-    "Duotone",
-    "Exclusion",
-    "Gradient Map",
-    "Gradient Ramp",
-    "Gradient Wipe",
-    "Hard Light",
-    "Hue",
-    "Levels",
-    "Lighten",
-    "Luminosity",
-    "Multiply",
-    "Over",
-    "Overlay",
-    "Plus",
-    "Saturation",
-    "Screen",
-    "Soft Light",
+    "Checkerboard", "Color",   "Color Burn", "Color Dodge",  "Darken",        "Difference",
+    "Dissolve",     "Duotone", "Exclusion",  "Gradient Map", "Gradient Ramp", "Gradient Wipe",
+    "Hard Light",   "Hue",     "Levels",     "Lighten",      "Luminosity",    "Multiply",
+    "Over",         "Overlay", "Plus",       "Saturation",   "Screen",        "Soft Light",
 };
 // clang-format on
 

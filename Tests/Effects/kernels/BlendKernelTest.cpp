@@ -41,8 +41,12 @@ TYPED_TEST_SUITE(BlendRows, Channels);
 TYPED_TEST(BlendRows, AreAsDefined) {
   withLayoutsOf<TypeParam>([&](auto layout) {
     using Layout = decltype(layout);
-    const auto a = this->row();
-    const auto b = this->row();
+    auto a = this->row();
+    auto b = this->row();
+    for (std::size_t i = Layout::kAlpha; i < a.size() / 2; i += 4) {
+      b[i] = kOne<TypeParam>;
+      if (i > a.size() / 4) a[i] = kOne<TypeParam>;
+    }
     forEachMode([&](auto mode) {
       using Mode = decltype(mode);
       this->expectSame(
