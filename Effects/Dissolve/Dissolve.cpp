@@ -17,8 +17,9 @@ class DissolvePatch : public TransitionPatch {
     withLayout(out.formatCode, [&](auto layout) {
       using Channel = typename decltype(layout)::Channel;
       const MixWeight<Channel> weight = mixWeight<Channel>(time);
-      for (std::size_t y = 0; y < out.height; ++y) {
-        mixRow(rowOf<Channel>(a, y), rowOf<Channel>(b, y), rowOf<Channel>(out, y), out.width, weight);
+      const PixelRuns runs(a, b, out);
+      for (std::size_t y = 0; y < runs.count; ++y) {
+        mixRow(rowOf<Channel>(a, y), rowOf<Channel>(b, y), rowOf<Channel>(out, y), runs.pixels, weight);
       }
     });
   }

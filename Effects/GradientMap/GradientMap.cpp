@@ -56,8 +56,9 @@ class GradientMapPatch : public EffectPatch {
       using Channel = typename Layout::Channel;
       const auto& table =
           std::get<KeptTable<Layout>>(tables_).of(gradient->stateValue(), [&] { return tableOf<Layout>(*gradient); });
-      for (std::size_t y = 0; y < in->height; ++y) {
-        gradientMapRow<Layout>(rowOf<Channel>(*in, y), rowOf<Channel>(*out, y), in->width, table);
+      const PixelRuns runs(*in, *out);
+      for (std::size_t y = 0; y < runs.count; ++y) {
+        gradientMapRow<Layout>(rowOf<Channel>(*in, y), rowOf<Channel>(*out, y), runs.pixels, table);
       }
     });
     return out;

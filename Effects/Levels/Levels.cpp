@@ -112,8 +112,9 @@ class LevelsPatch : public EffectPatch {
       using Channel = typename Layout::Channel;
       const auto& made =
           std::get<KeptPrepared<Channel>>(kept_).of(levels->stateValue(), [&] { return prepared<Channel>(*levels); });
-      for (std::size_t y = 0; y < in->height; ++y) {
-        levelsRow<Layout>(rowOf<Channel>(*in, y), rowOf<Channel>(*out, y), in->width, made);
+      const PixelRuns runs(*in, *out);
+      for (std::size_t y = 0; y < runs.count; ++y) {
+        levelsRow<Layout>(rowOf<Channel>(*in, y), rowOf<Channel>(*out, y), runs.pixels, made);
       }
     });
     return out;

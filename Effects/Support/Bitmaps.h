@@ -37,6 +37,22 @@ std::string describeBitmap(const VortoBitmap& bitmap);
 
 std::size_t rowBytes(const VortoBitmap& bitmap);
 
+// How the pixels of images of one size are gone through: in one run, where no rows are padded, else row by row. Run y
+// begins with row y.
+struct PixelRuns {
+  template <class... Others>
+  explicit PixelRuns(const VortoBitmap& first, const Others&... others)
+      : PixelRuns(first, ((first.rowPadding == 0) && ... && (others.rowPadding == 0))) {}
+
+  std::size_t count;
+  std::size_t pixels;  // of each
+
+ private:
+  PixelRuns(const VortoBitmap& bitmap, bool isOne)
+      : count(isOne ? 1 : bitmap.height),
+        pixels(isOne ? std::size_t{bitmap.width} * bitmap.height : std::size_t{bitmap.width}) {}
+};
+
 template <class Channel>
 const Channel* rowOf(const VortoBitmap& bitmap, std::size_t y) {
   return reinterpret_cast<const Channel*>(static_cast<const std::uint8_t*>(bitmap.data) + y * rowBytes(bitmap));

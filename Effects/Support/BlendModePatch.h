@@ -25,6 +25,8 @@ class BlendModePatch : public EffectPatch {
 
  private:
   std::optional<BitmapRef> render(std::string* reason) final;
+  void blendWhole(const VortoBitmap& background, const VortoBitmap& foreground, VortoBitmap& out);
+  void blendPart(const VortoBitmap& background, const VortoBitmap& foreground, double opacity, VortoBitmap& out);
   std::shared_ptr<QCImagePort> background_;
   std::shared_ptr<QCImagePort> foreground_;
   std::shared_ptr<QCNumberPort> opacity_;

@@ -37,13 +37,10 @@ struct InterleavedLoops {
   template <class Mode, class Layout, class Channel = typename Layout::Channel>
   static std::size_t row(const Channel* background, const Channel* foreground, Channel* out, std::size_t count) {
     const hn::ScalableTag<Channel> d;
-    const std::size_t whole = wholeVectors(d, count);
-    for (std::size_t i = 0; i < whole; i += hn::Lanes(d)) {
+    return storePixels(d, out, count, [=](std::size_t i) HWY_ATTR {
       const auto behind = hn::LoadU(d, background + i);
-      const auto front = hn::LoadU(d, foreground + i);
-      storeNext<false>(Vectors::template blended<Layout>(Mode(), d, behind, front), d, out + i);
-    }
-    return whole / 4;
+      return Vectors::template blended<Layout>(Mode(), d, behind, hn::LoadU(d, foreground + i));
+    });
   }
 };
 

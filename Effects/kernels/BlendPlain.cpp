@@ -137,32 +137,23 @@ HWY_INLINE hn::Vec<Words> productOf(Words, hn::Vec<Words> a, hn::Vec<Words> b) {
 struct PlainLoops {
   template <class Mode, class Layout, class Channel = typename Layout::Channel>
   static std::size_t row(const Channel* background, const Channel* foreground, Channel* out, std::size_t count) {
+    const hn::ScalableTag<Channel> d;
     if constexpr (std::is_integral_v<Channel> && std::is_same_v<Mode, OverMode>) {
-      return loop<Layout>(background, foreground, out, count, [](auto d, auto front, const Channel* behind) HWY_ATTR {
+      return storePixels(d, out, count, [=](std::size_t i) HWY_ATTR {
+        const auto front = hn::LoadU(d, foreground + i);
         if (areOpaque<Layout>(d, front)) return front;
-        return PlainVectors::blended<Layout>(OverMode(), d, hn::LoadU(d, behind), front);
+        return PlainVectors::blended<Layout>(OverMode(), d, hn::LoadU(d, background + i), front);
       });
     } else if constexpr (std::is_integral_v<Channel> && std::is_same_v<Mode, MultiplyMode>) {
-      return loop<Layout>(background, foreground, out, count, [](auto d, auto front, const Channel* place) HWY_ATTR {
-        const auto behind = hn::LoadU(d, place);
+      return storePixels(d, out, count, [=](std::size_t i) HWY_ATTR {
+        const auto behind = hn::LoadU(d, background + i);
+        const auto front = hn::LoadU(d, foreground + i);
         if (areOpaque<Layout>(d, hn::And(front, behind))) return productOf(d, behind, front);
         return PlainVectors::blended<Layout>(MultiplyMode(), d, behind, front);
       });
     } else {
       return InterleavedLoops<PlainVectors>::row<Mode, Layout>(background, foreground, out, count);
     }
-  }
-
- private:
-  template <class Layout, class Channel, class Blend>
-  static HWY_INLINE std::size_t loop(const Channel* background, const Channel* foreground, Channel* out,
-                                     std::size_t count, Blend blend) {
-    const hn::ScalableTag<Channel> d;
-    const std::size_t whole = wholeVectors(d, count);
-    for (std::size_t i = 0; i < whole; i += hn::Lanes(d)) {
-      storeNext<false>(blend(d, hn::LoadU(d, foreground + i), background + i), d, out + i);
-    }
-    return whole / 4;
   }
 };
 #endif

@@ -39,7 +39,7 @@ HWY_INLINE Pixels loadPixels(const std::uint8_t* place) {
 }
 
 template <class Layout>
-HWY_INLINE void storePixels(const Pixels& of, std::uint8_t* place) {
+HWY_INLINE void storeChannels(const Pixels& of, std::uint8_t* place) {
   const auto ends = hn::Or(hn::ShiftLeft<8 * Layout::kRed>(of.red), hn::ShiftLeft<8 * Layout::kGreen>(of.green));
   const auto rest = hn::Or(hn::ShiftLeft<8 * Layout::kBlue>(of.blue), hn::ShiftLeft<8 * Layout::kAlpha>(of.alpha));
   storeNext<false>(hn::BitCast(Bytes(), hn::Or(ends, rest)), Bytes(), place);
@@ -56,7 +56,7 @@ HWY_INLINE Pixels loadPixels(const std::uint16_t* place) {
 }
 
 template <class>
-HWY_INLINE void storePixels(const Pixels& of, std::uint16_t* place) {
+HWY_INLINE void storeChannels(const Pixels& of, std::uint16_t* place) {
   const HalfWords d;
   const hn::RebindToSigned<Wides> di;
   const auto word = [&](hn::Vec<Wides> v) HWY_ATTR { return hn::DemoteTo(d, hn::BitCast(di, v)); };
@@ -123,7 +123,7 @@ HWY_INLINE void blendOnce(const Integer* background, const Integer* foreground, 
     const auto value = hn::Add(hn::Mul(sum, hn::Set(d, 1 / kOne)), hn::Set(d, 0.5F));
     return hn::Min(hn::BitCast(Wides(), hn::ConvertTo(hn::RebindToSigned<Floats>(), value)), alpha);
   };
-  storePixels<Layout>({rounded(color.red), rounded(color.green), rounded(color.blue), alpha}, out);
+  storeChannels<Layout>({rounded(color.red), rounded(color.green), rounded(color.blue), alpha}, out);
 }
 
 struct PlaneLoops {

@@ -70,19 +70,16 @@ std::size_t mapVectors(Layout, const std::uint8_t* in, std::uint8_t* out, std::s
   const auto full = hn::Set(dp, 0xFF);
   const auto half = hn::Set(dp, 0x8000);
   const LaidPixel<Layout>* const entries = table.entries.data();
-  const std::size_t whole = wholeVectors(d, count);
-  for (std::size_t i = 0; i < whole; i += hn::Lanes(d)) {
+  return storePixels(d, out, count, [=, &table](std::size_t i) HWY_ATTR {
     const auto pixels = hn::BitCast(dp, hn::LoadU(d, in + i));
     const auto alpha = byteOf<Layout::kAlpha>(pixels);
     if (table.isOpaque && hn::AllTrue(dp, hn::Eq(alpha, full))) {
       const auto luma = hn::ShiftRight<16>(hn::Add(lumaOfBytes<Layout>(pixels), half));
-      storeNext<false>(hn::BitCast(d, mappedBytes<Layout>(entries, luma)), d, out + i);
-    } else {
-      const auto luma = straightLumaOfBytes<Layout>(pixels, alpha);
-      storeNext<false>(coveredBytes<Layout>(mappedBytes<Layout>(entries, luma), alpha), d, out + i);
+      return hn::BitCast(d, mappedBytes<Layout>(entries, luma));
     }
-  }
-  return whole / 4;
+    const auto luma = straightLumaOfBytes<Layout>(pixels, alpha);
+    return coveredBytes<Layout>(mappedBytes<Layout>(entries, luma), alpha);
+  });
 }
 
 // A word of each pixel, weighted.
@@ -122,20 +119,17 @@ std::size_t mapVectors(RGBA16, const std::uint16_t* in, std::uint16_t* out, std:
   const auto full = hn::Set(dp, 0xFFFF);
   const auto half = hn::Set(dp, 0x8000);
   const auto alphaWord = hn::Set(dp, std::uint64_t{0xFFFF} << 48);
-  const std::size_t whole = wholeVectors(d, count);
-  for (std::size_t i = 0; i < whole; i += hn::Lanes(d)) {
+  return storePixels(d, out, count, [=, &table](std::size_t i) HWY_ATTR {
     const auto pixels = hn::BitCast(dp, hn::LoadU(d, in + i));
     const auto alpha = hn::ShiftRight<48>(pixels);
     if (table.isOpaque && hn::AllTrue(dp, hn::Eq(alpha, full))) {
       const auto luma = hn::ShiftRight<16>(hn::Add(lumaOfWords(pixels), half));
-      storeNext<false>(hn::BitCast(d, mappedWords(table.entries.data(), luma)), d, out + i);
-    } else {
-      const auto color = mappedWords(table.entries.data(), straightLumaOfWords(pixels, alpha));
-      const auto covered = productOfWords(alphaOfWords(hn::BitCast(d, color)), alphaOfWords(hn::BitCast(d, pixels)));
-      storeNext<false>(productOfWords(hn::BitCast(d, hn::Or(color, alphaWord)), covered), d, out + i);
+      return hn::BitCast(d, mappedWords(table.entries.data(), luma));
     }
-  }
-  return whole / 4;
+    const auto color = mappedWords(table.entries.data(), straightLumaOfWords(pixels, alpha));
+    const auto covered = productOfWords(alphaOfWords(hn::BitCast(d, color)), alphaOfWords(hn::BitCast(d, pixels)));
+    return productOfWords(hn::BitCast(d, hn::Or(color, alphaWord)), covered);
+  });
 }
 
 // First the places of a vector of pixels in the table, then one pixel after the other.

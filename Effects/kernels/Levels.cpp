@@ -108,16 +108,13 @@ std::size_t levelsVectors(Layout, const std::uint8_t* in, std::uint8_t* out, std
   const Bytes d;
   const Wides dp;
   const auto full = hn::Set(dp, 0xFF);
-  const std::size_t whole = wholeVectors(d, count);
-  for (std::size_t i = 0; i < whole; i += hn::Lanes(d)) {
+  return storePixels(d, out, count, [=, &tables](std::size_t i) HWY_ATTR {
     const BytePixels<Layout> pixels(hn::BitCast(dp, hn::LoadU(d, in + i)));
     const auto newAlpha = tables.keepsAlpha ? pixels.alpha : BytePixels<Layout>::lookedUp(tables.alpha, pixels.alpha);
     const bool isOpaque = hn::AllTrue(dp, hn::Eq(hn::And(pixels.alpha, newAlpha), full));
-    const auto made = isOpaque ? levelsOfBytes<Layout, true>(pixels, newAlpha, tables)
-                               : levelsOfBytes<Layout, false>(pixels, newAlpha, tables);
-    storeNext<false>(made, d, out + i);
-  }
-  return whole / 4;
+    return isOpaque ? levelsOfBytes<Layout, true>(pixels, newAlpha, tables)
+                    : levelsOfBytes<Layout, false>(pixels, newAlpha, tables);
+  });
 }
 
 // Pixels of words, one to a lane.
@@ -171,17 +168,14 @@ std::size_t levelsVectors(RGBA16, const std::uint16_t* in, std::uint16_t* out, s
   const Words d;
   const Longs dp;
   const auto full = hn::Set(dp, 0xFFFF);
-  const std::size_t whole = wholeVectors(d, count);
-  for (std::size_t i = 0; i < whole; i += hn::Lanes(d)) {
+  return storePixels(d, out, count, [=, &tables](std::size_t i) HWY_ATTR {
     const auto pixels = hn::BitCast(dp, hn::LoadU(d, in + i));
     const auto alpha = wordOf<RGBA16::kAlpha>(pixels);
     const auto newAlpha = tables.keepsAlpha ? alpha : lookedUp(tables.alpha, alpha);
     const bool isOpaque = hn::AllTrue(dp, hn::Eq(hn::And(alpha, newAlpha), full));
-    const auto made =
-        isOpaque ? levelsOfWords<true>(pixels, newAlpha, tables) : levelsOfWords<false>(pixels, newAlpha, tables);
-    storeNext<false>(hn::BitCast(d, made), d, out + i);
-  }
-  return whole / 4;
+    return hn::BitCast(
+        d, isOpaque ? levelsOfWords<true>(pixels, newAlpha, tables) : levelsOfWords<false>(pixels, newAlpha, tables));
+  });
 }
 #endif
 

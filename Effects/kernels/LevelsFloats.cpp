@@ -78,8 +78,7 @@ std::size_t levelsOfFloats(const float* in, float* out, std::size_t count, const
     red = coverage.colorOf(red, levels.common, levels.red);
     green = coverage.colorOf(green, levels.common, levels.green);
     blue = coverage.colorOf(blue, levels.common, levels.blue);
-    for (std::size_t vector = 0; vector < 4; ++vector)
-      kernels::HWY_NAMESPACE::expectWriteBehind(out + i + vector * lanes);
+    for (std::size_t vector = 0; vector < 4; ++vector) expectWriteBehind(out + i + vector * lanes);
     hn::StoreInterleaved4(red, green, blue, coverage.newAlpha, d, out + i);
   }
   return whole;

@@ -108,11 +108,8 @@ template <class D, class Weight>
 std::size_t mixVectors(D d, const hn::TFromD<D>* a, const hn::TFromD<D>* b, hn::TFromD<D>* out, std::size_t count,
                        Weight weight) {
   const auto weights = weightsOf(d, weight);
-  const std::size_t whole = wholeVectors(d, count);
-  for (std::size_t i = 0; i < whole; i += hn::Lanes(d)) {
-    storeNext<false>(weights.mixed(hn::LoadU(d, a + i), hn::LoadU(d, b + i)), d, out + i);
-  }
-  return whole / 4;
+  return storePixels(d, out, count,
+                     [=](std::size_t i) HWY_ATTR { return weights.mixed(hn::LoadU(d, a + i), hn::LoadU(d, b + i)); });
 }
 
 std::size_t mixBytes(const std::uint8_t* a, const std::uint8_t* b, std::uint8_t* out, std::size_t count,
@@ -130,12 +127,10 @@ std::size_t mixFloats(const float* a, const float* b, float* out, std::size_t co
 std::size_t mixBytePixels(const std::uint8_t* a, const std::uint8_t* b, std::uint8_t* out, std::size_t count,
                           const std::uint32_t* weights) {
   const Bytes d;
-  const std::size_t whole = wholeVectors(d, count);
-  for (std::size_t i = 0; i < whole; i += hn::Lanes(d)) {
+  return storePixels(d, out, count, [=](std::size_t i) HWY_ATTR {
     const ByteWeights here{hn::LoadU(Wides(), weights + i / 4)};
-    storeNext<false>(here.mixed(hn::LoadU(d, a + i), hn::LoadU(d, b + i)), d, out + i);
-  }
-  return whole / 4;
+    return here.mixed(hn::LoadU(d, a + i), hn::LoadU(d, b + i));
+  });
 }
 
 // The weights of the pixels in a vector, the halves of each in the four words of its pixel.
@@ -152,12 +147,10 @@ HWY_INLINE WordWeights wordWeightsAt(const std::uint32_t* weights) {
 std::size_t mixWordPixels(const std::uint16_t* a, const std::uint16_t* b, std::uint16_t* out, std::size_t count,
                           const std::uint32_t* weights) {
   const Words d;
-  const std::size_t whole = wholeVectors(d, count);
-  for (std::size_t i = 0; i < whole; i += hn::Lanes(d)) {
+  return storePixels(d, out, count, [=](std::size_t i) HWY_ATTR {
     const WordWeights here = wordWeightsAt(weights + i / 4);
-    storeNext<false>(here.mixed(hn::LoadU(d, a + i), hn::LoadU(d, b + i)), d, out + i);
-  }
-  return whole / 4;
+    return here.mixed(hn::LoadU(d, a + i), hn::LoadU(d, b + i));
+  });
 }
 
 // A vector of weights for every four vectors of channels.

@@ -8,6 +8,7 @@
 #define VORTO_PIXELS_TARGET
 #endif
 
+#include "TarnCore/TCKernelTarget.h"
 #include "TarnCore/kernels/Stores-inl.h"
 
 // Where vectors have one lane only, the definitions do everything.
@@ -15,6 +16,9 @@
 HWY_BEFORE_NAMESPACE();
 namespace vorto::effects::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
+using kernels::HWY_NAMESPACE::expectWriteBehind;
+using kernels::HWY_NAMESPACE::finishStores;
+using kernels::HWY_NAMESPACE::isAlignedToVector;
 using kernels::HWY_NAMESPACE::storeNext;
 
 using Bytes = hn::ScalableTag<std::uint8_t>;
@@ -95,6 +99,25 @@ HWY_INLINE hn::Vec<Doubles> doubleOf(hn::Vec<Longs> v) {
 template <class D>
 HWY_INLINE std::size_t wholeVectors(D d, std::size_t count) {
   return count * 4 / hn::Lanes(d) * hn::Lanes(d);
+}
+
+template <bool streamed, class D, class Make>
+HWY_INLINE void storeEach(D d, hn::TFromD<D>* out, std::size_t whole, Make make) {
+  for (std::size_t i = 0; i < whole; i += hn::Lanes(d)) storeNext<streamed>(make(i), d, out + i);
+  finishStores<streamed>();
+}
+
+// Makes as many of `count` pixels of four channels as whole vectors hold, make(i) the vector from channel i on, and
+// returns how many. Many are written past the caches.
+template <class D, class Make>
+HWY_INLINE std::size_t storePixels(D d, hn::TFromD<D>* out, std::size_t count, Make make) {
+  const std::size_t whole = wholeVectors(d, count);
+  if (isAlignedToVector(out) && TCStreamsStores(whole * sizeof(hn::TFromD<D>))) {
+    storeEach<true>(d, out, whole, make);
+  } else {
+    storeEach<false>(d, out, whole, make);
+  }
+  return whole / 4;
 }
 
 }  // namespace vorto::effects::HWY_NAMESPACE

@@ -2,7 +2,12 @@
 #include "TarnCore/TCKernelTarget.h"
 
 #include "TarnCore/kernels/Dispatch.h"
+#include "TarnCore/kernels/Memory.h"
 
 bool TCUsesScalarKernels() {
   return vorto::kernels::useScalar();
+}
+
+bool TCStreamsStores(std::size_t bytes) {
+  return vorto::kernels::isStreamed(bytes);
 }

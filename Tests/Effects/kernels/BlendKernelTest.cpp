@@ -2,6 +2,8 @@
 #include "Effects/kernels/Blend.h"
 #include "Tests/Effects/kernels/Targets.h"
 
+#include <hwy/aligned_allocator.h>
+
 #include <typeinfo>
 
 // Every blend mode in every instruction set of the machine against its definition.
@@ -58,6 +60,24 @@ TYPED_TEST(BlendRows, AreAsDefined) {
             blendRow<Mode, Layout>(a.data(), b.data(), out, count);
             unifyNaN(out, 4 * count);
           });
+    });
+  });
+}
+
+// Results that are larger than caches are stored in another way.
+TYPED_TEST(BlendRows, OfLargeImagesAreAsDefined) {
+  const std::size_t count = (std::size_t{17} << 20) / 4 / sizeof(TypeParam) + 3;
+  const auto part = this->row();
+  std::vector<TypeParam> a(4 * count);
+  for (std::size_t i = 0; i < a.size(); ++i) a[i] = part[i % (part.size() - 12)];
+  std::vector<TypeParam> expected(a.size());
+  const auto out = hwy::AllocateAligned<TypeParam>(a.size());
+  withLayoutsOf<TypeParam>([&](auto layout) {
+    using Layout = decltype(layout);
+    blendRowScalar<OverMode, Layout>(a.data(), a.data(), expected.data(), count);
+    onEveryTarget([&] {
+      blendRow<OverMode, Layout>(a.data(), a.data(), out.get(), count);
+      EXPECT_EQ(std::memcmp(out.get(), expected.data(), a.size() * sizeof(TypeParam)), 0);
     });
   });
 }
