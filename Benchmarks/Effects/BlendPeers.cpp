@@ -39,10 +39,10 @@ using PixmanImage = std::unique_ptr<pixman_image_t, decltype(&pixman_image_unref
 
 PixmanImage imageOf(const VortoBitmap& bitmap) {
   const int width = static_cast<int>(bitmap.width);
-  return {pixman_image_create_bits(PIXMAN_a8b8g8r8, width, static_cast<int>(bitmap.height),
-                                   reinterpret_cast<std::uint32_t*>(static_cast<std::uint8_t*>(bitmap.data)),
-                                   width * 4),
-          &pixman_image_unref};
+  return {
+      pixman_image_create_bits(PIXMAN_a8b8g8r8, width, static_cast<int>(bitmap.height),
+                               reinterpret_cast<std::uint32_t*>(static_cast<std::uint8_t*>(bitmap.data)), width * 4),
+      &pixman_image_unref};
 }
 
 // The result takes the background's place.

@@ -92,10 +92,7 @@ void connect(QCPatch& patch, const MeasuredEffect& effect, const Frames& frames)
     const Frame& like = frames.first;
     setNumber(patch, "inputWidth", like->width);
     setNumber(patch, "inputHeight", like->height);
-    setNumber(patch, "inputDepth",
-              like->formatCode == Format::RGBA8    ? 0
-              : like->formatCode == Format::RGBA16 ? 1
-                                                   : 2);
+    setNumber(patch, "inputDepth", like->formatCode == Format::RGBA8 ? 0 : like->formatCode == Format::RGBA16 ? 1 : 2);
   }
 }
 
@@ -118,7 +115,9 @@ void measure(benchmark::State& state, const MeasuredEffect& effect, Size size, F
     contestants.push_back({peer.name, [work = peer.work, &frames] { work(frames); }});
   }
   measureInTurns(state, std::move(contestants), size.width > 1920 ? 7 : 13,
-                 static_cast<double>(bytes) * (effect.second ? 3 : effect.first ? 2 : 1));
+                 static_cast<double>(bytes) * (effect.second  ? 3
+                                               : effect.first ? 2
+                                                              : 1));
 }
 
 const bool registered = registerRows(kEffects);

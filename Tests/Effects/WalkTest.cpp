@@ -9,8 +9,8 @@
 
 namespace {
 
-// The effects that ship.
-// clang-format off: one a line
+// The effects that ship, one a line.
+// clang-format off
 const char* const kShipped[] = {
     "Checkerboard",
     "Color",
@@ -26,16 +26,21 @@ const char* const kShipped[] = {
     "Gradient Wipe",
     "Hard Light",
     "Hue",
+    "Iris",
     "Levels",
     "Lighten",
     "Luminosity",
     "Multiply",
+    "Noise",
     "Over",
     "Overlay",
     "Plus",
+    "Radial Ramp",
     "Saturation",
     "Screen",
+    "Slide",
     "Soft Light",
+    "Solid Color",
 };
 // clang-format on
 
