@@ -1,35 +1,18 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "Effects/Support/Arithmetic.h"
+#include "Effects/Support/ColorPixel.h"
 #include "Effects/Support/GeneratorPatch.h"
 #include "Effects/Support/PixelLayout.h"
 #include "Platform/QuartzComposer/QCPlugIn.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 
 namespace vorto::effects {
 namespace {
 
 template <class Layout>
-using Pixel = std::array<typename Layout::Channel, Layout::kChannels>;
-
-// A straight color as a premultiplied pixel; components that are not finite count as 0.
-template <class Layout>
-Pixel<Layout> pixelOf(const QCColor& color) {
-  using Channel = typename Layout::Channel;
-  const double alpha = finiteOr(color.alpha, 0);
-  Pixel<Layout> pixel;
-  pixel[Layout::kRed] = quantized<Channel>(finiteOr(color.red, 0) * alpha);
-  pixel[Layout::kGreen] = quantized<Channel>(finiteOr(color.green, 0) * alpha);
-  pixel[Layout::kBlue] = quantized<Channel>(finiteOr(color.blue, 0) * alpha);
-  pixel[Layout::kAlpha] = quantized<Channel>(alpha);
-  return pixel;
-}
-
-template <class Layout>
-void fillRow(VortoBitmap& out, std::size_t y, std::size_t cell, const Pixel<Layout>& first,
-             const Pixel<Layout>& second) {
+void fillRow(VortoBitmap& out, std::size_t y, std::size_t cell, const LaidPixel<Layout>& first,
+             const LaidPixel<Layout>& second) {
   auto* row = rowOf<typename Layout::Channel>(out, y);
   for (std::size_t x = 0; x < out.width; ++x, row += Layout::kChannels) {
     std::copy_n((x / cell) % 2 == 0 ? first.data() : second.data(), Layout::kChannels, row);
@@ -38,7 +21,7 @@ void fillRow(VortoBitmap& out, std::size_t y, std::size_t cell, const Pixel<Layo
 
 // Every row is the first or the first with its colors exchanged.
 template <class Layout>
-void fillBoard(VortoBitmap& out, std::size_t cell, const Pixel<Layout>& a, const Pixel<Layout>& b) {
+void fillBoard(VortoBitmap& out, std::size_t cell, const LaidPixel<Layout>& a, const LaidPixel<Layout>& b) {
   for (std::size_t y = 0; y < out.height; ++y) {
     const bool even = (y / cell) % 2 == 0;
     if (y == 0) {

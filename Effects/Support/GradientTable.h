@@ -2,8 +2,8 @@
 #pragma once
 
 #include "Effects/Support/Arithmetic.h"
+#include "Effects/Support/PixelLayout.h"
 
-#include <array>
 #include <cstddef>
 #include <vector>
 
@@ -58,9 +58,6 @@ void storeEntry(const GradientEntry<Channel>& entry, Channel alpha, Channel* out
 }
 
 // The pixels of opaque images, ready to be copied.
-template <class Layout>
-using LaidPixel = std::array<typename Layout::Channel, Layout::kChannels>;
-
 template <class Layout, class Channel = typename Layout::Channel>
 std::vector<LaidPixel<Layout>> laidTable(const std::vector<GradientEntry<Channel>>& table) {
   std::vector<LaidPixel<Layout>> pixels(table.size());

@@ -3,6 +3,7 @@
 
 #include "TarnCore/TCPixelLayout.h"
 
+#include <array>
 #include <cstdint>
 #include <utility>
 
@@ -24,6 +25,10 @@ using RGBA8 = PixelLayout<std::uint8_t, VortoPixelFormat::RGBA8>;
 using ARGB8 = PixelLayout<std::uint8_t, VortoPixelFormat::ARGB8>;
 using RGBA16 = PixelLayout<std::uint16_t, VortoPixelFormat::RGBA16>;
 using RGBAFloat = PixelLayout<float, VortoPixelFormat::RGBAFloat>;
+
+// A pixel of a layout, ready to be copied.
+template <class Layout>
+using LaidPixel = std::array<typename Layout::Channel, Layout::kChannels>;
 
 // Calls function(Layout{}) for the layout of the code; false, without a call, for the layouts that effects do not take.
 template <class Function>

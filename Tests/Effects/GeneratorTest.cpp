@@ -21,7 +21,7 @@ TEST(Generators, RefuseSizesAndDepthsThatCannotBe) {
     double width, height;
     int depth;
   } rows[] = {{0, 5, 0}, {5, 0, 2}, {4, 4, 3}, {4294967295, 4294967295, 2}, {65536, 65536, 0}};
-  for (const char* name : {"Gradient Ramp", "Checkerboard"}) {
+  for (const char* name : {"Gradient Ramp", "Checkerboard", "Solid Color", "Radial Ramp", "Noise"}) {
     for (const auto& row : rows) {
       const Outcome outcome = run(*generator(name, row.width, row.height, row.depth));
       EXPECT_FALSE(outcome.succeeded) << name << " " << row.width << " x " << row.height;
@@ -85,6 +85,115 @@ TEST(GradientRamp, RunsFromTheStartToTheEndPoint) {
       });
     }
   }
+}
+
+TEST(SolidColor, IsPremultipliedAndEverywhere) {
+  const NSObjectRef color = std::make_shared<QCColor>(1, 0.25, std::nan(""), 0.5);
+  for (int depth = 0; depth < 3; ++depth) {
+    const Layout& layout = layoutOfDepth(depth);
+    const auto patch = generator("Solid Color", 67, 3, depth, {{"inputColor", color}});
+    expectPixels(rendered(*patch), layout, depth == 2 ? 0 : 0.5, [&](auto, auto) {
+      return Values{layout.full / 2, layout.full / 8, 0, layout.full / 2};
+    });
+  }
+}
+
+TEST(RadialRamp, RunsFromTheCenterToTheRadius) {
+  const PropertyList gradient = linearGradient({{0, 0, 1, 0.25}, {1, 1, 0, 0.25}}, {{0, 1}, {1, 0.5}});
+  const struct {
+    double centerX, centerY, radius;
+  } rows[] = {{0.5, 0.5, 1}, {0.5, 0.5, 0.3}, {0.13, 0.87, 2.5}, {1, 0, 4}, {0.5125, 0.35, 0}};
+  for (const auto& row : rows) {
+    for (int depth = 0; depth < 3; ++depth) {
+      const Layout& layout = layoutOfDepth(depth);
+      const auto patch = generator("Radial Ramp", 41, 30, depth,
+                                   {{"inputGradient", gradient},
+                                    {"inputCenterX", row.centerX},
+                                    {"inputCenterY", row.centerY},
+                                    {"inputRadius", row.radius}});
+      // One rounding of color, one of alpha and one of their product; at 16 bits half an entry of the table as well.
+      const double tolerance = depth == 2 ? 2e-5 : depth == 1 ? 2.26 : 1.51;
+      expectPixels(rendered(*patch), layout, tolerance, [&](std::size_t x, std::size_t y) {
+        const double dx = static_cast<double>(x) + 0.5 - row.centerX * 41;
+        const double dy = static_cast<double>(y) + 0.5 - row.centerY * 30;
+        const double p = row.radius == 0 ? 1 : std::min(std::hypot(dx, dy) / (row.radius * 15), 1.0);
+        const double alpha = (1 - p / 2) * layout.full;
+        return Values{p * alpha, (1 - p) * alpha, 0.25 * alpha, alpha};
+      });
+    }
+  }
+}
+
+ConstBitmap noise(int depth, double scale, double octaves, double seed, double colors = 0) {
+  return rendered(
+      *generator("Noise", 193, 131, depth,
+                 {{"inputScale", scale}, {"inputOctaves", octaves}, {"inputSeed", seed}, {"inputColors", colors}}));
+}
+
+// FNV-1a.
+std::uint64_t checksum(const ConstBitmap& image) {
+  std::uint64_t sum = 0xCBF29CE484222325;
+  for (const std::uint8_t byte : pixelBytes(*image)) sum = (sum ^ byte) * 0x100000001B3;
+  return sum;
+}
+
+TEST(Noise, IsTheSameOnEveryMachine) {
+  const struct {
+    int depth;
+    double scale, octaves, seed, colors;
+    std::uint64_t sum;
+  } rows[] = {{0, 200, 5, 0, 0, 4719229639422663677},
+              {0, 1, 8, 7, 1, 11168929207660868823ULL},
+              {1, 33.3, 8, 65535, 1, 6466711492853850265},
+              {2, 50, 3, 1, 0, 329342252387041478}};
+  for (const auto& row : rows) {
+    EXPECT_EQ(checksum(noise(row.depth, row.scale, row.octaves, row.seed, row.colors)), row.sum) << row.scale;
+  }
+}
+
+// Neighbors differ by no more than the curve between two points of the lattice is steep, also from cell to cell.
+TEST(Noise, HasNoSeams) {
+  const Layout& layout = layouts[3];
+  for (const double scale : {16.0, 7.3}) {
+    const auto pixels = pixelsOf(*noise(2, scale, 1, 3), layout);
+    const double steepest = 1.875 / scale + 1e-5;
+    for (std::size_t i = 0; i + 193 < pixels.size(); ++i) {
+      ASSERT_LE(std::abs(pixels[i + 193][0] - pixels[i][0]), steepest) << i;
+      if (i % 193 != 192) {
+        ASSERT_LE(std::abs(pixels[i + 1][0] - pixels[i][0]), steepest) << i;
+      }
+    }
+  }
+}
+
+TEST(Noise, IsEvenOpaqueAndAnotherForEachSeedAndColor) {
+  const Layout& layout = layouts[3];
+  double mean = 0, square = 0, next = 0, below = 0;
+  const auto grain = pixelsOf(*noise(2, 1, 1, 5), layout);
+  const auto value = [&](std::size_t i) { return grain[i % grain.size()][0] - 0.5; };
+  for (std::size_t i = 0; i < grain.size(); ++i) {
+    ASSERT_EQ(grain[i], (Values{grain[i][0], grain[i][0], grain[i][0], 1}));
+    mean += value(i), square += value(i) * value(i), next += value(i) * value(i + 1),
+        below += value(i) * value(i + 193);
+  }
+  const double count = 193.0 * 131;  // deviations of a few times their standard errors, about 0.002 and 0.0005
+  EXPECT_NEAR(mean / count, 0, 0.008);
+  EXPECT_NEAR(square / count, 1.0 / 12, 0.003);
+  EXPECT_NEAR(next / count, 0, 0.002);
+  EXPECT_NEAR(below / count, 0, 0.002);
+  EXPECT_EQ(pixelBytes(*noise(2, 1, 8, 5)), pixelBytes(*noise(2, 1, 1, 5))) << "features smaller than pixels";
+
+  const auto one = pixelsOf(*noise(2, 40, 4, 1), layout), other = pixelsOf(*noise(2, 40, 4, 2), layout);
+  const auto colored = pixelsOf(*noise(2, 40, 4, 1, 1), layout);
+  double seeds = 0, colors = 0, mono = 0;
+  for (std::size_t i = 0; i < one.size(); ++i) {
+    seeds += std::abs(one[i][0] - other[i][0]) / count;
+    colors += (std::abs(colored[i][0] - colored[i][1]) + std::abs(colored[i][1] - colored[i][2])) / 2 / count;
+    mono += std::abs(one[i][0] - colored[i][0]);
+  }
+  EXPECT_GT(seeds, 0.05);
+  EXPECT_GT(colors, 0.05);
+  EXPECT_EQ(mono, 0);
 }
 
 }  // namespace

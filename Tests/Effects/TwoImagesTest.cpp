@@ -8,7 +8,7 @@ std::shared_ptr<QCPatch> transition(const std::string& name, const ConstBitmap& 
 }
 
 TEST(Transitions, AreExactlyEitherImageAtTheEnds) {
-  for (const char* name : {"Dissolve", "Gradient Wipe"}) {
+  for (const char* name : {"Dissolve", "Gradient Wipe", "Slide", "Iris"}) {
     for (const Layout& layout : layouts) {
       const Bitmap a = randomImage(layout, 33, 17, Noise::Anything, 41);
       const Bitmap b = randomImage(layout, 33, 17, Noise::Anything, 42);
@@ -71,6 +71,76 @@ TEST(GradientWipe, RunsAlongItsDirectionWhereTheGradientIsDarkFirst) {
         const double place = 0.5 + along / (20 * (std::abs(row.dx) + std::abs(row.dy)));
         const double ahead = row.time * (1 + row.softness) - (row.isValley ? std::abs(2 * place - 1) : place);
         if (row.softness == 0 && std::abs(ahead) < 0.003) return pixelAt(*out, layout, x, y);  // on the edge itself
+        const double share = row.softness > 0 ? std::clamp(ahead / row.softness, 0.0, 1.0) : ahead > 0 ? 1.0 : 0.0;
+        return Values{share * layout.full, share * layout.full, share * layout.full, share * layout.full};
+      });
+    }
+  }
+}
+
+TEST(Slide, MovesEitherImageOrBothByWholePixels) {
+  const std::pair<int, int> ways[] = {{-1, 0}, {1, 0}, {0, -1}, {0, 1}};  // left, right, up, down
+  for (const Layout& layout : layouts) {
+    const Bitmap a = randomImage(layout, 13, 10, Noise::Anything, 51);
+    const Bitmap b = randomImage(layout, 13, 10, Noise::Anything, 52);
+    for (std::uint32_t direction = 0; direction < 4; ++direction) {
+      for (std::uint32_t style = 0; style < 3; ++style) {
+        for (const double time : {0.01, 0.25, 0.5, 0.99}) {
+          SCOPED_TRACE(std::to_string(direction) + " " + std::to_string(style) + " at " + std::to_string(time));
+          const auto patch = transition("Slide", a, b, time);
+          set(*patch, "inputDirection", double(direction));
+          set(*patch, "inputStyle", double(style));
+          const ConstBitmap out = rendered(*patch);
+          const auto [dx, dy] = ways[direction];
+          const int movedX = dx * static_cast<int>(13 * time + 0.5), movedY = dy * static_cast<int>(10 * time + 0.5);
+          for (int y = 0; y < 10; ++y) {
+            for (int x = 0; x < 13; ++x) {
+              const int ax = x - movedX, ay = y - movedY;  // where A, moved along, has this place
+              const bool isA = ax >= 0 && ax < 13 && ay >= 0 && ay < 10;
+              const bool moves = isA ? style != 1 : style != 2;
+              const int fromX = !moves ? x : isA ? ax : ax + 13 * dx, fromY = !moves ? y : isA ? ay : ay + 10 * dy;
+              const auto bytesAt = [&](const VortoBitmap& of, int column, int row) {
+                const std::size_t size = 4 * layout.channelBytes;
+                const auto* const first = static_cast<const std::uint8_t*>(of.data) + (13 * row + column) * size;
+                return std::vector(first, first + size);
+              };
+              ASSERT_EQ(bytesAt(*out, x, y), bytesAt(isA ? *a : *b, fromX, fromY)) << x << ", " << y;
+            }
+          }
+        }
+      }
+    }
+  }
+}
+
+// From an image of nothing to one of all, so that the result is the share of the second.
+TEST(Iris, OpensFromItsCenter) {
+  const struct {
+    int shape;
+    double x, y, softness, time;
+  } rows[] = {{0, 0.5, 0.5, 0.1, 0.5}, {0, 0.2, 0.9, 0, 0.3}, {0, 1, 0, 1, 0.6},     {1, 0.5, 0.5, 0, 0.4},
+              {1, 0.3, 0.6, 0.5, 0.7}, {2, 0.5, 0.5, 0, 0.5}, {2, 0.25, 1, 0.2, 0.8}};
+  for (const auto& row : rows) {
+    for (const Layout& layout : layouts) {
+      SCOPED_TRACE("shape " + std::to_string(row.shape) + " at " + std::to_string(row.time));
+      const Values all{layout.full, layout.full, layout.full, layout.full};
+      const auto patch = transition("Iris", makeImage(layout, 31, 20), makeImage(layout, 31, 20, all), row.time);
+      for (const auto& [key, value] :
+           {std::pair{"inputShape", double(row.shape)}, {"inputCenterX", row.x}, {"inputCenterY", row.y},
+            {"inputSoftness", row.softness}}) {
+        set(*patch, key, value);
+      }
+      const auto far = [&](double x, double y) {
+        const double dx = std::abs(x - row.x * 31), dy = std::abs(y - row.y * 20);
+        return row.shape == 0 ? std::hypot(dx, dy) : row.shape == 1 ? dx + dy : std::max(dx / 31, dy / 20);
+      };
+      const double furthest = std::max({far(0, 0), far(31, 0), far(0, 20), far(31, 20)});
+      const ConstBitmap out = rendered(*patch);
+      const double tolerance = layout.code == 9 ? 1e-5 : 0.5 + 1e-5 * layout.full;
+      expectPixels(out, layout, row.softness > 0 ? tolerance : 0, [&](auto x, auto y) {
+        const double place = far(static_cast<double>(x) + 0.5, static_cast<double>(y) + 0.5) / furthest;
+        const double ahead = row.time * (1 + row.softness) - place;
+        if (row.softness == 0 && std::abs(ahead) < 1e-6) return pixelAt(*out, layout, x, y);  // on the edge itself
         const double share = row.softness > 0 ? std::clamp(ahead / row.softness, 0.0, 1.0) : ahead > 0 ? 1.0 : 0.0;
         return Values{share * layout.full, share * layout.full, share * layout.full, share * layout.full};
       });

@@ -9,13 +9,38 @@
 
 namespace {
 
-// The effects that ship.
-// clang-format off: one a line
+// The effects that ship, one a line.
+// clang-format off
 const char* const kShipped[] = {
-    "Checkerboard", "Color",   "Color Burn", "Color Dodge",  "Darken",        "Difference",
-    "Dissolve",     "Duotone", "Exclusion",  "Gradient Map", "Gradient Ramp", "Gradient Wipe",
-    "Hard Light",   "Hue",     "Levels",     "Lighten",      "Luminosity",    "Multiply",
-    "Over",         "Overlay", "Plus",       "Saturation",   "Screen",        "Soft Light",
+    "Checkerboard",
+    "Color",
+    "Color Burn",
+    "Color Dodge",
+    "Darken",
+    "Difference",
+    "Dissolve",
+    "Duotone",
+    "Exclusion",
+    "Gradient Map",
+    "Gradient Ramp",
+    "Gradient Wipe",
+    "Hard Light",
+    "Hue",
+    "Iris",
+    "Levels",
+    "Lighten",
+    "Luminosity",
+    "Multiply",
+    "Noise",
+    "Over",
+    "Overlay",
+    "Plus",
+    "Radial Ramp",
+    "Saturation",
+    "Screen",
+    "Slide",
+    "Soft Light",
+    "Solid Color",
 };
 // clang-format on
 

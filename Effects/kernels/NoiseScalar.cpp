@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Effects/Support/Arithmetic.h"
+#include "Effects/kernels/Noise.h"
+
+namespace vorto::effects {
+namespace {
+
+template <class Channel>
+Channel stored(float value) {
+  if constexpr (std::is_same_v<Channel, float>) {
+    return value;
+  } else {
+    const auto rounded = static_cast<std::uint32_t>(value * static_cast<float>(kFull<Channel>) + 0.5F);
+    return static_cast<Channel>(std::min(rounded, kFull<Channel>));
+  }
+}
+
+template <class Channel>
+constexpr Channel opaque() {
+  if constexpr (std::is_same_v<Channel, float>) return 1;
+  return std::numeric_limits<Channel>::max();
+}
+
+}  // namespace
+
+std::uint32_t scrambled(std::uint32_t n) {
+  n = (n ^ (n >> 16)) * kScrambleFirst;
+  n = (n ^ (n >> 15)) * kScrambleSecond;
+  return n ^ (n >> 16);
+}
+
+void latticeRowScalar(std::uint32_t key, std::uint32_t row, float* out, std::size_t first, std::size_t count) {
+  const std::uint32_t rowKey = scrambled(key + row);
+  for (std::size_t i = first; i < count; ++i) {
+    const std::uint32_t n = scrambled(rowKey ^ (static_cast<std::uint32_t>(i) * kColumnStep));
+    out[i] = static_cast<float>(n >> 8) * 0x1p-24F;
+  }
+}
+
+void addNoiseRowScalar(const float* lattice, const std::int32_t* places, const float* weights, float strength,
+                       float* values, std::size_t count) {
+  for (std::size_t i = 0; i < count; ++i) {
+    const float left = lattice[places[i]];
+    const float right = lattice[places[i] + 1];
+    values[i] = values[i] + strength * (left + (right - left) * weights[i]);
+  }
+}
+
+template <class Layout>
+void opaqueRowScalar(const float* red, const float* green, const float* blue, typename Layout::Channel* out,
+                     std::size_t count) {
+  using Channel = typename Layout::Channel;
+  for (std::size_t i = 0; i < count; ++i, out += Layout::kChannels) {
+    out[Layout::kRed] = stored<Channel>(red[i]);
+    out[Layout::kGreen] = stored<Channel>(green[i]);
+    out[Layout::kBlue] = stored<Channel>(blue[i]);
+    out[Layout::kAlpha] = opaque<Channel>();
+  }
+}
+
+template void opaqueRowScalar<RGBA8>(const float*, const float*, const float*, std::uint8_t*, std::size_t);
+template void opaqueRowScalar<RGBA16>(const float*, const float*, const float*, std::uint16_t*, std::size_t);
+template void opaqueRowScalar<RGBAFloat>(const float*, const float*, const float*, float*, std::size_t);
+
+}  // namespace vorto::effects
