@@ -11,8 +11,19 @@ namespace {
 
 // The effects that ship.
 const char* const kShipped[] = {
-    "Checkerboard",  "Dissolve", "Duotone",  "Gradient Map", "Gradient Ramp",
-    "Gradient Wipe", "Levels",   "Multiply", "Over",
+    "Checkerboard",
+    "Dissolve",
+    "Duotone",
+    "Gradient Map",
+    "Gradient Ramp",
+    "Gradient Wipe",
+    "Levels",
+    "Multiply",
+    "Over",
+    // Filters.
+    "Fill",
+    "Gaussian Blur",
+    "Invert",
 };
 
 std::vector<std::string> imageKeys(const QCPatch& patch) {

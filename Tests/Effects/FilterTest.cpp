@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Tests/Effects/Harness.h"
+
+// Filters against naive versions of their formulas in double precision.
+
+namespace {
+
+using Settings = std::vector<std::pair<std::string, Setting>>;
+
+ConstBitmap filtered(const char* name, const ConstBitmap& image, Settings settings = {}) {
+  settings.insert(settings.begin(), {"inputImage", image});
+  return rendered(*effectNamed(name, settings));
+}
+
+PropertyList colorState(const Values& components) {
+  PropertyList state = PropertyList::array();
+  for (const double component : components) state.append(PropertyList::real(component));
+  return state;
+}
+
+void expectPremultiplied(const VortoBitmap& image, const Layout& layout) {
+  if (layout.code == 9) return;
+  for (const Values& got : pixelsOf(image, layout)) {
+    ASSERT_EQ(got[3], *std::max_element(got.begin(), got.end())) << layout.name << ": premultiplied no more";
+  }
+}
+
+TEST(Invert, TakesColorsFromAlphaAndComesBack) {
+  for (const Layout& layout : layouts) {
+    const Bitmap image = randomImage(layout, 61, 17, Noise::Premultiplied, 61);
+    const ConstBitmap out = filtered("Invert", image);
+    expectPixels(out, layout, layout.code == 9 ? 1e-6 : 0, [&](std::size_t x, std::size_t y) {
+      const Values in = pixelAt(*image, layout, x, y);
+      return Values{in[3] - in[0], in[3] - in[1], in[3] - in[2], in[3]};
+    });
+    if (layout.code == 9) continue;
+    EXPECT_EQ(pixelBytes(*filtered("Invert", out)), pixelBytes(*image)) << layout.name;
+  }
+}
+
+TEST(Fill, ReplacesTheColorUnderTheAlphaOfBoth) {
+  for (const Layout& layout : layouts) {
+    const Bitmap image = randomImage(layout, 61, 17, Noise::Premultiplied, 62);
+    for (const Values& color : {Values{0.2, 1, 0.7, 0.4}, {1, 1, 1, 1}, {0.3, 0, 0, 0}}) {
+      const ConstBitmap out = filtered("Fill", image, {{"inputColor", colorState(color)}});
+      expectPixels(out, layout, layout.code == 9 ? 1e-6 : 1, [&](std::size_t x, std::size_t y) {
+        const double alpha = pixelAt(*image, layout, x, y)[3] * color[3];
+        return Values{color[0] * alpha, color[1] * alpha, color[2] * alpha, alpha};
+      });
+      expectPremultiplied(*out, layout);
+    }
+  }
+}
+
+// Images as planes of doubles, in units of 0 to 1.
+struct Plane {
+  std::size_t width, height;
+  std::vector<Values> pixels;
+
+  static Plane of(const VortoBitmap& image, const Layout& layout) {
+    Plane plane{image.width, image.height, pixelsOf(image, layout)};
+    for (Values& pixel : plane.pixels) {
+      for (double& value : pixel) value /= layout.full;
+    }
+    return plane;
+  }
+
+  Values at(std::size_t x, std::size_t y) const { return pixels[y * width + x]; }
+
+  // At any place, by the rule for edges.
+  Values beyond(std::ptrdiff_t x, std::ptrdiff_t y, bool repeats) const {
+    const auto cx = std::clamp<std::ptrdiff_t>(x, 0, static_cast<std::ptrdiff_t>(width) - 1);
+    const auto cy = std::clamp<std::ptrdiff_t>(y, 0, static_cast<std::ptrdiff_t>(height) - 1);
+    return repeats || (cx == x && cy == y) ? at(static_cast<std::size_t>(cx), static_cast<std::size_t>(cy)) : Values{};
+  }
+};
+
+// The weighted sum with every sample of the Gaussian that is not 0 for a double, along rows or along columns.
+Plane convolved(const Plane& in, double sigma, bool repeats, bool alongRows) {
+  const auto radius = static_cast<std::ptrdiff_t>(std::ceil(9 * sigma));
+  std::vector<double> weights;
+  double sum = 0;
+  for (std::ptrdiff_t i = -radius; i <= radius; ++i) {
+    const double distance = static_cast<double>(i) / sigma;
+    weights.push_back(std::exp(-distance * distance / 2));
+    sum += weights.back();
+  }
+  Plane out = in;
+  for (std::size_t i = 0; i < in.pixels.size(); ++i) {
+    const auto x = static_cast<std::ptrdiff_t>(i % in.width), y = static_cast<std::ptrdiff_t>(i / in.width);
+    Values made{};
+    for (std::ptrdiff_t k = -radius; k <= radius; ++k) {
+      const Values there = in.beyond(alongRows ? x + k : x, alongRows ? y : y + k, repeats);
+      const double weight = weights[static_cast<std::size_t>(k + radius)] / sum;
+      for (int c = 0; c < 4; ++c) made[c] += weight * there[c];
+    }
+    out.pixels[i] = made;
+  }
+  return out;
+}
+
+Plane blurred(const VortoBitmap& image, const Layout& layout, double sigma, bool repeats) {
+  return convolved(convolved(Plane::of(image, layout), sigma, repeats, true), sigma, repeats, false);
+}
+
+// Noise, a block with straight edges, bright points on transparency, and all of it up to the image's edges.
+Bitmap blurTarget(const Layout& layout, std::uint32_t width, std::uint32_t height) {
+  std::mt19937 random(63);
+  std::size_t i = 0;
+  return makeImage(layout, width, height, [&]() -> Values {
+    const std::size_t x = i % width, y = i / width;
+    ++i;
+    const double full = layout.full;
+    if (x < width / 3) return premultipliedValues(layout, random);
+    if (x < width * 2 / 3) return y > height / 2 ? Values{full, 0, full, full} : Values{};
+    return x % 7 == 3 && y % 9 == 4 ? Values{full, full, 0, full} : Values{};
+  });
+}
+
+TEST(GaussianBlur, IsTheWeightedSumWithTheGaussian) {
+  for (const double sigma : {0.1, 0.4, 1.0, 2.0, 3.0, 3.01, 5.0, 12.0, 40.0, 100.0}) {
+    for (const auto& [width, height] : {std::pair{61U, 43U}, {1U, 50U}, {17U, 1U}}) {
+      for (const Layout& layout : layouts) {
+        const Bitmap image = blurTarget(layout, width, height);
+        for (const bool repeats : {false, true}) {
+          SCOPED_TRACE("sigma " + std::to_string(sigma) + (repeats ? ", repeated" : ", transparent"));
+          const ConstBitmap out =
+              filtered("Gaussian Blur", image, {{"inputRadius", sigma}, {"inputEdges", repeats ? 1.0 : 0.0}});
+          const Plane exact = blurred(*image, layout, sigma, repeats);
+          expectPixels(out, layout, 0.0007 * layout.full + (layout.code == 9 ? 0 : 0.5), [&](auto x, auto y) {
+            Values values = exact.at(x, y);
+            for (double& value : values) value *= layout.full;
+            return values;
+          });
+          expectPremultiplied(*out, layout);
+        }
+      }
+    }
+  }
+}
+
+TEST(GaussianBlur, KeepsWhatIsEvenAndWhatItDoesNotReach) {
+  for (const Layout& layout : layouts) {
+    const Bitmap image = randomImage(layout, 20, 10, Noise::Anything, 64);
+    for (const double none : {0.0, -1.0, 0.05}) {
+      EXPECT_EQ(filtered("Gaussian Blur", image, {{"inputRadius", none}}), image);
+    }
+    const Values even{layout.full, layout.full / 5, 0, layout.full};
+    const Bitmap opaque = makeImage(layout, 300, 200, even);
+    for (const double sigma : {2.0, 10.0, 100.0}) {
+      const ConstBitmap out = filtered("Gaussian Blur", opaque, {{"inputRadius", sigma}});
+      expectPixels(out, layout, layout.code == 9 ? 1e-5 : 0, [&](auto, auto) { return even; });
+    }
+  }
+  // A broken value stays a spot, and nothing stays nothing.
+  const Layout& floats = layouts[3];
+  std::size_t i = 0;
+  const Bitmap broken = makeImage(floats, 99, 9, [&]() -> Values {
+    return ++i == 40 ? Values{NAN, HUGE_VAL, 0, 1} : Values{};
+  });
+  for (const Values& pixel : pixelsOf(*filtered("Gaussian Blur", broken, {{"inputRadius", 4.0}}), floats)) {
+    ASSERT_TRUE(pixel[0] == 0 && !std::isnan(pixel[1]) && pixel[2] == 0);
+  }
+}
+
+}  // namespace
