@@ -2,7 +2,6 @@
 #include "Benchmarks/Effects/EffectBench.h"
 #include "Benchmarks/Turns.h"
 #include "Platform/QuartzComposer/GFNodeManager.h"
-#include "Platform/QuartzComposer/QCPatch.h"
 #include "Ports/VRTImage.h"
 #include "Ports/VRTStateKeys.h"
 
@@ -56,10 +55,6 @@ std::shared_ptr<VortoBitmap> noise(Size size, Format::Code code, Alpha alpha) {
   return bitmap;
 }
 
-void setNumber(QCPatch& patch, const char* key, double value) {
-  patch.portForKey(key)->setValue(NSNumber::numberWithDouble(value));
-}
-
 // A change of every color channel, with a gamma in one of them and in all of them.
 void setLevels(QCPatch& patch) {
   PropertyList state = patch.portForKey("inputLevels")->stateValue().value();
@@ -73,12 +68,6 @@ void setImage(QCPatch& patch, const char* key, const Frame& frame) {
   VRTImage::setBitmapOfPort(dynamic_cast<QCImagePort&>(*patch.portForKey(key)), frame);
 }
 
-struct Effect {
-  const char* name;
-  const char* first;
-  const char* second;  // null where there is one image
-  void (*prepare)(QCPatch&);
-};
 const Effect kEffects[] = {
     {"Over", "inputBackgroundImage", "inputForegroundImage", nullptr},
     {"Multiply", "inputBackgroundImage", "inputForegroundImage", nullptr},
@@ -109,20 +98,26 @@ void measure(benchmark::State& state, const Effect& effect, Size size, Format::C
   std::vector<Contestant> contestants;
   contestants.push_back({"vorto", run});
   contestants.push_back({"memcpy", [&] { std::memcpy(frames.out->data, frames.first->data, bytes); }});
-  for (const Peer& peer : peersOf(effect.name, code)) {
-    contestants.push_back({peer.name, [work = peer.work, &frames] { work(frames); }});
+  for (const auto& peers : {peersOf(effect.row, code), filterPeersOf(effect.row, code)}) {
+    for (const Peer& peer : peers) contestants.push_back({peer.name, [work = peer.work, &frames] { work(frames); }});
   }
   measureInTurns(state, std::move(contestants), size.width > 1920 ? 7 : 13,
                  static_cast<double>(bytes) * (effect.second ? 3 : 2));
 }
 
-const bool registered = [] {
+}  // namespace
+
+void setNumber(QCPatch& patch, const char* key, double value) {
+  patch.portForKey(key)->setValue(NSNumber::numberWithDouble(value));
+}
+
+bool registerRows(std::span<const Effect> effects) {
   for (const Size size : {Size{"1280 x 720", 1280, 720}, {"1920 x 1080", 1920, 1080}, {"3840 x 2160", 3840, 2160}}) {
-    for (const Effect& effect : kEffects) {
+    for (const Effect& effect : effects) {
       for (const auto& [depth, code] :
            {std::pair{"8", Format::RGBA8}, {"16", Format::RGBA16}, {"float", Format::RGBAFloat}}) {
         for (const Alpha alpha : {Alpha::Opaque, Alpha::Varied}) {
-          const std::string row = std::string("Effects at ") + size.name + "/" + effect.name + " " + depth +
+          const std::string row = std::string("Effects at ") + size.name + "/" + effect.row + " " + depth +
                                   (alpha == Alpha::Opaque ? " opaque" : " alpha");
           benchmark::RegisterBenchmark(row.c_str(),
                                        [&effect, size, code = code, alpha](benchmark::State& state) {
@@ -137,6 +132,8 @@ const bool registered = [] {
     }
   }
   return true;
-}();
+}
 
+namespace {
+const bool registered = registerRows(kEffects);
 }  // namespace
