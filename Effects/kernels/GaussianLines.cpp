@@ -4,15 +4,13 @@
 #include "Effects/kernels/RowOfLayout.h"
 #include "TarnCore/TCKernelTarget.h"
 
-#include <limits>
-
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "Effects/kernels/GaussianLines.cpp"
 #include <hwy/foreach_target.h>
 // After foreach_target.h:
 #include <hwy/highway.h>
 
-#include "Effects/kernels/Pixels-inl.h"
+#include "Effects/kernels/FloatPixels-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace vorto::effects::HWY_NAMESPACE {
@@ -144,9 +142,7 @@ using Pixel = hn::FixedTag<float, 4>;
 template <class Channel>
 HWY_INLINE hn::Vec<Pixel> loaded(const Channel* pixel) {
   const Pixel d;
-  const hn::RebindToSigned<Pixel> di;
-  const auto value = hn::ConvertTo(d, hn::PromoteTo(di, hn::LoadU(hn::Rebind<Channel, Pixel>(), pixel)));
-  return hn::Add(value, hn::Set(d, kGaussianFloor));
+  return hn::Add(loadedFloats(d, pixel), hn::Set(d, kGaussianFloor));
 }
 
 HWY_INLINE hn::Vec<Pixel> loaded(const float* pixel) {
@@ -168,18 +164,10 @@ void loadLines(const Channel* const* rows, std::size_t rowCount, std::size_t pix
 
 template <class Layout, class D>
 HWY_INLINE void storeVector(hn::Vec<D> v, D d, typename Layout::Channel* out) {
-  using Channel = typename Layout::Channel;
-  if constexpr (std::is_same_v<Channel, float>) {
-    const auto isNothing = hn::Lt(hn::Abs(v), hn::Set(d, 2 * kGaussianFloor));
-    hn::StoreU(hn::IfThenZeroElse(isNothing, v), d, out);
-  } else {
-    constexpr auto full = static_cast<float>(std::numeric_limits<Channel>::max());
-    const auto zero = hn::Zero(d);
-    const auto most = hn::Min(hn::Max(hn::Broadcast<Layout::kAlpha>(v), zero), hn::Set(d, full));
-    const auto rounded = hn::Add(hn::Min(hn::Max(v, zero), most), hn::Set(d, 0.5F));
-    const hn::Rebind<Channel, D> to;
-    hn::StoreU(hn::DemoteTo(to, hn::ConvertTo(hn::RebindToSigned<D>(), rounded)), to, out);
+  if constexpr (std::is_same_v<Layout, RGBAFloat>) {
+    v = hn::IfThenZeroElse(hn::Lt(hn::Abs(v), hn::Set(d, 2 * kGaussianFloor)), v);
   }
+  storeFloats<Layout>(v, d, out);
 }
 
 template <class Layout, class Channel>

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Effects/Support/PixelLayout.h"
+#include "Effects/kernels/FloatPixels.h"
 #include "Effects/kernels/GaussianLines.h"
 
 #include <algorithm>
 #include <cmath>
 #include <complex>
-#include <limits>
 
 namespace vorto::effects {
 namespace {
@@ -113,15 +113,11 @@ float loaded(Channel value) {
   return static_cast<float>(value) + kGaussianFloor;
 }
 
-void storePixel(const float* lines, float* out, float) {
-  for (int c = 0; c < 4; ++c) out[c] = std::abs(lines[c]) < 2 * kGaussianFloor ? 0.0F : lines[c];
-}
-
+// Of floats, what the floor has left of nothing.
 template <class Channel>
-void storePixel(const float* lines, Channel* out, float alpha) {
-  constexpr auto full = static_cast<float>(std::numeric_limits<Channel>::max());
-  const float most = std::min(std::max(alpha, 0.0F), full);
-  for (int c = 0; c < 4; ++c) out[c] = static_cast<Channel>(std::min(std::max(lines[c], 0.0F), most) + 0.5F);
+Channel stored(float value, float alpha) {
+  const bool isNothing = std::is_same_v<Channel, float> && std::abs(value) < 2 * kGaussianFloor;
+  return isNothing ? Channel{0} : storedChannel<Channel>(value, alpha);
 }
 
 }  // namespace
@@ -163,8 +159,9 @@ void gaussianStoreScalar(const float* lines, std::size_t lanes, std::size_t rowC
   using Channel = typename Layout::Channel;
   for (std::size_t row = 0; row < rowCount; ++row) {
     auto* const pixel = reinterpret_cast<Channel*>(reinterpret_cast<std::uint8_t*>(out) + row * rowBytes);
-    for (std::size_t i = 0; i < 4 * pixels; i += 4) {
-      storePixel(lines + row * lanes + i, pixel + i, lines[row * lanes + i + Layout::kAlpha]);
+    const float* const line = lines + row * lanes;
+    for (std::size_t i = 0; i < 4 * pixels; ++i) {
+      pixel[i] = stored<Channel>(line[i], line[i / 4 * 4 + Layout::kAlpha]);
     }
   }
 }

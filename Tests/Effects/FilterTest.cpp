@@ -163,4 +163,130 @@ TEST(GaussianBlur, KeepsWhatIsEvenAndWhatItDoesNotReach) {
   }
 }
 
+struct Move {
+  double shiftX, shiftY, degrees, scaleX, scaleY, anchorX, anchorY;
+};
+
+ConstBitmap moved(const ConstBitmap& image, const Move& move, int filter) {
+  return filtered("Transform", image,
+                  {{"inputTranslateX", move.shiftX},
+                   {"inputTranslateY", move.shiftY},
+                   {"inputRotation", move.degrees},
+                   {"inputScaleX", move.scaleX},
+                   {"inputScaleY", move.scaleY},
+                   {"inputAnchorX", move.anchorX},
+                   {"inputAnchorY", move.anchorY},
+                   {"inputFilter", double(filter)}});
+}
+
+double kernelAt(double t, int filter) {
+  const double angle = std::acos(-1.0) * t;
+  if (filter == 1) return std::max(1 - std::abs(t), 0.0);
+  if (std::abs(t) < 1e-12) return 1;
+  return std::abs(t) < 3 ? std::sin(angle) / angle * std::sin(angle / 3) / (angle / 3) : 0;
+}
+
+// The pixel at (x, y) of what comes of an image: by its whole kernel, every weight from the formula.
+Values movedPixel(const Plane& image, const Move& move, int filter, std::size_t x, std::size_t y) {
+  const double radians = move.degrees * std::acos(-1.0) / 180;
+  const double anchorX = move.anchorX * static_cast<double>(image.width);
+  const double anchorY = move.anchorY * static_cast<double>(image.height);
+  const double dx = static_cast<double>(x) + 0.5 - anchorX - move.shiftX;
+  const double dy = static_cast<double>(y) + 0.5 - anchorY - move.shiftY;
+  const double u = anchorX + (std::cos(radians) * dx + std::sin(radians) * dy) / move.scaleX;
+  const double v = anchorY + (std::cos(radians) * dy - std::sin(radians) * dx) / move.scaleY;
+  if (filter == 0) {
+    return image.beyond(static_cast<std::ptrdiff_t>(std::floor(u)), static_cast<std::ptrdiff_t>(std::floor(v)), false);
+  }
+  const double scaleX = std::min(std::abs(move.scaleX), 1.0), scaleY = std::min(std::abs(move.scaleY), 1.0);
+  Values sum{};
+  double weights = 0;
+  for (auto row = std::ptrdiff_t(v - 4 / scaleY) - 2; double(row) < v + 4 / scaleY; ++row) {
+    for (auto column = std::ptrdiff_t(u - 4 / scaleX) - 2; double(column) < u + 4 / scaleX; ++column) {
+      const double weight =
+          kernelAt((double(column) + 0.5 - u) * scaleX, filter) * kernelAt((double(row) + 0.5 - v) * scaleY, filter);
+      const Values there = image.beyond(column, row, false);
+      for (int c = 0; c < 4; ++c) sum[c] += weight * there[c];
+      weights += weight;
+    }
+  }
+  for (double& value : sum) value /= weights;
+  return sum;
+}
+
+TEST(Transform, TakesEveryPixelFromWhereItWas) {
+  const Move moves[] = {{3.25, -1.5, 0, 1, 1, 0.5, 0.5},  {0, 0, 33, 1, 1, 0.5, 0.5},   {2, 1, -100, 1.7, -1.2, 0, 1},
+                        {0, 0, 20, 0.3, 0.45, 0.5, 0.25}, {0, 0, 0, 0.11, 1, 0.5, 0.5}, {0, 0, 0, -2.5, 0.5, 1, 1},
+                        {5, 0, 719, 0.05, 0.08, 0.5, 0.5}};
+  for (const Layout& layout : layouts) {
+    const Bitmap image = blurTarget(layout, 41, 29);
+    const Plane plane = Plane::of(*image, layout);
+    for (const Move& move : moves) {
+      for (const int filter : {0, 1, 2}) {
+        SCOPED_TRACE("filter " + std::to_string(filter) + ", " + std::to_string(move.degrees) + " degrees");
+        const ConstBitmap out = moved(image, move, filter);
+        const double tolerance = filter == 0 ? 0 : layout.code == 9 ? 2e-5 : 0.7;
+        expectPixels(out, layout, tolerance, [&](std::size_t x, std::size_t y) {
+          Values values = movedPixel(plane, move, filter, x, y);
+          for (double& value : values) value *= layout.full;
+          if (layout.code == 9) return values;
+          const double alpha = std::clamp(values[3], 0.0, layout.full);
+          for (double& value : values) value = std::clamp(value, 0.0, alpha);
+          return values;
+        });
+        expectPremultiplied(*out, layout);
+      }
+    }
+  }
+}
+
+TEST(Transform, CopiesWhereverPixelsComeToLieOnPixels) {
+  for (const Layout& layout : layouts) {
+    const Bitmap image = randomImage(layout, 12, 9, Noise::Premultiplied, 65);
+    const Bitmap square = randomImage(layout, 9, 9, Noise::Premultiplied, 66);
+    const Plane plane = Plane::of(*image, layout), squarePlane = Plane::of(*square, layout);
+    const auto exactly = [&](const ConstBitmap& out, const Plane& from, auto place) {
+      expectPixels(out, layout, 1e-9 * layout.full, [&](auto x, auto y) {
+        const auto [fromX, fromY] = place(std::ptrdiff_t(x), std::ptrdiff_t(y));
+        Values values = from.beyond(fromX, fromY, false);
+        for (double& value : values) value *= layout.full;
+        return values;
+      });
+    };
+    for (const int filter : {0, 1, 2}) {
+      for (const auto& [dx, dy] : {std::pair{3, -2}, {-11, 8}, {12, 0}, {0, -9}, {-40, 2}}) {
+        exactly(moved(image, {double(dx), double(dy), 0, 1, 1, 0.3, 0.7}, filter), plane,
+                [&, right = dx, down = dy](auto x, auto y) { return std::pair(x - right, y - down); });
+      }
+      exactly(moved(image, {0, 0, 180, 1, 1, 0.5, 0.5}, filter), plane,
+              [](auto x, auto y) { return std::pair(11 - x, 8 - y); });
+      exactly(moved(image, {2, 0, 360, -1, 1, 0.5, 0.5}, filter), plane,
+              [](auto x, auto y) { return std::pair(13 - x, y); });
+      exactly(moved(square, {0, 0, 90, 1, 1, 0.5, 0.5}, filter), squarePlane,
+              [](auto x, auto y) { return std::pair(y, 8 - x); });
+      exactly(moved(image, {0, 0, 0, 0, 1, 0.5, 0.5}, filter), plane, [](auto, auto) { return std::pair(-1, -1); });
+      EXPECT_EQ(moved(image, {0, 0, -720, 1, 1, 0.1, 0.2}, filter), image);
+    }
+  }
+}
+
+TEST(DropShadow, IsTheImageOverItsBlurredAndShiftedShape) {
+  for (const Layout& layout : layouts) {
+    const Bitmap image = makeImage(layout, 40, 40, [&, i = 0]() mutable -> Values {
+      const int x = i % 40, y = i / 40;
+      ++i;
+      const double alpha = x > 8 && x < 25 && y > 5 && y < 20 ? layout.full : 0;
+      return {alpha, 0, 0, alpha};
+    });
+    const ConstBitmap out = filtered("Drop Shadow", image, {{"inputRadius", 2.0}, {"inputOffsetX", 5.0}});
+    ConstBitmap shadow = filtered("Fill", image, {{"inputColor", colorState({0, 0, 0, 0.5})}});
+    shadow = filtered("Gaussian Blur", shadow, {{"inputRadius", 2.0}, {"inputEdges", 0.0}});
+    shadow = filtered("Transform", shadow, {{"inputTranslateX", 5.0}, {"inputTranslateY", 10.0}});
+    const auto over =
+        effectNamed("Over", {{"inputBackgroundImage", shadow}, {"inputForegroundImage", ConstBitmap(image)}});
+    EXPECT_EQ(pixelBytes(*out), pixelBytes(*rendered(*over))) << layout.name;
+    EXPECT_NEAR(pixelAt(*out, layout, 22, 24)[3], 0.5 * layout.full, 0.01 * layout.full);
+  }
+}
+
 }  // namespace

@@ -23,6 +23,8 @@ const char* const kShipped[] = {
     // Filters.
     "Fill",
     "Gaussian Blur",
+    "Drop Shadow",
+    "Transform",
     "Invert",
 };
 

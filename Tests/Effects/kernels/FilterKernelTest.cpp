@@ -2,6 +2,7 @@
 #include "Effects/kernels/Fill.h"
 #include "Effects/kernels/GaussianLines.h"
 #include "Effects/kernels/Invert.h"
+#include "Effects/kernels/Resample.h"
 
 #include "Tests/Effects/kernels/Targets.h"
 
@@ -78,6 +79,30 @@ TEST(GaussianLines, AreFilteredAsDefined) {
       }
     }
   }
+}
+
+TYPED_TEST(FilterRows, ResampleAsDefined) {
+  constexpr std::int64_t width = 60, height = 30;
+  using Kind = ResampleKernel::Kind;
+  withLayoutsOf<TypeParam>([&](auto layout) {
+    using Layout = decltype(layout);
+    const auto image = this->row();
+    const ResampleSource<TypeParam> in{image.data(), width * 4 * sizeof(TypeParam), width, height};
+    for (const auto& [scaleX, scaleY] : {std::pair{1.0, 1.0}, {0.3, 1.0}, {0.7, 0.011}}) {
+      for (const Kind kind : {Kind::Linear, Kind::Lanczos3}) {
+        const ResampleKernel kernel(kind, scaleX, scaleY);
+        for (const ResamplePlaces& places : {ResamplePlaces{-4.2, 3.3, 0.231, 0.07}, {70, 20, -0.26, 0}}) {
+          std::vector<TypeParam> expected(4 * 330, TypeParam{7}), out(expected);
+          resampleRowScalar<Layout>(in, kernel, places, 2, 327, expected.data());
+          onEveryTarget([&] {
+            std::ranges::fill(out, TypeParam{7});
+            resampleRow<Layout>(in, kernel, places, 2, 327, out.data());
+            EXPECT_EQ(out, expected) << scaleX;
+          });
+        }
+      }
+    }
+  });
 }
 
 }  // namespace
