@@ -8,9 +8,8 @@
 #define VORTO_FLOAT_PIXELS_TARGET
 #endif
 
+#include "Effects/kernels/FloatPixels.h"
 #include "Effects/kernels/Pixels-inl.h"
-
-#include <limits>
 
 #if HWY_TARGET != HWY_SCALAR
 HWY_BEFORE_NAMESPACE();
@@ -32,7 +31,7 @@ HWY_INLINE void storeFloats(hn::Vec<D> v, D d, typename Layout::Channel* out) {
   if constexpr (std::is_same_v<Channel, float>) {
     hn::StoreU(v, d, out);
   } else {
-    constexpr auto full = static_cast<float>(std::numeric_limits<Channel>::max());
+    constexpr float full = fullOf<Channel>();
     const auto zero = hn::Zero(d);
     const auto most = hn::Min(hn::Max(hn::Broadcast<Layout::kAlpha>(v), zero), hn::Set(d, full));
     const auto rounded = hn::Add(hn::Min(hn::Max(v, zero), most), hn::Set(d, 0.5F));

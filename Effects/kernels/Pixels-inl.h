@@ -15,6 +15,7 @@
 HWY_BEFORE_NAMESPACE();
 namespace vorto::effects::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
+using kernels::HWY_NAMESPACE::expectWriteBehind;
 using kernels::HWY_NAMESPACE::storeNext;
 
 using Bytes = hn::ScalableTag<std::uint8_t>;

@@ -289,4 +289,76 @@ TEST(DropShadow, IsTheImageOverItsBlurredAndShiftedShape) {
   }
 }
 
+TEST(UnsharpMask, SetsStraightColorApartFromItsBlur) {
+  for (const Layout& layout : layouts) {
+    const Bitmap image = blurTarget(layout, 48, 30);
+    const Plane plane = Plane::of(*image, layout);
+    for (const auto& [amount, sigma, threshold] : {std::tuple{0.5, 2.0, 0.0}, {3.0, 0.8, 0.2}, {1.0, 20.0, 0.0}}) {
+      const Plane around = blurred(*image, layout, sigma, true);
+      const ConstBitmap out = filtered(
+          "Unsharp Mask", image, {{"inputAmount", amount}, {"inputRadius", sigma}, {"inputThreshold", threshold}});
+      const double tolerance = 0.004 * layout.full * amount + (layout.code == 9 ? 0 : 0.5);
+      expectPixels(out, layout, tolerance, [&, by = amount, least = threshold](std::size_t x, std::size_t y) {
+        Values values = plane.at(x, y);
+        const Values soft = around.at(x, y);
+        const Values got = pixelAt(*out, layout, x, y);
+        for (int c = 0; c < 3; ++c) {
+          const double difference = values[3] > 0 ? values[c] / values[3] - soft[c] / soft[3] : 0;
+          if (std::abs(std::abs(difference) - least) < 0.01 && least > 0) return got;  // either is right
+          if (std::abs(difference) >= least) values[c] += by * difference * values[3];
+          if (layout.code != 9) values[c] = std::clamp(values[c], 0.0, values[3]);
+        }
+        for (double& value : values) value *= layout.full;
+        return values;
+      });
+      expectPremultiplied(*out, layout);
+    }
+    EXPECT_EQ(filtered("Unsharp Mask", image, {{"inputAmount", 0.0}}), image);
+    // One color under any alpha has nothing to set apart.
+    std::mt19937 random(67);
+    const Bitmap shapes = makeImage(layout, 40, 20, [&]() -> Values {
+      const double alpha = premultipliedValues(layout, random)[3];
+      return {alpha, 0, alpha, alpha};
+    });
+    expectPixels(filtered("Unsharp Mask", shapes, {{"inputAmount", 5.0}}), layout, layout.code == 9 ? 1e-5 : 0,
+                 [&](auto x, auto y) { return pixelAt(*shapes, layout, x, y); });
+  }
+}
+
+TEST(ColorMatrix, MixesStraightColors) {
+  const char* const components[] = {"Red", "Green", "Blue", "Alpha"};
+  const double matrices[][4][5] = {
+      {{0.3, 0.6, 0.1, 0, 0}, {0.3, 0.6, 0.1, 0, 0}, {0.3, 0.6, 0.1, 0, 0}, {0, 0, 0, 1, 0}},
+      {{0, 1, 0, 0, 0.2}, {0, 0, -2, 1, 0}, {1, 0, 0, 0, 0}, {0.5, 0, 0, 0.4, 0.05}},
+      {{1, 0, 0, 0, 0}, {0, 1, 0, 0, 0}, {0, 0, 1, 0, 0}, {0, 0, 0, -1, 1}}};
+  for (const Layout& layout : layouts) {
+    const Bitmap image = randomImage(layout, 61, 17, Noise::Premultiplied, 68);
+    for (const auto& matrix : matrices) {
+      Settings settings;
+      for (int to = 0; to < 4; ++to) {
+        const std::string key = std::string("input") + components[to];
+        for (int from = 0; from < 4; ++from) settings.push_back({key + "From" + components[from], matrix[to][from]});
+        settings.push_back({key + "Offset", matrix[to][4]});
+      }
+      const ConstBitmap out = filtered("Color Matrix", image, settings);
+      expectPixels(out, layout, layout.code == 9 ? 1e-5 : 0.51, [&](std::size_t x, std::size_t y) {
+        Values in = pixelAt(*image, layout, x, y), made;
+        const double alpha = in[3];
+        for (double& value : in) value = alpha > 0 ? value / alpha : 0;
+        in[3] = alpha / layout.full;
+        for (int to = 0; to < 4; ++to) {
+          made[to] = matrix[to][4];
+          for (int from = 0; from < 4; ++from) made[to] += matrix[to][from] * in[from];
+          if (to == 3 || layout.code != 9) made[to] = std::clamp(made[to], 0.0, 1.0);
+        }
+        for (int c = 0; c < 3; ++c) made[c] *= made[3];
+        for (double& value : made) value *= layout.full;
+        return made;
+      });
+      expectPremultiplied(*out, layout);
+    }
+    EXPECT_EQ(filtered("Color Matrix", image), image);
+  }
+}
+
 }  // namespace

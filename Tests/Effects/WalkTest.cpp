@@ -24,6 +24,8 @@ const char* const kShipped[] = {
     "Fill",
     "Gaussian Blur",
     "Drop Shadow",
+    "Unsharp Mask",
+    "Color Matrix",
     "Transform",
     "Invert",
 };

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
+#include "Effects/kernels/ColorMatrix.h"
 #include "Effects/kernels/Fill.h"
 #include "Effects/kernels/GaussianLines.h"
 #include "Effects/kernels/Invert.h"
 #include "Effects/kernels/Resample.h"
+#include "Effects/kernels/Unsharp.h"
 
 #include "Tests/Effects/kernels/Targets.h"
 
@@ -25,6 +27,24 @@ TYPED_TEST(FilterRows, InvertAndFillAsDefined) {
                      [&](auto* out, std::size_t count) { invertRow<Layout>(in.data(), out, count); });
     this->expectSame([&](auto* out, std::size_t count) { fillRowScalar<Layout>(in.data(), out, count, color); },
                      [&](auto* out, std::size_t count) { fillRow<Layout>(in.data(), out, count, color); });
+  });
+}
+
+TYPED_TEST(FilterRows, SharpenAndMixColorsAsDefined) {
+  withLayoutsOf<TypeParam>([&](auto layout) {
+    using Layout = decltype(layout);
+    const auto in = this->row();
+    const auto other = this->row();
+    std::vector<float> blurred(other.begin(), other.end());
+    for (const UnsharpSettings settings : {UnsharpSettings{0.7F, 0.1F}, {5, 0}}) {
+      this->expectSame(
+          [&](auto* out, std::size_t n) { unsharpRowScalar<Layout>(in.data(), blurred.data(), out, n, settings); },
+          [&](auto* out, std::size_t n) { unsharpRow<Layout>(in.data(), blurred.data(), out, n, settings); });
+    }
+    const ColorMatrix matrix{
+        {{0.3F, 0.6F, 0.1F, 0.2F, -0.1F}, {1, -1, 0.5F, 0, 0.1F}, {0, 0, 0, 1, 0}, {-0.5F, 0, 0.25F, 0.9F, 0.2F}}};
+    this->expectSame([&](auto* out, std::size_t n) { colorMatrixRowScalar<Layout>(in.data(), out, n, matrix); },
+                     [&](auto* out, std::size_t n) { colorMatrixRow<Layout>(in.data(), out, n, matrix); });
   });
 }
 
