@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+#include "TarnCore/TCColor.h"
 #include "Tests/Effects/Harness.h"
 
 // Filters against naive versions of their formulas in double precision.
@@ -358,6 +359,87 @@ TEST(ColorMatrix, MixesStraightColors) {
       expectPremultiplied(*out, layout);
     }
     EXPECT_EQ(filtered("Color Matrix", image), image);
+  }
+}
+
+// By the conversions of VortoColor, whose blue on the way back is not the model's: it is the green of a third of a turn
+// before.
+Values shiftedHue(const Values& straight, double hue, double saturation, double lightness) {
+  float h = 0, s = 0, l = 0, red = 0, green = 0, blue = 0, unused = 0;
+  VortoColor::RGBtoHSL(float(straight[0]), float(straight[1]), float(straight[2]), &h, &s, &l);
+  h = float(std::fmod(h + hue + 720, 360.0));
+  s = float(std::min(s * (1 + saturation), 1.0));
+  l = float(lightness < 0 ? l * (1 + lightness) : l + (1 - l) * lightness);
+  VortoColor::HSLtoRGB(h, s, l, &red, &green, &unused);
+  VortoColor::HSLtoRGB(h < 120 ? h + 240 : h - 120, s, l, &unused, &blue, &unused);
+  return {red, green, blue, straight[3]};
+}
+
+TEST(HueSaturationLightness, GoesThroughTheModel) {
+  for (const Layout& layout : layouts) {
+    const Bitmap image = randomImage(layout, 61, 37, Noise::Premultiplied, 69);
+    for (const auto& [hue, saturation, lightness] :
+         {std::tuple{-70.0, 0.0, 0.0}, {180.0, 0.6, 0.0}, {0.0, -1.0, 0.3}, {30.0, -0.4, -0.5}, {0.0, 1.0, 0.0}}) {
+      const ConstBitmap out =
+          filtered("Hue Saturation Lightness", image,
+                   {{"inputHue", hue}, {"inputSaturation", saturation}, {"inputLightness", lightness}});
+      const double tolerance = layout.code == 9 ? 2e-5 : layout.code == 4 ? 1 : 0.51;
+      expectPixels(out, layout, tolerance, [&, h = hue, s = saturation, l = lightness](std::size_t x, std::size_t y) {
+        Values values = pixelAt(*image, layout, x, y);
+        const double alpha = values[3];
+        if (alpha == 0) return values;
+        for (double& value : values) value /= alpha;
+        values = shiftedHue(values, h, s, l);
+        for (double& value : values) value *= alpha;
+        return values;
+      });
+      expectPremultiplied(*out, layout);
+    }
+    EXPECT_EQ(filtered("Hue Saturation Lightness", image, {{"inputHue", -360.0}}), image);
+  }
+  // Above 1 the model goes on in proportion.
+  const Layout& floats = layouts[3];
+  const ConstBitmap bright =
+      filtered("Hue Saturation Lightness", makeImage(floats, 20, 1, {4, 2, 1, 1}), {{"inputHue", 120.0}});
+  expectPixels(bright, floats, 1e-5, [](auto, auto) { return Values{1, 4, 2, 1}; });
+}
+
+TEST(Crop, CutsOffEdges) {
+  const struct {
+    double left, top, right, bottom;
+  } cuts[] = {{1, 2, 3, 4}, {0, 0, 11, 0}, {11, 0, 0, 8}, {12, 0, 0, 0}, {0, 5, 0, 5}, {7, 0, 7, 0}, {4e9, 0, 4e9, 1}};
+  for (const Layout& layout : layouts) {
+    const Bitmap image = randomImage(layout, 12, 9, Noise::Anything, 70);
+    EXPECT_EQ(filtered("Crop", image, {{"inputTrim", 1.0}}), image);
+    for (const auto& cut : cuts) {
+      const auto crop = effectNamed("Crop", {{"inputImage", ConstBitmap(image)},
+                                             {"inputLeft", cut.left},
+                                             {"inputTop", cut.top},
+                                             {"inputRight", cut.right},
+                                             {"inputBottom", cut.bottom}});
+      const ConstBitmap kept = rendered(*crop);
+      ASSERT_EQ(std::pair(kept->width, kept->height), std::pair(12U, 9U));
+      std::vector<std::uint8_t> left, expected;
+      const std::size_t size = 4 * layout.channelBytes;
+      const auto before = pixelBytes(*image), after = pixelBytes(*kept);
+      for (std::size_t i = 0; i < 12 * 9; ++i) {
+        const double x = double(i % 12), y = double(i / 12);
+        const bool isIn = x >= cut.left && x + cut.right < 12 && y >= cut.top && y + cut.bottom < 9;
+        const auto* const pixel = before.data() + i * size;
+        if (isIn) left.insert(left.end(), pixel, pixel + size);
+        expected.insert(expected.end(), size, 0);
+        if (isIn) std::copy_n(pixel, size, expected.end() - std::ptrdiff_t(size));
+      }
+      EXPECT_EQ(after, expected);
+      set(*crop, "inputTrim", 1.0);
+      const Outcome outcome = run(*crop);
+      EXPECT_EQ(outcome.succeeded, !left.empty());
+      if (outcome.image) {
+        EXPECT_EQ(pixelBytes(*outcome.image), left);
+      } else {
+        EXPECT_NE(outcome.reason.find("nothing is left of 12 x 9"), std::string::npos) << outcome.reason;
+      }
+    }
   }
 }
 

@@ -21,13 +21,15 @@ const char* const kShipped[] = {
     "Multiply",
     "Over",
     // Filters.
+    "Color Matrix",
+    "Crop",
+    "Drop Shadow",
     "Fill",
     "Gaussian Blur",
-    "Drop Shadow",
-    "Unsharp Mask",
-    "Color Matrix",
-    "Transform",
+    "Hue Saturation Lightness",
     "Invert",
+    "Transform",
+    "Unsharp Mask",
 };
 
 std::vector<std::string> imageKeys(const QCPatch& patch) {

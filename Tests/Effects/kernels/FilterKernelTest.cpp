@@ -2,6 +2,7 @@
 #include "Effects/kernels/ColorMatrix.h"
 #include "Effects/kernels/Fill.h"
 #include "Effects/kernels/GaussianLines.h"
+#include "Effects/kernels/HueShift.h"
 #include "Effects/kernels/Invert.h"
 #include "Effects/kernels/Resample.h"
 #include "Effects/kernels/Unsharp.h"
@@ -45,6 +46,9 @@ TYPED_TEST(FilterRows, SharpenAndMixColorsAsDefined) {
         {{0.3F, 0.6F, 0.1F, 0.2F, -0.1F}, {1, -1, 0.5F, 0, 0.1F}, {0, 0, 0, 1, 0}, {-0.5F, 0, 0.25F, 0.9F, 0.2F}}};
     this->expectSame([&](auto* out, std::size_t n) { colorMatrixRowScalar<Layout>(in.data(), out, n, matrix); },
                      [&](auto* out, std::size_t n) { colorMatrixRow<Layout>(in.data(), out, n, matrix); });
+    const HueShift shift{5.3F, 1.7F, 0.6F, 0.4F};
+    this->expectSame([&](auto* out, std::size_t n) { hueShiftRowScalar<Layout>(in.data(), out, n, shift); },
+                     [&](auto* out, std::size_t n) { hueShiftRow<Layout>(in.data(), out, n, shift); });
   });
 }
 
