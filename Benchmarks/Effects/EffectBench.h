@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include "Platform/QuartzComposer/QCPatch.h"
 #include "TarnCore/TCBitmap.h"
 #include "TarnCore/TCPixelFormat.h"
 
@@ -34,6 +35,7 @@ struct MeasuredEffect {
   const char* first;
   const char* second;
   void (*prepare)(QCPatch&);  // sets parameters; may be null
+  const char* row = name;     // what its row, and its peers, go by
 };
 
 // Registers the rows of these effects, which last as long as the program.
@@ -45,3 +47,4 @@ void setNumber(QCPatch& patch, const char* key, double value);
 // The peers of an effect at a layout; results are allowed to be approximate, or less than the effect's.
 std::vector<Peer> peersOf(const std::string& effect, std::uint32_t formatCode);
 std::vector<Peer> blendPeersOf(const std::string& effect, std::uint32_t formatCode);
+std::vector<Peer> filterPeersOf(const std::string& row, std::uint32_t formatCode);

@@ -2,7 +2,6 @@
 #include "Benchmarks/Effects/EffectBench.h"
 #include "Benchmarks/Turns.h"
 #include "Platform/QuartzComposer/GFNodeManager.h"
-#include "Platform/QuartzComposer/QCPatch.h"
 #include "Ports/VRTImage.h"
 #include "Ports/VRTStateKeys.h"
 
@@ -111,8 +110,8 @@ void measure(benchmark::State& state, const MeasuredEffect& effect, Size size, F
   std::vector<Contestant> contestants;
   contestants.push_back({"vorto", run});
   contestants.push_back({"memcpy", [&] { std::memcpy(frames.out->data, frames.first->data, bytes); }});
-  for (const Peer& peer : peersOf(effect.name, code)) {
-    contestants.push_back({peer.name, [work = peer.work, &frames] { work(frames); }});
+  for (const auto& peers : {peersOf(effect.row, code), filterPeersOf(effect.row, code)}) {
+    for (const Peer& peer : peers) contestants.push_back({peer.name, [work = peer.work, &frames] { work(frames); }});
   }
   measureInTurns(state, std::move(contestants), size.width > 1920 ? 7 : 13,
                  static_cast<double>(bytes) * (effect.second  ? 3
@@ -135,7 +134,7 @@ bool registerRows(std::span<const MeasuredEffect> rows) {
            {std::pair{"8", Format::RGBA8}, {"16", Format::RGBA16}, {"float", Format::RGBAFloat}}) {
         for (const Alpha alpha : {Alpha::Opaque, Alpha::Varied}) {
           if (!effect.first && alpha == Alpha::Varied) continue;
-          const std::string row = std::string("Effects at ") + size.name + "/" + effect.name + " " + depth +
+          const std::string row = std::string("Effects at ") + size.name + "/" + effect.row + " " + depth +
                                   (alpha == Alpha::Opaque ? " opaque" : " alpha");
           benchmark::RegisterBenchmark(row.c_str(),
                                        [&effect, size, code = code, alpha](benchmark::State& state) {

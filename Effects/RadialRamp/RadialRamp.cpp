@@ -41,7 +41,7 @@ void fillByNearest(const Circle& circle, VortoBitmap& out, const VRTGradient& gr
 void fillFloats(const Circle& circle, VortoBitmap& out, const VRTGradient& gradient) {
   const auto table = mapTable<RGBAFloat>(floatGradientTable(gradient));
   fillRows(circle, out, [&](const float* positions, std::size_t y) {
-    gradientFloatRow(positions, rowOf<float>(out, y), out.width, table.data());
+    gradientFloatRow(positions, rowOf<float>(out, y), out.width, table.entries.data());
   });
 }
 
