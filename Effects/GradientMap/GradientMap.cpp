@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Effects/kernels/GradientMap.h"
-#include "Effects/Support/EffectPatch.h"
 #include "Effects/Support/EvenGradient.h"
+#include "Effects/Support/FilterPatch.h"
 #include "Effects/Support/KeptForState.h"
 #include "Effects/Support/PixelLayout.h"
 #include "Platform/QuartzComposer/QCPlugIn.h"
@@ -27,30 +27,26 @@ MapTable<Layout> tableOf(const VRTGradient& gradient) {
   }
 }
 
-class GradientMapPatch : public EffectPatch {
+class GradientMapPatch : public FilterPatch {
  public:
   static PropertyList description() {
-    return effectAttributes("Gradient Map",
-                            "Colors an image by its brightness: shadows take the left end of the gradient, highlights "
-                            "the right end. The gradient's opacity fades the image out.",
-                            "filter", {{"inputImagePort", "inputImage"}, {"outputImagePort", "outputImage"}});
+    return describe(
+        "Gradient Map",
+        "Colors an image by its brightness: shadows take the left end of the gradient, highlights the right "
+        "end. The gradient's opacity fades the image out.");
   }
 
-  GradientMapPatch() : EffectPatch(description()) {
-    image_ = addInputPort<QCImagePort>("inputImage", portAttributes("Image"));
+  GradientMapPatch() : FilterPatch(description()) {
     gradient_ = addInputPort<VRTGradientPort>("inputGradient", portAttributes("Gradient"));
     gradient_->setValue(evenGradient());
   }
 
  private:
-  std::optional<BitmapRef> render(std::string* reason) override {
-    auto image = inputBitmap(*image_, reason);
-    if (!image || !*image) return image;
-    const BitmapRef& in = *image;
+  BitmapRef filtered(const BitmapRef& in, std::string* reason) override {
     const auto gradient = std::dynamic_pointer_cast<VRTGradient>(gradient_->value());
     if (!gradient) return in;  // a port that was emptied maps nothing
-    auto out = makeBitmap(in->width, in->height, in->formatCode, reason);
-    if (!out) return std::nullopt;
+    const auto out = makeBitmap(in->width, in->height, in->formatCode, reason);
+    if (!out) return nullptr;
     withLayout(in->formatCode, [&](auto layout) {
       using Layout = decltype(layout);
       using Channel = typename Layout::Channel;
@@ -65,7 +61,6 @@ class GradientMapPatch : public EffectPatch {
   }
 
   std::tuple<KeptTable<RGBA8>, KeptTable<ARGB8>, KeptTable<RGBA16>, KeptTable<RGBAFloat>> tables_;
-  std::shared_ptr<QCImagePort> image_;
   std::shared_ptr<VRTGradientPort> gradient_;
 };
 

@@ -2,7 +2,7 @@
 #include "Effects/kernels/Levels.h"
 #include "Effects/Levels/LevelsStage.h"
 #include "Effects/Support/Arithmetic.h"
-#include "Effects/Support/EffectPatch.h"
+#include "Effects/Support/FilterPatch.h"
 #include "Effects/Support/KeptForState.h"
 #include "Effects/Support/PixelLayout.h"
 #include "Platform/QuartzComposer/QCPlugIn.h"
@@ -83,30 +83,26 @@ auto prepared(const VRTHistogram& levels) {
 template <class Channel>
 using KeptPrepared = KeptForState<decltype(prepared<Channel>(std::declval<const VRTHistogram&>()))>;
 
-class LevelsPatch : public EffectPatch {
+class LevelsPatch : public FilterPatch {
  public:
   static PropertyList description() {
-    return effectAttributes("Levels",
-                            "Stretches the tones between a black and a white point, shifts the middle tones with gamma "
-                            "and limits the output range, for all colors together, then for each color and opacity.",
-                            "filter", {{"inputImagePort", "inputImage"}, {"outputImagePort", "outputImage"}});
+    return describe(
+        "Levels",
+        "Stretches the tones between a black and a white point, shifts the middle tones with gamma and limits "
+        "the output range, for all colors together, then for each color and opacity.");
   }
 
-  LevelsPatch() : EffectPatch(description()) {
-    image_ = addInputPort<QCImagePort>("inputImage", portAttributes("Image"));
+  LevelsPatch() : FilterPatch(description()) {
     levels_ = addInputPort<VRTHistogramPort>("inputLevels", portAttributes("Levels"));
     levels_->setValue(VRTHistogram::histogram());
   }
 
  private:
-  std::optional<BitmapRef> render(std::string* reason) override {
-    auto image = inputBitmap(*image_, reason);
-    if (!image || !*image) return image;
-    const BitmapRef& in = *image;
+  BitmapRef filtered(const BitmapRef& in, std::string* reason) override {
     const auto levels = std::dynamic_pointer_cast<VRTHistogram>(levels_->value());
     if (!levels || isNeutral(*levels)) return in;
-    auto out = makeBitmap(in->width, in->height, in->formatCode, reason);
-    if (!out) return std::nullopt;
+    const auto out = makeBitmap(in->width, in->height, in->formatCode, reason);
+    if (!out) return nullptr;
     withLayout(in->formatCode, [&](auto layout) {
       using Layout = decltype(layout);
       using Channel = typename Layout::Channel;
@@ -121,7 +117,6 @@ class LevelsPatch : public EffectPatch {
   }
 
   std::tuple<KeptPrepared<std::uint8_t>, KeptPrepared<std::uint16_t>, KeptPrepared<float>> kept_;
-  std::shared_ptr<QCImagePort> image_;
   std::shared_ptr<VRTHistogramPort> levels_;
 };
 
