@@ -62,17 +62,16 @@ class IrisPatch : public TransitionPatch {
     const auto shape = static_cast<ShapeIndex>(std::min<std::uint32_t>(shape_->indexValue(), kRectangle));
     const double softness = std::clamp(finiteOr(softness_->doubleValue(), kDefaultSoftness), 0.0, 1.0);
     const auto edge = static_cast<float>(time * (1 + softness));
-    const float steepness =
-        softness > 0 ? 1 / static_cast<float>(softness) : std::numeric_limits<float>::infinity();
-    const Opening opening = Opening::of(shape, out.width, out.height, within(*centerX_) * out.width,
-                                        within(*centerY_) * out.height);
+    const float steepness = softness > 0 ? 1 / static_cast<float>(softness) : std::numeric_limits<float>::infinity();
+    const Opening opening =
+        Opening::of(shape, out.width, out.height, within(*centerX_) * out.width, within(*centerY_) * out.height);
     std::vector<float> distances(out.width);
     withLayout(out.formatCode, [&](auto layout) {
       using Channel = typename decltype(layout)::Channel;
       std::vector<MixWeight<Channel>> weights(out.width);
       for (std::size_t y = 0; y < out.height; ++y) {
-        const auto row = DistanceRow::at(static_cast<double>(y), opening.centerX, opening.centerY, opening.unitX,
-                                         opening.unitY);
+        const auto row =
+            DistanceRow::at(static_cast<double>(y), opening.centerX, opening.centerY, opening.unitX, opening.unitY);
         withShape(shape, [&](auto tag) { distanceRow<decltype(tag)>(row, distances.data(), distances.size()); });
         revealRow(distances.data(), edge, steepness, weights.data(), weights.size());
         mixPixels(rowOf<Channel>(a, y), rowOf<Channel>(b, y), rowOf<Channel>(out, y), weights.size(), weights.data());
@@ -80,7 +79,9 @@ class IrisPatch : public TransitionPatch {
     });
   }
 
-  static double within(const QCNumberPort& port) { return std::clamp(finiteOr(port.doubleValue(), 0.5), -100.0, 100.0); }
+  static double within(const QCNumberPort& port) {
+    return std::clamp(finiteOr(port.doubleValue(), 0.5), -100.0, 100.0);
+  }
 
   std::shared_ptr<QCIndexPort> shape_;
   std::shared_ptr<QCNumberPort> centerX_;

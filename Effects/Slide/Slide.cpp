@@ -39,8 +39,8 @@ class SlidePatch : public TransitionPatch {
   }
 
   SlidePatch() : TransitionPatch(description()) {
-    direction_ =
-        addInputPort<QCIndexPort>("inputDirection", menuAttributes("Direction", {"Left", "Right", "Up", "Down"}, kLeft));
+    direction_ = addInputPort<QCIndexPort>("inputDirection",
+                                           menuAttributes("Direction", {"Left", "Right", "Up", "Down"}, kLeft));
     style_ = addInputPort<QCIndexPort>("inputStyle", menuAttributes("Style", {"Push", "Cover", "Reveal"}, kPush));
   }
 

@@ -46,8 +46,10 @@ std::size_t latticeVectors(std::uint32_t rowKey, float* out, std::size_t count) 
   const Floats df;
   const std::size_t lanes = hn::Lanes(d);
   const std::size_t whole = count / lanes * lanes;
+  const auto first = hn::Iota(d, 0);
   for (std::size_t i = 0; i < whole; i += lanes) {
-    const auto column = hn::Mul(hn::Iota(d, static_cast<std::uint32_t>(i)), hn::Set(d, kColumnStep));
+    const auto index = hn::Add(first, hn::Set(d, static_cast<std::uint32_t>(i)));
+    const auto column = hn::Mul(index, hn::Set(d, kColumnStep));
     const auto n = hn::ShiftRight<8>(scrambledLanes(hn::Xor(hn::Set(d, rowKey), column)));
     hn::StoreU(hn::Mul(hn::ConvertTo(df, hn::BitCast(Signed(), n)), hn::Set(df, 0x1p-24F)), df, out + i);
   }

@@ -125,9 +125,10 @@ TEST(Iris, OpensFromItsCenter) {
       SCOPED_TRACE("shape " + std::to_string(row.shape) + " at " + std::to_string(row.time));
       const Values all{layout.full, layout.full, layout.full, layout.full};
       const auto patch = transition("Iris", makeImage(layout, 31, 20), makeImage(layout, 31, 20, all), row.time);
-      for (const auto& [key, value] :
-           {std::pair{"inputShape", double(row.shape)}, {"inputCenterX", row.x}, {"inputCenterY", row.y},
-            {"inputSoftness", row.softness}}) {
+      for (const auto& [key, value] : {std::pair{"inputShape", double(row.shape)},
+                                       {"inputCenterX", row.x},
+                                       {"inputCenterY", row.y},
+                                       {"inputSoftness", row.softness}}) {
         set(*patch, key, value);
       }
       const auto far = [&](double x, double y) {
