@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: BSD-3-Clause
+#include "Effects/GradientWipe/ShapeLumas.h"
 #include "Effects/GradientWipe/WipeWeights.h"
 #include "Effects/Support/EvenGradient.h"
 #include "Effects/Support/KeptForState.h"
 #include "Effects/Support/PixelLayout.h"
 #include "Effects/Support/Ramp.h"
 #include "Effects/Support/TransitionPatch.h"
+#include "Effects/kernels/GradientRow.h"
 #include "Effects/kernels/Mix.h"
 #include "Effects/kernels/Wipe.h"
 #include "Platform/QuartzComposer/QCPlugIn.h"
@@ -81,12 +83,14 @@ struct WipedRow {
   }
 };
 
+// Places follow the direction, or the luma of a picture where there is one; the gradient says of each place when it
+// changes.
 class GradientWipePatch : public TransitionPatch {
  public:
   static PropertyList description() {
     return describe("Gradient Wipe",
                     "Reveals the second image along a direction, where the gradient is dark first and where it is "
-                    "bright last.");
+                    "bright last; or by the brightness of a picture.");
   }
 
   GradientWipePatch() : TransitionPatch(description()) {
@@ -94,25 +98,38 @@ class GradientWipePatch : public TransitionPatch {
     gradient_->setValue(evenGradient());
     angle_ = addInputPort<QCNumberPort>("inputAngle", numberAttributes("Angle", -360, 360, 0));
     softness_ = addInputPort<QCNumberPort>("inputSoftness", numberAttributes("Softness", 0, 1, kDefaultSoftness));
+    shapeImage_ = addInputPort<QCImagePort>("inputShapeImage", portAttributes("Shape Image"));
   }
 
  private:
+  bool prepare(std::string* reason) override {
+    const auto read = inputBitmap(*shapeImage_, reason);
+    if (read) shape_ = *read && (*read)->width > 0 && (*read)->height > 0 ? *read : nullptr;
+    return read.has_value();
+  }
+
   void mix(const VortoBitmap& a, const VortoBitmap& b, double time, VortoBitmap& out) override {
     const double softness = std::clamp(finiteOr(softness_->doubleValue(), kDefaultSoftness), 0.0, 1.0);
-    const Ramp ramp = Ramp::across(out.width, out.height, finiteOr(angle_->doubleValue(), 0));
     withLayout(out.formatCode, [&](auto layout) {
       using Channel = typename decltype(layout)::Channel;
       auto& weights = std::get<WipeWeights<Channel>>(weights_);
       weights.set(lumas(), time, softness);
       std::vector<MixWeight<Channel>> scratch(out.width);
-      for (std::size_t y = 0; y < out.height; ++y) {
-        const WipedRow<Channel> row{rowOf<Channel>(a, y),
-                                    rowOf<Channel>(b, y),
-                                    rowOf<Channel>(out, y),
-                                    out.width,
-                                    ramp.rowStart(static_cast<double>(y)),
-                                    ramp.perColumn};
-        row.wipe(weights, scratch);
+      if (shape_) {
+        ShapeLumas shape(*shape_, out.width, out.height);
+        const auto* const every = weights.everyWeight();
+        for (std::size_t y = 0; y < out.height; ++y) {
+          valueRow(shape.row(y).data(), scratch.data(), scratch.size(), every);
+          mixPixels(rowOf<Channel>(a, y), rowOf<Channel>(b, y), rowOf<Channel>(out, y), out.width, scratch.data());
+        }
+      } else {
+        const Ramp ramp = Ramp::across(out.width, out.height, finiteOr(angle_->doubleValue(), 0));
+        for (std::size_t y = 0; y < out.height; ++y) {
+          const double start = ramp.rowStart(static_cast<double>(y));
+          const WipedRow<Channel> row{
+              rowOf<Channel>(a, y), rowOf<Channel>(b, y), rowOf<Channel>(out, y), out.width, start, ramp.perColumn};
+          row.wipe(weights, scratch);
+        }
       }
     });
   }
@@ -128,6 +145,8 @@ class GradientWipePatch : public TransitionPatch {
   std::shared_ptr<VRTGradientPort> gradient_;
   std::shared_ptr<QCNumberPort> angle_;
   std::shared_ptr<QCNumberPort> softness_;
+  std::shared_ptr<QCImagePort> shapeImage_;
+  BitmapRef shape_;  // of the frame that is being made; null without one
 };
 
 }  // namespace

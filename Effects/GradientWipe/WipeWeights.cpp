@@ -37,6 +37,18 @@ void WipeWeights<Channel>::set(const WipeLumas& lumas, double time, double softn
   }
 }
 
+template <class Channel>
+const MixWeight<Channel>* WipeWeights<Channel>::everyWeight() {
+  for (auto run = runs_.begin(); run != runs_.end(); ++run) {
+    if (run->kind == Kind::Mixed) continue;
+    const std::size_t end = run + 1 == runs_.end() ? kGradientSteps : (run + 1)->first;
+    std::fill(weights_.begin() + static_cast<std::ptrdiff_t>(run->first),
+              weights_.begin() + static_cast<std::ptrdiff_t>(end),
+              mixWeight<Channel>(run->kind == Kind::Second ? 1 : 0));
+  }
+  return weights_.data();
+}
+
 template class WipeWeights<std::uint8_t>;
 template class WipeWeights<std::uint16_t>;
 template class WipeWeights<float>;

@@ -44,6 +44,8 @@ class WipeWeights {
   const std::vector<Run>& runs() const { return runs_; }
   // kGradientSteps weights, of which those in runs that do not mix are unset.
   const MixWeight<Channel>* weights() const { return weights_.data(); }
+  // Sets those as well.
+  const MixWeight<Channel>* everyWeight();
 
  private:
   std::vector<MixWeight<Channel>> weights_;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Effects/Noise/NoiseField.h"
 
+#include "Effects/kernels/Between.h"
 #include "Effects/kernels/Noise.h"
 
 #include <algorithm>
@@ -55,12 +56,9 @@ void NoiseField::addOctave(Octave& octave, std::size_t y) {
     latticeRow(octave.key, static_cast<std::uint32_t>(row) + 1, octave.lower.data(), octave.lower.size());
     octave.row = row;
   }
-  const float down = octave.rows.weights[y];
-  for (std::size_t i = 0; i < octave.upper.size(); ++i) {
-    between_[i] = octave.upper[i] + (octave.lower[i] - octave.upper[i]) * down;
-  }
-  addNoiseRow(between_.data(), octave.columns.points.data(), octave.columns.weights.data(), octave.strength,
-              values_.data(), values_.size());
+  betweenRows(octave.upper.data(), octave.lower.data(), octave.rows.weights[y], between_.data(), octave.upper.size());
+  addBetweenRow(between_.data(), octave.columns.points.data(), octave.columns.weights.data(), octave.strength,
+                values_.data(), values_.size());
 }
 
 }  // namespace vorto::effects

@@ -17,9 +17,13 @@ TransitionPatch::TransitionPatch(PropertyList attributes) : EffectPatch(std::mov
   time_ = addInputPort<QCNumberPort>("inputTime", numberAttributes("Time", 0, 1, 0));
 }
 
+bool TransitionPatch::prepare(std::string*) {
+  return true;
+}
+
 std::optional<BitmapRef> TransitionPatch::render(std::string* reason) {
   BitmapRef a, b;
-  if (!inputPair(*imageA_, *imageB_, a, b, reason)) return std::nullopt;
+  if (!inputPair(*imageA_, *imageB_, a, b, reason) || !prepare(reason)) return std::nullopt;
   if (!a || !b) return nullptr;
   const double time = time_->doubleValue();
   if (!(time > 0)) return a;

@@ -14,6 +14,10 @@ class TransitionPatch : public EffectPatch {
   explicit TransitionPatch(PropertyList attributes);
 
  protected:
+  // Reads what the transition needs besides its images, at every time. False, with the reason, when it cannot; the
+  // reason may be null.
+  virtual bool prepare(std::string* reason);
+
   // Fills out, at least one pixel, at a time strictly between 0 and 1; the three bitmaps are alike.
   virtual void mix(const VortoBitmap& a, const VortoBitmap& b, double time, VortoBitmap& out) = 0;
 

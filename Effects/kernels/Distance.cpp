@@ -40,8 +40,9 @@ std::size_t distances(const DistanceRow& row, float* out, std::size_t count) {
   const hn::RebindToSigned<Floats> di;
   const std::size_t lanes = hn::Lanes(d);
   const std::size_t whole = count / lanes * lanes;
+  const auto first = hn::Iota(di, 0);
   for (std::size_t i = 0; i < whole; i += lanes) {
-    const auto column = hn::Iota(di, static_cast<std::int32_t>(i) - row.column);
+    const auto column = hn::Add(first, hn::Set(di, static_cast<std::int32_t>(i) - row.column));
     const auto pixels = hn::Add(hn::ConvertTo(d, column), hn::Set(d, row.offset));
     const auto u = hn::Mul(pixels, hn::Set(d, row.perPixel));
     hn::StoreU(distance(Shape(), u, hn::Set(d, row.v)), d, out + i);

@@ -16,7 +16,7 @@ HWY_BEFORE_NAMESPACE();
 namespace vorto::effects::HWY_NAMESPACE {
 
 #if HWY_TARGET == HWY_SCALAR
-std::size_t gradientBytes(const float*, std::uint8_t*, std::size_t, const void*) {
+std::size_t nearestWides(const float*, void*, std::size_t, const void*) {
   return 0;
 }
 std::size_t gradientWords(const float*, std::uint16_t*, std::size_t, const void*) {
@@ -34,7 +34,8 @@ HWY_INLINE hn::Vec<D> placesOf(D d, hn::Vec<D> position) {
   return hn::Mul(clamped, hn::Set(d, static_cast<float>(kGradientSteps - 1)));
 }
 
-std::size_t gradientBytes(const float* positions, std::uint8_t* out, std::size_t count, const void* table) {
+// Entries of 32 bits, whatever they are.
+std::size_t nearestWides(const float* positions, void* out, std::size_t count, const void* table) {
   const Floats d;
   const std::size_t lanes = hn::Lanes(d);
   const std::size_t whole = count / lanes * lanes;
@@ -42,7 +43,7 @@ std::size_t gradientBytes(const float* positions, std::uint8_t* out, std::size_t
     const auto place = hn::Add(placesOf(d, hn::LoadU(d, positions + i)), hn::Set(d, 0.5F));
     const auto index = hn::ConvertTo(hn::RebindToSigned<Floats>(), place);
     const auto pixels = hn::GatherIndex(Wides(), static_cast<const std::uint32_t*>(table), index);
-    storeNext<false>(hn::BitCast(Bytes(), pixels), Bytes(), out + 4 * i);
+    storeNext<false>(hn::BitCast(Bytes(), pixels), Bytes(), static_cast<std::uint8_t*>(out) + 4 * i);
   }
   return whole;
 }
@@ -97,16 +98,25 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace vorto::effects {
 
-HWY_EXPORT(gradientBytes);
+HWY_EXPORT(nearestWides);
 HWY_EXPORT(gradientWords);
 HWY_EXPORT(gradientFloats);
 
 template <>
 void gradientRow<RGBA8>(const float* positions, std::uint8_t* out, std::size_t count, const LaidPixel<RGBA8>* table) {
-  const std::size_t done =
-      TCUsesScalarKernels() ? 0 : HWY_DYNAMIC_DISPATCH(gradientBytes)(positions, out, count, table);
+  const std::size_t done = TCUsesScalarKernels() ? 0 : HWY_DYNAMIC_DISPATCH(nearestWides)(positions, out, count, table);
   gradientRowScalar<RGBA8>(positions + done, out + 4 * done, count - done, table);
 }
+
+template <class Value>
+void valueRow(const float* positions, Value* out, std::size_t count, const Value* values) {
+  const std::size_t done =
+      TCUsesScalarKernels() ? 0 : HWY_DYNAMIC_DISPATCH(nearestWides)(positions, out, count, values);
+  valueRowScalar(positions + done, out + done, count - done, values);
+}
+
+template void valueRow(const float*, std::uint32_t*, std::size_t, const std::uint32_t*);
+template void valueRow(const float*, float*, std::size_t, const float*);
 
 template <>
 void gradientRow<RGBA16>(const float* positions, std::uint16_t* out, std::size_t count,

@@ -10,14 +10,23 @@ float placeOf(float position) {
   return clamped * static_cast<float>(kGradientSteps - 1);
 }
 
+std::size_t nearestPlace(float position) {
+  return static_cast<std::size_t>(placeOf(position) + 0.5F);
+}
+
 }  // namespace
 
 template <class Layout>
 void gradientRowScalar(const float* positions, typename Layout::Channel* out, std::size_t count,
                        const LaidPixel<Layout>* table) {
   for (std::size_t i = 0; i < count; ++i, out += Layout::kChannels) {
-    std::copy_n(table[static_cast<std::size_t>(placeOf(positions[i]) + 0.5F)].data(), Layout::kChannels, out);
+    std::copy_n(table[nearestPlace(positions[i])].data(), Layout::kChannels, out);
   }
+}
+
+template <class Value>
+void valueRowScalar(const float* positions, Value* out, std::size_t count, const Value* values) {
+  for (std::size_t i = 0; i < count; ++i) out[i] = values[nearestPlace(positions[i])];
 }
 
 void gradientFloatRowScalar(const float* positions, float* out, std::size_t count, const LaidPixel<RGBAFloat>* table) {
@@ -34,6 +43,8 @@ void gradientFloatRowScalar(const float* positions, float* out, std::size_t coun
   }
 }
 
+template void valueRowScalar(const float*, std::uint32_t*, std::size_t, const std::uint32_t*);
+template void valueRowScalar(const float*, float*, std::size_t, const float*);
 template void gradientRowScalar<RGBA8>(const float*, std::uint8_t*, std::size_t, const LaidPixel<RGBA8>*);
 template void gradientRowScalar<RGBA16>(const float*, std::uint16_t*, std::size_t, const LaidPixel<RGBA16>*);
 

@@ -19,9 +19,6 @@ namespace vorto::effects::HWY_NAMESPACE {
 std::size_t latticeVectors(std::uint32_t, float*, std::size_t) {
   return 0;
 }
-std::size_t noiseVectors(const float*, const std::int32_t*, const float*, float, float*, std::size_t) {
-  return 0;
-}
 std::size_t opaqueBytes(const float*, const float*, const float*, std::uint8_t*, std::size_t) {
   return 0;
 }
@@ -46,26 +43,12 @@ std::size_t latticeVectors(std::uint32_t rowKey, float* out, std::size_t count) 
   const Floats df;
   const std::size_t lanes = hn::Lanes(d);
   const std::size_t whole = count / lanes * lanes;
+  const auto first = hn::Iota(d, 0);
   for (std::size_t i = 0; i < whole; i += lanes) {
-    const auto column = hn::Mul(hn::Iota(d, static_cast<std::uint32_t>(i)), hn::Set(d, kColumnStep));
+    const auto index = hn::Add(first, hn::Set(d, static_cast<std::uint32_t>(i)));
+    const auto column = hn::Mul(index, hn::Set(d, kColumnStep));
     const auto n = hn::ShiftRight<8>(scrambledLanes(hn::Xor(hn::Set(d, rowKey), column)));
     hn::StoreU(hn::Mul(hn::ConvertTo(df, hn::BitCast(Signed(), n)), hn::Set(df, 0x1p-24F)), df, out + i);
-  }
-  return whole;
-}
-
-std::size_t noiseVectors(const float* lattice, const std::int32_t* places, const float* weights, float strength,
-                         float* values, std::size_t count) {
-  const Floats d;
-  const std::size_t lanes = hn::Lanes(d);
-  const std::size_t whole = count / lanes * lanes;
-  for (std::size_t i = 0; i < whole; i += lanes) {
-    const auto place = hn::LoadU(Signed(), places + i);
-    const auto left = hn::GatherIndex(d, lattice, place);
-    const auto right = hn::GatherIndex(d, lattice + 1, place);
-    const auto between = hn::Add(left, hn::Mul(hn::Sub(right, left), hn::LoadU(d, weights + i)));
-    const auto sum = hn::Add(hn::LoadU(d, values + i), hn::Mul(hn::Set(d, strength), between));
-    hn::StoreU(sum, d, values + i);
   }
   return whole;
 }
@@ -124,7 +107,6 @@ HWY_AFTER_NAMESPACE();
 namespace vorto::effects {
 
 HWY_EXPORT(latticeVectors);
-HWY_EXPORT(noiseVectors);
 HWY_EXPORT(opaqueBytes);
 HWY_EXPORT(opaqueWords);
 HWY_EXPORT(opaqueFloats);
@@ -133,13 +115,6 @@ void latticeRow(std::uint32_t key, std::uint32_t row, float* out, std::size_t co
   const std::size_t done =
       TCUsesScalarKernels() ? 0 : HWY_DYNAMIC_DISPATCH(latticeVectors)(scrambled(key + row), out, count);
   latticeRowScalar(key, row, out, done, count);
-}
-
-void addNoiseRow(const float* lattice, const std::int32_t* places, const float* weights, float strength, float* values,
-                 std::size_t count) {
-  const std::size_t done =
-      TCUsesScalarKernels() ? 0 : HWY_DYNAMIC_DISPATCH(noiseVectors)(lattice, places, weights, strength, values, count);
-  addNoiseRowScalar(lattice, places + done, weights + done, strength, values + done, count - done);
 }
 
 template <class Layout>

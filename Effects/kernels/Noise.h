@@ -6,8 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
-// Value noise: points of a square lattice have values of their own, between which pixels lie. Everything here gives the
-// same bits on every processor.
+// Value noise: points of a square lattice have values of their own, between which pixels lie (Between.h). Everything
+// here gives the same bits on every processor.
 namespace vorto::effects {
 
 // Another number for each number, such that neighbors have nothing in common.
@@ -17,11 +17,6 @@ std::uint32_t scrambled(std::uint32_t n);
 // each as often as the others. Another key is another lattice.
 void latticeRow(std::uint32_t key, std::uint32_t row, float* out, std::size_t count);
 
-// Adds strength * (l + (r - l) * weight) to each of `count` values, where l and r are the entries of the lattice at the
-// pixel's place and behind it.
-void addNoiseRow(const float* lattice, const std::int32_t* places, const float* weights, float strength, float* values,
-                 std::size_t count);
-
 // `count` opaque pixels of RGBA8, RGBA16 or RGBAFloat, of components from 0; those above 1 are 1, but for floats.
 // Integers round to the nearest.
 template <class Layout>
@@ -30,8 +25,6 @@ void opaqueRow(const float* red, const float* green, const float* blue, typename
 
 // The definitions.
 void latticeRowScalar(std::uint32_t key, std::uint32_t row, float* out, std::size_t first, std::size_t count);
-void addNoiseRowScalar(const float* lattice, const std::int32_t* places, const float* weights, float strength,
-                       float* values, std::size_t count);
 template <class Layout>
 void opaqueRowScalar(const float* red, const float* green, const float* blue, typename Layout::Channel* out,
                      std::size_t count);

@@ -37,15 +37,6 @@ void latticeRowScalar(std::uint32_t key, std::uint32_t row, float* out, std::siz
   }
 }
 
-void addNoiseRowScalar(const float* lattice, const std::int32_t* places, const float* weights, float strength,
-                       float* values, std::size_t count) {
-  for (std::size_t i = 0; i < count; ++i) {
-    const float left = lattice[places[i]];
-    const float right = lattice[places[i] + 1];
-    values[i] = values[i] + strength * (left + (right - left) * weights[i]);
-  }
-}
-
 template <class Layout>
 void opaqueRowScalar(const float* red, const float* green, const float* blue, typename Layout::Channel* out,
                      std::size_t count) {

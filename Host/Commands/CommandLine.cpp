@@ -38,6 +38,7 @@ name, as Levels):
   index     a whole number, or an entry of the port's menu
   color     #rrggbb, #rrggbbaa, or r,g,b[,a] with values from 0 to 1; not premultiplied
   string    the text as it is
+  image     a picture's file, for ports that are not filled by --input; its size and depth may be others
 
 Pixels are rendered as the files hold them, without color management, premultiplied. PNG stores straight alpha; JPEG
 stores none, which shows the picture over black; TIFF and EXR store premultiplied alpha. What a format cannot hold is

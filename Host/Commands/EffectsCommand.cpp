@@ -8,6 +8,7 @@
 #include "Host/Messages/Table.h"
 #include "Host/Messages/Utf8.h"
 #include "Host/Rendering/Effects.h"
+#include "Host/Rendering/Parameters.h"
 #include "Host/Rendering/PortKinds.h"
 #include "Platform/QuartzComposer/QCPatch.h"
 
@@ -74,6 +75,7 @@ std::string roleText(const QCPort& port, const EffectRoles& roles) {
     return roles.inputs.size() == 1 ? "from --input"
                                     : "from --input " + std::to_string(input - roles.inputs.begin() + 1);
   }
+  if (takesPicture(port, roles)) return "optional, from --set " + port.key() + "=FILE";
   return &port == roles.time ? "from --time" : "";
 }
 

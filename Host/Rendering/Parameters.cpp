@@ -1,12 +1,17 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Rendering/Parameters.h"
 
+#include "Host/Files/ImageFileLoader.h"
 #include "Host/Messages/Failure.h"
+#include "Host/Pixels/Bitmaps.h"
 #include "Host/Rendering/Assignment.h"
 #include "Host/Rendering/EffectRendering.h"
 #include "Host/Rendering/PortKinds.h"
 #include "Host/Rendering/PortValues.h"
 #include "Platform/QuartzComposer/QCPatch.h"
+#include "Ports/VRTImage.h"
+
+#include <algorithm>
 
 namespace host {
 namespace {
@@ -24,7 +29,20 @@ void setPortFromState(QCPort& port, const std::string& path) {
   }
 }
 
+// The picture keeps its own size and depth, which have nothing to do with the frame's.
+void setPortFromPicture(QCImagePort& port, const std::string& path) {
+  try {
+    VRTImage::setBitmapOfPort(port, makeBitmap(readImageFile(path), path));
+  } catch (const Failure& failure) {
+    throw Failure(failure.code, port.key() + ": " + failure.what());
+  }
+}
+
 }  // namespace
+
+bool takesPicture(const QCPort& port, const EffectRoles& roles) {
+  return portKindOf(port) == PortKind::Image && std::ranges::find(roles.inputs, &port) == roles.inputs.end();
+}
 
 std::optional<StateKind> stateKindOf(const QCPort& port) {
   switch (portKindOf(port)) {
@@ -51,7 +69,11 @@ void setParameters(EffectRendering& rendering, const std::vector<std::string>& v
     if (&port == rendering.roles().time) {
       throw Failure(ExitCode::Usage, port.key() + " is the time of the transition; give it with --time");
     }
-    setPortFromText(port, value);
+    if (takesPicture(port, rendering.roles())) {
+      setPortFromPicture(dynamic_cast<QCImagePort&>(port), value);
+    } else {
+      setPortFromText(port, value);
+    }
   }
 }
 

@@ -12,12 +12,17 @@ class QCPort;
 namespace host {
 
 class EffectRendering;
+struct EffectRoles;
 
 // What a state file for the port holds; nothing when the port takes no states.
 std::optional<StateKind> stateKindOf(const QCPort& port);
 
-// Sets the effect's ports from "port=value" and "port=FILE" (a state file). Throws Failure for the first that does not
-// fit.
+// Whether the port carries an image that is none of those that are given with --input: one that the effect can do
+// without, and that is set like a value.
+bool takesPicture(const QCPort& port, const EffectRoles& roles);
+
+// Sets the effect's ports from "port=value", where the value of a port that takesPicture() is a file, and "port=FILE"
+// (a state file). Throws Failure for the first that does not fit.
 void setParameters(EffectRendering& rendering, const std::vector<std::string>& values,
                    const std::vector<std::string>& states);
 

@@ -78,6 +78,48 @@ TEST(GradientWipe, RunsAlongItsDirectionWhereTheGradientIsDarkFirst) {
   }
 }
 
+// Bilinear between the centers of the picture's pixels.
+double lumaAt(const VortoBitmap& shape, const Layout& layout, double x, double y) {
+  const auto luma = [&](double column, double row) {
+    const auto at = [](double place, std::uint32_t size) {
+      return static_cast<std::size_t>(std::clamp(place, 0.0, double(size) - 1));
+    };
+    const Values v = pixelAt(shape, layout, at(column, shape.width), at(row, shape.height));
+    return (0.2126 * v[0] + 0.7152 * v[1] + 0.0722 * v[2]) / layout.full;
+  };
+  const double left = std::floor(x), top = std::floor(y), dx = x - left, dy = y - top;
+  return (luma(left, top) * (1 - dx) + luma(left + 1, top) * dx) * (1 - dy) +
+         (luma(left, top + 1) * (1 - dx) + luma(left + 1, top + 1) * dx) * dy;
+}
+
+TEST(GradientWipe, FollowsThePictureThatIsItsShape) {
+  const PropertyList valley = linearGradient({{0, 1, 1, 1}, {0.5, 0, 0, 0}, {1, 1, 1, 1}}, {{0, 0}});
+  const std::pair<std::uint32_t, std::uint32_t> sizes[] = {{23, 17}, {5, 40}, {1, 1}, {60, 3}};
+  for (const auto& [shapeWidth, shapeHeight] : sizes) {
+    for (std::size_t i = 0; i < layouts.size(); ++i) {
+      const Layout &layout = layouts[i], &shapeLayout = layouts[(i + shapeWidth) % layouts.size()];
+      SCOPED_TRACE(std::string(shapeLayout.name) + ", " + std::to_string(shapeWidth) + " wide, for " + layout.name);
+      const Bitmap shape = randomImage(shapeLayout, shapeWidth, shapeHeight, Noise::Premultiplied, 61);
+      for (const bool isValley : {false, true}) {
+        const Values all{layout.full, layout.full, layout.full, layout.full};
+        const auto patch = transition("Gradient Wipe", makeImage(layout, 23, 17), makeImage(layout, 23, 17, all), 0.4);
+        set(*patch, "inputShapeImage", shape);
+        set(*patch, "inputSoftness", 0.5);
+        set(*patch, "inputAngle", 77.0);  // means nothing here
+        if (isValley) set(*patch, "inputGradient", valley);
+        expectPixels(rendered(*patch), layout, 0.5 * (layout.code != 9) + 2e-4 * layout.full, [&](auto x, auto y) {
+          const double across = (static_cast<double>(x) + 0.5) * shapeWidth / 23 - 0.5;
+          const double down = (static_cast<double>(y) + 0.5) * shapeHeight / 17 - 0.5;
+          const double luma = lumaAt(*shape, shapeLayout, across, down);
+          const double place = isValley ? std::abs(2 * luma - 1) : luma;
+          const double share = std::clamp((0.4 * 1.5 - place) / 0.5, 0.0, 1.0) * layout.full;
+          return Values{share, share, share, share};
+        });
+      }
+    }
+  }
+}
+
 TEST(Slide, MovesEitherImageOrBothByWholePixels) {
   const std::pair<int, int> ways[] = {{-1, 0}, {1, 0}, {0, -1}, {0, 1}};  // left, right, up, down
   for (const Layout& layout : layouts) {

@@ -206,6 +206,20 @@ TEST(Render, InputsKeepTheirRoles) {
   EXPECT_EQ(firstPixel({"Dissolve", "--input", red, blue, "--time", "1"}), isBlue);
 }
 
+TEST(Render, APictureOutsideTheRolesDecidesNeitherSizeNorDepth) {
+  const TemporaryFolder folder;
+  const auto at = [&](const char* name) { return folder.path() + "/" + name; };
+  writeTiff(at("red.tif"), flatImage(6, 4, {255, 0, 0, 255}));
+  writeTiff(at("blue.tif"), flatImage(6, 4, {0, 0, 255, 255}));
+  writeTiff(at("shape.tif"), TestImage{2, 1, 16, {65535, 65535, 65535, 65535, 0, 0, 0, 65535}});
+  vortoSucceeds({"render", "Gradient Wipe", "--input", at("red.tif"), at("blue.tif"), "--time", "0.5", "--set",
+                 "shapeImage=" + at("shape.tif"), "--output", at("out.tif")});
+  const TestImage out = readTiff(at("out.tif"));
+  EXPECT_EQ(std::tuple(out.width, out.height, out.bits), std::tuple(6u, 4u, 8));
+  EXPECT_EQ(out.pixel(0, 0), (std::array<double, 4>{255, 0, 0, 255})) << "white last";
+  EXPECT_EQ(out.pixel(5, 3), (std::array<double, 4>{0, 0, 255, 255})) << "black first";
+}
+
 TEST(Render, ValuesReachThePorts) {
   const TemporaryFolder folder;
   const std::string out = folder.path() + "/out.tif";

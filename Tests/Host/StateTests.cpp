@@ -173,15 +173,15 @@ TEST(State, JsonTellsEverything) {
 
 TEST(Effects, AreListedByKindWithPortsAndRanges) {
   const std::string list = vortoSucceeds({"effects"}).out;
-  for (const char* part :
-       {"Filters", "Transitions", "Generators", "Blend modes", "\n  Gradient Map\n", "\n  Duotone\n", "inputGradient",
-        "gradient", "levels", "1 to 4096; default 8", "8-bit, 16-bit, Float", "from --input 2", "from --time"}) {
+  for (const char* part : {"Filters", "Transitions", "Generators", "Blend modes", "\n  Gradient Map\n", "\n  Duotone\n",
+                           "inputGradient", "gradient", "levels", "1 to 4096; default 8", "8-bit, 16-bit, Float",
+                           "from --input 2", "from --time", "optional, from --set inputShapeImage=FILE"}) {
     EXPECT_NE(list.find(part), std::string::npos) << part << "\n" << list;
   }
   const Json json = parsed(vortoSucceeds({"effects", "--json"}).out);
   EXPECT_EQ(json.size(), 4u);
   EXPECT_EQ(json["filter"].size(), 3u);
-  EXPECT_EQ(json["blendMode"].size(), 2u);
+  EXPECT_EQ(json["blendMode"].size(), 17u);
   for (const Json& transition : json["transition"]) {
     EXPECT_EQ(transition["roles"]["inputImageAPort"], "inputImageA") << transition["name"];
   }

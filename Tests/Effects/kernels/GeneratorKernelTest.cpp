@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
+#include "Effects/kernels/Between.h"
 #include "Effects/kernels/Distance.h"
 #include "Effects/kernels/GradientRow.h"
+#include "Effects/kernels/Luma.h"
 #include "Effects/kernels/Noise.h"
 #include "Effects/kernels/Reveal.h"
 #include "Tests/Effects/kernels/Targets.h"
@@ -58,6 +60,26 @@ TEST(Reveals, AreAsDefined) {
   expectSameWeights<float>();
 }
 
+template <class Layout>
+void expectSameLumas() {
+  std::vector<typename Layout::Channel> in(4 * kCount);
+  std::mt19937 random(3);
+  for (auto& each : in) each = static_cast<typename Layout::Channel>(random() % 65536);
+  std::vector<float> expected(kCount), out(kCount);
+  lumaRowScalar<Layout>(in.data(), expected.data(), kCount);
+  onEveryTarget([&] {
+    lumaRow<Layout>(in.data(), out.data(), kCount);
+    EXPECT_EQ(out, expected);
+  });
+}
+
+TEST(Lumas, AreAsDefined) {
+  expectSameLumas<RGBA8>();
+  expectSameLumas<ARGB8>();
+  expectSameLumas<RGBA16>();
+  expectSameLumas<RGBAFloat>();
+}
+
 template <class Layout, class Kernel, class Definition>
 void expectSameGradient(Kernel kernel, Definition definition) {
   using Channel = typename Layout::Channel;
@@ -79,6 +101,13 @@ TEST(GradientRows, AreAsDefined) {
   expectSameGradient<RGBA8>(gradientRow<RGBA8>, gradientRowScalar<RGBA8>);
   expectSameGradient<RGBA16>(gradientRow<RGBA16>, gradientRowScalar<RGBA16>);
   expectSameGradient<RGBAFloat>(gradientFloatRow, gradientFloatRowScalar);
+  std::vector<std::uint32_t> values(kGradientSteps), expected(kCount), out(kCount);
+  for (std::size_t i = 0; i < values.size(); ++i) values[i] = static_cast<std::uint32_t>(3 * i);
+  valueRowScalar(positions().data(), expected.data(), kCount, values.data());
+  onEveryTarget([&] {
+    valueRow(positions().data(), out.data(), kCount, values.data());
+    EXPECT_EQ(out, expected);
+  });
 }
 
 template <class Layout>
@@ -103,12 +132,12 @@ TEST(NoiseRows, AreAsDefined) {
   std::vector<std::int32_t> places(kCount);
   for (std::size_t i = 0; i < kCount; ++i) places[i] = static_cast<std::int32_t>(i * 7 % (kCount - 1));
   const std::vector<float> weights = positions();
-  addNoiseRowScalar(lattice.data(), places.data(), weights.data() + 9, 0.3F, expected.data(), kCount - 9);
+  addBetweenRowScalar(lattice.data(), places.data(), weights.data() + 9, 0.3F, expected.data(), kCount - 9);
   onEveryTarget([&] {
     latticeRow(99, 4000000000U, out.data(), kCount);
     EXPECT_EQ(out, lattice);
     std::fill(out.begin(), out.end(), 0.0F);
-    addNoiseRow(lattice.data(), places.data(), weights.data() + 9, 0.3F, out.data(), kCount - 9);
+    addBetweenRow(lattice.data(), places.data(), weights.data() + 9, 0.3F, out.data(), kCount - 9);
     EXPECT_EQ(out, expected);
   });
   expectSamePixels<RGBA8>();
