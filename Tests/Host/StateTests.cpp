@@ -180,7 +180,7 @@ TEST(Effects, AreListedByKindWithPortsAndRanges) {
   }
   const Json json = parsed(vortoSucceeds({"effects", "--json"}).out);
   EXPECT_EQ(json.size(), 4u);
-  EXPECT_EQ(json["filter"].size(), 3u);
+  EXPECT_EQ(json["filter"].size(), 12u);
   EXPECT_EQ(json["blendMode"].size(), 17u);
   for (const Json& transition : json["transition"]) {
     EXPECT_EQ(transition["roles"]["inputImageAPort"], "inputImageA") << transition["name"];
