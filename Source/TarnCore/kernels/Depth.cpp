@@ -110,11 +110,10 @@ struct ReadRGBAFloat {
 };
 
 #if VORTO_BLOCK_OPS
-// Clamped at the top before it is rounded; NaN stays NaN here and becomes 0.
+// Clamped before it could overflow, and again where it is packed; NaN stays NaN here and becomes 0.
 template <int largest>
 HWY_INLINE hn::Vec<BlockWide> rounded(FloatVector v) {
-  const Floats d;
-  return biasedFloor(hn::Min(hn::Set(d, largest + 1.0f), hn::Mul(v, hn::Set(d, static_cast<float>(largest)))));
+  return roundedProduct<largest>(hn::Min(hn::Set(Floats(), 2.0f), v));
 }
 
 // Vectors that were packed into one, block by block, go back to their order.
