@@ -14,7 +14,10 @@
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "Channels/kernels/GradientTable.cpp"
 #include <hwy/foreach_target.h>
+// After foreach_target.h:
 #include <hwy/highway.h>
+
+#include "Channels/kernels/BezierSearch-inl.h"
 
 // A table is made in blocks. The folders fill four planes (alpha, red, green, blue) of 32-bit words, one word per
 // position: the bits of the float, or the integer whose low byte or word is wanted. Then the planes are woven into the
@@ -200,9 +203,23 @@ class FolderPlanes {
   template <bool fast>
   void fillSmooth(const GradientRun& run, std::uint32_t first, std::uint32_t count, Targets to) const {
     Fractions<fast> fractions(run, first, _step);
+    const double middle = run.left->sample.middle;
+    if (BezierSearch::foresees(middle)) {
+      const BezierSearch search(middle);
+      for (std::uint32_t i = 0; i < count; i += kLanes) {
+        const DoubleVector t[1] = {fractions.next()};
+        hn::Mask<Doubles> isCertain;
+        DoubleVector s[1] = {search.endFor(t[0], isCertain)};
+        if (HWY_UNLIKELY(!hn::AllTrue(Doubles(), isCertain))) solve(middle, t, s);
+        storeCurve(run, s[0], to, i);
+      }
+      return;
+    }
     for (std::uint32_t i = 0; i < count; i += kVectorsAtOnce * kLanes) {
+      DoubleVector t[kVectorsAtOnce];
       DoubleVector s[kVectorsAtOnce];
-      solve(run.left->sample.middle, fractions, s);
+      for (DoubleVector& fraction : t) fraction = fractions.next();
+      solve(middle, t, s);
       for (std::size_t v = 0; v < kVectorsAtOnce; ++v) storeCurve(run, s[v], to, i + v * kLanes);
     }
   }
@@ -210,17 +227,15 @@ class FolderPlanes {
   // bezierInterp's search for the x controls (0, m, m, 1). It does not depend on the component. The fractions of a run
   // are never negative, so every search starts at 0; the step is the same for all, and reaches the tolerance before the
   // 32nd halving. A search that has come close enough keeps its candidate.
-  template <bool fast>
-  static HWY_INLINE void solve(double middle, Fractions<fast>& fractions, DoubleVector (&candidate)[kVectorsAtOnce]) {
+  template <std::size_t vectors>
+  static HWY_INLINE void solve(double middle, const DoubleVector (&t)[vectors], DoubleVector (&candidate)[vectors]) {
     const Doubles d;
     const DoubleVector one = hn::Set(d, 1.0);
     const DoubleVector middle3 = hn::Set(d, 3.0 * middle);
     const DoubleVector tolerance = hn::Set(d, 1e-7);
-    DoubleVector t[kVectorsAtOnce];
-    DoubleVector kept[kVectorsAtOnce];
-    hn::Mask<Doubles> searching[kVectorsAtOnce];
-    for (std::size_t v = 0; v < kVectorsAtOnce; ++v) {
-      t[v] = fractions.next();
+    DoubleVector kept[vectors];
+    hn::Mask<Doubles> searching[vectors];
+    for (std::size_t v = 0; v < vectors; ++v) {
       kept[v] = hn::Zero(d);
       candidate[v] = hn::Zero(d);
       searching[v] = hn::Eq(one, one);
@@ -229,7 +244,7 @@ class FolderPlanes {
     do {
       step *= 0.5;
       const DoubleVector steps = hn::Set(d, step);
-      for (std::size_t v = 0; v < kVectorsAtOnce; ++v) {
+      for (std::size_t v = 0; v < vectors; ++v) {
         const DoubleVector s = hn::Add(kept[v], steps);
         const DoubleVector u = hn::Sub(one, s);
         const DoubleVector u2 = hn::Mul(u, u);
