@@ -19,7 +19,26 @@ namespace vorto::kernels::HWY_NAMESPACE {
 template <std::size_t bytes>
 HWY_INLINE void gatherOneByOne(std::uint8_t* out, const std::uint8_t* row, const std::uint32_t* columns,
                                std::size_t count) {
-  for (std::size_t i = 0; i < count; ++i) std::memcpy(out + i * bytes, row + std::size_t{columns[i]} * bytes, bytes);
+  const auto take = [&](std::size_t i) { std::memcpy(out + i * bytes, row + std::size_t{columns[i]} * bytes, bytes); };
+  std::size_t i = 0;
+  for (; i + 4 <= count; i += 4) {
+    take(i);
+    take(i + 1);
+    take(i + 2);
+    take(i + 3);
+  }
+  for (; i < count; ++i) take(i);
+}
+
+// Pixels of six bytes as words of eight, as long as a word ends within both rows: the next pixel overwrites what is too
+// much.
+HWY_INLINE void gatherSixBytes(std::uint8_t* out, const std::uint8_t* row, std::size_t rowPixels,
+                               const std::uint32_t* columns, std::size_t count) {
+  std::size_t i = 0;
+  for (; i + 4 < count && std::size_t{columns[i + 3]} + 2 <= rowPixels; i += 4) {
+    for (std::size_t k = i; k < i + 4; ++k) std::memcpy(out + k * 6, row + std::size_t{columns[k]} * 6, 8);
+  }
+  gatherOneByOne<6>(out + i * 6, row, columns + i, count - i);
 }
 
 #if HWY_TARGET == HWY_SCALAR || HWY_TARGET == HWY_EMU128
@@ -73,7 +92,7 @@ void gather(std::uint8_t* out, const std::uint8_t* row, std::size_t rowPixels, c
     case 4:
       return gatherWords<std::uint32_t>(out, row, rowPixels, columns, count);
     case 6:
-      return gatherOneByOne<6>(out, row, columns, count);
+      return gatherSixBytes(out, row, rowPixels, columns, count);
     case 8:
       return gatherWords<std::uint64_t>(out, row, rowPixels, columns, count);
     case 16:
