@@ -4,10 +4,13 @@
 #include "TarnCore/TCBitmapSlack.h"
 #include "TarnCore/TCPixelLayout.h"
 #include "TarnCore/kernels/Depth.h"
+#include "TarnCore/kernels/Dispatch.h"
 #include "TarnCore/kernels/Scale.h"
+#include "TarnCore/kernels/YUV422.h"
 
 #include <algorithm>
 #include <memory>
+#include <vector>
 
 namespace {
 
@@ -105,9 +108,34 @@ class ScalableSource {
   const VortoBitmap* bitmap_;
 };
 
+// Scales 4:2:2 to pixels of four bytes by rows, of which only those that are taken become ARGB8. False where pairs
+// reach over the ends of rows, or anything else is out of the ordinary.
+bool scaleRowsOfYUV(const VortoBitmap& destination, const VortoBitmap& source) {
+  constexpr std::uint64_t kMostPixels = std::uint64_t{1} << 29;  // fit a bitmap of ARGB8
+  constexpr std::size_t kRead = 2;
+  constexpr std::size_t kWritten = 4;
+  const bool hasWholePairs = source.width % 2 == 0 && source.rowPadding == 0;
+  const bool isAsNamed = source.channels == 2 && source.bitsPerChannel == 8;
+  if (vorto::kernels::useScalar() || !hasWholePairs || !isAsNamed || pixelsOf(source) > kMostPixels) return false;
+  const ScaleSource from = sourceOf(source, kRead);
+  const ScaleDestination to = destinationOf(destination, kWritten);
+  if (!vorto::kernels::isOrdinaryScale(to, kWritten, from, kRead)) return false;
+  declareScaling(destination, kWritten, source, kRead);
+  std::vector<std::uint8_t> converted(std::size_t{source.width} * kWritten);
+  vorto::kernels::forEachScaledRow(to, kWritten, from, kRead, [&](const vorto::kernels::ScaledRow& row) {
+    const std::size_t first = row.columns[0] / 2;
+    const std::size_t end = row.columns[row.count - 1] / 2 + 1;
+    vorto::kernels::convertYUVtoARGB(converted.data() + 8 * first, row.in + 4 * first, end - first);
+    vorto::kernels::gatherPixels(row.out, converted.data(), source.width, row.columns, row.count, kWritten);
+  });
+  return true;
+}
+
 }  // namespace
 
 void VortoBitmap::copyWithScaling(const VortoBitmap& source) {
+  const bool isYUV = source.formatCode == VortoPixelFormat::YUV8 && source.data;
+  if (isYUV && data && TCPixelLayoutOf(formatCode).bytesPerPixel() == 4 && scaleRowsOfYUV(*this, source)) return;
   const ScalableSource scalable(source);
   scale(this, &scalable.bitmap(), TCPixelLayoutOf(formatCode).bytesPerPixel());
 }

@@ -43,7 +43,8 @@ class RandomGradients {
     return unit() * spread_ - (spread_ - 1) / 2;
   }
   double middle() { return chance(oddness_) ? odd() : chance(0.2) ? unit() * 8 - 4 : unit(); }
-  double component() { return chance(oddness_) ? odd() : unit(); }
+  // Some make tables of nothing but integers.
+  double component() { return chance(oddness_) ? odd() : chance(0.2) ? std::round(unit() * 5) / 5 : unit(); }
   std::int32_t interpolation() { return static_cast<std::int32_t>(chance(0.1) ? random_() % 8 - 2 : random_() % 3); }
 
   const double oddness_, spread_;

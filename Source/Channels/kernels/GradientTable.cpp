@@ -8,13 +8,18 @@
 #include <bit>
 #include <cmath>
 #include <cstring>
+#include <utility>
 
 // The targets whose vectors have no fixed size cannot be kept in arrays, as the solver does.
 #define HWY_DISABLED_TARGETS (HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128 | HWY_RVV)
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "Channels/kernels/GradientTable.cpp"
 #include <hwy/foreach_target.h>
+// After foreach_target.h:
 #include <hwy/highway.h>
+
+#include "Channels/kernels/BezierSearch-inl.h"
+#include "Channels/kernels/GradientSteps-inl.h"
 
 // A table is made in blocks. The folders fill four planes (alpha, red, green, blue) of 32-bit words, one word per
 // position: the bits of the float, or the integer whose low byte or word is wanted. Then the planes are woven into the
@@ -34,12 +39,23 @@ constexpr std::uint32_t kBlock = 1024;
 constexpr std::size_t kPadding = kVectorsAtOnce * kLanes;
 static_assert(kPadding % hn::MaxLanes(Words()) == 0);  // planes begin aligned
 
+// Calls function(c) for every c below N, each with a c that is known when it is compiled.
+template <std::size_t N, class Function>
+HWY_INLINE void forEachComponent(Function function) {
+  [&]<std::size_t... c>(std::index_sequence<c...>) {
+    (function(std::integral_constant<std::size_t, c>()), ...);
+  }
+  (std::make_index_sequence<N>());
+}
+
 struct Planes {
   HWY_ALIGN std::uint32_t words[4][kBlock + kPadding];
 };
 
 // Words of a float table.
 struct FloatWords {
+  static constexpr bool kAreIntegers = false;
+
   static std::uint32_t word(double component) { return std::bit_cast<std::uint32_t>(gradientFloat(component)); }
 
   static HWY_INLINE void store(DoubleVector components, std::uint32_t* to) {
@@ -51,6 +67,8 @@ struct FloatWords {
 
 // Words of a byte or word table.
 struct IntegerWords {
+  static constexpr bool kAreIntegers = true;
+
   static std::uint32_t word(double component) {
     return static_cast<std::uint32_t>(gradientInteger(gradientFloat(component)));
   }
@@ -66,17 +84,40 @@ struct IntegerWords {
   }
 };
 
-// Whether quotients over a segment of this place and width can be corrected by remainders that neither overflow nor
-// lose bits below the smallest normal number.
-bool hasExactRemainders(double left, double width) {
+// How to divide by the width of a segment.
+enum class Division {
+  byOne,         // not at all
+  byReciprocal,  // by multiplications
+  plain,
+};
+
+// Quotients over a segment of this place and width can be corrected by remainders when these neither overflow nor lose
+// bits below the smallest normal number.
+Division divisionFor(double left, double width) {
   constexpr double kSmallest = 0x1p-100;
-  return width >= kSmallest && width <= 0x1p+100 && (left == 0.0 || std::abs(left) >= kSmallest);
+  if (width == 1.0) return Division::byOne;
+  const bool isExact = width >= kSmallest && width <= 0x1p+100 && (left == 0.0 || std::abs(left) >= kSmallest);
+  return HWY_NATIVE_FMA && isExact ? Division::byReciprocal : Division::plain;
 }
 
-// The positions of a run: i * step for ascending i, a vector at a time, as fractions t of the run's segment. `fast`
-// divides by multiplication: the quotient by the rounded reciprocal is at most two units off, one correction by its
-// exact remainder leaves it within one, and another one from there gives the rounded quotient (Markstein, 1990).
-template <bool fast>
+// Calls function(division) with a division that is known when it is compiled.
+template <class Function>
+HWY_INLINE void withDivision(const GradientRun& run, Function function) {
+  const double left = run.left->position;
+  switch (divisionFor(left, run.right->position - left)) {
+    case Division::byOne:
+      return function(std::integral_constant<Division, Division::byOne>());
+    case Division::byReciprocal:
+      return function(std::integral_constant<Division, Division::byReciprocal>());
+    case Division::plain:
+      return function(std::integral_constant<Division, Division::plain>());
+  }
+}
+
+// The positions of a run: i * step for ascending i, a vector at a time, as fractions t of the run's segment. By
+// reciprocal: the quotient by the rounded reciprocal is at most two units off, one correction by its exact remainder
+// leaves it within one, and another one from there gives the rounded quotient (Markstein, 1990).
+template <Division division>
 class Fractions {
  public:
   Fractions(const GradientRun& run, std::uint32_t first, double step)
@@ -90,7 +131,8 @@ class Fractions {
     const DoubleVector position = hn::Mul(_index, _step);
     _index = hn::Add(_index, hn::Set(Doubles(), static_cast<double>(kLanes)));
     const DoubleVector distance = hn::Sub(position, _left);
-    if constexpr (!fast) return hn::Div(distance, _width);
+    if constexpr (division == Division::byOne) return distance;
+    if constexpr (division == Division::plain) return hn::Div(distance, _width);
     return corrected(distance, corrected(distance, hn::Mul(distance, _reciprocal)));
   }
 
@@ -121,7 +163,11 @@ template <class WordKind, std::size_t N>
 class FolderPlanes {
  public:
   FolderPlanes(GradientEntries entries, const GradientComponent (&components)[N], std::uint32_t count)
-      : _entries(entries), _components(components), _step(gradientStep(count)), _runs(entries, components, count) {}
+      : _entries(entries),
+        _components(components),
+        _step(gradientStep(count)),
+        _last(static_cast<double>(count - 1)),
+        _runs(entries, components, count) {}
 
   // Fills the planes for the positions [first, first + count).
   void fill(std::uint32_t first, std::uint32_t count, Planes& planes, std::size_t firstPlane) {
@@ -147,28 +193,15 @@ class FolderPlanes {
         for (std::size_t c = 0; c < N; ++c) fillWords(WordKind::word(value(run.left, c)), to[c], count);
         break;
       case GradientRun::Rule::linear:
-        if (dividesFast(run)) {
-          fillLinear<true>(run, first, count, to);
-        } else {
-          fillLinear<false>(run, first, count, to);
-        }
+        fillLinear(run, first, count, to);
         break;
       case GradientRun::Rule::smooth:
-        if (dividesFast(run)) {
-          fillSmooth<true>(run, first, count, to);
-        } else {
-          fillSmooth<false>(run, first, count, to);
-        }
+        withDivision(run, [&](auto division) { fillSmooth<division>(run, first, count, to); });
         break;
       case GradientRun::Rule::definition:
         fillByDefinition(first, count, to);
         break;
     }
-  }
-
-  static bool dividesFast(const GradientRun& run) {
-    const double left = run.left->position;
-    return HWY_NATIVE_FMA && hasExactRemainders(left, run.right->position - left);
   }
 
   double value(const GradientEntry* entry, std::size_t c) const { return entry->sample.*_components[c]; }
@@ -181,8 +214,22 @@ class FolderPlanes {
     }
   }
 
-  template <bool fast>
   void fillLinear(const GradientRun& run, std::uint32_t first, std::uint32_t count, Targets to) const {
+    constexpr std::uint32_t kFew = 16;  // for which it is not worth the preparation
+    if (WordKind::kAreIntegers && count > kFew && takesSteps(run)) {
+      fillSteps(run, first, count, to);
+    } else {
+      fillLine(run, first, count, to);
+    }
+  }
+
+  // Position by position as defined.
+  void fillLine(const GradientRun& run, std::uint32_t first, std::uint32_t count, Targets to) const {
+    withDivision(run, [&](auto division) { fillLine<division>(run, first, count, to); });
+  }
+
+  template <Division division>
+  void fillLine(const GradientRun& run, std::uint32_t first, std::uint32_t count, Targets to) const {
     const Doubles d;
     DoubleVector start[N];
     DoubleVector rise[N];
@@ -190,19 +237,71 @@ class FolderPlanes {
       start[c] = hn::Set(d, value(run.left, c));
       rise[c] = hn::Set(d, value(run.right, c) - value(run.left, c));
     }
-    Fractions<fast> fractions(run, first, _step);
+    Fractions<division> fractions(run, first, _step);
     for (std::uint32_t i = 0; i < count; i += kLanes) {
       const DoubleVector t = fractions.next();
-      for (std::size_t c = 0; c < N; ++c) WordKind::store(hn::Add(start[c], hn::Mul(t, rise[c])), to[c] + i);
+      forEachComponent<N>([&](auto c) { WordKind::store(hn::Add(start[c], hn::Mul(t, rise[c])), to[c] + i); });
     }
   }
 
-  template <bool fast>
+  // Whether GradientSteps may be taken: from 0 to 1 and over segments in which rounding moves no position noticeably.
+  bool takesSteps(const GradientRun& run) const {
+    const double left = run.left->position;
+    const double right = run.right->position;
+    const auto isUnit = [](double v) { return v >= 0.0 && v <= 1.0; };
+    bool areUnits = left >= -1.0 && right <= 2.0 && right - left >= 0x1p-16;
+    for (std::size_t c = 0; c < N; ++c) {
+      areUnits = areUnits && isUnit(value(run.left, c)) && isUnit(value(run.right, c));
+    }
+    return areUnits;
+  }
+
+  // By steps where they are certain. Tables whose values are integers again and again are not certain again and again,
+  // so what follows is made as defined as well.
+  void fillSteps(const GradientRun& run, std::uint32_t first, std::uint32_t count, Targets to) const {
+    GradientSteps steps[N];
+    const double perPosition = _step / (run.right->position - run.left->position);
+    for (std::size_t c = 0; c < N; ++c) {
+      const double rise = (value(run.right, c) - value(run.left, c)) * 255.0;
+      if (rise == 0.0) {
+        steps[c] = GradientSteps::constant(WordKind::word(value(run.left, c)));
+      } else {
+        const double start = value(run.left, c) * 255.0 - run.left->position * _last * (rise * perPosition);
+        steps[c] = GradientSteps(start, rise * perPosition);
+      }
+    }
+    for (std::uint32_t done = 0; done < count;) {
+      std::uint32_t length = std::min(GradientSteps::kLength, count - done);
+      std::uint32_t* place[N];
+      for (std::size_t c = 0; c < N; ++c) place[c] = to[c] + done;
+      if (!takeSteps<N>(steps, first + done, length, place)) {
+        length = std::min(8 * GradientSteps::kLength, count - done);
+        fillLine(run, first + done, length, place);
+      }
+      done += length;
+    }
+  }
+
+  template <Division division>
   void fillSmooth(const GradientRun& run, std::uint32_t first, std::uint32_t count, Targets to) const {
-    Fractions<fast> fractions(run, first, _step);
+    Fractions<division> fractions(run, first, _step);
+    const double middle = run.left->sample.middle;
+    if (BezierSearch::foresees(middle)) {
+      const BezierSearch search(middle);
+      for (std::uint32_t i = 0; i < count; i += kLanes) {
+        const DoubleVector t[1] = {fractions.next()};
+        hn::Mask<Doubles> isCertain;
+        DoubleVector s[1] = {search.endFor(t[0], isCertain)};
+        if (HWY_UNLIKELY(!hn::AllTrue(Doubles(), isCertain))) solve(middle, t, s);
+        storeCurve(run, s[0], to, i);
+      }
+      return;
+    }
     for (std::uint32_t i = 0; i < count; i += kVectorsAtOnce * kLanes) {
+      DoubleVector t[kVectorsAtOnce];
       DoubleVector s[kVectorsAtOnce];
-      solve(run.left->sample.middle, fractions, s);
+      for (DoubleVector& fraction : t) fraction = fractions.next();
+      solve(middle, t, s);
       for (std::size_t v = 0; v < kVectorsAtOnce; ++v) storeCurve(run, s[v], to, i + v * kLanes);
     }
   }
@@ -210,17 +309,15 @@ class FolderPlanes {
   // bezierInterp's search for the x controls (0, m, m, 1). It does not depend on the component. The fractions of a run
   // are never negative, so every search starts at 0; the step is the same for all, and reaches the tolerance before the
   // 32nd halving. A search that has come close enough keeps its candidate.
-  template <bool fast>
-  static HWY_INLINE void solve(double middle, Fractions<fast>& fractions, DoubleVector (&candidate)[kVectorsAtOnce]) {
+  template <std::size_t vectors>
+  static HWY_INLINE void solve(double middle, const DoubleVector (&t)[vectors], DoubleVector (&candidate)[vectors]) {
     const Doubles d;
     const DoubleVector one = hn::Set(d, 1.0);
     const DoubleVector middle3 = hn::Set(d, 3.0 * middle);
     const DoubleVector tolerance = hn::Set(d, 1e-7);
-    DoubleVector t[kVectorsAtOnce];
-    DoubleVector kept[kVectorsAtOnce];
-    hn::Mask<Doubles> searching[kVectorsAtOnce];
-    for (std::size_t v = 0; v < kVectorsAtOnce; ++v) {
-      t[v] = fractions.next();
+    DoubleVector kept[vectors];
+    hn::Mask<Doubles> searching[vectors];
+    for (std::size_t v = 0; v < vectors; ++v) {
       kept[v] = hn::Zero(d);
       candidate[v] = hn::Zero(d);
       searching[v] = hn::Eq(one, one);
@@ -229,7 +326,7 @@ class FolderPlanes {
     do {
       step *= 0.5;
       const DoubleVector steps = hn::Set(d, step);
-      for (std::size_t v = 0; v < kVectorsAtOnce; ++v) {
+      for (std::size_t v = 0; v < vectors; ++v) {
         const DoubleVector s = hn::Add(kept[v], steps);
         const DoubleVector u = hn::Sub(one, s);
         const DoubleVector u2 = hn::Mul(u, u);
@@ -252,7 +349,7 @@ class FolderPlanes {
     const DoubleVector s2 = hn::Mul(s, s);
     const DoubleVector u3 = hn::Mul(u2, u);
     const DoubleVector s3 = hn::Mul(s2, s);
-    for (std::size_t c = 0; c < N; ++c) {
+    forEachComponent<N>([&](auto c) {
       const double a = value(run.left, c);
       const double b = value(run.right, c);
       const DoubleVector first = hn::Mul(hn::Set(d, a), u3);
@@ -260,12 +357,13 @@ class FolderPlanes {
       const DoubleVector third = hn::Mul(hn::Mul(hn::Set(d, 3.0 * b), u), s2);
       const DoubleVector fourth = hn::Mul(hn::Set(d, b), s3);
       WordKind::store(hn::Add(hn::Add(hn::Add(first, second), third), fourth), to[c] + offset);
-    }
+    });
   }
 
   GradientEntries _entries;
   const GradientComponent (&_components)[N];
   double _step;
+  double _last;  // the index at 1
   GradientRuns _runs;
 };
 

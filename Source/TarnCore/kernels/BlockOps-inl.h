@@ -70,12 +70,13 @@ HWY_INLINE hn::Vec<BlockWide> truncateToIntegers(hn::Vec<BlockFloats> v) {
 }
 #undef VORTO_BLOCK_OP
 
-#if HWY_TARGET <= HWY_AVX3
-// a + b, rounded down.
-HWY_INLINE hn::Vec<BlockFloats> sumRoundedDown(hn::Vec<BlockFloats> a, hn::Vec<BlockFloats> b) {
-  return hn::Vec<BlockFloats>{_mm512_add_round_ps(a.raw, b.raw, _MM_FROUND_TO_NEG_INF | _MM_FROUND_NO_EXC)};
+// Pixels of four bytes in memory from vectors with one channel of each pixel, clamped to bytes.
+HWY_INLINE hn::Vec<BlockBytes> pixelBytesOf(hn::Vec<BlockWide> first, hn::Vec<BlockWide> second,
+                                            hn::Vec<BlockWide> third, hn::Vec<BlockWide> fourth) {
+  alignas(16) static constexpr std::uint8_t order[16] = {0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15};
+  const auto bytes = packToBytes(packToIntegers(first, second), packToIntegers(third, fourth));
+  return hn::TableLookupBytes(bytes, hn::LoadDup128(BlockBytes(), order));
 }
-#endif
 
 }  // namespace vorto::kernels::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();

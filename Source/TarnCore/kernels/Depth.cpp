@@ -110,11 +110,10 @@ struct ReadRGBAFloat {
 };
 
 #if VORTO_BLOCK_OPS
-// Clamped at the top before it is rounded; NaN stays NaN here and becomes 0.
+// Clamped before it could overflow, and again where it is packed; NaN stays NaN here and becomes 0.
 template <int largest>
 HWY_INLINE hn::Vec<BlockWide> rounded(FloatVector v) {
-  const Floats d;
-  return biasedFloor(hn::Min(hn::Set(d, largest + 1.0f), hn::Mul(v, hn::Set(d, static_cast<float>(largest)))));
+  return roundedProduct<largest>(hn::Min(hn::Set(Floats(), 2.0f), v));
 }
 
 // Vectors that were packed into one, block by block, go back to their order.
@@ -310,11 +309,16 @@ void scaleAndConvert(const ScaleDestination& destination, DepthLayout to, const 
     const std::size_t count = std::size_t{source.width} * source.height;
     return convertDepth(destination.pixels, to, source.pixels, from, count, isStreamed(count * outBytes));
   }
+  if (to == DepthLayout::ARGB8 && from == DepthLayout::RGBA8) {
+    return forEachScaledRow(destination, outBytes, source, inBytes, [](const ScaledRow& row) {
+      gatherRGBA8ToARGB8(row.out, row.in, row.inPixels, row.columns, row.count);
+    });
+  }
   forEachScaledRow(destination, outBytes, source, inBytes, [&](const ScaledRow& row) {
-    constexpr std::uint32_t kChunk = 256;  // pixels, gathered on the stack and converted from there
-    std::uint8_t gathered[kChunk * 16];
-    for (std::uint32_t first = 0; first < row.count; first += kChunk) {
-      const std::uint32_t count = std::min(kChunk, row.count - first);
+    std::uint8_t gathered[16384];  // pixels, gathered on the stack and converted from there
+    const auto chunk = static_cast<std::uint32_t>(sizeof gathered / inBytes);
+    for (std::uint32_t first = 0; first < row.count; first += chunk) {
+      const std::uint32_t count = std::min(chunk, row.count - first);
       gatherPixels(gathered, row.in, row.inPixels, row.columns + first, count, inBytes);
       convertDepth(row.out + first * outBytes, to, gathered, from, count, false);
     }

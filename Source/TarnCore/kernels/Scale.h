@@ -42,6 +42,9 @@ bool isOrdinaryScale(const ScaleDestination& destination, std::size_t destinatio
 // Takes `count` pixels of `pixelBytes` from `row` at `columns`, which ascend. `rowPixels` pixels may be read there.
 void gatherPixels(std::uint8_t* out, const std::uint8_t* row, std::size_t rowPixels, const std::uint32_t* columns,
                   std::size_t count, std::size_t pixelBytes);
+// The same of RGBA8, which become ARGB8.
+void gatherRGBA8ToARGB8(std::uint8_t* out, const std::uint8_t* row, std::size_t rowPixels, const std::uint32_t* columns,
+                        std::size_t count);
 
 // A destination row, or a part of one, and the source row and columns that it is taken from.
 struct ScaledRow {

@@ -55,7 +55,7 @@ HWY_INLINE hn::Vec<BlockWide> straight(hn::Vec<BlockFloats> color, float backgro
                                        hn::Vec<BlockFloats> inverse) {
   const BlockFloats d;
   const auto rest = hn::Sub(color, hn::Mul(hn::Set(d, background), share));
-  return biasedFloor(hn::Mul(hn::Set(d, 255.0f), hn::Mul(rest, inverse)));
+  return roundedProduct<255>(hn::Mul(rest, inverse));
 }
 
 // A pixel (in memory order) of the background and alpha 0.
@@ -70,15 +70,12 @@ std::uint32_t transparentPixel(const Background& background) {
   return pixel[0] | pixel[1] << 8 | pixel[2] << 16 | static_cast<std::uint32_t>(pixel[3]) << 24;
 }
 
-// Sixteen bytes, four of each channel, to four pixels.
+// Pixels of four channels' vectors.
 template <class Order>
 HWY_INLINE hn::Vec<Pixels8> interleaved(hn::Vec<BlockWide> red, hn::Vec<BlockWide> green, hn::Vec<BlockWide> blue,
                                         hn::Vec<BlockWide> alpha) {
-  alignas(16) static constexpr std::uint8_t orderRGBA[16] = {0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15};
-  alignas(16) static constexpr std::uint8_t orderARGB[16] = {12, 0, 4, 8, 13, 1, 5, 9, 14, 2, 6, 10, 15, 3, 7, 11};
-  const auto order = hn::LoadDup128(BlockBytes(), Order::alpha == 3 ? orderRGBA : orderARGB);
-  const auto bytes = packToBytes(packToIntegers(red, green), packToIntegers(blue, alpha));
-  return hn::BitCast(Pixels8(), hn::TableLookupBytes(bytes, order));
+  return hn::BitCast(Pixels8(),
+                     Order::alpha == 3 ? pixelBytesOf(red, green, blue, alpha) : pixelBytesOf(alpha, red, green, blue));
 }
 
 // Opaque pixels come back as they are, so a vector of them is left alone; so most of an image is passed at the speed at
@@ -103,14 +100,15 @@ std::size_t unpremultiplyBytes(std::uint8_t* bytes, std::size_t count, const Bac
       continue;
     }
     const auto bytesIn = hn::BitCast(BlockBytes(), in);
-    const auto a = normalizedByte<Order::alpha>(bytesIn);
+    const auto a = normalizedAlpha<Order::alpha>(bytesIn);
     const auto share = hn::Sub(one, a);
     const auto inverse = hn::Div(one, a);
     const auto red = straight(normalizedByte<Order::red>(bytesIn), background.red, share, inverse);
     const auto green = straight(normalizedByte<Order::green>(bytesIn), background.green, share, inverse);
     const auto blue = straight(normalizedByte<Order::blue>(bytesIn), background.blue, share, inverse);
     const auto out = interleaved<Order>(red, green, blue, byteOf<Order::alpha>(in));
-    storeNext<false>(hn::IfThenElse(isTransparent, transparent, out), dp, pixels + i);
+    // Where alpha is 0 so are all channels of `out`.
+    storeNext<false>(hn::Or(out, hn::IfThenElseZero(isTransparent, transparent)), dp, pixels + i);
   }
   return i;
 }
@@ -153,7 +151,7 @@ HWY_INLINE hn::Vec<BlockWords> alphaWords() {
 HWY_INLINE hn::Vec<BlockWide> straightWords(const FloatPixels& pixels, hn::Vec<BlockWide> v) {
   const BlockFloats d;
   const auto color = pixels.straight(normalizedWords(v));
-  return biasedFloor(hn::Min(hn::Mul(hn::Set(d, 65535.0f), color), hn::Set(d, 65536.0f)));
+  return roundedProduct<65535>(hn::Min(color, hn::Set(d, 2.0f)));
 }
 
 void unpremultiplyWords(std::uint8_t* pixels, std::size_t count, const Background& background) {

@@ -30,24 +30,26 @@ void truncatedInPlace(std::uint8_t* pixels, std::size_t count) {
 using Pixels8 = hn::Repartition<std::uint32_t, BlockBytes>;
 using Floats = hn::Vec<BlockFloats>;
 
-template <int index>
-HWY_INLINE hn::Vec<Pixels8> storedChannel(Floats v) {
-  const auto product = hn::Mul(v, hn::Set(BlockFloats(), 255.0f));
-  return hn::ShiftLeft<8 * index>(hn::BitCast(Pixels8(), truncateToIntegers(product)));
+// 255 v, cut off; the limits are those of the bytes that it is packed into.
+HWY_INLINE hn::Vec<BlockWide> stored(Floats v) {
+  return truncateToIntegers(hn::Mul(v, hn::Set(BlockFloats(), 255.0f)));
 }
 
-HWY_INLINE Floats limited(Floats v) {
-  const BlockFloats d;
-  return hn::Min(hn::Max(v, hn::Zero(d)), hn::Set(d, 1.0f));
-}
-HWY_INLINE Floats limitedAbove(Floats v) {
-  return hn::Min(v, hn::Set(BlockFloats(), 1.0f));
+// Pixels of alpha and these colors, all of which are 0 where alpha is, or the `transparent` ones there. Alpha survives
+// being stored: 255 times every a is the byte that it was read from.
+HWY_INLINE hn::Vec<Pixels8> pixelsOf(hn::Vec<Pixels8> in, Floats red, Floats green, Floats blue,
+                                     hn::Vec<Pixels8> transparent) {
+  const Pixels8 d;
+  const auto alpha = hn::And(in, hn::Set(d, 255));
+  const auto bytes = pixelBytesOf(hn::BitCast(BlockWide(), alpha), stored(red), stored(green), stored(blue));
+  return hn::Or(hn::BitCast(d, bytes), hn::IfThenElseZero(hn::Eq(alpha, hn::Zero(d)), transparent));
 }
 
-// Alpha survives being stored: 255 times every a is the byte that it was read from.
-HWY_INLINE hn::Vec<Pixels8> pixelOf(hn::Vec<Pixels8> in, Floats red, Floats green, Floats blue) {
-  const auto alpha = hn::And(in, hn::Set(Pixels8(), 255));
-  return hn::Or(hn::Or(alpha, storedChannel<1>(red)), hn::Or(storedChannel<2>(green), storedChannel<3>(blue)));
+// Opaque pixels come back as they are, so a vector of them takes the short way.
+HWY_INLINE bool areOpaque(hn::Vec<Pixels8> in) {
+  const Pixels8 d;
+  const auto mask = hn::Set(d, 255);
+  return hn::AllTrue(d, hn::Eq(hn::And(in, mask), mask));
 }
 
 std::uint32_t transparentPixel(const Background& background) {
@@ -66,19 +68,21 @@ void truncatedCopy(std::uint8_t* destination, const std::uint8_t* source, std::s
   std::size_t i = 0;
   for (; i + lanes <= count; i += lanes) {
     const auto in = hn::LoadU(d, reinterpret_cast<const std::uint32_t*>(source) + i);
+    if (areOpaque(in)) {
+      storeNext<false>(in, d, reinterpret_cast<std::uint32_t*>(destination) + i);
+      continue;
+    }
     const auto bytes = hn::BitCast(BlockBytes(), in);
-    const auto a = normalizedByte<0>(bytes);
+    const auto a = normalizedAlpha<0>(bytes);
     const auto share = hn::Sub(one, a);
     const auto inverse = hn::Div(one, a);
     const auto straight = [&](Floats c, float b) {
-      return limited(quotient(hn::Sub(c, hn::Mul(hn::Set(df, b), share)), a, inverse));
+      return quotient(hn::Sub(c, hn::Mul(hn::Set(df, b), share)), a, inverse);
     };
-    const auto out = pixelOf(in, straight(normalizedByte<1>(bytes), background.red),
-                             straight(normalizedByte<2>(bytes), background.green),
-                             straight(normalizedByte<3>(bytes), background.blue));
-    const auto isTransparent = hn::Eq(hn::And(in, hn::Set(d, 255)), hn::Zero(d));
-    storeNext<false>(hn::IfThenElse(isTransparent, transparent, out), d,
-                     reinterpret_cast<std::uint32_t*>(destination) + i);
+    const auto out = pixelsOf(in, straight(normalizedByte<1>(bytes), background.red),
+                              straight(normalizedByte<2>(bytes), background.green),
+                              straight(normalizedByte<3>(bytes), background.blue), transparent);
+    storeNext<false>(out, d, reinterpret_cast<std::uint32_t*>(destination) + i);
   }
   unpremultiplyTruncatedScalar(destination + 4 * i, source + 4 * i, count - i, 4, background);
 }
@@ -90,14 +94,14 @@ void truncatedInPlace(std::uint8_t* pixels, std::size_t count) {
   std::size_t i = 0;
   for (; i + lanes <= count; i += lanes) {
     const auto in = hn::LoadU(d, words + i);
+    if (areOpaque(in)) continue;
     const auto bytes = hn::BitCast(BlockBytes(), in);
-    const auto a = normalizedByte<0>(bytes);
+    const auto a = normalizedAlpha<0>(bytes);
     const auto inverse = hn::Div(hn::Set(BlockFloats(), 1.0f), a);
-    const auto out = pixelOf(in, limitedAbove(quotient(normalizedByte<1>(bytes), a, inverse)),
-                             limitedAbove(quotient(normalizedByte<2>(bytes), a, inverse)),
-                             limitedAbove(quotient(normalizedByte<3>(bytes), a, inverse)));
-    const auto isTransparent = hn::Eq(hn::And(in, hn::Set(d, 255)), hn::Zero(d));
-    storeNext<false>(hn::IfThenElse(isTransparent, in, out), d, words + i);
+    const auto out =
+        pixelsOf(in, quotient(normalizedByte<1>(bytes), a, inverse), quotient(normalizedByte<2>(bytes), a, inverse),
+                 quotient(normalizedByte<3>(bytes), a, inverse), in);
+    storeNext<false>(out, d, words + i);
   }
   unpremultiplyTruncatedInPlaceScalar(pixels + 4 * i, count - i, 4);
 }

@@ -119,30 +119,35 @@ void toARGB(std::uint8_t* argb, const std::uint8_t* yuv, std::size_t pairCount, 
   convertYUVtoARGBScalar(argb + 8 * done, yuv + 4 * done, pairCount - done);
 }
 
-// A vector of columns, the first of which is odd or even, with the column before it readable: in both the own bytes of
-// a pixel and those of the one before it, an even column has its U in its own chroma byte and its V in the other one,
-// an odd column the other way.
-HWY_INLINE ARGBPixels laggingPixels(const std::uint8_t* yuv, bool firstIsOdd) {
-  const auto oddColumns =
-      hn::BitCast(BlockBytes(), hn::Set(BlockWide(), static_cast<std::int32_t>(firstIsOdd ? 0xFFFFu : 0xFFFF0000u)));
-  const auto chroma = hn::Set(BlockWords(), 0x00FF);
+// A vector of columns, the first of which is odd or even, with the column before it readable. Of a pair that begins
+// with an even column both take the U of their own, of one that begins with an odd column the V; of the other chroma
+// the second column has its own, and the first that of the column before.
+template <bool firstIsOdd>
+HWY_INLINE ARGBPixels laggingPixels(const std::uint8_t* yuv) {
+  alignas(16) static constexpr std::uint8_t orderUY[16] = {0, 1, 0, 3, 4, 5, 4, 7, 8, 9, 8, 11, 12, 13, 12, 15};
+  alignas(16) static constexpr std::uint8_t orderYV[16] = {1, 0, 3, 0, 5, 4, 7, 4, 9, 8, 11, 8, 13, 12, 15, 12};
+  const BlockWords words;
   const auto own = interleaveHalves(hn::LoadU(BlockBytes(), yuv));
   const auto before = interleaveHalves(hn::LoadU(BlockBytes(), yuv - 2));
-  const auto withU = hn::BitCast(BlockWords(), hn::IfVecThenElse(oddColumns, before, own));
-  const auto withV = hn::BitCast(BlockWords(), hn::IfVecThenElse(oddColumns, own, before));
-  const auto luma = hn::BitCast(BlockWords(), own);
-  const auto uy = hn::OrAnd(hn::AndNot(chroma, luma), withU, chroma);
-  const auto yv = hn::Or(hn::ShiftRight<8>(luma), hn::ShiftLeft<8>(withV));
-  return pixelsOf(hn::BitCast(BlockBytes(), uy), hn::BitCast(BlockBytes(), yv));
+  const auto luma = hn::BitCast(words, own);
+  const auto other = hn::OddEven(luma, hn::BitCast(words, before));
+  if constexpr (firstIsOdd) {
+    const auto chroma = hn::Set(words, 0x00FF);
+    const auto uy = hn::OrAnd(hn::AndNot(chroma, luma), other, chroma);
+    return pixelsOf(hn::BitCast(BlockBytes(), uy), hn::TableLookupBytes(own, rule(orderYV)));
+  } else {
+    const auto yv = hn::Or(hn::ShiftRight<8>(luma), hn::ShiftLeft<8>(other));
+    return pixelsOf(hn::TableLookupBytes(own, rule(orderUY)), hn::BitCast(BlockBytes(), yv));
+  }
 }
 
 // Whole vectors of columns, as laggingPixels() takes them. Answers how many columns those were.
-template <bool streamed>
-std::size_t laggingVectors(std::uint8_t* argb, const std::uint8_t* yuv, bool firstIsOdd, std::size_t count) {
+template <bool streamed, bool firstIsOdd>
+std::size_t laggingVectors(std::uint8_t* argb, const std::uint8_t* yuv, std::size_t count) {
   const std::size_t step = hn::Lanes(BlockBytes());
   const std::size_t whole = count * 2 / step * step;
   for (std::size_t i = 0; i < whole; i += step) {
-    const ARGBPixels out = laggingPixels(yuv + i, firstIsOdd);
+    const ARGBPixels out = laggingPixels<firstIsOdd>(yuv + i);
     storeNext<streamed>(out.first, BlockBytes(), argb + 2 * i);
     storeNext<streamed>(out.second, BlockBytes(), argb + 2 * i + step);
   }
@@ -150,8 +155,14 @@ std::size_t laggingVectors(std::uint8_t* argb, const std::uint8_t* yuv, bool fir
   return whole / 2;
 }
 
+template <bool streamed>
+std::size_t laggingVectors(std::uint8_t* argb, const std::uint8_t* yuv, bool firstIsOdd, std::size_t count) {
+  if (firstIsOdd) return laggingVectors<streamed, true>(argb, yuv, count);
+  return laggingVectors<streamed, false>(argb, yuv, count);
+}
+
 // The first pixel is as defined. A vector behind it, which may lie anywhere, covers the columns before the first
-// aligned one; some of them are made twice.
+// aligned one, and another one the last columns; some are made twice.
 void toARGBLagging(std::uint8_t* argb, const std::uint8_t* yuv, bool firstIsOdd, std::size_t count, bool streamed) {
   const std::size_t lanes = hn::Lanes(BlockBytes());
   if (count < 1 + lanes / 2) return convertLaggingYUVtoARGBScalar(argb, 4, yuv, firstIsOdd, count);
@@ -160,16 +171,12 @@ void toARGBLagging(std::uint8_t* argb, const std::uint8_t* yuv, bool firstIsOdd,
 
   const std::size_t past = reinterpret_cast<std::uintptr_t>(argb + 4) % lanes;
   const std::size_t start = past % 4 == 0 ? 1 + (lanes - past) / 4 : 1;
-  const bool isOdd = firstIsOdd != (start % 2 != 0);
+  const auto isOdd = [firstIsOdd](std::size_t column) { return firstIsOdd != (column % 2 != 0); };
   const auto vectors = streamed && past % 4 == 0 ? laggingVectors<true> : laggingVectors<false>;
-  const std::size_t done = start + vectors(argb + 4 * start, yuv + 2 * start, isOdd, count - start);
+  const std::size_t done = start + vectors(argb + 4 * start, yuv + 2 * start, isOdd(start), count - start);
   if (done == count) return;
-  // The definition starts without lag: it repeats the last pixel, which may come out otherwise, and then lags as it
-  // shall.
-  std::uint8_t tail[4 * 65];
-  const bool lastIsOdd = firstIsOdd == (done % 2 != 0);
-  convertLaggingYUVtoARGBScalar(tail, 4, yuv + 2 * (done - 1), lastIsOdd, count - done + 1);
-  copyBytesScalar(argb + 4 * done, tail + 4, 4 * (count - done));
+  const std::size_t last = count - lanes / 2;
+  laggingVectors<false>(argb + 4 * last, yuv + 2 * last, isOdd(last), lanes / 2);
 }
 
 // A vector of pixels (A, R, G, B) as words: a pixel's chroma byte (U at even pixels, V at odd ones), then its Y.
