@@ -49,15 +49,16 @@ struct Lines {
 
 // Pixels of filtered rows to their places in the strips; behind the last one zeros.
 void distribute(const float* rows, std::size_t rowCount, std::size_t width, const Lines& strips, std::size_t y) {
-  const std::size_t whole = (width + kStripPixels - 1) / kStripPixels * kStripPixels;
-  for (std::size_t x = 0; x < whole; ++x) {
-    float* place = strips.values(x / kStripPixels) + y * kStripLanes + x % kStripPixels * 4;
-    for (std::size_t row = 0; row < rowCount; ++row, place += kStripLanes) {
-      if (x < width) {
-        std::memcpy(place, rows + x * kRowLanes + 4 * row, 4 * sizeof(float));
-      } else {
-        std::fill_n(place, 4, 0.0F);
+  float* strip = strips.values() + y * kStripLanes;
+  for (std::size_t x = 0; x < width; x += kStripPixels, strip += strips.steps * kStripLanes) {
+    const std::size_t pixels = std::min(kStripPixels, width - x);
+    for (std::size_t row = 0; row < rowCount; ++row) {
+      const float* pixel = rows + x * kRowLanes + 4 * row;
+      float* place = strip + row * kStripLanes;
+      for (std::size_t i = 0; i < pixels; ++i, pixel += kRowLanes, place += 4) {
+        std::memcpy(place, pixel, 4 * sizeof(float));
       }
+      std::fill_n(place, 4 * (kStripPixels - pixels), 0.0F);
     }
   }
 }
