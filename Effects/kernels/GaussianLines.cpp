@@ -100,16 +100,16 @@ void recursiveLines(const GaussianFilter& filter, const float* in, float* out, s
   }
 }
 
-// Some values after one another of kAbreast vectors of lines.
-template <std::size_t values>
+// Some values after one another of some vectors of lines.
+template <std::size_t values, std::size_t abreast>
 HWY_INLINE void weightedSums(const std::vector<float>& weights, const float* in, float* out, std::size_t lanes) {
   const Floats d;
   const std::size_t width = hn::Lanes(d);
   const std::size_t radius = weights.size() - 1;
-  hn::Vec<Floats> sums[values][kAbreast];
+  hn::Vec<Floats> sums[values][abreast];
   const auto middleWeight = hn::Set(d, weights[0]);
   for (std::size_t i = 0; i < values; ++i) {
-    for (std::size_t k = 0; k < kAbreast; ++k) {
+    for (std::size_t k = 0; k < abreast; ++k) {
       sums[i][k] = hn::Mul(middleWeight, hn::LoadU(d, in + i * lanes + k * width));
     }
   }
@@ -118,7 +118,7 @@ HWY_INLINE void weightedSums(const std::vector<float>& weights, const float* in,
     const float* const before = in - step * lanes;
     const float* const after = in + step * lanes;
     for (std::size_t i = 0; i < values; ++i) {
-      for (std::size_t k = 0; k < kAbreast; ++k) {
+      for (std::size_t k = 0; k < abreast; ++k) {
         const std::size_t at = i * lanes + k * width;
         const auto both = hn::Add(hn::LoadU(d, before + at), hn::LoadU(d, after + at));
         sums[i][k] = hn::Add(sums[i][k], hn::Mul(weight, both));
@@ -126,19 +126,30 @@ HWY_INLINE void weightedSums(const std::vector<float>& weights, const float* in,
     }
   }
   for (std::size_t i = 0; i < values; ++i) {
-    for (std::size_t k = 0; k < kAbreast; ++k) hn::StoreU(sums[i][k], d, out + i * lanes + k * width);
+    for (std::size_t k = 0; k < abreast; ++k) hn::StoreU(sums[i][k], d, out + i * lanes + k * width);
   }
 }
 
 void weightedLines(const std::vector<float>& weights, const float* in, float* out, std::size_t count,
                    std::size_t lanes) {
   constexpr std::size_t kValues = 2;
-  const std::size_t whole = count / kValues * kValues;
-  for (std::size_t lane = 0; lane < lanes; lane += kAbreast * hn::Lanes(Floats())) {
-    for (std::size_t i = 0; i < whole; i += kValues) {
-      weightedSums<kValues>(weights, in + i * lanes + lane, out + i * lanes + lane, lanes);
+  const std::size_t width = hn::Lanes(Floats());
+  if (lanes == 4) {
+    constexpr std::size_t kOfRow = 4;
+    static_assert(4 * kGaussianRowPixels % (kOfRow * hn::MaxLanes(Floats())) == 0);
+    for (std::size_t i = 0; i < count * lanes; i += kOfRow * width) {
+      weightedSums<1, kOfRow>(weights, in + i, out + i, lanes);
     }
-    if (whole < count) weightedSums<1>(weights, in + whole * lanes + lane, out + whole * lanes + lane, lanes);
+    return;
+  }
+  const std::size_t whole = count / kValues * kValues;
+  for (std::size_t lane = 0; lane < lanes; lane += kAbreast * width) {
+    for (std::size_t i = 0; i < whole; i += kValues) {
+      weightedSums<kValues, kAbreast>(weights, in + i * lanes + lane, out + i * lanes + lane, lanes);
+    }
+    if (whole < count) {
+      weightedSums<1, kAbreast>(weights, in + whole * lanes + lane, out + whole * lanes + lane, lanes);
+    }
   }
 }
 
@@ -155,25 +166,30 @@ void filterLines(const GaussianFilter& filter, const float* in, float* out, std:
 // A pixel of four channels as floats.
 using Pixel = hn::FixedTag<float, 4>;
 
-template <class Channel>
-HWY_INLINE hn::Vec<Pixel> loaded(const Channel* pixel) {
-  const Pixel d;
-  return hn::Add(loadedFloats(d, pixel), hn::Set(d, kGaussianFloor));
+template <class D, class Channel>
+HWY_INLINE hn::Vec<D> loaded(D d, const Channel* channels) {
+  return hn::Add(loadedFloats(d, channels), hn::Set(d, kGaussianFloor));
 }
 
-HWY_INLINE hn::Vec<Pixel> loaded(const float* pixel) {
-  const Pixel d;
-  const auto value = hn::LoadU(d, pixel);
+template <class D>
+HWY_INLINE hn::Vec<D> loaded(D d, const float* channels) {
+  const auto value = hn::LoadU(d, channels);
   const auto limited = hn::Min(hn::Max(value, hn::Set(d, -kGaussianCeiling)), hn::Set(d, kGaussianCeiling));
   return hn::Add(hn::IfThenElseZero(hn::Eq(value, value), limited), hn::Set(d, kGaussianFloor));
 }
 
 template <class Channel>
 void loadLines(const Channel* const* rows, std::size_t rowCount, std::size_t pixels, float* lines, std::size_t lanes) {
-  const Pixel d;
-  for (std::size_t x = 0; x < pixels; ++x) {
+  const Floats d;
+  const Pixel pixel;
+  std::size_t x = 0;
+  if (rowCount == 1 && lanes == 4) {  // a row stays one
+    const std::size_t step = hn::Lanes(d) / 4;
+    for (; x + step <= pixels; x += step) hn::StoreU(loaded(d, rows[0] + 4 * x), d, lines + 4 * x);
+  }
+  for (; x < pixels; ++x) {
     for (std::size_t row = 0; row < rowCount; ++row) {
-      hn::StoreU(loaded(rows[row] + 4 * x), d, lines + x * lanes + 4 * row);
+      hn::StoreU(loaded(pixel, rows[row] + 4 * x), pixel, lines + x * lanes + 4 * row);
     }
   }
 }
