@@ -100,28 +100,55 @@ void recursiveLines(const GaussianFilter& filter, const float* in, float* out, s
   }
 }
 
-void weightedLines(const std::vector<float>& weights, const float* in, float* out, std::size_t count,
-                   std::size_t lanes) {
+// Some values after one another of some vectors of lines.
+template <std::size_t values, std::size_t abreast>
+HWY_INLINE void weightedSums(const std::vector<float>& weights, const float* in, float* out, std::size_t lanes) {
   const Floats d;
   const std::size_t width = hn::Lanes(d);
   const std::size_t radius = weights.size() - 1;
-  for (std::size_t i = 0; i < count; ++i) {
-    for (std::size_t lane = 0; lane < lanes; lane += kAbreast * width) {
-      const float* const middle = in + i * lanes + lane;
-      hn::Vec<Floats> sum[kAbreast];
-      for (std::size_t k = 0; k < kAbreast; ++k) {
-        sum[k] = hn::Mul(hn::Set(d, weights[0]), hn::LoadU(d, middle + k * width));
+  hn::Vec<Floats> sums[values][abreast];
+  const auto middleWeight = hn::Set(d, weights[0]);
+  for (std::size_t i = 0; i < values; ++i) {
+    for (std::size_t k = 0; k < abreast; ++k) {
+      sums[i][k] = hn::Mul(middleWeight, hn::LoadU(d, in + i * lanes + k * width));
+    }
+  }
+  for (std::size_t step = 1; step <= radius; ++step) {
+    const auto weight = hn::Set(d, weights[step]);
+    const float* const before = in - step * lanes;
+    const float* const after = in + step * lanes;
+    for (std::size_t i = 0; i < values; ++i) {
+      for (std::size_t k = 0; k < abreast; ++k) {
+        const std::size_t at = i * lanes + k * width;
+        const auto both = hn::Add(hn::LoadU(d, before + at), hn::LoadU(d, after + at));
+        sums[i][k] = hn::Add(sums[i][k], hn::Mul(weight, both));
       }
-      for (std::size_t step = 1; step <= radius; ++step) {
-        const auto weight = hn::Set(d, weights[step]);
-        const float* const before = middle - step * lanes;
-        const float* const after = middle + step * lanes;
-        for (std::size_t k = 0; k < kAbreast; ++k) {
-          const auto both = hn::Add(hn::LoadU(d, before + k * width), hn::LoadU(d, after + k * width));
-          sum[k] = hn::Add(sum[k], hn::Mul(weight, both));
-        }
-      }
-      for (std::size_t k = 0; k < kAbreast; ++k) hn::StoreU(sum[k], d, out + i * lanes + lane + k * width);
+    }
+  }
+  for (std::size_t i = 0; i < values; ++i) {
+    for (std::size_t k = 0; k < abreast; ++k) hn::StoreU(sums[i][k], d, out + i * lanes + k * width);
+  }
+}
+
+void weightedLines(const std::vector<float>& weights, const float* in, float* out, std::size_t count,
+                   std::size_t lanes) {
+  constexpr std::size_t kValues = 2;
+  const std::size_t width = hn::Lanes(Floats());
+  if (lanes == 4) {
+    constexpr std::size_t kOfRow = 4;
+    static_assert(4 * kGaussianRowPixels % (kOfRow * hn::MaxLanes(Floats())) == 0);
+    for (std::size_t i = 0; i < count * lanes; i += kOfRow * width) {
+      weightedSums<1, kOfRow>(weights, in + i, out + i, lanes);
+    }
+    return;
+  }
+  const std::size_t whole = count / kValues * kValues;
+  for (std::size_t lane = 0; lane < lanes; lane += kAbreast * width) {
+    for (std::size_t i = 0; i < whole; i += kValues) {
+      weightedSums<kValues, kAbreast>(weights, in + i * lanes + lane, out + i * lanes + lane, lanes);
+    }
+    if (whole < count) {
+      weightedSums<1, kAbreast>(weights, in + whole * lanes + lane, out + whole * lanes + lane, lanes);
     }
   }
 }
@@ -139,25 +166,30 @@ void filterLines(const GaussianFilter& filter, const float* in, float* out, std:
 // A pixel of four channels as floats.
 using Pixel = hn::FixedTag<float, 4>;
 
-template <class Channel>
-HWY_INLINE hn::Vec<Pixel> loaded(const Channel* pixel) {
-  const Pixel d;
-  return hn::Add(loadedFloats(d, pixel), hn::Set(d, kGaussianFloor));
+template <class D, class Channel>
+HWY_INLINE hn::Vec<D> loaded(D d, const Channel* channels) {
+  return hn::Add(loadedFloats(d, channels), hn::Set(d, kGaussianFloor));
 }
 
-HWY_INLINE hn::Vec<Pixel> loaded(const float* pixel) {
-  const Pixel d;
-  const auto value = hn::LoadU(d, pixel);
+template <class D>
+HWY_INLINE hn::Vec<D> loaded(D d, const float* channels) {
+  const auto value = hn::LoadU(d, channels);
   const auto limited = hn::Min(hn::Max(value, hn::Set(d, -kGaussianCeiling)), hn::Set(d, kGaussianCeiling));
   return hn::Add(hn::IfThenElseZero(hn::Eq(value, value), limited), hn::Set(d, kGaussianFloor));
 }
 
 template <class Channel>
 void loadLines(const Channel* const* rows, std::size_t rowCount, std::size_t pixels, float* lines, std::size_t lanes) {
-  const Pixel d;
-  for (std::size_t x = 0; x < pixels; ++x) {
+  const Floats d;
+  const Pixel pixel;
+  std::size_t x = 0;
+  if (rowCount == 1 && lanes == 4) {  // a row stays one
+    const std::size_t step = hn::Lanes(d) / 4;
+    for (; x + step <= pixels; x += step) hn::StoreU(loaded(d, rows[0] + 4 * x), d, lines + 4 * x);
+  }
+  for (; x < pixels; ++x) {
     for (std::size_t row = 0; row < rowCount; ++row) {
-      hn::StoreU(loaded(rows[row] + 4 * x), d, lines + x * lanes + 4 * row);
+      hn::StoreU(loaded(pixel, rows[row] + 4 * x), pixel, lines + x * lanes + 4 * row);
     }
   }
 }
@@ -170,13 +202,18 @@ HWY_INLINE void storeVector(hn::Vec<D> v, D d, typename Layout::Channel* out) {
   storeFloats<Layout>(v, d, out);
 }
 
+// The lines of the caches that a row takes are far from the next row's.
+constexpr std::size_t kStoresAhead = 8;
+
 template <class Layout, class Channel>
 void storeLines(const float* lines, std::size_t lanes, std::size_t rowCount, std::size_t pixels, Channel* out,
                 std::size_t rowBytes) {
   const Floats d;
   const std::size_t width = hn::Lanes(d);
   for (std::size_t row = 0; row < rowCount; ++row, lines += lanes) {
-    auto* const place = reinterpret_cast<Channel*>(reinterpret_cast<std::uint8_t*>(out) + row * rowBytes);
+    auto* const bytes = reinterpret_cast<std::uint8_t*>(out) + row * rowBytes;
+    if (row + kStoresAhead < rowCount) hwy::Prefetch(bytes + kStoresAhead * rowBytes);
+    auto* const place = reinterpret_cast<Channel*>(bytes);
     std::size_t i = 0;
     for (; i + width <= 4 * pixels; i += width) storeVector<Layout>(hn::LoadU(d, lines + i), d, place + i);
     for (; i < 4 * pixels; i += 4) storeVector<Layout>(hn::LoadU(Pixel(), lines + i), Pixel(), place + i);

@@ -41,12 +41,14 @@ inline constexpr double kLargestDirectSigma = 3;
 // Sigma is in values, above 0 and at most some thousands. One so small that the radius is 0 leaves lines as they are.
 GaussianFilter gaussianFilter(double sigma);
 
-// The last line count that vectors take is a multiple of this.
+// Of what lines come in multiples: kGaussianLanes lines; or a row of pixels, which is four lines, in
+// kGaussianRowPixels.
 inline constexpr std::size_t kGaussianLanes = 32;
+inline constexpr std::size_t kGaussianRowPixels = 16;
 
-// Filters `count` values of `lanes` lines, a multiple of kGaussianLanes. At `in` and for a weighted sum there are
-// radius() values more before and after each line, from which the edges are taken; a recursive filter takes `edges`.
-// `out` is other memory. Values must not be infinite or NaN.
+// Filters `count` values of `lanes` lines. A weighted sum takes radius() values more at `in` before and after each
+// line; it alone takes a row of pixels. A recursive filter needs no more, but `edges`. `out` is other memory. Values
+// must not be infinite or NaN.
 void gaussianLines(const GaussianFilter& filter, const float* in, float* out, std::size_t count, std::size_t lanes,
                    GaussianEdges edges);
 

@@ -5,6 +5,7 @@
 #include "TarnCore/TCKernelTarget.h"
 
 #include <algorithm>
+#include <cstring>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "Effects/kernels/Resample.cpp"
@@ -26,15 +27,16 @@ void resample(const ResampleSource<Channel>& in, const ResampleKernel& kernel, c
 #else
 // A pixel of four channels, and as many pixels of a kernel's columns as a vector holds.
 using Pixel = hn::FixedTag<float, 4>;
-template <std::size_t columns>
-using Columns = hn::CappedTag<float, (columns < 4 ? 4 * columns : 16)>;
+using Columns = hn::CappedTag<float, 16>;
 
 // Each weight in the lanes of its pixel.
 template <class D>
 HWY_INLINE hn::Vec<D> spreadWeights(D d, const float* weights) {
   const hn::RebindToSigned<D> di;
   const auto pixelOfLane = hn::IndicesFromVec(d, hn::ShiftRight<2>(hn::Iota(di, 0)));
-  return hn::TableLookupLanes(hn::LoadU(d, weights), pixelOfLane);
+  HWY_ALIGN float four[4];
+  std::memcpy(four, weights, sizeof(four));
+  return hn::TableLookupLanes(hn::LoadDup128(d, four), pixelOfLane);
 }
 
 // The halves of a vector added up until they are one pixel.
@@ -52,10 +54,11 @@ HWY_INLINE hn::Vec<Pixel> foldedPixel(D, hn::Vec<D> v) {
 template <class Layout, std::size_t columns, std::size_t rows>
 HWY_INLINE void insidePixel(const typename Layout::Channel* corner, std::size_t rowBytes, const float* weightsX,
                             const float* weightsY, typename Layout::Channel* out) {
-  const Columns<columns> d;
+  const Columns d;
   constexpr std::size_t lanes = hn::MaxLanes(d);
   constexpr std::size_t vectors = 4 * columns / lanes;
-  hn::Vec<Columns<columns> > sums[vectors];
+  static_assert(vectors > 0);
+  hn::Vec<Columns> sums[vectors];
   for (std::size_t k = 0; k < vectors; ++k) {
     sums[k] = hn::Mul(hn::Set(d, weightsY[0]), loadedFloats(d, corner + k * lanes));
   }
@@ -71,7 +74,22 @@ HWY_INLINE void insidePixel(const typename Layout::Channel* corner, std::size_t 
   for (std::size_t half = vectors / 2; half > 0; half /= 2) {
     for (std::size_t k = 0; k < half; ++k) sums[k] = hn::Add(sums[k], sums[k + half]);
   }
-  storeFloats<Layout>(foldedPixel(Columns<columns>(), sums[0]), Pixel(), out);
+  storeFloats<Layout>(foldedPixel(Columns(), sums[0]), Pixel(), out);
+}
+
+// The same of two columns and two rows, each weight where it is used.
+template <class Layout>
+HWY_INLINE void insideLinear(const typename Layout::Channel* corner, std::size_t rowBytes, float phaseX, float phaseY,
+                             typename Layout::Channel* out) {
+  const Pixel d;
+  const auto* const below =
+      reinterpret_cast<const typename Layout::Channel*>(reinterpret_cast<const std::uint8_t*>(corner) + rowBytes);
+  const auto above = hn::Set(d, 1 - phaseY);
+  const auto under = hn::Set(d, phaseY);
+  const auto left = hn::Add(hn::Mul(above, loadedFloats(d, corner)), hn::Mul(under, loadedFloats(d, below)));
+  const auto right = hn::Add(hn::Mul(above, loadedFloats(d, corner + 4)), hn::Mul(under, loadedFloats(d, below + 4)));
+  const auto made = hn::Add(hn::Mul(left, hn::Set(d, 1 - phaseX)), hn::Mul(right, hn::Set(d, phaseX)));
+  storeFloats<Layout>(made, d, out);
 }
 
 template <class Layout, std::size_t columns, std::size_t rows, std::int64_t before>
@@ -85,10 +103,14 @@ void resamplePixels(const ResampleSource<typename Layout::Channel>& in, const Re
       resampleRowScalar<Layout>(in, kernel, places, i, i + 1, out);
       continue;
     }
-    const ResampleWeights<columns> weightsX(kernel, startX.phase);
-    const ResampleWeights<columns> weightsY(kernel, startY.phase);
-    insidePixel<Layout, columns, rows>(in.at(startX.first, startY.first), in.rowBytes, weightsX.values, weightsY.values,
-                                       out + 4 * i);
+    const auto* const corner = in.at(startX.first, startY.first);
+    if constexpr (columns == 2) {
+      insideLinear<Layout>(corner, in.rowBytes, startX.phase, startY.phase, out + 4 * i);
+    } else {
+      const ResampleWeights<columns> weightsX(kernel, startX.phase);
+      const ResampleWeights<columns> weightsY(kernel, startY.phase);
+      insidePixel<Layout, columns, rows>(corner, in.rowBytes, weightsX.values, weightsY.values, out + 4 * i);
+    }
   }
 }
 

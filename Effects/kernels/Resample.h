@@ -106,9 +106,10 @@ struct ResampleStart {
 // The weights from there on.
 template <std::size_t taps>
 struct ResampleWeights {
-  float values[taps + 16] = {};  // vectors may load more than the taps
+  float values[taps + 4];  // vectors may load a few more than the taps
 
   ResampleWeights(const ResampleKernel& kernel, float phase) {
+    for (std::size_t i = taps; i < taps + 4; ++i) values[i] = 0;
     if constexpr (taps == 2) {
       values[0] = 1 - phase;
       values[1] = phase;

@@ -69,6 +69,12 @@ TYPED_TEST(FilterRows, LoadAndStoreLinesAsDefined) {
     gaussianLoad(rows, rowCount, pixels, lines.data(), lanes);
     EXPECT_EQ(lines, expected);
   });
+  std::vector<float> row(4 * pixels), expectedRow(row);
+  gaussianLoadScalar(rows, 1, pixels, expectedRow.data(), 4);
+  onEveryTarget([&] {
+    gaussianLoad(rows, 1, pixels, row.data(), 4);
+    EXPECT_EQ(row, expectedRow);
+  });
   // As rows: some values too small to be one, and some outside the range.
   for (std::size_t i = 0; i < lines.size(); i += 3) lines[i] = i % 2 ? lines[i] * 2 - 40 : 1e-24F;
   withLayoutsOf<Channel>([&](auto layout) {
@@ -92,7 +98,7 @@ TEST(GaussianLines, AreFilteredAsDefined) {
     const GaussianFilter filter = gaussianFilter(sigma);
     ASSERT_LE(filter.radius(), room);
     for (const std::size_t count : {1, 2, 50}) {
-      std::vector<float> in((count + 2 * room) * lanes), expected(count * lanes), out(count * lanes);
+      std::vector<float> in((count + 2 * room) * lanes), expected(count * lanes), out(expected);
       for (float& value : in) value = std::uniform_real_distribution<float>(-1, 2)(random);
       for (const auto edges : {GaussianEdges::Transparent, GaussianEdges::Repeat}) {
         gaussianLinesScalar(filter, in.data() + room * lanes, expected.data(), count, lanes, edges);
@@ -101,6 +107,12 @@ TEST(GaussianLines, AreFilteredAsDefined) {
           EXPECT_EQ(out, expected) << sigma << ", " << count;
         });
       }
+      if (filter.weights.empty()) continue;
+      gaussianLinesScalar(filter, in.data() + room * lanes, expected.data(), 16, 4, {});
+      onEveryTarget([&] {
+        gaussianLines(filter, in.data() + room * lanes, out.data(), 16, 4, {});
+        EXPECT_TRUE(std::equal(out.begin(), out.begin() + 64, expected.begin())) << sigma << ", a row";
+      });
     }
   }
 }
