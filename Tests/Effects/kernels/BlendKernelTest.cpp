@@ -66,7 +66,7 @@ TYPED_TEST(BlendRows, AreAsDefined) {
 
 // Results that are larger than caches are stored in another way.
 TYPED_TEST(BlendRows, OfLargeImagesAreAsDefined) {
-  const std::size_t count = (std::size_t{17} << 20) / 4 / sizeof(TypeParam) + 3;
+  const std::size_t count = (std::size_t{25} << 20) / 4 / sizeof(TypeParam) + 3;
   const auto part = this->row();
   std::vector<TypeParam> a(4 * count);
   for (std::size_t i = 0; i < a.size(); ++i) a[i] = part[i % (part.size() - 12)];
