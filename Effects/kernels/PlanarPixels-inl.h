@@ -20,6 +20,12 @@ struct Planar {
   hn::Vec<Floats> red, green, blue, alpha;
 };
 
+// A byte of each pixel.
+template <int index>
+HWY_INLINE hn::Vec<Floats> byteAsFloat(hn::Vec<Wides> pixels) {
+  return hn::ConvertTo(Floats(), hn::BitCast(hn::RebindToSigned<Floats>(), byteOf<index>(pixels)));
+}
+
 // As many pixels as a vector has floats.
 template <class Layout>
 HWY_INLINE Planar loadPlanar(const typename Layout::Channel* in) {
@@ -36,11 +42,8 @@ HWY_INLINE Planar loadPlanar(const typename Layout::Channel* in) {
          hn::ConvertTo(d, hn::PromoteTo(di, blue)), hn::ConvertTo(d, hn::PromoteTo(di, alpha))};
   } else {
     const auto pixels = hn::BitCast(Wides(), hn::LoadU(Bytes(), in));
-    const auto channel = [&](auto index) HWY_ATTR {
-      return hn::ConvertTo(d, hn::BitCast(di, byteOf<decltype(index)::value>(pixels)));
-    };
-    p = {channel(std::integral_constant<int, Layout::kRed>()), channel(std::integral_constant<int, Layout::kGreen>()),
-         channel(std::integral_constant<int, Layout::kBlue>()), channel(std::integral_constant<int, Layout::kAlpha>())};
+    p = {byteAsFloat<Layout::kRed>(pixels), byteAsFloat<Layout::kGreen>(pixels), byteAsFloat<Layout::kBlue>(pixels),
+         byteAsFloat<Layout::kAlpha>(pixels)};
   }
   return p;
 }
