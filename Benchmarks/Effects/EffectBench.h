@@ -33,7 +33,8 @@ struct MeasuredEffect {
   const char* name;
   const char* first;
   const char* second;
-  void (*prepare)(QCPatch&);  // sets parameters; may be null
+  void (*prepare)(QCPatch&);      // sets parameters; may be null
+  const char* variant = nullptr;  // stands behind the name
 };
 
 // Registers the rows of these effects, which last as long as the program.

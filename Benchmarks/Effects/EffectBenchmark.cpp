@@ -78,6 +78,12 @@ const MeasuredEffect kEffects[] = {
        setNumber(patch, "inputTime", 0.37);
        setNumber(patch, "inputAngle", 30);
      }},
+    {"Gradient Wipe", "inputImageA", "inputImageB",
+     [](QCPatch& patch) {
+       setNumber(patch, "inputTime", 0.37);
+       patch.portForKey("inputShapeImage")->setValue(patch.portForKey("inputImageA")->value());
+     },
+     "by a picture"},
     {"Levels", "inputImage", nullptr, setLevels},
     {"Gradient Map", "inputImage", nullptr, nullptr},
     {"Duotone", "inputImage", nullptr, nullptr},
@@ -135,7 +141,8 @@ bool registerRows(std::span<const MeasuredEffect> rows) {
            {std::pair{"8", Format::RGBA8}, {"16", Format::RGBA16}, {"float", Format::RGBAFloat}}) {
         for (const Alpha alpha : {Alpha::Opaque, Alpha::Varied}) {
           if (!effect.first && alpha == Alpha::Varied) continue;
-          const std::string row = std::string("Effects at ") + size.name + "/" + effect.name + " " + depth +
+          const std::string row = std::string("Effects at ") + size.name + "/" + effect.name +
+                                  (effect.variant ? std::string(", ") + effect.variant : "") + " " + depth +
                                   (alpha == Alpha::Opaque ? " opaque" : " alpha");
           benchmark::RegisterBenchmark(row.c_str(),
                                        [&effect, size, code = code, alpha](benchmark::State& state) {
