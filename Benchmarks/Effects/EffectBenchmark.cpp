@@ -77,6 +77,19 @@ const MeasuredEffect kEffects[] = {
        setNumber(patch, "inputTime", 0.37);
        setNumber(patch, "inputAngle", 30);
      }},
+    {"Gradient Wipe", "inputImageA", "inputImageB",
+     [](QCPatch& patch) {
+       setNumber(patch, "inputTime", 0.37);
+       patch.portForKey("inputShapeImage")->setValue(patch.portForKey("inputImageA")->value());
+     },
+     "Gradient Wipe by a picture"},
+    {"Gradient Wipe", "inputImageA", "inputImageB",
+     [](QCPatch& patch) {
+       setNumber(patch, "inputTime", 0.5);
+       setNumber(patch, "inputAngle", 30);
+       setNumber(patch, "inputSoftness", 1);
+     },
+     "Gradient Wipe, all soft"},
     {"Levels", "inputImage", nullptr, setLevels},
     {"Gradient Map", "inputImage", nullptr, nullptr},
     {"Duotone", "inputImage", nullptr, nullptr},

@@ -126,7 +126,7 @@ void add(std::vector<Peer>& peers, const char* name, Work work) {
 
 std::vector<Peer> peersOf(const std::string& effect, std::uint32_t formatCode) {
   const bool bytes = formatCode == Format::RGBA8;
-  const bool mixes = effect == "Dissolve" || effect == "Gradient Wipe" || effect == "Iris";
+  const bool mixes = effect == "Dissolve" || effect.starts_with("Gradient Wipe") || effect == "Iris";
   std::vector<Peer> peers = blendPeersOf(effect, formatCode);
   if (effect == "Solid Color") {
     add(peers, "memset", [](const Frames& frames) { std::memset(frames.out->data, 77, frames.out->getSize()); });

@@ -9,13 +9,13 @@
 #endif
 
 #include "Effects/kernels/BlendLoops-inl.h"
+#include "Effects/kernels/PlanarPixels-inl.h"
 
 #if HWY_TARGET != HWY_SCALAR
 HWY_BEFORE_NAMESPACE();
 namespace vorto::effects::HWY_NAMESPACE {
 
 using Real = hn::Vec<Floats>;
-using kernels::HWY_NAMESPACE::expectWriteBehind;
 
 struct Color {
   Real red, green, blue;
@@ -27,50 +27,8 @@ struct PlanePair {
   Real behindAlpha, frontAlpha;
 };
 
-// Pixels of integer channels, in lanes of 32 bits.
-struct Pixels {
-  hn::Vec<Wides> red, green, blue, alpha;
-};
-
-template <class Layout>
-HWY_INLINE Pixels loadPixels(const std::uint8_t* place) {
-  const auto v = hn::BitCast(Wides(), hn::LoadU(Bytes(), place));
-  return {byteOf<Layout::kRed>(v), byteOf<Layout::kGreen>(v), byteOf<Layout::kBlue>(v), byteOf<Layout::kAlpha>(v)};
-}
-
-template <class Layout>
-HWY_INLINE void storeChannels(const Pixels& of, std::uint8_t* place) {
-  const auto ends = hn::Or(hn::ShiftLeft<8 * Layout::kRed>(of.red), hn::ShiftLeft<8 * Layout::kGreen>(of.green));
-  const auto rest = hn::Or(hn::ShiftLeft<8 * Layout::kBlue>(of.blue), hn::ShiftLeft<8 * Layout::kAlpha>(of.alpha));
-  storeNext<false>(hn::BitCast(Bytes(), hn::Or(ends, rest)), Bytes(), place);
-}
-
-using HalfWords = hn::Rebind<std::uint16_t, Wides>;
-
-template <class>
-HWY_INLINE Pixels loadPixels(const std::uint16_t* place) {
-  hn::Vec<HalfWords> red, green, blue, alpha;
-  hn::LoadInterleaved4(HalfWords(), place, red, green, blue, alpha);
-  const Wides d;
-  return {hn::PromoteTo(d, red), hn::PromoteTo(d, green), hn::PromoteTo(d, blue), hn::PromoteTo(d, alpha)};
-}
-
-template <class>
-HWY_INLINE void storeChannels(const Pixels& of, std::uint16_t* place) {
-  const HalfWords d;
-  const hn::RebindToSigned<Wides> di;
-  const auto word = [&](hn::Vec<Wides> v) HWY_ATTR { return hn::DemoteTo(d, hn::BitCast(di, v)); };
-  expectWriteBehind(place);
-  expectWriteBehind(place + 2 * hn::Lanes(d));
-  hn::StoreInterleaved4(word(of.red), word(of.green), word(of.blue), word(of.alpha), d, place);
-}
-
-HWY_INLINE Real realOf(hn::Vec<Wides> v) {
-  return hn::ConvertTo(Floats(), hn::BitCast(hn::RebindToSigned<Wides>(), v));
-}
-
 // The color, no more than alpha.
-HWY_INLINE Color colorOf(const Pixels& of) {
+HWY_INLINE Color colorOf(const Channels& of) {
   return {realOf(hn::Min(of.red, of.alpha)), realOf(hn::Min(of.green, of.alpha)), realOf(hn::Min(of.blue, of.alpha))};
 }
 
@@ -114,8 +72,8 @@ HWY_INLINE void blendOnce(const Integer* background, const Integer* foreground, 
   constexpr int kBits = 8 * sizeof(Integer);
   constexpr auto kOne = static_cast<float>((1U << kBits) - 1);
   const Floats d;
-  const Pixels behind = loadPixels<Layout>(background);
-  const Pixels front = loadPixels<Layout>(foreground);
+  const Channels behind = loadChannels<Layout>(background);
+  const Channels front = loadChannels<Layout>(foreground);
   const PlanePair of{colorOf(behind), colorOf(front), realOf(behind.alpha), realOf(front.alpha)};
   const Color color = sumOf(of, both(Mode(), of), hn::Set(d, kOne));
   const auto alpha = alphaOver<kBits>(behind.alpha, front.alpha);

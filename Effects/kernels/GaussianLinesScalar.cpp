@@ -23,6 +23,7 @@ std::vector<float> sampledGaussian(double sigma) {
     sum += i == 0 ? samples[i] : 2 * samples[i];
   }
   std::vector<float> weights;
+  weights.reserve(samples.size());
   for (const double sample : samples) weights.push_back(static_cast<float>(sample / sum));
   return weights;
 }

@@ -120,10 +120,9 @@ void latticeRow(std::uint32_t key, std::uint32_t row, float* out, std::size_t co
 template <class Layout>
 void opaqueRow(const float* red, const float* green, const float* blue, typename Layout::Channel* out,
                std::size_t count) {
+  if (TCUsesScalarKernels()) return opaqueRowScalar<Layout>(red, green, blue, out, count);
   std::size_t done = 0;
-  if (TCUsesScalarKernels()) {
-    done = 0;
-  } else if constexpr (std::is_same_v<Layout, RGBA8>) {
+  if constexpr (std::is_same_v<Layout, RGBA8>) {
     done = HWY_DYNAMIC_DISPATCH(opaqueBytes)(red, green, blue, out, count);
   } else if constexpr (std::is_same_v<Layout, RGBA16>) {
     done = HWY_DYNAMIC_DISPATCH(opaqueWords)(red, green, blue, out, count);

@@ -14,6 +14,7 @@
 #include <hwy/highway.h>
 
 #include "Effects/kernels/FloatPixels-inl.h"
+#include "Effects/kernels/PlanarPixels-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace vorto::effects::HWY_NAMESPACE {
@@ -92,12 +93,90 @@ HWY_INLINE void insideLinear(const typename Layout::Channel* corner, std::size_t
   storeFloats<Layout>(made, d, out);
 }
 
+// Where the linear kernel lies for as many places as a vector has floats, on one axis.
+struct LinearStarts {
+  hn::Vec<hn::RebindToSigned<Floats> > first;
+  hn::Vec<Floats> phase;
+
+  HWY_INLINE LinearStarts(double start, double step, std::size_t index) {
+    const hn::Rebind<float, Doubles> floats;
+    const hn::Rebind<std::int32_t, Doubles> integers;
+    const auto fromCenter = [&](std::size_t from) HWY_ATTR {
+      const auto count = hn::Iota(Doubles(), static_cast<double>(from));
+      const auto place = hn::Add(hn::Set(Doubles(), start), hn::Mul(count, hn::Set(Doubles(), step)));
+      return hn::Sub(place, hn::Set(Doubles(), 0.5));
+    };
+    const auto low = fromCenter(index), high = fromCenter(index + hn::Lanes(Doubles()));
+    const auto lowLeft = hn::Floor(low), highLeft = hn::Floor(high);
+    first =
+        hn::Combine(hn::RebindToSigned<Floats>(), hn::DemoteTo(integers, highLeft), hn::DemoteTo(integers, lowLeft));
+    phase = hn::Combine(Floats(), hn::DemoteTo(floats, hn::Sub(high, highLeft)),
+                        hn::DemoteTo(floats, hn::Sub(low, lowLeft)));
+  }
+
+  HWY_INLINE bool isWithin(std::int64_t last) const {
+    const hn::RebindToSigned<Floats> d;
+    const auto isBefore = hn::Lt(first, hn::Zero(d));
+    return hn::AllFalse(d, hn::Or(isBefore, hn::Gt(first, hn::Set(d, static_cast<std::int32_t>(last)))));
+  }
+};
+
+// The four neighbors of places, a channel at a time.
+struct LinearBytes {
+  hn::Vec<Wides> pixels[4];  // above left and right, below left and right
+  hn::Vec<Floats> above, below, left, right;
+
+  template <int index>
+  HWY_INLINE hn::Vec<Floats> channel() const {
+    const auto column = [&](int i) HWY_ATTR {
+      return hn::Add(hn::Mul(above, byteAsFloat<index>(pixels[i])), hn::Mul(below, byteAsFloat<index>(pixels[i + 2])));
+    };
+    return hn::Add(hn::Mul(column(0), left), hn::Mul(column(1), right));
+  }
+};
+
+// Pixels of bytes whose kernels lie in the image, from `first` on, in whole vectors; returns how many it made. Images
+// of 2 GiB have places that no 32-bit offset reaches.
+template <class Layout>
+std::size_t linearBytes(const ResampleSource<std::uint8_t>& in, const ResamplePlaces& places, std::size_t first,
+                        std::size_t end, std::uint8_t* out) {
+  const Floats d;
+  const Wides wides;
+  const std::size_t lanes = hn::Lanes(d);
+  if (in.rowBytes * static_cast<std::size_t>(in.height) >= std::size_t{1} << 31) return 0;
+  const hn::RebindToSigned<Floats> di;
+  const auto one = hn::Set(d, 1.0F);
+  std::size_t i = first;
+  for (; i + lanes <= end; i += lanes) {
+    const LinearStarts x(places.x, places.stepX, i), y(places.y, places.stepY, i);
+    if (!x.isWithin(in.width - 2) || !y.isWithin(in.height - 2)) break;
+    const auto rows = hn::Mul(y.first, hn::Set(di, static_cast<std::int32_t>(in.rowBytes)));
+    const auto offset = hn::Add(rows, hn::ShiftLeft<2>(x.first));
+    const auto neighbor = [&](std::size_t bytes) HWY_ATTR {
+      return hn::GatherOffset(wides, reinterpret_cast<const std::uint32_t*>(in.pixels + bytes), offset);
+    };
+    const LinearBytes linear{{neighbor(0), neighbor(4), neighbor(in.rowBytes), neighbor(in.rowBytes + 4)},
+                             hn::Sub(one, y.phase),
+                             y.phase,
+                             hn::Sub(one, x.phase),
+                             x.phase};
+    storePlanar<Layout>({linear.channel<Layout::kRed>(), linear.channel<Layout::kGreen>(),
+                         linear.channel<Layout::kBlue>(), linear.channel<Layout::kAlpha>()},
+                        out + 4 * i);
+  }
+  return i - first;
+}
+
 template <class Layout, std::size_t columns, std::size_t rows, std::int64_t before>
 void resamplePixels(const ResampleSource<typename Layout::Channel>& in, const ResampleKernel& kernel,
                     const ResamplePlaces& places, std::size_t first, std::size_t end, typename Layout::Channel* out) {
   const std::int64_t lastX = in.width - static_cast<std::int64_t>(columns);
   const std::int64_t lastY = in.height - static_cast<std::int64_t>(rows);
   for (std::size_t i = first; i < end; ++i) {
+    if constexpr (columns == 2 && sizeof(typename Layout::Channel) == 1) {
+      i += linearBytes<Layout>(in, places, i, end, out);
+      if (i == end) break;
+    }
     const ResampleStart startX(places.xOf(i), before), startY(places.yOf(i), before);
     if (startX.first < 0 || startX.first > lastX || startY.first < 0 || startY.first > lastY) {
       resampleRowScalar<Layout>(in, kernel, places, i, i + 1, out);

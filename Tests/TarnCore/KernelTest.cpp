@@ -202,9 +202,11 @@ class Guarded {
 
 const std::vector<Color>& backgrounds() {
   static const std::vector<Color> all = [] {
-    std::vector<Color> made = {{0.2f, 0.7f, 0.9f},      {0, 0, 0},           {-0.5f, 1.5f, -0.0f},  {8192, -8192, 3},
-                               {INFINITY, NAN, 0.5f},   {9e5f, -1e6f, 8193}, {9000, -1e30f, 1e38f}, {1, 1, 1},
-                               {0.1f, 1 / 3.0f, 0.013f}};
+    std::vector<Color> made = {{0.2f, 0.7f, 0.9f},       {0, 0, 0},
+                               {-0.5f, 1.5f, -0.0f},     {8192, -8192, 3},
+                               {INFINITY, NAN, 0.5f},    {9e5f, -1e6f, 8193},
+                               {9000, -1e30f, 1e38f},    {1, 1, 1},
+                               {0.1f, 1 / 3.0f, 0.013f}, {9.9995e-21f, 1e-30f, 1e-9f}};
     std::mt19937 generator(7);
     std::uniform_real_distribution<float> anywhere(-0.25f, 1.25f);
     for (float i = 0; i < 20; ++i) {  // every other one has colors that land next to a half when they are seen through
@@ -267,7 +269,7 @@ TEST_P(Kernel, EveryWidthAndOffset) {
 }
 
 TEST_P(Kernel, WholeDomains) {
-  const std::size_t most = !operation.hasBackground ? 1 : operation.number == Number::Byte ? 48 : 6;
+  const std::size_t most = !operation.hasBackground ? 1 : operation.number == Number::Byte ? 49 : 6;
   for (std::size_t i = 0; i < most && operation.domain; ++i) {
     const Count units = operation.domain().size() / operation.taken();
     const Bytes before = operation.isInPlace() ? operation.domain() : Bytes(units * operation.written, 1);

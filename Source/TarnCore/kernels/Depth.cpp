@@ -165,6 +165,8 @@ struct WriteRGBAFloat {
   }
 };
 
+constexpr std::uintptr_t kAhead = 2048;  // bytes at which wide channels are asked for
+
 // Converts as many whole vectors as are written at once, again and again, and returns how many pixels those were.
 template <bool streamed, class Write, class Read>
 std::size_t convertVectors(std::uint8_t* out, const std::uint8_t* in, std::size_t count) {
@@ -173,7 +175,11 @@ std::size_t convertVectors(std::uint8_t* out, const std::uint8_t* in, std::size_
   const std::size_t channels = count * 4 / step * step;
   for (std::size_t i = 0; i < channels; i += step) {
     FloatVector v[Write::kVectors];
-    for (std::size_t k = 0; k < Write::kVectors; ++k) v[k] = Read::read(in + (i + k * lanes) * Read::kChannelBytes);
+    for (std::size_t k = 0; k < Write::kVectors; ++k) {
+      const std::uint8_t* const place = in + (i + k * lanes) * Read::kChannelBytes;
+      if constexpr (Read::kChannelBytes == 4) expectRead<kAhead>(place);
+      v[k] = Read::read(place);
+    }
     Write::template write<streamed>(v, out + i * Write::kChannelBytes);
   }
   return channels / 4;
@@ -224,6 +230,8 @@ std::size_t narrowWords(std::uint8_t* out, const std::uint8_t* in, std::size_t c
   const std::size_t channels = count * 4 / lanes * lanes;
   for (std::size_t i = 0; i < channels; i += lanes) {
     const auto* const words = reinterpret_cast<const std::uint16_t*>(in) + i;
+    expectRead<kAhead>(words);
+    expectRead<kAhead>(words + lanes / 2);
     const auto bytes = packToBytes(narrowed(words), narrowed(words + lanes / 2));
     const auto ordered = hn::BitCast(d, inOrder<2>(pairs, hn::BitCast(pairs, bytes)));
     storeNext<streamed>(rotatePixels<24>(d, ordered), d, out + i);

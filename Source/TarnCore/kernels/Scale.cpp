@@ -17,12 +17,7 @@
 HWY_BEFORE_NAMESPACE();
 namespace vorto::kernels::HWY_NAMESPACE {
 
-// Asks for source pixels ahead: processors follow a row that is read with gaps too late, and rows that are left out
-// lead them astray. What lies beyond the image is not touched by it.
-HWY_INLINE void expectReadBehind(const void* place) {
-  constexpr std::uintptr_t kDistance = 1024;
-  __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<std::uintptr_t>(place) + kDistance));
-}
+constexpr std::uintptr_t kAhead = 1024;  // bytes at which source pixels are asked for
 
 template <std::size_t bytes>
 HWY_INLINE void gatherOneByOne(std::uint8_t* out, const std::uint8_t* row, const std::uint32_t* columns,
@@ -57,7 +52,7 @@ HWY_INLINE void gatherSixBytes(std::uint8_t* out, const std::uint8_t* row, std::
                                const std::uint32_t* columns, std::size_t count) {
   std::size_t i = 0;
   for (; i + 4 < count && std::size_t{columns[i + 3]} + 2 <= rowPixels; i += 4) {
-    expectReadBehind(row + std::size_t{columns[i]} * 6);
+    expectRead<kAhead>(row + std::size_t{columns[i]} * 6);
     for (std::size_t k = i; k < i + 4; ++k) std::memcpy(out + k * 6, row + std::size_t{columns[k]} * 6, 8);
   }
   gatherOneByOne<6>(out + i * 6, row, columns + i, count - i);
@@ -91,7 +86,7 @@ void gatherTwoBytes(std::uint8_t* out, const std::uint8_t* row, std::size_t rowP
       gatherOneByOne<2>(out + i * 2, row, columns + i, kTogether);
       continue;
     }
-    expectReadBehind(from);
+    expectRead<kAhead>(from);
     const auto relative = [&](std::size_t k) {
       const auto* const place = reinterpret_cast<const std::int32_t*>(columns + i + k);
       return hn::Sub(hn::LoadU(columnTag, place), hn::Set(columnTag, static_cast<std::int32_t>(first)));
@@ -123,7 +118,7 @@ void gatherWords(std::uint8_t* out, const std::uint8_t* row, std::size_t rowPixe
       gatherTurned<Word, turn>(out + i * sizeof(Word), row, columns + i, lanes);
       continue;
     }
-    expectReadBehind(words + first);
+    expectRead<kAhead>(words + first);
     const auto relative32 = hn::Sub(hn::LoadU(columnTag, columns + i), hn::Set(columnTag, first));
     hn::Vec<decltype(indexTag)> relative;
     if constexpr (sizeof(Word) == 4) {

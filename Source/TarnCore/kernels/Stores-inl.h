@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// How kernels store what they have made. Included once for each target, hence no guard but this one.
+// How kernels store what they have made, and ask for what they will need. Included once for each target, hence no guard
+// but this one.
 #if defined(VORTO_STORES_TARGET) == defined(HWY_TARGET_TOGGLE)
 #ifdef VORTO_STORES_TARGET
 #undef VORTO_STORES_TARGET
@@ -26,6 +27,13 @@ HWY_INLINE void expectWriteBehind(const void* place) {
 #else
   __builtin_prefetch(ahead, 1);
 #endif
+}
+
+// Asks for a line that will be read so many bytes later: where a row is read with gaps, rows are left out or a loop
+// takes several lines at a time, the processor itself asks too late. What lies beyond the image is not touched by it.
+template <std::uintptr_t distance>
+HWY_INLINE void expectRead(const void* place) {
+  __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<std::uintptr_t>(place) + distance));
 }
 
 // Stores in a loop over consecutive vectors: past the caches, for which the place must be aligned to the vector, or

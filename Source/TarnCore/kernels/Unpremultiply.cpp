@@ -222,16 +222,15 @@ HWY_EXPORT(unpremultiplyWords);
 HWY_EXPORT(unpremultiplyHalves);
 HWY_EXPORT(unpremultiplyFloats);
 
-namespace {
-
-// The vectors convert products to 32-bit integers, which backgrounds far outside 0..1 would overflow, and NaN has no
-// place in them: such backgrounds are for the definition.
-bool fitsVectors(float v) {
-  return std::abs(v) <= 8192.0f;
+bool fitsVectors(const Background& background) {
+  const auto fits = [](float v) { return v == 0.0f || (std::abs(v) >= 1e-10f && std::abs(v) <= 8192.0f); };
+  return fits(background.red) && fits(background.green) && fits(background.blue);
 }
 
+namespace {
+
 bool definitionOnly(const Background& b) {
-  return useScalar() || !fitsVectors(b.red) || !fitsVectors(b.green) || !fitsVectors(b.blue);
+  return useScalar() || !fitsVectors(b);
 }
 
 }  // namespace

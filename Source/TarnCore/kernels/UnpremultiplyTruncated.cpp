@@ -4,8 +4,6 @@
 #include "TarnCore/kernels/Dispatch.h"
 #include "TarnCore/kernels/Memory.h"
 
-#include <cmath>
-
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "TarnCore/kernels/UnpremultiplyTruncated.cpp"
 #include <hwy/foreach_target.h>
@@ -118,9 +116,8 @@ HWY_EXPORT(truncatedInPlace);
 
 void unpremultiplyTruncated(std::uint8_t* destination, const std::uint8_t* source, std::size_t count, std::size_t step,
                             const Background& background) {
-  const auto fitsVectors = [](float v) { return std::abs(v) <= 8192.0f; };  // others could overflow
-  const bool fit = fitsVectors(background.red) && fitsVectors(background.green) && fitsVectors(background.blue);
-  if (useScalar() || step != 4 || !fit || overlapsShifted(destination, 4 * count, source, 4 * count)) {
+  if (useScalar() || step != 4 || !fitsVectors(background) ||
+      overlapsShifted(destination, 4 * count, source, 4 * count)) {
     return unpremultiplyTruncatedScalar(destination, source, count, step, background);
   }
   HWY_DYNAMIC_DISPATCH(truncatedCopy)(destination, source, count, background);
