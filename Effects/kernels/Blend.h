@@ -48,6 +48,9 @@ struct SaturationMode {};  // SetLum(SetSat(b, Sat(f)), Lum(b))
 struct ColorMode {};       // SetLum(f, Lum(b))
 struct LuminosityMode {};  // SetLum(b, Lum(f))
 
+// Colors whose components are no further apart have no hue.
+inline constexpr float kGrey = 1e-30F;
+
 // The modes by the form of their kernels.
 template <class... Modes>
 struct ModeList {

@@ -43,10 +43,10 @@ HWY_INLINE Color withSaturation(const Color& c, Real saturation) {
   const Floats d;
   const auto least = smallest(c);
   const auto range = hn::Sub(largest(c), least);
-  const auto isColored = hn::Gt(range, hn::Zero(d));
-  const auto stretched = [&](Real v) HWY_ATTR {
-    return hn::IfThenElseZero(isColored, hn::Mul(hn::Div(hn::Sub(v, least), range), saturation));
-  };
+  const auto isColored = hn::Gt(range, hn::Set(d, kGrey));
+  const auto stretch = hn::Div(saturation, range);
+  const auto stretched = [&](Real v)
+                             HWY_ATTR { return hn::IfThenElseZero(isColored, hn::Mul(hn::Sub(v, least), stretch)); };
   return {stretched(c.red), stretched(c.green), stretched(c.blue)};
 }
 
@@ -59,9 +59,11 @@ HWY_INLINE Color withLuminosity(const Color& c, Real luminosity, Real limit) {
   const Color moved{hn::Add(c.red, change), hn::Add(c.green, change), hn::Add(c.blue, change)};
   const auto least = smallest(moved);
   const auto most = largest(moved);
-  const auto up = hn::IfThenElse(hn::Lt(least, zero), hn::Div(wanted, hn::Sub(wanted, least)), one);
-  const auto down = hn::IfThenElse(hn::Gt(most, limit), hn::Div(hn::Sub(limit, wanted), hn::Sub(most, wanted)), one);
-  const auto factor = hn::Mul(up, down);
+  const auto isBelow = hn::Lt(least, zero);
+  const auto isAbove = hn::Gt(most, limit);
+  const auto room = hn::IfThenElse(isBelow, wanted, hn::Sub(limit, wanted));
+  const auto reach = hn::IfThenElse(isBelow, hn::Sub(wanted, least), hn::Sub(most, wanted));
+  const auto factor = hn::IfThenElse(hn::Or(isBelow, isAbove), hn::Div(room, reach), one);
   const auto clipped = [&](Real v) HWY_ATTR { return hn::Add(wanted, hn::Mul(hn::Sub(v, wanted), factor)); };
   return {clipped(moved.red), clipped(moved.green), clipped(moved.blue)};
 }

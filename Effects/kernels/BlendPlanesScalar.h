@@ -73,21 +73,23 @@ inline float saturationOf(const Color& c) {
 inline Color withSaturation(const Color& c, float saturation) {
   const float least = smallest(c);
   const float range = largest(c) - least;
-  if (!(range > 0)) return {0, 0, 0};
-  return {(c.red - least) / range * saturation, (c.green - least) / range * saturation,
-          (c.blue - least) / range * saturation};
+  if (!(range > kGrey)) return {0, 0, 0};
+  const float stretch = saturation / range;
+  return {(c.red - least) * stretch, (c.green - least) * stretch, (c.blue - least) * stretch};
 }
 
-// SetLum with ClipColor, of colors from 0 to the limit.
+// SetLum with ClipColor, of colors from 0 to the limit. A color that leaves both is clipped at 0.
 inline Color withLuminosity(const Color& c, float luminosity, float limit) {
   const float wanted = lesserOf(greaterOf(luminosity, 0), limit);
   const float change = luminosity - luminosityOf(c);
   const Color moved{c.red + change, c.green + change, c.blue + change};
   const float least = smallest(moved);
   const float most = largest(moved);
-  const float up = least < 0 ? wanted / (wanted - least) : 1;
-  const float down = most > limit ? (limit - wanted) / (most - wanted) : 1;
-  const float factor = up * down;
+  const bool isBelow = least < 0;
+  const bool isAbove = most > limit;
+  const float room = isBelow ? wanted : limit - wanted;
+  const float reach = isBelow ? wanted - least : most - wanted;
+  const float factor = isBelow || isAbove ? room / reach : 1;
   return {wanted + (moved.red - wanted) * factor, wanted + (moved.green - wanted) * factor,
           wanted + (moved.blue - wanted) * factor};
 }
