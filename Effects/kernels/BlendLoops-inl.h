@@ -38,6 +38,8 @@ struct InterleavedLoops {
   static std::size_t row(const Channel* background, const Channel* foreground, Channel* out, std::size_t count) {
     const hn::ScalableTag<Channel> d;
     return storePixels(d, out, count, [=](std::size_t i) HWY_ATTR {
+      expectPixels(background + i);
+      expectPixels(foreground + i);
       const auto behind = hn::LoadU(d, background + i);
       return Vectors::template blended<Layout>(Mode(), d, behind, hn::LoadU(d, foreground + i));
     });

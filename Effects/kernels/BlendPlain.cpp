@@ -146,6 +146,8 @@ struct PlainLoops {
       });
     } else if constexpr (std::is_integral_v<Channel> && std::is_same_v<Mode, MultiplyMode>) {
       return storePixels(d, out, count, [=](std::size_t i) HWY_ATTR {
+        expectPixels(background + i);
+        expectPixels(foreground + i);
         const auto behind = hn::LoadU(d, background + i);
         const auto front = hn::LoadU(d, foreground + i);
         if (areOpaque<Layout>(d, hn::And(front, behind))) return productOf(d, behind, front);

@@ -71,6 +71,7 @@ std::size_t mapVectors(Layout, const std::uint8_t* in, std::uint8_t* out, std::s
   const auto half = hn::Set(dp, 0x8000);
   const LaidPixel<Layout>* const entries = table.entries.data();
   return storePixels(d, out, count, [=, &table](std::size_t i) HWY_ATTR {
+    expectPixels(in + i);
     const auto pixels = hn::BitCast(dp, hn::LoadU(d, in + i));
     const auto alpha = byteOf<Layout::kAlpha>(pixels);
     if (table.isOpaque && hn::AllTrue(dp, hn::Eq(alpha, full))) {
@@ -120,6 +121,7 @@ std::size_t mapVectors(RGBA16, const std::uint16_t* in, std::uint16_t* out, std:
   const auto half = hn::Set(dp, 0x8000);
   const auto alphaWord = hn::Set(dp, std::uint64_t{0xFFFF} << 48);
   return storePixels(d, out, count, [=, &table](std::size_t i) HWY_ATTR {
+    expectPixels(in + i);
     const auto pixels = hn::BitCast(dp, hn::LoadU(d, in + i));
     const auto alpha = hn::ShiftRight<48>(pixels);
     if (table.isOpaque && hn::AllTrue(dp, hn::Eq(alpha, full))) {
@@ -147,6 +149,7 @@ std::size_t mapVectors(RGBAFloat, const float* in, float* out, std::size_t count
   HWY_ALIGN float parts[hn::MaxLanes(d)];
   for (std::size_t i = 0; i < whole; i += lanes) {
     hn::Vec<Floats> red, green, blue, alpha;
+    for (std::size_t vector = 0; vector < 4; ++vector) expectPixels(in + 4 * i + vector * lanes);
     hn::LoadInterleaved4(d, in + 4 * i, red, green, blue, alpha);
     const auto sum = hn::Add(hn::Add(hn::Mul(hn::Set(d, 0.2126F), red), hn::Mul(hn::Set(d, 0.7152F), green)),
                              hn::Mul(hn::Set(d, 0.0722F), blue));

@@ -109,6 +109,7 @@ std::size_t levelsVectors(Layout, const std::uint8_t* in, std::uint8_t* out, std
   const Wides dp;
   const auto full = hn::Set(dp, 0xFF);
   return storePixels(d, out, count, [=, &tables](std::size_t i) HWY_ATTR {
+    expectPixels(in + i);
     const BytePixels<Layout> pixels(hn::BitCast(dp, hn::LoadU(d, in + i)));
     const auto newAlpha = tables.keepsAlpha ? pixels.alpha : BytePixels<Layout>::lookedUp(tables.alpha, pixels.alpha);
     const bool isOpaque = hn::AllTrue(dp, hn::Eq(hn::And(pixels.alpha, newAlpha), full));
@@ -169,6 +170,7 @@ std::size_t levelsVectors(RGBA16, const std::uint16_t* in, std::uint16_t* out, s
   const Longs dp;
   const auto full = hn::Set(dp, 0xFFFF);
   return storePixels(d, out, count, [=, &tables](std::size_t i) HWY_ATTR {
+    expectPixels(in + i);
     const auto pixels = hn::BitCast(dp, hn::LoadU(d, in + i));
     const auto alpha = wordOf<RGBA16::kAlpha>(pixels);
     const auto newAlpha = tables.keepsAlpha ? alpha : lookedUp(tables.alpha, alpha);

@@ -73,6 +73,7 @@ std::size_t levelsOfFloats(const float* in, float* out, std::size_t count, const
   const std::size_t whole = count / lanes * lanes;
   for (std::size_t i = 0; i < 4 * whole; i += 4 * lanes) {
     hn::Vec<Floats> red, green, blue, alpha;
+    for (std::size_t vector = 0; vector < 4; ++vector) expectPixels(in + i + vector * lanes);
     hn::LoadInterleaved4(d, in + i, red, green, blue, alpha);
     const Coverage coverage(alpha, staged<true>(alpha, levels.alpha), keepsColor);
     red = coverage.colorOf(red, levels.common, levels.red);

@@ -101,6 +101,12 @@ HWY_INLINE std::size_t wholeVectors(D d, std::size_t count) {
   return count * 4 / hn::Lanes(d) * hn::Lanes(d);
 }
 
+// Loops that do much with each pixel read so slowly that the processor itself does not read ahead.
+template <class Channel>
+HWY_INLINE void expectPixels(const Channel* in) {
+  kernels::HWY_NAMESPACE::expectRead<2048>(in);
+}
+
 template <bool streamed, class D, class Make>
 HWY_INLINE void storeEach(D d, hn::TFromD<D>* out, std::size_t whole, Make make) {
   for (std::size_t i = 0; i < whole; i += hn::Lanes(d)) storeNext<streamed>(make(i), d, out + i);

@@ -24,6 +24,7 @@ struct Channels {
 
 template <class Layout>
 HWY_INLINE Channels loadChannels(const std::uint8_t* in) {
+  expectPixels(in);
   const auto v = hn::BitCast(Wides(), hn::LoadU(Bytes(), in));
   return {byteOf<Layout::kRed>(v), byteOf<Layout::kGreen>(v), byteOf<Layout::kBlue>(v), byteOf<Layout::kAlpha>(v)};
 }
@@ -32,6 +33,7 @@ template <class>
 HWY_INLINE Channels loadChannels(const std::uint16_t* in) {
   const Wides d;
   const Longs dl;
+  expectPixels(in);
   const auto first = hn::LoadU(Words(), in);
   const auto second = hn::LoadU(Words(), in + hn::Lanes(Words()));
   const auto secondUp = hn::BitCast(d, hn::ShiftLeft<32>(hn::BitCast(dl, second)));
@@ -79,6 +81,7 @@ template <class Layout>
 HWY_INLINE Planar loadPlanar(const typename Layout::Channel* in) {
   Planar p;
   if constexpr (std::is_same_v<Layout, RGBAFloat>) {
+    for (std::size_t i = 0; i < 4; ++i) expectPixels(in + i * hn::Lanes(Floats()));
     hn::LoadInterleaved4(Floats(), in, p.red, p.green, p.blue, p.alpha);
   } else {
     const Channels c = loadChannels<Layout>(in);
