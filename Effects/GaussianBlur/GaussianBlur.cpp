@@ -2,6 +2,7 @@
 #include "Effects/Support/GaussianBlur.h"
 #include "Effects/Support/Arithmetic.h"
 #include "Effects/Support/FilterPatch.h"
+#include "Effects/Support/PixelLayout.h"
 #include "Platform/QuartzComposer/QCPlugIn.h"
 
 namespace vorto::effects {
@@ -37,7 +38,14 @@ class GaussianBlurPatch : public FilterPatch {
     const auto out = makeBitmap(in->width, in->height, in->formatCode, reason);
     if (!out) return nullptr;
     const auto rule = edges == 0 ? GaussianEdges::Transparent : GaussianEdges::Repeat;
-    return gaussianBlur(*in, *out, sigma, rule, reason) ? out : nullptr;
+    const auto store = [&](const BlurredBlock& block) {
+      withLayout(out->formatCode, [&](auto layout) {
+        using Layout = decltype(layout);
+        gaussianStore<Layout>(block.lines, block.lanes, block.rows, block.pixels,
+                              rowOf<typename Layout::Channel>(*out, block.y) + 4 * block.x, rowBytes(*out));
+      });
+    };
+    return gaussianBlur(*in, sigma, rule, store, reason) ? out : nullptr;
   }
 
   std::shared_ptr<QCNumberPort> radius_;

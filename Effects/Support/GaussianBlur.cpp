@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "Effects/Support/GaussianBlur.h"
-
 #include "Effects/Support/GaussianBlurPasses.h"
 
 #include <algorithm>
@@ -12,10 +10,11 @@ bool isNoBlur(double sigma) {
   return sigma < 1 && gaussianFilter(sigma).radius() == 0;
 }
 
-bool gaussianBlur(const VortoBitmap& in, VortoBitmap& out, double sigma, GaussianEdges edges, std::string* reason) {
+bool gaussianBlur(const VortoBitmap& in, double sigma, GaussianEdges edges, const TakeBlurred& take,
+                  std::string* reason) {
   const GaussianFilter filter = gaussianFilter(std::min(sigma, kLargestSigma));
-  return filter.weights.empty() ? blurByRecursion(in, out, filter, edges, reason)
-                                : blurByWeights(in, out, filter, edges, reason);
+  return filter.weights.empty() ? blurByRecursion(in, filter, edges, take, reason)
+                                : blurByWeights(in, filter, edges, take, reason);
 }
 
 }  // namespace vorto::effects

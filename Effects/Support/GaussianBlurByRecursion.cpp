@@ -51,20 +51,17 @@ void filterRows(const VortoBitmap& in, const GaussianFilter& filter, GaussianEdg
   }
 }
 
-template <class Layout>
-void filterColumns(VortoBitmap& out, const GaussianFilter& filter, GaussianEdges edges, float* filtered,
-                   const float* strips) {
-  using Channel = typename Layout::Channel;
-  for (std::size_t x = 0; x < out.width; x += kStripPixels, strips += out.height * kStripLanes) {
-    const std::size_t pixels = std::min<std::size_t>(kStripPixels, out.width - x);
-    gaussianLines(filter, strips, filtered, out.height, kStripLanes, edges);
-    gaussianStore<Layout>(filtered, kStripLanes, out.height, pixels, rowOf<Channel>(out, 0) + 4 * x, rowBytes(out));
+void filterColumns(const VortoBitmap& in, const GaussianFilter& filter, GaussianEdges edges, const float* strips,
+                   float* filtered, const TakeBlurred& take) {
+  for (std::size_t x = 0; x < in.width; x += kStripPixels, strips += in.height * kStripLanes) {
+    gaussianLines(filter, strips, filtered, in.height, kStripLanes, edges);
+    take({filtered, kStripLanes, x, 0, std::min<std::size_t>(kStripPixels, in.width - x), in.height});
   }
 }
 
 }  // namespace
 
-bool blurByRecursion(const VortoBitmap& in, VortoBitmap& out, const GaussianFilter& filter, GaussianEdges edges,
+bool blurByRecursion(const VortoBitmap& in, const GaussianFilter& filter, GaussianEdges edges, const TakeBlurred& take,
                      std::string* reason) {
   const std::size_t stripCount = (std::size_t{in.width} + kStripPixels - 1) / kStripPixels;
   const auto loaded = makeLines(in.width, kRowLanes, reason);
@@ -76,9 +73,7 @@ bool blurByRecursion(const VortoBitmap& in, VortoBitmap& out, const GaussianFilt
     filterRows<typename decltype(layout)::Channel>(in, filter, edges, rowOf<float>(*loaded, 0),
                                                    rowOf<float>(*filteredRows, 0), rowOf<float>(*strips, 0));
   });
-  withLayout(out.formatCode, [&](auto layout) {
-    filterColumns<decltype(layout)>(out, filter, edges, rowOf<float>(*filteredColumns, 0), rowOf<float>(*strips, 0));
-  });
+  filterColumns(in, filter, edges, rowOf<float>(*strips, 0), rowOf<float>(*filteredColumns, 0), take);
   return true;
 }
 

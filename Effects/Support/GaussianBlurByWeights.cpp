@@ -32,17 +32,16 @@ class Tiles {
 
   bool isMade() const { return segmentMemory_ && rowMemory_ && blockMemory_; }
 
-  template <class InLayout, class OutLayout>
-  void blur(VortoBitmap& out) {
+  template <class Layout>
+  void blur(const TakeBlurred& take) {
     for (std::size_t x = 0; x < in_.width; x += kTilePixels) {
       const std::size_t pixels = std::min<std::size_t>(kTilePixels, in_.width - x);
       std::size_t known = 0;  // rows that the block before has left
       for (std::size_t y = 0; y < in_.height; y += kBlockRows) {
         const std::size_t count = std::min<std::size_t>(kBlockRows, in_.height - y);
-        for (std::size_t i = known; i < count + 2 * radius_; ++i) makeRow<InLayout>(x, pixels, y, i);
+        for (std::size_t i = known; i < count + 2 * radius_; ++i) makeRow<Layout>(x, pixels, y, i);
         gaussianLines(filter_, row(radius_), block(), count, kRowLanes, edges_);
-        gaussianStore<OutLayout>(block(), kRowLanes, count, pixels, rowOf<typename OutLayout::Channel>(out, y) + 4 * x,
-                                 rowBytes(out));
+        take({block(), kRowLanes, x, y, pixels, count});
         known = 2 * radius_;
         std::copy_n(row(kBlockRows), known * kRowLanes, row(0));
       }
@@ -102,14 +101,11 @@ class Tiles {
 
 }  // namespace
 
-bool blurByWeights(const VortoBitmap& in, VortoBitmap& out, const GaussianFilter& filter, GaussianEdges edges,
+bool blurByWeights(const VortoBitmap& in, const GaussianFilter& filter, GaussianEdges edges, const TakeBlurred& take,
                    std::string* reason) {
   Tiles tiles(in, filter, edges, reason);
   if (!tiles.isMade()) return false;
-  withLayout(in.formatCode, [&](auto inLayout) {
-    withLayout(out.formatCode, [&](auto outLayout) { tiles.blur<decltype(inLayout), decltype(outLayout)>(out); });
-  });
-  return true;
+  return withLayout(in.formatCode, [&](auto layout) { tiles.blur<decltype(layout)>(take); });
 }
 
 }  // namespace vorto::effects

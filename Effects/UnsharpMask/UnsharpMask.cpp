@@ -34,20 +34,29 @@ class UnsharpMaskPatch : public FilterPatch {
     const double threshold = std::clamp(finiteOr(threshold_->doubleValue(), 0), 0.0, 1.0);
     const double sigma = finiteOr(radius_->doubleValue(), kRadius);
     if (amount == 0 || isNoBlur(sigma)) return in;
-    const auto blurred = makeBitmap(in->width, in->height, VortoPixelFormat::RGBAFloat, reason);
-    if (!blurred || !gaussianBlur(*in, *blurred, sigma, GaussianEdges::Repeat, reason)) return nullptr;
     const auto out = makeBitmap(in->width, in->height, in->formatCode, reason);
     if (!out) return nullptr;
     const UnsharpSettings settings{static_cast<float>(amount), static_cast<float>(threshold)};
-    withLayout(in->formatCode, [&](auto layout) {
-      using Layout = decltype(layout);
-      using Channel = typename Layout::Channel;
-      for (std::size_t y = 0; y < in->height; ++y) {
-        unsharpRow<Layout>(rowOf<Channel>(*in, y), rowOf<float>(*blurred, y), rowOf<Channel>(*out, y), in->width,
-                           settings);
+    const auto sharpen = [&](const BlurredBlock& block) {
+      withLayout(in->formatCode, [&](auto layout) { sharpenBlock<decltype(layout)>(*in, block, settings, *out); });
+    };
+    return gaussianBlur(*in, sigma, GaussianEdges::Repeat, sharpen, reason) ? out : nullptr;
+  }
+
+  template <class Layout>
+  static void sharpenBlock(const VortoBitmap& in, const BlurredBlock& block, UnsharpSettings settings,
+                           VortoBitmap& out) {
+    using Channel = typename Layout::Channel;
+    constexpr std::size_t kRun = 256;
+    float blurred[4 * kRun];
+    for (std::size_t row = 0; row < block.rows; ++row) {
+      for (std::size_t i = 0; i < block.pixels; i += kRun) {
+        const std::size_t count = std::min(kRun, block.pixels - i);
+        const std::size_t at = 4 * (block.x + i), y = block.y + row;
+        gaussianStore<RGBAFloat>(block.lines + row * block.lanes + 4 * i, block.lanes, 1, count, blurred, 0);
+        unsharpRow<Layout>(rowOf<Channel>(in, y) + at, blurred, rowOf<Channel>(out, y) + at, count, settings);
       }
-    });
-    return out;
+    }
   }
 
   std::shared_ptr<QCNumberPort> amount_;
