@@ -31,6 +31,13 @@ struct NoLoops {
 };
 
 #if HWY_TARGET != HWY_SCALAR
+// Asks for the line that will be read in a while: processors stop doing so by themselves when much is computed between
+// two lines.
+HWY_INLINE void expectReadAhead(const void* place) {
+  constexpr std::uintptr_t kDistance = 1024;
+  hwy::Prefetch(reinterpret_cast<const char*>(reinterpret_cast<std::uintptr_t>(place) + kDistance));
+}
+
 // On vectors of interleaved channels: Vectors::blended<Layout>(mode, d, behind, front).
 template <class Vectors>
 struct InterleavedLoops {
@@ -39,6 +46,8 @@ struct InterleavedLoops {
     const hn::ScalableTag<Channel> d;
     const std::size_t whole = wholeVectors(d, count);
     for (std::size_t i = 0; i < whole; i += hn::Lanes(d)) {
+      expectReadAhead(background + i);
+      expectReadAhead(foreground + i);
       const auto behind = hn::LoadU(d, background + i);
       const auto front = hn::LoadU(d, foreground + i);
       storeNext<false>(Vectors::template blended<Layout>(Mode(), d, behind, front), d, out + i);

@@ -132,6 +132,8 @@ struct PlaneLoops {
     const std::size_t lanes = hn::Lanes(Floats());
     const std::size_t whole = count / lanes * lanes;
     for (std::size_t i = 0; i < 4 * whole; i += 4 * lanes) {
+      expectReadAhead(background + i);
+      expectReadAhead(foreground + i);
       blendOnce<Mode, Layout>(background + i, foreground + i, out + i);
     }
     return whole;
