@@ -57,6 +57,10 @@ HWY_INLINE void blendOnce(const float* background, const float* foreground, floa
   const Floats d;
   const auto one = hn::Set(d, 1.0F);
   PlanePair of;
+  for (std::size_t i = 0; i < 4; ++i) {
+    expectPixels(background + i * hn::Lanes(d));
+    expectPixels(foreground + i * hn::Lanes(d));
+  }
   hn::LoadInterleaved4(d, background, of.behind.red, of.behind.green, of.behind.blue, of.behindAlpha);
   hn::LoadInterleaved4(d, foreground, of.front.red, of.front.green, of.front.blue, of.frontAlpha);
   const Color color = sumOf(of, both(Mode(), of), one);
