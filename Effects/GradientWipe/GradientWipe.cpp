@@ -54,12 +54,15 @@ struct WipedRow {
   // The first pixel after x that lies in another run; the width where there is none.
   std::size_t endOfRun(const Weights& weights, RunRef run, std::size_t x) const {
     std::size_t inside = x, outside = width;
-    const auto look = [&](std::size_t pixel) {
-      if (pixel > inside && pixel < outside) (runAt(weights, pixel) == run ? inside : outside) = pixel;
-    };
+    const auto isInside = [&](std::size_t pixel) { return runAt(weights, pixel) == run; };
     const std::size_t guess = guessedEnd(weights, run);
-    for (const std::size_t near : {guess, guess - 1, guess + 1}) look(near);
-    while (outside - inside > 1) look(inside + (outside - inside) / 2);
+    for (const std::size_t near : {guess, guess - 1, guess + 1}) {
+      if (near > inside && near < outside) (isInside(near) ? inside : outside) = near;
+    }
+    while (outside - inside > 1) {
+      const std::size_t middle = inside + (outside - inside) / 2;
+      (isInside(middle) ? inside : outside) = middle;
+    }
     return outside;
   }
 

@@ -78,6 +78,7 @@ std::size_t mapVectors(Layout, const std::uint8_t* in, std::uint8_t* out, std::s
       const auto luma = hn::ShiftRight<16>(hn::Add(lumaOfBytes<Layout>(pixels), half));
       return hn::BitCast(d, mappedBytes<Layout>(entries, luma));
     }
+    if (hn::AllTrue(dp, hn::Eq(alpha, hn::Zero(dp)))) return hn::Zero(d);
     const auto luma = straightLumaOfBytes<Layout>(pixels, alpha);
     return coveredBytes<Layout>(mappedBytes<Layout>(entries, luma), alpha);
   });
@@ -128,6 +129,7 @@ std::size_t mapVectors(RGBA16, const std::uint16_t* in, std::uint16_t* out, std:
       const auto luma = hn::ShiftRight<16>(hn::Add(lumaOfWords(pixels), half));
       return hn::BitCast(d, mappedWords(table.entries.data(), luma));
     }
+    if (hn::AllTrue(dp, hn::Eq(alpha, hn::Zero(dp)))) return hn::Zero(d);
     const auto color = mappedWords(table.entries.data(), straightLumaOfWords(pixels, alpha));
     const auto covered = productOfWords(alphaOfWords(hn::BitCast(d, color)), alphaOfWords(hn::BitCast(d, pixels)));
     return productOfWords(hn::BitCast(d, hn::Or(color, alphaWord)), covered);

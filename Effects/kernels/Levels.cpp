@@ -113,6 +113,8 @@ std::size_t levelsVectors(Layout, const std::uint8_t* in, std::uint8_t* out, std
     const BytePixels<Layout> pixels(hn::BitCast(dp, hn::LoadU(d, in + i)));
     const auto newAlpha = tables.keepsAlpha ? pixels.alpha : BytePixels<Layout>::lookedUp(tables.alpha, pixels.alpha);
     const bool isOpaque = hn::AllTrue(dp, hn::Eq(hn::And(pixels.alpha, newAlpha), full));
+    const bool isEmpty = hn::AllTrue(dp, hn::Eq(hn::Or(pixels.alpha, newAlpha), hn::Zero(dp)));
+    if (isEmpty) return hn::BitCast(d, pixels.pixels);
     return isOpaque ? levelsOfBytes<Layout, true>(pixels, newAlpha, tables)
                     : levelsOfBytes<Layout, false>(pixels, newAlpha, tables);
   });
@@ -175,6 +177,8 @@ std::size_t levelsVectors(RGBA16, const std::uint16_t* in, std::uint16_t* out, s
     const auto alpha = wordOf<RGBA16::kAlpha>(pixels);
     const auto newAlpha = tables.keepsAlpha ? alpha : lookedUp(tables.alpha, alpha);
     const bool isOpaque = hn::AllTrue(dp, hn::Eq(hn::And(alpha, newAlpha), full));
+    const bool isEmpty = hn::AllTrue(dp, hn::Eq(hn::Or(alpha, newAlpha), hn::Zero(dp)));
+    if (isEmpty) return hn::BitCast(d, pixels);
     return hn::BitCast(
         d, isOpaque ? levelsOfWords<true>(pixels, newAlpha, tables) : levelsOfWords<false>(pixels, newAlpha, tables));
   });

@@ -45,6 +45,7 @@ TYPED_TEST(Rows, MapAsDefined) {
       EXPECT_EQ(table.isOpaque, isOpaque);
       auto in = this->row();
       for (std::size_t i = in.size() / 2; i < in.size() * 3 / 4; i += 4) in[i + Layout::kAlpha] = kOne<TypeParam>;
+      for (std::size_t i = 0; i < in.size() / 4; i += 4) in[i + Layout::kAlpha] = 0;
       this->expectSame(
           [&](auto* out, std::size_t count) { gradientMapRowScalar<Layout>(in.data(), out, count, table); },
           [&](auto* out, std::size_t count) { gradientMapRow<Layout>(in.data(), out, count, table); });
@@ -66,6 +67,7 @@ TYPED_TEST(Rows, ChangeLevelsAsDefined) {
         using Layout = decltype(layout);
         auto in = this->row();
         for (std::size_t i = in.size() / 2; i < in.size() * 3 / 4; i += 4) in[i + Layout::kAlpha] = kFull<TypeParam>;
+        for (std::size_t i = 0; i < in.size() / 4; i += 4) in[i + Layout::kAlpha] = 0;
         this->expectSame([&](auto* out, std::size_t count) { levelsRowScalar<Layout>(in.data(), out, count, tables); },
                          [&](auto* out, std::size_t count) { levelsRow<Layout>(in.data(), out, count, tables); });
       });
