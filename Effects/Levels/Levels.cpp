@@ -53,7 +53,7 @@ LevelsTables<Channel> tablesOf(const VRTHistogram& levels) {
   const LevelsStage common(levels, RGB), alpha(levels, Alpha);
   LevelsBounds commonBounds = everyValue<Channel>();
   common.applyClipped(commonBounds);
-  const auto commonTable = tabulated<Channel>(commonBounds, common);
+  auto commonTable = tabulated<Channel>(commonBounds, common);
   const auto color = [&](int channel) {
     const LevelsStage own(levels, channel);
     if (own.isNeutral()) return commonTable;
