@@ -10,7 +10,8 @@ namespace {
 constexpr const char* kComponents[] = {"Red", "Green", "Blue", "Alpha"};
 constexpr std::size_t kOffset = 4;
 
-// The ports are "inputRedFromGreen" and so on, and "inputRedOffset", in the order of the matrix.
+// The ports are "inputRedFromGreen" and so on, and "inputRedOffset", in the order of the matrix; inspectors have room
+// for names such as "R from G".
 class ColorMatrixPatch : public PointFilterOf<ColorMatrixPatch> {
  public:
   static PropertyList description() {
@@ -24,12 +25,12 @@ class ColorMatrixPatch : public PointFilterOf<ColorMatrixPatch> {
       const std::string component = kComponents[to];
       for (std::size_t from = 0; from < 4; ++from) {
         const std::string source = kComponents[from];
-        ports_[to][from] =
-            addInputPort<QCNumberPort>("input" + component + "From" + source,
-                                       numberAttributes(component + " from " + source, -4, 4, neutral(to, from)));
+        ports_[to][from] = addInputPort<QCNumberPort>(
+            "input" + component + "From" + source,
+            numberAttributes(component.substr(0, 1) + " from " + source.substr(0, 1), -4, 4, neutral(to, from)));
       }
-      ports_[to][kOffset] =
-          addInputPort<QCNumberPort>("input" + component + "Offset", numberAttributes(component + " Offset", -4, 4, 0));
+      ports_[to][kOffset] = addInputPort<QCNumberPort>("input" + component + "Offset",
+                                                       numberAttributes(component.substr(0, 1) + " Offset", -4, 4, 0));
     }
   }
 
