@@ -61,7 +61,8 @@ void recursiveLines(const GaussianFilter& filter, const float* in, float* out, s
                     GaussianEdges edges) {
   const Floats d;
   const std::size_t width = hn::Lanes(d);
-  const auto& [first, second] = filter.poles;
+  const GaussianFilter::Pole& first = filter.poles[0];
+  const GaussianFilter::Pole& second = filter.poles[1];
   const Factor firstPole(first.pole), secondPole(second.pole);
   const Factor firstCausal(first.causal), secondCausal(second.causal);
   const Factor firstAnticausal(first.anticausal), secondAnticausal(second.anticausal);
@@ -244,8 +245,8 @@ void storeWords(const float* lines, std::size_t lanes, std::size_t rowCount, std
                 std::size_t rowBytes) {
   storeLines<RGBA16>(lines, lanes, rowCount, pixels, out, rowBytes);
 }
-void storeFloats(const float* lines, std::size_t lanes, std::size_t rowCount, std::size_t pixels, float* out,
-                 std::size_t rowBytes) {
+void storeFloatRows(const float* lines, std::size_t lanes, std::size_t rowCount, std::size_t pixels, float* out,
+                    std::size_t rowBytes) {
   storeLines<RGBAFloat>(lines, lanes, rowCount, pixels, out, rowBytes);
 }
 
@@ -262,7 +263,7 @@ HWY_EXPORT(loadFloats);
 HWY_EXPORT(storeRGBA8);
 HWY_EXPORT(storeARGB8);
 HWY_EXPORT(storeWords);
-HWY_EXPORT(storeFloats);
+HWY_EXPORT(storeFloatRows);
 
 void gaussianLines(const GaussianFilter& filter, const float* in, float* out, std::size_t count, std::size_t lanes,
                    GaussianEdges edges) {
@@ -288,7 +289,7 @@ void gaussianStore(const float* lines, std::size_t lanes, std::size_t rowCount, 
                    typename Layout::Channel* out, std::size_t rowBytes) {
   if (TCUsesScalarKernels()) return gaussianStoreScalar<Layout>(lines, lanes, rowCount, pixels, out, rowBytes);
   const auto store = rowOfLayout<Layout>(HWY_DYNAMIC_DISPATCH(storeRGBA8), HWY_DYNAMIC_DISPATCH(storeARGB8),
-                                         HWY_DYNAMIC_DISPATCH(storeWords), HWY_DYNAMIC_DISPATCH(storeFloats));
+                                         HWY_DYNAMIC_DISPATCH(storeWords), HWY_DYNAMIC_DISPATCH(storeFloatRows));
   store(lines, lanes, rowCount, pixels, out, rowBytes);
 }
 

@@ -93,11 +93,14 @@ enum class Division {
 
 // Quotients over a segment of this place and width can be corrected by remainders when these neither overflow nor lose
 // bits below the smallest normal number.
-Division divisionFor(double left, double width) {
-  constexpr double kSmallest = 0x1p-100;
+Division divisionFor([[maybe_unused]] double left, double width) {
   if (width == 1.0) return Division::byOne;
+#if HWY_NATIVE_FMA
+  constexpr double kSmallest = 0x1p-100;
   const bool isExact = width >= kSmallest && width <= 0x1p+100 && (left == 0.0 || std::abs(left) >= kSmallest);
-  return HWY_NATIVE_FMA && isExact ? Division::byReciprocal : Division::plain;
+  if (isExact) return Division::byReciprocal;
+#endif
+  return Division::plain;
 }
 
 // Calls function(division) with a division that is known when it is compiled.
