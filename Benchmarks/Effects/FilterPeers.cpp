@@ -61,11 +61,12 @@ const std::map<std::string, Call>& calls() {
 
 }  // namespace
 
-std::vector<Peer> filterPeersOf([[maybe_unused]] const std::string& row, std::uint32_t) {
+std::vector<Peer> filterPeersOf([[maybe_unused]] const std::string& row, [[maybe_unused]] std::uint32_t formatCode) {
   std::vector<Peer> peers;
 #if VORTO_HAVE_OPENCV
   const auto found = calls().find(row);
-  if (found == calls().end()) return peers;
+  const bool isTooLong = row == "Gaussian Blur of 50" && formatCode != VortoPixelFormat::RGBA8;  // seconds a frame
+  if (found == calls().end() || isTooLong) return peers;
   peers.push_back({"OpenCV", [call = found->second](const Frames& frames) {
                      cv::Mat out = matrix(*frames.out);
                      call(matrix(*frames.first), out);
