@@ -44,11 +44,8 @@ std::size_t fill(const Channel* in, Channel* out, std::size_t count, const Chann
   HWY_ALIGN Channel pixels[hn::MaxLanes(d)];
   for (std::size_t i = 0; i < hn::Lanes(d); ++i) pixels[i] = color[i % 4];
   const auto colors = hn::Load(d, pixels);
-  const std::size_t whole = wholeVectors(d, count);
-  for (std::size_t i = 0; i < whole; i += hn::Lanes(d)) {
-    storeNext<false>(filled<Layout>(d, hn::LoadU(d, in + i), colors), d, out + i);
-  }
-  return whole / 4;
+  return storePixels(d, out, count,
+                     [=](std::size_t i) HWY_ATTR { return filled<Layout>(d, hn::LoadU(d, in + i), colors); });
 }
 #endif
 

@@ -49,11 +49,7 @@ HWY_INLINE hn::Vec<Floats> inverted(Floats d, hn::Vec<Floats> v) {
 template <class Layout, class Channel>
 std::size_t invert(const Channel* in, Channel* out, std::size_t count) {
   const hn::ScalableTag<Channel> d;
-  const std::size_t whole = wholeVectors(d, count);
-  for (std::size_t i = 0; i < whole; i += hn::Lanes(d)) {
-    storeNext<false>(inverted<Layout>(d, hn::LoadU(d, in + i)), d, out + i);
-  }
-  return whole / 4;
+  return storePixels(d, out, count, [=](std::size_t i) HWY_ATTR { return inverted<Layout>(d, hn::LoadU(d, in + i)); });
 }
 #endif
 
