@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Effects/Support/ColorPixel.h"
 #include "Effects/Support/GeneratorPatch.h"
+#include "Effects/kernels/Paint.h"
 #include "Platform/QuartzComposer/QCPlugIn.h"
-
-#include <algorithm>
-#include <cstring>
 
 namespace vorto::effects {
 namespace {
@@ -24,12 +22,9 @@ class SolidColorPatch : public GeneratorPatch {
     withLayout(out.formatCode, [&](auto layout) {
       using Layout = decltype(layout);
       const LaidPixel<Layout> pixel = pixelOf<Layout>(*color_->colorValue());
-      auto* const first = rowOf<typename Layout::Channel>(out, 0);
-      for (std::size_t x = 0; x < out.width; ++x) {
-        std::copy_n(pixel.data(), Layout::kChannels, first + x * Layout::kChannels);
-      }
-      for (std::size_t y = 1; y < out.height; ++y) {
-        std::memcpy(rowOf<std::uint8_t>(out, y), first, out.width * sizeof(pixel));
+      const PixelRuns runs(out);
+      for (std::size_t y = 0; y < runs.count; ++y) {
+        paintRow<Layout>(pixel, rowOf<typename Layout::Channel>(out, y), runs.pixels);
       }
     });
   }

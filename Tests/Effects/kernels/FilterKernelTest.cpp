@@ -4,6 +4,7 @@
 #include "Effects/kernels/GaussianLines.h"
 #include "Effects/kernels/HueShift.h"
 #include "Effects/kernels/Invert.h"
+#include "Effects/kernels/Paint.h"
 #include "Effects/kernels/Resample.h"
 #include "Effects/kernels/Unsharp.h"
 
@@ -19,7 +20,7 @@ using FilterRows = Rows<Channel>;
 using Channels = testing::Types<std::uint8_t, std::uint16_t, float>;
 TYPED_TEST_SUITE(FilterRows, Channels);
 
-TYPED_TEST(FilterRows, InvertAndFillAsDefined) {
+TYPED_TEST(FilterRows, InvertFillAndPaintAsDefined) {
   withLayoutsOf<TypeParam>([&](auto layout) {
     using Layout = decltype(layout);
     const auto in = this->row();
@@ -28,6 +29,11 @@ TYPED_TEST(FilterRows, InvertAndFillAsDefined) {
                      [&](auto* out, std::size_t count) { invertRow<Layout>(in.data(), out, count); });
     this->expectSame([&](auto* out, std::size_t count) { fillRowScalar<Layout>(in.data(), out, count, color); },
                      [&](auto* out, std::size_t count) { fillRow<Layout>(in.data(), out, count, color); });
+    this->expectSame(
+        [&](auto* out, std::size_t count) {
+          for (std::size_t i = 0; i < 4 * count; ++i) out[i] = color[i % 4];
+        },
+        [&](auto* out, std::size_t count) { paintRow<Layout>(color, out, count); });
   });
 }
 
