@@ -1,14 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Benchmarks/Effects/EffectBench.h"
+#include "Benchmarks/Effects/PeerImages.h"
 
-#if VORTO_HAVE_PIXMAN
-#include <pixman.h>
-#endif
 #if VORTO_HAVE_LIBYUV
 #include <libyuv.h>
-#endif
-#if VORTO_HAVE_OPENCV
-#include <opencv2/core.hpp>
 #endif
 
 // What programmers call for a blend mode.
@@ -17,6 +12,7 @@ namespace {
 
 #if VORTO_HAVE_PIXMAN
 constexpr std::pair<const char*, pixman_op_t> kOperators[] = {
+    {"Over", PIXMAN_OP_OVER},
     {"Plus", PIXMAN_OP_ADD},
     {"Multiply", PIXMAN_OP_MULTIPLY},
     {"Screen", PIXMAN_OP_SCREEN},
@@ -35,20 +31,10 @@ constexpr std::pair<const char*, pixman_op_t> kOperators[] = {
     {"Luminosity", PIXMAN_OP_HSL_LUMINOSITY},
 };
 
-using PixmanImage = std::unique_ptr<pixman_image_t, decltype(&pixman_image_unref)>;
-
-PixmanImage imageOf(const VortoBitmap& bitmap) {
-  const int width = static_cast<int>(bitmap.width);
-  return {
-      pixman_image_create_bits(PIXMAN_a8b8g8r8, width, static_cast<int>(bitmap.height),
-                               reinterpret_cast<std::uint32_t*>(static_cast<std::uint8_t*>(bitmap.data)), width * 4),
-      &pixman_image_unref};
-}
-
 // The result takes the background's place.
 void composite(pixman_op_t operation, const Frames& frames) {
-  const PixmanImage from = imageOf(*frames.second);
-  const PixmanImage to = imageOf(*frames.out);
+  const PixmanImage from = pixmanImage(*frames.second);
+  const PixmanImage to = pixmanImage(*frames.out);
   pixman_image_composite32(operation, from.get(), nullptr, to.get(), 0, 0, 0, 0, 0, 0,
                            static_cast<int>(frames.out->width), static_cast<int>(frames.out->height));
 }
@@ -70,12 +56,6 @@ constexpr std::pair<const char*, Operation> kOperations[] = {
     {"Lighten", [](const cv::Mat& a, const cv::Mat& b, cv::Mat& out) { cv::max(a, b, out); }},
     {"Difference", [](const cv::Mat& a, const cv::Mat& b, cv::Mat& out) { cv::absdiff(a, b, out); }},
 };
-
-cv::Mat matrixOf(const VortoBitmap& bitmap) {
-  const int depth = bitmap.bitsPerChannel == 8 ? CV_8U : bitmap.bitsPerChannel == 16 ? CV_16U : CV_32F;
-  return {static_cast<int>(bitmap.height), static_cast<int>(bitmap.width), CV_MAKETYPE(depth, 4),
-          static_cast<std::uint8_t*>(bitmap.data)};
-}
 #endif
 
 }  // namespace

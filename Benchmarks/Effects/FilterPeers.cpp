@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Benchmarks/Effects/EffectBench.h"
+#include "Benchmarks/Effects/PeerImages.h"
 
 #include <map>
 
 #if VORTO_HAVE_OPENCV
-#include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 #endif
 
@@ -12,14 +12,6 @@ namespace {
 
 #if VORTO_HAVE_OPENCV
 using Call = std::function<void(const cv::Mat& in, cv::Mat& out)>;
-
-cv::Mat matrix(const VortoBitmap& bitmap) {
-  const int type = bitmap.formatCode == VortoPixelFormat::RGBA8    ? CV_8UC4
-                   : bitmap.formatCode == VortoPixelFormat::RGBA16 ? CV_16UC4
-                                                                   : CV_32FC4;
-  return {static_cast<int>(bitmap.height), static_cast<int>(bitmap.width), type,
-          static_cast<std::uint8_t*>(bitmap.data)};
-}
 
 // On the channels as they are, premultiplied.
 Call blur(double sigma) {
@@ -68,8 +60,8 @@ std::vector<Peer> filterPeersOf([[maybe_unused]] const std::string& row, [[maybe
   const bool isTooLong = row == "Gaussian Blur of 50" && formatCode != VortoPixelFormat::RGBA8;  // seconds a frame
   if (found == calls().end() || isTooLong) return peers;
   peers.push_back({"OpenCV", [call = found->second](const Frames& frames) {
-                     cv::Mat out = matrix(*frames.out);
-                     call(matrix(*frames.first), out);
+                     cv::Mat out = matrixOf(*frames.out);
+                     call(matrixOf(*frames.first), out);
                    }});
 #endif
   return peers;

@@ -1,16 +1,13 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Benchmarks/Effects/EffectBench.h"
+#include "Benchmarks/Effects/PeerImages.h"
 
 #include <cstring>
 
-#if VORTO_HAVE_PIXMAN
-#include <pixman.h>
-#endif
 #if VORTO_HAVE_LIBYUV
 #include <libyuv.h>
 #endif
 #if VORTO_HAVE_OPENCV
-#include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 #endif
 
@@ -18,27 +15,6 @@ namespace {
 
 using Format = VortoPixelFormat;
 using Work = std::function<void(const Frames&)>;
-
-#if VORTO_HAVE_PIXMAN
-using PixmanImage = std::unique_ptr<pixman_image_t, decltype(&pixman_image_unref)>;
-
-PixmanImage pixmanImage(const VortoBitmap& bitmap) {
-  return {pixman_image_create_bits(PIXMAN_a8b8g8r8, static_cast<int>(bitmap.width), static_cast<int>(bitmap.height),
-                                   reinterpret_cast<std::uint32_t*>(static_cast<std::uint8_t*>(bitmap.data)),
-                                   static_cast<int>(bitmap.width) * 4),
-          &pixman_image_unref};
-}
-
-// Over what lies there already: the result takes the background's place.
-Work pixmanOver() {
-  return [](const Frames& frames) {
-    const PixmanImage from = pixmanImage(*frames.second);
-    const PixmanImage to = pixmanImage(*frames.out);
-    pixman_image_composite32(PIXMAN_OP_OVER, from.get(), nullptr, to.get(), 0, 0, 0, 0, 0, 0,
-                             static_cast<int>(frames.out->width), static_cast<int>(frames.out->height));
-  };
-}
-#endif
 
 #if VORTO_HAVE_LIBYUV
 using YuvPair = int (*)(const std::uint8_t*, int, const std::uint8_t*, int, std::uint8_t*, int, int, int);
@@ -71,19 +47,11 @@ Work yuvTable() {
 #endif
 
 #if VORTO_HAVE_OPENCV
-cv::Mat matrix(const VortoBitmap& bitmap) {
-  const int type = bitmap.formatCode == Format::RGBA8    ? CV_8UC4
-                   : bitmap.formatCode == Format::RGBA16 ? CV_16UC4
-                                                         : CV_32FC4;
-  return {static_cast<int>(bitmap.height), static_cast<int>(bitmap.width), type,
-          static_cast<std::uint8_t*>(bitmap.data)};
-}
-
 template <class Call>
 Work openCV(Call call) {
   return [call](const Frames& frames) {
-    cv::Mat out = matrix(*frames.out);
-    call(matrix(*frames.first), frames.second ? matrix(*frames.second) : cv::Mat(), out);
+    cv::Mat out = matrixOf(*frames.out);
+    call(matrixOf(*frames.first), frames.second ? matrixOf(*frames.second) : cv::Mat(), out);
   };
 }
 
@@ -131,9 +99,6 @@ std::vector<Peer> peersOf(const std::string& effect, std::uint32_t formatCode) {
   if (effect == "Solid Color") {
     add(peers, "memset", [](const Frames& frames) { std::memset(frames.out->data, 77, frames.out->getSize()); });
   }
-#if VORTO_HAVE_PIXMAN
-  if (bytes && effect == "Over") add(peers, "pixman, in place", pixmanOver());
-#endif
 #if VORTO_HAVE_LIBYUV
   if (bytes && effect == "Over") add(peers, "libyuv", yuvPair(&libyuv::ARGBBlend));
   if (bytes && effect == "Multiply") add(peers, "libyuv, alpha alike", yuvPair(&libyuv::ARGBMultiply));

@@ -10,7 +10,7 @@
 // After foreach_target.h:
 #include <hwy/highway.h>
 
-#include "Effects/kernels/Pixels-inl.h"
+#include "Effects/kernels/PlanarPixels-inl.h"
 
 // Each returns how many lumas it made: whole vectors of them.
 HWY_BEFORE_NAMESPACE();
@@ -22,50 +22,17 @@ std::size_t lumas(const typename Layout::Channel*, float*, std::size_t) {
   return 0;
 }
 #else
-using Real = hn::Vec<Floats>;
-
-struct Colors {
-  Real red, green, blue;
-  float unit;
-};
-
-HWY_INLINE Real realOf(hn::Vec<Wides> v) {
-  return hn::ConvertTo(Floats(), hn::BitCast(hn::RebindToSigned<Wides>(), v));
-}
-
-template <class Layout>
-HWY_INLINE Colors colorsAt(const std::uint8_t* place) {
-  const auto v = hn::BitCast(Wides(), hn::LoadU(Bytes(), place));
-  return {realOf(byteOf<Layout::kRed>(v)), realOf(byteOf<Layout::kGreen>(v)), realOf(byteOf<Layout::kBlue>(v)),
-          1 / 255.0F};
-}
-
-template <class>
-HWY_INLINE Colors colorsAt(const std::uint16_t* place) {
-  const hn::Rebind<std::uint16_t, Wides> d;
-  hn::Vec<decltype(d)> red, green, blue, alpha;
-  hn::LoadInterleaved4(d, place, red, green, blue, alpha);
-  return {realOf(hn::PromoteTo(Wides(), red)), realOf(hn::PromoteTo(Wides(), green)),
-          realOf(hn::PromoteTo(Wides(), blue)), 1 / 65535.0F};
-}
-
-template <class>
-HWY_INLINE Colors colorsAt(const float* place) {
-  Real red, green, blue, alpha;
-  hn::LoadInterleaved4(Floats(), place, red, green, blue, alpha);
-  return {red, green, blue, 1};
-}
-
 template <class Layout>
 std::size_t lumas(const typename Layout::Channel* in, float* out, std::size_t count) {
   const Floats d;
+  const auto unit = hn::Set(d, 1 / fullOf<typename Layout::Channel>());
   const std::size_t lanes = hn::Lanes(d);
   const std::size_t whole = count / lanes * lanes;
   for (std::size_t i = 0; i < whole; i += lanes) {
-    const Colors c = colorsAt<Layout>(in + 4 * i);
+    const Planar c = loadPlanar<Layout>(in + 4 * i);
     const auto sum = hn::Add(hn::Add(hn::Mul(hn::Set(d, 0.2126F), c.red), hn::Mul(hn::Set(d, 0.7152F), c.green)),
                              hn::Mul(hn::Set(d, 0.0722F), c.blue));
-    hn::StoreU(hn::Mul(sum, hn::Set(d, c.unit)), d, out + i);
+    hn::StoreU(inOrder<Layout>(hn::Mul(sum, unit)), d, out + i);
   }
   return whole;
 }

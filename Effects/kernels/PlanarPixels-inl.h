@@ -73,6 +73,14 @@ HWY_INLINE hn::Vec<Floats> byteAsFloat(hn::Vec<Wides> pixels) {
   return realOf(byteOf<index>(pixels));
 }
 
+// A value of each pixel, in the pixels' own order.
+template <class Layout>
+HWY_INLINE hn::Vec<Floats> inOrder(hn::Vec<Floats> v) {
+  if constexpr (!std::is_same_v<Layout, RGBA16>) return v;
+  const Floats d;
+  return hn::ConcatLowerLower(d, hn::ConcatOdd(d, v, v), hn::ConcatEven(d, v, v));
+}
+
 struct Planar {
   hn::Vec<Floats> red, green, blue, alpha;
 };
