@@ -105,11 +105,7 @@ class GradientWipePatch : public TransitionPatch {
   }
 
  private:
-  bool prepare(std::string* reason) override {
-    const auto read = inputBitmap(*shapeImage_, reason);
-    if (read) shape_ = *read && (*read)->width > 0 && (*read)->height > 0 ? *read : nullptr;
-    return read.has_value();
-  }
+  bool prepare(std::string* reason) override { return inputBitmap(*shapeImage_, reason).has_value(); }
 
   void mix(const VortoBitmap& a, const VortoBitmap& b, double time, VortoBitmap& out) override {
     const double softness = std::clamp(finiteOr(softness_->doubleValue(), kDefaultSoftness), 0.0, 1.0);
@@ -118,8 +114,9 @@ class GradientWipePatch : public TransitionPatch {
       auto& weights = std::get<WipeWeights<Channel>>(weights_);
       weights.set(lumas(), time, softness);
       std::vector<MixWeight<Channel>> scratch(out.width);
-      if (shape_) {
-        ShapeLumas shape(*shape_, out.width, out.height);
+      const BitmapRef picture = inputBitmap(*shapeImage_, nullptr).value_or(nullptr);
+      if (picture && picture->width > 0 && picture->height > 0) {
+        ShapeLumas shape(*picture, out.width, out.height);
         const auto* const every = weights.everyWeight();
         for (std::size_t y = 0; y < out.height; ++y) {
           valueRow(shape.row(y).data(), scratch.data(), scratch.size(), every);
@@ -149,7 +146,6 @@ class GradientWipePatch : public TransitionPatch {
   std::shared_ptr<QCNumberPort> angle_;
   std::shared_ptr<QCNumberPort> softness_;
   std::shared_ptr<QCImagePort> shapeImage_;
-  BitmapRef shape_;  // of the frame that is being made; null without one
 };
 
 }  // namespace

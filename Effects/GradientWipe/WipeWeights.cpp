@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Effects/GradientWipe/WipeWeights.h"
 
+#include <cmath>
+#include <limits>
+
 namespace vorto::effects {
 
 WipeLumas::WipeLumas(const std::vector<GradientEntry<float>>& gradient) : lumas(kGradientSteps) {
   for (std::size_t i = 0; i < kGradientSteps; ++i) {
     lumas[i] = 0.2126 * gradient[i].red + 0.7152 * gradient[i].green + 0.0722 * gradient[i].blue;
+    if (std::isnan(lumas[i])) lumas[i] = std::numeric_limits<double>::infinity();  // never shown; NaN has no order
   }
   for (std::size_t block = 0; block < kBlocks; ++block) {
     const auto* const first = lumas.data() + block * kBlockSteps;

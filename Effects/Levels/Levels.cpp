@@ -61,8 +61,8 @@ LevelsTables<Channel> tablesOf(const VRTHistogram& levels) {
     own.applyClipped(bounds);
     return tabulated<Channel>(bounds, LevelsCurve{common, own});
   };
-  LevelsTables<Channel> tables{color(Red), color(Green), color(Blue), {}, alpha.isNeutral()};
-  if (!tables.keepsAlpha) {
+  LevelsTables<Channel> tables{color(Red), color(Green), color(Blue), {}};
+  if (!alpha.isNeutral()) {
     LevelsBounds bounds = everyValue<Channel>();
     alpha.applyClipped(bounds);
     tables.alpha = tabulated<Channel>(bounds, alpha);

@@ -3,6 +3,8 @@
 
 #include "Ports/VRTImage.h"
 
+#include <new>
+
 namespace vorto::effects {
 
 EffectPatch::EffectPatch(PropertyList attributes) : QCPatch(std::move(attributes)) {
@@ -11,7 +13,12 @@ EffectPatch::EffectPatch(PropertyList attributes) : QCPatch(std::move(attributes
 
 bool EffectPatch::execute(double, std::string* reason) {
   VRTImage::setBitmapOfPort(*outputImage_, nullptr);  // a failure must not leave the last frame's image behind
-  std::optional<BitmapRef> image = render(reason);
+  std::optional<BitmapRef> image;
+  try {
+    image = render(reason);
+  } catch (const std::bad_alloc&) {
+    if (reason) *reason = "no memory to work in";
+  }
   if (!image) return false;
   if (*image) VRTImage::setBitmapOfPort(*outputImage_, std::move(*image));
   return true;

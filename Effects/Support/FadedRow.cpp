@@ -6,13 +6,12 @@
 
 namespace vorto::effects {
 
-constexpr std::size_t kWidestPixel = 4 * sizeof(float);
-
 FadedRow::FadedRow(std::uint32_t formatCode, std::size_t count, double opacity)
     : formatCode_(formatCode), count_(count), opacity_(opacity) {
   if (opacity_ >= 1) return;
-  nothing_.resize(kWidestPixel * count);
-  faded_.resize(kWidestPixel * count);
+  const std::size_t bytes = TCPixelLayoutOf(formatCode).bytesPerPixel() * count;
+  nothing_.resize(bytes);
+  faded_.resize(bytes);
 }
 
 const void* FadedRow::of(const void* row) {

@@ -20,7 +20,7 @@ class FadedRow {
   std::uint32_t formatCode_;
   std::size_t count_;
   double opacity_;
-  std::vector<std::uint8_t> nothing_;  // memory for the widest pixels
+  std::vector<std::uint8_t> nothing_;
   std::vector<std::uint8_t> faded_;
 };
 

@@ -17,8 +17,8 @@ constexpr std::size_t kStripLanes = 4 * kStripPixels;
 static_assert(kRowLanes % kGaussianLanes == 0 && kStripLanes % kGaussianLanes == 0);
 
 // Memory for some steps of lines.
-std::shared_ptr<VortoBitmap> makeLines(std::size_t steps, std::size_t lanes, std::string* reason) {
-  return makeBitmap(lanes / 4, steps, VortoPixelFormat::RGBAFloat, reason);
+std::shared_ptr<VortoBitmap> makeLines(std::size_t steps, std::size_t lanes) {
+  return makeBitmap(lanes / 4, steps, VortoPixelFormat::RGBAFloat, nullptr);
 }
 
 // Pixels of filtered rows to their places in the strips; behind the last one zeros.
@@ -64,11 +64,14 @@ void filterColumns(const VortoBitmap& in, const GaussianFilter& filter, Gaussian
 bool blurByRecursion(const VortoBitmap& in, const GaussianFilter& filter, GaussianEdges edges, const TakeBlurred& take,
                      std::string* reason) {
   const std::size_t stripCount = (std::size_t{in.width} + kStripPixels - 1) / kStripPixels;
-  const auto loaded = makeLines(in.width, kRowLanes, reason);
-  const auto filteredRows = makeLines(in.width, kRowLanes, reason);
-  const auto strips = makeLines(in.height, stripCount * kStripLanes, reason);
-  const auto filteredColumns = makeLines(in.height, kStripLanes, reason);
-  if (!loaded || !filteredRows || !strips || !filteredColumns) return false;
+  const auto loaded = makeLines(in.width, kRowLanes);
+  const auto filteredRows = makeLines(in.width, kRowLanes);
+  const auto strips = makeLines(in.height, stripCount * kStripLanes);
+  const auto filteredColumns = makeLines(in.height, kStripLanes);
+  if (!loaded || !filteredRows || !strips || !filteredColumns) {
+    if (reason) *reason = "no memory for a blur of " + describeBitmap(in) + ", which takes 16 bytes a pixel";
+    return false;
+  }
   withLayout(in.formatCode, [&](auto layout) {
     filterRows<typename decltype(layout)::Channel>(in, filter, edges, rowOf<float>(*loaded, 0),
                                                    rowOf<float>(*filteredRows, 0), rowOf<float>(*strips, 0));

@@ -14,7 +14,7 @@ class TransitionPatch : public EffectPatch {
   explicit TransitionPatch(PropertyList attributes);
 
  protected:
-  // Reads what the transition needs besides its images, at every time. False, with the reason, when it cannot; the
+  // Checks what the transition needs besides its images, at every time. False, with the reason, when it cannot; the
   // reason may be null.
   virtual bool prepare(std::string* reason);
 

@@ -2,6 +2,7 @@
 #include "Effects/Support/Arithmetic.h"
 #include "Effects/kernels/Blend.h"
 #include "Effects/kernels/BlendPlanesScalar.h"
+#include "Effects/kernels/FloatPixels.h"
 
 namespace vorto::effects {
 namespace {
@@ -110,15 +111,6 @@ Channel exactly(Mode mode, bool isAlpha, Channel behind, Channel front, Channel 
   return static_cast<Channel>((sumOver(full, shared, b, f, backgroundAlpha, foregroundAlpha) + full / 2) / full);
 }
 
-// What 1.0 is in the units of the depth.
-template <class Channel>
-constexpr float realOne() {
-  if constexpr (std::is_same_v<Channel, float>)
-    return 1;
-  else
-    return static_cast<float>(kFull<Channel>);
-}
-
 template <class Channel>
 float realUpTo(Channel color, Channel alpha) {
   if constexpr (std::is_same_v<Channel, float>) return color;
@@ -138,7 +130,7 @@ Channel stored(float sum, Channel alpha) {
   if constexpr (std::is_same_v<Channel, float>) {
     return sum;
   } else {
-    const auto rounded = static_cast<std::int32_t>(sum * (1 / realOne<Channel>()) + 0.5F);
+    const auto rounded = static_cast<std::int32_t>(sum * (1 / fullOf<Channel>()) + 0.5F);
     return static_cast<Channel>(std::min<std::int32_t>(rounded, alpha));
   }
 }
@@ -163,7 +155,7 @@ void blendPixel(const Channel* background, const Channel* foreground, Channel* o
     const planes::Color shared = planes::both(Mode(), b, f, backgroundAlpha, foregroundAlpha);
     const Channel alpha = exactly(DarkenMode(), true, behindAlpha, frontAlpha, behindAlpha, frontAlpha);
     const auto color = [&](float each, float behind, float front) {
-      return stored(sumOver(realOne<Channel>(), each, behind, front, backgroundAlpha, foregroundAlpha), alpha);
+      return stored(sumOver(fullOf<Channel>(), each, behind, front, backgroundAlpha, foregroundAlpha), alpha);
     };
     out[Layout::kRed] = color(shared.red, b.red, f.red);
     out[Layout::kGreen] = color(shared.green, b.green, f.green);

@@ -57,7 +57,6 @@ std::size_t matrixRow(const typename Layout::Channel* in, typename Layout::Chann
       const auto value = weighted(matrix[c], p);
       return hn::Mul(isFloat ? value : cut(value), newAlpha);
     };
-    expectWriteBehind(out + 4 * i);
     storePlanar<Layout>({color(0), color(1), color(2), newAlpha}, out + 4 * i);
   }
   return whole;

@@ -15,12 +15,12 @@ struct RectangleShape {};
 
 // A row of pixels and the center.
 struct DistanceRow {
-  std::int32_t column = 0;  // the one whose center is next to the center's, which may lie outside the image
-  float offset = 0;         // from there to the center, in pixels: no more than 1 either way
+  std::int32_t column = 0;  // the one in which the center lies, which may be outside the image
+  float offset = 0;         // from the center to the middle of that column, in pixels: no more than 1/2 either way
   float perPixel = 0;       // what a pixel along the row adds to u
   float v = 0;
 
-  // `centerX` and `centerY` in pixels from the upper left, of magnitudes below 1e9.
+  // `centerX` and `centerY` in pixels from the upper left, finite; columns farther than 1e9 count as that far.
   static DistanceRow at(double y, double centerX, double centerY, double unitX, double unitY);
 };
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Effects/kernels/Distance.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace vorto::effects {
@@ -21,8 +22,9 @@ float distance(RectangleShape, float u, float v) {
 }  // namespace
 
 DistanceRow DistanceRow::at(double y, double centerX, double centerY, double unitX, double unitY) {
-  const double column = std::floor(centerX);
-  return {static_cast<std::int32_t>(column), static_cast<float>(column + 0.5 - centerX), static_cast<float>(1 / unitX),
+  const double near = std::clamp(centerX, -1e9, 1e9);  // columns count to 2^31
+  const double column = std::floor(near);
+  return {static_cast<std::int32_t>(column), static_cast<float>(column + 0.5 - near), static_cast<float>(1 / unitX),
           static_cast<float>((y + 0.5 - centerY) / unitY)};
 }
 

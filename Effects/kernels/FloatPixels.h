@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include "Effects/Support/Arithmetic.h"
+
 #include <algorithm>
-#include <limits>
 #include <type_traits>
 
 namespace vorto::effects {
@@ -10,11 +11,7 @@ namespace vorto::effects {
 // What 1.0 is in a channel, as a float.
 template <class Channel>
 constexpr float fullOf() {
-  if constexpr (std::is_same_v<Channel, float>) {
-    return 1;
-  } else {
-    return std::numeric_limits<Channel>::max();
-  }
+  return static_cast<float>(kOne<Channel>);
 }
 
 // A computed channel as it is stored: integers rounded to the nearest, within 0 and the pixel's alpha, which is within

@@ -10,7 +10,7 @@
 // After foreach_target.h:
 #include <hwy/highway.h>
 
-#include "Effects/kernels/Pixels-inl.h"
+#include "Effects/kernels/PlanarPixels-inl.h"
 
 // Each returns how many pixels it made: whole vectors of them.
 HWY_BEFORE_NAMESPACE();
@@ -150,12 +150,10 @@ std::size_t mapVectors(RGBAFloat, const float* in, float* out, std::size_t count
   HWY_ALIGN std::int32_t indices[hn::MaxLanes(d)];
   HWY_ALIGN float parts[hn::MaxLanes(d)];
   for (std::size_t i = 0; i < whole; i += lanes) {
-    hn::Vec<Floats> red, green, blue, alpha;
-    for (std::size_t vector = 0; vector < 4; ++vector) expectPixels(in + 4 * i + vector * lanes);
-    hn::LoadInterleaved4(d, in + 4 * i, red, green, blue, alpha);
-    const auto sum = hn::Add(hn::Add(hn::Mul(hn::Set(d, 0.2126F), red), hn::Mul(hn::Set(d, 0.7152F), green)),
-                             hn::Mul(hn::Set(d, 0.0722F), blue));
-    const auto luma = hn::Div(sum, alpha);
+    const Planar p = loadPlanar<RGBAFloat>(in + 4 * i);
+    const auto sum = hn::Add(hn::Add(hn::Mul(hn::Set(d, 0.2126F), p.red), hn::Mul(hn::Set(d, 0.7152F), p.green)),
+                             hn::Mul(hn::Set(d, 0.0722F), p.blue));
+    const auto luma = hn::Div(sum, p.alpha);
     const auto below = hn::IfThenElse(hn::Lt(luma, one), luma, one);
     const auto clamped = hn::IfThenElseZero(hn::Gt(luma, zero), below);
     const auto place = hn::Mul(clamped, hn::Set(d, static_cast<float>(kGradientSteps - 1)));

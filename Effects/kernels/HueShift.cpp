@@ -85,7 +85,6 @@ std::size_t shiftRow(const typename Layout::Channel* in, typename Layout::Channe
     const auto made = [&](Values old, Values sextants) HWY_ATTR {
       return hn::IfThenElse(isShown, hn::Mul(component(low, range, sextants), unit), old);
     };
-    expectWriteBehind(out + 4 * i);
     storePlanar<Layout>({made(p.red, wrapped(hn::Add(c.hue, constant(2)))), made(p.green, c.hue),
                          made(p.blue, wrapped(hn::Add(c.hue, constant(4)))), p.alpha},
                         out + 4 * i);

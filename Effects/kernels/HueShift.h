@@ -6,7 +6,8 @@
 // Changes straight colors in hue, saturation and lightness: the hexcone model of J. Foley and A. van Dam, Fundamentals
 // of Interactive Computer Graphics, 1982, 17.4 (VortoColor's HSL, but for the blue on the way back, which is the
 // textbook's here). A color above 1 is brought into the model by its largest component, and back. Negative components
-// count as 0, and so does NaN. Alpha stays; a pixel without alpha stays. Integer colors stop at alpha.
+// count as 0, and so does NaN. Alpha stays; a pixel without alpha stays, but for
+// integer colors, which stop at alpha.
 namespace vorto::effects {
 
 struct HueShift {

@@ -108,10 +108,11 @@ std::size_t levelsVectors(Layout, const std::uint8_t* in, std::uint8_t* out, std
   const Bytes d;
   const Wides dp;
   const auto full = hn::Set(dp, 0xFF);
+  const bool keepsAlpha = tables.keepsAlpha();
   return storePixels(d, out, count, [=, &tables](std::size_t i) HWY_ATTR {
     expectPixels(in + i);
     const BytePixels<Layout> pixels(hn::BitCast(dp, hn::LoadU(d, in + i)));
-    const auto newAlpha = tables.keepsAlpha ? pixels.alpha : BytePixels<Layout>::lookedUp(tables.alpha, pixels.alpha);
+    const auto newAlpha = keepsAlpha ? pixels.alpha : BytePixels<Layout>::lookedUp(tables.alpha, pixels.alpha);
     const bool isOpaque = hn::AllTrue(dp, hn::Eq(hn::And(pixels.alpha, newAlpha), full));
     const bool isEmpty = hn::AllTrue(dp, hn::Eq(hn::Or(pixels.alpha, newAlpha), hn::Zero(dp)));
     if (isEmpty) return hn::BitCast(d, pixels.pixels);
@@ -171,11 +172,12 @@ std::size_t levelsVectors(RGBA16, const std::uint16_t* in, std::uint16_t* out, s
   const Words d;
   const Longs dp;
   const auto full = hn::Set(dp, 0xFFFF);
+  const bool keepsAlpha = tables.keepsAlpha();
   return storePixels(d, out, count, [=, &tables](std::size_t i) HWY_ATTR {
     expectPixels(in + i);
     const auto pixels = hn::BitCast(dp, hn::LoadU(d, in + i));
     const auto alpha = wordOf<RGBA16::kAlpha>(pixels);
-    const auto newAlpha = tables.keepsAlpha ? alpha : lookedUp(tables.alpha, alpha);
+    const auto newAlpha = keepsAlpha ? alpha : lookedUp(tables.alpha, alpha);
     const bool isOpaque = hn::AllTrue(dp, hn::Eq(hn::And(alpha, newAlpha), full));
     const bool isEmpty = hn::AllTrue(dp, hn::Eq(hn::Or(alpha, newAlpha), hn::Zero(dp)));
     if (isEmpty) return hn::BitCast(d, pixels);

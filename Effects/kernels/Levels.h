@@ -22,8 +22,10 @@ inline constexpr std::size_t kLevelsTableSize = sizeof(Channel) == 1 ? 256 : 655
 
 template <class Channel>
 struct LevelsTables {
-  LevelsTable<Channel> red, green, blue, alpha;  // kLevelsTableSize each
-  bool keepsAlpha = false;                       // alpha stays, and its table is not read
+  LevelsTable<Channel> red, green, blue;  // kLevelsTableSize each
+  LevelsTable<Channel> alpha;             // as large, or empty where alpha stays
+
+  bool keepsAlpha() const { return alpha.empty(); }
 };
 
 // For RGBA8, ARGB8 and RGBA16 (PixelLayout.h). The rows do not overlap.

@@ -9,7 +9,7 @@
 // After foreach_target.h:
 #include <hwy/highway.h>
 
-#include "Effects/kernels/Pixels-inl.h"
+#include "Effects/kernels/PlanarPixels-inl.h"
 #include "Effects/kernels/Power-inl.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -67,20 +67,17 @@ struct Coverage {
 
 std::size_t levelsOfFloats(const float* in, float* out, std::size_t count, const FloatLevels& levels) {
   const Floats d;
-  const bool keepsColor =
-      levels.common.isNeutral && levels.red.isNeutral && levels.green.isNeutral && levels.blue.isNeutral;
+  const bool keepsColor = levels.keepsColor();
   const std::size_t lanes = hn::Lanes(d);
   const std::size_t whole = count / lanes * lanes;
   for (std::size_t i = 0; i < 4 * whole; i += 4 * lanes) {
     hn::Vec<Floats> red, green, blue, alpha;
-    for (std::size_t vector = 0; vector < 4; ++vector) expectPixels(in + i + vector * lanes);
-    hn::LoadInterleaved4(d, in + i, red, green, blue, alpha);
-    const Coverage coverage(alpha, staged<true>(alpha, levels.alpha), keepsColor);
-    red = coverage.colorOf(red, levels.common, levels.red);
-    green = coverage.colorOf(green, levels.common, levels.green);
-    blue = coverage.colorOf(blue, levels.common, levels.blue);
-    for (std::size_t vector = 0; vector < 4; ++vector) expectWriteBehind(out + i + vector * lanes);
-    hn::StoreInterleaved4(red, green, blue, coverage.newAlpha, d, out + i);
+    const Planar p = loadPlanar<RGBAFloat>(in + i);
+    const Coverage coverage(p.alpha, staged<true>(p.alpha, levels.alpha), keepsColor);
+    storePlanar<RGBAFloat>(
+        {coverage.colorOf(p.red, levels.common, levels.red), coverage.colorOf(p.green, levels.common, levels.green),
+         coverage.colorOf(p.blue, levels.common, levels.blue), coverage.newAlpha},
+        out + i);
   }
   return whole;
 }

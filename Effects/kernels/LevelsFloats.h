@@ -27,6 +27,8 @@ struct FloatStage {
 // All colors have the common stage first, then their own.
 struct FloatLevels {
   FloatStage common, red, green, blue, alpha;
+
+  bool keepsColor() const { return common.isNeutral && red.isNeutral && green.isNeutral && blue.isNeutral; }
 };
 
 // Puts the straight color of each pixel, red, green, blue, alpha, and its alpha, through their stages.

@@ -27,8 +27,7 @@ template <class Layout>
 requires std::is_same_v<Layout, RGBAFloat>
 void levelsRowScalar(const float* in, float* out, std::size_t count, const FloatLevels& levels) {
   const FloatStage* const own[] = {&levels.red, &levels.green, &levels.blue};
-  const bool keepsColor =
-      levels.common.isNeutral && levels.red.isNeutral && levels.green.isNeutral && levels.blue.isNeutral;
+  const bool keepsColor = levels.keepsColor();
   for (std::size_t i = 0; i < 4 * count; i += 4) {
     const float alpha = in[i + 3];
     const float newAlpha = staged<true>(alpha, levels.alpha);

@@ -11,7 +11,7 @@ void levelsRowScalar(const typename Layout::Channel* in, typename Layout::Channe
   using Channel = typename Layout::Channel;
   for (std::size_t i = 0; i < count; ++i, in += Layout::kChannels, out += Layout::kChannels) {
     const Channel alpha = in[Layout::kAlpha];
-    const auto newAlpha = tables.keepsAlpha ? alpha : static_cast<Channel>(tables.alpha[alpha]);
+    const auto newAlpha = tables.keepsAlpha() ? alpha : static_cast<Channel>(tables.alpha[alpha]);
     const auto through = [&](Channel color, const LevelsTable<Channel>& table) {
       if (alpha == 0 && newAlpha == 0) return color;
       return product(static_cast<Channel>(table[alpha == 0 ? color : straight(color, alpha)]), newAlpha);

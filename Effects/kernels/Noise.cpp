@@ -56,8 +56,9 @@ std::size_t latticeVectors(std::uint32_t rowKey, float* out, std::size_t count) 
 template <int one>
 HWY_INLINE hn::Vec<Wides> roundedAt(const float* place) {
   const Floats d;
-  const auto value = hn::Add(hn::Mul(hn::LoadU(d, place), hn::Set(d, static_cast<float>(one))), hn::Set(d, 0.5F));
-  return hn::Min(hn::BitCast(Wides(), hn::ConvertTo(Signed(), value)), hn::Set(Wides(), one));
+  const auto most = hn::Set(d, static_cast<float>(one));
+  const auto value = hn::Min(hn::Max(hn::Mul(hn::LoadU(d, place), most), hn::Zero(d)), most);
+  return hn::BitCast(Wides(), hn::ConvertTo(Signed(), hn::Add(value, hn::Set(d, 0.5F))));
 }
 
 std::size_t opaqueBytes(const float* red, const float* green, const float* blue, std::uint8_t* out, std::size_t count) {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Effects/Support/Arithmetic.h"
+#include "Effects/kernels/FloatPixels.h"
 #include "Effects/kernels/Noise.h"
 
 namespace vorto::effects {
@@ -7,18 +8,7 @@ namespace {
 
 template <class Channel>
 Channel stored(float value) {
-  if constexpr (std::is_same_v<Channel, float>) {
-    return value;
-  } else {
-    const auto rounded = static_cast<std::uint32_t>(value * static_cast<float>(kFull<Channel>) + 0.5F);
-    return static_cast<Channel>(std::min(rounded, kFull<Channel>));
-  }
-}
-
-template <class Channel>
-constexpr Channel opaque() {
-  if constexpr (std::is_same_v<Channel, float>) return 1;
-  return std::numeric_limits<Channel>::max();
+  return storedChannel<Channel>(value * fullOf<Channel>(), fullOf<Channel>());
 }
 
 }  // namespace
@@ -45,7 +35,7 @@ void opaqueRowScalar(const float* red, const float* green, const float* blue, ty
     out[Layout::kRed] = stored<Channel>(red[i]);
     out[Layout::kGreen] = stored<Channel>(green[i]);
     out[Layout::kBlue] = stored<Channel>(blue[i]);
-    out[Layout::kAlpha] = opaque<Channel>();
+    out[Layout::kAlpha] = kOne<Channel>;
   }
 }
 

@@ -71,7 +71,12 @@ HWY_INLINE void insidePixel(const typename Layout::Channel* corner, std::size_t 
       sums[k] = hn::Add(sums[k], hn::Mul(weight, loadedFloats(d, row + k * lanes)));
     }
   }
-  for (std::size_t k = 0; k < vectors; ++k) sums[k] = hn::Mul(sums[k], spreadWeights(d, weightsX + k * lanes / 4));
+  for (std::size_t k = 0; k < vectors; ++k) {
+    sums[k] = hn::Mul(sums[k], spreadWeights(d, weightsX + k * lanes / 4));
+    const std::size_t first = std::min(k * lanes, 4 * rows);
+    // Columns that only fill the vector: what lies there is not multiplied away where it is no number.
+    if (columns > rows) sums[k] = hn::IfThenElseZero(hn::FirstN(d, std::min(4 * rows - first, lanes)), sums[k]);
+  }
   for (std::size_t half = vectors / 2; half > 0; half /= 2) {
     for (std::size_t k = 0; k < half; ++k) sums[k] = hn::Add(sums[k], sums[k + half]);
   }

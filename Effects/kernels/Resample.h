@@ -44,7 +44,7 @@ class ResampleKernel {
 
   Kind kind_;
   double scaleX_, scaleY_;
-  std::vector<float> phases_;   // kPhases + 1 times kTaps
+  std::vector<float> phases_;   // kPhases + 2 times kTaps: the last twice, for a phase that rounds to 1
   std::vector<double> values_;  // of Lanczos at t = i / kPhases
 };
 

@@ -46,7 +46,7 @@ void resamplePixel(const ResampleSource<typename Layout::Channel>& in, const Res
       for (std::size_t j = 1; j < rows; ++j) {
         sum = sum + weightsY.values[j] * channelAt(in, column, startY.first + static_cast<std::int64_t>(j), c);
       }
-      sums[i] = sum * weightsX.values[i];
+      sums[i] = i < rows ? sum * weightsX.values[i] : 0.0F;  // Lanczos has columns that only fill vectors
     }
     for (std::size_t half = columns / 2; half > 0; half /= 2) {
       for (std::size_t i = 0; i < half; ++i) sums[i] = sums[i] + sums[i + half];

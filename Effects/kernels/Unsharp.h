@@ -6,7 +6,7 @@
 // Unsharp masking of straight color: C + amount (C - B) where the color C differs from the blurred one B by the
 // threshold or more, in the channel itself. Of premultiplied pixels, c + amount (c - b alpha / blurred alpha), so that
 // transparency next to a color does not count as darkness. Alpha stays. Integer colors stop at 0 and at alpha. A pixel
-// without alpha, and one around which there is none, stays.
+// without alpha, and one around which there is none, stays, but for integer colors above alpha.
 namespace vorto::effects {
 
 struct UnsharpSettings {

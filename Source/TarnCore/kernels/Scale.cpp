@@ -87,13 +87,14 @@ void gatherTwoBytes(std::uint8_t* out, const std::uint8_t* row, std::size_t rowP
       continue;
     }
     expectRead<kAhead>(from);
-    const auto relative = [&](std::size_t k) {
+    const auto relative = [&](std::size_t k) HWY_ATTR {
       const auto* const place = reinterpret_cast<const std::int32_t*>(columns + i + k);
       return hn::Sub(hn::LoadU(columnTag, place), hn::Set(columnTag, static_cast<std::int32_t>(first)));
     };
     const auto pixels = hn::BitCast(pairs, hn::ReorderDemote2To(signedPairs, relative(0), relative(4)));
     const auto bytes = hn::BitCast(d, hn::Add(hn::Mul(pixels, hn::Set(pairs, 0x0202)), hn::Set(pairs, 0x0100)));
-    const auto low = hn::TableLookupBytesOr0(hn::LoadU(d, from), hn::Add(bytes, hn::Set(d, 0x70)));
+    const auto isHigh = hn::VecFromMask(d, hn::Gt(bytes, hn::Set(d, 15)));
+    const auto low = hn::TableLookupBytesOr0(hn::LoadU(d, from), hn::Or(bytes, isHigh));
     const auto high = hn::TableLookupBytesOr0(hn::LoadU(d, from + 16), hn::Sub(bytes, hn::Set(d, 16)));
     hn::StoreU(hn::Or(low, high), d, out + i * 2);
   }

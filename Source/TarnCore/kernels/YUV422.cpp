@@ -141,7 +141,7 @@ HWY_INLINE ARGBPixels laggingPixels(const std::uint8_t* yuv) {
   }
 }
 
-// Whole vectors of columns, as laggingPixels() takes them. Answers how many columns those were.
+// Whole vectors of columns, as laggingPixels() takes them. Returns how many columns those were.
 template <bool streamed, bool firstIsOdd>
 std::size_t laggingVectors(std::uint8_t* argb, const std::uint8_t* yuv, std::size_t count) {
   const std::size_t step = hn::Lanes(BlockBytes());

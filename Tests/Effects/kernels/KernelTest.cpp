@@ -61,7 +61,8 @@ TYPED_TEST(Rows, ChangeLevelsAsDefined) {
       return values;
     };
     for (const int kind : {0, 1, 2}) {
-      LevelsTables<TypeParam> tables{table(), table(), table(), table(), kind == 2};
+      LevelsTables<TypeParam> tables{table(), table(), table(), table()};
+      if (kind == 2) tables.alpha.clear();
       if (kind == 1) tables.alpha[0] = 0, tables.alpha[kFull<TypeParam>] = kFull<TypeParam>;
       withLayoutsOf<TypeParam>([&](auto layout) {
         using Layout = decltype(layout);
