@@ -1,83 +1,98 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include "Host/ImageFiles/FileFormat.h"
+#include "Host/ImageFiles/FileMetadata.h"
+#include "Host/ImageFiles/PictureTypes.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <span>
 #include <string>
-#include <vector>
 
-// What the program and its module for image files say to each other. Files are handed over as bytes: the program opens,
-// checks and replaces them. Nothing throws; a call that fails returns false and puts the cause, without the file's
-// name, in *reason (which may be null).
+// What the program and its modules for image files say to each other. There is a slim module for each of the formats
+// that most files have, and one for all others; each is loaded when a file needs it, and stays. The program opens,
+// checks and replaces files; modules see bytes. Nothing throws: a call that fails returns false or null and puts the
+// cause, without the file's name, in *reason (which may be null).
 namespace host {
 
-enum class FileFormat { Png, Jpeg, Tiff, Exr };
-
-enum class SampleType { UInt8, UInt16, Float };
-
-// The depth of a file, of rendering, or both. Half is a depth of files; pixels of that depth are held as floats.
-enum class Depth { Bits8, Bits16, Half, Float };
-
-enum class AlphaKind { None, Straight, Premultiplied };
-
-// Four samples a pixel (red, green, blue, alpha), rows from the top, no padding. Integer samples use their whole range;
-// with AlphaKind::None alpha is full.
-struct ImagePixels {
-  std::uint32_t width = 0;
+// The picture in a file, before its pixels are decoded.
+struct PictureInfo {
+  std::uint32_t width = 0;  // as stored; of EXR the window that the file shows
   std::uint32_t height = 0;
-  SampleType sample = SampleType::UInt8;
-  Depth depth = Depth::Bits8;  // of the file that they came from
-  AlphaKind alpha = AlphaKind::Premultiplied;
-  std::unique_ptr<std::byte[]> bytes;
-
-  std::size_t sampleCount() const { return std::size_t{4} * width * height; }
-  template <class Sample>
-  std::span<Sample> samples() const {
-    return {reinterpret_cast<Sample*>(bytes.get()), sampleCount()};
-  }
+  SampleType sample = SampleType::UInt8;  // what the samples are decoded to
+  Depth depth = Depth::Bits8;             // of the file
+  AlphaKind alpha = AlphaKind::None;
+  Channels channels = Channels::RGBA;  // of the file; a palette counts as RGB, with transparent entries as RGBA
+  int orientation = 1;                 // 1 to 8, as TIFF and Exif number them
+  FileMetadata metadata;
 };
 
-inline std::size_t bytesPerSample(SampleType sample) {
-  return sample == SampleType::UInt8 ? 1 : sample == SampleType::UInt16 ? 2 : 4;
-}
+// A file of which everything but the pixels has been read. The bytes must outlive it.
+class ImageReader {
+ public:
+  virtual ~ImageReader() = default;
+  const PictureInfo& info() const { return info_; }
 
-// Memory for the pixels, not initialised.
-inline void allocatePixels(ImagePixels& image) {
-  image.bytes = std::make_unique_for_overwrite<std::byte[]>(image.sampleCount() * bytesPerSample(image.sample));
-}
+  // Decodes the whole picture, once: four samples a pixel (red, green, blue, alpha) of the type info().sample, rows from
+  // the top, their starts `rowBytes` apart. Integer samples use their whole range; gray is in all three colors; without
+  // alpha it is full. All pixels are written when it succeeds, nothing is said about them when it fails; a file that is
+  // damaged or cut short fails.
+  virtual bool readPixels(std::byte* pixels, std::size_t rowBytes, std::string* reason) = 0;
 
-struct TextStyle {
-  std::string fontFile;
-  int pixelSize = 0;
-  float gray = 1;  // 0 to 1
+ protected:
+  PictureInfo info_;
+};
+
+struct ReadRequest {
+  std::span<const std::uint8_t> file;
+  std::string layer;  // of a file with several: a part's name, or what stands before the last dot in its channels' names
+};
+
+struct WriteSettings {
+  int quality = -1;         // 1 to 100 of formats that lose; -1: the format's own default
+  std::string compression;  // the name of a method, as the format knows it; empty: the format's own default
+  int level = -1;           // how hard to compress, of methods that know levels; -1: the method's own default
+};
+
+struct WriteRequest {
+  FileFormat format = FileFormat::Png;
+  std::uint32_t width = 0;
+  std::uint32_t height = 0;
+  Channels channels = Channels::RGBA;
+  SampleType sample = SampleType::UInt8;  // of the rows
+  Depth depth = Depth::Bits8;             // of the file: with Half and Float rows hold floats
+  AlphaKind alpha = AlphaKind::None;      // of the rows, and of the file
+  const FileMetadata* metadata = nullptr;  // what the format cannot hold is left out
+  WriteSettings settings;
+};
+
+// The rows of a picture, packed as the request says: width x channelCount(channels) samples.
+class PixelRows {
+ public:
+  virtual ~PixelRows() = default;
+  virtual const std::byte* row(std::uint32_t y) = 0;  // in order from the top, each once; good until the next
+};
+
+// Where a file is written. False when it could not be: the module then gives up, and the program knows why.
+class OutputBytes {
+ public:
+  virtual ~OutputBytes() = default;
+  virtual bool write(std::uint64_t offset, std::span<const std::uint8_t> bytes) = 0;
+  virtual std::size_t read(std::uint64_t offset, std::span<std::uint8_t> bytes) = 0;  // what was written; how much of it
 };
 
 class ImageFileModule {
  public:
   virtual ~ImageFileModule() = default;
 
-  // The whole picture, upright, in the depth of the file (half as float) and in the file's own transfer function. The
-  // format is told by the first bytes; of a file with several pictures the first counts. A file that is damaged or cut
-  // short is refused, and so is one whose pixels take more than `maximumBytes`.
-  virtual bool read(std::span<const std::uint8_t> file, std::uint64_t maximumBytes, ImagePixels* image,
-                    std::string* reason) = 0;
-  // The file's bytes. PNG wants straight alpha, TIFF and EXR want it premultiplied; JPEG leaves alpha out. Half needs
-  // float samples; the other depths need samples of their own.
-  virtual bool write(const ImagePixels& image, FileFormat format, Depth depth, std::vector<std::uint8_t>* file,
-                     std::string* reason) = 0;
-
-  // Fills `target`, whose size is set, with the whole of `source` through a Lanczos filter. Both hold float samples.
-  virtual bool resize(const ImagePixels& source, ImagePixels* target, std::string* reason) = 0;
-  // Draws one line of UTF-8 text, centred on `x`, its base line at `baseline`, into an 8-bit image.
-  virtual bool drawText(ImagePixels* image, int x, int baseline, const std::string& text, const TextStyle& style,
-                        std::string* reason) = 0;
-  // How wide drawText() would draw, in pixels; negative when the font cannot be used.
-  virtual int textWidth(const std::string& text, const TextStyle& style) = 0;
+  // Null with *isOtherKind set when the file is of the module's format but of a kind that the general module reads.
+  virtual std::unique_ptr<ImageReader> open(const ReadRequest& request, bool* isOtherKind, std::string* reason) = 0;
+  virtual bool write(const WriteRequest& request, PixelRows& rows, OutputBytes& output, std::string* reason) = 0;
 };
 
-// The module's one exported function. The object lives as long as the module is loaded.
+// A module's one exported function. The object lives as long as the process.
 inline constexpr const char* kImageFileModuleEntry = "VortoImageFileModule";
 using ImageFileModuleFunction = ImageFileModule* (*)();
 

@@ -1,0 +1,8 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+namespace host {
+
+enum class FileFormat { Png, Jpeg, Tiff, Exr, WebP, Bmp, Targa, Dpx, Hdr, Jpeg2000, Heif, Pnm };
+
+}  // namespace host
