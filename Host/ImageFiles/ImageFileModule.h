@@ -48,6 +48,7 @@ class ImageReader {
 struct ReadRequest {
   std::span<const std::uint8_t> file;
   std::string layer;  // of a file with several: a part's name, or what stands before the last dot in its channels' names
+  std::string extension;  // of the file's name, with its dot: a hint for formats that do not tell themselves
 };
 
 struct WriteSettings {
