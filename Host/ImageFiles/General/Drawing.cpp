@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "Host/ImageFiles/Drawing.h"
+#include "Host/ImageFiles/General/Drawing.h"
 
 #include "Platform/Foundation/NSReason.h"
 
@@ -7,33 +7,12 @@
 #include <OpenImageIO/imagebufalgo.h>
 
 namespace host {
-namespace {
 
-// An image buffer of the library over our own pixels.
-OIIO::ImageBuf wrapped(const ImagePixels& image) {
-  const OIIO::TypeDesc type = image.sample == SampleType::UInt8    ? OIIO::TypeDesc::UINT8
-                              : image.sample == SampleType::UInt16 ? OIIO::TypeDesc::UINT16
-                                                                   : OIIO::TypeDesc::FLOAT;
-  OIIO::ImageSpec spec(static_cast<int>(image.width), static_cast<int>(image.height), 4, type);
+bool drawTextInImage(const DrawingSurface& surface, int x, int baseline, const std::string& text,
+                     const TextStyle& style, std::string* reason) {
+  OIIO::ImageSpec spec(static_cast<int>(surface.width), static_cast<int>(surface.height), 4, OIIO::TypeDesc::UINT8);
   spec.alpha_channel = 3;
-  return OIIO::ImageBuf(spec, image.bytes.get());
-}
-
-}  // namespace
-
-bool resizeImage(const ImagePixels& source, ImagePixels* target, std::string* reason) {
-  allocatePixels(*target);
-  const OIIO::ImageBuf from = wrapped(source);
-  OIIO::ImageBuf to = wrapped(*target);
-  if (!OIIO::ImageBufAlgo::resize(to, from, "lanczos3")) {
-    return NSRefuse(reason, to.geterror());
-  }
-  return true;
-}
-
-bool drawTextInImage(ImagePixels* image, int x, int baseline, const std::string& text, const TextStyle& style,
-                     std::string* reason) {
-  OIIO::ImageBuf buffer = wrapped(*image);
+  OIIO::ImageBuf buffer(spec, surface.pixels);
   const float color[] = {style.gray, style.gray, style.gray, 1.0f};
   const bool drawn =
       OIIO::ImageBufAlgo::render_text(buffer, x, baseline, text, style.pixelSize, style.fontFile, color,

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
+#include "Host/ImageFiles/General/Drawing.h"
+#include "Host/ImageFiles/General/Reading.h"
+#include "Host/ImageFiles/General/SilentStandardError.h"
+#include "Host/ImageFiles/General/Writing.h"
 #include "Host/ImageFiles/ImageFileModule.h"
-
-#include "Host/ImageFiles/Drawing.h"
-#include "Host/ImageFiles/Reading.h"
-#include "Host/ImageFiles/SilentStandardError.h"
-#include "Host/ImageFiles/Writing.h"
 #include "Platform/Foundation/NSReason.h"
 #include "Platform/Visibility.h"
 
@@ -15,9 +14,9 @@
 namespace host {
 namespace {
 
-// Runs a step that may throw (the library, or memory that ran out) and returns false instead.
+// Runs a step that may throw (the library, or memory that ran out); what a failed one returns is false, or null.
 template <class Step>
-bool guarded(std::string* reason, Step step) {
+auto guarded(std::string* reason, Step step) -> decltype(step()) {
   const SilentStandardError silent;
   try {
     return step();
@@ -26,35 +25,46 @@ bool guarded(std::string* reason, Step step) {
   } catch (const std::exception& error) {
     NSRefuse(reason, error.what());
   }
-  return false;
+  return {};
 }
 
-class OpenImageIOModule : public ImageFileModule {
+class GuardedReader : public ImageReader {
  public:
-  OpenImageIOModule() {
-    OIIO::attribute("debug", 0);             // no remarks on standard error: failures have a reason
-    OIIO::attribute("tiff:multithread", 0);  // tiles that are inflated side by side fail without a word
+  explicit GuardedReader(std::unique_ptr<ImageReader> reader) : reader_(std::move(reader)) { info_ = reader_->info(); }
+  bool readPixels(std::byte* pixels, std::size_t rowBytes, std::string* reason) override {
+    return guarded(reason, [&] { return reader_->readPixels(pixels, rowBytes, reason); });
   }
 
-  bool read(std::span<const std::uint8_t> file, std::uint64_t maximumBytes, ImagePixels* image,
-            std::string* reason) override {
-    return guarded(reason, [&] { return readImage(file, maximumBytes, image, reason); });
+ private:
+  std::unique_ptr<ImageReader> reader_;
+};
+
+class GeneralModule : public ImageFileModule, public DrawingModule {
+ public:
+  GeneralModule() {
+    OIIO::attribute("debug", 0);             // no remarks on standard error: failures have a reason
+    OIIO::attribute("tiff:multithread", 0);  // tiles that are inflated side by side fail without a word
+    OIIO::attribute("threads", 1);
+    OIIO::attribute("exr_threads", -1);
   }
-  bool write(const ImagePixels& image, FileFormat format, Depth depth, std::vector<std::uint8_t>* file,
-             std::string* reason) override {
-    return guarded(reason, [&] { return writeImage(image, format, depth, file, reason); });
+
+  std::unique_ptr<ImageReader> open(const ReadRequest& request, bool*, std::string* reason) override {
+    return guarded(reason, [&]() -> std::unique_ptr<ImageReader> {
+      auto reader = openImage(request, reason);
+      return reader ? std::make_unique<GuardedReader>(std::move(reader)) : nullptr;
+    });
   }
-  bool resize(const ImagePixels& source, ImagePixels* target, std::string* reason) override {
-    return guarded(reason, [&] { return resizeImage(source, target, reason); });
+  bool write(const WriteRequest& request, PixelRows& rows, OutputBytes& output, std::string* reason) override {
+    return guarded(reason, [&] { return writeImage(request, rows, output, reason); });
   }
-  bool drawText(ImagePixels* image, int x, int baseline, const std::string& text, const TextStyle& style,
+
+  bool drawText(const DrawingSurface& surface, int x, int baseline, const std::string& text, const TextStyle& style,
                 std::string* reason) override {
-    return guarded(reason, [&] { return drawTextInImage(image, x, baseline, text, style, reason); });
+    return guarded(reason, [&] { return drawTextInImage(surface, x, baseline, text, style, reason); });
   }
   int textWidth(const std::string& text, const TextStyle& style) override {
-    std::string ignored;
     int width = -1;
-    guarded(&ignored, [&] {
+    guarded(nullptr, [&] {
       width = widthOfText(text, style);
       return true;
     });
@@ -62,11 +72,20 @@ class OpenImageIOModule : public ImageFileModule {
   }
 };
 
+GeneralModule& theModule() {
+  static GeneralModule module;
+  return module;
+}
+
 }  // namespace
 }  // namespace host
 
 extern "C" TARN_EXPORT host::ImageFileModule* VortoImageFileModule();
 host::ImageFileModule* VortoImageFileModule() {
-  static host::OpenImageIOModule module;
-  return &module;
+  return &host::theModule();
+}
+
+extern "C" TARN_EXPORT host::DrawingModule* VortoDrawingModule();
+host::DrawingModule* VortoDrawingModule() {
+  return &host::theModule();
 }

@@ -5,6 +5,7 @@
 
 namespace host {
 
-bool readImage(std::span<const std::uint8_t> file, std::uint64_t maximumBytes, ImagePixels* image, std::string* reason);
+// Any picture that the library reads, videos excepted; of a file with several the first, or the one that the layer names.
+std::unique_ptr<ImageReader> openImage(const ReadRequest& request, std::string* reason);
 
 }  // namespace host

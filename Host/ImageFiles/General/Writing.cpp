@@ -1,10 +1,16 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "Host/ImageFiles/Writing.h"
+#include "Host/ImageFiles/General/Writing.h"
 
+#include "Host/ImageFiles/General/LibraryFile.h"
+#include "Host/ImageFiles/General/Metadata.h"
 #include "Platform/Foundation/NSReason.h"
 
-#include <OpenImageIO/filesystem.h>
-#include <OpenImageIO/imageio.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstring>
+#include <vector>
 
 namespace host {
 namespace {
@@ -30,55 +36,108 @@ const char* libraryName(FileFormat format) {
     case FileFormat::Tiff:
       return "tiff";
     case FileFormat::Exr:
+      return "openexr";
+    case FileFormat::WebP:
+      return "webp";
+    case FileFormat::Bmp:
+      return "bmp";
+    case FileFormat::Targa:
+      return "targa";
+    case FileFormat::Dpx:
+      return "dpx";
+    case FileFormat::Hdr:
+      return "hdr";
+    case FileFormat::Jpeg2000:
+      return "jpeg2000";
+    case FileFormat::Heif:
+      return "heif";
+    case FileFormat::Pnm:
+    case FileFormat::Pfm:
       break;
   }
-  return "openexr";
+  return "pnm";
 }
 
-void setFormatAttributes(FileFormat format, OIIO::ImageSpec* spec) {
-  // The library stamps TIFF and EXR files with the time unless they have one. One that is no text is not written: equal
-  // pictures make equal files.
+std::string withQuality(const std::string& method, int quality) {
+  return quality < 0 ? method : method + ":" + std::to_string(quality);
+}
+
+void setFormatAttributes(const WriteRequest& request, OIIO::ImageSpec* spec) {
+  // The library stamps files with the time unless they have one. One that is no text is not written: equal pictures make
+  // equal files.
   spec->attribute("DateTime", 0);
-  switch (format) {
-    case FileFormat::Png:
-      spec->attribute("oiio:UnassociatedAlpha", 1);
-      break;
-    case FileFormat::Jpeg:
-      spec->attribute("Compression", "jpeg:95");
-      spec->attribute("jpeg:subsampling", "4:4:4");
-      break;
-    case FileFormat::Tiff:
-      spec->attribute("compression", "none");  // what every program reads, and fast; float samples hardly shrink
-      break;
-    case FileFormat::Exr:
-      spec->attribute("compression", "zip");
-      break;
+  spec->attribute("oiio:UnassociatedAlpha", request.alpha == AlphaKind::Straight ? 1 : 0);
+  const WriteSettings& settings = request.settings;
+  if (!settings.compression.empty()) {
+    spec->attribute("compression", withQuality(settings.compression, settings.quality));
+  } else if (request.format == FileFormat::WebP) {
+    spec->attribute("compression", withQuality("webp", settings.quality < 0 ? 95 : settings.quality));
+  } else if (request.format == FileFormat::Heif) {
+    spec->attribute("compression", withQuality("heic", settings.quality < 0 ? 90 : settings.quality));
+  } else if (request.format == FileFormat::Targa) {
+    spec->attribute("compression", "rle");
   }
+}
+
+// Where the library writes: through its own interface where the format takes that, into a file in memory otherwise.
+class LibraryTarget {
+ public:
+  ~LibraryTarget() {
+    if (descriptor_ >= 0) close(descriptor_);
+  }
+
+  // The name to open; empty when there is no memory.
+  std::string prepare(OIIO::ImageOutput& output) {
+    if (output.supports("ioproxy")) {
+      output.set_ioproxy(&proxy_);
+      return "image";
+    }
+    descriptor_ = memfd_create("image", MFD_CLOEXEC);
+    return descriptor_ < 0 ? "" : "/proc/self/fd/" + std::to_string(descriptor_);
+  }
+
+  bool copyTo(OutputBytes& output) {
+    if (descriptor_ < 0) return output.write(0, proxy_.buffer());
+    std::vector<std::uint8_t> block(std::size_t{1} << 20);
+    for (std::uint64_t offset = 0;;) {
+      const ssize_t count = pread(descriptor_, block.data(), block.size(), static_cast<off_t>(offset));
+      if (count < 0) return false;
+      if (count == 0) return true;
+      if (!output.write(offset, std::span(block).first(static_cast<std::size_t>(count)))) return false;
+      offset += static_cast<std::uint64_t>(count);
+    }
+  }
+
+ private:
+  OIIO::Filesystem::IOVecOutput proxy_;
+  int descriptor_ = -1;
+};
+
+bool writeRows(const WriteRequest& request, PixelRows& rows, OIIO::ImageOutput& output) {
+  const OIIO::TypeDesc type = typeOf(request.sample);
+  for (std::uint32_t y = 0; y < request.height; ++y) {
+    if (!output.write_scanline(static_cast<int>(y), 0, type, rows.row(y))) return false;
+  }
+  return true;
 }
 
 }  // namespace
 
-bool writeImage(const ImagePixels& image, FileFormat format, Depth depth, std::vector<std::uint8_t>* file,
-                std::string* reason) {
-  const OIIO::TypeDesc stored = depth == Depth::Half ? OIIO::TypeDesc::HALF : typeOf(image.sample);
-  const bool hasAlpha = format != FileFormat::Jpeg;
-  OIIO::ImageSpec spec(static_cast<int>(image.width), static_cast<int>(image.height), hasAlpha ? 4 : 3, stored);
-  setFormatAttributes(format, &spec);
-
-  const auto output = OIIO::ImageOutput::create(libraryName(format));
-  if (!output) {
-    return NSRefuse(reason, OIIO::geterror());
-  }
-  OIIO::Filesystem::IOVecOutput proxy;
-  output->set_ioproxy(&proxy);
-  const auto pixelSize = static_cast<OIIO::stride_t>(4 * bytesPerSample(image.sample));
+bool writeImage(const WriteRequest& request, PixelRows& rows, OutputBytes& bytes, std::string* reason) {
+  const OIIO::TypeDesc stored = request.depth == Depth::Half ? OIIO::TypeDesc::HALF : typeOf(request.sample);
+  OIIO::ImageSpec spec(static_cast<int>(request.width), static_cast<int>(request.height),
+                       static_cast<int>(channelCount(request.channels)), stored);
+  if (request.metadata) setMetadata(*request.metadata, &spec);
+  setFormatAttributes(request, &spec);
+  const auto output = OIIO::ImageOutput::create(libraryName(request.format));
+  if (!output) return NSRefuse(reason, OIIO::geterror());
+  LibraryTarget target;
+  const std::string name = target.prepare(*output);
   // No short cut: each of the steps may fail, and the file is complete only after the last.
-  if (!output->open("image", spec) || !output->write_image(typeOf(image.sample), image.bytes.get(), pixelSize) ||
-      !output->close()) {
-    return NSRefuse(reason, output->geterror());
+  if (name.empty() || !output->open(name, spec) || !writeRows(request, rows, *output) || !output->close()) {
+    return NSRefuse(reason, cleanedMessage(output->geterror()));
   }
-  file->assign(proxy.buffer().begin(), proxy.buffer().end());
-  return true;
+  return target.copyTo(bytes) || NSRefuse(reason, "not all of it could be written");
 }
 
 }  // namespace host

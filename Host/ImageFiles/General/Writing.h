@@ -5,7 +5,6 @@
 
 namespace host {
 
-bool writeImage(const ImagePixels& image, FileFormat format, Depth depth, std::vector<std::uint8_t>* file,
-                std::string* reason);
+bool writeImage(const WriteRequest& request, PixelRows& rows, OutputBytes& output, std::string* reason);
 
 }  // namespace host
