@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "Host/ImageFiles/Channels.h"
+#include "Host/ImageFiles/General/Channels.h"
 
 #include "Platform/Foundation/NSReason.h"
 
@@ -8,7 +8,7 @@
 namespace host {
 namespace {
 
-int channelNamed(const OIIO::ImageSpec& spec, const char* name) {
+int channelNamed(const OIIO::ImageSpec& spec, const std::string& name) {
   for (int channel = 0; channel < spec.nchannels; ++channel) {
     if (spec.channelnames[static_cast<std::size_t>(channel)] == name) return channel;
   }
@@ -20,22 +20,23 @@ int alphaChannel(const OIIO::ImageSpec& spec) {
 }
 
 // Files whose channels carry names (EXR keeps them sorted, among any number of others), then files that go by order.
-bool findColors(const OIIO::ImageSpec& spec, int alpha, std::array<int, 4>* index) {
-  const int red = channelNamed(spec, "R");
-  const int green = channelNamed(spec, "G");
-  const int blue = channelNamed(spec, "B");
+bool findColors(const OIIO::ImageSpec& spec, const std::string& prefix, int alpha, std::array<int, 4>* index) {
+  const int red = channelNamed(spec, prefix + "R");
+  const int green = channelNamed(spec, prefix + "G");
+  const int blue = channelNamed(spec, prefix + "B");
   if (red >= 0 && green >= 0 && blue >= 0) {
     *index = {red, green, blue, alpha};
     return true;
   }
-  const int luminance = channelNamed(spec, "Y");
+  const int luminance = channelNamed(spec, prefix + "Y");
   const int colors = spec.nchannels - (alpha >= 0 ? 1 : 0);
-  if (luminance >= 0 || colors == 1) {
+  const bool isSingle = colors == 1 && prefix.empty();
+  if (luminance >= 0 || isSingle) {
     const int gray = luminance >= 0 ? luminance : alpha == 0 ? 1 : 0;
     *index = {gray, gray, gray, alpha};
     return true;
   }
-  if (colors >= 3 && (alpha < 0 || alpha >= 3) && channelNamed(spec, "channel0") == 0) {
+  if (colors >= 3 && (alpha < 0 || alpha >= 3) && channelNamed(spec, prefix + "channel0") == 0) {
     *index = {0, 1, 2, alpha};
     return true;
   }
@@ -68,9 +69,22 @@ bool depthOf(const OIIO::TypeDesc& type, Depth* depth, SampleType* sample) {
 
 }  // namespace
 
-bool findColorChannels(const OIIO::ImageSpec& spec, ColorChannels* channels, std::string* reason) {
-  const int alpha = alphaChannel(spec);
-  if (!findColors(spec, alpha, &channels->index)) {
+std::vector<std::string> layersOf(const OIIO::ImageSpec& spec) {
+  std::vector<std::string> layers;
+  for (const std::string& name : spec.channelnames) {
+    const std::size_t dot = name.rfind('.');
+    if (dot == std::string::npos || dot == 0) continue;
+    const std::string layer = name.substr(0, dot);
+    if (std::ranges::find(layers, layer) == layers.end()) layers.push_back(layer);
+  }
+  return layers;
+}
+
+bool findColorChannels(const OIIO::ImageSpec& spec, const std::string& layer, ColorChannels* channels,
+                       std::string* reason) {
+  const std::string prefix = layer.empty() ? "" : layer + ".";
+  const int alpha = prefix.empty() ? alphaChannel(spec) : channelNamed(spec, prefix + "A");
+  if (!findColors(spec, prefix, alpha, &channels->index)) {
     return NSRefuse(reason, "it has no channels that make a gray or an RGB picture");
   }
   channels->first = spec.nchannels;

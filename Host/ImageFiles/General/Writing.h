@@ -5,6 +5,6 @@
 
 namespace host {
 
-bool readImage(std::span<const std::uint8_t> file, std::uint64_t maximumBytes, ImagePixels* image, std::string* reason);
+bool writeImage(const WriteRequest& request, PixelRows& rows, OutputBytes& output, std::string* reason);
 
 }  // namespace host
