@@ -2,6 +2,7 @@
 #include "Host/ImageFiles/Exr/ExrCodec.h"
 
 #include "Host/ImageFiles/Exr/ByteOrder.h"
+#include "Host/ImageFiles/Exr/DwaBlock.h"
 #include "Host/ImageFiles/Exr/ExrMethods.h"
 #include "Host/ImageFiles/Exr/RunLengths.h"
 #include "Platform/Foundation/NSReason.h"
@@ -53,6 +54,10 @@ bool Decoder::decode(const Block& block, Words* words, std::string* reason) {
   }
   if (bytes_.size() < block.size) bytes_.resize(block.size);
   if (!isDeflated(part_.compression) && part_.compression != kRunLengths) {
+    const bool isDwa = part_.compression == kDwaa || part_.compression == kDwab;
+    if (isDwa && !isDwaBlockWhole(block.stored, part_.channels, block.box.width(), block.box.height())) {
+      return NSRefuse(reason, kDamaged);
+    }
     Methods* const library = methods(reason);
     const Methods::Job job{part_.compression, &part_.channels, block.box.width(), block.box.height()};
     *words = Words::inOrder(bytes_.data());
@@ -83,10 +88,12 @@ std::size_t Encoder::compress(std::span<const std::uint16_t> samples, std::span<
 
 std::span<const std::uint8_t> Encoder::encode(const Box& box, std::span<const std::uint16_t> samples,
                                               std::string* reason) {
-  const std::span<const std::uint8_t> bytes(reinterpret_cast<const std::uint8_t*>(samples.data()), samples.size_bytes());
+  const std::span<const std::uint8_t> bytes(reinterpret_cast<const std::uint8_t*>(samples.data()),
+                                            samples.size_bytes());
   if (method_.compression > kZip) {
     Methods* const library = methods(reason);
-    const Methods::Job job{method_.compression, &channels_, box.width(), box.height(), static_cast<float>(method_.level)};
+    const Methods::Job job{method_.compression, &channels_, box.width(), box.height(),
+                           static_cast<float>(method_.level)};
     if (!library || !library->pack(job, bytes, &stored_, reason)) return {};
     return stored_;
   }
