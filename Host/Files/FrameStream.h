@@ -9,8 +9,9 @@
 namespace host {
 
 // Frames one after another on the standard output, for other programs to read.
-//   Raw   rows from the top without padding, of the picture's channels: 8 bits, 16 bits or floats in the machine's order
-//   Y4M   YUV4MPEG2 4:4:4 of 8 bits, or of 16 for deeper pictures: Y'CbCr after BT.709 in video range, over black; the
+//   Raw   rows from the top without padding, of the picture's channels: 8 bits, 16 bits or floats in the machine's
+//   order Y4M   YUV4MPEG2 4:4:4 of 8 bits, or of 16 for deeper pictures: Y'CbCr after BT.709 in video range, over
+//   black; the
 //         frames have one size
 enum class FrameStreamKind { Raw, Y4M };
 std::optional<FrameStreamKind> frameStreamNamed(const std::string& name);  // "raw", "y4m"

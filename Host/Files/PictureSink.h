@@ -10,7 +10,8 @@
 
 namespace host {
 
-// Where the pictures of a run go: one file, a file for each frame, or the standard output ("-"), one after another there.
+// Where the pictures of a run go: one file, a file for each frame, or the standard output ("-"), one after another
+// there.
 class PictureSink {
  public:
   // `format` is an extension, needed for the standard output, where "y4m" and "raw" are streams of frames for pipes.

@@ -24,10 +24,9 @@ struct Pointer {
   std::uint16_t tag;
   ExifDirectory to;
 };
-constexpr std::array<Pointer, 3> kPointers{
-    {{ExifDirectory::Image, 0x8769, ExifDirectory::Photo},
-     {ExifDirectory::Image, 0x8825, ExifDirectory::Gps},
-     {ExifDirectory::Photo, 0xA005, ExifDirectory::Interoperability}}};
+constexpr std::array<Pointer, 3> kPointers{{{ExifDirectory::Image, 0x8769, ExifDirectory::Photo},
+                                            {ExifDirectory::Image, 0x8825, ExifDirectory::Gps},
+                                            {ExifDirectory::Photo, 0xA005, ExifDirectory::Interoperability}}};
 
 const Pointer* pointerAt(ExifDirectory directory, std::uint16_t tag) {
   for (const Pointer& pointer : kPointers) {
@@ -46,7 +45,8 @@ void turnValues(std::span<std::uint8_t> bytes, ExifType type, bool isBigEndian) 
   if (isBigEndian == (std::endian::native == std::endian::big)) return;
   const std::size_t size = wordSize(type);
   for (std::size_t at = 0; at + size <= bytes.size(); at += size) {
-    std::reverse(bytes.begin() + static_cast<std::ptrdiff_t>(at), bytes.begin() + static_cast<std::ptrdiff_t>(at + size));
+    std::reverse(bytes.begin() + static_cast<std::ptrdiff_t>(at),
+                 bytes.begin() + static_cast<std::ptrdiff_t>(at + size));
   }
 }
 
@@ -306,7 +306,9 @@ std::optional<ExifBlock> ExifBlock::parse(std::span<const std::uint8_t> bytes) {
     }
   }
   std::stable_sort(block.entries_.begin(), block.entries_.end(), isBefore);
-  const auto isSame = [](const ExifEntry& a, const ExifEntry& b) { return a.directory == b.directory && a.tag == b.tag; };
+  const auto isSame = [](const ExifEntry& a, const ExifEntry& b) {
+    return a.directory == b.directory && a.tag == b.tag;
+  };
   block.entries_.erase(std::unique(block.entries_.begin(), block.entries_.end(), isSame), block.entries_.end());
   return block;
 }

@@ -8,8 +8,8 @@
 #include <span>
 #include <vector>
 
-// The block in which cameras and programs tell of a picture: a TIFF header and directories of entries, as it stands behind
-// "Exif\0\0" in a JPEG, in PNG's eXIf chunk, and elsewhere.
+// The block in which cameras and programs tell of a picture: a TIFF header and directories of entries, as it stands
+// behind "Exif\0\0" in a JPEG, in PNG's eXIf chunk, and elsewhere.
 namespace host {
 
 // Those that are kept. The second directory of the chain tells of a thumbnail, which no longer shows a changed picture.
@@ -47,9 +47,9 @@ struct ExifEntry {
 // The entries of a block. Where directories and thumbnail lie is not among them: serialized() sees to that.
 class ExifBlock {
  public:
-  // Nothing for a block that is damaged: one of whose directories or values is not all inside, or that leads in a circle,
-  // or whose values are more than it has room for. Of entries with the same tag the first counts; those of types that
-  // nobody knows are left out.
+  // Nothing for a block that is damaged: one of whose directories or values is not all inside, or that leads in a
+  // circle, or whose values are more than it has room for. Of entries with the same tag the first counts; those of
+  // types that nobody knows are left out.
   static std::optional<ExifBlock> parse(std::span<const std::uint8_t> block);
 
   const std::vector<ExifEntry>& entries() const { return entries_; }  // by directory and tag
@@ -75,11 +75,12 @@ class ExifBlock {
   bool isBigEndian_ = false;
 };
 
-// What a block says of its picture's orientation, 1 to 8, also where the rest of it is damaged; 1 where it does not tell.
+// What a block says of its picture's orientation, 1 to 8, also where the rest of it is damaged; 1 where it does not
+// tell.
 int exifOrientation(std::span<const std::uint8_t> block);
 
-// The block for a picture that was turned upright: the orientation is 1, the thumbnail is gone, and everything else lies
-// where it did, so that places in the block that a maker's note holds stay right. Empty for a damaged block.
+// The block for a picture that was turned upright: the orientation is 1, the thumbnail is gone, and everything else
+// lies where it did, so that places in the block that a maker's note holds stay right. Empty for a damaged block.
 Bytes uprightExif(std::span<const std::uint8_t> block);
 
 }  // namespace host

@@ -48,7 +48,8 @@ inline void separate(const float* pixels, std::size_t samplesPerPixel, std::size
   }
 #endif
   for (; i < count; ++i) {
-    for (std::size_t plane = 0; plane < samplesPerPixel; ++plane) planes[plane][i] = pixels[i * samplesPerPixel + plane];
+    for (std::size_t plane = 0; plane < samplesPerPixel; ++plane)
+      planes[plane][i] = pixels[i * samplesPerPixel + plane];
   }
 }
 

@@ -232,8 +232,9 @@ BitmapRef cutToShape(const BitmapRef& bitmap, const PictureSize& size) {
   const double width = std::min<double>(bitmap->width, std::max(1.0, std::round(bitmap->height * shape)));
   const double height = std::min<double>(bitmap->height, std::max(1.0, std::round(bitmap->width / shape)));
   const PictureSize seen{static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height)};
-  return placedBitmap(bitmap, seen,
-                      {-(std::int64_t{bitmap->width} - seen.width) / 2, -(std::int64_t{bitmap->height} - seen.height) / 2});
+  return placedBitmap(
+      bitmap, seen,
+      {-(std::int64_t{bitmap->width} - seen.width) / 2, -(std::int64_t{bitmap->height} - seen.height) / 2});
 }
 
 }  // namespace
@@ -281,8 +282,8 @@ BitmapRef placedBitmap(const BitmapRef& bitmap, const PictureSize& canvas, const
   for (std::int64_t y = top; y < bottom; ++y) {
     const std::uint8_t* const from = bitmap->data + static_cast<std::size_t>(y - place.y) * bytesPerRow(*bitmap) +
                                      static_cast<std::size_t>(left - place.x) * pixelSize;
-    std::uint8_t* const to = result->data + static_cast<std::size_t>(y) * bytesPerRow(*result) +
-                             static_cast<std::size_t>(left) * pixelSize;
+    std::uint8_t* const to =
+        result->data + static_cast<std::size_t>(y) * bytesPerRow(*result) + static_cast<std::size_t>(left) * pixelSize;
     std::memcpy(to, from, static_cast<std::size_t>(right - left) * pixelSize);
   }
   return result;

@@ -16,7 +16,7 @@ struct Anchor {
 };
 
 constexpr Anchor kAnchors[] = {
-    {"center", 0.5, 0.5}, {"top-left", 0, 0},   {"top", 0.5, 0},      {"top-right", 1, 0},  {"left", 0, 0.5},
+    {"center", 0.5, 0.5}, {"top-left", 0, 0},    {"top", 0.5, 0},    {"top-right", 1, 0},    {"left", 0, 0.5},
     {"right", 1, 0.5},    {"bottom-left", 0, 1}, {"bottom", 0.5, 1}, {"bottom-right", 1, 1},
 };
 
@@ -34,8 +34,9 @@ BitmapRef placed(const BitmapRef& bitmap, const PictureSize& canvas, const Place
   const auto share = [](std::uint32_t whole, std::uint32_t part, double at) {
     return static_cast<std::int64_t>(std::floor((static_cast<double>(whole) - part) * at));
   };
-  return placedBitmap(bitmap, canvas,
-                      {share(canvas.width, bitmap->width, place.left), share(canvas.height, bitmap->height, place.top)});
+  return placedBitmap(
+      bitmap, canvas,
+      {share(canvas.width, bitmap->width, place.left), share(canvas.height, bitmap->height, place.top)});
 }
 
 }  // namespace

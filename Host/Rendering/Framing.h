@@ -25,11 +25,12 @@ std::optional<Place> placeNamed(const std::string& name);
 struct Framing {
   std::optional<PictureSize> size;
   Scaling scaling;
-  std::optional<Place> place;  // of all inputs but the first; without one they are centred, or scaled where there is a size
+  std::optional<Place>
+      place;  // of all inputs but the first; without one they are centred, or scaled where there is a size
 };
 
-// The inputs of a blend mode or transition on one canvas: that of the wanted size, to which the first is scaled, or that
-// of the first.
+// The inputs of a blend mode or transition on one canvas: that of the wanted size, to which the first is scaled, or
+// that of the first.
 std::vector<BitmapRef> onOneCanvas(std::vector<BitmapRef> inputs, const Framing& framing);
 
 }  // namespace host

@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
-// Before bytes of samples are compressed they are sorted, the even ones before the odd ones, and each is replaced by its
-// difference to the one before, plus 128.
+// Before bytes of samples are compressed they are sorted, the even ones before the odd ones, and each is replaced by
+// its difference to the one before, plus 128.
 namespace host::exr {
 
 // In place.

@@ -131,8 +131,10 @@ bool readBlock(const File& file, std::size_t number, std::uint64_t index, Block*
   std::uint64_t pixelSize = 0;
   for (const Channel& channel : part.channels) pixelSize += channel.size();
   const std::uint64_t pixels = block->box.width() * block->box.height();
-  constexpr std::uint64_t kLargest = std::numeric_limits<std::int32_t>::max();  // more the format's library does not read
-  if (!bytes.isWhole() || pixels > kLargest / pixelSize || !canHold(block->stored, part.compression, pixels * pixelSize)) {
+  constexpr std::uint64_t kLargest =
+      std::numeric_limits<std::int32_t>::max();  // more the format's library does not read
+  if (!bytes.isWhole() || pixels > kLargest / pixelSize ||
+      !canHold(block->stored, part.compression, pixels * pixelSize)) {
     return NSRefuse(reason, kDamaged);
   }
   block->size = static_cast<std::size_t>(pixels * pixelSize);

@@ -20,8 +20,8 @@ struct Block {
 // Whether all blocks of all parts lie in the file.
 bool areBlocksWhole(const File& file, std::string* reason);
 
-// How many blocks a flat part without subsampled channels has in its largest level, and one of them. It is refused when it
-// is another block, or its compression cannot make as many bytes as its pixels take from what is stored.
+// How many blocks a flat part without subsampled channels has in its largest level, and one of them. It is refused when
+// it is another block, or its compression cannot make as many bytes as its pixels take from what is stored.
 std::uint64_t blockCount(const Part& part);
 bool readBlock(const File& file, std::size_t part, std::uint64_t index, Block* block, std::string* reason);
 

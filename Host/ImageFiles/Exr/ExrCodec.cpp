@@ -83,10 +83,12 @@ std::size_t Encoder::compress(std::span<const std::uint16_t> samples, std::span<
 
 std::span<const std::uint8_t> Encoder::encode(const Box& box, std::span<const std::uint16_t> samples,
                                               std::string* reason) {
-  const std::span<const std::uint8_t> bytes(reinterpret_cast<const std::uint8_t*>(samples.data()), samples.size_bytes());
+  const std::span<const std::uint8_t> bytes(reinterpret_cast<const std::uint8_t*>(samples.data()),
+                                            samples.size_bytes());
   if (method_.compression > kZip) {
     Methods* const library = methods(reason);
-    const Methods::Job job{method_.compression, &channels_, box.width(), box.height(), static_cast<float>(method_.level)};
+    const Methods::Job job{method_.compression, &channels_, box.width(), box.height(),
+                           static_cast<float>(method_.level)};
     if (!library || !library->pack(job, bytes, &stored_, reason)) return {};
     return stored_;
   }

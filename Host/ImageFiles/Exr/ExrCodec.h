@@ -56,8 +56,8 @@ class Encoder {
  public:
   Encoder(const Method& method, const std::vector<Channel>& channels);
 
-  // Returns what is stored, which is good until the next call; nothing, with the cause, when it fails. `samples` are in the
-  // order in which files hold them, as many as fill the box.
+  // Returns what is stored, which is good until the next call; nothing, with the cause, when it fails. `samples` are in
+  // the order in which files hold them, as many as fill the box.
   std::span<const std::uint8_t> encode(const Box& box, std::span<const std::uint16_t> samples, std::string* reason);
 
  private:

@@ -85,13 +85,12 @@ Bytes headerBytes(const HeaderValues& values, std::vector<HeaderAttribute> attri
   std::stable_sort(attributes.begin(), attributes.end(),
                    [](const auto& left, const auto& right) { return left.name < right.name; });
 
-  const bool hasLongNames =
-      std::any_of(attributes.begin(), attributes.end(), [](const HeaderAttribute& attribute) {
-        return std::max(attribute.name.size(), attribute.type.size()) > kLongestShortName;
-      });
-  const bool hasLongChannels = std::any_of(values.channels->begin(), values.channels->end(), [](const Channel& channel) {
-    return channel.name.size() > kLongestShortName;
+  const bool hasLongNames = std::any_of(attributes.begin(), attributes.end(), [](const HeaderAttribute& attribute) {
+    return std::max(attribute.name.size(), attribute.type.size()) > kLongestShortName;
   });
+  const bool hasLongChannels =
+      std::any_of(values.channels->begin(), values.channels->end(),
+                  [](const Channel& channel) { return channel.name.size() > kLongestShortName; });
   ByteWriter header;
   header.number(20000630, 4);
   header.number(2u | (values.isOneTile ? 0x200u : 0u) | (hasLongNames || hasLongChannels ? 0x400u : 0u), 4);

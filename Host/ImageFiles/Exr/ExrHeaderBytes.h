@@ -36,8 +36,8 @@ struct HeaderValues {
   bool isOneTile = false;  // the pixels are one tile, not rows
 };
 
-// The bytes of a file up to its table of offsets; `attributes` are added, and must not have names that a header has anyway,
-// except for the window of the screen.
+// The bytes of a file up to its table of offsets; `attributes` are added, and must not have names that a header has
+// anyway, except for the window of the screen.
 Bytes headerBytes(const HeaderValues& values, std::vector<HeaderAttribute> attributes);
 
 }  // namespace host::exr

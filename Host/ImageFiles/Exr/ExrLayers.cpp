@@ -28,7 +28,8 @@ bool isAlpha(std::string_view base) {
   return isSame("a") || isSame("alpha");
 }
 
-// Which channels of a layer are its colors; red and the like go before Y, and one channel alone is gray whatever its name.
+// Which channels of a layer are its colors; red and the like go before Y, and one channel alone is gray whatever its
+// name.
 struct Found {
   int red = -1, green = -1, blue = -1, luminance = -1, alpha = -1, other = -1;
   int colorCount = 0;
@@ -134,7 +135,8 @@ bool checkSamples(const Part& part, Selection* selection, std::string* reason) {
     if (channel < 0) continue;
     const SampleKind kind = part.channels[static_cast<std::size_t>(channel)].kind;
     if (kind == SampleKind::UInt) {
-      return NSRefuse(reason, "its samples are of the type uint; 8 and 16 bits without a sign, half and float are read");
+      return NSRefuse(reason,
+                      "its samples are of the type uint; 8 and 16 bits without a sign, half and float are read");
     }
     if (kind == SampleKind::Float) selection->depth = Depth::Float;
   }

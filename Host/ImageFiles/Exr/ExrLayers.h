@@ -10,8 +10,8 @@
 
 namespace host::exr {
 
-// The picture that is read of a file: one of its parts, and which of its channels make red, green, blue and alpha; -1 for
-// an alpha that there is none of. A gray picture names one channel three times.
+// The picture that is read of a file: one of its parts, and which of its channels make red, green, blue and alpha; -1
+// for an alpha that there is none of. A gray picture names one channel three times.
 struct Selection {
   std::size_t part = 0;
   std::array<int, 4> channels{-1, -1, -1, -1};

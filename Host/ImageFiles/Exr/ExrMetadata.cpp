@@ -16,9 +16,21 @@ constexpr std::size_t kLongestName = 255;
 
 // Attributes about how pixels are stored, which the next file has its own of.
 constexpr std::string_view kStructural[] = {
-    "channels",  "chunkCount", "compression", "dataWindow", "displayWindow",       "dwaCompressionLevel",
-    "lineOrder", "name",       "preview",     "tiles",      "maxSamplesPerPixel", "type",
-    "version",   "pixelAspectRatio", "Orientation",
+    "channels",
+    "chunkCount",
+    "compression",
+    "dataWindow",
+    "displayWindow",
+    "dwaCompressionLevel",
+    "lineOrder",
+    "name",
+    "preview",
+    "tiles",
+    "maxSamplesPerPixel",
+    "type",
+    "version",
+    "pixelAspectRatio",
+    "Orientation",
 };
 
 template <class Names>

@@ -22,11 +22,30 @@ enum FileFlag : std::uint64_t { kTiled = 0x200, kLongNames = 0x400, kDeep = 0x80
 // Bytes of a value; nothing for types whose values differ in size.
 std::optional<std::uint64_t> sizeOfType(std::string_view type) {
   static constexpr std::pair<std::string_view, std::uint64_t> kSizes[] = {
-      {"box2f", 16},  {"box2i", 16},    {"chromaticities", 32}, {"compression", 1}, {"deepImageState", 1},
-      {"double", 8},  {"envmap", 1},    {"float", 4},           {"int", 4},         {"keycode", 28},
-      {"lineOrder", 1}, {"m33d", 72},   {"m33f", 36},           {"m44d", 128},      {"m44f", 64},
-      {"rational", 8}, {"tiledesc", 9}, {"timecode", 8},        {"v2d", 16},        {"v2f", 8},
-      {"v2i", 8},     {"v3d", 24},      {"v3f", 12},            {"v3i", 12},
+      {"box2f", 16},
+      {"box2i", 16},
+      {"chromaticities", 32},
+      {"compression", 1},
+      {"deepImageState", 1},
+      {"double", 8},
+      {"envmap", 1},
+      {"float", 4},
+      {"int", 4},
+      {"keycode", 28},
+      {"lineOrder", 1},
+      {"m33d", 72},
+      {"m33f", 36},
+      {"m44d", 128},
+      {"m44f", 64},
+      {"rational", 8},
+      {"tiledesc", 9},
+      {"timecode", 8},
+      {"v2d", 16},
+      {"v2f", 8},
+      {"v2i", 8},
+      {"v3d", 24},
+      {"v3f", 12},
+      {"v3i", 12},
   };
   const auto* const found =
       std::find_if(std::begin(kSizes), std::end(kSizes), [&](const auto& size) { return size.first == type; });
@@ -43,7 +62,8 @@ class HeaderReader {
   explicit HeaderReader(File* file) : file_(*file), bytes_(file->bytes, false), flags_(bytes_.number(4, 4)) {}
 
   bool readAll() {
-    if ((flags_ & 0xFF) != 2 || (flags_ & ~std::uint64_t{0xFF | kTiled | kLongNames | kDeep | kParts}) != 0) return false;
+    if ((flags_ & 0xFF) != 2 || (flags_ & ~std::uint64_t{0xFF | kTiled | kLongNames | kDeep | kParts}) != 0)
+      return false;
     file_.hasParts = (flags_ & kParts) != 0;
     do {
       if (!readPart()) return false;

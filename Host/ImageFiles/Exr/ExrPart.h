@@ -10,7 +10,19 @@
 // What an EXR file is made of.
 namespace host::exr {
 
-enum Compression : std::uint8_t { kNone, kRunLengths, kZipRow, kZip, kPiz, kPxr24, kB44, kB44a, kDwaa, kDwab, kUnknown };
+enum Compression : std::uint8_t {
+  kNone,
+  kRunLengths,
+  kZipRow,
+  kZip,
+  kPiz,
+  kPxr24,
+  kB44,
+  kB44a,
+  kDwaa,
+  kDwab,
+  kUnknown
+};
 
 // The rows of a block of pixels that are not stored in tiles.
 std::uint64_t rowsOfBlock(std::uint8_t compression);
@@ -69,7 +81,8 @@ inline constexpr const char* kDamaged = "it is damaged or cut short";
 // Whether a value is as large as its type says; values of types that differ in size always are.
 bool isAttributeWhole(std::string_view type, std::span<const std::uint8_t> value);
 
-// Reads the headers of all parts. What makes no sense, and attributes that are not as large as their types are, is refused.
+// Reads the headers of all parts. What makes no sense, and attributes that are not as large as their types are, is
+// refused.
 bool readHeaders(std::span<const std::uint8_t> bytes, File* file, std::string* reason);
 
 }  // namespace host::exr

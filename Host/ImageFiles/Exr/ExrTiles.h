@@ -14,7 +14,8 @@ bool hasTiles(const Part& part);
 std::uint64_t tilesAcross(const Part& part);
 std::uint64_t tilesDown(const Part& part);
 
-// Of blocks of rows, or of tiles in all levels. Counts above `most`, which no file can hold, may be any number above it.
+// Of blocks of rows, or of tiles in all levels. Counts above `most`, which no file can hold, may be any number above
+// it.
 std::uint64_t chunkCount(const Part& part, std::uint64_t most);
 
 }  // namespace host::exr

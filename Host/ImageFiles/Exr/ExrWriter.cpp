@@ -22,8 +22,8 @@ constexpr std::size_t kPiece = 256;  // pixels at a time, whose samples stay in 
 constexpr int kHighestLevel = 12;
 
 constexpr std::pair<std::string_view, Compression> kCompressions[] = {
-    {"none", kNone}, {"rle", kRunLengths}, {"zips", kZipRow}, {"zip", kZip},   {"piz", kPiz},
-    {"pxr24", kPxr24}, {"b44", kB44},      {"b44a", kB44a},   {"dwaa", kDwaa}, {"dwab", kDwab},
+    {"none", kNone},   {"rle", kRunLengths}, {"zips", kZipRow}, {"zip", kZip},   {"piz", kPiz},
+    {"pxr24", kPxr24}, {"b44", kB44},        {"b44a", kB44a},   {"dwaa", kDwaa}, {"dwab", kDwab},
 };
 
 bool methodOf(const WriteSettings& settings, Method* method, std::string* reason) {

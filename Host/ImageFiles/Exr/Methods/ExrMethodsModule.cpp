@@ -143,8 +143,8 @@ class LibraryMethods : public Methods {
     for (const Channel& channel : *job.channels) {
       header.channels().insert(channel.name, Imf::Channel(typeOf(channel.kind), 1, 1, channel.isPerceptuallyLinear));
     }
-    header.setTileDescription(Imf::TileDescription(static_cast<unsigned>(job.width),
-                                                   static_cast<unsigned>(job.height), Imf::ONE_LEVEL));
+    header.setTileDescription(
+        Imf::TileDescription(static_cast<unsigned>(job.width), static_cast<unsigned>(job.height), Imf::ONE_LEVEL));
     return header;
   }
 };
