@@ -87,6 +87,43 @@ void addEffects(CLI::App& app, EffectsOptions& options) {
   command->add_flag("--json", options.json, "As JSON");
 }
 
+void addFraming(CLI::App& command, FramingOptions& options) {
+  command
+      .add_option("--size", options.size,
+                  "A generator's size; that of a filter's result, or of the pictures of a blend mode or transition")
+      ->type_name("WxH");
+  command
+      .add_option("--filter", options.filter,
+                  "How pictures are scaled: nearest, box, linear, cubic or lanczos; default lanczos")
+      ->type_name("NAME");
+  command
+      .add_option("--fit", options.fit,
+                  "How a picture of another shape fills --size: stretch, fit (the rest is empty) or fill (the rest is "
+                  "cut off); default stretch")
+      ->type_name("MODE");
+  command
+      .add_option("--place", options.place,
+                  "Where an input of another size lies on the first: center, top-left, top, ..., bottom-right, X,Y in "
+                  "pixels, or scaled to it by fit, fill or stretch; default center")
+      ->type_name("PLACE");
+}
+
+void addEncoding(CLI::App& command, EncodingOptions& options) {
+  command
+      .add_option("--format", options.format,
+                  "The format to write, by its extension; for --output - also y4m or raw; default: as the name says")
+      ->type_name("NAME");
+  command.add_option("--quality", options.quality, "Of JPEG (default 95), WebP (95) and HEIF (90)")
+      ->type_name("1-100")
+      ->check(CLI::Range(1, 100));
+  command
+      .add_option(
+          "--compression", options.compression,
+          "How files are compressed: none or deflate for PNG; none, lzw, deflate or packbits for TIFF; none, rle, "
+          "zip, zips, piz, pxr24, b44, b44a, dwaa or dwab for EXR; 444, 422 or 420 for JPEG")
+      ->type_name("METHOD[:LEVEL]");
+}
+
 void addRender(CLI::App& app, RenderOptions& options) {
   CLI::App* command = app.add_subcommand("render", "Render an effect to a picture or a sequence");
   command->footer(kRenderFooter + ("\n\nPixel formats:\n" + layoutList()));
@@ -104,12 +141,7 @@ void addRender(CLI::App& app, RenderOptions& options) {
   command->add_option("--state", options.states, "Set a gradient, levels or opaque port from a saved state")
       ->type_name("PORT=FILE")
       ->allow_extra_args(false);
-  command
-      ->add_option(
-          "--size", options.size,
-          "A generator's size; a filter's result, or both pictures of a blend mode or transition, scaled to it "
-          "(nearest neighbour)")
-      ->type_name("WxH");
+  addFraming(*command, options.framing);
   command->add_option("--time", options.time, "A transition's time, 0 to 1; seconds for other effects; default 0")
       ->type_name("T");
   command->add_option("--depth", options.depth, "Render and write at 8, 16, half or float; default: as the inputs")
@@ -122,9 +154,17 @@ void addRender(CLI::App& app, RenderOptions& options) {
       ->add_option("--alpha", options.alpha,
                    "What becomes of the result's alpha: keep, opaque, or gray (copied into the colors); default keep")
       ->type_name("MODE");
+  command
+      ->add_option(
+          "--channels", options.channels,
+          "The channels of the file: gray, gray+alpha, rgb, rgba, or auto: gray and opaque inputs stay so where "
+          "the result is; default auto")
+      ->type_name("NAME");
+  addEncoding(*command, options.encoding);
   command->add_option("--frames", options.frames, "The frames of a sequence; default: all that exist")
       ->type_name("A-B");
   command->add_option("--rate", options.rate, "Frames per second of a sequence")->type_name("N")->default_str("25");
+  command->add_flag("--verbose", options.isVerbose, "Say what a file does not keep");
 }
 
 void addState(CLI::App& app, StateOptions& options) {
@@ -169,7 +209,7 @@ void addInspect(CLI::App& app, InspectOptions& options) {
                    "(gradient, levels, opaque) and its file")
       ->type_name("PORT=FILE")
       ->allow_extra_args(false);
-  command->add_option("--size", options.size, "As for render")->type_name("WxH");
+  addFraming(*command, options.framing);
   command->add_option("--time", options.time, "As for render")->type_name("T");
   command->add_option("--depth", options.depth, "As for render")->type_name("DEPTH");
   command->add_option("--frames", options.frames, "The frames of a sequence; default: all that exist")

@@ -71,9 +71,8 @@ FileFormat fileFormatOf(const std::string& path) {
   const std::string extension = lowerCase(std::filesystem::path(path).extension().string());
   if (const auto format = formatWithExtension(extension.empty() ? "" : extension.substr(1))) return *format;
   const std::string found = extension.empty() ? "no extension" : "the extension \"" + extension.substr(1) + "\"";
-  throw Failure(ExitCode::Usage,
-                "cannot write " + path + ": a picture needs the extension " + knownExtensions() +
-                    ", and this name has " + found);
+  throw Failure(ExitCode::Usage, "cannot write " + path + ": a picture needs the extension " + knownExtensions() +
+                                     ", and this name has " + found);
 }
 
 FileFormat fileFormatNamed(const std::string& extension) {

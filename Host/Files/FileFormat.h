@@ -26,7 +26,7 @@ struct FormatTraits {
 const FormatTraits& traitsOf(FileFormat format);
 
 // Throws Failure for a name that no format has.
-FileFormat fileFormatOf(const std::string& path);         // by the extension, in any case
+FileFormat fileFormatOf(const std::string& path);          // by the extension, in any case
 FileFormat fileFormatNamed(const std::string& extension);  // of --format
 
 // What the first bytes of a file tell; nothing when the general module has to find out.

@@ -43,13 +43,16 @@ std::unique_ptr<ImageReader> opened(const ReadRequest& request, std::string* rea
 FilePicture readPicture(const std::string& path) {
   const PicturePath place = picturePath(path);
   const FileContents contents = FileContents::ofFile(place.file);
+  return decodedPicture({contents.bytes(), place.layer, std::filesystem::path(place.file).extension().string()},
+                        path == "-" ? "the standard input" : path);
+}
+
+FilePicture decodedPicture(const ReadRequest& request, const std::string& name) {
   const auto refuse = [&](const std::string& reason) {
-    const std::string what = path == "-" ? "the standard input" : path;
-    throw Failure(ExitCode::Input, "cannot read " + what + ": " + reason);
+    throw Failure(ExitCode::Input, "cannot read " + name + ": " + reason);
   };
   std::string reason;
-  const auto reader = opened({contents.bytes(), place.layer, std::filesystem::path(place.file).extension().string()},
-                             &reason);
+  const auto reader = opened(request, &reason);
   if (!reader) refuse(reason);
   const PictureInfo& info = reader->info();
   if (!fitsBitmap(info.width, info.height, 4 * bytesPerSample(info.sample))) {
@@ -57,11 +60,11 @@ FilePicture readPicture(const std::string& path) {
            " pixels are more than a bitmap can hold");
   }
   FilePicture picture;
-  picture.bitmap = newUnsetBitmap(info.width, info.height, formatCodeOf(info.sample), path);
+  picture.bitmap = newUnsetBitmap(info.width, info.height, formatCodeOf(info.sample), name);
   if (!reader->readPixels(reinterpret_cast<std::byte*>(picture.bitmap->data), bytesPerRow(*picture.bitmap), &reason)) {
     refuse(reason);
   }
-  picture.bitmap = upright(picture.bitmap, info.orientation, path);
+  picture.bitmap = upright(picture.bitmap, info.orientation, name);
   picture.info = std::make_shared<const PictureInfo>(info);
   return picture;
 }

@@ -19,6 +19,9 @@ struct FilePicture {
 // and the cause.
 FilePicture readPicture(const std::string& path);
 
+// The same from the bytes of a file that is known by that name.
+FilePicture decodedPicture(const ReadRequest& request, const std::string& name);
+
 // What flows between patches, in the depth of the file: premultiplied, without what else the file says.
 BitmapRef readImage(const std::string& path);
 

@@ -10,6 +10,8 @@
 #include "Host/Pixels/OutputRows.h"
 #include "TarnCore/TCBitmap.h"
 
+#include <algorithm>
+
 namespace host {
 namespace {
 

@@ -13,7 +13,7 @@ namespace host {
 // A picture that is ready to be written: premultiplied, in a layout that flows between patches.
 struct OutputPicture {
   BitmapRef bitmap;
-  Depth depth = Depth::Bits8;          // that it was rendered at; what a format cannot hold goes in the next that it can
+  Depth depth = Depth::Bits8;  // that it was rendered at; what a format cannot hold goes in the next that it can
   Channels channels = Channels::RGBA;  // that it is to have; a format that holds fewer has fewer
   FileMetadata metadata;               // what the format cannot hold is left out
 };

@@ -31,8 +31,8 @@ constexpr std::uint32_t scaled(std::uint16_t color, std::uint16_t alpha) {
   return (product + (product >> 16)) >> 16;
 }
 
-// Quotients below twice the largest sample are so far apart that division in floating point, cut off, is exact; above it
-// they are limited.
+// Quotients below twice the largest sample are so far apart that division in floating point, cut off, is exact; above
+// it they are limited.
 using DividendOf8 = float;
 using DividendOf16 = double;
 

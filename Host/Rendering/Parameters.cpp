@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Rendering/Parameters.h"
 
-#include "Host/Files/ImageFileLoader.h"
+#include "Host/Files/PictureReading.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Pixels/Bitmaps.h"
 #include "Host/Rendering/Assignment.h"
@@ -32,7 +32,7 @@ void setPortFromState(QCPort& port, const std::string& path) {
 // The picture keeps its own size and depth, which have nothing to do with the frame's.
 void setPortFromPicture(QCImagePort& port, const std::string& path) {
   try {
-    VRTImage::setBitmapOfPort(port, makeBitmap(readImageFile(path), path));
+    VRTImage::setBitmapOfPort(port, readImage(path));
   } catch (const Failure& failure) {
     throw Failure(failure.code, port.key() + ": " + failure.what());
   }

@@ -10,8 +10,8 @@
 
 namespace host {
 
-// Which channels of a file, or of a layer of it, make red, green, blue and alpha; -1 for an alpha that the file does not
-// have. A gray file names one channel three times.
+// Which channels of a file, or of a layer of it, make red, green, blue and alpha; -1 for an alpha that the file does
+// not have. A gray file names one channel three times.
 struct ColorChannels {
   std::array<int, 4> index{-1, -1, -1, -1};
   int first = 0;  // the range that has to be read

@@ -92,8 +92,8 @@ void setMetadata(const FileMetadata& metadata, OIIO::ImageSpec* spec) {
   }
   if (metadata.pixelAspect) spec->attribute("PixelAspectRatio", static_cast<float>(*metadata.pixelAspect));
   if (metadata.frameRate) {
-    const float rate = static_cast<float>(metadata.frameRate->numerator) /
-                       static_cast<float>(metadata.frameRate->denominator);
+    const float rate =
+        static_cast<float>(metadata.frameRate->numerator) / static_cast<float>(metadata.frameRate->denominator);
     spec->attribute("FramesPerSecond", rate);
   }
   if (metadata.timeCode) {

@@ -5,7 +5,8 @@
 
 namespace host {
 
-// Any picture that the library reads, videos excepted; of a file with several the first, or the one that the layer names.
+// Any picture that the library reads, videos excepted; of a file with several the first, or the one that the layer
+// names.
 std::unique_ptr<ImageReader> openImage(const ReadRequest& request, std::string* reason);
 
 }  // namespace host

@@ -63,8 +63,8 @@ std::string withQuality(const std::string& method, int quality) {
 }
 
 void setFormatAttributes(const WriteRequest& request, OIIO::ImageSpec* spec) {
-  // The library stamps files with the time unless they have one. One that is no text is not written: equal pictures make
-  // equal files.
+  // The library stamps files with the time unless they have one. One that is no text is not written: equal pictures
+  // make equal files.
   spec->attribute("DateTime", 0);
   spec->attribute("oiio:UnassociatedAlpha", request.alpha == AlphaKind::Straight ? 1 : 0);
   const WriteSettings& settings = request.settings;

@@ -202,8 +202,8 @@ std::optional<PropertyList::Bytes> NSReadFile(const std::string& path, std::stri
   return bytes;
 }
 
-// A file that has no name until it is complete, where the file system knows such files: whatever ends the process before
-// leaves nothing behind. Elsewhere one beside the target, under a temporary name.
+// A file that has no name until it is complete, where the file system knows such files: whatever ends the process
+// before leaves nothing behind. Elsewhere one beside the target, under a temporary name.
 class NSReplacementFile::Private {
  public:
   bool begin(const std::string& path, std::string* reason) {

@@ -42,8 +42,8 @@ class TARN_EXPORT NSReplacementFile {
   std::unique_ptr<Private> private_;
 };
 
-// Removes what NSWriteFile() and NSReplacementFile have begun and not finished. For the handlers of signals that end the process: safe there,
-// and on any thread; what is being written then fails.
+// Removes what NSWriteFile() and NSReplacementFile have begun and not finished. For the handlers of signals that end
+// the process: safe there, and on any thread; what is being written then fails.
 TARN_EXPORT void NSRemoveUnfinishedFiles();
 
 // The file that a path leads to through any chain of symbolic links at its end, whether or not there is one; the path

@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Host/Color/ColorPlan.h"
+
+#include "Host/Color/KnownSpaces.h"
+#include "Host/Color/OutputTag.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace host {
+namespace {
+
+using Kind = ColorSpace::Kind;
+using Origin = ColorSpace::Origin;
+
+ColorSpace workingSpace(const std::vector<ColorInput>& inputs, const std::optional<ColorSpace>& wanted) {
+  ColorSpace working = knownSpace(KnownSpace::SRgb, Origin::Assumed);
+  if (wanted) {
+    working = *wanted;
+  } else if (!inputs.empty() && !inputs[0].space.isGray) {
+    working = inputs[0].space;
+  }
+  return working;
+}
+
+// Something is to be converted that may not be what it is taken for.
+bool isGuesswork(const std::vector<ColorInput>& inputs) {
+  bool differ = false;
+  bool isAssumed = false;
+  for (const ColorInput& input : inputs) {
+    differ = differ || needsConversion(input.space, inputs[0].space);
+    isAssumed = isAssumed || input.space.origin == Origin::Assumed;
+  }
+  return differ && isAssumed;
+}
+
+std::string guessworkSentence(const std::vector<ColorInput>& inputs) {
+  std::string text = "warning: the inputs are in different color spaces, and not all say in which: ";
+  bool isFirst = true;
+  for (const ColorInput& input : inputs) {
+    if (input.space.origin != Origin::Assumed) continue;
+    text += (isFirst ? "" : ", ") + input.path + " is taken as " + spaceText(input.space);
+    isFirst = false;
+  }
+  return text + "; --input-space FILE=NAME says otherwise";
+}
+
+// What a file of the kind holds by default, as its readers take it.
+ColorSpace defaultOutput(const ColorSpace& working, bool isFloat) {
+  if (isFloat) return working.isLinear ? working : knownSpace(KnownSpace::LinearRec709, Origin::Assumed);
+  const bool isChosen = working.isDisplay && working.origin != Origin::Assumed;
+  return isChosen ? working : knownSpace(KnownSpace::SRgb, Origin::Assumed);
+}
+
+bool isTakenForGranted(const ColorSpace& space, bool isFloat) {
+  return space.kind == Kind::Known && space.known == (isFloat ? KnownSpace::LinearRec709 : KnownSpace::SRgb);
+}
+
+bool isAnyConverted(const InputPlan& plan) {
+  return std::find(plan.isConverted.begin(), plan.isConverted.end(), true) != plan.isConverted.end();
+}
+
+// The tag of the first input where it is true of the result as well.
+std::optional<ColorTag> inheritedTag(const OutputPlan& plan, const ColorSpace& working,
+                                     const std::vector<ColorInput>& inputs, FileFormat format) {
+  if (inputs.empty()) return std::nullopt;
+  const ColorInput& first = inputs[0];
+  const bool isUntouched = working.kind == Kind::Raw;  // its values are what they were
+  const bool isSame = first.space.origin == Origin::Tagged && isSameSpace(first.space, plan.space);
+  return isUntouched || isSame ? keptTag(first.tag, first.space, format) : std::nullopt;
+}
+
+void addTag(OutputPlan& plan, const InputPlan& inputPlan, const std::vector<ColorInput>& inputs,
+            const ColorOutput& output) {
+  if (auto kept = inheritedTag(plan, inputPlan.working, inputs, output.format)) {
+    plan.tag = std::move(*kept);
+    return;
+  }
+  const bool isAllAsItWas = !plan.isConverted && !isAnyConverted(inputPlan);
+  const bool isPlain = isTakenForGranted(plan.space, output.isFloat);
+  if (isPlain && plan.space.origin == Origin::Assumed && (isAllAsItWas || output.isFloat)) return;
+  OutputTag made = tagOfSpace(plan.space, output.format);
+  plan.tag = std::move(made.tag);
+  plan.needsProfile = made.needsProfile;
+  if (!made.isComplete && !isPlain) {
+    plan.sentences.push_back(output.path + " holds " + spaceText(plan.space) + ", and its format cannot say so");
+  }
+}
+
+}  // namespace
+
+bool needsConversion(const ColorSpace& from, const ColorSpace& to) {
+  return from.kind != Kind::Raw && to.kind != Kind::Raw && !isSameSpace(from, to);
+}
+
+std::string conversionSentence(const std::string& what, const ColorSpace& from, const ColorSpace& to) {
+  return what + " is converted from " + spaceText(from) + (from.origin == Origin::Assumed ? " (assumed)" : "") +
+         " to " + spaceText(to);
+}
+
+InputPlan planInputs(const std::vector<ColorInput>& inputs, const std::optional<ColorSpace>& wanted) {
+  InputPlan plan;
+  plan.working = workingSpace(inputs, wanted);
+  for (const ColorInput& input : inputs) {
+    if (!input.remark.empty()) plan.sentences.push_back(input.path + ": " + input.remark);
+  }
+  const bool isRaw = plan.working.kind == Kind::Raw;
+  if (!isRaw && isGuesswork(inputs)) plan.sentences.push_back(guessworkSentence(inputs));
+  for (const ColorInput& input : inputs) {
+    const bool isConverted = needsConversion(input.space, plan.working);
+    plan.isConverted.push_back(isConverted);
+    if (!isConverted) continue;
+    plan.needsFloat = plan.needsFloat || plan.working.isLinear;
+    plan.sentences.push_back(conversionSentence(input.path, input.space, plan.working));
+  }
+  return plan;
+}
+
+OutputPlan planOutput(const InputPlan& inputPlan, const std::vector<ColorInput>& inputs,
+                      const std::optional<ColorSpace>& wanted, const ColorOutput& output) {
+  const ColorSpace& working = inputPlan.working;
+  OutputPlan plan;
+  plan.space = working.kind == Kind::Raw ? working : wanted.value_or(defaultOutput(working, output.isFloat));
+  plan.isConverted = needsConversion(working, plan.space);
+  if (plan.isConverted) {
+    ColorSpace from = working;
+    from.origin = Origin::Told;  // what it is was said where it came in
+    if (inputs.empty() || !isAnyConverted(inputPlan)) from.origin = working.origin;
+    plan.sentences.push_back(conversionSentence("the result", from, plan.space));
+  }
+  addTag(plan, inputPlan, inputs, output);
+  return plan;
+}
+
+}  // namespace host

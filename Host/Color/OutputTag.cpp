@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Host/Color/OutputTag.h"
+
+#include "Host/Color/KnownSpaces.h"
+
+namespace host {
+namespace {
+
+bool holdsProfiles(FileFormat format) {
+  switch (format) {
+    case FileFormat::Png:
+    case FileFormat::Jpeg:
+    case FileFormat::Tiff:
+    case FileFormat::WebP:
+    case FileFormat::Jpeg2000:
+    case FileFormat::Heif:
+      return true;
+    default:
+      return false;
+  }
+}
+
+bool isKnown(const ColorSpace& space, KnownSpace known) {
+  return space.kind == ColorSpace::Kind::Known && space.known == known;
+}
+
+OutputTag exrTag(const ColorSpace& space) {
+  OutputTag result;
+  if (space.kind == ColorSpace::Kind::Known) {
+    const KnownSpaceFacts& facts = factsOf(space.known);
+    if (facts.interopId) result.tag.name = facts.interopId;
+    if (space.isLinear || facts.interopId) result.tag.primaries = facts.primaries;
+    result.isComplete = result.tag.primaries.has_value();
+  } else if (space.kind == ColorSpace::Kind::Described && space.isLinear) {
+    result.tag.primaries = space.primaries;
+  } else {
+    result.isComplete = false;
+  }
+  return result;
+}
+
+ColorTag pngSRgbTag() {
+  ColorTag tag;
+  tag.sRGBIntent = 0;  // perceptual
+  tag.gamma = 0.45455;
+  tag.primaries = factsOf(KnownSpace::SRgb).primaries;
+  return tag;
+}
+
+}  // namespace
+
+OutputTag tagOfSpace(const ColorSpace& space, FileFormat format) {
+  OutputTag result;
+  if (space.kind == ColorSpace::Kind::Raw) return result;
+  if (format == FileFormat::Exr) return exrTag(space);
+  if (isKnown(space, KnownSpace::SRgb)) {
+    if (format == FileFormat::Png) result.tag = pngSRgbTag();
+    return result;
+  }
+  result.isComplete = holdsProfiles(format) && space.kind != ColorSpace::Kind::Named;
+  if (!result.isComplete) return result;
+  if (space.kind == ColorSpace::Kind::Profile) {
+    result.tag.iccProfile = *space.profile;
+    return result;
+  }
+  result.needsProfile = true;
+  if (format == FileFormat::Png && space.kind == ColorSpace::Kind::Known) {
+    result.tag.codePoints = factsOf(space.known).codePoints;
+  }
+  return result;
+}
+
+std::optional<ColorTag> keptTag(const ColorTag& tag, const ColorSpace& space, FileFormat format) {
+  const bool isOfPng = tag.codePoints || !tag.iccProfile.empty() || tag.sRGBIntent || tag.gamma;
+  ColorTag kept;
+  if (format == FileFormat::Png) {
+    // Primaries alone mean light in an EXR file, and display values here.
+    if (!isOfPng && (space.isLinear || !tag.primaries)) return std::nullopt;
+    kept = tag;
+    kept.name.clear();
+    return kept;
+  }
+  if (format == FileFormat::Exr) {
+    if (isOfPng || (!tag.primaries && tag.name.empty())) return std::nullopt;
+    kept.primaries = tag.primaries;
+    kept.name = tag.name;
+    return kept;
+  }
+  if (tag.iccProfile.empty() || !holdsProfiles(format)) return std::nullopt;
+  kept.iccProfile = tag.iccProfile;
+  return kept;
+}
+
+}  // namespace host
