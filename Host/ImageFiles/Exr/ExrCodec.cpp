@@ -2,6 +2,7 @@
 #include "Host/ImageFiles/Exr/ExrCodec.h"
 
 #include "Host/ImageFiles/Exr/ByteOrder.h"
+#include "Host/ImageFiles/Exr/DwaBlock.h"
 #include "Host/ImageFiles/Exr/ExrMethods.h"
 #include "Host/ImageFiles/Exr/RunLengths.h"
 #include "Platform/Foundation/NSReason.h"
@@ -53,6 +54,10 @@ bool Decoder::decode(const Block& block, Words* words, std::string* reason) {
   }
   if (bytes_.size() < block.size) bytes_.resize(block.size);
   if (!isDeflated(part_.compression) && part_.compression != kRunLengths) {
+    const bool isDwa = part_.compression == kDwaa || part_.compression == kDwab;
+    if (isDwa && !isDwaBlockWhole(block.stored, part_.channels, block.box.width(), block.box.height())) {
+      return NSRefuse(reason, kDamaged);
+    }
     Methods* const library = methods(reason);
     const Methods::Job job{part_.compression, &part_.channels, block.box.width(), block.box.height()};
     *words = Words::inOrder(bytes_.data());
