@@ -23,9 +23,9 @@ struct ByteLanes {
 
 template <std::size_t size>  // 1, 2, 4 or 8
 std::uint64_t wordAt(const std::uint8_t* bytes) {
-  std::conditional_t<size == 1, std::uint8_t,
-                     std::conditional_t<size == 2, std::uint16_t,
-                                        std::conditional_t<size == 4, std::uint32_t, std::uint64_t>>>
+  std::conditional_t<
+      size == 1, std::uint8_t,
+      std::conditional_t<size == 2, std::uint16_t, std::conditional_t<size == 4, std::uint32_t, std::uint64_t>>>
       word;
   std::memcpy(&word, bytes, size);
   return word;
@@ -72,7 +72,8 @@ inline std::uint64_t sumOfMagnitudes(ByteLanes a) {
          static_cast<std::uint64_t>(_mm_cvtsi128_si32(_mm_srli_si128(sums, 8)));
 }
 
-// The first bytes alone, 1 to 8; the others are 0. Whole words are moved: parts of lanes in memory are slow to read back.
+// The first bytes alone, 1 to 8; the others are 0. Whole words are moved: parts of lanes in memory are slow to read
+// back.
 template <std::size_t size>
 ByteLanes loadPixel(const std::uint8_t* bytes) {
   constexpr std::size_t kWord = size >= 8 ? 8 : size >= 4 ? 4 : size >= 2 ? 2 : 1;

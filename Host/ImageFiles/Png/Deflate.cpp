@@ -35,11 +35,11 @@ struct Compressor {
 Bytes inflated(std::span<const std::uint8_t> stream, std::size_t largest) {
   const Decompressor decompressor;
   Bytes bytes;
-  for (std::size_t room = std::size_t{1} << 16; ; room *= 4) {
+  for (std::size_t room = std::size_t{1} << 16;; room *= 4) {
     bytes.resize(std::min(room, largest));
     std::size_t size = 0;
-    const auto result = libdeflate_zlib_decompress(decompressor.value, stream.data(), stream.size(), bytes.data(),
-                                                   bytes.size(), &size);
+    const auto result =
+        libdeflate_zlib_decompress(decompressor.value, stream.data(), stream.size(), bytes.data(), bytes.size(), &size);
     if (result == LIBDEFLATE_INSUFFICIENT_SPACE && bytes.size() < largest) continue;
     bytes.resize(result == LIBDEFLATE_SUCCESS ? size : 0);
     return bytes;
@@ -55,8 +55,7 @@ bool inflateInto(std::span<const std::uint8_t> stream, std::span<std::uint8_t> r
 Bytes deflated(std::span<const std::uint8_t> bytes, int level) {
   const Compressor compressor(level);
   Bytes stream(libdeflate_zlib_compress_bound(compressor.value, bytes.size()));
-  stream.resize(
-      libdeflate_zlib_compress(compressor.value, bytes.data(), bytes.size(), stream.data(), stream.size()));
+  stream.resize(libdeflate_zlib_compress(compressor.value, bytes.data(), bytes.size(), stream.data(), stream.size()));
   return stream;
 }
 

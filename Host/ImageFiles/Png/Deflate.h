@@ -6,7 +6,6 @@
 #include <cstddef>
 #include <span>
 
-
 // zlib streams that are in memory as a whole.
 namespace host {
 

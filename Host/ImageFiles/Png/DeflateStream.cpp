@@ -123,7 +123,9 @@ void DeflateStream::findSteps(const std::uint8_t* block, std::size_t size) {
   // As many bytes must be the same as make a match worth its while. They are looked at in the lower part of a word.
   const auto hashed = static_cast<unsigned>(std::clamp(kWorthwhileBits / costs.average(), 4.0, 8.0));
   const unsigned unhashedBits = 64 - 8 * hashed;
-  const auto hashOf = [&](std::uint64_t word) { return (word << unhashedBits) * 0x9E3779B97F4A7C15u >> (64 - kHashBits); };
+  const auto hashOf = [&](std::uint64_t word) {
+    return (word << unhashedBits) * 0x9E3779B97F4A7C15u >> (64 - kHashBits);
+  };
   const std::uint8_t* const end = block + size;
   const std::uint8_t* literals = block;
   std::size_t misses = 0;

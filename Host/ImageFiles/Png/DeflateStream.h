@@ -33,9 +33,9 @@ class DeflateStream {
 
   Method method_;
   std::uint32_t checksum_ = 1;
-  std::uint32_t start_ = 0;            // how many bytes went before those in window_, modulo 2^32
-  std::vector<std::uint8_t> window_;   // what distances reach back to, then the block
-  std::size_t history_ = 0;            // bytes in front of the block
+  std::uint32_t start_ = 0;           // how many bytes went before those in window_, modulo 2^32
+  std::vector<std::uint8_t> window_;  // what distances reach back to, then the block
+  std::size_t history_ = 0;           // bytes in front of the block
   std::vector<DeflateStep> steps_;
   std::vector<std::uint32_t> latest_;  // where bytes with some hash stood last
   BitWriter out_;

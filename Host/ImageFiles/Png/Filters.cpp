@@ -53,9 +53,8 @@ std::uint64_t filterBytes(const std::uint8_t* row, const std::uint8_t* above, st
                           std::uint8_t* filtered, Expectation expectation) {
   std::uint64_t sum = 0;
   for (std::size_t i = 0; i < size; i += 16) {  // all rows have room for whole lanes
-    const ByteLanes rest =
-        loadLanes(row + i) -
-        expectation(loadLanes(row + i - pixelBytes), loadLanes(above + i), loadLanes(above + i - pixelBytes));
+    const ByteLanes rest = loadLanes(row + i) - expectation(loadLanes(row + i - pixelBytes), loadLanes(above + i),
+                                                            loadLanes(above + i - pixelBytes));
     sum += sumOfMagnitudes(rest);
     storeLanes(rest, filtered + i);
   }

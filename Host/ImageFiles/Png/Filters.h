@@ -14,8 +14,8 @@ enum class PngFilter : std::uint8_t { None, Sub, Up, Average, Paeth };
 inline constexpr std::size_t kPngFilterCount = 5;
 
 // Restores a row of `size` bytes from its filtered form. `above` is the restored row before it, zeros for the first;
-// `row` may be `filtered`, and is not `above`. The bytes of a pixel are 1, 2, 3, 4, 6 or 8. False for a filter that does
-// not exist.
+// `row` may be `filtered`, and is not `above`. The bytes of a pixel are 1, 2, 3, 4, 6 or 8. False for a filter that
+// does not exist.
 bool unfilterPngRow(std::uint8_t filter, const std::uint8_t* filtered, const std::uint8_t* above, std::size_t size,
                     std::size_t pixelBytes, std::uint8_t* row);
 
@@ -30,7 +30,7 @@ class PngRowFilter {
  private:
   std::size_t size_;
   std::size_t pixelBytes_;
-  std::array<std::vector<std::uint8_t>, 2> rows_;  // this and the one above, behind a pixel of zeros
+  std::array<std::vector<std::uint8_t>, 2> rows_;        // this and the one above, behind a pixel of zeros
   std::array<std::vector<std::uint8_t>, 2> candidates_;  // the best so far, and the next
 };
 

@@ -44,8 +44,8 @@ std::optional<PngHeader> readPngHeader(const PngChunk& chunk) {
   PngHeader header;
   header.width = pngNumber(&data[0]);
   header.height = pngNumber(&data[4]);
-  const bool hasSize = header.width >= 1 && header.width <= kLargestSize && header.height >= 1 &&
-                       header.height <= kLargestSize;
+  const bool hasSize =
+      header.width >= 1 && header.width <= kLargestSize && header.height >= 1 && header.height <= kLargestSize;
   const bool areMethodsKnown = data[10] == 0 && data[11] == 0 && data[12] <= 1;
   if (!hasSize || !areMethodsKnown || !isAllowed(data[9], data[8])) return std::nullopt;
   header.bitDepth = data[8];

@@ -124,7 +124,8 @@ bool readPngMetadata(const PngChunk& chunk, FileMetadata* metadata, int* orienta
       if (chunk.data.size() == 1 && chunk.data[0] <= 3 && !color.sRGBIntent) color.sRGBIntent = chunk.data[0];
       return true;
     case pngType("gAMA"):
-      if (chunk.data.size() == 4 && pngNumber(chunk.data.data()) > 0 && !color.gamma) color.gamma = fixedPoint(chunk, 0);
+      if (chunk.data.size() == 4 && pngNumber(chunk.data.data()) > 0 && !color.gamma)
+        color.gamma = fixedPoint(chunk, 0);
       return true;
     case pngType("cHRM"):
       readPrimaries(chunk, &color);

@@ -12,8 +12,8 @@ constexpr std::size_t kMaximumSymbols = 288;
 constexpr unsigned kMaximumDepth = kMaximumSymbols;
 constexpr unsigned kMaximumLength = 15;
 
-// How many leaves lie at each depth of Huffman's tree over ascending counts. Inner nodes come out in ascending order too,
-// so the two smallest are always the next leaf or the next inner node.
+// How many leaves lie at each depth of Huffman's tree over ascending counts. Inner nodes come out in ascending order
+// too, so the two smallest are always the next leaf or the next inner node.
 void countDepths(std::span<const std::uint64_t> counts, std::span<std::uint32_t, kMaximumDepth> depths) {
   std::array<std::uint64_t, kMaximumSymbols> inner;
   std::array<std::uint16_t, kMaximumSymbols> parentOfInner{};
@@ -82,7 +82,8 @@ void findCodes(std::span<const std::uint8_t> lengths, std::span<std::uint16_t> c
   std::array<std::uint32_t, kMaximumLength + 1> used{};
   for (const std::uint8_t length : lengths) ++used[length];
   std::array<std::uint32_t, kMaximumLength + 1> next{};  // the next code of each length
-  for (unsigned length = 2; length <= kMaximumLength; ++length) next[length] = (next[length - 1] + used[length - 1]) << 1;
+  for (unsigned length = 2; length <= kMaximumLength; ++length)
+    next[length] = (next[length - 1] + used[length - 1]) << 1;
   for (std::size_t symbol = 0; symbol < lengths.size(); ++symbol) {
     if (lengths[symbol] == 0) continue;
     std::uint32_t value = next[lengths[symbol]]++;

@@ -101,9 +101,7 @@ class PngReader : public ImageReader {
     }
   }
 
-  bool isComplete() const {
-    return !parts_.empty() && (header_.color != PngColor::Palette || !palette_.empty());
-  }
+  bool isComplete() const { return !parts_.empty() && (header_.color != PngColor::Palette || !palette_.empty()); }
 
   std::uint64_t inflatedBytes() const {
     std::uint64_t bytes = 0;
@@ -131,14 +129,14 @@ class PngReader : public ImageReader {
   std::size_t targetPixelBytes() const { return 4 * bytesPerSample(info_.sample); }
 
   // Stored rows that are no longer than the picture's own are inflated to the end of these: a row is read before what
-  // becomes of it is written, which never reaches the rows still to be read.
+  // becomes of it is written, which never reaches the rows still to be read. What lies between rows is not ours.
   bool isInflatedInPlace(std::size_t rowBytes) const {
-    return !header_.isInterlaced && 1 + header_.rowBytes(header_.width) <= header_.width * targetPixelBytes() &&
-           rowBytes >= header_.width * targetPixelBytes();
+    return !header_.isInterlaced && 1 + header_.rowBytes(header_.width) <= rowBytes &&
+           rowBytes == header_.width * targetPixelBytes();
   }
 
   bool readInPlace(std::span<const std::uint8_t> stream, std::byte* pixels, std::size_t rowBytes) const {
-    const std::size_t size = (header_.height - 1) * rowBytes + header_.width * targetPixelBytes();
+    const std::size_t size = header_.height * rowBytes;
     const auto stored = static_cast<std::size_t>(inflatedBytes());
     std::uint8_t* const rows = reinterpret_cast<std::uint8_t*>(pixels) + (size - stored);
     return inflateInto(stream, {rows, stored}) && restorePass(PngPass{}, rows, pixels, rowBytes);
@@ -164,7 +162,8 @@ class PngReader : public ImageReader {
     Bytes row(storedRow);
     std::vector<std::byte> expanded(pass.columnStep == 1 ? 0 : width * targetPixelBytes());
     for (std::size_t y = 0; y < height; ++y, stored += 1 + storedRow) {
-      if (!unfilterPngRow(stored[0], stored + 1, above.data(), storedRow, header_.pixelBytes(), row.data())) return false;
+      if (!unfilterPngRow(stored[0], stored + 1, above.data(), storedRow, header_.pixelBytes(), row.data()))
+        return false;
       std::byte* const target = pixels + (pass.firstRow + y * pass.rowStep) * rowBytes;
       if (pass.columnStep == 1) {
         expander_->expand(row.data(), width, target);

@@ -147,7 +147,106 @@ TEST(Png, EveryKindIsReadAsTheOtherLibraryReadsIt) {
     const Bytes file = fileOf(kind, kind.width == 5 ? 3 : 1 << 30);
     const ReadPicture picture = readPicture(png(), file);
     expectSamePicture(picture, readByOracle(file, "png"), kind.name());
+    EXPECT_EQ(readPicture(png(), file, {}, 0, 0).pixels, picture.pixels) << "rows without gaps, " << kind.name();
     EXPECT_EQ(host::isGray(picture.info.channels), kind.color == 0 || kind.color == 4) << kind.name();
     EXPECT_EQ(host::hasAlpha(picture.info.channels), picture.info.alpha != host::AlphaKind::None) << kind.name();
+  }
+}
+
+// Chunks that are not as they must be are passed over, and so are those behind the pixels that belong in front of them.
+TEST(Png, MetadataIsRead) {
+  const Bytes exif{'M', 'M', 0, 42, 0, 0, 0, 8, 0, 1, 1, 0x12, 0, 3, 0, 0, 0, 1, 0, 6, 0, 0, 0, 0, 0, 0};
+  Bytes profile(200, 7);
+  std::copy_n("\0\0\0\xC8", 4, profile.begin());
+  Bytes compressedProfile{'n', 0, 0};
+  const Bytes stream = stored(profile);
+  compressedProfile.insert(compressedProfile.end(), stream.begin(), stream.end());
+  Bytes primaries;
+  for (std::uint32_t i = 1; i <= 8; ++i) append(&primaries, i * 10000);
+  const Kind kind{2, 8, 4, 2};
+  std::mt19937 random(1);
+  const Bytes pixels = stored(randomRows(kind, &random));
+  const Chunks good{{"cICP", {9, 16, 0, 1}}, {"iCCP", compressedProfile},
+                    {"sRGB", {1}},           {"gAMA", {0, 0, 0xB1, 0x8F}},
+                    {"cHRM", primaries},     {"pHYs", {0, 0, 0x0B, 0x13, 0, 0, 0x0B, 0x13, 1}},
+                    {"eXIf", exif},          {"tEXt", {'a', 0, 'b'}}};
+  const auto info = readPicture(png(), fileWith(kind, pixels, good)).info;
+  host::FileMetadata expected;
+  expected.color.codePoints = host::CodePoints{9, 16, 0, true};
+  expected.color.iccProfile = profile;
+  expected.color.sRGBIntent = 1;
+  expected.color.gamma = 0.45455;
+  expected.color.primaries = host::Primaries{{0.3, 0.4}, {0.5, 0.6}, {0.7, 0.8}, {0.1, 0.2}};
+  expected.resolution = host::Resolution{28.35, 28.35, host::Resolution::Unit::Centimeter};
+  expected.exif = exif;
+  expected.exif[19] = 1;
+  EXPECT_EQ(info.metadata, expected);
+  EXPECT_EQ(info.orientation, 6);
+
+  Chunks bad = good;
+  for (auto& [type, data] : bad) data.resize(data.size() - 1);
+  bad.insert(bad.end(), {{"cICP", {9, 16, 1, 1}},
+                         {"sRGB", {4}},
+                         {"gAMA", {0, 0, 0, 0}},
+                         {"pHYs", {0, 0, 0, 0, 0, 0, 0, 1, 1}},
+                         {"pHYs", {0, 0, 0, 1, 0, 0, 0, 1, 2}}});
+  const ReadPicture withBad = readPicture(png(), fileWith(kind, pixels, bad));
+  EXPECT_TRUE(withBad.isRead);
+  EXPECT_EQ(withBad.info.metadata, host::FileMetadata());
+  Bytes behind = fileWith(kind, pixels);
+  behind.resize(behind.size() - 12);
+  appendChunk(&behind, "sRGB", {1});
+  appendChunk(&behind, "eXIf", exif);
+  appendChunk(&behind, "IEND", {});
+  const ReadPicture late = readPicture(png(), behind);
+  EXPECT_TRUE(late.isRead);
+  EXPECT_FALSE(late.info.metadata.color.sRGBIntent);
+  EXPECT_EQ(late.info.orientation, 6);
+  const auto aspect = readPicture(png(), fileWith(kind, pixels, {{"pHYs", {0, 0, 0, 15, 0, 0, 0, 16, 0}}})).info;
+  EXPECT_EQ(aspect.metadata.pixelAspect, 16.0 / 15);
+  EXPECT_FALSE(aspect.metadata.resolution);
+}
+
+TEST(Png, WhatIsNoneIsRefused) {
+  const Kind kind{2, 8, 4, 2};
+  std::mt19937 random(1);
+  const Bytes rows = randomRows(kind, &random);
+  Bytes shorter(rows.begin(), rows.end() - 1);
+  Bytes unknownFilter = rows;
+  unknownFilter[13] = 5;
+  Kind huge = kind;
+  huge.width = huge.height = 30000;
+  Kind none = kind;
+  none.height = 0;
+  Kind depth = kind;
+  depth.depth = 4;
+  Kind palette = kind;
+  palette.color = 3;
+  const std::vector<std::pair<const char*, Bytes>> files{
+      {"too few bytes", fileWith(kind, stored(shorter))},
+      {"a filter that does not exist", fileWith(kind, stored(unknownFilter))},
+      {"more than the bytes can hold", fileWith(huge, stored(rows))},
+      {"no rows", fileWith(none, stored(rows))},
+      {"a depth that colors do not have", fileWith(depth, stored(rows))},
+      {"no palette", fileWith(palette, stored(rows))},
+      {"a chunk that one must know", fileWith(kind, stored(rows), {{"NEED", {}}})},
+      {"no pixels", fileWith(kind, {})}};
+  ASSERT_TRUE(readPicture(png(), fileWith(kind, stored(rows))).isRead);
+  for (const auto& [what, file] : files) {
+    const ReadPicture picture = readPicture(png(), file);
+    EXPECT_FALSE(picture.isRead) << what;
+    EXPECT_EQ(picture.reason, "it is damaged or cut short") << what;
+  }
+}
+
+TEST(Png, DamageIsHarmlessAndFoundWhereverItIs) {
+  for (const Kind& kind : {Kind{2, 8, 9, 5}, Kind{6, 16, 5, 4}, Kind{3, 2, 13, 9, true, true}}) {
+    const Bytes file = fileOf(kind, 50);
+    expectDamageIsHarmless(png(), file, kind.name());
+    for (std::size_t place = 0; place < file.size(); ++place) {
+      Bytes damaged = file;
+      damaged[place] ^= 4;
+      EXPECT_FALSE(readPicture(png(), damaged).isRead) << kind.name() << " at " << place;
+    }
   }
 }
