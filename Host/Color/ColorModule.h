@@ -38,8 +38,8 @@ class ColorModule {
   virtual bool makeProfile(const ColorSpace& space, Bytes* profile, std::string* reason) = 0;
 };
 
-// The module's one exported function. `configuration` is the path of an OpenColorIO configuration, which is read when it
-// is needed; null for the module's own, which has the known spaces. The caller deletes the object.
+// The module's one exported function. `configuration` is the path of an OpenColorIO configuration, which is read when
+// it is needed; null for the module's own, which has the known spaces. The caller deletes the object.
 inline constexpr const char* kColorModuleEntry = "VortoColorModule";
 using ColorModuleFunction = ColorModule* (*)(const char* configuration);
 

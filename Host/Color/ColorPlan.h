@@ -10,8 +10,8 @@
 
 // What is converted to what, and what files are told about it: rules alone, without pixels or libraries.
 //
-// Effects work in one space, by default that of the first input. Inputs in others are converted to it, and the result to
-// what the file holds: display values in integer files, light in files of floats.
+// Effects work in one space, by default that of the first input. Inputs in others are converted to it, and the result
+// to what the file holds: display values in integer files, light in files of floats.
 namespace host {
 
 struct ColorInput {
@@ -43,8 +43,8 @@ struct ColorOutput {
 
 struct OutputPlan {
   ColorSpace space;
-  bool isConverted = false;  // the result goes from the working space to it
-  ColorTag tag;              // to write
+  bool isConverted = false;   // the result goes from the working space to it
+  ColorTag tag;               // to write
   bool needsProfile = false;  // into the tag belongs an ICC profile, made for the space
   std::vector<std::string> sentences;
 };

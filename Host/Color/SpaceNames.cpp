@@ -16,7 +16,8 @@ ColorSpace spaceOfOption(const std::string& option, const std::string& name) {
   }
   ColorSpace space;
   std::string reason;
-  if (!colorModule().findSpace(name, &space, &reason)) throw Failure(ExitCode::Usage, option + " " + name + ": " + reason);
+  if (!colorModule().findSpace(name, &space, &reason))
+    throw Failure(ExitCode::Usage, option + " " + name + ": " + reason);
   return space;
 }
 

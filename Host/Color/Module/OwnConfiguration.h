@@ -5,8 +5,8 @@
 
 namespace host {
 
-// An OpenColorIO configuration, version 2.1, of the known spaces and raw, as the text of its file. Colors go over linear
-// Rec. 709; curves go on below zero as their mirror image, so that colors outside a range come back.
+// An OpenColorIO configuration, version 2.1, of the known spaces and raw, as the text of its file. Colors go over
+// linear Rec. 709; curves go on below zero as their mirror image, so that colors outside a range come back.
 std::string ownConfiguration();
 
 }  // namespace host
