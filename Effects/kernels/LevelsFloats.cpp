@@ -71,7 +71,6 @@ std::size_t levelsOfFloats(const float* in, float* out, std::size_t count, const
   const std::size_t lanes = hn::Lanes(d);
   const std::size_t whole = count / lanes * lanes;
   for (std::size_t i = 0; i < 4 * whole; i += 4 * lanes) {
-    hn::Vec<Floats> red, green, blue, alpha;
     const Planar p = loadPlanar<RGBAFloat>(in + i);
     const Coverage coverage(p.alpha, staged<true>(p.alpha, levels.alpha), keepsColor);
     storePlanar<RGBAFloat>(

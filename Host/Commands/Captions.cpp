@@ -3,6 +3,7 @@
 
 #include "Host/Files/ImageFileLoader.h"
 #include "Host/Messages/Utf8.h"
+#include "TarnCore/TCBitmap.h"
 
 #include <cstdio>
 #include <filesystem>
@@ -29,7 +30,7 @@ const TextStyle& captionStyle() {
 }
 
 bool fits(const std::string& text) {
-  return imageFiles().textWidth(text, captionStyle()) <= static_cast<int>(SheetLayout::PictureWidth);
+  return drawingModule().textWidth(text, captionStyle()) <= static_cast<int>(SheetLayout::PictureWidth);
 }
 
 void removeLastCharacter(std::string& text) {
@@ -47,12 +48,13 @@ constexpr std::size_t kLongestCaption = 400;  // bytes; more is never visible
 
 }  // namespace
 
-void drawCaption(const std::string& text, const SheetLayout::Cell& cell, ImagePixels& sheet) {
+void drawCaption(const std::string& text, const SheetLayout::Cell& cell, VortoBitmap& sheet) {
   if (captionStyle().fontFile.empty() || text.empty()) return;
   const std::string caption = shortened(printable(text.substr(0, kLongestCaption)));
   std::string reason;
-  if (!imageFiles().drawText(&sheet, static_cast<int>(cell.captionX), static_cast<int>(cell.captionBaseline), caption,
-                             captionStyle(), &reason)) {
+  const DrawingSurface surface{sheet.data, sheet.width, sheet.height};
+  if (!drawingModule().drawText(surface, static_cast<int>(cell.captionX), static_cast<int>(cell.captionBaseline),
+                                caption, captionStyle(), &reason)) {
     std::fprintf(stderr, "vorto: warning: a caption could not be drawn: %s\n", reason.c_str());
   }
 }

@@ -39,6 +39,9 @@ name, as Levels):
   color     #rrggbb, #rrggbbaa, or r,g,b[,a] with values from 0 to 1; not premultiplied
   string    the text as it is
   image     a picture's file, for ports that are not filled by --input; its size and depth may be others
+  gradient  stops apart by commas: color, position, "constant", "linear" (default) or "smooth"; or linear-gradient() of CSS
+  levels    values apart by commas, as gamma=1.2, red.blackIn=10%; one at a time, PORT.gamma=1.2 keeps the others as they
+            are after --state and earlier --set
 
 Pixels are rendered as the files hold them, without color management, premultiplied. PNG stores straight alpha; JPEG
 stores none, which shows the picture over black; TIFF and EXR store premultiplied alpha. What a format cannot hold is
@@ -60,11 +63,23 @@ Examples:
   vorto render "Gradient Map" --input photo.png --state gradient=sunset.plist --output out.png
   vorto render Dissolve --input a.png b.png --time 0.5 --size 1920x1080 --output mix.tif
   vorto render Levels --input in.%04d.exr --state levels=grade.plist --output out.%04d.exr
-  vorto render Checkerboard --size 640x480 --set "first color=#202020" --output board.png)";
+  vorto render Checkerboard --size 640x480 --set "first color=#202020" --output board.png
+  vorto render "Gradient Map" --input photo.png --set "gradient=#102040 0%, #ff8800 smooth 50%, white" --output out.png
+  vorto render Levels --input photo.png --set levels.gamma=1.2 --set levels.red.blackIn=10% --output out.png)";
 
 constexpr const char* kStateFooter = R"(
 A state is a property list, XML or binary: a gradient's or levels' dictionary, opaque data, or a keyed archive of one,
-under present or older class names. --convert keeps the form of the file (dictionary or archive) unless --form is given.)";
+under present or older class names. It is also what --json prints; a gradient or levels as text (as for render --set); and
+a gradient of other programs: linear-gradient() of CSS, the stops of an SVG file, .ggr, or a .cpt palette. What these blend
+in other ways is met within 1/255 by added stops, which are counted on standard error.
+
+--convert xml and --convert binary keep the form of the file (dictionary or archive; dictionary for a text) unless --form
+is given. --convert text writes what is read again as the same state; css, svg and ggr are for gradients.
+
+Examples:
+  vorto state sunset.plist --json
+  vorto state sunset.ggr --convert xml --output sunset.plist
+  vorto state sunset.plist --convert text --output sunset.txt)";
 
 constexpr const char* kInspectFooter = R"(
 Every input parameter of the effect has a row; the preview is rendered again on every change. Sequences play (space).
@@ -87,6 +102,43 @@ void addEffects(CLI::App& app, EffectsOptions& options) {
   command->add_flag("--json", options.json, "As JSON");
 }
 
+void addFraming(CLI::App& command, FramingOptions& options) {
+  command
+      .add_option("--size", options.size,
+                  "A generator's size; that of a filter's result, or of the pictures of a blend mode or transition")
+      ->type_name("WxH");
+  command
+      .add_option("--filter", options.filter,
+                  "How pictures are scaled: nearest, box, linear, cubic or lanczos; default lanczos")
+      ->type_name("NAME");
+  command
+      .add_option("--fit", options.fit,
+                  "How a picture of another shape fills --size: stretch, fit (the rest is empty) or fill (the rest is "
+                  "cut off); default stretch")
+      ->type_name("MODE");
+  command
+      .add_option("--place", options.place,
+                  "Where an input of another size lies on the first: center, top-left, top, ..., bottom-right, X,Y in "
+                  "pixels, or scaled to it by fit, fill or stretch; default center")
+      ->type_name("PLACE");
+}
+
+void addEncoding(CLI::App& command, EncodingOptions& options) {
+  command
+      .add_option("--format", options.format,
+                  "The format to write, by its extension; for --output - also y4m or raw; default: as the name says")
+      ->type_name("NAME");
+  command.add_option("--quality", options.quality, "Of JPEG (default 95), WebP (95) and HEIF (90)")
+      ->type_name("1-100")
+      ->check(CLI::Range(1, 100));
+  command
+      .add_option(
+          "--compression", options.compression,
+          "How files are compressed: none or deflate for PNG; none, lzw, deflate or packbits for TIFF; none, rle, "
+          "zip, zips, piz, pxr24, b44, b44a, dwaa or dwab for EXR; 444, 422 or 420 for JPEG")
+      ->type_name("METHOD[:LEVEL]");
+}
+
 void addRender(CLI::App& app, RenderOptions& options) {
   CLI::App* command = app.add_subcommand("render", "Render an effect to a picture or a sequence");
   command->footer(kRenderFooter + ("\n\nPixel formats:\n" + layoutList()));
@@ -104,12 +156,7 @@ void addRender(CLI::App& app, RenderOptions& options) {
   command->add_option("--state", options.states, "Set a gradient, levels or opaque port from a saved state")
       ->type_name("PORT=FILE")
       ->allow_extra_args(false);
-  command
-      ->add_option(
-          "--size", options.size,
-          "A generator's size; a filter's result, or both pictures of a blend mode or transition, scaled to it "
-          "(nearest neighbour)")
-      ->type_name("WxH");
+  addFraming(*command, options.framing);
   command->add_option("--time", options.time, "A transition's time, 0 to 1; seconds for other effects; default 0")
       ->type_name("T");
   command->add_option("--depth", options.depth, "Render and write at 8, 16, half or float; default: as the inputs")
@@ -122,9 +169,17 @@ void addRender(CLI::App& app, RenderOptions& options) {
       ->add_option("--alpha", options.alpha,
                    "What becomes of the result's alpha: keep, opaque, or gray (copied into the colors); default keep")
       ->type_name("MODE");
+  command
+      ->add_option(
+          "--channels", options.channels,
+          "The channels of the file: gray, gray+alpha, rgb, rgba, or auto: gray and opaque inputs stay so where "
+          "the result is; default auto")
+      ->type_name("NAME");
+  addEncoding(*command, options.encoding);
   command->add_option("--frames", options.frames, "The frames of a sequence; default: all that exist")
       ->type_name("A-B");
   command->add_option("--rate", options.rate, "Frames per second of a sequence")->type_name("N")->default_str("25");
+  command->add_flag("--verbose", options.isVerbose, "Say what a file does not keep");
 }
 
 void addState(CLI::App& app, StateOptions& options) {
@@ -132,9 +187,9 @@ void addState(CLI::App& app, StateOptions& options) {
   command->footer(kStateFooter);
   command->add_option("file", options.file, "The state's file")->required()->type_name("FILE");
   command->add_flag("--json", options.json, "As JSON");
-  command->add_option("--convert", options.convert, "Write it as xml or binary")
+  command->add_option("--convert", options.convert, "Write it as xml or binary; as text; a gradient as css, svg or ggr")
       ->type_name("FORMAT")
-      ->check(CLI::IsMember({"xml", "binary"}));
+      ->check(CLI::IsMember({"xml", "binary", "text", "css", "svg", "ggr"}));
   command->add_option("--form", options.form, "Write it as dictionary or archive")
       ->type_name("FORM")
       ->check(CLI::IsMember({"dictionary", "archive"}));
@@ -169,7 +224,7 @@ void addInspect(CLI::App& app, InspectOptions& options) {
                    "(gradient, levels, opaque) and its file")
       ->type_name("PORT=FILE")
       ->allow_extra_args(false);
-  command->add_option("--size", options.size, "As for render")->type_name("WxH");
+  addFraming(*command, options.framing);
   command->add_option("--time", options.time, "As for render")->type_name("T");
   command->add_option("--depth", options.depth, "As for render")->type_name("DEPTH");
   command->add_option("--frames", options.frames, "The frames of a sequence; default: all that exist")

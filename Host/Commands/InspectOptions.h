@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include "Host/Commands/OptionValues.h"
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,7 +14,7 @@ struct InspectOptions {
   std::vector<std::string> inputs;
   std::vector<std::string> values;  // "port=value"
   std::vector<std::string> states;  // "port=FILE"; without an effect one, "kind=FILE"
-  std::string size;                 // "WxH", or empty
+  FramingOptions framing;
   std::optional<double> time;
   std::string depth;            // "8", "16", "half", "float", or empty for that of the inputs
   std::string frames;           // "A-B", or empty for the frames that exist

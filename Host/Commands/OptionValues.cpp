@@ -4,10 +4,12 @@
 #include "Host/Files/FileFormat.h"
 #include "Host/Messages/Failure.h"
 
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 
 namespace host {
+namespace {
 
 std::optional<PictureSize> parsedSize(const std::string& text) {
   if (text.empty()) return std::nullopt;
@@ -20,6 +22,49 @@ std::optional<PictureSize> parsedSize(const std::string& text) {
     throw Failure(ExitCode::Usage, "--size " + text + ": give a width and a height in pixels, as in 1920x1080");
   }
   return PictureSize{width, height};
+}
+
+// The value of an option that takes one of some names.
+template <class Value>
+Value named(const char* option, const std::string& text, std::optional<Value> value, const char* names) {
+  if (value) return *value;
+  throw Failure(ExitCode::Usage, std::string(option) + " " + text + ": give " + names);
+}
+
+}  // namespace
+
+Framing parsedFraming(const FramingOptions& options) {
+  Framing framing;
+  framing.size = parsedSize(options.size);
+  if (!options.filter.empty()) {
+    framing.scaling.filter =
+        named("--filter", options.filter, scalingFilterNamed(options.filter), "nearest, box, linear, cubic or lanczos");
+  }
+  if (!options.fit.empty()) {
+    framing.scaling.fit = named("--fit", options.fit, scalingFitNamed(options.fit), "stretch, fit or fill");
+  }
+  if (!options.place.empty()) {
+    framing.place = named("--place", options.place, placeNamed(options.place),
+                          "center, top-left, top, top-right, left, right, bottom-left, bottom, bottom-right, X,Y in "
+                          "pixels, fit, fill or stretch");
+  }
+  return framing;
+}
+
+WriteSettings parsedSettings(const EncodingOptions& options) {
+  WriteSettings settings;
+  settings.quality = options.quality;
+  const std::size_t colon = options.compression.find(':');
+  settings.compression = options.compression.substr(0, colon);
+  if (colon == std::string::npos) return settings;
+  const std::string level = options.compression.substr(colon + 1);
+  const auto result = std::from_chars(level.data(), level.data() + level.size(), settings.level);
+  const bool isNumber = !level.empty() && result.ec == std::errc() && result.ptr == level.data() + level.size();
+  if (!isNumber || settings.level < 0 || settings.level > 100 || settings.compression.empty()) {
+    throw Failure(ExitCode::Usage,
+                  "--compression " + options.compression + ": give a method, and its level after a colon, as in zip:4");
+  }
+  return settings;
 }
 
 std::optional<Depth> parsedDepth(const std::string& text) {

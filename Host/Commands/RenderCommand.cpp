@@ -2,10 +2,9 @@
 #include "Host/Commands/RenderCommand.h"
 
 #include "Host/Commands/OptionValues.h"
-#include "Host/Files/FileFormat.h"
 #include "Host/Files/FrameFiles.h"
-#include "Host/Files/ImageFileLoader.h"
-#include "Host/Files/OutputFile.h"
+#include "Host/Files/PictureSink.h"
+#include "Host/Files/PictureWriting.h"
 #include "Host/Messages/CloseNames.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Messages/Progress.h"
@@ -21,10 +20,12 @@ namespace {
 // The frames to render; one that has no number when neither input nor output is a sequence.
 std::optional<FrameRange> framesToRender(const RenderOptions& options, const Inputs& inputs,
                                          const std::optional<FramePattern>& output) {
-  if (!output && (inputs.areSequence() || !options.frames.empty())) {
+  const bool isStream = options.output == "-";
+  if (!output && !isStream && (inputs.areSequence() || !options.frames.empty())) {
     throw Failure(ExitCode::Usage, "the output of a sequence needs the frame's number in its name, as in out.%04d.png");
   }
-  if (!output) return std::nullopt;
+  const bool isSequence = inputs.areSequence() || !options.frames.empty();
+  if (!output && !(isStream && isSequence)) return std::nullopt;
   if (options.frames.empty() && !inputs.areSequence()) {
     throw Failure(ExitCode::Usage, "--output " + options.output + " is a sequence: give its frames with --frames A-B");
   }
@@ -35,24 +36,41 @@ std::optional<FrameRange> framesToRender(const RenderOptions& options, const Inp
 struct OutputConversion {
   std::optional<Layout> layout;
   OutputAlpha alpha = OutputAlpha::Keep;
+  std::optional<Channels> channels;
 };
 
-Picture rendered(EffectRendering& rendering, const InputPictures& pictures, double time,
-                 const OutputConversion& conversion) {
+// What the files of the inputs have together.
+Channels channelsOf(const InputPictures& pictures) {
+  bool gray = !pictures.infos.empty();
+  bool alpha = pictures.infos.empty();
+  for (const auto& info : pictures.infos) {
+    gray = gray && isGray(info->channels);
+    alpha = alpha || hasAlpha(info->channels);
+  }
+  if (gray) return alpha ? Channels::GrayAlpha : Channels::Gray;
+  return alpha ? Channels::RGBA : Channels::RGB;
+}
+
+OutputPicture rendered(EffectRendering& rendering, const InputPictures& pictures, double time,
+                       const OutputConversion& conversion) {
   rendering.connect(pictures);
   BitmapRef result = rendering.result(time);
   if (conversion.layout) result = throughLayout(result, *conversion.layout, "the result");
-  return rendering.pictureOf(*outputConverted(result, conversion.alpha));
+  OutputPicture picture;
+  picture.bitmap = outputConverted(result, conversion.alpha);
+  picture.depth = rendering.depthOf(*picture.bitmap);
+  picture.channels = conversion.channels ? *conversion.channels : keptChannels(*picture.bitmap, channelsOf(pictures));
+  if (!pictures.infos.empty()) picture.metadata = pictures.infos[0]->metadata;
+  return picture;
 }
 
-void renderSequence(const RenderOptions& options, EffectRendering& rendering, Inputs& inputs,
-                    const FramePattern& output, const FrameRange& frames, const OutputConversion& conversion) {
+void renderSequence(const RenderOptions& options, EffectRendering& rendering, Inputs& inputs, PictureSink& sink,
+                    const FrameRange& frames, const OutputConversion& conversion) {
   Progress progress(frames.count());
   for (std::uint64_t frame = frames.first; frame <= frames.last; ++frame) {
     const auto number = static_cast<std::uint32_t>(frame);
     const double time = options.time.value_or(timeOfFrame(rendering.kind(), frames, frame, options.rate));
-    Picture picture = rendered(rendering, inputs.picturesAt(number), time, conversion);
-    writeImageFile(output.path(number), std::move(picture.pixels), picture.depth);
+    sink.write(rendered(rendering, inputs.picturesAt(number), time, conversion), number);
     progress.finished(frame - frames.first + 1);
   }
 }
@@ -62,27 +80,27 @@ void renderSequence(const RenderOptions& options, EffectRendering& rendering, In
 void runRender(const RenderOptions& options) {
   checkTime(options.time);
   checkRate(options.rate);
-  const auto size = parsedSize(options.size);
-  const OutputConversion conversion{parsedLayout(options.layout), parsedOutputAlpha(options.alpha)};
+  const Framing framing = parsedFraming(options.framing);
+  const OutputConversion conversion{parsedLayout(options.layout), parsedOutputAlpha(options.alpha),
+                                    parsedChannels(options.channels)};
   auto depth = parsedDepth(options.depth);
   if (depth && conversion.layout) {
     throw Failure(ExitCode::Usage, "--pixel-format " + options.layout + " has its own depth: leave --depth out");
   }
   if (conversion.layout) depth = conversion.layout->depth;
-  fileFormatOf(options.output);
   const auto outputPattern = framePattern(options.output);
-  checkOutput(options.output);
+  PictureSink sink(options.output, options.encoding.format, parsedSettings(options.encoding), options.rate,
+                   options.isVerbose);
 
   loadEffects();
-  EffectRendering rendering(options.effect, options.inputs.size(), size, depth);
+  EffectRendering rendering(options.effect, options.inputs.size(), framing, depth);
   setParameters(rendering, options.values, options.states);
   Inputs inputs(options.inputs, depth, conversion.layout);
   const auto frames = framesToRender(options, inputs, outputPattern);
   if (frames) {
-    renderSequence(options, rendering, inputs, *outputPattern, *frames, conversion);
+    renderSequence(options, rendering, inputs, sink, *frames, conversion);
   } else {
-    Picture picture = rendered(rendering, inputs.pictures(), options.time.value_or(0), conversion);
-    writeImageFile(options.output, std::move(picture.pixels), picture.depth);
+    sink.write(rendered(rendering, inputs.pictures(), options.time.value_or(0), conversion), 0);
   }
 }
 

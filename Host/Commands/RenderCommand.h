@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include "Host/Commands/OptionValues.h"
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -13,11 +15,14 @@ struct RenderOptions {
   std::string output;
   std::vector<std::string> values;  // "port=value"
   std::vector<std::string> states;  // "port=FILE"
-  std::string size;                 // "WxH", or empty
+  FramingOptions framing;
   std::optional<double> time;
-  std::string depth;   // "8", "16", "half", "float", or empty for that of the inputs
-  std::string layout;  // the name of a pixel format (Layouts.h), or empty
-  std::string alpha;   // "keep", "opaque", "gray", or empty for keep
+  std::string depth;     // "8", "16", "half", "float", or empty for that of the inputs
+  std::string layout;    // the name of a pixel format (Layouts.h), or empty
+  std::string alpha;     // "keep", "opaque", "gray", or empty for keep
+  std::string channels;  // "auto", "gray", "gray+alpha", "rgb", "rgba"; auto when empty
+  EncodingOptions encoding;
+  bool isVerbose = false;
   std::string frames;  // "A-B", or empty for the frames that exist
   double rate = 25;    // frames per second
 };

@@ -4,53 +4,43 @@
 #include "Host/Commands/Captions.h"
 #include "Host/Commands/SheetLayout.h"
 #include "Host/Files/FileFormat.h"
-#include "Host/Files/ImageFileLoader.h"
 #include "Host/Files/OutputFile.h"
+#include "Host/Files/PictureReading.h"
+#include "Host/Files/PictureWriting.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Messages/Progress.h"
 #include "Host/Pixels/Bitmaps.h"
-#include "Host/Pixels/Pixels.h"
+#include "Host/Pixels/Layouts.h"
+#include "Host/Pixels/Resampling.h"
+#include "TarnCore/TCBitmap.h"
+#include "TarnCore/TCPixelFormat.h"
 
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
-#include <utility>
 
 namespace host {
 namespace {
 
 constexpr std::uint8_t kGroundGray = 38;
 
-ImagePixels emptySheet(const SheetLayout& layout) {
+MutableBitmapRef emptySheet(const SheetLayout& layout) {
   if (layout.width() * layout.height() > kLargestBitmapBytes / 4) {
     throw Failure(ExitCode::Usage, "the sheet would be too large: " + std::to_string(layout.width()) + " x " +
                                        std::to_string(layout.height()) + " pixels");
   }
-  ImagePixels sheet;
-  sheet.width = static_cast<std::uint32_t>(layout.width());
-  sheet.height = static_cast<std::uint32_t>(layout.height());
-  allocatePixels(sheet);
-  const auto samples = sheet.samples<std::uint8_t>();
-  for (std::size_t i = 0; i < samples.size(); ++i) samples[i] = i % 4 == 3 ? 255 : kGroundGray;
+  const auto sheet = newUnsetBitmap(static_cast<std::uint32_t>(layout.width()),
+                                    static_cast<std::uint32_t>(layout.height()), VortoPixelFormat::RGBA8, "the sheet");
+  const std::size_t bytes = bytesPerRow(*sheet) * sheet->height;
+  for (std::size_t i = 0; i < bytes; ++i) sheet->data[i] = i % 4 == 3 ? 255 : kGroundGray;
   return sheet;
 }
 
 // The picture as premultiplied floats, at most as large as a cell's picture.
-ImagePixels fittedPicture(const std::string& path) {
-  ImagePixels picture = readImageFile(path);
-  premultiply(picture);
-  picture = converted(std::move(picture), SampleType::Float);
-  const auto [width, height] = SheetLayout::fitted(picture.width, picture.height);
-  if (width == picture.width && height == picture.height) return picture;
-  ImagePixels smaller;
-  smaller.width = width;
-  smaller.height = height;
-  smaller.sample = SampleType::Float;
-  std::string reason;
-  if (!imageFiles().resize(picture, &smaller, &reason)) {
-    throw Failure(ExitCode::Unexpected, "cannot scale " + path + ": " + reason);
-  }
-  return smaller;
+BitmapRef fittedPicture(const std::string& path) {
+  const BitmapRef picture = inDepth(readImage(path), SampleType::Float, path);
+  const auto [width, height] = SheetLayout::fitted(picture->width, picture->height);
+  return scaledBitmap(picture, {width, height}, {});
 }
 
 std::uint8_t overGround(float color, float alpha) {
@@ -58,15 +48,13 @@ std::uint8_t overGround(float color, float alpha) {
   return static_cast<std::uint8_t>(value > 0 ? std::min(value + 0.5f, 255.0f) : 0.0f);  // NaN is 0
 }
 
-void place(const ImagePixels& picture, const SheetLayout::Cell& cell, ImagePixels& sheet) {
+void place(const VortoBitmap& picture, const SheetLayout::Cell& cell, VortoBitmap& sheet) {
   const std::size_t left = cell.x + (SheetLayout::PictureWidth - picture.width) / 2;
   const std::size_t top = cell.y + (SheetLayout::PictureHeight - picture.height) / 2;
-  const auto from = picture.samples<float>();
-  const auto to = sheet.samples<std::uint8_t>();
   for (std::size_t y = 0; y < picture.height; ++y) {
-    for (std::size_t x = 0; x < picture.width; ++x) {
-      const float* pixel = &from[4 * (y * picture.width + x)];
-      std::uint8_t* out = &to[4 * ((top + y) * sheet.width + left + x)];
+    const auto* pixel = reinterpret_cast<const float*>(picture.data + y * bytesPerRow(picture));
+    std::uint8_t* out = sheet.data + (top + y) * bytesPerRow(sheet) + 4 * left;
+    for (std::size_t x = 0; x < picture.width; ++x, pixel += 4, out += 4) {
       for (std::size_t c = 0; c < 3; ++c) out[c] = overGround(pixel[c], pixel[3]);
     }
   }
@@ -91,15 +79,15 @@ void runSheet(const SheetOptions& options) {
   checkOutput(options.output);
   const std::vector<std::string> captions = captionsFor(options);
   const SheetLayout layout(options.files.size(), options.columns);
-  ImagePixels sheet = emptySheet(layout);
+  const MutableBitmapRef sheet = emptySheet(layout);
   Progress progress(options.files.size());
   for (std::size_t i = 0; i < options.files.size(); ++i) {
     const SheetLayout::Cell cell = layout.cell(i);
-    place(fittedPicture(options.files[i]), cell, sheet);
-    drawCaption(captions[i], cell, sheet);
+    place(*fittedPicture(options.files[i]), cell, *sheet);
+    drawCaption(captions[i], cell, *sheet);
     progress.finished(i + 1);
   }
-  writeImageFile(options.output, std::move(sheet), Depth::Bits8);
+  writePicture(options.output, {sheet, Depth::Bits8, Channels::RGB, {}});
 }
 
 }  // namespace host

@@ -1,13 +1,60 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Files/FileFormat.h"
 
+#include "Host/Messages/CloseNames.h"
 #include "Host/Messages/Failure.h"
 
 #include <algorithm>
+#include <cstring>
 #include <filesystem>
+#include <sstream>
+#include <string_view>
+#include <vector>
 
 namespace host {
 namespace {
+
+constexpr FormatTraits kFormats[] = {
+    {FileFormat::Png, "PNG", "png", true, true, false, false, AlphaKind::Straight, true},
+    {FileFormat::Jpeg, "JPEG", "jpg jpeg", true, false, false, false, AlphaKind::None, true},
+    {FileFormat::Tiff, "TIFF", "tif tiff", true, true, false, true, AlphaKind::Premultiplied, true},
+    {FileFormat::Exr, "EXR", "exr", false, false, true, true, AlphaKind::Premultiplied, true},
+    {FileFormat::WebP, "WebP", "webp", true, false, false, false, AlphaKind::Straight, false},
+    {FileFormat::Bmp, "BMP", "bmp", true, false, false, false, AlphaKind::None, false},
+    {FileFormat::Targa, "TGA", "tga", true, false, false, false, AlphaKind::Straight, true},
+    {FileFormat::Dpx, "DPX", "dpx", true, true, false, false, AlphaKind::None, false},
+    {FileFormat::Hdr, "HDR", "hdr", false, false, false, true, AlphaKind::None, false},
+    {FileFormat::Jpeg2000, "JPEG 2000", "jp2 j2k", true, true, false, false, AlphaKind::Straight, true},
+    {FileFormat::Heif, "HEIF", "heic heif avif", true, false, false, false, AlphaKind::Straight, false},
+    {FileFormat::Ppm, "PPM", "ppm", true, true, false, false, AlphaKind::None, false},
+    {FileFormat::Pnm, "PNM", "pnm", true, true, false, false, AlphaKind::None, true},
+    {FileFormat::Pfm, "PFM", "pfm", false, false, false, true, AlphaKind::None, true},
+};
+
+template <class Function>
+void forEachExtension(const FormatTraits& traits, Function function) {
+  std::istringstream extensions(traits.extensions);
+  for (std::string extension; extensions >> extension;) function(extension);
+}
+
+std::optional<FileFormat> formatWithExtension(const std::string& wanted) {
+  std::optional<FileFormat> found;
+  for (const FormatTraits& traits : kFormats) {
+    forEachExtension(traits, [&](const std::string& extension) {
+      if (extension == wanted) found = traits.format;
+    });
+  }
+  return found;
+}
+
+// "png, jpg, ... or pfm"
+std::string knownExtensions() {
+  std::vector<std::string> names;
+  for (const FormatTraits& traits : kFormats) {
+    forEachExtension(traits, [&](const std::string& extension) { names.push_back(extension); });
+  }
+  return joinedNames(names, " or ");
+}
 
 std::string lowerCase(std::string text) {
   std::transform(text.begin(), text.end(), text.begin(),
@@ -17,31 +64,44 @@ std::string lowerCase(std::string text) {
 
 }  // namespace
 
+const FormatTraits& traitsOf(FileFormat format) {
+  return *std::ranges::find(kFormats, format, &FormatTraits::format);
+}
+
 FileFormat fileFormatOf(const std::string& path) {
   const std::string extension = lowerCase(std::filesystem::path(path).extension().string());
-  if (extension == ".png") return FileFormat::Png;
-  if (extension == ".jpg" || extension == ".jpeg") return FileFormat::Jpeg;
-  if (extension == ".tif" || extension == ".tiff") return FileFormat::Tiff;
-  if (extension == ".exr") return FileFormat::Exr;
+  if (const auto format = formatWithExtension(extension.empty() ? "" : extension.substr(1))) return *format;
   const std::string found = extension.empty() ? "no extension" : "the extension \"" + extension.substr(1) + "\"";
-  throw Failure(ExitCode::Usage, "cannot write " + path +
-                                     ": a picture needs the extension png, jpg, jpeg, tif, tiff or " +
-                                     "exr, and this name has " + found);
+  throw Failure(ExitCode::Usage, "cannot write " + path + ": a picture needs the extension " + knownExtensions() +
+                                     ", and this name has " + found);
+}
+
+FileFormat fileFormatNamed(const std::string& extension) {
+  if (const auto format = formatWithExtension(lowerCase(extension))) return *format;
+  throw Failure(ExitCode::Usage, "--format " + extension + ": give " + knownExtensions());
+}
+
+std::optional<FileFormat> formatOfBytes(std::span<const std::uint8_t> file) {
+  using namespace std::string_view_literals;
+  const auto startsWith = [&](std::string_view magic) {
+    return file.size() >= magic.size() && std::memcmp(file.data(), magic.data(), magic.size()) == 0;
+  };
+  if (startsWith("\x89PNG\r\n\x1a\n"sv)) return FileFormat::Png;
+  if (startsWith("\xff\xd8\xff"sv)) return FileFormat::Jpeg;
+  if (startsWith("\x76\x2f\x31\x01"sv)) return FileFormat::Exr;
+  for (const auto magic : {"II\x2a\0"sv, "MM\0\x2a"sv, "II\x2b\0"sv, "MM\0\x2b"sv}) {
+    if (startsWith(magic)) return FileFormat::Tiff;
+  }
+  return std::nullopt;
 }
 
 Depth storedDepth(FileFormat format, Depth depth) {
-  const bool integer = depth == Depth::Bits8 || depth == Depth::Bits16;
-  switch (format) {
-    case FileFormat::Png:
-      return depth == Depth::Bits8 ? Depth::Bits8 : Depth::Bits16;
-    case FileFormat::Jpeg:
-      return Depth::Bits8;
-    case FileFormat::Tiff:
-      return integer ? depth : Depth::Float;
-    case FileFormat::Exr:
-      break;
-  }
-  return depth == Depth::Bits8 || depth == Depth::Half ? Depth::Half : Depth::Float;
+  const FormatTraits& traits = traitsOf(format);
+  if (depth == Depth::Bits8 && traits.holds8) return depth;
+  if (depth == Depth::Bits16 && traits.holds16) return depth;
+  if ((depth == Depth::Bits8 || depth == Depth::Half) && traits.holdsHalf) return Depth::Half;
+  if (traits.holdsFloat) return Depth::Float;
+  return traits.holds16 ? Depth::Bits16 : Depth::Bits8;
 }
 
 SampleType sampleTypeOf(Depth depth) {

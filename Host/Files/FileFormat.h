@@ -1,23 +1,39 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include "Host/ImageFiles/ImageFileModule.h"
+#include "Host/ImageFiles/FileFormat.h"
+#include "Host/ImageFiles/PictureTypes.h"
 
+#include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 
 namespace host {
 
-// By the extension, in any case: png; jpg, jpeg; tif, tiff; exr. Throws Failure for any other.
-FileFormat fileFormatOf(const std::string& path);
+// What pictures of a format can hold when they are written.
+struct FormatTraits {
+  FileFormat format;
+  const char* name;        // "PNG"
+  const char* extensions;  // in small letters, the usual one first, separated by spaces
+  bool holds8;
+  bool holds16;
+  bool holdsHalf;
+  bool holdsFloat;
+  AlphaKind alpha;  // how alpha is stored; None where it cannot be
+  bool holdsGray;
+};
+const FormatTraits& traitsOf(FileFormat format);
 
-// The depth in which a format stores pixels that were rendered at a depth:
-//
-//           8    16   half    float
-//   PNG     8    16   16      16
-//   JPEG    8    8    8       8
-//   TIFF    8    16   float   float
-//   EXR     half float half   float    (the smallest that holds every value exactly)
+// Throws Failure for a name that no format has.
+FileFormat fileFormatOf(const std::string& path);          // by the extension, in any case
+FileFormat fileFormatNamed(const std::string& extension);  // of --format
+
+// What the first bytes of a file tell; nothing when the general module has to find out.
+std::optional<FileFormat> formatOfBytes(std::span<const std::uint8_t> file);
+
+// The depth in which a format stores pixels that were rendered at a depth: the smallest that holds every value exactly,
+// or else the deepest that it knows. PNG takes 8 and 16 bits, JPEG 8, TIFF 8, 16 and float, EXR half and float.
 Depth storedDepth(FileFormat format, Depth depth);
 
 // What pixels of a depth are held in.

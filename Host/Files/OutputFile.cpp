@@ -2,11 +2,10 @@
 #include "Host/Files/OutputFile.h"
 
 #include "Host/Messages/Failure.h"
-#include "Platform/Foundation/NSFiles.h"
-#include "Platform/Foundation/PropertyList.h"
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -40,6 +39,39 @@ void replaceFile(const std::string& path, std::span<const std::uint8_t> bytes) {
   checkOutput(path);
   std::string reason;
   if (!NSWriteFile(path, bytes, &reason)) refuse(path, reason);
+}
+
+OutputFile::OutputFile(const std::string& path) : path_(path) {
+  checkOutput(path);
+  std::string reason;
+  if (!file_.begin(path, &reason)) refuse(path, reason);
+}
+
+bool OutputFile::write(std::uint64_t offset, std::span<const std::uint8_t> bytes) {
+  return file_.write(offset, bytes, &fault_);
+}
+
+std::size_t OutputFile::read(std::uint64_t offset, std::span<std::uint8_t> bytes) {
+  return file_.read(offset, bytes);
+}
+
+void OutputFile::commit() {
+  std::string reason;
+  if (!file_.commit(&reason)) refuse(path_, reason);
+}
+
+bool OutputBuffer::write(std::uint64_t offset, std::span<const std::uint8_t> bytes) {
+  const std::uint64_t end = offset + bytes.size();
+  if (end > bytes_.size()) bytes_.resize(static_cast<std::size_t>(end));
+  std::ranges::copy(bytes, bytes_.begin() + static_cast<std::ptrdiff_t>(offset));
+  return true;
+}
+
+std::size_t OutputBuffer::read(std::uint64_t offset, std::span<std::uint8_t> bytes) {
+  if (offset >= bytes_.size()) return 0;
+  const std::size_t size = std::min<std::size_t>(bytes.size(), bytes_.size() - static_cast<std::size_t>(offset));
+  std::copy_n(bytes_.begin() + static_cast<std::ptrdiff_t>(offset), size, bytes.begin());
+  return size;
 }
 
 }  // namespace host

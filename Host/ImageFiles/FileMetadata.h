@@ -74,8 +74,8 @@ struct HeaderAttribute {
 // What a file says about itself besides its pixels.
 struct FileMetadata {
   ColorTag color;
-  // A TIFF header and its directories, as behind "Exif\0\0" in a JPEG; empty when there is none. The orientation in it is
-  // 1: pictures are read upright.
+  // A TIFF header and its directories, as behind "Exif\0\0" in a JPEG; empty when there is none. The orientation in it
+  // is 1: pictures are read upright.
   Bytes exif;
   std::optional<Resolution> resolution;
   std::optional<double> pixelAspect;  // width of a pixel by its height; nothing where the file does not tell

@@ -35,10 +35,10 @@ class ImageReader {
   virtual ~ImageReader() = default;
   const PictureInfo& info() const { return info_; }
 
-  // Decodes the whole picture, once: four samples a pixel (red, green, blue, alpha) of the type info().sample, rows from
-  // the top, their starts `rowBytes` apart. Integer samples use their whole range; gray is in all three colors; without
-  // alpha it is full. All pixels are written when it succeeds, nothing is said about them when it fails; a file that is
-  // damaged or cut short fails.
+  // Decodes the whole picture, once: four samples a pixel (red, green, blue, alpha) of the type info().sample, rows
+  // from the top, their starts `rowBytes` apart. Integer samples use their whole range; gray is in all three colors;
+  // without alpha it is full. All pixels are written when it succeeds, nothing is said about them when it fails; a file
+  // that is damaged or cut short fails.
   virtual bool readPixels(std::byte* pixels, std::size_t rowBytes, std::string* reason) = 0;
 
  protected:
@@ -47,7 +47,9 @@ class ImageReader {
 
 struct ReadRequest {
   std::span<const std::uint8_t> file;
-  std::string layer;  // of a file with several: a part's name, or what stands before the last dot in its channels' names
+  std::string
+      layer;  // of a file with several: a part's name, or what stands before the last dot in its channels' names
+  std::string extension;  // of the file's name, with its dot: a hint for formats that do not tell themselves
 };
 
 struct WriteSettings {
@@ -61,9 +63,9 @@ struct WriteRequest {
   std::uint32_t width = 0;
   std::uint32_t height = 0;
   Channels channels = Channels::RGBA;
-  SampleType sample = SampleType::UInt8;  // of the rows
-  Depth depth = Depth::Bits8;             // of the file: with Half and Float rows hold floats
-  AlphaKind alpha = AlphaKind::None;      // of the rows, and of the file
+  SampleType sample = SampleType::UInt8;   // of the rows
+  Depth depth = Depth::Bits8;              // of the file: with Half and Float rows hold floats
+  AlphaKind alpha = AlphaKind::None;       // of the rows, and of the file
   const FileMetadata* metadata = nullptr;  // what the format cannot hold is left out
   WriteSettings settings;
 };
@@ -80,7 +82,8 @@ class OutputBytes {
  public:
   virtual ~OutputBytes() = default;
   virtual bool write(std::uint64_t offset, std::span<const std::uint8_t> bytes) = 0;
-  virtual std::size_t read(std::uint64_t offset, std::span<std::uint8_t> bytes) = 0;  // what was written; how much of it
+  virtual std::size_t read(std::uint64_t offset,
+                           std::span<std::uint8_t> bytes) = 0;  // what was written; how much of it
 };
 
 class ImageFileModule {

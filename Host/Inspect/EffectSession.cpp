@@ -2,7 +2,7 @@
 #include "Host/Inspect/EffectSession.h"
 
 #include "Host/Commands/OptionValues.h"
-#include "Host/Files/ImageFileLoader.h"
+#include "Host/Files/PictureWriting.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Messages/Utf8.h"
 #include "Host/Rendering/Assignment.h"
@@ -36,7 +36,7 @@ std::optional<FrameRange> framesOf(const InspectOptions& options, const Inputs& 
 }  // namespace
 
 EffectSession::EffectSession(const InspectOptions& options)
-    : rendering_(options.effect, options.inputs.size(), parsedSize(options.size), parsedDepth(options.depth)),
+    : rendering_(options.effect, options.inputs.size(), parsedFraming(options.framing), parsedDepth(options.depth)),
       inputs_(options.inputs, parsedDepth(options.depth)),
       fixedTime_(options.time) {
   for (const std::string& path : options.inputs) {
@@ -82,8 +82,10 @@ const BitmapRef& EffectSession::render() {
 
 void EffectSession::savePicture(const std::string& path) const {
   if (!result_) throw Failure(ExitCode::Output, "cannot write " + path + ": there is no picture");
-  Picture picture = rendering_.pictureOf(*result_);
-  writeImageFile(path, std::move(picture.pixels), picture.depth);
+  OutputPicture picture;
+  picture.bitmap = result_;
+  picture.depth = rendering_.depthOf(*result_);
+  writePicture(path, picture);
 }
 
 }  // namespace host

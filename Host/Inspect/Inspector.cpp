@@ -21,7 +21,7 @@ namespace {
 void checkOptions(const InspectOptions& options) {
   checkTime(options.time);
   checkRate(options.rate);
-  const bool effectOptions = !options.inputs.empty() || !options.values.empty() || !options.size.empty() ||
+  const bool effectOptions = !options.inputs.empty() || !options.values.empty() || !options.framing.size.empty() ||
                              options.time || !options.depth.empty() || !options.frames.empty();
   if (options.effect.empty() && effectOptions) {
     throw Failure(ExitCode::Usage, "without an effect only one --state KIND=FILE can be opened");

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Inspect/Screenshot.h"
 
-#include "Host/Files/ImageFileLoader.h"
+#include "Host/Files/PictureWriting.h"
 #include "Host/Messages/Failure.h"
+#include "Host/Pixels/Bitmaps.h"
+#include "TarnCore/TCBitmap.h"
+#include "TarnCore/TCPixelFormat.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -29,16 +32,14 @@ void waitUntilShown(QWidget& window) {
   QCoreApplication::processEvents();
 }
 
-ImagePixels pixelsOf(const QImage& image) {
-  ImagePixels pixels;
-  pixels.width = static_cast<std::uint32_t>(image.width());
-  pixels.height = static_cast<std::uint32_t>(image.height());
-  allocatePixels(pixels);
-  const std::size_t rowBytes = std::size_t{4} * pixels.width;
+BitmapRef bitmapOf(const QImage& image) {
+  const auto bitmap = newUnsetBitmap(static_cast<std::uint32_t>(image.width()),
+                                     static_cast<std::uint32_t>(image.height()), VortoPixelFormat::RGBA8, "the window");
   for (int y = 0; y < image.height(); ++y) {
-    std::memcpy(pixels.bytes.get() + static_cast<std::size_t>(y) * rowBytes, image.constScanLine(y), rowBytes);
+    std::memcpy(bitmap->data + static_cast<std::size_t>(y) * bytesPerRow(*bitmap), image.constScanLine(y),
+                std::size_t{4} * bitmap->width);
   }
-  return pixels;
+  return bitmap;
 }
 
 }  // namespace
@@ -46,7 +47,7 @@ ImagePixels pixelsOf(const QImage& image) {
 void writeScreenshot(QWidget& window, const std::string& path) {
   waitUntilShown(window);
   const QImage image = window.grab().toImage().convertToFormat(QImage::Format_RGBA8888_Premultiplied);
-  writeImageFile(path, pixelsOf(image), Depth::Bits8);
+  writePicture(path, {bitmapOf(image), Depth::Bits8, Channels::RGB, {}});
   window.hide();
 }
 

@@ -2,13 +2,9 @@
 #include "Host/Pixels/Bitmaps.h"
 
 #include "Host/Messages/Failure.h"
-#include "Host/Pixels/Pixels.h"
 #include "TarnCore/TCBitmap.h"
 #include "TarnCore/TCColor.h"
 #include "TarnCore/TCPixelLayout.h"
-
-#include <cstring>
-#include <utility>
 
 namespace host {
 namespace {
@@ -19,25 +15,37 @@ std::string sizeText(std::uint32_t width, std::uint32_t height) {
   return std::to_string(width) + " x " + std::to_string(height);
 }
 
-void checkSize(std::uint32_t width, std::uint32_t height, std::uint32_t formatCode, const std::string& what) {
-  const std::uint64_t pixels = std::uint64_t{width} * height;
-  const std::uint64_t pixelBytes = VortoPixelFormat::getBitsPerPixel(formatCode) / 8;
-  if (pixels <= kLargestBitmapBytes / pixelBytes && width <= kLargestEdge && height <= kLargestEdge) return;
-  throw Failure(ExitCode::Input,
-                what + ": " + sizeText(width, height) + " pixels at this depth are more than a bitmap can hold");
-}
+using Make = VortoBitmap* (*)(std::uint32_t, std::uint32_t, std::uint32_t);
 
-SampleType sampleTypeOfBitmap(const VortoBitmap& bitmap, const std::string& what) {
-  const VortoPixelLayout& layout = TCPixelLayoutOf(bitmap.formatCode);
-  if (!layout.isExchanged) {
-    throw Failure(ExitCode::Effect, what + " gave an image of pixel format " + std::to_string(bitmap.formatCode) +
-                                        ", which effects do not exchange");
+MutableBitmapRef made(Make make, std::uint32_t width, std::uint32_t height, std::uint32_t formatCode,
+                      const std::string& what) {
+  if (!fitsBitmap(width, height, VortoPixelFormat::getBitsPerPixel(formatCode) / 8)) {
+    throw Failure(ExitCode::Input,
+                  what + ": " + sizeText(width, height) + " pixels at this depth are more than a bitmap can hold");
   }
-  if (layout.number == VortoPixelLayout::Number::Byte) return SampleType::UInt8;
-  return layout.number == VortoPixelLayout::Number::Word ? SampleType::UInt16 : SampleType::Float;
+  MutableBitmapRef bitmap(make(width, height, formatCode));
+  if (!bitmap || !bitmap->data) {
+    throw Failure(ExitCode::Unexpected, what + ": there is no memory for " + sizeText(width, height) + " pixels");
+  }
+  return bitmap;
 }
 
 }  // namespace
+
+bool fitsBitmap(std::uint32_t width, std::uint32_t height, std::size_t pixelBytes) {
+  return std::uint64_t{width} * height <= kLargestBitmapBytes / pixelBytes && width <= kLargestEdge &&
+         height <= kLargestEdge;
+}
+
+MutableBitmapRef newBitmap(std::uint32_t width, std::uint32_t height, std::uint32_t formatCode,
+                           const std::string& what) {
+  return made(TCCreateBitmap, width, height, formatCode, what);
+}
+
+MutableBitmapRef newUnsetBitmap(std::uint32_t width, std::uint32_t height, std::uint32_t formatCode,
+                                const std::string& what) {
+  return made(TCCreateUnsetBitmap, width, height, formatCode, what);
+}
 
 std::uint32_t formatCodeOf(SampleType sample) {
   switch (sample) {
@@ -51,46 +59,20 @@ std::uint32_t formatCodeOf(SampleType sample) {
   return VortoPixelFormat::RGBAFloat;
 }
 
-std::shared_ptr<VortoBitmap> newBitmap(std::uint32_t width, std::uint32_t height, std::uint32_t formatCode,
-                                       const std::string& what) {
-  checkSize(width, height, formatCode, what);
-  std::shared_ptr<VortoBitmap> bitmap(TCCreateBitmap(width, height, formatCode));
-  if (!bitmap || !bitmap->data) {
-    throw Failure(ExitCode::Unexpected, what + ": there is no memory for " + sizeText(width, height) + " pixels");
+SampleType sampleTypeOfResult(const VortoBitmap& bitmap, const std::string& what) {
+  const VortoPixelLayout& layout = TCPixelLayoutOf(bitmap.formatCode);
+  if (!layout.isExchanged) {
+    throw Failure(ExitCode::Effect, what + " gave an image of pixel format " + std::to_string(bitmap.formatCode) +
+                                        ", which effects do not exchange");
   }
-  return bitmap;
-}
-
-BitmapRef makeBitmap(ImagePixels image, const std::string& what) {
-  premultiply(image);
-  const auto bitmap = newBitmap(image.width, image.height, formatCodeOf(image.sample), what);
-  bitmap->setData(image.bytes.get());
-  return bitmap;
-}
-
-ImagePixels pixelsOfBitmap(const VortoBitmap& bitmap, const std::string& what) {
-  ImagePixels image;
-  image.width = bitmap.width;
-  image.height = bitmap.height;
-  image.sample = sampleTypeOfBitmap(bitmap, what);
-  const std::size_t size = image.sampleCount() * bytesPerSample(image.sample);
+  const std::size_t size = bytesPerRow(bitmap) * bitmap.height;
   if (size == 0 || size > bitmap.accessibleBytes()) throw Failure(ExitCode::Effect, what + " gave an empty image");
-  allocatePixels(image);
-  if (bitmap.formatCode == VortoPixelFormat::ARGB8) {
-    const auto swizzled = newBitmap(bitmap.width, bitmap.height, VortoPixelFormat::RGBA8, what);
-    swizzled->copyWithSwizzleARGBToRGBA(bitmap);
-    std::memcpy(image.bytes.get(), swizzled->data, size);
-  } else {
-    std::memcpy(image.bytes.get(), bitmap.data, size);
-  }
-  return image;
+  if (layout.number == VortoPixelLayout::Number::Byte) return SampleType::UInt8;
+  return layout.number == VortoPixelLayout::Number::Word ? SampleType::UInt16 : SampleType::Float;
 }
 
-BitmapRef scaledBitmap(const BitmapRef& bitmap, std::uint32_t width, std::uint32_t height) {
-  if (bitmap->width == width && bitmap->height == height) return bitmap;
-  const auto scaled = newBitmap(width, height, bitmap->formatCode, "the result");
-  scaled->copyWithScaling(*bitmap);
-  return scaled;
+std::size_t bytesPerRow(const VortoBitmap& bitmap) {
+  return std::size_t{bitmap.width} * TCPixelLayoutOf(bitmap.formatCode).bytesPerPixel() + bitmap.rowPadding;
 }
 
 BitmapRef outputConverted(const BitmapRef& bitmap, OutputAlpha alpha) {

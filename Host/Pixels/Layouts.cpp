@@ -48,6 +48,11 @@ std::shared_ptr<VortoBitmap> asRGBA8(const VortoBitmap& bitmap, const std::strin
   return result;
 }
 
+MutableBitmapRef copyInDepth(const VortoBitmap& bitmap, SampleType sample, const std::string& what) {
+  const std::uint32_t code = formatCodeOf(sample);
+  return code == Format::RGBA8 ? asRGBA8(bitmap, what) : depthConverted(bitmap, code, what);
+}
+
 // Every pixel of a bitmap, changed into one of another.
 template <class From, class To, class Convert>
 std::shared_ptr<VortoBitmap> converted(const VortoBitmap& bitmap, std::uint32_t formatCode, const std::string& what,
@@ -141,11 +146,12 @@ std::string layoutList() {
   return list;
 }
 
+MutableBitmapRef inDepth(const MutableBitmapRef& bitmap, SampleType sample, const std::string& what) {
+  return bitmap->formatCode == formatCodeOf(sample) ? bitmap : copyInDepth(*bitmap, sample, what);
+}
+
 BitmapRef inDepth(const BitmapRef& bitmap, SampleType sample, const std::string& what) {
-  const std::uint32_t code = formatCodeOf(sample);
-  if (bitmap->formatCode == code) return bitmap;
-  if (code == Format::RGBA8) return asRGBA8(*bitmap, what);
-  return depthConverted(*bitmap, code, what);
+  return bitmap->formatCode == formatCodeOf(sample) ? bitmap : copyInDepth(*bitmap, sample, what);
 }
 
 BitmapRef throughLayout(const BitmapRef& bitmap, const Layout& layout, const std::string& what) {

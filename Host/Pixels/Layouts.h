@@ -21,7 +21,9 @@ struct Layout {
 std::optional<Layout> parsedLayout(const std::string& name);
 std::string layoutList();  // a line for each, for --help
 
-// The same picture in another depth, for bitmaps that effects exchange: RGBA8, RGBA16 or RGBAFloat.
+// The same picture in another depth, for bitmaps that effects exchange: RGBA8, RGBA16 or RGBAFloat. The bitmap itself
+// where it has that depth.
+MutableBitmapRef inDepth(const MutableBitmapRef& bitmap, SampleType sample, const std::string& what);
 BitmapRef inDepth(const BitmapRef& bitmap, SampleType sample, const std::string& what);
 
 // What is left of a picture that effects exchange once it has been held in a bitmap of the layout: as that layout,

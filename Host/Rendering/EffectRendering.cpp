@@ -27,10 +27,6 @@ const char* expectedInputs(EffectKind kind) {
   return "a blend mode: it takes two, --input BACKGROUND FOREGROUND";
 }
 
-std::string sizeText(const VortoBitmap& bitmap) {
-  return std::to_string(bitmap.width) + " x " + std::to_string(bitmap.height);
-}
-
 bool setIndexPort(QCPatch& patch, const char* key, std::uint32_t value) {
   auto* port = dynamic_cast<QCIndexPort*>(patch.portForKey(key));
   if (port) setPortFromText(*port, std::to_string(value));
@@ -51,9 +47,9 @@ Depth depthOfSamples(SampleType sample) {
 
 }  // namespace
 
-EffectRendering::EffectRendering(const std::string& effect, std::size_t inputCount, std::optional<PictureSize> size,
+EffectRendering::EffectRendering(const std::string& effect, std::size_t inputCount, const Framing& framing,
                                  std::optional<Depth> depth)
-    : effect_(effect), size_(size), depth_(depth), patch_(makeEffect(effect)) {
+    : effect_(effect), framing_(framing), depth_(depth), patch_(makeEffect(effect)) {
   chooseKind(inputCount);
   checkRoles();
   if (kind_ == EffectKind::Generator) askGenerator();
@@ -84,19 +80,14 @@ void EffectRendering::checkRoles() const {
 }
 
 void EffectRendering::askGenerator() {
-  if (size_) {
-    setIndexPort(*patch_, "inputWidth", size_->width);
-    setIndexPort(*patch_, "inputHeight", size_->height);
+  if (framing_.size) {
+    setIndexPort(*patch_, "inputWidth", framing_.size->width);
+    setIndexPort(*patch_, "inputHeight", framing_.size->height);
   }
   if (depth_) {
     const std::uint32_t index = *depth_ == Depth::Bits8 ? 0 : *depth_ == Depth::Bits16 ? 1 : 2;
     setIndexPort(*patch_, "inputDepth", index);
   }
-}
-
-Picture EffectRendering::render(const InputPictures& pictures, double time) {
-  connect(pictures);
-  return pictureOf(*result(time));
 }
 
 BitmapRef EffectRendering::result(double time) {
@@ -107,14 +98,12 @@ BitmapRef EffectRendering::result(double time) {
   }
   BitmapRef result = VRTImage::bitmapOfPort(dynamic_cast<QCImagePort&>(*roles_.output));
   if (!result) throw Failure(ExitCode::Effect, described() + " gave no image");
-  return size_ ? scaledBitmap(result, size_->width, size_->height) : result;
+  sampleTypeOfResult(*result, described());
+  return framing_.size ? scaledBitmap(result, *framing_.size, framing_.scaling) : result;
 }
 
-Picture EffectRendering::pictureOf(const VortoBitmap& result) const {
-  Picture picture;
-  picture.pixels = pixelsOfBitmap(result, described());
-  picture.depth = depth_.value_or(inputDepth_.value_or(depthOfSamples(picture.pixels.sample)));
-  return picture;
+Depth EffectRendering::depthOf(const VortoBitmap& result) const {
+  return depth_.value_or(inputDepth_.value_or(depthOfSamples(sampleTypeOfResult(result, described()))));
 }
 
 std::string EffectRendering::described() const {
@@ -122,16 +111,7 @@ std::string EffectRendering::described() const {
 }
 
 void EffectRendering::connect(const InputPictures& pictures) {
-  std::vector<BitmapRef> bitmaps = pictures.bitmaps;
-  if (size_ && bitmaps.size() > 1) {
-    for (BitmapRef& bitmap : bitmaps) bitmap = scaledBitmap(bitmap, size_->width, size_->height);
-  }
-  for (std::size_t i = 1; i < bitmaps.size(); ++i) {
-    if (bitmaps[i]->width == bitmaps[0]->width && bitmaps[i]->height == bitmaps[0]->height) continue;
-    throw Failure(ExitCode::Input, pictures.paths[0] + " is " + sizeText(*bitmaps[0]) + " pixels and " +
-                                       pictures.paths[i] + " is " + sizeText(*bitmaps[i]) +
-                                       "; --size WxH brings both to one size");
-  }
+  const std::vector<BitmapRef> bitmaps = onOneCanvas(pictures.bitmaps, framing_);
   for (std::size_t i = 0; i < bitmaps.size(); ++i) {
     auto& port = dynamic_cast<QCImagePort&>(*roles_.inputs[i]);
     // Those who watch the port would take the same still for a new image.

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include "Host/ImageFiles/ImageFileModule.h"
 #include "Host/Rendering/Effects.h"
+#include "Host/Rendering/Framing.h"
 #include "Host/Rendering/Inputs.h"
 
 #include <memory>
@@ -11,26 +11,15 @@
 
 namespace host {
 
-struct PictureSize {
-  std::uint32_t width = 0;
-  std::uint32_t height = 0;
-};
-
-// A rendered picture: premultiplied, and the depth that it is to be written in.
-struct Picture {
-  ImagePixels pixels;
-  Depth depth = Depth::Bits8;
-};
-
 // One effect that renders pictures, frame after frame.
 //
-// A size scales by nearest neighbour: what a filter gives, what blend modes and transitions are given (so that two
-// pictures of different size can meet). Generators are told it through their ports "inputWidth", "inputHeight",
-// and for the depth through "inputDepth" (0: 8 bits, 1: 16 bits, 2: float), where they have them.
+// A size scales what a filter gives, and what blend modes and transitions are given; pictures of different sizes meet
+// on one canvas (onOneCanvas()). Generators are told it through their ports "inputWidth", "inputHeight", and for the
+// depth through "inputDepth" (0: 8 bits, 1: 16 bits, 2: float), where they have them.
 class EffectRendering {
  public:
   // Throws Failure for an unknown effect, or when none of its kinds takes that many pictures.
-  EffectRendering(const std::string& effect, std::size_t inputCount, std::optional<PictureSize> size,
+  EffectRendering(const std::string& effect, std::size_t inputCount, const Framing& framing,
                   std::optional<Depth> depth);
 
   const std::string& effect() const { return effect_; }
@@ -38,13 +27,11 @@ class EffectRendering {
   const EffectRoles& roles() const { return roles_; }
   QCPatch& patch() { return *patch_; }
 
-  // Throws Failure when the pictures do not fit each other or the effect cannot render them.
-  Picture render(const InputPictures& pictures, double time);
-
-  // The same in steps, for hosts that render the same pictures again with other parameters.
   void connect(const InputPictures& pictures);
-  BitmapRef result(double time);                       // runs the effect; what it gave, in the size that was wanted
-  Picture pictureOf(const VortoBitmap& result) const;  // in the depth to write it in
+  // Runs the effect: what it gave, in the size that was wanted. Throws Failure when the effect cannot render, or gives
+  // something else than effects exchange.
+  BitmapRef result(double time);
+  Depth depthOf(const VortoBitmap& result) const;  // to write it in
 
  private:
   void chooseKind(std::size_t inputCount);
@@ -54,7 +41,7 @@ class EffectRendering {
   std::string described() const;
 
   const std::string effect_;
-  const std::optional<PictureSize> size_;
+  const Framing framing_;
   const std::optional<Depth> depth_;
   std::shared_ptr<QCPatch> patch_;
   EffectKind kind_ = EffectKind::Filter;

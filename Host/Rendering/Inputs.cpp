@@ -2,8 +2,8 @@
 #include "Host/Rendering/Inputs.h"
 
 #include "Host/Files/FileFormat.h"
-#include "Host/Files/ImageFileLoader.h"
 #include "Host/Messages/Failure.h"
+#include "Host/Pixels/Alpha.h"
 
 #include <utility>
 
@@ -16,22 +16,11 @@ Depth commonDepth(Depth a, Depth b) {
   return integerAndHalf ? Depth::Float : std::max(a, b);
 }
 
-// Straight colors in the samples of a deeper depth: premultiplied in fewer bits they would lose most of what they are
-// under a small alpha. The same where the depth is no deeper.
-ImagePixels widened(ImagePixels image, SampleType sample, const std::string& path) {
-  if (bytesPerSample(sample) <= bytesPerSample(image.sample)) return image;
-  image.alpha = AlphaKind::Premultiplied;  // so that the colors go through as they are
-  const BitmapRef wide = inDepth(makeBitmap(std::move(image), path), sample, path);
-  ImagePixels pixels = pixelsOfBitmap(*wide, path);
-  pixels.alpha = AlphaKind::Straight;
-  return pixels;
-}
-
 }  // namespace
 
 Inputs::Inputs(const std::vector<std::string>& paths, std::optional<Depth> depth, std::optional<Layout> layout)
     : depth_(layout ? std::optional(layout->depth) : depth), layout_(layout) {
-  for (const std::string& path : paths) sources_.push_back({path, framePattern(path), nullptr});
+  for (const std::string& path : paths) sources_.push_back({path, framePattern(path), nullptr, nullptr});
 }
 
 bool Inputs::areSequence() const {
@@ -56,32 +45,42 @@ FrameRange Inputs::checkedFrames(std::optional<FrameRange> wanted) const {
 
 InputPictures Inputs::picturesAt(std::uint32_t frame) {
   InputPictures pictures;
-  std::vector<ImagePixels> images(sources_.size());
+  std::vector<FilePicture> files(sources_.size());
   for (std::size_t i = 0; i < sources_.size(); ++i) {
     const Source& source = sources_[i];
     pictures.paths.push_back(source.pattern ? source.pattern->path(frame) : source.path);
-    if (!source.still) images[i] = readImageFile(pictures.paths[i]);
+    if (!source.still) files[i] = readPicture(pictures.paths[i]);
   }
-  if (!depth_) decideDepth(images);
+  if (!depth_) decideDepth(files);
   for (std::size_t i = 0; i < sources_.size(); ++i) {
     Source& source = sources_[i];
-    BitmapRef bitmap = source.still;
-    if (!bitmap) bitmap = bitmapOf(std::move(images[i]), pictures.paths[i]);
-    if (!source.pattern) source.still = bitmap;
+    auto info = source.still ? source.stillInfo : files[i].info;
+    BitmapRef bitmap = source.still ? source.still : bitmapOf(std::move(files[i]), pictures.paths[i]);
+    if (!source.pattern) {
+      source.still = bitmap;
+      source.stillInfo = info;
+    }
     pictures.bitmaps.push_back(std::move(bitmap));
+    pictures.infos.push_back(std::move(info));
   }
   pictures.depth = depth_.value_or(Depth::Bits8);
   return pictures;
 }
 
-BitmapRef Inputs::bitmapOf(ImagePixels image, const std::string& path) const {
-  if (image.alpha == AlphaKind::Straight) image = widened(std::move(image), sampleTypeOf(*depth_), path);
-  const BitmapRef bitmap = makeBitmap(std::move(image), path);
-  return layout_ ? throughLayout(bitmap, *layout_, path) : inDepth(bitmap, sampleTypeOf(*depth_), path);
+BitmapRef Inputs::bitmapOf(FilePicture file, const std::string& path) const {
+  const SampleType working = sampleTypeOf(*depth_);
+  if (file.info->alpha == AlphaKind::Straight) {
+    // Premultiplied in fewer bits than they are worked on in, colors would lose most of what they are under a small
+    // alpha.
+    if (bytesPerSample(working) > bytesPerSample(file.info->sample)) file.bitmap = inDepth(file.bitmap, working, path);
+    premultiply(*file.bitmap);
+  }
+  const BitmapRef bitmap = std::move(file.bitmap);
+  return layout_ ? throughLayout(bitmap, *layout_, path) : inDepth(bitmap, working, path);
 }
 
-void Inputs::decideDepth(const std::vector<ImagePixels>& images) {
-  for (const ImagePixels& image : images) depth_ = depth_ ? commonDepth(*depth_, image.depth) : image.depth;
+void Inputs::decideDepth(const std::vector<FilePicture>& files) {
+  for (const FilePicture& file : files) depth_ = depth_ ? commonDepth(*depth_, file.info->depth) : file.info->depth;
 }
 
 }  // namespace host

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Host/Files/FrameFiles.h"
+#include "Host/Files/PictureReading.h"
 #include "Host/Pixels/Bitmaps.h"
 #include "Host/Pixels/Layouts.h"
 
@@ -14,7 +15,8 @@ namespace host {
 // Pictures of one working depth.
 struct InputPictures {
   std::vector<BitmapRef> bitmaps;
-  std::vector<std::string> paths;  // the files that they came from
+  std::vector<std::shared_ptr<const PictureInfo>> infos;  // what their files say
+  std::vector<std::string> paths;                         // the files that they came from
   Depth depth = Depth::Bits8;
 };
 
@@ -39,9 +41,10 @@ class Inputs {
     std::string path;
     std::optional<FramePattern> pattern;
     BitmapRef still;
+    std::shared_ptr<const PictureInfo> stillInfo;
   };
-  void decideDepth(const std::vector<ImagePixels>& images);
-  BitmapRef bitmapOf(ImagePixels image, const std::string& path) const;
+  void decideDepth(const std::vector<FilePicture>& files);
+  BitmapRef bitmapOf(FilePicture file, const std::string& path) const;
 
   std::vector<Source> sources_;
   std::optional<Depth> depth_;

@@ -139,11 +139,11 @@ TEST(Orientation, PicturesAreReadUpright) {
   }
 }
 
-TEST(Size, ScalesByNearestNeighbour) {
+TEST(Size, ScalesByNearestNeighbourWhereThatIsWanted) {
   const TemporaryFolder folder;
   const TestImage image = variedImage(5, 3, 16);
   writeTiff(folder.path() + "/in.tif", image);
-  passThrough(folder.path() + "/in.tif", folder.path() + "/out.tif", {"--size", "7x2"});
+  passThrough(folder.path() + "/in.tif", folder.path() + "/out.tif", {"--size", "7x2", "--filter", "nearest"});
   const TestImage out = readTiff(folder.path() + "/out.tif");
   ASSERT_EQ(out.width, 7u);
   ASSERT_EQ(out.height, 2u);
@@ -152,6 +152,64 @@ TEST(Size, ScalesByNearestNeighbour) {
       EXPECT_EQ(out.pixel(x, y), image.pixel(x * 5 / 7, y * 3 / 2)) << x << ' ' << y;
     }
   }
+}
+
+// Red on blue, each flat, so that the place of every pixel shows.
+TEST(Size, InputsOfOtherSizesFindTheirPlace) {
+  const TemporaryFolder folder;
+  const auto at = [&](const char* name) { return folder.path() + "/" + name; };
+  writeTiff(at("back.tif"), flatImage(6, 4, {0, 0, 255, 255}));
+  writeTiff(at("front.tif"), flatImage(2, 2, {255, 0, 0, 255}));
+  const struct {
+    Words options;
+    std::vector<std::string> rows;  // '#' red, '.' blue, ' ' empty
+  } cases[] = {
+      {{}, {"......", "..##..", "..##..", "......"}},
+      {{"--place", "top-right"}, {"....##", "....##", "......", "......"}},
+      {{"--place", "bottom"}, {"......", "......", "..##..", "..##.."}},
+      {{"--place", "5,-1"}, {".....#", "......", "......", "......"}},
+      {{"--place", "fit"}, {".####.", ".####.", ".####.", ".####."}},
+      {{"--place", "fill"}, {"######", "######", "######", "######"}},
+      {{"--size", "4x4"}, {"####", "####", "####", "####"}},
+      {{"--size", "4x4", "--place", "left"}, {"....", "##..", "##..", "...."}},
+      {{"--size", "3x4", "--fit", "fit", "--place", "0,0"}, {"## ", "##.", "...", "   "}},
+  };
+  for (const auto& [options, rows] : cases) {
+    Words arguments{"render", "Over", "--input", at("back.tif"), at("front.tif"), "--output", at("out.tif")};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    vortoSucceeds(arguments);
+    const TestImage out = readTiff(at("out.tif"));
+    std::vector<std::string> seen(out.height);
+    for (std::uint32_t y = 0; y < out.height; ++y) {
+      for (std::uint32_t x = 0; x < out.width; ++x) {
+        const auto pixel = out.pixel(x, y);
+        seen[y] += pixel[3] == 0 ? ' ' : pixel[0] == 255 ? '#' : pixel[2] == 255 ? '.' : '?';
+      }
+    }
+    EXPECT_EQ(seen, rows) << testing::PrintToString(options);
+  }
+}
+
+// What pipes carry, byte for byte.
+TEST(Streams, CarryPicturesAndFrames) {
+  const TemporaryFolder folder;
+  const auto at = [&](const char* name) { return folder.path() + "/" + name; };
+  writeTiff(at("in.0.tif"), TestImage{2, 1, 8, {255, 255, 255, 255, 100, 0, 0, 255}});
+  writeTiff(at("in.1.tif"), TestImage{2, 1, 8, {0, 0, 0, 255, 100, 0, 0, 255}});
+  const auto streamed = [&](const Words& options) {
+    Words arguments{"render", "Levels", "--output", "-"};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    return vorto(arguments).out;
+  };
+  const std::string one = at("in.0.tif");
+  EXPECT_EQ(streamed({"--input", one, "--format", "raw", "--channels", "rgba"}),
+            std::string("\xFF\xFF\xFF\xFF\x64\0\0\xFF", 8));
+  // BT.709 in video range: white is 235, 128, 128; 100/255 of red is 16 + 219 x 0.0834, ...
+  EXPECT_EQ(streamed({"--input", at("in.%d.tif"), "--format", "y4m", "--rate", "29.97"}),
+            "YUV4MPEG2 W2 H1 F29970:1000 Ip A1:1 C444 XCOLORRANGE=LIMITED\n"
+            "FRAME\n\xEB\x22\x80\x76\x80\xAC"
+            "FRAME\n\x10\x22\x80\x76\x80\xAC");
+  EXPECT_EQ(streamed({"--input", one, "--format", "ppm"}), std::string("P6\n2 1\n255\n\xFF\xFF\xFF\x64\0\0", 17));
 }
 
 // Generators are told their depth through a port, the others by their input.

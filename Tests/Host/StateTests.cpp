@@ -160,7 +160,7 @@ TEST(State, OpaqueDataSurvivesEveryFormatAndForm) {
 
 TEST(State, JsonTellsEverything) {
   const std::string out = vortoSucceeds({"state", document("gradient"), "--json"}).out;
-  EXPECT_NE(out.find(" -0,"), std::string::npos) << "the library reads it as 0: " << out;
+  EXPECT_NE(out.find(" -0.0,"), std::string::npos) << "to be compared with 0 it is the same: " << out;
   const Json json = parsed(out);
   EXPECT_EQ(json["kind"], "gradient");
   EXPECT_EQ(json["class"], "VRTGradient");

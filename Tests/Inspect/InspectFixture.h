@@ -2,9 +2,11 @@
 #pragma once
 
 #include "Host/Commands/InspectOptions.h"
-#include "Host/Files/ImageFileLoader.h"
+#include "Host/Files/PictureWriting.h"
 #include "Host/Rendering/Effects.h"
 #include "Host/Rendering/ExecutionContext.h"
+#include "TarnCore/TCBitmap.h"
+#include "TarnCore/TCPixelFormat.h"
 #include "Tests/Support/ChildProcess.h"
 
 #include <QCoreApplication>
@@ -23,13 +25,9 @@ inline void useEffects() {
 
 // 4 x 3 opaque pixels.
 inline void writeFlatPicture(const std::string& path, std::uint8_t gray) {
-  host::ImagePixels image;
-  image.width = 4;
-  image.height = 3;
-  host::allocatePixels(image);
-  const auto samples = image.samples<std::uint8_t>();
-  for (std::size_t i = 0; i < samples.size(); ++i) samples[i] = i % 4 == 3 ? 255 : gray;
-  host::writeImageFile(path, std::move(image), host::Depth::Bits8);
+  const auto bitmap = host::newBitmap(4, 3, VortoPixelFormat::RGBA8, path);
+  for (std::size_t i = 0; i < std::size_t{4} * 3 * 4; ++i) bitmap->data[i] = i % 4 == 3 ? 255 : gray;
+  host::writePicture(path, {bitmap, host::Depth::Bits8, host::Channels::RGB, {}});
 }
 
 // Counts how often somebody looks at the pixels of an image.

@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -37,9 +38,9 @@ class File {
   int descriptor_;
 };
 
-bool writeAll(int descriptor, std::span<const std::uint8_t> bytes) {
+bool writeAll(int descriptor, std::uint64_t offset, std::span<const std::uint8_t> bytes) {
   while (!bytes.empty()) {
-    const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
+    const ssize_t written = ::pwrite(descriptor, bytes.data(), bytes.size(), static_cast<off_t>(offset));
     if (written < 0 && errno == EINTR) {
       continue;
     }
@@ -47,8 +48,26 @@ bool writeAll(int descriptor, std::span<const std::uint8_t> bytes) {
       return false;
     }
     bytes = bytes.subspan(static_cast<std::size_t>(written));
+    offset += static_cast<std::uint64_t>(written);
   }
   return true;
+}
+
+// Up to the end of the file, or of the bytes.
+std::size_t readUpTo(int descriptor, std::uint64_t offset, std::span<std::uint8_t> bytes) {
+  std::size_t size = 0;
+  while (size < bytes.size()) {
+    const ssize_t count =
+        ::pread(descriptor, bytes.data() + size, bytes.size() - size, static_cast<off_t>(offset + size));
+    if (count < 0 && errno == EINTR) {
+      continue;
+    }
+    if (count <= 0) {
+      break;
+    }
+    size += static_cast<std::size_t>(count);
+  }
+  return size;
 }
 
 // With its slash, so that a name can follow; empty for the current folder.
@@ -74,18 +93,6 @@ bool takeOver(const File& file, const struct stat* former) {
   }
   const bool owned = ::fchown(file.descriptor(), former->st_uid, former->st_gid) == 0;
   return ::fchmod(file.descriptor(), former->st_mode & (owned ? 07777 : 01777)) == 0;
-}
-
-// The permissions come first: the kernel then takes the set-id bits away, or not, as it does whenever this process
-// writes to a file. Cutting the file counts as writing, also when no bytes follow.
-bool fill(const File& file, const struct stat* former, std::span<const std::uint8_t> bytes, std::string* reason) {
-  if (!takeOver(file, former)) {
-    return NSRefuseWithError(reason, "cannot set the permissions");
-  }
-  if (::ftruncate(file.descriptor(), 0) != 0 || !writeAll(file.descriptor(), bytes)) {
-    return NSRefuseWithError(reason, "cannot write");
-  }
-  return ::fsync(file.descriptor()) == 0 || NSRefuseWithError(reason, "cannot finish writing");
 }
 
 // The names of unfinished files, for a signal's handler: no lock, no memory taken.
@@ -148,54 +155,6 @@ class TemporaryName {
   unsigned attempts_ = 0;
 };
 
-bool moveToTarget(const TemporaryName& name, const std::string& target, std::string* reason) {
-  if (::rename(name.path().c_str(), target.c_str()) == 0) {
-    return true;
-  }
-  NSRefuseWithError(reason, "cannot replace it");
-  ::unlink(name.path().c_str());
-  return false;
-}
-
-enum class Written { Yes, No, NotThatWay };
-
-// By a file that has no name until it is complete, where the file system knows such files: whatever ends the process
-// before leaves nothing behind.
-Written writeUnnamed(const std::string& target, const struct stat* former, std::span<const std::uint8_t> bytes,
-                     std::string* reason) {
-  const std::string folder = folderOf(target);
-  const File file(::open(folder.empty() ? "." : folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666));
-  if (!file.isOpen()) {
-    return Written::NotThatWay;
-  }
-  if (!fill(file, former, bytes, reason)) {
-    return Written::No;
-  }
-  const std::string own = "/proc/self/fd/" + std::to_string(file.descriptor());
-  TemporaryName name(target);
-  const int linked = name.firstFree(
-      [&](const char* path) { return ::linkat(AT_FDCWD, own.c_str(), AT_FDCWD, path, AT_SYMLINK_FOLLOW); });
-  if (linked != 0) {
-    return Written::NotThatWay;
-  }
-  return moveToTarget(name, target, reason) ? Written::Yes : Written::No;
-}
-
-bool writeNamed(const std::string& target, const struct stat* former, std::span<const std::uint8_t> bytes,
-                std::string* reason) {
-  TemporaryName name(target);
-  File file(
-      name.firstFree([](const char* path) { return ::open(path, O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0666); }));
-  if (!file.isOpen()) {
-    return NSRefuseWithError(reason, "cannot create a file beside it");
-  }
-  if (!fill(file, former, bytes, reason) || (!file.close() && !NSRefuseWithError(reason, "cannot finish writing"))) {
-    ::unlink(name.path().c_str());
-    return false;
-  }
-  return moveToTarget(name, target, reason);
-}
-
 bool isReplaceable(const std::string& target, const struct stat& status, std::string* reason) {
   if (!S_ISREG(status.st_mode)) {
     return NSRefuse(reason, S_ISDIR(status.st_mode) ? "is a folder" : "is no regular file");
@@ -243,23 +202,137 @@ std::optional<PropertyList::Bytes> NSReadFile(const std::string& path, std::stri
   return bytes;
 }
 
+// A file that has no name until it is complete, where the file system knows such files: whatever ends the process
+// before leaves nothing behind. Elsewhere one beside the target, under a temporary name.
+class NSReplacementFile::Private {
+ public:
+  bool begin(const std::string& path, std::string* reason) {
+    target_ = path.empty() ? path : NSResolvedPath(path, reason);
+    if (target_.empty() && !path.empty()) {
+      return false;
+    }
+    struct stat status;
+    const bool exists = ::stat(target_.c_str(), &status) == 0;
+    if (exists && !isReplaceable(target_, status, reason)) {
+      return false;
+    }
+    if (exists) {
+      former_ = status;
+    }
+    const std::string folder = folderOf(target_);
+    file_.emplace(::open(folder.empty() ? "." : folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0666));
+    return (file_->isOpen() || openNamed(reason)) && prepare(reason);
+  }
+
+  ~Private() {
+    if (name_) {
+      ::unlink(name_->path().c_str());
+    }
+  }
+
+  int descriptor() const { return file_->descriptor(); }
+
+  bool commit(std::string* reason) {
+    if (::fsync(descriptor()) != 0) {
+      return NSRefuseWithError(reason, "cannot finish writing");
+    }
+    if (!name_ && !linkIn() && !copyToNamed(reason)) {
+      return false;
+    }
+    if (!file_->close()) {
+      return NSRefuseWithError(reason, "cannot finish writing");
+    }
+    if (::rename(name_->path().c_str(), target_.c_str()) != 0) {
+      return NSRefuseWithError(reason, "cannot replace it");
+    }
+    name_.reset();
+    syncFolderOf(target_);
+    return true;
+  }
+
+ private:
+  bool openNamed(std::string* reason) {
+    name_.emplace(target_);
+    file_.emplace(
+        name_->firstFree([](const char* path) { return ::open(path, O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0666); }));
+    if (file_->isOpen()) {
+      return true;
+    }
+    NSRefuseWithError(reason, "cannot create a file beside it");
+    name_.reset();
+    return false;
+  }
+
+  // The permissions come first: the kernel then takes the set-id bits away, or not, as it does whenever this process
+  // writes to a file. Cutting the file counts as writing, also when no bytes follow.
+  bool prepare(std::string* reason) {
+    if (!takeOver(*file_, former_ ? &*former_ : nullptr)) {
+      return NSRefuseWithError(reason, "cannot set the permissions");
+    }
+    return ::ftruncate(descriptor(), 0) == 0 || NSRefuseWithError(reason, "cannot write");
+  }
+
+  // Gives the file without a name a temporary one.
+  bool linkIn() {
+    const std::string own = "/proc/self/fd/" + std::to_string(descriptor());
+    name_.emplace(target_);
+    const int linked = name_->firstFree(
+        [&](const char* path) { return ::linkat(AT_FDCWD, own.c_str(), AT_FDCWD, path, AT_SYMLINK_FOLLOW); });
+    if (linked != 0) {
+      name_.reset();
+    }
+    return linked == 0;
+  }
+
+  // For file systems that know files without a name and do not let them have one later.
+  bool copyToNamed(std::string* reason) {
+    File unnamed(::dup(descriptor()));
+    if (!unnamed.isOpen() || !openNamed(reason) || !prepare(reason)) {
+      return unnamed.isOpen() ? false : NSRefuseWithError(reason, "cannot finish writing");
+    }
+    std::vector<std::uint8_t> block(std::size_t{1} << 16);
+    for (std::uint64_t offset = 0;;) {
+      const std::size_t size = readUpTo(unnamed.descriptor(), offset, block);
+      if (size == 0) {
+        break;
+      }
+      if (!writeAll(descriptor(), offset, std::span(block).first(size))) {
+        return NSRefuseWithError(reason, "cannot write");
+      }
+      offset += size;
+    }
+    return ::fsync(descriptor()) == 0 || NSRefuseWithError(reason, "cannot finish writing");
+  }
+
+  std::string target_;
+  std::optional<struct stat> former_;
+  std::optional<TemporaryName> name_;
+  std::optional<File> file_;
+};
+
+NSReplacementFile::NSReplacementFile() : private_(std::make_unique<Private>()) {}
+
+NSReplacementFile::~NSReplacementFile() = default;
+
+bool NSReplacementFile::begin(const std::string& path, std::string* reason) {
+  return private_->begin(path, reason);
+}
+
+bool NSReplacementFile::write(std::uint64_t offset, std::span<const std::uint8_t> bytes, std::string* reason) {
+  return writeAll(private_->descriptor(), offset, bytes) || NSRefuseWithError(reason, "cannot write");
+}
+
+std::size_t NSReplacementFile::read(std::uint64_t offset, std::span<std::uint8_t> bytes) const {
+  return readUpTo(private_->descriptor(), offset, bytes);
+}
+
+bool NSReplacementFile::commit(std::string* reason) {
+  return private_->commit(reason);
+}
+
 bool NSWriteFile(const std::string& path, std::span<const std::uint8_t> bytes, std::string* reason) {
-  const std::string target = path.empty() ? path : NSResolvedPath(path, reason);
-  if (target.empty() && !path.empty()) {
-    return false;
-  }
-  struct stat status;
-  const bool exists = ::stat(target.c_str(), &status) == 0;
-  if (exists && !isReplaceable(target, status, reason)) {
-    return false;
-  }
-  const struct stat* const former = exists ? &status : nullptr;
-  const Written written = writeUnnamed(target, former, bytes, reason);
-  if (written == Written::No || (written == Written::NotThatWay && !writeNamed(target, former, bytes, reason))) {
-    return false;
-  }
-  syncFolderOf(target);
-  return true;
+  NSReplacementFile file;
+  return file.begin(path, reason) && file.write(0, bytes, reason) && file.commit(reason);
 }
 
 void NSRemoveUnfinishedFiles() {

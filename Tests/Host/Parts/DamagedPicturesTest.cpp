@@ -1,7 +1,12 @@
 // SPDX-License-Identifier: BSD-3-Clause
+#include "Host/Files/FileFormat.h"
 #include "Host/Files/ImageFileLoader.h"
+#include "Host/Files/PictureReading.h"
+#include "Host/Files/PictureWriting.h"
 #include "Host/Messages/Failure.h"
 #include "Platform/Sanitizer.h"
+#include "TarnCore/TCBitmap.h"
+#include "TarnCore/TCPixelFormat.h"
 #include "Tests/Support/ChildProcess.h"
 
 #include <gtest/gtest.h>
@@ -17,15 +22,12 @@ namespace {
 class DamagedPictures : public testing::TestWithParam<const char*> {
  protected:
   DamagedPictures() {
-    host::ImagePixels image;
-    image.width = 48;
-    image.height = 32;
-    host::allocatePixels(image);
+    const auto bitmap = host::newBitmap(48, 32, VortoPixelFormat::RGBA8, "a picture");
     std::uint32_t state = 1;
-    for (std::uint8_t& sample : image.samples<std::uint8_t>()) {
-      sample = static_cast<std::uint8_t>((state = state * 1664525u + 1013904223u) >> 26);
+    for (std::size_t i = 0; i < std::size_t{48} * 32 * 4; ++i) {
+      bitmap->data[i] = static_cast<std::uint8_t>((state = state * 1664525u + 1013904223u) >> 26);
     }
-    host::writeImageFile(path, std::move(image), host::Depth::Bits8);
+    host::writePicture(path, {bitmap, host::Depth::Bits8, host::Channels::RGBA, {}});
     std::ifstream file(path, std::ios::binary);
     whole.assign(std::istreambuf_iterator<char>(file), {});
   }
@@ -37,7 +39,7 @@ class DamagedPictures : public testing::TestWithParam<const char*> {
     bool read = true;
     std::string told = path;
     try {
-      host::readImageFile(path);
+      host::readPicture(path);
     } catch (const host::Failure& failure) {
       read = false;
       told = failure.what();
@@ -63,9 +65,11 @@ TEST_P(DamagedPictures, AreRefusedWhenTheyAreCutShort) {
 }
 
 TEST_P(DamagedPictures, AreRefusedWithoutAReasonToo) {
-  host::ImagePixels image;
   const std::vector<std::uint8_t> bytes(whole.begin(), whole.begin() + 9);
-  EXPECT_FALSE(host::imageFiles().read(bytes, 1 << 20, &image, nullptr));
+  bool isOtherKind = false;
+  auto& module = host::imageFileModule(*host::formatOfBytes(bytes));
+  EXPECT_FALSE(module.open({bytes, "", ""}, &isOtherKind, nullptr));
+  EXPECT_FALSE(host::generalImageFileModule().open({bytes, "", ""}, &isOtherKind, nullptr));
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats, DamagedPictures, testing::Values("png", "jpg", "tif", "exr"),
@@ -79,8 +83,12 @@ bool isReadWith(const std::string& name, std::size_t missing, std::size_t damage
   std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(stream), {}};
   bytes.resize(bytes.size() - missing);
   if (damaged > 0) std::fill_n(bytes.begin() + static_cast<std::ptrdiff_t>(damaged), 8, std::uint8_t{0});
-  host::ImagePixels image;
-  return host::imageFiles().read(bytes, 1 << 20, &image, nullptr);
+  try {
+    host::decodedPicture({bytes, "", ""}, name);
+    return true;
+  } catch (const host::Failure&) {
+    return false;
+  }
 }
 
 }  // namespace

@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Host/Files/FrameStream.h"
+
+#include "Host/Files/FileFormat.h"
+#include "Host/Messages/Failure.h"
+#include "Host/Messages/StandardOutput.h"
+#include "Host/Pixels/OutputRows.h"
+#include "TarnCore/TCBitmap.h"
+
+#include <cmath>
+#include <cstdio>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace host {
+namespace {
+
+std::span<const std::uint8_t> bytesOf(const void* data, std::size_t size) {
+  return {static_cast<const std::uint8_t*>(data), size};
+}
+
+// ITU-R BT.709-6: the shares of red and blue in luma.
+constexpr double kRed = 0.2126;
+constexpr double kBlue = 0.0722;
+
+// The planes of a frame, from rows of RGB. A sample of n bits is that of 8 bits times 2 to the n - 8.
+template <class Sample>
+std::vector<Sample> planesOf(OutputRows& rows, std::size_t width, std::size_t height) {
+  constexpr double full = static_cast<double>(static_cast<Sample>(-1));
+  constexpr double unit = sizeof(Sample) == 1 ? 1 : 256;
+  const std::size_t size = width * height;
+  std::vector<Sample> planes(3 * size);
+  const auto stored = [](double value) { return static_cast<Sample>(std::floor(value * unit + 0.5)); };
+  for (std::size_t y = 0; y < height; ++y) {
+    const auto* const row = reinterpret_cast<const Sample*>(rows.row(static_cast<std::uint32_t>(y)));
+    for (std::size_t x = 0; x < width; ++x) {
+      const double red = row[3 * x] / full;
+      const double green = row[3 * x + 1] / full;
+      const double blue = row[3 * x + 2] / full;
+      const double luma = kRed * red + (1 - kRed - kBlue) * green + kBlue * blue;
+      Sample* const out = planes.data() + y * width + x;
+      out[0] = stored(16 + 219 * luma);
+      out[size] = stored(128 + 224 * (blue - luma) / (2 * (1 - kBlue)));
+      out[2 * size] = stored(128 + 224 * (red - luma) / (2 * (1 - kRed)));
+    }
+  }
+  return planes;
+}
+
+std::string y4mHeader(std::uint32_t width, std::uint32_t height, double rate, bool isDeep) {
+  const bool isWhole = rate == std::floor(rate) && rate < 1e9;
+  const auto numerator = static_cast<unsigned long>(std::llround(isWhole ? rate : rate * 1000));
+  return "YUV4MPEG2 W" + std::to_string(width) + " H" + std::to_string(height) + " F" + std::to_string(numerator) +
+         (isWhole ? ":1" : ":1000") + " Ip A1:1 C444" + (isDeep ? "p16 XYSCSS=444P16" : "") + " XCOLORRANGE=LIMITED\n";
+}
+
+}  // namespace
+
+std::optional<FrameStreamKind> frameStreamNamed(const std::string& name) {
+  if (name == "raw") return FrameStreamKind::Raw;
+  if (name == "y4m") return FrameStreamKind::Y4M;
+  return std::nullopt;
+}
+
+void FrameStream::write(const OutputPicture& picture) {
+  if (kind_ == FrameStreamKind::Raw) return writeRaw(picture);
+  writeY4M(picture);
+}
+
+void FrameStream::writeRaw(const OutputPicture& picture) const {
+  const SampleType sample = sampleTypeOf(picture.depth);
+  OutputRows rows(*picture.bitmap, {sample, picture.channels, AlphaKind::Straight});
+  const std::size_t size = bytesPerSample(sample) * channelCount(picture.channels) * picture.bitmap->width;
+  for (std::uint32_t y = 0; y < picture.bitmap->height; ++y) printBytes(bytesOf(rows.row(y), size));
+}
+
+void FrameStream::writeY4M(const OutputPicture& picture) {
+  const VortoBitmap& bitmap = *picture.bitmap;
+  const bool isDeep = picture.depth != Depth::Bits8;
+  if (width_ == 0) {
+    width_ = bitmap.width;
+    height_ = bitmap.height;
+    printText(y4mHeader(width_, height_, rate_, isDeep));
+  }
+  if (bitmap.width != width_ || bitmap.height != height_) {
+    throw Failure(ExitCode::Output, "cannot write to the standard output: the frames of a y4m stream have one size");
+  }
+  OutputRows rows(bitmap, {isDeep ? SampleType::UInt16 : SampleType::UInt8, Channels::RGB, AlphaKind::None});
+  printText("FRAME\n");
+  if (isDeep) {
+    const auto planes = planesOf<std::uint16_t>(rows, width_, height_);
+    return printBytes(bytesOf(planes.data(), planes.size() * 2));
+  }
+  const auto planes = planesOf<std::uint8_t>(rows, width_, height_);
+  printBytes(bytesOf(planes.data(), planes.size()));
+}
+
+}  // namespace host

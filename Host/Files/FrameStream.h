@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include "Host/Files/PictureWriting.h"
+
+#include <optional>
+#include <string>
+
+namespace host {
+
+// Frames one after another on the standard output, for other programs to read.
+//   Raw   rows from the top without padding, of the picture's channels: 8 bits, 16 bits or floats in the machine's
+//   order Y4M   YUV4MPEG2 4:4:4 of 8 bits, or of 16 for deeper pictures: Y'CbCr after BT.709 in video range, over
+//   black; the
+//         frames have one size
+enum class FrameStreamKind { Raw, Y4M };
+std::optional<FrameStreamKind> frameStreamNamed(const std::string& name);  // "raw", "y4m"
+
+class FrameStream {
+ public:
+  FrameStream(FrameStreamKind kind, double rate) : kind_(kind), rate_(rate) {}
+  void write(const OutputPicture& picture);  // throws Failure when frames differ in size
+
+ private:
+  void writeRaw(const OutputPicture& picture) const;
+  void writeY4M(const OutputPicture& picture);
+
+  FrameStreamKind kind_;
+  double rate_;
+  std::uint32_t width_ = 0;
+  std::uint32_t height_ = 0;
+};
+
+}  // namespace host

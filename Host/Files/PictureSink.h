@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include "Host/Files/FrameFiles.h"
+#include "Host/Files/FrameStream.h"
+#include "Host/Files/PictureWriting.h"
+
+#include <optional>
+#include <string>
+
+namespace host {
+
+// Where the pictures of a run go: one file, a file for each frame, or the standard output ("-"), one after another
+// there.
+class PictureSink {
+ public:
+  // `format` is an extension, needed for the standard output, where "y4m" and "raw" are streams of frames for pipes.
+  // Throws Failure when no such file could be written.
+  PictureSink(const std::string& output, const std::string& format, const WriteSettings& settings, double rate,
+              bool isVerbose);
+  void write(const OutputPicture& picture, std::uint32_t frame);  // throws Failure
+
+ private:
+  void print(const OutputPicture& picture);
+  void tellOfLosses(const OutputPicture& picture);
+
+  const std::string output_;
+  const std::optional<FramePattern> pattern_;
+  const WriteSettings settings_;
+  bool isVerbose_;
+  std::optional<FrameStream> stream_;
+  FileFormat format_ = FileFormat::Png;
+};
+
+}  // namespace host

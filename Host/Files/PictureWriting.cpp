@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Host/Files/PictureWriting.h"
+
+#include "Host/Files/FileFormat.h"
+#include "Host/Files/ImageFileLoader.h"
+#include "Host/Files/OutputFile.h"
+#include "Host/Messages/Failure.h"
+#include "Host/Messages/StandardOutput.h"
+#include "Host/Pixels/Alpha.h"
+#include "Host/Pixels/OutputRows.h"
+#include "TarnCore/TCBitmap.h"
+
+#include <algorithm>
+
+namespace host {
+namespace {
+
+Channels channelsOf(bool isGray, bool hasAlpha) {
+  if (isGray) return hasAlpha ? Channels::GrayAlpha : Channels::Gray;
+  return hasAlpha ? Channels::RGBA : Channels::RGB;
+}
+
+Channels heldChannels(const FormatTraits& traits, Channels wanted) {
+  return channelsOf(isGray(wanted) && traits.holdsGray, hasAlpha(wanted) && traits.alpha != AlphaKind::None);
+}
+
+WriteRequest requestFor(FileFormat format, const OutputPicture& picture, const WriteSettings& settings) {
+  const FormatTraits& traits = traitsOf(format);
+  WriteRequest request;
+  request.format = format;
+  request.width = picture.bitmap->width;
+  request.height = picture.bitmap->height;
+  request.channels = heldChannels(traits, picture.channels);
+  request.depth = storedDepth(format, picture.depth);
+  request.sample = sampleTypeOf(request.depth);
+  request.alpha = hasAlpha(request.channels) ? traits.alpha : AlphaKind::None;
+  request.metadata = &picture.metadata;
+  request.settings = settings;
+  return request;
+}
+
+bool encode(FileFormat format, const OutputPicture& picture, const WriteSettings& settings, OutputBytes& output,
+            std::string* reason) {
+  const WriteRequest request = requestFor(format, picture, settings);
+  OutputRows rows(*picture.bitmap, {request.sample, request.channels, request.alpha});
+  return imageFileModule(format).write(request, rows, output, reason);
+}
+
+bool holdsColorTag(FileFormat format, const ColorTag& color) {
+  switch (format) {
+    case FileFormat::Png:
+      return true;
+    case FileFormat::Exr:
+      return color.iccProfile.empty();
+    case FileFormat::Jpeg:
+    case FileFormat::Tiff:
+    case FileFormat::WebP:
+      return !color.iccProfile.empty() || color == ColorTag();
+    default:
+      return color == ColorTag();
+  }
+}
+
+}  // namespace
+
+std::optional<Channels> parsedChannels(const std::string& text) {
+  if (text.empty() || text == "auto") return std::nullopt;
+  if (text == "gray") return Channels::Gray;
+  if (text == "gray+alpha") return Channels::GrayAlpha;
+  if (text == "rgb") return Channels::RGB;
+  if (text == "rgba") return Channels::RGBA;
+  throw Failure(ExitCode::Usage, "--channels " + text + ": give auto, gray, gray+alpha, rgb or rgba");
+}
+
+Channels keptChannels(const VortoBitmap& result, Channels ofInputs) {
+  return channelsOf(isGray(ofInputs) && isGray(result), hasAlpha(ofInputs) || !isOpaque(result));
+}
+
+void writePicture(const std::string& path, FileFormat format, const OutputPicture& picture,
+                  const WriteSettings& settings) {
+  OutputFile file(path);
+  std::string reason;
+  if (!encode(format, picture, settings, file, &reason)) {
+    throw Failure(ExitCode::Output, "cannot write " + path + ": " + (file.fault().empty() ? reason : file.fault()));
+  }
+  file.commit();
+}
+
+void writePicture(const std::string& path, const OutputPicture& picture) {
+  writePicture(path, fileFormatOf(path), picture, {});
+}
+
+void printPicture(FileFormat format, const OutputPicture& picture, const WriteSettings& settings) {
+  OutputBuffer buffer;
+  std::string reason;
+  if (!encode(format, picture, settings, buffer, &reason)) {
+    throw Failure(ExitCode::Output, "cannot write to the standard output: " + reason);
+  }
+  printBytes(buffer.bytes());
+}
+
+std::vector<std::string> lostMetadata(FileFormat format, const FileMetadata& metadata) {
+  using enum FileFormat;
+  const auto isOneOf = [format](std::initializer_list<FileFormat> formats) {
+    return std::ranges::find(formats, format) != formats.end();
+  };
+  std::vector<std::string> lost;
+  if (!holdsColorTag(format, metadata.color)) lost.emplace_back("the color space");
+  if (!metadata.exif.empty() && !isOneOf({Png, Jpeg, Tiff, WebP})) lost.emplace_back("Exif");
+  if (metadata.resolution && !isOneOf({Png, Jpeg, Tiff, Exr})) lost.emplace_back("the resolution");
+  if (metadata.pixelAspect && !isOneOf({Png, Jpeg, Tiff, Exr, Dpx})) lost.emplace_back("the pixel aspect ratio");
+  if (metadata.frameRate && !isOneOf({Exr, Dpx})) lost.emplace_back("the frame rate");
+  if (metadata.timeCode && !isOneOf({Exr, Dpx})) lost.emplace_back("the time code");
+  if (format == Exr) return lost;
+  for (const HeaderAttribute& attribute : metadata.attributes) lost.push_back("the attribute " + attribute.name);
+  return lost;
+}
+
+}  // namespace host

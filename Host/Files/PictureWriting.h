@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include "Host/ImageFiles/ImageFileModule.h"
+#include "Host/Pixels/Bitmaps.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace host {
+
+// A picture that is ready to be written: premultiplied, in a layout that flows between patches.
+struct OutputPicture {
+  BitmapRef bitmap;
+  Depth depth = Depth::Bits8;  // that it was rendered at; what a format cannot hold goes in the next that it can
+  Channels channels = Channels::RGBA;  // that it is to have; a format that holds fewer has fewer
+  FileMetadata metadata;               // what the format cannot hold is left out
+};
+
+// "gray", "gray+alpha", "rgb", "rgba"; nothing for an empty text and "auto". Throws Failure for any other.
+std::optional<Channels> parsedChannels(const std::string& text);
+
+// The fewest channels that hold a result whose inputs had those: gray where they were gray and it is, without alpha
+// where they had none and it is opaque.
+Channels keptChannels(const VortoBitmap& result, Channels ofInputs);
+
+// A file, replaced only once the new one is complete. Throws Failure naming it and the cause.
+void writePicture(const std::string& path, FileFormat format, const OutputPicture& picture,
+                  const WriteSettings& settings);
+// In the format that the extension says, with its usual settings.
+void writePicture(const std::string& path, const OutputPicture& picture);
+
+// The same to the standard output.
+void printPicture(FileFormat format, const OutputPicture& picture, const WriteSettings& settings);
+
+// What a file of the format does not keep of what the picture's metadata say: "the time code", ...
+std::vector<std::string> lostMetadata(FileFormat format, const FileMetadata& metadata);
+
+}  // namespace host

@@ -1,0 +1,438 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Host/ImageFiles/Exif.h"
+
+#include "Host/ImageFiles/FileBytes.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstring>
+#include <tuple>
+
+namespace host {
+namespace {
+
+constexpr std::size_t kHeaderSize = 8;
+constexpr std::size_t kEntrySize = 12;
+constexpr std::size_t kInlineSize = 4;  // values of no more bytes stand in their entry
+
+constexpr std::uint16_t kOrientationTag = 0x0112;
+
+// The entry that says where a directory lies, and the directory that it stands in.
+struct Pointer {
+  ExifDirectory from;
+  std::uint16_t tag;
+  ExifDirectory to;
+};
+constexpr std::array<Pointer, 3> kPointers{{{ExifDirectory::Image, 0x8769, ExifDirectory::Photo},
+                                            {ExifDirectory::Image, 0x8825, ExifDirectory::Gps},
+                                            {ExifDirectory::Photo, 0xA005, ExifDirectory::Interoperability}}};
+
+const Pointer* pointerAt(ExifDirectory directory, std::uint16_t tag) {
+  for (const Pointer& pointer : kPointers) {
+    if (pointer.from == directory && pointer.tag == tag) return &pointer;
+  }
+  return nullptr;
+}
+
+// A rational's two numbers turn on their own.
+std::size_t wordSize(ExifType type) {
+  return type == ExifType::Rational || type == ExifType::SignedRational ? 4 : exifTypeSize(type);
+}
+
+// Between the block's byte order and the machine's, both ways.
+void turnValues(std::span<std::uint8_t> bytes, ExifType type, bool isBigEndian) {
+  if (isBigEndian == (std::endian::native == std::endian::big)) return;
+  const std::size_t size = wordSize(type);
+  for (std::size_t at = 0; at + size <= bytes.size(); at += size) {
+    std::reverse(bytes.begin() + static_cast<std::ptrdiff_t>(at),
+                 bytes.begin() + static_cast<std::ptrdiff_t>(at + size));
+  }
+}
+
+struct Range {
+  std::uint64_t offset = 0;
+  std::uint64_t size = 0;
+  std::uint64_t end() const { return offset + size; }
+};
+
+// An entry as it lies in a block.
+struct Field {
+  std::uint16_t tag = 0;
+  ExifType type = ExifType::Undefined;
+  Range value;
+};
+
+struct Directory {
+  std::vector<Field> fields;  // of known types
+  Range range;
+  std::uint64_t next = 0;  // where the next of the chain lies; 0: nowhere
+};
+
+class BlockReader {
+ public:
+  explicit BlockReader(std::span<const std::uint8_t> block)
+      : isBigEndian_(!block.empty() && block[0] == 'M'), bytes_(block, isBigEndian_) {}
+
+  bool isBigEndian() const { return isBigEndian_; }
+  bool isWhole() const { return bytes_.isWhole(); }
+  std::uint64_t size() const { return bytes_.size(); }
+  std::uint64_t number(std::uint64_t offset, unsigned size) { return bytes_.number(offset, size); }
+
+  void require(const Range& range) { bytes_.range(range.offset, range.size); }
+
+  // In the machine's byte order; empty when it is not all inside.
+  Bytes value(const Field& field) {
+    const auto stored = bytes_.range(field.value.offset, field.value.size);
+    Bytes value(stored.begin(), stored.end());
+    turnValues(value, field.type, isBigEndian_);
+    return value;
+  }
+
+  // Where the first directory lies; nothing when this is no such block.
+  std::optional<std::uint64_t> firstDirectory() {
+    const std::uint8_t mark = isBigEndian_ ? 'M' : 'I';
+    if (number(0, 1) != mark || number(1, 1) != mark || number(2, 2) != 42) return std::nullopt;
+    return number(4, 4);
+  }
+
+  Directory directory(std::uint64_t at) {
+    Directory directory;
+    const std::uint64_t count = number(at, 2);
+    directory.range = {at, 2 + count * kEntrySize + 4};
+    if (bytes_.range(at, directory.range.size).empty()) return directory;
+    for (std::uint64_t i = 0; i < count; ++i) addField(at + 2 + i * kEntrySize, &directory.fields);
+    directory.next = number(directory.range.end() - 4, 4);
+    return directory;
+  }
+
+ private:
+  void addField(std::uint64_t at, std::vector<Field>* fields) {
+    Field field;
+    field.tag = static_cast<std::uint16_t>(number(at, 2));
+    field.type = static_cast<ExifType>(number(at + 2, 2));
+    if (exifTypeSize(field.type) == 0) return;
+    field.value.size = number(at + 4, 4) * exifTypeSize(field.type);
+    field.value.offset = field.value.size <= kInlineSize ? at + 8 : number(at + 8, 4);
+    fields->push_back(field);
+  }
+
+  bool isBigEndian_;
+  FileBytes bytes_;
+};
+
+// The directories that are kept, and what of the block belongs to them.
+class Layout {
+ public:
+  explicit Layout(std::span<const std::uint8_t> block) : reader_(block) {}
+
+  // False for a block that is damaged.
+  bool read() {
+    const auto first = reader_.firstDirectory();
+    if (!first) return false;
+    used_.push_back({0, kHeaderSize});
+    add(ExifDirectory::Image, *first);
+    thumbnailDirectory_ = directories_[0].next;
+    for (const Pointer& pointer : kPointers) {
+      if (const auto at = place(pointer)) add(pointer.to, *at);
+    }
+    return reader_.isWhole() && !hasCircle_ && valueBytes_ <= reader_.size();
+  }
+
+  BlockReader& reader() { return reader_; }
+  const Directory& directory(ExifDirectory which) const { return directories_[static_cast<std::size_t>(which)]; }
+  const std::vector<Range>& used() const { return used_; }
+  std::uint64_t thumbnailDirectory() const { return thumbnailDirectory_; }  // 0: there is none
+
+ private:
+  std::optional<std::uint64_t> place(const Pointer& pointer) {
+    for (const Field& field : directory(pointer.from).fields) {
+      if (field.tag == pointer.tag && field.value.size == kInlineSize) return reader_.number(field.value.offset, 4);
+    }
+    return std::nullopt;
+  }
+
+  void add(ExifDirectory which, std::uint64_t at) {
+    for (const Directory& other : directories_) hasCircle_ |= other.range.size > 0 && other.range.offset == at;
+    Directory& directory = directories_[static_cast<std::size_t>(which)];
+    directory = reader_.directory(at);
+    used_.push_back(directory.range);
+    for (const Field& field : directory.fields) {
+      valueBytes_ += field.value.size;
+      if (field.value.size > kInlineSize) used_.push_back(field.value);
+      reader_.require(field.value);
+    }
+  }
+
+  BlockReader reader_;
+  std::array<Directory, 4> directories_;
+  std::vector<Range> used_;
+  std::uint64_t valueBytes_ = 0;
+  std::uint64_t thumbnailDirectory_ = 0;
+  bool hasCircle_ = false;
+};
+
+int validOrientation(std::uint64_t value) {
+  return value >= 1 && value <= 8 ? static_cast<int>(value) : 1;
+}
+
+const Field* orientationField(const Directory& image) {
+  for (const Field& field : image.fields) {
+    const bool isNumber = field.type == ExifType::Short || field.type == ExifType::Long || field.type == ExifType::Byte;
+    if (field.tag == kOrientationTag && isNumber && field.value.size == exifTypeSize(field.type)) return &field;
+  }
+  return nullptr;
+}
+
+template <class Number>
+double firstAs(const Bytes& value) {
+  Number number;
+  std::memcpy(&number, value.data(), sizeof number);
+  return static_cast<double>(number);
+}
+
+template <class Number>
+double firstRatio(const Bytes& value) {
+  Number numbers[2];
+  std::memcpy(numbers, value.data(), sizeof numbers);
+  return static_cast<double>(numbers[0]) / static_cast<double>(numbers[1]);
+}
+
+// What only the thumbnail takes: its directory and its samples, as far as they are inside.
+std::vector<Range> thumbnailRanges(BlockReader& reader, std::uint64_t at) {
+  constexpr std::array<std::array<std::uint16_t, 2>, 2> kPlaceAndSize{{{0x0201, 0x0202}, {0x0111, 0x0117}}};
+  if (at == 0) return {};
+  const Directory thumbnail = reader.directory(at);
+  std::vector<Range> ranges{thumbnail.range};
+  for (const auto& [placeTag, sizeTag] : kPlaceAndSize) {
+    Range samples;
+    for (const Field& field : thumbnail.fields) {
+      if (field.value.size > kInlineSize) continue;
+      const auto value = reader.number(field.value.offset, static_cast<unsigned>(exifTypeSize(field.type)));
+      if (field.tag == placeTag) samples.offset = value;
+      if (field.tag == sizeTag) samples.size = value;
+    }
+    ranges.push_back(samples);
+  }
+  std::erase_if(ranges, [&](const Range& range) {
+    return range.offset > reader.size() || range.size > reader.size() - range.offset;
+  });
+  return ranges;
+}
+
+bool isBefore(const ExifEntry& left, const ExifEntry& right) {
+  return std::tie(left.directory, left.tag) < std::tie(right.directory, right.tag);
+}
+
+// Lays the directories out: each with the values behind it that do not fit into its entries.
+class BlockWriter {
+ public:
+  explicit BlockWriter(bool isBigEndian) : isBigEndian_(isBigEndian) {
+    block_ = isBigEndian ? Bytes{'M', 'M'} : Bytes{'I', 'I'};
+    append(42, 2);
+    append(kHeaderSize, 4);
+  }
+
+  void add(ExifDirectory which, std::vector<ExifEntry> entries) {
+    const std::size_t start = block_.size();
+    append(entries.size(), 2);
+    block_.resize(start + 2 + entries.size() * kEntrySize + 4);
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+      ExifEntry& entry = entries[i];
+      const std::size_t at = start + 2 + i * kEntrySize;
+      put(at, entry.tag, 2);
+      put(at + 2, static_cast<std::uint64_t>(entry.type), 2);
+      put(at + 4, entry.count(), 4);
+      if (pointerAt(which, entry.tag) != nullptr) {
+        pointers_.push_back({entry.tag, at + 8});
+        continue;
+      }
+      turnValues(entry.value, entry.type, isBigEndian_);
+      if (entry.value.size() <= kInlineSize) {
+        std::copy(entry.value.begin(), entry.value.end(), block_.begin() + static_cast<std::ptrdiff_t>(at + 8));
+      } else {
+        put(at + 8, block_.size(), 4);
+        block_.insert(block_.end(), entry.value.begin(), entry.value.end());
+        if (block_.size() % 2 != 0) block_.push_back(0);  // values start at even places
+      }
+    }
+  }
+
+  // The next directory that is added is the one that this entry points to.
+  void pointHere(std::uint16_t tag) {
+    for (const auto& [pointer, at] : pointers_) {
+      if (pointer == tag) put(at, block_.size(), 4);
+    }
+  }
+
+  Bytes take() { return std::move(block_); }
+
+ private:
+  void put(std::size_t at, std::uint64_t value, unsigned size) {
+    for (unsigned i = 0; i < size; ++i) {
+      const unsigned significance = isBigEndian_ ? size - 1 - i : i;
+      block_[at + i] = static_cast<std::uint8_t>(value >> (8 * significance));
+    }
+  }
+  void append(std::uint64_t value, unsigned size) {
+    block_.resize(block_.size() + size);
+    put(block_.size() - size, value, size);
+  }
+
+  bool isBigEndian_;
+  Bytes block_;
+  std::vector<std::pair<std::uint16_t, std::size_t>> pointers_;
+};
+
+}  // namespace
+
+std::size_t exifTypeSize(ExifType type) {
+  constexpr std::size_t kSizes[] = {0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8, 4, 8};
+  const auto number = static_cast<std::size_t>(type);
+  return number < std::size(kSizes) ? kSizes[number] : 0;
+}
+
+std::optional<ExifBlock> ExifBlock::parse(std::span<const std::uint8_t> bytes) {
+  Layout layout(bytes);
+  if (!layout.read()) return std::nullopt;
+  ExifBlock block;
+  block.isBigEndian_ = layout.reader().isBigEndian();
+  for (const ExifDirectory which :
+       {ExifDirectory::Image, ExifDirectory::Photo, ExifDirectory::Gps, ExifDirectory::Interoperability}) {
+    for (const Field& field : layout.directory(which).fields) {
+      if (pointerAt(which, field.tag) == nullptr) {
+        block.entries_.push_back({which, field.tag, field.type, layout.reader().value(field)});
+      }
+    }
+  }
+  std::stable_sort(block.entries_.begin(), block.entries_.end(), isBefore);
+  const auto isSame = [](const ExifEntry& a, const ExifEntry& b) {
+    return a.directory == b.directory && a.tag == b.tag;
+  };
+  block.entries_.erase(std::unique(block.entries_.begin(), block.entries_.end(), isSame), block.entries_.end());
+  return block;
+}
+
+const ExifEntry* ExifBlock::find(ExifDirectory directory, std::uint16_t tag) const {
+  for (const ExifEntry& entry : entries_) {
+    if (entry.directory == directory && entry.tag == tag) return &entry;
+  }
+  return nullptr;
+}
+
+std::optional<double> ExifBlock::number(ExifDirectory directory, std::uint16_t tag) const {
+  const ExifEntry* entry = find(directory, tag);
+  if (entry == nullptr || entry->count() == 0) return std::nullopt;
+  switch (entry->type) {
+    case ExifType::Byte:
+      return firstAs<std::uint8_t>(entry->value);
+    case ExifType::SignedByte:
+      return firstAs<std::int8_t>(entry->value);
+    case ExifType::Short:
+      return firstAs<std::uint16_t>(entry->value);
+    case ExifType::SignedShort:
+      return firstAs<std::int16_t>(entry->value);
+    case ExifType::Long:
+      return firstAs<std::uint32_t>(entry->value);
+    case ExifType::SignedLong:
+      return firstAs<std::int32_t>(entry->value);
+    case ExifType::Float:
+      return firstAs<float>(entry->value);
+    case ExifType::Double:
+      return firstAs<double>(entry->value);
+    case ExifType::Rational:
+      return firstRatio<std::uint32_t>(entry->value);
+    case ExifType::SignedRational:
+      return firstRatio<std::int32_t>(entry->value);
+    case ExifType::Ascii:
+    case ExifType::Undefined:
+      break;
+  }
+  return std::nullopt;
+}
+
+void ExifBlock::set(ExifEntry entry) {
+  const std::size_t size = exifTypeSize(entry.type);
+  if (size == 0 || entry.value.size() % size != 0 || pointerAt(entry.directory, entry.tag) != nullptr) return;
+  const auto at = std::lower_bound(entries_.begin(), entries_.end(), entry, isBefore);
+  if (at != entries_.end() && at->directory == entry.directory && at->tag == entry.tag) {
+    *at = std::move(entry);
+  } else {
+    entries_.insert(at, std::move(entry));
+  }
+}
+
+void ExifBlock::remove(ExifDirectory directory, std::uint16_t tag) {
+  std::erase_if(entries_, [&](const ExifEntry& entry) { return entry.directory == directory && entry.tag == tag; });
+}
+
+int ExifBlock::orientation() const {
+  const double value = number(ExifDirectory::Image, kOrientationTag).value_or(1);
+  return value >= 1 && value <= 8 ? static_cast<int>(value) : 1;
+}
+
+void ExifBlock::setOrientation(int orientation) {
+  const auto value = static_cast<std::uint16_t>(orientation);
+  ExifEntry entry{ExifDirectory::Image, kOrientationTag, ExifType::Short, Bytes(sizeof value)};
+  std::memcpy(entry.value.data(), &value, sizeof value);
+  set(std::move(entry));
+}
+
+Bytes ExifBlock::serialized() const {
+  if (entries_.empty()) return {};
+  std::array<std::vector<ExifEntry>, 4> directories;
+  for (const ExifEntry& entry : entries_) directories[static_cast<std::size_t>(entry.directory)].push_back(entry);
+  // From the last, since the one that points may be there for that alone.
+  for (auto pointer = kPointers.rbegin(); pointer != kPointers.rend(); ++pointer) {
+    if (directories[static_cast<std::size_t>(pointer->to)].empty()) continue;
+    auto& from = directories[static_cast<std::size_t>(pointer->from)];
+    ExifEntry entry{pointer->from, pointer->tag, ExifType::Long, Bytes(kInlineSize)};
+    from.insert(std::lower_bound(from.begin(), from.end(), entry, isBefore), std::move(entry));
+  }
+  BlockWriter writer(isBigEndian_);
+  writer.add(ExifDirectory::Image, std::move(directories[0]));
+  for (const Pointer& pointer : kPointers) {
+    auto& entries = directories[static_cast<std::size_t>(pointer.to)];
+    if (entries.empty()) continue;
+    writer.pointHere(pointer.tag);
+    writer.add(pointer.to, std::move(entries));
+  }
+  return writer.take();
+}
+
+int exifOrientation(std::span<const std::uint8_t> block) {
+  BlockReader reader(block);
+  const auto first = reader.firstDirectory();
+  if (!first) return 1;
+  const Directory image = reader.directory(*first);
+  const Field* field = orientationField(image);
+  if (field == nullptr) return 1;
+  return validOrientation(reader.number(field->value.offset, static_cast<unsigned>(field->value.size)));
+}
+
+Bytes uprightExif(std::span<const std::uint8_t> block) {
+  Layout layout(block);
+  if (!layout.read()) return {};
+  Bytes upright(block.begin(), block.end());
+  const auto at = [&](std::uint64_t offset) { return upright.begin() + static_cast<std::ptrdiff_t>(offset); };
+  for (const Range& range : thumbnailRanges(layout.reader(), layout.thumbnailDirectory())) {
+    std::fill(at(range.offset), at(range.end()), std::uint8_t{0});
+  }
+  std::uint64_t end = 0;
+  for (const Range& range : layout.used()) {
+    std::copy_n(block.begin() + static_cast<std::ptrdiff_t>(range.offset), range.size, at(range.offset));
+    end = std::max(end, range.end());
+  }
+  while (upright.size() > end && upright.back() == 0) upright.pop_back();
+
+  const Directory& image = layout.directory(ExifDirectory::Image);
+  std::fill_n(at(image.range.end() - 4), 4, std::uint8_t{0});
+  if (const Field* field = orientationField(image)) {
+    const auto first = at(field->value.offset);
+    std::fill_n(first, field->value.size, std::uint8_t{0});
+    *(layout.reader().isBigEndian() ? first + static_cast<std::ptrdiff_t>(field->value.size) - 1 : first) = 1;
+  }
+  return upright;
+}
+
+}  // namespace host

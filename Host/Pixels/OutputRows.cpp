@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Host/Pixels/OutputRows.h"
+
+#include "Host/Pixels/Alpha.h"
+#include "TarnCore/TCBitmap.h"
+#include "TarnCore/TCPixelLayout.h"
+
+#include <cstring>
+#include <limits>
+#include <type_traits>
+
+namespace host {
+namespace {
+
+template <class Sample>
+constexpr std::uint32_t kFull = std::numeric_limits<Sample>::max();
+
+template <class To, class From>
+To convertedSample(From value) {
+  if constexpr (std::is_same_v<To, float>) {
+    return static_cast<float>(value) / static_cast<float>(kFull<From>);
+  } else if constexpr (std::is_same_v<From, float>) {
+    const float positive = value > 0.0f ? value : 0.0f;  // NaN is 0
+    const double limited = positive < 1.0f ? positive : 1.0f;
+    return static_cast<To>(static_cast<std::int32_t>(limited * kFull<To> + 0.5));
+  } else if constexpr (sizeof(To) > sizeof(From)) {
+    return static_cast<To>(value * 257u);
+  } else {
+    return static_cast<To>((value + 128u) / 257u);
+  }
+}
+
+template <class From, class To>
+void convertRow(const std::byte* source, std::size_t samples, std::vector<std::byte>* target) {
+  target->resize(samples * sizeof(To));
+  const auto* const from = reinterpret_cast<const From*>(source);
+  auto* const to = reinterpret_cast<To*>(target->data());
+  for (std::size_t i = 0; i < samples; ++i) to[i] = convertedSample<To>(from[i]);
+}
+
+template <class From>
+void convertRowTo(SampleType sample, const std::byte* source, std::size_t samples, std::vector<std::byte>* target) {
+  switch (sample) {
+    case SampleType::UInt8:
+      if constexpr (!std::is_same_v<From, std::uint8_t>) convertRow<From, std::uint8_t>(source, samples, target);
+      break;
+    case SampleType::UInt16:
+      if constexpr (!std::is_same_v<From, std::uint16_t>) convertRow<From, std::uint16_t>(source, samples, target);
+      break;
+    case SampleType::Float:
+      if constexpr (!std::is_same_v<From, float>) convertRow<From, float>(source, samples, target);
+      break;
+  }
+}
+
+void moveAlphaToTheEnd(const std::byte* source, std::size_t pixels, std::vector<std::byte>* target) {
+  target->resize(4 * pixels);
+  for (std::size_t i = 0; i < 4 * pixels; i += 4) {
+    for (std::size_t c = 0; c < 4; ++c) (*target)[i + c] = source[i + (c + 1) % 4];
+  }
+}
+
+template <class Sample>
+void packRow(const Sample* from, std::size_t pixels, Channels channels, Sample* to) {
+  switch (channels) {
+    case Channels::Gray:
+      for (std::size_t i = 0; i < pixels; ++i) to[i] = from[4 * i];
+      break;
+    case Channels::GrayAlpha:
+      for (std::size_t i = 0; i < pixels; ++i) {
+        to[2 * i] = from[4 * i];
+        to[2 * i + 1] = from[4 * i + 3];
+      }
+      break;
+    case Channels::RGB:
+      for (std::size_t i = 0; i < pixels; ++i) {
+        for (std::size_t c = 0; c < 3; ++c) to[3 * i + c] = from[4 * i + c];
+      }
+      break;
+    case Channels::RGBA:
+      std::memcpy(to, from, 4 * pixels * sizeof(Sample));
+      break;
+  }
+}
+
+SampleType sampleTypeOf(const VortoBitmap& bitmap) {
+  switch (TCPixelLayoutOf(bitmap.formatCode).number) {
+    case VortoPixelLayout::Number::Word:
+      return SampleType::UInt16;
+    case VortoPixelLayout::Number::Float:
+      return SampleType::Float;
+    default:
+      return SampleType::UInt8;
+  }
+}
+
+}  // namespace
+
+OutputRows::OutputRows(const VortoBitmap& bitmap, const RowKind& kind) : bitmap_(bitmap), kind_(kind) {}
+
+const std::byte* OutputRows::row(std::uint32_t y) {
+  const auto* row = reinterpret_cast<const std::byte*>(bitmap_.data) + y * bytesPerRow(bitmap_);
+  if (bitmap_.formatCode == VortoPixelFormat::ARGB8) {
+    moveAlphaToTheEnd(row, bitmap_.width, &ordered_);
+    row = ordered_.data();
+  }
+  const SampleType stored = sampleTypeOf(bitmap_);
+  if (stored != kind_.sample) {
+    const std::size_t samples = std::size_t{4} * bitmap_.width;
+    if (stored == SampleType::UInt8) convertRowTo<std::uint8_t>(kind_.sample, row, samples, &converted_);
+    if (stored == SampleType::UInt16) convertRowTo<std::uint16_t>(kind_.sample, row, samples, &converted_);
+    if (stored == SampleType::Float) convertRowTo<float>(kind_.sample, row, samples, &converted_);
+    row = converted_.data();
+  }
+  switch (kind_.sample) {
+    case SampleType::UInt8:
+      return finished<std::uint8_t>(row);
+    case SampleType::UInt16:
+      return finished<std::uint16_t>(row);
+    case SampleType::Float:
+      break;
+  }
+  return finished<float>(row);
+}
+
+template <class Sample>
+const std::byte* OutputRows::finished(const std::byte* row) {
+  const std::size_t pixels = bitmap_.width;
+  if (kind_.alpha == AlphaKind::Straight && !isOpaqueRow(reinterpret_cast<const Sample*>(row), pixels)) {
+    straight_.assign(row, row + 4 * pixels * sizeof(Sample));
+    unpremultiplyRow(reinterpret_cast<Sample*>(straight_.data()), pixels);
+    row = straight_.data();
+  }
+  if (kind_.channels == Channels::RGBA) return row;
+  packed_.resize(channelCount(kind_.channels) * pixels * sizeof(Sample));
+  packRow(reinterpret_cast<const Sample*>(row), pixels, kind_.channels, reinterpret_cast<Sample*>(packed_.data()));
+  return packed_.data();
+}
+
+}  // namespace host
