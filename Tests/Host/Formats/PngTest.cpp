@@ -250,3 +250,130 @@ TEST(Png, DamageIsHarmlessAndFoundWhereverItIs) {
     }
   }
 }
+
+namespace {
+
+// Photographs leave small differences, drawings repeat themselves.
+enum class Content { Noise, Smooth, Flat, Repeating };
+
+template <class Sample>
+std::vector<Sample> samplesOf(const host::WriteRequest& request, Content content) {
+  std::mt19937 random(5);
+  std::vector<Sample> samples(std::size_t{request.width} * request.height * host::channelCount(request.channels));
+  for (std::size_t i = 0; i < samples.size(); ++i) {
+    const std::uint32_t value = content == Content::Noise    ? random()
+                                : content == Content::Smooth ? static_cast<std::uint32_t>(i / 3 + random() % 4)
+                                : content == Content::Flat   ? 77
+                                                             : static_cast<std::uint32_t>(i % 1000 * (i % 1000));
+    samples[i] = static_cast<Sample>(value);
+  }
+  return samples;
+}
+
+// The samples of a picture in memory, as those of a file with these channels.
+template <class Sample>
+std::vector<Sample> storedSamples(const ReadPicture& picture, host::Channels channels) {
+  const auto pixels = picture.samples<Sample>();
+  std::vector<Sample> samples;
+  for (std::size_t i = 0; i < pixels.size(); i += 4) {
+    const std::size_t colors = host::isGray(channels) ? 1 : 3;
+    samples.insert(samples.end(), &pixels[i], &pixels[i] + colors);
+    if (host::hasAlpha(channels)) samples.push_back(pixels[i + 3]);
+  }
+  return samples;
+}
+
+template <class Sample>
+void expectRoundTrip(host::WriteRequest request, Content content) {
+  request.sample = sizeof(Sample) == 1 ? host::SampleType::UInt8 : host::SampleType::UInt16;
+  request.depth = sizeof(Sample) == 1 ? host::Depth::Bits8 : host::Depth::Bits16;
+  request.alpha = host::hasAlpha(request.channels) ? host::AlphaKind::Straight : host::AlphaKind::None;
+  const auto samples = samplesOf<Sample>(request, content);
+  const WrittenPicture written = writePicture(png(), request, samples);
+  ASSERT_TRUE(written.isWritten) << written.reason;
+  const std::string what = std::to_string(request.width) + " x " + std::to_string(request.height) + " channels " +
+                           std::to_string(host::channelCount(request.channels)) + " level " +
+                           std::to_string(request.settings.level) + request.settings.compression;
+  const ReadPicture picture = readPicture(png(), written.file);
+  EXPECT_EQ(picture.info.channels, request.channels) << what;
+  EXPECT_TRUE(storedSamples<Sample>(picture, request.channels) == samples) << what;
+  expectSamePicture(picture, readByOracle(written.file, "png"), what);
+  EXPECT_EQ(writePicture(png(), request, samples).file, written.file) << "equal pictures make equal files, " << what;
+}
+
+}  // namespace
+
+TEST(Png, WhatIsWrittenIsReadAgain) {
+  for (const Content content : {Content::Noise, Content::Smooth, Content::Flat, Content::Repeating}) {
+    for (const auto channels :
+         {host::Channels::Gray, host::Channels::GrayAlpha, host::Channels::RGB, host::Channels::RGBA}) {
+      for (const auto& [width, height] : std::vector<std::pair<std::uint32_t, std::uint32_t>>{
+               {1, 1}, {5, 3}, {301, 211}, {2, 9000}}) {  // one row, several blocks, more than distances reach back
+        host::WriteRequest request;
+        request.channels = channels;
+        request.width = width;
+        request.height = height;
+        expectRoundTrip<std::uint8_t>(request, content);
+        expectRoundTrip<std::uint16_t>(request, content);
+        if (width != 301) continue;
+        for (const int level : {0, 1, 12}) {
+          request.settings.level = level;
+          expectRoundTrip<std::uint8_t>(request, content);
+        }
+        request.settings = {-1, "none", 3};
+        expectRoundTrip<std::uint16_t>(request, content);
+      }
+    }
+  }
+}
+
+TEST(Png, WhatTheFormatCannotHoldIsRefused) {
+  host::WriteRequest request;
+  request.width = request.height = 2;
+  request.alpha = host::AlphaKind::Straight;
+  const std::vector<std::uint8_t> samples(64);
+  ASSERT_TRUE(writePicture(png(), request, samples).isWritten);
+  const std::vector<std::function<void(host::WriteRequest*)>> faults{
+      [](host::WriteRequest* r) { r->sample = host::SampleType::Float; },
+      [](host::WriteRequest* r) { r->alpha = host::AlphaKind::Premultiplied; },
+      [](host::WriteRequest* r) { r->width = 0; }, [](host::WriteRequest* r) { r->settings.compression = "zip"; },
+      [](host::WriteRequest* r) { r->settings.level = 13; }};
+  for (const auto& makeWrong : faults) {
+    host::WriteRequest wrong = request;
+    makeWrong(&wrong);
+    EXPECT_FALSE(writePicture(png(), wrong, samples).isWritten);
+  }
+}
+
+TEST(Png, MetadataIsWritten) {
+  host::FileMetadata metadata;
+  metadata.color.codePoints = host::CodePoints{9, 16, 0, false};
+  metadata.color.sRGBIntent = 2;
+  metadata.color.gamma = 0.45455;
+  metadata.color.primaries = host::Primaries{{0.64, 0.33}, {0.3, 0.6}, {0.15, 0.06}, {0.3127, 0.329}};
+  metadata.resolution = host::Resolution{118.11, 59, host::Resolution::Unit::Centimeter};
+  metadata.exif = {'I', 'I', 42, 0, 8, 0, 0, 0, 0, 0, 0, 0, 0, 0};
+  host::WriteRequest request;
+  request.width = request.height = 2;
+  request.alpha = host::AlphaKind::Straight;
+  request.metadata = &metadata;
+  const auto readBack = [&] {
+    return readPicture(png(), writePicture(png(), request, std::vector<std::uint8_t>(16)).file).info.metadata;
+  };
+  host::FileMetadata expected = metadata;
+  expected.pixelAspect = 5900.0 / 11811;
+  EXPECT_EQ(readBack(), expected);
+  metadata.color.iccProfile = Bytes(300, 1);
+  std::copy_n("\0\0\x01\x2C", 4, metadata.color.iccProfile.begin());
+  EXPECT_TRUE(readBack().color.iccProfile.empty()) << "a profile for no RGB";
+  std::copy_n("RGB ", 4, metadata.color.iccProfile.begin() + 16);
+  EXPECT_EQ(readBack().color.iccProfile, metadata.color.iccProfile);
+  EXPECT_FALSE(readBack().color.sRGBIntent) << "beside a profile it is not written";
+  metadata.resolution.reset();
+  for (const double aspect : {16.0 / 15, 0.9, 1.0, 1.4587, 2.0}) {
+    metadata.pixelAspect = aspect;
+    EXPECT_EQ(readBack().pixelAspect, aspect);
+  }
+  metadata.resolution = host::Resolution{300, 300, host::Resolution::Unit::Inch};
+  EXPECT_EQ(readBack().resolution, (host::Resolution{118.11, 118.11, host::Resolution::Unit::Centimeter}));
+}
