@@ -48,7 +48,7 @@ bench-jobs: all
 	@scripts/install-dependencies ffmpeg imagemagick openimageio-tools
 	@cmake --preset bench --log-level=WARNING
 	@cmake --build --preset bench --target jobs
-	@build/bench/bin/jobs build/release/bin/vorto Docs/Examples/Photos/chelsea.png build/bench/jobs
+	@build/bench/bin/jobs build/release/bin/vorto Docs/Examples/Photos/coffee.png build/bench/jobs
 
 fuzz:
 	@scripts/install-dependencies clang libclang-rt-14-dev

@@ -7,7 +7,7 @@
 // What a whole command cost, with the processes that it started and waited for.
 struct Cost {
   bool succeeded = false;
-  double seconds = 0;   // of processor time, of the program and the system for it
+  double seconds = 0;    // of processor time, of the program and the system for it
   double mebibytes = 0;  // most memory at once
 };
 
