@@ -65,7 +65,10 @@ double LineReader::number(const char* what) {
 
 void LineReader::expected(const std::string& what) {
   const std::string_view text = peekedField();
-  fail(at_, "expected " + what + (!text.empty() ? ", not " + quotedText(text) : next_ >= text_.size() ? ", but the text ends" : ", but the line ends"));
+  fail(at_, "expected " + what +
+                (!text.empty()           ? ", not " + quotedText(text)
+                 : next_ >= text_.size() ? ", but the text ends"
+                                         : ", but the line ends"));
 }
 
 }  // namespace host

@@ -136,10 +136,14 @@ TEST(ForeignGradients, StopsThatNeedNoOthersStayThemselves) {
   const auto text = [](const host::GradientStops& stops) { return host::textOfGradient(stops); };
   host::Notes notes;
   const std::pair<const char*, const char*> css[] = {
-      {"background: linear-gradient(to right, red, white 20% 40%, blue);\n", "#ff0000 0%, #ffffff 20%, #ffffff 40%, #0000ff 100%"},
-      {"linear-gradient(90deg in srgb, red 50%, lime 20%, blue)", "#ff0000 constant 0%, #00ff00 49.999999999999994%, #0000ff 100%"},
-      {"LINEAR-GRADIENT(Red 25%, BLUE 25%, blue 50%, #00f 50%, #fff)", "#ff0000 constant 0%, #0000ff 24.999999999999997%, #0000ff 50%, #ffffff 100%"},
-      {"linear-gradient(red, blue 60%, lime 30%, white)", "#ff0000 0%, #0000ff 59.99999999999999%, #00ff00 60%, #ffffff 100%"},
+      {"background: linear-gradient(to right, red, white 20% 40%, blue);\n",
+       "#ff0000 0%, #ffffff 20%, #ffffff 40%, #0000ff 100%"},
+      {"linear-gradient(90deg in srgb, red 50%, lime 20%, blue)",
+       "#ff0000 constant 0%, #00ff00 49.999999999999994%, #0000ff 100%"},
+      {"LINEAR-GRADIENT(Red 25%, BLUE 25%, blue 50%, #00f 50%, #fff)",
+       "#ff0000 constant 0%, #0000ff 24.999999999999997%, #0000ff 50%, #ffffff 100%"},
+      {"linear-gradient(red, blue 60%, lime 30%, white)",
+       "#ff0000 0%, #0000ff 59.99999999999999%, #00ff00 60%, #ffffff 100%"},
       {"linear-gradient(#f008, #00f8)", "#ff0000 0%, #0000ff 100%, opacity 53.33333333333333% smooth 0%"},
       {"linear-gradient(red -50%, blue 150%)", "#ff0000 -50%, #0000ff 150%"},
   };
@@ -169,7 +173,8 @@ host::GradientStops randomGradient(std::mt19937& random) {
   const auto some = [&] { return random() % 4 == 0 ? std::round(unit(random) * 4) / 4 : unit(random); };
   host::GradientStops stops;
   for (std::size_t i = 0, count = 1 + random() % 5; i < count; ++i) {
-    stops.colors.push_back({some(), 0.1 + 0.8 * unit(random), static_cast<int>(random() % 3), {some(), some(), some()}});
+    stops.colors.push_back(
+        {some(), 0.1 + 0.8 * unit(random), static_cast<int>(random() % 3), {some(), some(), some()}});
   }
   for (std::size_t i = 0, count = 1 + random() % 3; i < count; ++i) {
     stops.opacities.push_back({some(), 0.1 + 0.8 * unit(random), static_cast<int>(random() % 3), {some()}});

@@ -62,7 +62,8 @@ double largestDifference(First first, Second second, const std::vector<double>& 
     const Straight b = second(position);
     for (std::size_t i = a[3] == 0 || b[3] == 0 ? 3 : 0; i < 4; ++i) {
       const double difference = std::abs(a[i] - b[i]);
-      if (!(difference <= 1 / 255.0)) ADD_FAILURE() << "component " << i << " at " << position << ": " << a[i] << ", " << b[i];
+      if (!(difference <= 1 / 255.0))
+        ADD_FAILURE() << "component " << i << " at " << position << ": " << a[i] << ", " << b[i];
       largest = std::max(largest, difference);
     }
     if (testing::Test::HasFailure()) break;

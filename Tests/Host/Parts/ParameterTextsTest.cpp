@@ -43,7 +43,9 @@ double someNumber(std::mt19937_64& random) {
 
 host::GradientStops someStops(std::mt19937_64& random) {
   const auto number = [&] { return someNumber(random); };
-  const auto kind = [&] { return random() % 8 == 0 ? static_cast<std::int32_t>(random()) : static_cast<std::int32_t>(random() % 3); };
+  const auto kind = [&] {
+    return random() % 8 == 0 ? static_cast<std::int32_t>(random()) : static_cast<std::int32_t>(random() % 3);
+  };
   host::GradientStops stops;
   for (std::size_t i = random() % 6; i > 0; --i) {
     stops.colors.push_back({number(), random() % 2 == 0 ? 0.5 : number(), kind(), {number(), number(), number()}});
@@ -107,11 +109,14 @@ TEST(ParameterTexts, MeanWhatTheySay) {
       {"hsl(120 100% 50%), hsl(0.5turn, 100, 25), hsla(-90deg 50% 50% / 1)",
        "#00ff00 0%, color(srgb 0 0.5 0.5) 50%, color(srgb 0.5 0.25 0.75) 100%, opacity 100% 0%, opacity 100% 50%, "
        "opacity 100% 100%"},
-      {"#f008, #0f0 constant", "#ff0000 0%, #00ff00 constant 100%, opacity 53.33333333333333% 0%, opacity 100% constant 100%"},
-      {"red, opacity .25 smooth, opacity 75% 50%, opacity 0", "#ff0000 0%, opacity 25% smooth 0%, opacity 75% 50%, opacity 0% 100%"},
+      {"#f008, #0f0 constant",
+       "#ff0000 0%, #00ff00 constant 100%, opacity 53.33333333333333% 0%, opacity 100% constant 100%"},
+      {"red, opacity .25 smooth, opacity 75% 50%, opacity 0",
+       "#ff0000 0%, opacity 25% smooth 0%, opacity 75% 50%, opacity 0% 100%"},
       {"red 120%, opacity 1", "#ff0000 120%, opacity 100% 0%"},
       {"none", "none"},
-      {"color(srgb 2 -0.5 1e-3) interpolation(-7) 1e2%, opacity none", "color(srgb 2 -0.5 0.001) interpolation(-7) 100%, opacity none"},
+      {"color(srgb 2 -0.5 1e-3) interpolation(-7) 1e2%, opacity none",
+       "color(srgb 2 -0.5 0.001) interpolation(-7) 100%, opacity none"},
   };
   for (const auto& [from, to] : gradients) {
     host::Notes notes;
@@ -124,7 +129,8 @@ TEST(ParameterTexts, MeanWhatTheySay) {
 
   const std::pair<const char*, const char*> levels[] = {
       {"gamma=1.2, red.blackIn=0.1", "gamma=1.2, red.blackIn=0.1"},
-      {"RGB . Black In = 10%,GAMMABLUE=2, selected channel = Alpha", "blackIn=0.1, blue.gamma=2, selectedChannel=alpha"},
+      {"RGB . Black In = 10%,GAMMABLUE=2, selected channel = Alpha",
+       "blackIn=0.1, blue.gamma=2, selectedChannel=alpha"},
       {"green.whiteout=.5,green.white out=1, blackInRGB=1", "blackIn=1"},
       {"gamma=1", "selectedChannel=rgb"},
   };
@@ -156,16 +162,18 @@ TEST_P(BadTexts, AreRefusedWithTheirPlace) {
 INSTANTIATE_TEST_SUITE_P(
     Host, BadTexts,
     testing::Values(
-        BadText{"red, blu", "line 1, column 6: expected a color (#rrggbb, a name of CSS, rgb(), hsl() or color(srgb r g b)), "
-                            "\"opacity\" or \"none\", not \"blu\"; did you mean \"blue\""},
+        BadText{"red, blu",
+                "line 1, column 6: expected a color (#rrggbb, a name of CSS, rgb(), hsl() or color(srgb r g b)), "
+                "\"opacity\" or \"none\", not \"blu\"; did you mean \"blue\""},
         BadText{"red,\n  #12345", "line 2, column 3: expected #rgb, #rgba, #rrggbb or #rrggbbaa, not \"#12345\""},
         BadText{"red 50", "line 1, column 5: expected a position; numbers beyond 0 to 1 need a %"},
         BadText{"red 20px", "line 1, column 5: expected a position, without the unit \"px\""},
         BadText{"red 1e999%", "line 1, column 5: \"1e999\" is beyond what a number holds"},
         BadText{"red 10% 20%", "line 1, column 9: a second position for one stop"},
         BadText{"red smooth linear", "line 1, column 12: a second interpolation for one stop"},
-        BadText{"red sideways", "line 1, column 5: expected a position, \"constant\", \"linear\", \"smooth\", \"middle\" or \",\", "
-                                "not \"sideways\""},
+        BadText{"red sideways",
+                "line 1, column 5: expected a position, \"constant\", \"linear\", \"smooth\", \"middle\" or \",\", "
+                "not \"sideways\""},
         BadText{"red,", "line 1, column 5: expected a color"},
         BadText{"red blue", "line 1, column 5: expected a position"},
         BadText{"opacity 1", "line 1, column 10: there is no color"},
@@ -179,7 +187,8 @@ INSTANTIATE_TEST_SUITE_P(
         BadText{"gamma=6", "line 1, column 7: gammaRGB: expected a gamma of 0 to 5"},
         BadText{"gamma=50%", "line 1, column 7: gammaRGB: expected a gamma of 0 to 5"},
         BadText{"red.blackIn=1.5", "line 1, column 13: blackInRed: expected a number of 0 to 1"},
-        BadText{"gamma=1, pink.gamma=2", "line 1, column 10: no value of levels is called \"pink.gamma\"; there are blackIn, whiteIn"},
+        BadText{"gamma=1, pink.gamma=2",
+                "line 1, column 10: no value of levels is called \"pink.gamma\"; there are blackIn, whiteIn"},
         BadText{"gamma=1, gamma", "line 1, column 10: expected name=value"},
         BadText{"gamma=1 2", "line 1, column 9: expected \",\", not \"2\""},
         BadText{"linear-gradient(red 20px, blue)", "line 1, column 21: expected a position in percent, not in \"px\""},
@@ -190,10 +199,14 @@ INSTANTIATE_TEST_SUITE_P(
         BadText{"radial-gradient(red, blue)", "line 1, column 1: expected linear-gradient"},
         BadText{"-webkit-linear-gradient(left, red, blue)", "line 1, column 1: expected linear-gradient"},
         BadText{"linear-gradient(red, blue) url(a)", "line 1, column 28: expected the end of the text"},
-        BadText{"GIMP Gradient\nName: x\n1\n0 0.5 1 0 0 0 1 1 1 1 1 6 0\n", "line 4, column 25: expected a blending of 0 to 5, not \"6\""},
-        BadText{"GIMP Gradient\nName: x\n2\n0 0.2 0.5 0 0 0 1 1 1 1 1 0 0 0 0\n", "line 4, column 34: expected another segment, but the text ends"},
-        BadText{"GIMP Gradient\n1\n0 0.7 0.5 0 0 0 1 1 1 1 1 0 0\n", "line 3, column 1: left end, middle and right end"},
-        BadText{"GIMP Gradient\n2\n0 .2 .5 0 0 0 1 1 1 1 1 0 0\n.6 .7 1 0 0 0 1 1 1 1 1 0 0\n", "line 4, column 1: the segment does not begin"},
+        BadText{"GIMP Gradient\nName: x\n1\n0 0.5 1 0 0 0 1 1 1 1 1 6 0\n",
+                "line 4, column 25: expected a blending of 0 to 5, not \"6\""},
+        BadText{"GIMP Gradient\nName: x\n2\n0 0.2 0.5 0 0 0 1 1 1 1 1 0 0 0 0\n",
+                "line 4, column 34: expected another segment, but the text ends"},
+        BadText{"GIMP Gradient\n1\n0 0.7 0.5 0 0 0 1 1 1 1 1 0 0\n",
+                "line 3, column 1: left end, middle and right end"},
+        BadText{"GIMP Gradient\n2\n0 .2 .5 0 0 0 1 1 1 1 1 0 0\n.6 .7 1 0 0 0 1 1 1 1 1 0 0\n",
+                "line 4, column 1: the segment does not begin"},
         BadText{"GIMP Gradient\n1\n0 0.5 1 0 0 2 1 1 1 1 1 0 0\n", "line 3, column 13: expected a component of 0 to 1"},
         BadText{"0 0 0 0 1 255 255\n", "line 1, column 1: expected a slice of 4 or 8 fields"},
         BadText{"0 0 0 0 1 9 9 9\n2 0 0 0 3 9 9 9\n", "line 2, column 1: the slice does not begin"},
@@ -201,13 +214,17 @@ INSTANTIATE_TEST_SUITE_P(
         BadText{"0 1/2/x 1 black\n", "line 1, column 7: expected a component of a color, not \"x\""},
         BadText{"0 0 0 0 1 9 999 9\n", "line 1, column 13: expected a component of 0 to 255"},
         BadText{"# COLOR_MODEL = CMYK\n0 0 1 255\n", "line 1, column 1: the color model \"cmyk\""},
-        BadText{"<svg>\n <linearGradient>\n  <stop offset='x'/>\n </linearGradient>\n</svg>", "line 3, column 3: offset: expected"},
-        BadText{"<svg><linearGradient id='a' href='#b'/>\n<linearGradient id='b' href='#a'/></svg>", "line 1, column 6: its href leads in a circle"},
+        BadText{"<svg>\n <linearGradient>\n  <stop offset='x'/>\n </linearGradient>\n</svg>",
+                "line 3, column 3: offset: expected"},
+        BadText{"<svg><linearGradient id='a' href='#b'/>\n<linearGradient id='b' href='#a'/></svg>",
+                "line 1, column 6: its href leads in a circle"},
         BadText{"<svg><linearGradient href='#c'/></svg>", "line 1, column 6: its href leads to \"#c\""},
-        BadText{"<svg><linearGradient><stop class='a'/></linearGradient></svg>", "line 1, column 22: a stop whose color a style sheet"},
+        BadText{"<svg><linearGradient><stop class='a'/></linearGradient></svg>",
+                "line 1, column 22: a stop whose color a style sheet"},
         BadText{"<svg>\n<linearGradient>", "line 2, column 17: no XML: "},
         BadText{"<svg></svg>", "line 1, column 12: there is no linearGradient"},
-        BadText{"{\"kind\": \"gradient\", \"state\": {\"rgbSamples\": [1, 2}}", "line 1, column 51: expected \"]\", not \"}}\""},
+        BadText{"{\"kind\": \"gradient\", \"state\": {\"rgbSamples\": [1, 2}}",
+                "line 1, column 51: expected \"]\", not \"}}\""},
         BadText{"{\"rgbSamples\": [1, 2]}", "\"rgbSamples\" holds 2 numbers"},
         BadText{"{\"rgbSamples\": [null]}", "line 1, column 17: expected a value"},
         BadText{"{\"a\": \"\\ud800\"}", "line 1, column 8: an unknown escape"}));
