@@ -12,7 +12,7 @@ namespace host {
 // What a profile of a matrix and curves holds. The library evaluates curves that are tables in 16 bits, which light is
 // too coarse in, and the other ones slowly; so that the curves are evaluated here.
 struct MatrixProfile {
-  Matrix matrix{};    // light to the profile connection space; of a gray profile nothing
+  Matrix matrix{};  // light to the profile connection space; of a gray profile nothing
   bool isGray = false;
   std::array<ChannelCurve, 3> toLight;  // of gray three times the same
   std::array<ChannelCurve, 3> fromLight;

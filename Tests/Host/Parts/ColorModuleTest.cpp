@@ -83,7 +83,8 @@ template <class Sample>
 int costOfRoundTrip(const std::vector<Sample>& values, const ColorSpace& there, const ColorSpace& between) {
   constexpr SampleType type = sizeof(Sample) == 1 ? SampleType::UInt8 : SampleType::UInt16;
   // Where a curve begins upright at 0, the rounding of floats in the other colors' light is many units there.
-  const bool isUpright = there.curve.kind == host::TransferCurve::Kind::Power || there.kind == ColorSpace::Kind::Profile;
+  const bool isUpright =
+      there.curve.kind == host::TransferCurve::Kind::Power || there.kind == ColorSpace::Kind::Profile;
   const std::vector<Sample> pixels = colorsOf(values, !isUpright);
   std::vector<Sample> back(pixels.size());
   std::vector<float> light(pixels.size());
@@ -92,10 +93,9 @@ int costOfRoundTrip(const std::vector<Sample>& values, const ColorSpace& there, 
   ColorConversion(ownModule(), there, between)
       .convert(reinterpret_cast<const std::byte*>(pixels.data()), {type, AlphaKind::None}, floats,
                {SampleType::Float, AlphaKind::Premultiplied}, count);
-  const auto cut =
-      ColorConversion(ownModule(), between, there)
-          .convert(floats, {SampleType::Float, AlphaKind::Premultiplied}, reinterpret_cast<std::byte*>(back.data()),
-                   {type, AlphaKind::Straight}, count);
+  const auto cut = ColorConversion(ownModule(), between, there)
+                       .convert(floats, {SampleType::Float, AlphaKind::Premultiplied},
+                                reinterpret_cast<std::byte*>(back.data()), {type, AlphaKind::Straight}, count);
   EXPECT_EQ(cut, 0u);
   int most = 0;
   for (std::size_t i = 0; i < pixels.size(); ++i) most = std::max(most, std::abs(pixels[i] - back[i]));
@@ -161,14 +161,18 @@ TEST(ColorModule, MatricesAreThePublishedOnes) {
     double matrix[3][3];
   } rows[] = {
       // ITU-R BT.2087, and the same computation for P3
-      {KnownSpace::LinearRec2020, KnownSpace::LinearRec709,
+      {KnownSpace::LinearRec2020,
+       KnownSpace::LinearRec709,
        {{1.660491, -0.587641, -0.072850}, {-0.124550, 1.132900, -0.008349}, {-0.018151, -0.100579, 1.118730}}},
-      {KnownSpace::LinearP3, KnownSpace::LinearRec709,
+      {KnownSpace::LinearP3,
+       KnownSpace::LinearRec709,
        {{1.224940, -0.224940, 0}, {-0.042057, 1.042057, 0}, {-0.019638, -0.078636, 1.098274}}},
       // ACES S-2014-004, and over Bradford to the other white
-      {KnownSpace::Aces2065, KnownSpace::AcesCg,
+      {KnownSpace::Aces2065,
+       KnownSpace::AcesCg,
        {{1.451439, -0.236511, -0.214929}, {-0.076554, 1.176230, -0.099676}, {0.008316, -0.006032, 0.997716}}},
-      {KnownSpace::AcesCg, KnownSpace::LinearRec709,
+      {KnownSpace::AcesCg,
+       KnownSpace::LinearRec709,
        {{1.705051, -0.621792, -0.083259}, {-0.130256, 1.140805, -0.010548}, {-0.024003, -0.128969, 1.152972}}},
   };
   for (const auto& row : rows) {
@@ -290,7 +294,8 @@ TEST(ColorModule, NamesAConfigurationThatCannotBeRead) {
   const TextFile broken("-broken.ocio", "ocio_profile_version: 2\ncolorspaces: [");
   for (const std::string& path : {broken.path(), std::string("/nowhere/config.ocio")}) {
     std::string reason;
-    EXPECT_FALSE(host::newColorModule(path)->makeTransform(known(KnownSpace::SRgb), known(KnownSpace::AcesCg), &reason));
+    EXPECT_FALSE(
+        host::newColorModule(path)->makeTransform(known(KnownSpace::SRgb), known(KnownSpace::AcesCg), &reason));
     EXPECT_NE(reason.find(path), std::string::npos) << reason;
   }
 }
@@ -318,9 +323,9 @@ TEST(ColorConversion, CountsPixelsThatAreCut) {
   ColorConversion toDisplay(ownModule(), known(KnownSpace::LinearRec709), known(KnownSpace::SRgb));
   const std::vector<float> light{1.0005f, 0, 0, 1, 4, 4, 4, 1, -0.2f, 0.5f, 0, 1, 0.2f, 0.5f, NAN, 1, 1, 1, 1, 1};
   std::uint8_t bytes[20];
-  const auto cut = toDisplay.convert(reinterpret_cast<const std::byte*>(light.data()),
-                                     {SampleType::Float, AlphaKind::Premultiplied},
-                                     reinterpret_cast<std::byte*>(bytes), {SampleType::UInt8, AlphaKind::Straight}, 5);
+  const auto cut =
+      toDisplay.convert(reinterpret_cast<const std::byte*>(light.data()), {SampleType::Float, AlphaKind::Premultiplied},
+                        reinterpret_cast<std::byte*>(bytes), {SampleType::UInt8, AlphaKind::Straight}, 5);
   EXPECT_EQ(cut, 3u);
   EXPECT_EQ(bytes[0], 255);
   EXPECT_EQ(bytes[4], 255);
