@@ -43,7 +43,13 @@ name, as Levels):
   levels    values apart by commas, as gamma=1.2, red.blackIn=10%; one at a time, PORT.gamma=1.2 keeps the others as they
             are after --state and earlier --set
 
-Pixels are rendered as the files hold them, without color management, premultiplied. PNG stores straight alpha; JPEG
+Colors are rendered in the space of the first input, premultiplied: inputs in other spaces are converted to it, and the
+result to what the file holds, display values in integers and linear ones in floats; what is converted is said on
+standard error. A file without a tag counts as sRGB, and as linear Rec.709 when it holds floats. Spaces are sRGB, Linear
+Rec.709, Rec.709, Rec.2020, Linear Rec.2020, Display P3, Linear P3-D65, ACEScg, ACES2065-1, raw, and those of the
+OpenColorIO configuration that $OCIO names. Pictures of --set are taken as they are.
+
+PNG stores straight alpha; JPEG
 stores none, which shows the picture over black; TIFF and EXR store premultiplied alpha. What a format cannot hold is
 written in the next depth that it can: PNG takes 8 and 16 bits, JPEG 8, TIFF 8, 16 and float, EXR half and float.
 Pictures are read upright (orientation tags count); of a file with several pictures the first is read. Other metadata is
@@ -139,6 +145,19 @@ void addEncoding(CLI::App& command, EncodingOptions& options) {
       ->type_name("METHOD[:LEVEL]");
 }
 
+void addColors(CLI::App& command, ColorOptions& options) {
+  command
+      .add_option(
+          "--working-space", options.working,
+          "The color space in which the effect works, or raw: convert nothing; default: that of the first input")
+      ->type_name("NAME");
+  command
+      .add_option("--input-space", options.inputs,
+                  "The color space of the inputs, or of one of them, instead of what the files say; may be repeated")
+      ->type_name("[FILE=]NAME")
+      ->allow_extra_args(false);
+}
+
 void addRender(CLI::App& app, RenderOptions& options) {
   CLI::App* command = app.add_subcommand("render", "Render an effect to a picture or a sequence");
   command->footer(kRenderFooter + ("\n\nPixel formats:\n" + layoutList()));
@@ -174,6 +193,12 @@ void addRender(CLI::App& app, RenderOptions& options) {
           "--channels", options.channels,
           "The channels of the file: gray, gray+alpha, rgb, rgba, or auto: gray and opaque inputs stay so where "
           "the result is; default auto")
+      ->type_name("NAME");
+  addColors(*command, options.colors);
+  command
+      ->add_option("--output-space", options.colors.output,
+                   "The color space of the file; default: display values in files of integers, linear ones in files of "
+                   "floats")
       ->type_name("NAME");
   addEncoding(*command, options.encoding);
   command->add_option("--frames", options.frames, "The frames of a sequence; default: all that exist")
