@@ -117,7 +117,8 @@ BitmapRef ColorFlow::toOutput(const BitmapRef& result, const ColorOutput& output
 
 void ColorFlow::tellOfCuts() const {
   if (cut_ == 0) return;
-  remark(std::to_string(cut_) + (cut_ == 1 ? " pixel of the result lies outside " : " pixels of the result lie outside ") +
+  remark(std::to_string(cut_) +
+         (cut_ == 1 ? " pixel of the result lies outside " : " pixels of the result lie outside ") +
          spaceText(output_->space) + " and " + (cut_ == 1 ? "was" : "were") + " clipped");
 }
 
