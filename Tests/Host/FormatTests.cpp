@@ -152,8 +152,7 @@ TEST(Metadata, LossesAreToldOnceWhenWanted) {
   const auto at = [&](const std::string& name) { return folder.path() + "/" + name; };
   OIIO::ImageSpec spec(1, 1, 3, OIIO::TypeDesc::HALF);
   const unsigned code[] = {0x01020304, 0};
-  spec.attribute("smpte:TimeCode", OIIO::TypeDesc(OIIO::TypeDesc::UINT, OIIO::TypeDesc::VEC2, OIIO::TypeDesc::TIMECODE),
-                 code);
+  spec.attribute("smpte:TimeCode", OIIO::TypeTimeCode, code);
   spec.attribute("shot", "A 12");
   for (const char* name : {"in.1.exr", "in.2.exr"}) {
     const auto output = OIIO::ImageOutput::create(at(name));

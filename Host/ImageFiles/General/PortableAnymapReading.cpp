@@ -15,7 +15,7 @@ struct Header {
   char kind = 0;  // '5' gray, '6' RGB, 'f' gray floats, 'F' RGB floats
   std::uint32_t width = 0;
   std::uint32_t height = 0;
-  double scale = 0;  // the largest value; of floats below 0 where the low byte comes first
+  double scale = 0;        // the largest value; of floats below 0 where the low byte comes first
   std::size_t pixels = 0;  // where they begin
 
   bool isGray() const { return kind == '5' || kind == 'f'; }
@@ -133,7 +133,8 @@ class AnymapReader : public ImageReader {
 }  // namespace
 
 bool isPortableAnymap(std::span<const std::uint8_t> file) {
-  return file.size() > 2 && file[0] == 'P' && std::string_view("56fF").find(static_cast<char>(file[1])) != std::string_view::npos &&
+  return file.size() > 2 && file[0] == 'P' &&
+         std::string_view("56fF").find(static_cast<char>(file[1])) != std::string_view::npos &&
          isSpace(static_cast<char>(file[2]));
 }
 
@@ -144,8 +145,8 @@ std::unique_ptr<ImageReader> openPortableAnymap(std::span<const std::uint8_t> fi
     return nullptr;
   }
   auto reader = std::make_unique<AnymapReader>(file, header);
-  const bool isWhole = header.pixels <= file.size() &&
-                       (file.size() - header.pixels) / reader->rowBytes() >= header.height;
+  const bool isWhole =
+      header.pixels <= file.size() && (file.size() - header.pixels) / reader->rowBytes() >= header.height;
   if (isWhole) return reader;
   NSRefuse(reason, "it is damaged or cut short");
   return nullptr;
