@@ -10,7 +10,8 @@
 
 namespace host {
 
-// What the library says goes nowhere but here. It leaves its functions by a jump when it gives up.
+// What the library says goes nowhere but here. It leaves its functions by a jump when it gives up, which it also does
+// where it would only warn: after damage it would go on with what it makes up.
 class JpegErrors {
  public:
   JpegErrors();
@@ -19,6 +20,8 @@ class JpegErrors {
 
   jpeg_error_mgr* manager() { return &manager_.base; }
   const char* firstMessage() const { return message_; }  // empty before there is one
+
+  void forget() { message_[0] = 0; }
 
   // Runs calls of the library; false when it gave up. Nothing that a step makes may need destroying.
   template <class Step>
@@ -38,7 +41,7 @@ class JpegErrors {
   };
   static JpegErrors& errorsOf(j_common_ptr library) { return *reinterpret_cast<Manager*>(library->err)->errors; }
   [[noreturn]] static void giveUp(j_common_ptr library);
-  static void note(j_common_ptr library);
+  static void giveUpOnWarning(j_common_ptr library, int level);
 
   Manager manager_{};
   char message_[JMSG_LENGTH_MAX] = {};

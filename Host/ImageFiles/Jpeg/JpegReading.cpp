@@ -72,12 +72,14 @@ class JpegReader : public ImageReader {
         if (isCmyk) makeRgb(row);
       }
     });
-    // After damage that it only warns of the library goes on with what it makes up.
-    return (isRead && errors_.manager()->num_warnings == 0) || refuse(reason);
+    return isRead || refuse(reason);
   }
 
  private:
   bool refuse(std::string* reason) const {
+    if (library_.input_scan_number > kLargestScanCount) {
+      return NSRefuse(reason, "it has more than " + std::to_string(kLargestScanCount) + " scans");
+    }
     std::string text = "it is damaged or cut short";
     if (*errors_.firstMessage() != 0) text += std::string(" (") + errors_.firstMessage() + ")";
     return NSRefuse(reason, text);
@@ -119,13 +121,14 @@ class JpegReader : public ImageReader {
 
   // A damaged profile is as none.
   void readProfile() {
-    const long warnings = errors_.manager()->num_warnings;
     JOCTET* profile = nullptr;
     unsigned size = 0;
     const bool isRead = errors_.run([&] { jpeg_read_icc_profile(&library_, &profile, &size); });
-    const std::unique_ptr<JOCTET, decltype(&std::free)> owner(profile, &std::free);
-    if (isRead && profile != nullptr) info_.metadata.color.iccProfile.assign(profile, profile + size);
-    errors_.manager()->num_warnings = warnings;
+    if (isRead && profile != nullptr) {
+      const std::unique_ptr<JOCTET, decltype(&std::free)> owner(profile, &std::free);
+      info_.metadata.color.iccProfile.assign(profile, profile + size);
+    }
+    errors_.forget();
   }
 
   JpegErrors errors_;

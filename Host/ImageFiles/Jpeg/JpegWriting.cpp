@@ -49,8 +49,7 @@ bool isPossible(const WriteRequest& request, std::string* reason) {
     return NSRefuse(reason, "JPEG holds 1 to " + std::to_string(kLargestSize) + " rows and columns");
   }
   if (samplingNamed(settings.compression) == nullptr) {
-    return NSRefuse(reason,
-                    "JPEG has no color sampling \"" + settings.compression + "\"; it has 444, 422 and 420");
+    return NSRefuse(reason, "JPEG has no color sampling \"" + settings.compression + "\"; it has 444, 422 and 420");
   }
   if (settings.quality != -1 && (settings.quality < 1 || settings.quality > 100)) {
     return NSRefuse(reason, "the qualities of JPEG are 1 to 100");

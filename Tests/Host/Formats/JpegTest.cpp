@@ -18,8 +18,9 @@ Bytes fileNamed(const std::string& name) {
   return contentsOf(VORTO_FORMAT_FILES "/" + name);
 }
 
-const std::vector<std::string> kFiles{"jpeg-420.jpg",  "jpeg-progressive-422.jpg", "jpeg-gray.jpg",      "jpeg-cmyk.jpg",
-                                      "jpeg-ycck.jpg", "jpeg-ffmpeg.jpg",          "jpeg-arithmetic.jpg"};
+const std::vector<std::string> kFiles{
+    "jpeg-420.jpg",  "jpeg-progressive-422.jpg", "jpeg-gray.jpg",      "jpeg-cmyk.jpg",
+    "jpeg-ycck.jpg", "jpeg-ffmpeg.jpg",          "jpeg-arithmetic.jpg"};
 
 host::WriteRequest requestFor(host::Channels channels, std::uint32_t width, std::uint32_t height) {
   host::WriteRequest request;
@@ -140,8 +141,7 @@ TEST(Jpeg, WhatTheFormatCannotHoldIsRefused) {
   const std::vector<std::function<void(host::WriteRequest*)>> faults{
       [](host::WriteRequest* r) { r->sample = host::SampleType::UInt16; },
       [](host::WriteRequest* r) { r->channels = host::Channels::RGBA; },
-      [](host::WriteRequest* r) { r->height = 65501; },
-      [](host::WriteRequest* r) { r->settings.compression = "411"; },
+      [](host::WriteRequest* r) { r->height = 65501; }, [](host::WriteRequest* r) { r->settings.compression = "411"; },
       [](host::WriteRequest* r) { r->settings.quality = 0; }};
   for (const auto& makeWrong : faults) {
     auto wrong = requestFor(host::Channels::RGB, 8, 8);
@@ -172,13 +172,5 @@ TEST(Jpeg, BombsAreRefused) {
   std::fill_n(at + 5, 4, std::uint8_t{0xEA});  // 60138 x 60138
   EXPECT_FALSE(readPicture(jpeg(), large).isRead);
 
-  Bytes scans = fileNamed("jpeg-progressive-422.jpg");
-  const Bytes scan{0xFF, 0xDA};
-  const auto last = std::find_end(scans.begin(), scans.end(), scan.begin(), scan.end());
-  const Bytes repeated(last, scans.end() - 2);
-  const Bytes end(scans.end() - 2, scans.end());
-  scans.resize(scans.size() - 2);
-  for (int i = 0; i < 300; ++i) scans.insert(scans.end(), repeated.begin(), repeated.end());
-  scans.insert(scans.end(), end.begin(), end.end());
-  EXPECT_FALSE(readPicture(jpeg(), scans).isRead);
+  EXPECT_EQ(readPicture(jpeg(), fileNamed("jpeg-253-scans.jpg")).reason, "it has more than 200 scans");
 }
