@@ -45,6 +45,8 @@ constexpr Sign kSigns[] = {
     {"pnm", "P4"sv},
     {"pnm", "P5"sv},
     {"pnm", "P6"sv},
+    {"pnm", "PF"sv},
+    {"pnm", "Pf"sv},
     {"sgi", "\x01\xda"sv},
     {"dds", "DDS "sv},
     {"iff", "FOR4"sv},
