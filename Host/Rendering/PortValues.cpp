@@ -117,8 +117,9 @@ NSObjectRef parsedParameter(const QCPort& port, const std::string& text, StateKi
     for (const std::string& note : state.notes) remark(port.key() + ": " + note);
     return state.object;
   } catch (const TextFault& fault) {
+    const bool mayBeFile = fault.offset == 0 && !std::string_view(fault.what()).ends_with('?');
     throw Failure(ExitCode::Usage, port.key() + "=" + quotedText(text) + ": " + faultWithPlace(text, fault, true) +
-                                       "; a saved state is given with --state");
+                                       (mayBeFile ? "; a saved state is given with --state" : ""));
   }
 }
 

@@ -119,40 +119,32 @@ class PaletteReader {
       const double second = readComponent(1);
       return {first, second, readComponent(2)};
     }
-    reader_.atLineEnd();
-    const std::size_t at = reader_.place();
-    const std::string_view field = reader_.field();
-    TextReader text(field);
-    try {
-      return text.nextIsNumber() ? numbersOf(text, at) : namedOf(text);
-    } catch (const TextFault& fault) {
-      if (fault.offset >= at) throw;
-      LineReader::fail(at + fault.offset, fault.what());
-    }
+    TextReader text = reader_.fieldReader();
+    return text.nextIsNumber() ? numbersOf(text) : namedOf(text);
   }
 
   // "r/g/b", "h-s-v", or one number for a gray.
-  Components numbersOf(TextReader& text, std::size_t at) const {
+  Components numbersOf(TextReader& text) const {
     const auto component = [&] {
       const Quantity quantity = text.quantity("a component of a color");
-      if (!quantity.unit.empty()) text.fail(quantity.at, "expected a number without a unit");
-      return quantity.number;
+      if (!quantity.unit.empty()) TextReader::fail(quantity.at, "expected a number without a unit");
+      return quantity;
     };
-    const double first = component();
-    if (text.atEnd()) return grayOf(first, at);
-    const char separator = isHsv_ ? '-' : '/';
-    Components color{checked(first, 0, at), 0, 0};
+    const Quantity first = component();
+    if (text.atEnd()) return grayOf(first);
+    Components color{checked(first.number, 0, first.at), 0, 0};
     for (std::size_t i = 1; i < 3; ++i) {
-      text.expect(separator);
-      color[i] = checked(component(), i, at);
+      text.expect(isHsv_ ? '-' : '/');
+      const Quantity next = component();
+      color[i] = checked(next.number, i, next.at);
     }
     if (!text.atEnd()) text.expected("the end of the color");
     return color;
   }
 
-  Components grayOf(double number, std::size_t at) const {
-    if (!(number >= 0 && number <= 255)) LineReader::fail(at, "expected a gray of 0 to 255");
-    const double gray = number / 255;
+  Components grayOf(const Quantity& quantity) const {
+    if (!(quantity.number >= 0 && quantity.number <= 255)) TextReader::fail(quantity.at, "expected a gray of 0 to 255");
+    const double gray = quantity.number / 255;
     return isHsv_ ? Components{0, 0, gray} : Components{gray, gray, gray};
   }
 
@@ -164,8 +156,9 @@ class PaletteReader {
   }
 
   static TextColor opaqueColor(TextReader& text) {
+    const std::size_t at = text.place();
     TextColor color = host::readColor(text);
-    if (color.alpha) TextReader::fail(0, "a color with an alpha, where none is known");
+    if (color.alpha) TextReader::fail(at, "a color with an alpha, where none is known");
     if (!text.atEnd()) text.expected("the end of the color");
     return color;
   }

@@ -78,8 +78,10 @@ Rgba GimpSegment::colorOfShare(double share) const {
 bool appendSegment(Ramps& ramps, const GimpSegment& segment) {
   if (!(segment.right > segment.left)) return true;
   if (segment.blending == GimpSegment::Step) {
-    appendRamp(ramps, {segment.left, segment.middle, segment.leftColor, segment.leftColor});
-    appendRamp(ramps, {segment.middle, segment.right, segment.rightColor, segment.rightColor});
+    // The middle has the right color, where elsewhere the position of a jump has the left one.
+    const double last = std::max(segment.left, std::nextafter(segment.middle, 0.0));
+    appendRamp(ramps, {segment.left, last, segment.leftColor, segment.leftColor});
+    appendRamp(ramps, {last, segment.right, segment.rightColor, segment.rightColor});
     return true;
   }
   const double middle = middleOf(segment);

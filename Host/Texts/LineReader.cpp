@@ -44,23 +44,31 @@ std::string_view LineReader::field() {
   return taken;
 }
 
-double LineReader::number(const char* what) {
-  TextReader reader(peekedField());
-  if (!reader.nextIsNumber()) expected(what);
-  Quantity quantity;
-  try {
-    quantity = reader.quantity(what);
-  } catch (const TextFault& fault) {
-    fail(at_, fault.what());
-  }
-  if (!quantity.unit.empty() || !reader.atEnd()) expected(what);
+TextReader LineReader::fieldReader() {
+  atLineEnd();
+  const std::size_t begin = at_;
   field();
+  TextReader reader(text_.substr(0, at_));
+  reader.skipTo(begin);
+  return reader;
+}
+
+double LineReader::number(const char* what) {
+  LineReader ahead = *this;
+  TextReader reader = ahead.fieldReader();
+  if (!reader.nextIsNumber()) expected(what);
+  const Quantity quantity = reader.quantity(what);
+  if (!quantity.unit.empty() || !reader.atEnd()) expected(what);
+  *this = ahead;
   return quantity.number;
 }
 
 void LineReader::expected(const std::string& what) {
   const std::string_view text = peekedField();
-  fail(at_, "expected " + what + (text.empty() ? ", but the line ends" : ", not " + quotedText(text)));
+  fail(at_, "expected " + what +
+                (!text.empty()           ? ", not " + quotedText(text)
+                 : next_ >= text_.size() ? ", but the text ends"
+                                         : ", but the line ends"));
 }
 
 }  // namespace host

@@ -19,6 +19,7 @@ class LineReader {
   bool atLineEnd();
   std::string_view field();  // empty at the end of the line
   std::string_view peekedField();
+  TextReader fieldReader();         // over the next field, which is passed over; its places are those of the whole text
   double number(const char* what);  // a field that is one finite number
   [[noreturn]] void expected(const std::string& what);
   [[noreturn]] static void fail(std::size_t at, const std::string& fault) { throw TextFault(at, fault); }

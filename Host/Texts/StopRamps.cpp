@@ -66,7 +66,7 @@ std::vector<double> breaksOf(const Half<VRTChannelGradientRGBFolder>& colors,
   opacities.addPositions(breaks);
   std::erase_if(breaks, [](double position) { return !(position >= 0 && position <= 1); });
   std::ranges::sort(breaks);
-  breaks.erase(std::ranges::unique(breaks).begin(), breaks.end());
+  breaks.erase(std::unique(breaks.begin(), breaks.end()), breaks.end());
   return breaks;
 }
 

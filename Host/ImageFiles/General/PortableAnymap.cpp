@@ -15,7 +15,8 @@ std::string headerOf(const WriteRequest& request) {
   const bool gray = isGray(request.channels);
   const std::string size = std::to_string(request.width) + " " + std::to_string(request.height) + "\n";
   if (request.format == FileFormat::Pfm) {
-    return std::string(gray ? "Pf\n" : "PF\n") + size + (std::endian::native == std::endian::little ? "-1.0\n" : "1.0\n");
+    return std::string(gray ? "Pf\n" : "PF\n") + size +
+           (std::endian::native == std::endian::little ? "-1.0\n" : "1.0\n");
   }
   return std::string(gray ? "P5\n" : "P6\n") + size + (request.sample == SampleType::UInt8 ? "255\n" : "65535\n");
 }

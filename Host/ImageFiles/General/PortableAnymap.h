@@ -5,8 +5,8 @@
 
 namespace host {
 
-// The formats of pipes: P5 and P6 of 8 bits, or of 16 with the high byte first, and floats in the machine's order, from the
-// last row to the first.
+// The formats of pipes: P5 and P6 of 8 bits, or of 16 with the high byte first, and floats in the machine's order, from
+// the last row to the first.
 bool isPortableAnymap(FileFormat format);
 bool writePortableAnymap(const WriteRequest& request, PixelRows& rows, OutputBytes& output, std::string* reason);
 

@@ -28,8 +28,7 @@ host::ImageFileModule& moduleNamed(const std::string& name) {
 }
 
 ReadPicture readPicture(host::ImageFileModule& module, const FileBytesOfTest& file, const std::string& layer,
-                        std::uint8_t fill) {
-  constexpr std::size_t kGap = 32;
+                        std::uint8_t fill, std::size_t gap) {
   // Exactly as large as the file, so that a sanitizer sees what is read beyond.
   const auto copy = std::make_unique<std::uint8_t[]>(file.size());
   std::copy(file.begin(), file.end(), copy.get());
@@ -45,7 +44,7 @@ ReadPicture readPicture(host::ImageFileModule& module, const FileBytesOfTest& fi
   picture.info = reader->info();
   const std::size_t rowSize = std::size_t{4} * picture.info.width * host::bytesPerSample(picture.info.sample);
   if (std::uint64_t{picture.info.width} * picture.info.height > 1 << 24) return picture;
-  const std::size_t rowBytes = rowSize + kGap;
+  const std::size_t rowBytes = rowSize + gap;
   std::vector<std::uint8_t> rows(rowBytes * picture.info.height, fill);
   picture.isRead = reader->readPixels(reinterpret_cast<std::byte*>(rows.data()), rowBytes, &picture.reason);
   EXPECT_TRUE(picture.isRead || !picture.reason.empty());
@@ -55,7 +54,9 @@ ReadPicture readPicture(host::ImageFileModule& module, const FileBytesOfTest& fi
     const auto row = rows.begin() + static_cast<std::ptrdiff_t>(y * rowBytes);
     const auto end = row + static_cast<std::ptrdiff_t>(rowSize);
     picture.pixels.insert(picture.pixels.end(), row, end);
-    EXPECT_TRUE(std::all_of(end, end + kGap, [fill](std::uint8_t byte) { return byte == fill; })) << "a gap";
+    EXPECT_TRUE(std::all_of(end, end + static_cast<std::ptrdiff_t>(gap), [fill](std::uint8_t byte) {
+      return byte == fill;
+    })) << "a gap";
   }
   return picture;
 }
@@ -206,7 +207,7 @@ void expectDamageIsHarmless(host::ImageFileModule& module, const FileBytesOfTest
                             std::size_t step) {
   const auto expectOne = [&](const FileBytesOfTest& damaged, const std::string& how) {
     mallopt(M_PERTURB, 0x11);
-    const ReadPicture first = readPicture(module, damaged, {}, 0x11);
+    const ReadPicture first = readPicture(module, damaged, {}, 0x11, 0);
     mallopt(M_PERTURB, 0xEE);
     const ReadPicture second = readPicture(module, damaged, {}, 0xEE);
     mallopt(M_PERTURB, 0);

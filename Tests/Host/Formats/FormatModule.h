@@ -31,10 +31,10 @@ struct ReadPicture {
   }
 };
 
-// Reads a picture into memory that was filled with `fill`, and checks that a refusal has a reason and that nothing
-// between rows is written. Pictures of more than 2^24 pixels count as refused.
+// Reads a picture into memory that was filled with `fill`, and checks that a refusal has a reason and that none of the
+// `gap` bytes between rows is written. Pictures of more than 2^24 pixels count as refused.
 ReadPicture readPicture(host::ImageFileModule& module, const FileBytesOfTest& file, const std::string& layer = {},
-                        std::uint8_t fill = 0x5A);
+                        std::uint8_t fill = 0x5A, std::size_t gap = 32);
 
 // The same through the library of all formats, by the rules of the host; `format` is its name there. Fails the test
 // when the library cannot read it.
