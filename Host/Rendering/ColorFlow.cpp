@@ -25,7 +25,7 @@ bool convertsAnything(const InputPlan& plan) {
 }  // namespace
 
 ColorInput ColorFlow::inputOf(std::size_t index, const std::string& path, const PictureInfo& info) const {
-  ColorInput input{path, {}, "", info.metadata.color};
+  ColorInput input{path, {}, "", info.metadata.color, info.sample == SampleType::Float};
   if (index < wishes_.inputs.size() && wishes_.inputs[index]) {
     input.space = *wishes_.inputs[index];
     return input;
