@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: BSD-3-Clause
 # The front door. Each target installs what it needs, builds, and runs; see README.md.
-.PHONY: all demo test bench asan asan-foreign-bytes tsan fuzz install package format tidy clean
+.PHONY: all demo test bench bench-jobs asan asan-foreign-bytes tsan fuzz install package format tidy clean
 PREFIX ?= /usr/local
 
 all:
@@ -42,6 +42,13 @@ bench:
 	@cmake --preset bench --log-level=WARNING
 	@cmake --build --preset bench
 	@scripts/bench build/bench
+
+# Whole commands beside those of other programs: processor time and memory.
+bench-jobs: all
+	@scripts/install-dependencies ffmpeg imagemagick openimageio-tools
+	@cmake --preset bench --log-level=WARNING
+	@cmake --build --preset bench --target jobs
+	@build/bench/bin/jobs build/release/bin/vorto Docs/Examples/Photos/coffee.png build/bench/jobs
 
 fuzz:
 	@scripts/install-dependencies clang libclang-rt-14-dev

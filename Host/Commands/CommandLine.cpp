@@ -39,8 +39,17 @@ name, as Levels):
   color     #rrggbb, #rrggbbaa, or r,g,b[,a] with values from 0 to 1; not premultiplied
   string    the text as it is
   image     a picture's file, for ports that are not filled by --input; its size and depth may be others
+  gradient  stops apart by commas: color, position, "constant", "linear" (default) or "smooth"; or linear-gradient() of CSS
+  levels    values apart by commas, as gamma=1.2, red.blackIn=10%; one at a time, PORT.gamma=1.2 keeps the others as they
+            are after --state and earlier --set
 
-Pixels are rendered as the files hold them, without color management, premultiplied. PNG stores straight alpha; JPEG
+Colors are rendered in the space of the first input, premultiplied: inputs in other spaces are converted to it, and the
+result to what the file holds, display values in integers and linear ones in floats; what is converted is said on
+standard error. A file without a tag counts as sRGB, and as linear Rec.709 when it holds floats. Spaces are sRGB, Linear
+Rec.709, Rec.709, Rec.2020, Linear Rec.2020, Display P3, Linear P3-D65, ACEScg, ACES2065-1, raw, and those of the
+OpenColorIO configuration that $OCIO names. Pictures of --set are taken as they are.
+
+PNG stores straight alpha; JPEG
 stores none, which shows the picture over black; TIFF and EXR store premultiplied alpha. What a format cannot hold is
 written in the next depth that it can: PNG takes 8 and 16 bits, JPEG 8, TIFF 8, 16 and float, EXR half and float.
 Pictures are read upright (orientation tags count); of a file with several pictures the first is read. Other metadata is
@@ -60,11 +69,23 @@ Examples:
   vorto render "Gradient Map" --input photo.png --state gradient=sunset.plist --output out.png
   vorto render Dissolve --input a.png b.png --time 0.5 --size 1920x1080 --output mix.tif
   vorto render Levels --input in.%04d.exr --state levels=grade.plist --output out.%04d.exr
-  vorto render Checkerboard --size 640x480 --set "first color=#202020" --output board.png)";
+  vorto render Checkerboard --size 640x480 --set "first color=#202020" --output board.png
+  vorto render "Gradient Map" --input photo.png --set "gradient=#102040 0%, #ff8800 smooth 50%, white" --output out.png
+  vorto render Levels --input photo.png --set levels.gamma=1.2 --set levels.red.blackIn=10% --output out.png)";
 
 constexpr const char* kStateFooter = R"(
 A state is a property list, XML or binary: a gradient's or levels' dictionary, opaque data, or a keyed archive of one,
-under present or older class names. --convert keeps the form of the file (dictionary or archive) unless --form is given.)";
+under present or older class names. It is also what --json prints; a gradient or levels as text (as for render --set); and
+a gradient of other programs: linear-gradient() of CSS, the stops of an SVG file, .ggr, or a .cpt palette. What these blend
+in other ways is met within 1/255 by added stops, which are counted on standard error.
+
+--convert xml and --convert binary keep the form of the file (dictionary or archive; dictionary for a text) unless --form
+is given. --convert text writes what is read again as the same state; css, svg and ggr are for gradients.
+
+Examples:
+  vorto state sunset.plist --json
+  vorto state sunset.ggr --convert xml --output sunset.plist
+  vorto state sunset.plist --convert text --output sunset.txt)";
 
 constexpr const char* kInspectFooter = R"(
 Every input parameter of the effect has a row; the preview is rendered again on every change. Sequences play (space).
@@ -124,6 +145,19 @@ void addEncoding(CLI::App& command, EncodingOptions& options) {
       ->type_name("METHOD[:LEVEL]");
 }
 
+void addColors(CLI::App& command, ColorOptions& options) {
+  command
+      .add_option(
+          "--working-space", options.working,
+          "The color space in which the effect works, or raw: convert nothing; default: that of the first input")
+      ->type_name("NAME");
+  command
+      .add_option("--input-space", options.inputs,
+                  "The color space of the inputs, or of one of them, instead of what the files say; may be repeated")
+      ->type_name("[FILE=]NAME")
+      ->allow_extra_args(false);
+}
+
 void addRender(CLI::App& app, RenderOptions& options) {
   CLI::App* command = app.add_subcommand("render", "Render an effect to a picture or a sequence");
   command->footer(kRenderFooter + ("\n\nPixel formats:\n" + layoutList()));
@@ -160,6 +194,12 @@ void addRender(CLI::App& app, RenderOptions& options) {
           "The channels of the file: gray, gray+alpha, rgb, rgba, or auto: gray and opaque inputs stay so where "
           "the result is; default auto")
       ->type_name("NAME");
+  addColors(*command, options.colors);
+  command
+      ->add_option("--output-space", options.colors.output,
+                   "The color space of the file; default: display values in files of integers, linear ones in files of "
+                   "floats")
+      ->type_name("NAME");
   addEncoding(*command, options.encoding);
   command->add_option("--frames", options.frames, "The frames of a sequence; default: all that exist")
       ->type_name("A-B");
@@ -172,9 +212,9 @@ void addState(CLI::App& app, StateOptions& options) {
   command->footer(kStateFooter);
   command->add_option("file", options.file, "The state's file")->required()->type_name("FILE");
   command->add_flag("--json", options.json, "As JSON");
-  command->add_option("--convert", options.convert, "Write it as xml or binary")
+  command->add_option("--convert", options.convert, "Write it as xml or binary; as text; a gradient as css, svg or ggr")
       ->type_name("FORMAT")
-      ->check(CLI::IsMember({"xml", "binary"}));
+      ->check(CLI::IsMember({"xml", "binary", "text", "css", "svg", "ggr"}));
   command->add_option("--form", options.form, "Write it as dictionary or archive")
       ->type_name("FORM")
       ->check(CLI::IsMember({"dictionary", "archive"}));

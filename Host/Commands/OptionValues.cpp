@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Commands/OptionValues.h"
 
+#include "Host/Color/SpaceNames.h"
 #include "Host/Files/FileFormat.h"
 #include "Host/Messages/Failure.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -79,6 +81,30 @@ OutputAlpha parsedOutputAlpha(const std::string& text) {
   if (text == "opaque") return OutputAlpha::Opaque;
   if (text == "gray") return OutputAlpha::Gray;
   throw Failure(ExitCode::Usage, "--alpha " + text + ": give keep, opaque or gray");
+}
+
+ColorWishes parsedColors(const ColorOptions& options, const std::vector<std::string>& inputs) {
+  ColorWishes wishes;
+  wishes.inputs.resize(inputs.size());
+  if (!options.working.empty()) wishes.working = spaceOfOption("--working-space", options.working);
+  if (!options.output.empty()) wishes.output = spaceOfOption("--output-space", options.output);
+  if (wishes.working && wishes.working->kind == ColorSpace::Kind::Raw && wishes.output) {
+    throw Failure(ExitCode::Usage, "--working-space raw converts nothing: leave --output-space out");
+  }
+  for (const std::string& text : options.inputs) {
+    const std::size_t equals = text.rfind('=');
+    const ColorSpace space =
+        spaceOfOption("--input-space", equals == std::string::npos ? text : text.substr(equals + 1));
+    if (equals == std::string::npos) {
+      std::fill(wishes.inputs.begin(), wishes.inputs.end(), space);
+      continue;
+    }
+    const std::string file = text.substr(0, equals);
+    const auto input = std::find(inputs.begin(), inputs.end(), file);
+    if (input == inputs.end()) throw Failure(ExitCode::Usage, "--input-space " + text + ": no --input is " + file);
+    wishes.inputs[static_cast<std::size_t>(input - inputs.begin())] = space;
+  }
+  return wishes;
 }
 
 void checkTime(std::optional<double> time) {

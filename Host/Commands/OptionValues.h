@@ -3,11 +3,13 @@
 
 #include "Host/Files/FrameFiles.h"
 #include "Host/ImageFiles/ImageFileModule.h"
+#include "Host/Rendering/ColorFlow.h"
 #include "Host/Rendering/EffectRendering.h"
 #include "Host/Rendering/Framing.h"
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace host {
 
@@ -26,12 +28,20 @@ struct EncodingOptions {
   int quality = -1;         // 1 to 100
 };
 
+// Color spaces, as the command line names them; empty where it does not.
+struct ColorOptions {
+  std::string working;
+  std::string output;
+  std::vector<std::string> inputs;  // "NAME" for all, or "FILE=NAME" for an input
+};
+
 // The values of options that several commands have. An empty text gives nothing; they throw Failure for what does not
 // fit.
 Framing parsedFraming(const FramingOptions& options);
 std::optional<Depth> parsedDepth(const std::string& text);  // "8", "16", "half", "float"
 OutputAlpha parsedOutputAlpha(const std::string& text);     // "keep", "opaque", "gray"; keep when empty
 WriteSettings parsedSettings(const EncodingOptions& options);
+ColorWishes parsedColors(const ColorOptions& options, const std::vector<std::string>& inputs);
 void checkTime(std::optional<double> time);  // finite
 void checkRate(double rate);                 // finite, above 0
 

@@ -2,6 +2,7 @@
 #include "Host/Commands/RenderCommand.h"
 
 #include "Host/Commands/OptionValues.h"
+#include "Host/Files/FileFormat.h"
 #include "Host/Files/FrameFiles.h"
 #include "Host/Files/PictureSink.h"
 #include "Host/Files/PictureWriting.h"
@@ -51,8 +52,21 @@ Channels channelsOf(const InputPictures& pictures) {
   return alpha ? Channels::RGBA : Channels::RGB;
 }
 
+// Into the space that the file holds. Alpha that was copied into the colors is none.
+void convertColors(OutputPicture& picture, const OutputConversion& conversion, const PictureSink& sink,
+                   ColorFlow& colors) {
+  if (conversion.alpha == OutputAlpha::Gray) {
+    picture.metadata.color = {};
+    return;
+  }
+  const Depth stored = storedDepth(sink.format(), picture.depth);
+  const bool isFloat = sampleTypeOf(stored) == SampleType::Float;
+  picture.bitmap =
+      colors.toOutput(picture.bitmap, {"the file", sink.format(), isFloat}, stored, &picture.metadata.color);
+}
+
 OutputPicture rendered(EffectRendering& rendering, const InputPictures& pictures, double time,
-                       const OutputConversion& conversion) {
+                       const OutputConversion& conversion, const PictureSink& sink, ColorFlow& colors) {
   rendering.connect(pictures);
   BitmapRef result = rendering.result(time);
   if (conversion.layout) result = throughLayout(result, *conversion.layout, "the result");
@@ -61,6 +75,7 @@ OutputPicture rendered(EffectRendering& rendering, const InputPictures& pictures
   picture.depth = rendering.depthOf(*picture.bitmap);
   picture.channels = conversion.channels ? *conversion.channels : keptChannels(*picture.bitmap, channelsOf(pictures));
   if (!pictures.infos.empty()) picture.metadata = pictures.infos[0]->metadata;
+  convertColors(picture, conversion, sink, colors);
   return picture;
 }
 
@@ -70,7 +85,7 @@ void renderSequence(const RenderOptions& options, EffectRendering& rendering, In
   for (std::uint64_t frame = frames.first; frame <= frames.last; ++frame) {
     const auto number = static_cast<std::uint32_t>(frame);
     const double time = options.time.value_or(timeOfFrame(rendering.kind(), frames, frame, options.rate));
-    sink.write(rendered(rendering, inputs.picturesAt(number), time, conversion), number);
+    sink.write(rendered(rendering, inputs.picturesAt(number), time, conversion, sink, inputs.colors()), number);
     progress.finished(frame - frames.first + 1);
   }
 }
@@ -88,6 +103,7 @@ void runRender(const RenderOptions& options) {
     throw Failure(ExitCode::Usage, "--pixel-format " + options.layout + " has its own depth: leave --depth out");
   }
   if (conversion.layout) depth = conversion.layout->depth;
+  const ColorWishes colors = parsedColors(options.colors, options.inputs);
   const auto outputPattern = framePattern(options.output);
   PictureSink sink(options.output, options.encoding.format, parsedSettings(options.encoding), options.rate,
                    options.isVerbose);
@@ -95,13 +111,15 @@ void runRender(const RenderOptions& options) {
   loadEffects();
   EffectRendering rendering(options.effect, options.inputs.size(), framing, depth);
   setParameters(rendering, options.values, options.states);
-  Inputs inputs(options.inputs, depth, conversion.layout);
+  Inputs inputs(options.inputs, depth, conversion.layout, colors);
   const auto frames = framesToRender(options, inputs, outputPattern);
   if (frames) {
     renderSequence(options, rendering, inputs, sink, *frames, conversion);
   } else {
-    sink.write(rendered(rendering, inputs.pictures(), options.time.value_or(0), conversion), 0);
+    const double time = options.time.value_or(0);
+    sink.write(rendered(rendering, inputs.pictures(), time, conversion, sink, inputs.colors()), 0);
   }
+  inputs.colors().tellOfCuts();
 }
 
 }  // namespace host

@@ -22,6 +22,7 @@ struct RenderOptions {
   std::string alpha;     // "keep", "opaque", "gray", or empty for keep
   std::string channels;  // "auto", "gray", "gray+alpha", "rgb", "rgba"; auto when empty
   EncodingOptions encoding;
+  ColorOptions colors;
   bool isVerbose = false;
   std::string frames;  // "A-B", or empty for the frames that exist
   double rate = 25;    // frames per second

@@ -3,12 +3,21 @@
 
 #include "Host/Files/OutputFile.h"
 #include "Host/Messages/Failure.h"
+#include "Host/Messages/Remark.h"
 #include "Host/Messages/StandardOutput.h"
 #include "Host/States/StateFile.h"
 #include "Host/States/StatePrinting.h"
 
 namespace host {
 namespace {
+
+std::optional<TextFormat> textFormatNamed(const std::string& name) {
+  if (name == "text") return TextFormat::Text;
+  if (name == "css") return TextFormat::Css;
+  if (name == "svg") return TextFormat::Svg;
+  if (name == "ggr") return TextFormat::Gimp;
+  return std::nullopt;
+}
 
 void checkOptions(const StateOptions& options) {
   if (options.convert.empty() && (!options.output.empty() || !options.form.empty())) {
@@ -19,6 +28,22 @@ void checkOptions(const StateOptions& options) {
   }
   if (!options.convert.empty() && options.json)
     throw Failure(ExitCode::Usage, "--json prints, --convert writes: give one");
+  if (!options.form.empty() && textFormatNamed(options.convert)) {
+    throw Failure(ExitCode::Usage, "--form belongs to --convert xml and --convert binary");
+  }
+}
+
+PropertyList::Bytes convertedAsWanted(const StateFile& file, const StateOptions& options) {
+  if (const auto text = textFormatNamed(options.convert)) {
+    Notes notes;
+    auto bytes = convertedState(file, options.file, *text, notes);
+    for (const std::string& note : notes) remark(options.output + ": " + note);
+    return bytes;
+  }
+  const auto format = options.convert == "xml" ? PropertyListFormat::Xml : PropertyListFormat::Binary;
+  StateForm form = options.form == "archive" ? StateForm::Archive : StateForm::Dictionary;
+  if (options.form.empty() && file.form != StateForm::Text) form = file.form;
+  return convertedState(file, options.file, format, form);
 }
 
 }  // namespace
@@ -26,16 +51,12 @@ void checkOptions(const StateOptions& options) {
 void runState(const StateOptions& options) {
   checkOptions(options);
   const StateFile file = readStateFile(options.file);
+  for (const std::string& note : file.notes) remark(options.file + ": " + note);
   if (options.convert.empty()) {
     printText(options.json ? stateAsJson(file) : stateAsText(file));
-    return;
+  } else {
+    replaceFile(options.output, convertedAsWanted(file, options));
   }
-  const auto format = options.convert == "xml" ? PropertyListFormat::Xml : PropertyListFormat::Binary;
-  const StateForm form = options.form.empty()        ? file.form
-                         : options.form == "archive" ? StateForm::Archive
-                                                     : StateForm::Dictionary;
-  const auto bytes = convertedState(file, options.file, format, form);
-  replaceFile(options.output, bytes);
 }
 
 }  // namespace host

@@ -8,7 +8,7 @@ namespace host {
 struct StateOptions {
   std::string file;
   bool json = false;
-  std::string convert;  // "xml", "binary", or empty to print
+  std::string convert;  // "xml", "binary", "text", "css", "svg", "ggr", or empty to print
   std::string form;     // "dictionary", "archive", or empty to keep the file's
   std::string output;
 };

@@ -26,7 +26,8 @@ constexpr FormatTraits kFormats[] = {
     {FileFormat::Hdr, "HDR", "hdr", false, false, false, true, AlphaKind::None, false},
     {FileFormat::Jpeg2000, "JPEG 2000", "jp2 j2k", true, true, false, false, AlphaKind::Straight, true},
     {FileFormat::Heif, "HEIF", "heic heif avif", true, false, false, false, AlphaKind::Straight, false},
-    {FileFormat::Pnm, "PNM", "ppm pgm pnm", true, true, false, false, AlphaKind::None, true},
+    {FileFormat::Ppm, "PPM", "ppm", true, true, false, false, AlphaKind::None, false},
+    {FileFormat::Pnm, "PNM", "pnm", true, true, false, false, AlphaKind::None, true},
     {FileFormat::Pfm, "PFM", "pfm", false, false, false, true, AlphaKind::None, true},
 };
 

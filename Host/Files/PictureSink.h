@@ -20,6 +20,8 @@ class PictureSink {
               bool isVerbose);
   void write(const OutputPicture& picture, std::uint32_t frame);  // throws Failure
 
+  FileFormat format() const { return format_; }  // of the files; that of frames in a stream counts as PNG
+
  private:
   void print(const OutputPicture& picture);
   void tellOfLosses(const OutputPicture& picture);

@@ -3,6 +3,6 @@
 
 namespace host {
 
-enum class FileFormat { Png, Jpeg, Tiff, Exr, WebP, Bmp, Targa, Dpx, Hdr, Jpeg2000, Heif, Pnm, Pfm };
+enum class FileFormat { Png, Jpeg, Tiff, Exr, WebP, Bmp, Targa, Dpx, Hdr, Jpeg2000, Heif, Ppm, Pnm, Pfm };
 
 }  // namespace host

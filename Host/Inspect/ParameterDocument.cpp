@@ -3,6 +3,7 @@
 
 #include "Host/Files/OutputFile.h"
 #include "Host/Messages/Failure.h"
+#include "Host/Messages/Remark.h"
 #include "Host/Rendering/Assignment.h"
 #include "Host/Rendering/Parameters.h"
 #include "Host/Rendering/PortKinds.h"
@@ -91,6 +92,13 @@ void ParameterDocument::forgetHistory() {
   }
 }
 
+// A text, which other programs may read too, is not overwritten with a property list.
+ParameterDocument::Saved ParameterDocument::savedAs(const std::string& path, const StateFile& file,
+                                                    const QCPort& port) {
+  if (file.form == StateForm::Text) return {"", PropertyListFormat::Xml, StateForm::Dictionary, editedState(port)};
+  return {path, file.format, file.form, editedState(port)};
+}
+
 std::size_t ParameterDocument::indexOf(const QCPort& port) const {
   return static_cast<std::size_t>(std::find(parameters_.begin(), parameters_.end(), &port) - parameters_.begin());
 }
@@ -113,7 +121,7 @@ const std::string& ParameterDocument::file(const QCPort& port) const {
 
 void ParameterDocument::setFile(const QCPort& port, const std::string& path) {
   const StateFile file = readStateFile(path, stateKindOf(port));
-  saved_.at(indexOf(port)) = {path, file.format, file.form, editedState(port)};
+  saved_.at(indexOf(port)) = savedAs(path, file, port);
 }
 
 bool ParameterDocument::isModified(const QCPort& port) const {
@@ -136,7 +144,8 @@ QCPort& ParameterDocument::load(const std::string& path, QCPort* preferred) {
   if (!port) throw Failure(ExitCode::Usage, refusal(path, file.kind, parameters_));
   std::string reason;
   if (!port->setStateValue(file.state, &reason)) throw Failure(ExitCode::Input, "cannot read " + path + ": " + reason);
-  saved_.at(indexOf(*port)) = {path, file.format, file.form, editedState(*port)};
+  for (const std::string& note : file.notes) remark(path + ": " + note);
+  saved_.at(indexOf(*port)) = savedAs(path, file, *port);
   return *port;
 }
 

@@ -33,7 +33,7 @@ class ParameterDocument {
 
   // Gradient, levels and opaque parameters.
   static bool hasStateFile(const QCPort& port);
-  // The file that a parameter came from or was saved to; empty when there is none yet.
+  // The file that a parameter came from or was saved to; empty when there is none yet, or when it came from a text.
   const std::string& file(const QCPort& port) const;
   void setFile(const QCPort& port, const std::string& path);
   // Whether the parameter is no longer as it is in its file; without a file, as it was when the history began.
@@ -52,6 +52,7 @@ class ParameterDocument {
     std::optional<PropertyList> state;
   };
   std::size_t indexOf(const QCPort& port) const;
+  static Saved savedAs(const std::string& path, const StateFile& file, const QCPort& port);
 
   std::shared_ptr<QCPatch> ownPatch_;  // of ofState()
   std::vector<QCPort*> parameters_;

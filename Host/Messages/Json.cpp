@@ -41,7 +41,8 @@ void JsonWriter::value(bool flag) {
 
 void JsonWriter::value(double number) {
   beforeValue();
-  text_ += std::isfinite(number) ? numberText(number) : "null";
+  const bool isNegativeZero = number == 0 && std::signbit(number);  // "-0" is an integer to many readers
+  text_ += isNegativeZero ? "-0.0" : std::isfinite(number) ? numberText(number) : "null";
 }
 
 void JsonWriter::value(std::int64_t number) {

@@ -22,7 +22,7 @@ class JsonWriter {
   void value(std::string_view text);  // bytes that are no UTF-8 become U+FFFD
   void value(const char* text) { value(std::string_view(text)); }
   void value(bool flag);
-  void value(double number);  // the shortest text that reads back the same; null for NaN and infinities
+  void value(double number);  // the shortest text that reads back the same, -0.0; null for NaN and infinities
   void value(std::int64_t number);
   // A list as JSON: data as lower-case hexadecimal digits, dates as seconds since 2001, a uid as an integer.
   void value(const PropertyList& list);

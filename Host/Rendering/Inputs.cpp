@@ -18,8 +18,9 @@ Depth commonDepth(Depth a, Depth b) {
 
 }  // namespace
 
-Inputs::Inputs(const std::vector<std::string>& paths, std::optional<Depth> depth, std::optional<Layout> layout)
-    : depth_(layout ? std::optional(layout->depth) : depth), layout_(layout) {
+Inputs::Inputs(const std::vector<std::string>& paths, std::optional<Depth> depth, std::optional<Layout> layout,
+               ColorWishes colors)
+    : depth_(layout ? std::optional(layout->depth) : depth), layout_(layout), colors_(std::move(colors)) {
   for (const std::string& path : paths) sources_.push_back({path, framePattern(path), nullptr, nullptr});
 }
 
@@ -51,11 +52,14 @@ InputPictures Inputs::picturesAt(std::uint32_t frame) {
     pictures.paths.push_back(source.pattern ? source.pattern->path(frame) : source.path);
     if (!source.still) files[i] = readPicture(pictures.paths[i]);
   }
+  std::vector<const PictureInfo*> infos;
+  for (const FilePicture& file : files) infos.push_back(file.info.get());
+  colors_.meet(pictures.paths, infos);
   if (!depth_) decideDepth(files);
   for (std::size_t i = 0; i < sources_.size(); ++i) {
     Source& source = sources_[i];
     auto info = source.still ? source.stillInfo : files[i].info;
-    BitmapRef bitmap = source.still ? source.still : bitmapOf(std::move(files[i]), pictures.paths[i]);
+    BitmapRef bitmap = source.still ? source.still : bitmapOf(i, std::move(files[i]), pictures.paths[i]);
     if (!source.pattern) {
       source.still = bitmap;
       source.stillInfo = info;
@@ -67,9 +71,12 @@ InputPictures Inputs::picturesAt(std::uint32_t frame) {
   return pictures;
 }
 
-BitmapRef Inputs::bitmapOf(FilePicture file, const std::string& path) const {
-  const SampleType working = sampleTypeOf(*depth_);
-  if (file.info->alpha == AlphaKind::Straight) {
+BitmapRef Inputs::bitmapOf(std::size_t index, FilePicture file, const std::string& path) {
+  const bool isLight = colors_.needsFloat() && !layout_;
+  const SampleType working = isLight ? SampleType::Float : sampleTypeOf(*depth_);
+  if (MutableBitmapRef converted = colors_.toWorking(index, file, working, path)) {
+    file.bitmap = std::move(converted);
+  } else if (file.info->alpha == AlphaKind::Straight) {
     // Premultiplied in fewer bits than they are worked on in, colors would lose most of what they are under a small
     // alpha.
     if (bytesPerSample(working) > bytesPerSample(file.info->sample)) file.bitmap = inDepth(file.bitmap, working, path);

@@ -5,6 +5,7 @@
 #include "Host/Files/PictureReading.h"
 #include "Host/Pixels/Bitmaps.h"
 #include "Host/Pixels/Layouts.h"
+#include "Host/Rendering/ColorFlow.h"
 
 #include <optional>
 #include <string>
@@ -12,12 +13,12 @@
 
 namespace host {
 
-// Pictures of one working depth.
+// Pictures of one working depth and one color space.
 struct InputPictures {
   std::vector<BitmapRef> bitmaps;
   std::vector<std::shared_ptr<const PictureInfo>> infos;  // what their files say
   std::vector<std::string> paths;                         // the files that they came from
-  Depth depth = Depth::Bits8;
+  Depth depth = Depth::Bits8;                             // of what is made of them; light is held in floats
 };
 
 // The files that flow into an effect: stills, sequences, or both. A still is read once.
@@ -26,7 +27,8 @@ class Inputs {
   // Without a depth the first pictures decide: the deepest of theirs, 8 < 16 < half < float, but float for 16 and half
   // together. Later frames are converted to it.
   // With a layout all go through bitmaps of it.
-  Inputs(const std::vector<std::string>& paths, std::optional<Depth> depth, std::optional<Layout> layout = {});
+  Inputs(const std::vector<std::string>& paths, std::optional<Depth> depth, std::optional<Layout> layout = {},
+         ColorWishes colors = {});
 
   bool areSequence() const;
   // The given frames, or all that exist. Throws Failure when one is missing, or when sequences have different frames.
@@ -36,6 +38,8 @@ class Inputs {
   InputPictures pictures() { return picturesAt(0); }
   InputPictures picturesAt(std::uint32_t frame);
 
+  ColorFlow& colors() { return colors_; }
+
  private:
   struct Source {
     std::string path;
@@ -44,11 +48,12 @@ class Inputs {
     std::shared_ptr<const PictureInfo> stillInfo;
   };
   void decideDepth(const std::vector<FilePicture>& files);
-  BitmapRef bitmapOf(FilePicture file, const std::string& path) const;
+  BitmapRef bitmapOf(std::size_t index, FilePicture file, const std::string& path);
 
   std::vector<Source> sources_;
   std::optional<Depth> depth_;
   std::optional<Layout> layout_;
+  ColorFlow colors_;
 };
 
 }  // namespace host

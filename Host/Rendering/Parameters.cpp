@@ -3,6 +3,7 @@
 
 #include "Host/Files/PictureReading.h"
 #include "Host/Messages/Failure.h"
+#include "Host/Messages/Remark.h"
 #include "Host/Pixels/Bitmaps.h"
 #include "Host/Rendering/Assignment.h"
 #include "Host/Rendering/EffectRendering.h"
@@ -27,6 +28,7 @@ void setPortFromState(QCPort& port, const std::string& path) {
   if (!port.setStateValue(file.state, &reason)) {
     throw Failure(ExitCode::Input, port.key() + "=" + path + ": " + reason);
   }
+  for (const std::string& note : file.notes) remark(path + ": " + note);
 }
 
 // The picture keeps its own size and depth, which have nothing to do with the frame's.
@@ -35,6 +37,35 @@ void setPortFromPicture(QCImagePort& port, const std::string& path) {
     VRTImage::setBitmapOfPort(port, readImage(path));
   } catch (const Failure& failure) {
     throw Failure(failure.code, port.key() + ": " + failure.what());
+  }
+}
+
+// The port of a name, and the part of its value that is named behind a full stop; none for the whole.
+struct PortPart {
+  QCPort& port;
+  std::string part;
+};
+
+PortPart portPartNamed(EffectRendering& rendering, const std::string& name) {
+  const QCPatch& patch = rendering.patch();
+  for (std::size_t dot = name.find('.'); dot != std::string::npos; dot = name.find('.', dot + 1)) {
+    if (findInputPort(patch, name)) break;
+    if (QCPort* port = findInputPort(patch, name.substr(0, dot))) return {*port, name.substr(dot + 1)};
+  }
+  return {inputPortNamed(patch, rendering.effect(), name), ""};
+}
+
+void setValue(EffectRendering& rendering, const std::string& name, const std::string& value) {
+  const auto [port, part] = portPartNamed(rendering, name);
+  if (&port == rendering.roles().time) {
+    throw Failure(ExitCode::Usage, port.key() + " is the time of the transition; give it with --time");
+  }
+  if (!part.empty()) {
+    setPartOfPort(port, part, value);
+  } else if (takesPicture(port, rendering.roles())) {
+    setPortFromPicture(dynamic_cast<QCImagePort&>(port), value);
+  } else {
+    setPortFromText(port, value);
   }
 }
 
@@ -65,15 +96,7 @@ void setParameters(EffectRendering& rendering, const std::vector<std::string>& v
   }
   for (const std::string& text : values) {
     const auto [name, value] = valueAssignment(text);
-    QCPort& port = inputPortNamed(rendering.patch(), rendering.effect(), name);
-    if (&port == rendering.roles().time) {
-      throw Failure(ExitCode::Usage, port.key() + " is the time of the transition; give it with --time");
-    }
-    if (takesPicture(port, rendering.roles())) {
-      setPortFromPicture(dynamic_cast<QCImagePort&>(port), value);
-    } else {
-      setPortFromText(port, value);
-    }
+    setValue(rendering, name, value);
   }
 }
 

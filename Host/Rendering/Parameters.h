@@ -21,8 +21,9 @@ std::optional<StateKind> stateKindOf(const QCPort& port);
 // without, and that is set like a value.
 bool takesPicture(const QCPort& port, const EffectRoles& roles);
 
-// Sets the effect's ports from "port=value", where the value of a port that takesPicture() is a file, and "port=FILE"
-// (a state file). Throws Failure for the first that does not fit.
+// Sets the effect's ports from "port=FILE" (a state file), then from "port=value", each in order; the value of a port
+// that takesPicture() is a file, and "port.part=value" sets one value of levels. What is to be said of a file that was
+// read goes to standard error. Throws Failure for the first that does not fit.
 void setParameters(EffectRendering& rendering, const std::vector<std::string>& values,
                    const std::vector<std::string>& states);
 

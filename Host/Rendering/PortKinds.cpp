@@ -96,15 +96,20 @@ std::vector<std::string> portMenu(const QCPort& port) {
   return entries;
 }
 
+QCPort* findInputPort(const QCPatch& patch, const std::string& name) {
+  for (const auto& port : patch.inputPorts()) {
+    if (port->key() == name) return port.get();
+  }
+  for (const auto& port : patch.inputPorts()) {
+    if (answersTo(*port, folded(name))) return port.get();
+  }
+  return nullptr;
+}
+
 QCPort& inputPortNamed(const QCPatch& patch, const std::string& effect, const std::string& name) {
-  for (const auto& port : patch.inputPorts()) {
-    if (port->key() == name) return *port;
-  }
+  if (QCPort* port = findInputPort(patch, name)) return *port;
   std::vector<std::string> keys;
-  for (const auto& port : patch.inputPorts()) {
-    if (answersTo(*port, folded(name))) return *port;
-    keys.push_back(port->key());
-  }
+  for (const auto& port : patch.inputPorts()) keys.push_back(port->key());
   const std::string known = keys.empty() ? "it has no ports" : "its ports are " + joinedNames(keys);
   throw Failure(ExitCode::Usage, "the effect \"" + effect + "\" has no port \"" + name + "\"; " + known);
 }

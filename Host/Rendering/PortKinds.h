@@ -25,7 +25,8 @@ std::string rangeText(const PortRange& range);  // "0 to 1", "at least 1", "at m
 std::vector<std::string> portMenu(const QCPort& port);  // empty when the port has none
 
 // An input port by its key, or by its name or its key without a leading "input", both without regard to case and
-// spaces. Throws Failure for an unknown name, with those that are known.
+// spaces. Throws Failure for an unknown name, with those that are known; findInputPort() returns null.
+QCPort* findInputPort(const QCPatch& patch, const std::string& name);
 QCPort& inputPortNamed(const QCPatch& patch, const std::string& effect, const std::string& name);
 
 }  // namespace host

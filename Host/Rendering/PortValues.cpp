@@ -3,8 +3,11 @@
 
 #include "Host/Messages/CloseNames.h"
 #include "Host/Messages/Failure.h"
+#include "Host/Messages/Remark.h"
 #include "Host/Messages/Utf8.h"
 #include "Host/Rendering/PortKinds.h"
+#include "Host/States/StateFile.h"
+#include "Host/Texts/LevelsText.h"
 #include "Platform/QuartzComposer/QCPort.h"
 
 #include <charconv>
@@ -106,6 +109,20 @@ std::shared_ptr<QCColor> parsedColor(const QCPort& port, const std::string& text
   return std::make_shared<QCColor>(*components[0], *components[1], *components[2], alpha);
 }
 
+NSObjectRef parsedParameter(const QCPort& port, const std::string& text, StateKind kind) {
+  if (validUtf8(text) != text) refuse(port, text, "the text is not UTF-8");
+  try {
+    const StateFile state = stateOfInlineText(text, kind);
+    if (state.kind != kind) refuse(port, text, std::string("the port takes ") + stateKindName(kind));
+    for (const std::string& note : state.notes) remark(port.key() + ": " + note);
+    return state.object;
+  } catch (const TextFault& fault) {
+    const bool mayBeFile = fault.offset == 0 && !std::string_view(fault.what()).ends_with('?');
+    throw Failure(ExitCode::Usage, port.key() + "=" + quotedText(text) + ": " + faultWithPlace(text, fault, true) +
+                                       (mayBeFile ? "; a saved state is given with --state" : ""));
+  }
+}
+
 NSObjectRef parsedValue(const QCPort& port, const std::string& text) {
   switch (portKindOf(port)) {
     case PortKind::Number: {
@@ -125,10 +142,11 @@ NSObjectRef parsedValue(const QCPort& port, const std::string& text) {
     case PortKind::Image:
       refuse(port, text, "the port takes an image; give its file with --input");
     case PortKind::Gradient:
+      return parsedParameter(port, text, StateKind::Gradient);
     case PortKind::Levels:
+      return parsedParameter(port, text, StateKind::Levels);
     case PortKind::Opaque:
-      refuse(port, text,
-             std::string("the port takes a ") + portKindName(portKindOf(port)) + " state; give its file with --state");
+      refuse(port, text, "the port takes an opaque state; give its file with --state");
     case PortKind::Object:
       break;
   }
@@ -139,6 +157,22 @@ NSObjectRef parsedValue(const QCPort& port, const std::string& text) {
 
 void setPortFromText(QCPort& port, const std::string& text) {
   if (!port.setValue(parsedValue(port, text))) refuse(port, text, "the port does not take this value");
+}
+
+void setPartOfPort(QCPort& port, const std::string& part, const std::string& text) {
+  const std::string whole = port.key() + "." + printable(part) + "=" + printable(text) + ": ";
+  if (portKindOf(port) != PortKind::Levels) {
+    throw Failure(ExitCode::Usage, whole + "only a port of levels is set in parts, and this one takes a " +
+                                       portKindName(portKindOf(port)));
+  }
+  PropertyList state = port.stateValue().value_or(defaultLevels());
+  try {
+    setLevelsValue(state, part, text);
+  } catch (const TextFault& fault) {
+    throw Failure(ExitCode::Usage, whole + fault.what());
+  }
+  std::string reason;
+  if (!port.setStateValue(state, &reason)) throw Failure(ExitCode::Usage, whole + reason);
 }
 
 }  // namespace host

@@ -13,7 +13,12 @@ namespace host {
 //   index    a whole number, or an entry of the port's menu
 //   color    #rrggbb, #rrggbbaa, or r,g,b and r,g,b,a with 0 to 1
 //   string   the text as it is
+//   gradient, levels  their texts (Host/Texts/GradientText.h, LevelsText.h), and linear-gradient() of CSS
 // Throws Failure when the text does not fit, with what would have.
 void setPortFromText(QCPort& port, const std::string& text);
+
+// Sets one value of a port of levels by its name, as "red.blackIn", and leaves its others as they are. Throws Failure
+// for other ports, unknown names and texts that do not fit.
+void setPartOfPort(QCPort& port, const std::string& part, const std::string& text);
 
 }  // namespace host

@@ -3,6 +3,7 @@
 
 #include "Host/Messages/Failure.h"
 #include "Host/States/StateChecks.h"
+#include "Host/Texts/JsonReader.h"
 #include "Platform/Foundation/NSFiles.h"
 #include "Platform/Foundation/NSKeyedArchiver.h"
 #include "Platform/Foundation/NSKeyedUnarchiver.h"
@@ -96,9 +97,19 @@ void interpretArchive(StateFile& file, PropertyList::Bytes bytes, std::optional<
   file.object = objectOfState(StateKind::Opaque, PropertyList::mutableData(std::move(bytes)));
 }
 
-void interpret(StateFile& file, PropertyList::Bytes bytes, std::optional<StateKind> wanted) {
-  if (isKeyedArchive(file.list)) return interpretArchive(file, std::move(bytes), wanted);
-  file.form = StateForm::Dictionary;
+// The state in what stateAsJson() wrote, or the whole where it is a state itself.
+PropertyList stateOfJson(PropertyList json, std::optional<StateKind>& wanted) {
+  const PropertyList* kind = json.find("kind");
+  const PropertyList* state = json.find("state");
+  if (!kind || !state) return json;
+  for (const StateKind each : {StateKind::Gradient, StateKind::Levels, StateKind::Opaque}) {
+    if (kind->stringValue() == stateKindName(each)) wanted = each;
+  }
+  const PropertyList* data = wanted == StateKind::Opaque ? state->find("data") : nullptr;
+  return data ? PropertyList::mutableData(bytesOfHexadecimal(data->stringValue())) : *state;
+}
+
+void interpretList(StateFile& file, std::optional<StateKind> wanted) {
   if (file.list.isData()) {
     file.kind = StateKind::Opaque;
   } else if (const auto kind = kindOfDictionary(file.list, wanted)) {
@@ -107,6 +118,33 @@ void interpret(StateFile& file, PropertyList::Bytes bytes, std::optional<StateKi
     throw Refusal("it holds neither a gradient, nor levels, nor opaque data");
   }
   file.object = objectOfState(file.kind, file.list);
+}
+
+void interpretText(StateFile& file, std::string_view text, std::optional<StateKind> wanted) {
+  ParameterText parameter = parameterOfText(text, wanted);
+  file.form = StateForm::Text;
+  file.kind = parameter.kind;
+  file.textFormat = parameter.format;
+  file.notes = std::move(parameter.notes);
+  file.list = std::move(parameter.state);
+  file.object = objectOfState(file.kind, file.list);
+}
+
+void interpret(StateFile& file, PropertyList::Bytes bytes, std::optional<StateKind> wanted) {
+  if (isKeyedArchive(file.list)) return interpretArchive(file, std::move(bytes), wanted);
+  file.form = StateForm::Dictionary;
+  interpretList(file, wanted);
+}
+
+void interpretJson(StateFile& file, std::string_view text, std::optional<StateKind> wanted) {
+  file.form = StateForm::Text;
+  file.textFormat = "JSON";
+  file.list = stateOfJson(propertyListOfJson(text), wanted);
+  interpretList(file, wanted);
+}
+bool looksLikeJson(std::string_view text) {
+  const std::size_t first = text.find_first_not_of(" \t\r\n");
+  return first != std::string_view::npos && text[first] == '{';
 }
 
 void completeState(StateFile& file) {
@@ -118,34 +156,38 @@ void completeState(StateFile& file) {
 
 }  // namespace
 
-const char* stateKindName(StateKind kind) {
-  switch (kind) {
-    case StateKind::Gradient:
-      return "gradient";
-    case StateKind::Levels:
-      return "levels";
-    case StateKind::Opaque:
-      break;
-  }
-  return "opaque";
-}
-
 std::optional<StateFile> stateFileFromBytes(PropertyList::Bytes bytes, std::string* reason,
                                             std::optional<StateKind> kind) {
+  const std::string_view text = withoutByteOrderMark({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
   StateFile file;
-  auto list = PropertyListFromBytes(bytes, reason, &file.format);
-  if (!list) return std::nullopt;
-  file.list = std::move(*list);
   try {
-    interpret(file, std::move(bytes), kind);
+    if (isParameterText(text)) {
+      interpretText(file, text, kind);
+    } else if (looksLikeJson(text)) {
+      interpretJson(file, text, kind);
+    } else {
+      auto list = PropertyListFromBytes(bytes, reason, &file.format);
+      if (!list) return std::nullopt;
+      file.list = std::move(*list);
+      interpret(file, std::move(bytes), kind);
+    }
     completeState(file);
     return file;
   } catch (const std::bad_alloc&) {
     throw;
+  } catch (const TextFault& fault) {
+    if (reason) *reason = faultWithPlace(text, fault, false);
   } catch (const std::exception& error) {
     if (reason) *reason = error.what();
-    return std::nullopt;
   }
+  return std::nullopt;
+}
+
+StateFile stateOfInlineText(std::string_view text, StateKind kind) {
+  StateFile file;
+  interpretText(file, text, kind);
+  completeState(file);
+  return file;
 }
 
 StateFile readStateFile(const std::string& path, std::optional<StateKind> kind) {
@@ -169,6 +211,13 @@ PropertyList::Bytes convertedState(const StateFile& file, const std::string& pat
   }
   if (!bytes) throw Failure(ExitCode::Output, "cannot convert " + path + ": " + reason);
   return std::move(*bytes);
+}
+
+PropertyList::Bytes convertedState(const StateFile& file, const std::string& path, TextFormat format, Notes& notes) {
+  std::string reason;
+  const auto text = textOfParameter(file.kind, file.state, format, notes, &reason);
+  if (!text) throw Failure(ExitCode::Output, "cannot convert " + path + ": " + reason);
+  return {text->begin(), text->end()};
 }
 
 }  // namespace host

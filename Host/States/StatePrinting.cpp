@@ -14,10 +14,12 @@ namespace {
 
 const char* formName(const StateFile& file) {
   if (file.form == StateForm::Archive) return "archive";
+  if (file.form == StateForm::Text) return "text";
   return file.kind == StateKind::Opaque ? "data" : "dictionary";
 }
 
-const char* formatName(const StateFile& file) {
+std::string formatName(const StateFile& file) {
+  if (file.form == StateForm::Text) return file.textFormat;
   return file.format == PropertyListFormat::Xml ? "XML" : "binary";
 }
 
@@ -134,7 +136,8 @@ std::string opaqueAsText(const NSObject* value) {
   return list ? className + treeAsText(*list, "", "  ") : className;
 }
 
-void writeOpaque(JsonWriter& json, const NSObject* value) {
+// The archive itself is what is read back; the value is for people and for programs that know it.
+void writeOpaque(JsonWriter& json, const NSObject* value, const PropertyList& data) {
   json.beginObject();
   json.key("class");
   json.value(std::string_view(value ? value->className() : ""));
@@ -142,6 +145,8 @@ void writeOpaque(JsonWriter& json, const NSObject* value) {
     json.key("value");
     json.value(*list);
   }
+  json.key("data");
+  json.value(data);
   json.endObject();
 }
 
@@ -149,7 +154,8 @@ void writeOpaque(JsonWriter& json, const NSObject* value) {
 
 std::string stateAsText(const StateFile& file) {
   const std::string heading = std::string(stateKindName(file.kind)) + ", class " + printable(file.object->className()) +
-                              ", " + formatName(file) + " " + formName(file) + "\n";
+                              ", " + formatName(file) +
+                              (file.textFormat == "text" ? "" : std::string(" ") + formName(file)) + "\n";
   switch (file.kind) {
     case StateKind::Gradient:
       return heading + gradientAsText(file.state);
@@ -171,10 +177,10 @@ std::string stateAsJson(const StateFile& file) {
   json.key("form");
   json.value(formName(file));
   json.key("format");
-  json.value(file.format == PropertyListFormat::Xml ? "xml" : "binary");
+  json.value(std::string_view(lowered(formatName(file))));
   json.key("state");
   if (file.kind == StateKind::Opaque) {
-    writeOpaque(json, opaqueValue(file));
+    writeOpaque(json, opaqueValue(file), file.state);
   } else {
     json.value(file.state);
   }

@@ -130,6 +130,77 @@ TEST(State, TextsAndBareStatesAreReadAsTheyAreMeant) {
   EXPECT_EQ(vorto({"state", at("bare.plist")}).exitCode, 3) << "of which kind";
 }
 
+// A gradient as its file, as text in a file and on the command line, and as JSON; levels value by value.
+TEST(State, ComesAsTextToo) {
+  const TemporaryFolder folder;
+  const auto at = [&](const std::string& name) { return folder.path() + "/" + name; };
+  writeTiff(at("in.tif"), variedImage(19, 7, 16));
+  const auto rendered = [&](const std::string& effect, const Words& more) {
+    passThrough(at("in.tif"), at("out.tif"), more, effect);
+    return readFile(at("out.tif"));
+  };
+  vortoSucceeds({"state", document("gradient"), "--convert", "text", "--output", at("gradient.txt")});
+  writeFile(at("gradient.json"), vortoSucceeds({"state", document("gradient"), "--json"}).out);
+  const std::string text = readFile(at("gradient.txt"));
+  EXPECT_EQ(text,
+            "color(srgb 0.1 0 0.3333333333333333) -0%,\ncolor(srgb 0.9 0.8 0.1) smooth 100% middle 25%,\n"
+            "opacity 75% smooth 0%\n");
+  const std::string map = rendered("Gradient Map", {"--state", "gradient=" + document("gradient")});
+  EXPECT_EQ(rendered("Gradient Map", {"--state", "gradient=" + at("gradient.txt")}), map);
+  EXPECT_EQ(rendered("Gradient Map", {"--state", "gradient=" + at("gradient.json")}), map);
+  EXPECT_EQ(rendered("Gradient Map", {"--set", "gradient=" + text}), map);
+
+  vortoSucceeds({"state", document("levels"), "--convert", "text", "--output", at("levels.txt")});
+  writeFile(at("levels.json"), vortoSucceeds({"state", document("levels"), "--json"}).out);
+  const std::string levels = rendered("Levels", {"--state", "levels=" + document("levels")});
+  EXPECT_EQ(rendered("Levels", {"--state", "levels=" + at("levels.txt")}), levels);
+  EXPECT_EQ(rendered("Levels", {"--state", "levels=" + at("levels.json")}), levels);
+  Words each;
+  std::string list = readFile(at("levels.txt"));
+  for (std::size_t begin = 0; begin < list.size();) {
+    const std::size_t end = std::min(list.find(", ", begin), list.size() - 1);
+    each.insert(each.end(), {"--set", "Input Levels." + list.substr(begin, end - begin)});
+    begin = end + 2;
+  }
+  EXPECT_GE(each.size(), 6u);
+  EXPECT_EQ(rendered("Levels", each), levels);
+  each.insert(each.begin(),
+              {"--set", "levels.gamma=5", "--set", "levels=gamma=2, red.gamma=3", "--set", "levels=gamma=1"});
+  EXPECT_EQ(rendered("Levels", each), levels) << "a whole takes the place of what was there";
+  each = {"--state", "levels=" + document("levels"), "--set", "levels.gamma=3", "--set", "levels.gammaRGB=2"};
+  EXPECT_NE(rendered("Levels", each), levels);
+  each.insert(each.end(), {"--set", "levels.green.whiteIn=10%"});
+  const std::string steep = rendered("Levels", each);
+  writeFile(at("steep.json"), std::regex_replace(std::regex_replace(readFile(at("levels.json")),
+                                                                    std::regex("(gammaRGB\": )[^,]*"), "$012"),
+                                                 std::regex("(whiteInGreen\": )[^,]*"), "$010.1"));
+  EXPECT_EQ(rendered("Levels", {"--state", "levels=" + at("steep.json")}), steep) << "on top of a state";
+}
+
+// What other programs wrote is taken over with a remark, and is then a state like any other.
+TEST(State, OfOtherProgramsIsRemarkedOn) {
+  const TemporaryFolder folder;
+  const auto at = [&](const std::string& name) { return folder.path() + "/" + name; };
+  writeTiff(at("in.tif"), variedImage(19, 7, 16));
+  const std::string waves = VORTO_TEST_DOCUMENTS "/waves.ggr";
+  const ProgramRun converted = vorto({"state", waves, "--convert", "xml", "--output", at("waves.plist")});
+  EXPECT_EQ(converted.exitCode, 0);
+  EXPECT_NE(converted.err.find("waves.ggr: 8"), std::string::npos) << converted.err;
+  const auto map = [&](const std::string& state) {
+    const ProgramRun run = vorto(
+        {"render", "Gradient Map", "--input", at("in.tif"), "--output", at("out.tif"), "--state", "gradient=" + state});
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_EQ(run.err, state == waves ? converted.err : "");
+    return readFile(at("out.tif"));
+  };
+  EXPECT_EQ(map(waves), map(at("waves.plist")));
+  for (const char* format : {"css", "svg", "ggr"}) {
+    const ProgramRun run = vorto({"state", document("gradient"), "--convert", format, "--output", at(format)});
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+    map(at(format));
+  }
+}
+
 TEST(State, PrintsTables) {
   EXPECT_EQ(vortoSucceeds({"state", document("gradient")}).out,
             "gradient, class VRTGradient, XML dictionary\n"
@@ -156,11 +227,14 @@ TEST(State, OpaqueDataSurvivesEveryFormatAndForm) {
   for (const std::string& file : {document("opaque"), at("raw"), at("data"), at("archive")}) {
     EXPECT_EQ(parsed(vortoSucceeds({"state", file, "--json"}).out)["state"]["value"], Json({{"seed", 42}})) << file;
   }
+  writeFile(at("json"), vortoSucceeds({"state", document("opaque"), "--json"}).out);
+  vortoSucceeds({"state", at("json"), "--convert", "xml", "--output", at("again")});
+  EXPECT_EQ(readFile(at("again")), readFile(at("data")));
 }
 
 TEST(State, JsonTellsEverything) {
   const std::string out = vortoSucceeds({"state", document("gradient"), "--json"}).out;
-  EXPECT_NE(out.find(" -0,"), std::string::npos) << "the library reads it as 0: " << out;
+  EXPECT_NE(out.find(" -0.0,"), std::string::npos) << "to be compared with 0 it is the same: " << out;
   const Json json = parsed(out);
   EXPECT_EQ(json["kind"], "gradient");
   EXPECT_EQ(json["class"], "VRTGradient");

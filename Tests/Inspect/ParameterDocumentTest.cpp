@@ -72,6 +72,13 @@ TEST_F(ParameterDocumentTest, KeepsTheFormatOfAFile) {
   const auto again = NSReadFile(at("binary"), &reason);
   ASSERT_TRUE(again && PropertyListFromBytes(*again, &reason, &format)) << reason;
   EXPECT_EQ(format, PropertyListFormat::Binary);
+
+  const std::string text = "gamma=2";
+  ASSERT_TRUE(NSWriteFile(at("text"), {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()}, &reason));
+  document.load(at("text"), second);
+  EXPECT_EQ(levelsOf(*second).gammaForChannel(0), 2);
+  EXPECT_EQ(document.file(*second), "") << "a text is not overwritten with a list";
+  EXPECT_FALSE(document.isModified(*second));
 }
 
 TEST_F(ParameterDocumentTest, RefusesWithoutChangingAnything) {

@@ -93,12 +93,13 @@ class LibraryModule : public ColorModule {
     return *configuration_;
   }
 
-  // Profiles and names meet in linear Rec. 709, where nothing is cut.
+  // Profiles and the names of the user's configuration meet in linear Rec. 709, where nothing is cut.
   std::unique_ptr<ColorTransform> transformBetween(const ColorSpace& from, const ColorSpace& to) {
     if (from.kind == Kind::Raw || to.kind == Kind::Raw) throw std::invalid_argument("raw values are not converted");
     const ColorSpace light = knownSpace(KnownSpace::LinearRec709, ColorSpace::Origin::Assumed);
     if (hasName(from) && hasName(to)) return configuration().makeTransform(from, to);
-    if (!hasName(from) && !hasName(to)) return makeProfileTransform(from, to);
+    const bool areNumbers = from.kind != Kind::Named && to.kind != Kind::Named && path_.empty();
+    if (areNumbers || (!hasName(from) && !hasName(to))) return makeProfileTransform(from, to);
     if (hasName(from)) {
       return std::make_unique<Chain>(configuration().makeTransform(from, light), makeProfileTransform(light, to));
     }

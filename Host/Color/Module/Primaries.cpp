@@ -2,15 +2,6 @@
 #include "Host/Color/Module/Primaries.h"
 
 namespace host {
-namespace {
-
-using Vector = std::array<double, 3>;
-
-Vector product(const Matrix& m, const Vector& v) {
-  Vector result{};
-  for (std::size_t i = 0; i < 3; ++i) result[i] = m[i][0] * v[0] + m[i][1] * v[1] + m[i][2] * v[2];
-  return result;
-}
 
 Matrix product(const Matrix& a, const Matrix& b) {
   Matrix result{};
@@ -36,6 +27,16 @@ Matrix inverse(const Matrix& m) {
   return result;
 }
 
+namespace {
+
+using Vector = std::array<double, 3>;
+
+Vector applied(const Matrix& m, const Vector& v) {
+  Vector result{};
+  for (std::size_t i = 0; i < 3; ++i) result[i] = m[i][0] * v[0] + m[i][1] * v[1] + m[i][2] * v[2];
+  return result;
+}
+
 Vector xyzOf(const Chromaticity& point) {  // of luminance 1
   return {point.x / point.y, 1, (1 - point.x - point.y) / point.y};
 }
@@ -49,7 +50,7 @@ Matrix matrixToXyz(const Primaries& primaries) {
     matrix[1][j] = points[j].y;
     matrix[2][j] = 1 - points[j].x - points[j].y;
   }
-  const Vector amounts = product(inverse(matrix), xyzOf(primaries.white));
+  const Vector amounts = applied(inverse(matrix), xyzOf(primaries.white));
   for (Vector& row : matrix) {
     for (std::size_t j = 0; j < 3; ++j) row[j] *= amounts[j];
   }
@@ -59,8 +60,8 @@ Matrix matrixToXyz(const Primaries& primaries) {
 // ICC.1, annex E: the cone responses of Bradford, scaled from the one white to the other.
 Matrix adaptation(const Chromaticity& from, const Chromaticity& to) {
   constexpr Matrix bradford{{{0.8951, 0.2664, -0.1614}, {-0.7502, 1.7135, 0.0367}, {0.0389, -0.0685, 1.0296}}};
-  const Vector fromCones = product(bradford, xyzOf(from));
-  const Vector toCones = product(bradford, xyzOf(to));
+  const Vector fromCones = applied(bradford, xyzOf(from));
+  const Vector toCones = applied(bradford, xyzOf(to));
   Matrix scale{};
   for (std::size_t i = 0; i < 3; ++i) scale[i][i] = toCones[i] / fromCones[i];
   return product(inverse(bradford), product(scale, bradford));

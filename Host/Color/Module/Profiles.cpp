@@ -2,8 +2,8 @@
 #include "Host/Color/Module/Profiles.h"
 
 #include "Host/Color/KnownSpaces.h"
-
-#include <lcms2.h>
+#include "Host/Color/Module/LittleCms.h"
+#include "Host/Color/Module/MatrixProfile.h"
 
 #include <algorithm>
 #include <array>
@@ -11,58 +11,21 @@
 #include <string>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 namespace host {
 namespace {
 
-struct Closing {
-  void operator()(void* handle) const { cmsCloseProfile(handle); }
-};
-using Profile = std::unique_ptr<void, Closing>;
-
-struct Deleting {
-  void operator()(void* handle) const { cmsDeleteTransform(handle); }
-};
-using Transform = std::unique_ptr<void, Deleting>;
-
-struct Freeing {
-  void operator()(cmsToneCurve* curve) const { cmsFreeToneCurve(curve); }
-};
-using Curve = std::unique_ptr<cmsToneCurve, Freeing>;
-
-// The library's state, with the last error that it reported.
-class Context {
- public:
-  Context() : context_(cmsCreateContext(nullptr, this)) {
-    if (!context_) throw std::bad_alloc();
-    cmsSetLogErrorHandlerTHR(context_, [](cmsContext context, cmsUInt32Number, const char* text) {
-      static_cast<Context*>(cmsGetContextUserData(context))->error_ = text;
-    });
-  }
-  ~Context() { cmsDeleteContext(context_); }
-  Context(const Context&) = delete;
-  Context& operator=(const Context&) = delete;
-
-  operator cmsContext() const { return context_; }
-  [[noreturn]] void fail(const std::string& what) const {
-    throw std::runtime_error(what + (error_.empty() ? "" : ": " + error_));
-  }
-
- private:
-  cmsContext context_;
-  std::string error_;
-};
-
-Curve makeCurve(const Context& context, const TransferCurve& curve) {
+ToneCurve makeCurve(const ProfileContext& context, const TransferCurve& curve) {
   constexpr std::array<double, 5> sRgb{2.4, 1 / 1.055, 0.055 / 1.055, 1 / 12.92, 0.04045};
-  Curve made(curve.kind == TransferCurve::Kind::SRgb ? cmsBuildParametricToneCurve(context, 4, sRgb.data())
-                                                     : cmsBuildGamma(context, curve.exponent));
+  ToneCurve made(curve.kind == TransferCurve::Kind::SRgb ? cmsBuildParametricToneCurve(context, 4, sRgb.data())
+                                                         : cmsBuildGamma(context, curve.exponent));
   if (!made) context.fail("the curve cannot be made");
   return made;
 }
 
-Profile describedProfile(const Context& context, const Primaries& primaries, const TransferCurve& transfer) {
-  const Curve curve = makeCurve(context, transfer);
+Profile describedProfile(const ProfileContext& context, const Primaries& primaries, const TransferCurve& transfer) {
+  const ToneCurve curve = makeCurve(context, transfer);
   cmsToneCurve* const curves[] = {curve.get(), curve.get(), curve.get()};
   const cmsCIExyY white{primaries.white.x, primaries.white.y, 1};
   const cmsCIExyYTRIPLE points{{primaries.red.x, primaries.red.y, 1},
@@ -73,7 +36,7 @@ Profile describedProfile(const Context& context, const Primaries& primaries, con
   return profile;
 }
 
-Profile openProfile(const Context& context, const ColorSpace& space) {
+Profile openProfile(const ProfileContext& context, const ColorSpace& space) {
   if (space.kind != ColorSpace::Kind::Profile) return describedProfile(context, space.primaries, space.curve);
   Profile profile(
       cmsOpenProfileFromMemTHR(context, space.profile->data(), static_cast<cmsUInt32Number>(space.profile->size())));
@@ -85,14 +48,24 @@ Profile openProfile(const Context& context, const ColorSpace& space) {
 constexpr cmsUInt32Number kGrayPixels =
     FLOAT_SH(1) | COLORSPACE_SH(PT_GRAY) | CHANNELS_SH(1) | EXTRA_SH(3) | BYTES_SH(4);
 
-class ProfileTransform : public ColorTransform {
+// Two profiles as the library has them open.
+struct OpenProfiles {
+  OpenProfiles(const ColorSpace& fromSpace, const ColorSpace& toSpace)
+      : from(openProfile(context, fromSpace)), to(openProfile(context, toSpace)) {}
+
+  ProfileContext context;
+  Profile from;
+  Profile to;
+};
+
+// Of profiles that hold tables of colors: the library's way.
+class TableTransform : public ColorTransform {
  public:
-  ProfileTransform(const ColorSpace& from, const ColorSpace& to)
-      : from_(openProfile(context_, from)), to_(openProfile(context_, to)) {
-    transform_.reset(cmsCreateTransformTHR(context_, from_.get(), from.isGray ? kGrayPixels : TYPE_RGBA_FLT, to_.get(),
-                                           TYPE_RGBA_FLT, INTENT_RELATIVE_COLORIMETRIC,
-                                           cmsFLAGS_BLACKPOINTCOMPENSATION | cmsFLAGS_NOCACHE));
-    if (!transform_) context_.fail("the ICC profile cannot be used");
+  TableTransform(std::unique_ptr<OpenProfiles> profiles, bool isFromGray) : profiles_(std::move(profiles)) {
+    transform_.reset(cmsCreateTransformTHR(
+        profiles_->context, profiles_->from.get(), isFromGray ? kGrayPixels : TYPE_RGBA_FLT, profiles_->to.get(),
+        TYPE_RGBA_FLT, INTENT_RELATIVE_COLORIMETRIC, cmsFLAGS_BLACKPOINTCOMPENSATION | cmsFLAGS_NOCACHE));
+    if (!transform_) profiles_->context.fail("the ICC profile cannot be used");
   }
   void apply(float* rgba, std::size_t pixels) override {
     constexpr std::size_t band = std::size_t{1} << 20;
@@ -103,13 +76,41 @@ class ProfileTransform : public ColorTransform {
   }
 
  private:
-  Context context_;
-  Profile from_;
-  Profile to_;
-  Transform transform_;
+  std::unique_ptr<OpenProfiles> profiles_;
+  LibraryTransform transform_;
 };
 
-void describe(const Context& context, void* profile, const std::string& text) {
+// Of profiles that are a matrix and curves, whose black is 0: nothing is cut.
+class MatrixTransform : public ColorTransform {
+ public:
+  MatrixTransform(std::unique_ptr<OpenProfiles> profiles, const MatrixProfile& from, const MatrixProfile& to)
+      : profiles_(std::move(profiles)) {
+    // Gray is the same light in all three colors.
+    const Matrix matrix =
+        from.isGray ? Matrix{{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}} : product(inverse(to.matrix), from.matrix);
+    for (std::size_t i = 0; i < 3; ++i) {
+      for (std::size_t j = 0; j < 3; ++j) matrix_[i][j] = static_cast<float>(matrix[i][j]);
+      toLight_.emplace_back(from.toLight[i]);
+      fromLight_.emplace_back(to.fromLight[i]);
+    }
+  }
+  void apply(float* rgba, std::size_t pixels) override {
+    for (float* pixel = rgba; pixel != rgba + 4 * pixels; pixel += 4) {
+      const float light[] = {toLight_[0](pixel[0]), toLight_[1](pixel[1]), toLight_[2](pixel[2])};
+      for (std::size_t c = 0; c < 3; ++c) {
+        pixel[c] = fromLight_[c](matrix_[c][0] * light[0] + matrix_[c][1] * light[1] + matrix_[c][2] * light[2]);
+      }
+    }
+  }
+
+ private:
+  std::unique_ptr<OpenProfiles> profiles_;  // the curves are theirs
+  float matrix_[3][3]{};
+  std::vector<CurveTable> toLight_;
+  std::vector<CurveTable> fromLight_;
+};
+
+void describe(const ProfileContext& context, void* profile, const std::string& text) {
   cmsMLU* const texts = cmsMLUalloc(context, 1);
   const bool isWritten = texts && cmsMLUsetASCII(texts, "en", "US", text.c_str()) &&
                          cmsWriteTag(profile, cmsSigProfileDescriptionTag, texts);
@@ -126,7 +127,13 @@ void setDate(Bytes& profile) {
 }  // namespace
 
 std::unique_ptr<ColorTransform> makeProfileTransform(const ColorSpace& from, const ColorSpace& to) {
-  return std::make_unique<ProfileTransform>(from, to);
+  auto profiles = std::make_unique<OpenProfiles>(from, to);
+  const auto fromMatrix = readMatrixProfile(profiles->from.get());
+  const auto toMatrix = readMatrixProfile(profiles->to.get());
+  if (fromMatrix && toMatrix && !toMatrix->isGray) {
+    return std::make_unique<MatrixTransform>(std::move(profiles), *fromMatrix, *toMatrix);
+  }
+  return std::make_unique<TableTransform>(std::move(profiles), from.isGray);
 }
 
 void checkProfile(const ColorSpace& space) {
@@ -136,7 +143,7 @@ void checkProfile(const ColorSpace& space) {
 }
 
 Bytes profileOf(const ColorSpace& space) {
-  const Context context;
+  const ProfileContext context;
   const Profile profile = describedProfile(context, space.primaries, space.curve);
   describe(context, profile.get(), space.name.empty() ? "Gamma and primaries of a picture" : space.name);
   cmsUInt32Number size = 0;

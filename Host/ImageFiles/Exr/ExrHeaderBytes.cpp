@@ -2,7 +2,6 @@
 #include "Host/ImageFiles/Exr/ExrHeaderBytes.h"
 
 #include <algorithm>
-#include <bit>
 
 namespace host::exr {
 namespace {
@@ -58,19 +57,6 @@ void addUnlessThere(HeaderAttribute attribute, std::vector<HeaderAttribute>* att
 }
 
 }  // namespace
-
-void ByteWriter::number(std::uint64_t value, unsigned size) {
-  for (unsigned i = 0; i < size; ++i) bytes_.push_back(static_cast<std::uint8_t>(value >> 8 * i));
-}
-
-void ByteWriter::real(float value) {
-  number(std::bit_cast<std::uint32_t>(value), 4);
-}
-
-void ByteWriter::text(const std::string& text) {
-  bytes_.insert(bytes_.end(), text.begin(), text.end());
-  bytes_.push_back(0);
-}
 
 Bytes headerBytes(const HeaderValues& values, std::vector<HeaderAttribute> attributes) {
   attributes.push_back({"channels", "chlist", channelList(*values.channels)});

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include "Host/ImageFiles/ByteWriter.h"
 #include "Host/ImageFiles/Exr/ExrPart.h"
 #include "Host/ImageFiles/FileMetadata.h"
 
@@ -9,22 +10,6 @@
 #include <vector>
 
 namespace host::exr {
-
-// Numbers as files hold them, the lowest byte first.
-class ByteWriter {
- public:
-  void number(std::uint64_t value, unsigned size);
-  void integer(std::int64_t value) { number(static_cast<std::uint32_t>(value), 4); }
-  void real(float value);
-  void text(const std::string& text);  // with the 0 that ends it
-  void bytes(const Bytes& bytes) { bytes_.insert(bytes_.end(), bytes.begin(), bytes.end()); }
-
-  std::size_t size() const { return bytes_.size(); }
-  Bytes take() { return std::move(bytes_); }
-
- private:
-  Bytes bytes_;
-};
 
 // What the header of a file with one part has to say.
 struct HeaderValues {

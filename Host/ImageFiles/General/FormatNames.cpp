@@ -43,8 +43,6 @@ constexpr Sign kSigns[] = {
     {"pnm", "P2"sv},
     {"pnm", "P3"sv},
     {"pnm", "P4"sv},
-    {"pnm", "P5"sv},
-    {"pnm", "P6"sv},
     {"sgi", "\x01\xda"sv},
     {"dds", "DDS "sv},
     {"iff", "FOR4"sv},

@@ -3,13 +3,13 @@
 
 #include "Host/ImageFiles/General/LibraryFile.h"
 #include "Host/ImageFiles/General/Metadata.h"
+#include "Host/ImageFiles/General/PortableAnymap.h"
 #include "Platform/Foundation/NSReason.h"
 
 #include <sys/mman.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstring>
 #include <vector>
 
 namespace host {
@@ -49,13 +49,9 @@ const char* libraryName(FileFormat format) {
       return "hdr";
     case FileFormat::Jpeg2000:
       return "jpeg2000";
-    case FileFormat::Heif:
+    default:
       return "heif";
-    case FileFormat::Pnm:
-    case FileFormat::Pfm:
-      break;
   }
-  return "pnm";
 }
 
 std::string withQuality(const std::string& method, int quality) {
@@ -88,10 +84,8 @@ class LibraryTarget {
 
   // The name to open; empty when there is no memory.
   std::string prepare(OIIO::ImageOutput& output) {
-    if (output.supports("ioproxy")) {
-      output.set_ioproxy(&proxy_);
-      return "image";
-    }
+    // The name's extension decides what a JPEG 2000 becomes.
+    if (output.supports("ioproxy") && output.set_ioproxy(&proxy_)) return "image.jp2";
     descriptor_ = memfd_create("image", MFD_CLOEXEC);
     return descriptor_ < 0 ? "" : "/proc/self/fd/" + std::to_string(descriptor_);
   }
@@ -124,6 +118,7 @@ bool writeRows(const WriteRequest& request, PixelRows& rows, OIIO::ImageOutput& 
 }  // namespace
 
 bool writeImage(const WriteRequest& request, PixelRows& rows, OutputBytes& bytes, std::string* reason) {
+  if (isPortableAnymap(request.format)) return writePortableAnymap(request, rows, bytes, reason);
   const OIIO::TypeDesc stored = request.depth == Depth::Half ? OIIO::TypeDesc::HALF : typeOf(request.sample);
   OIIO::ImageSpec spec(static_cast<int>(request.width), static_cast<int>(request.height),
                        static_cast<int>(channelCount(request.channels)), stored);

@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Host/Rendering/ColorFlow.h"
+
+#include "Host/Color/BitmapColors.h"
+#include "Host/Color/ColorModuleLoader.h"
+#include "Host/Color/FileSpace.h"
+#include "Host/Files/FileFormat.h"
+#include "Host/Messages/Failure.h"
+#include "Host/Messages/Remark.h"
+#include "TarnCore/TCBitmap.h"
+
+#include <algorithm>
+
+namespace host {
+namespace {
+
+void tell(const std::vector<std::string>& sentences) {
+  for (const std::string& sentence : sentences) remark(sentence);
+}
+
+bool convertsAnything(const InputPlan& plan) {
+  return std::find(plan.isConverted.begin(), plan.isConverted.end(), true) != plan.isConverted.end();
+}
+
+}  // namespace
+
+ColorInput ColorFlow::inputOf(std::size_t index, const std::string& path, const PictureInfo& info) const {
+  ColorInput input{path, {}, "", info.metadata.color, info.sample == SampleType::Float};
+  if (index < wishes_.inputs.size() && wishes_.inputs[index]) {
+    input.space = *wishes_.inputs[index];
+    return input;
+  }
+  FileSpace found = spaceOfFile(info, !userConfiguration().empty());
+  input.space = std::move(found.space);
+  input.remark = std::move(found.remark);
+  return input;
+}
+
+void ColorFlow::meet(const std::vector<std::string>& paths, const std::vector<const PictureInfo*>& infos) {
+  if (!isDecided_) {
+    for (std::size_t i = 0; i < paths.size(); ++i) {
+      inputs_.push_back(inputOf(i, paths[i], *infos[i]));
+      depths_.push_back(infos[i]->depth);
+    }
+    decide();
+    return;
+  }
+  for (std::size_t i = 0; i < paths.size(); ++i) {
+    if (!infos[i]) continue;
+    ColorInput input = inputOf(i, paths[i], *infos[i]);
+    if (isSameSpace(input.space, inputs_[i].space)) continue;
+    if (needsConversion(input.space, plan_.working)) {
+      remark(conversionSentence(paths[i], input.space, plan_.working));
+      plan_.needsFloat = plan_.needsFloat || plan_.working.isLinear;
+    }
+    inputs_[i].space = std::move(input.space);
+    conversions_[i].reset();
+  }
+}
+
+void ColorFlow::decide() {
+  plan_ = planInputs(inputs_, wishes_.working);
+  if (convertsAnything(plan_) && dropBrokenProfiles()) plan_ = planInputs(inputs_, wishes_.working);
+  conversions_.resize(inputs_.size());
+  isDecided_ = true;
+  tell(plan_.sentences);
+}
+
+// Whether there were any. Their pictures count as untagged.
+bool ColorFlow::dropBrokenProfiles() {
+  bool isAny = false;
+  for (std::size_t i = 0; i < inputs_.size(); ++i) {
+    ColorInput& input = inputs_[i];
+    std::string reason;
+    if (input.space.kind != ColorSpace::Kind::Profile || colorModule().checkProfile(input.space, &reason)) continue;
+    input.space = assumedSpace(depths_[i]);
+    input.remark = "its ICC profile is not used: " + reason + "; it counts as untagged";
+    isAny = true;
+  }
+  return isAny;
+}
+
+MutableBitmapRef ColorFlow::toWorking(std::size_t input, const FilePicture& picture, SampleType sample,
+                                      const std::string& path) {
+  const ColorSpace& from = inputs_[input].space;
+  if (!needsConversion(from, plan_.working)) return nullptr;
+  if (!conversions_[input]) conversions_[input] = std::make_unique<ColorConversion>(from, plan_.working);
+  return convertedBitmap(*conversions_[input], *picture.bitmap, picture.info->alpha, sample, path, nullptr);
+}
+
+void ColorFlow::decideOutput(const ColorOutput& output) {
+  const auto& wanted = wishes_.output;
+  output_ = planOutput(plan_, inputs_, wanted, output);
+  // Inputs that were not converted all have the broken profile that is found only now.
+  const bool wasUsed = convertsAnything(plan_) || plan_.working.kind != ColorSpace::Kind::Profile;
+  if (output_->isConverted && !wasUsed && dropBrokenProfiles()) {
+    plan_ = planInputs(inputs_, wishes_.working);
+    tell(plan_.sentences);
+    output_ = planOutput(plan_, inputs_, wanted, output);
+  }
+  tell(output_->sentences);
+  if (output_->isConverted) outputConversion_ = std::make_unique<ColorConversion>(plan_.working, output_->space);
+  std::string reason;
+  if (output_->needsProfile && !colorModule().makeProfile(output_->space, &output_->tag.iccProfile, &reason)) {
+    throw Failure(ExitCode::Output, "cannot make a profile of " + spaceText(output_->space) + ": " + reason);
+  }
+}
+
+BitmapRef ColorFlow::toOutput(const BitmapRef& result, const ColorOutput& output, Depth depth, ColorTag* tag) {
+  if (!output_) decideOutput(output);
+  *tag = output_->tag;
+  if (!output_->isConverted) return result;
+  const SampleType sample = sampleTypeOf(depth);
+  return convertedBitmap(*outputConversion_, *result, AlphaKind::Premultiplied, sample, "the result",
+                         sample == SampleType::Float ? nullptr : &cut_);
+}
+
+void ColorFlow::tellOfCuts() const {
+  if (cut_ == 0) return;
+  remark(std::to_string(cut_) +
+         (cut_ == 1 ? " pixel of the result lies outside " : " pixels of the result lie outside ") +
+         spaceText(output_->space) + " and " + (cut_ == 1 ? "was" : "were") + " clipped");
+}
+
+}  // namespace host
