@@ -158,7 +158,8 @@ TEST_F(Colors, ProfilesThatCannotBeUsedCountAsNone) {
   EXPECT_EQ(readImage(at("cut.tif")), image);
   const std::string said = say({"hollow.png"}, "hollow.exr");
   EXPECT_EQ(said.find("vorto: hollow.png: its ICC profile is not used: "), 0u) << said;
-  EXPECT_NE(said.find("vorto: the result is converted from sRGB (assumed) to Linear Rec.709\n"), std::string::npos) << said;
+  EXPECT_NE(said.find("vorto: the result is converted from sRGB (assumed) to Linear Rec.709\n"), std::string::npos)
+      << said;
   EXPECT_NEAR(readImage(at("hollow.exr")).pixel(128, 0)[0], 0.2158605, 2e-4);
 }
 
@@ -183,8 +184,8 @@ colorspaces:
             "vorto: in.png is converted from sRGB (assumed) to \"Twice\"\n"
             "vorto: the file holds \"Twice\", and its format cannot say so\n");
   EXPECT_NEAR(readImage(at("out.exr")).pixel(128, 0)[0], 0.5 * std::pow(128 / 255.0, 2), 1e-4);
-  const ProgramRun missing = vorto({"render", "Levels", "--input", at("in.png"), "--output", at("p3.png"),
-                                    "--output-space", "Display P3"}, user);
+  const ProgramRun missing = vorto(
+      {"render", "Levels", "--input", at("in.png"), "--output", at("p3.png"), "--output-space", "Display P3"}, user);
   EXPECT_EQ(missing.exitCode, 3);
   EXPECT_NE(missing.err.find("has no space \"Display P3\""), std::string::npos) << missing.err;
 }
