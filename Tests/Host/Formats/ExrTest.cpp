@@ -289,6 +289,17 @@ TEST(Exr, KeepsWhatItsHeaderSays) {
   ASSERT_EQ(readPicture(exr(), sound.file).info.metadata.attributes.size(), 1u);
 }
 
+TEST(Exr, IsSmallerTheMoreIsLost) {
+  host::WriteRequest request = requestFor(64, 64, host::Channels::RGB, host::Depth::Half);
+  const auto samples = testSamples(64 * 64 * 3);
+  request.settings.compression = "dwaa";
+  const std::size_t usual = writePicture(exr(), request, samples).file.size();
+  request.settings.quality = 100;
+  EXPECT_LT(writePicture(exr(), request, samples).file.size(), usual) << "it is the method's level";
+  request.settings.level = 1;
+  EXPECT_GT(writePicture(exr(), request, samples).file.size(), usual) << "a level goes before it";
+}
+
 TEST(Exr, IsNotWrittenOtherwiseThanItCanBe) {
   const struct {
     const char* compression;
