@@ -20,9 +20,9 @@ MutableBitmapRef convertedBitmap(ColorConversion& conversion, const VortoBitmap&
   MutableBitmapRef result =
       isInPlace ? ordered : newUnsetBitmap(bitmap.width, bitmap.height, formatCodeOf(sample), what);
   const std::uint64_t pixels = std::uint64_t{bitmap.width} * bitmap.height;
-  const auto count = conversion.convert(reinterpret_cast<const std::byte*>(source->data), from,
-                                        reinterpret_cast<std::byte*>(result->data),
-                                        {sample, AlphaKind::Premultiplied}, pixels);
+  const auto count =
+      conversion.convert(reinterpret_cast<const std::byte*>(source->data), from,
+                         reinterpret_cast<std::byte*>(result->data), {sample, AlphaKind::Premultiplied}, pixels);
   if (cut) *cut += count;
   return result;
 }

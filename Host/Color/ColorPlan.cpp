@@ -109,8 +109,8 @@ InputPlan planInputs(const std::vector<ColorInput>& inputs, const std::optional<
   for (const ColorInput& input : inputs) {
     const bool isConverted = needsConversion(input.space, plan.working);
     plan.isConverted.push_back(isConverted);
+    plan.needsFloat = plan.needsFloat || (plan.working.isLinear && (isConverted || input.isFloat));
     if (!isConverted) continue;
-    plan.needsFloat = plan.needsFloat || plan.working.isLinear;
     plan.sentences.push_back(conversionSentence(input.path, input.space, plan.working));
   }
   return plan;

@@ -16,15 +16,16 @@ namespace host {
 
 struct ColorInput {
   std::string path;
-  ColorSpace space;    // by the file or the user
-  std::string remark;  // about its tags (FileSpace.h)
-  ColorTag tag;        // of the file
+  ColorSpace space;      // by the file or the user
+  std::string remark;    // about its tags (FileSpace.h)
+  ColorTag tag;          // of the file
+  bool isFloat = false;  // the file holds halves or floats
 };
 
 struct InputPlan {
   ColorSpace working;
   std::vector<bool> isConverted;  // which inputs go from their space to the working one
-  bool needsFloat = false;        // light is worked with in floats: integers would lose its darks
+  bool needsFloat = false;        // light that was no integers is worked with in floats: they would lose its darks
   std::vector<std::string> sentences;
 };
 

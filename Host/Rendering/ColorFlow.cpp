@@ -25,7 +25,7 @@ bool convertsAnything(const InputPlan& plan) {
 }  // namespace
 
 ColorInput ColorFlow::inputOf(std::size_t index, const std::string& path, const PictureInfo& info) const {
-  ColorInput input{path, {}, "", info.metadata.color};
+  ColorInput input{path, {}, "", info.metadata.color, info.sample == SampleType::Float};
   if (index < wishes_.inputs.size() && wishes_.inputs[index]) {
     input.space = *wishes_.inputs[index];
     return input;
@@ -117,7 +117,8 @@ BitmapRef ColorFlow::toOutput(const BitmapRef& result, const ColorOutput& output
 
 void ColorFlow::tellOfCuts() const {
   if (cut_ == 0) return;
-  remark(std::to_string(cut_) + (cut_ == 1 ? " pixel of the result lies outside " : " pixels of the result lie outside ") +
+  remark(std::to_string(cut_) +
+         (cut_ == 1 ? " pixel of the result lies outside " : " pixels of the result lie outside ") +
          spaceText(output_->space) + " and " + (cut_ == 1 ? "was" : "were") + " clipped");
 }
 

@@ -141,8 +141,9 @@ TEST(FullDisk, LeavesTheOldFile) {
   full.fileSizeLimit = 4096;
   for (const std::string name : {"out.png", "out.jpg", "out.tif", "out.exr"}) {
     writeFile(workplace.at(name), OldContent);
-    const ProgramRun run =
-        workplace.run({"render", "Levels", "--input", VORTO_PHOTOS "/coffee.png", "--output", "@/" + name}, full);
+    const ProgramRun run = workplace.run(
+        {"render", "Levels", "--input", VORTO_PHOTOS "/coffee.png", "--working-space", "raw", "--output", "@/" + name},
+        full);
     EXPECT_EQ(run.exitCode, Output);
     expectOneLine(run);
     EXPECT_NE(run.err.find(name), std::string::npos) << run.err;

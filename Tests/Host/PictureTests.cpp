@@ -235,7 +235,8 @@ TEST(Render, EveryKindOfEffectMakesAPictureOfTheWantedDepth) {
   for (const auto& [depth, effect] : commands) {
     Words command = effect;
     command.insert(command.begin(), "render");
-    command.insert(command.end(), {"--size", "60x40", "--output", folder.path() + "/out.tif", "--depth", depth});
+    command.insert(command.end(), {"--size", "60x40", "--output", folder.path() + "/out.tif", "--depth", depth,
+                                   "--working-space", "raw"});
     vortoSucceeds(command);
     const TestImage image = readTiff(folder.path() + "/out.tif");
     EXPECT_EQ(image.width, 60u) << effect[0];
@@ -282,7 +283,7 @@ TEST(Render, ValuesReachThePorts) {
   const TemporaryFolder folder;
   const std::string out = folder.path() + "/out.tif";
   const auto corner = [&](const Words& settings) {
-    Words arguments{"render", "Checkerboard", "--size", "4x4", "--output", out};
+    Words arguments{"render", "Checkerboard", "--size", "4x4", "--output", out, "--working-space", "raw"};
     for (const std::string& setting : settings) arguments.insert(arguments.end(), {"--set", setting});
     vortoSucceeds(arguments);
     return readTiff(out);

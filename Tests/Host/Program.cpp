@@ -80,7 +80,7 @@ ProgramRun vortoSucceeds(const Words& arguments, const RunOptions& options) {
 
 void passThrough(const std::string& input, const std::string& output, const Words& arguments,
                  const std::string& effect) {
-  Words words{"render", effect, "--input", input, "--output", output};
+  Words words{"render", effect, "--input", input, "--output", output, "--working-space", "raw"};
   words.insert(words.end(), arguments.begin(), arguments.end());
   vortoSucceeds(words);
 }

@@ -27,7 +27,7 @@ ProgramRun vorto(const Words& arguments, const RunOptions& options = {});
 // The same, and fails the test when the program does.
 ProgramRun vortoSucceeds(const Words& arguments, const RunOptions& options = {});
 
-// INPUT to OUTPUT through an effect, with more arguments. "Levels" changes nothing unless told to.
+// INPUT to OUTPUT through an effect, with more arguments and as raw values. "Levels" changes nothing unless told to.
 void passThrough(const std::string& input, const std::string& output, const Words& arguments = {},
                  const std::string& effect = "Levels");
 

@@ -84,6 +84,25 @@ void writePng(const std::string& path, const TestImage& image) {
   write(path, image, spec);
 }
 
+void writeTagged(const std::string& path, const TestImage& image, const std::vector<std::uint8_t>& iccProfile) {
+  OIIO::ImageSpec spec = specOf(image);
+  spec.attribute("ICCProfile", OIIO::TypeDesc(OIIO::TypeDesc::UINT8, static_cast<int>(iccProfile.size())),
+                 iccProfile.data());
+  write(path, image, spec);
+}
+
+void writeExr(const std::string& path, const TestImage& image) {
+  write(path, image, specOf(image));
+}
+
+std::vector<std::uint8_t> iccProfileOf(const std::string& path) {
+  const auto input = OIIO::ImageInput::open(path);
+  const OIIO::ParamValue* profile = input ? input->spec().find_attribute("ICCProfile") : nullptr;
+  if (!profile) return {};
+  const auto* bytes = static_cast<const std::uint8_t*>(profile->data());
+  return {bytes, bytes + profile->type().size()};
+}
+
 TestImage readImage(const std::string& path) {
   OIIO::ImageSpec asStored;
   asStored.attribute("oiio:UnassociatedAlpha", 1);

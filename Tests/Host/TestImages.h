@@ -29,6 +29,10 @@ enum class Alpha { Premultiplied, Straight };
 void writeTiff(const std::string& path, const TestImage& image, Alpha alpha = Alpha::Premultiplied,
                int orientation = 1);
 void writePng(const std::string& path, const TestImage& image);  // straight
+void writeTagged(const std::string& path, const TestImage& image, const std::vector<std::uint8_t>& iccProfile);
+void writeExr(const std::string& path, const TestImage& image);  // floats
+
+std::vector<std::uint8_t> iccProfileOf(const std::string& path);  // empty when there is none
 
 TestImage readImage(const std::string& path);  // the samples as they are in the file, opaque without alpha
 TestImage readTiff(const std::string& path);   // the same, of what the program writes: a premultiplied, plain TIFF

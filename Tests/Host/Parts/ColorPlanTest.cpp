@@ -69,7 +69,7 @@ struct Tagged {
 };
 
 ColorInput input(const std::string& path, const ColorSpace& space, const ColorTag& tag = {}) {
-  return {path, space, "", tag};
+  return {path, space, "", tag, space.origin == Origin::Assumed && space.isLinear};
 }
 ColorSpace known(KnownSpace space, Origin origin) {
   return host::knownSpace(space, origin);
@@ -253,7 +253,7 @@ TEST(ColorPlan, InputsMeetInOneSpace) {
        {false, false},
        false,
        {}},
-      {"light stays light", {input("a", kAssumedLight)}, std::nullopt, "assumed Linear Rec.709", {false}, false, {}},
+      {"light stays light", {input("a", kAssumedLight)}, std::nullopt, "assumed Linear Rec.709", {false}, true, {}},
       {"gray",
        {input("a", host::profileSpace({}, "Gray", true))},
        std::nullopt,

@@ -1,0 +1,204 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Tests/Host/IccProfiles.h"
+#include "Tests/Host/Program.h"
+#include "Tests/Host/TestImages.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+// Colors on their way through the program.
+
+namespace {
+
+class Colors : public testing::Test {
+ protected:
+  std::string at(const std::string& name) const { return folder_.path() + "/" + name; }
+
+  // What the program says when it passes a picture on; it must succeed.
+  std::string say(Words inputs, const std::string& output, const Words& arguments = {}, const RunOptions& options = {},
+                  const std::string& effect = "Levels") const {
+    Words words{"render", effect, "--input"};
+    for (const std::string& input : inputs) words.push_back(at(input));
+    words.insert(words.end(), {"--output", at(output)});
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    const ProgramRun run = vorto(words, options);
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+    std::string said = run.err;
+    for (std::size_t begin; (begin = said.find(folder_.path() + "/")) != std::string::npos;) {
+      said.erase(begin, folder_.path().size() + 1);
+    }
+    return said;
+  }
+
+ private:
+  const TemporaryFolder folder_;
+};
+
+// Whether the module for color was loaded, as the dynamic linker tells it.
+class LoaderReport {
+ public:
+  explicit LoaderReport(std::string path) : path_(std::move(path)) {}
+  RunOptions options() const { return {{"LD_DEBUG=files", "LD_DEBUG_OUTPUT=" + path_}}; }
+  bool names(const std::string& library) const {
+    const std::filesystem::path path(path_);
+    for (const auto& entry : std::filesystem::directory_iterator(path.parent_path())) {
+      const std::string name = entry.path().filename().string();
+      if (!name.starts_with(path.filename().string() + ".")) continue;
+      if (readFile(entry.path().string()).find(library) != std::string::npos) return true;
+    }
+    return false;
+  }
+
+ private:
+  std::string path_;
+};
+
+TestImage grays(int bits) {
+  const int full = bits == 8 ? 255 : 65535;
+  TestImage image{256, 1, bits, {}};
+  for (int i = 0; i < 256; ++i) {
+    const double value = std::round(i * full / 255.0);
+    image.samples.insert(image.samples.end(), {value, std::round(value / 2), full - value, double(full)});
+  }
+  return image;
+}
+
+double farthest(const TestImage& a, const TestImage& b) {
+  double most = a.samples.size() == b.samples.size() && a.bits == b.bits ? 0 : INFINITY;
+  for (std::size_t i = 0; i < a.samples.size() && i < b.samples.size(); ++i) {
+    most = std::max(most, std::abs(a.samples[i] - b.samples[i]));
+  }
+  return most;
+}
+
+}  // namespace
+
+TEST_F(Colors, DisplayValuesBecomeLightInFilesOfFloatsAndBack) {
+  for (const int bits : {8, 16}) {
+    const TestImage image = grays(bits);
+    writePng(at("in.png"), image);
+    EXPECT_EQ(say({"in.png"}, "light.exr"), "vorto: the result is converted from sRGB (assumed) to Linear Rec.709\n");
+    EXPECT_NEAR(readImage(at("light.exr")).pixel(128, 0)[0], 0.2158605, 2e-4);
+    EXPECT_EQ(say({"light.exr"}, "back.png", {"--depth", std::to_string(bits)}),
+              "vorto: the result is converted from Linear Rec.709 (assumed) to sRGB\n");
+    EXPECT_LE(farthest(readImage(at("back.png")), image), bits == 8 ? 0 : 1);
+  }
+}
+
+TEST_F(Colors, AProfileStaysWithItsValues) {
+  const auto profile = profileBytes(wideProfile());
+  writeTagged(at("in.jpg"), flatImage(16, 16, {200, 100, 50, 255}), profile);
+  for (const std::string output : {"out.png", "out.jpg", "out.tif"}) {
+    EXPECT_EQ(say({"in.jpg"}, output), "") << output;
+    EXPECT_EQ(iccProfileOf(at(output)), profile) << output;
+  }
+  EXPECT_EQ(say({"in.jpg"}, "srgb.png", {"--output-space", "srgb"}),
+            "vorto: the result is converted from the profile \"Wide\" to sRGB\n");
+  EXPECT_EQ(iccProfileOf(at("srgb.png")), std::vector<std::uint8_t>());
+  EXPECT_GT(readImage(at("srgb.png")).pixel(8, 8)[0], readImage(at("out.png")).pixel(8, 8)[0] + 10) << "a wider red";
+}
+
+TEST_F(Colors, InputsMeetInTheSpaceOfTheFirst) {
+  writePng(at("back.png"), flatImage(4, 4, {10, 20, 30, 255}));
+  TestImage light{4, 4, 32, {}};
+  for (int i = 0; i < 16; ++i) light.samples.insert(light.samples.end(), {0.25, 0.1, 0.0, 0.5});
+  writeExr(at("front.exr"), light);
+  const std::string warning =
+      "vorto: warning: the inputs are in different color spaces, and not all say in which: back.png is taken as sRGB, "
+      "front.exr is taken as Linear Rec.709; --input-space FILE=NAME says otherwise\n";
+  EXPECT_EQ(say({"back.png", "front.exr"}, "out.png", {}, {}, "Over"),
+            warning + "vorto: front.exr is converted from Linear Rec.709 (assumed) to sRGB\n");
+  const auto pixel = readImage(at("out.png")).pixel(0, 0);
+  const double full = readImage(at("out.png")).bits == 8 ? 255 : 65535;
+  EXPECT_NEAR(pixel[0] / full, 0.5 * 0.735357 + 0.5 * 10 / 255, 1e-3) << "0.5 of light is 0.735 of sRGB";
+  EXPECT_EQ(say({"back.png", "front.exr"}, "out.png", {"--input-space", at("front.exr") + "=sRGB"}, {}, "Over"), "");
+  EXPECT_EQ(say({"back.png", "front.exr"}, "out.exr", {"--working-space", "ACEScg"}, {}, "Over"),
+            warning + "vorto: back.png is converted from sRGB (assumed) to ACEScg\n" +
+                "vorto: front.exr is converted from Linear Rec.709 (assumed) to ACEScg\n");
+  EXPECT_EQ(readImage(at("out.exr")).bits, 32);
+}
+
+TEST_F(Colors, RawConvertsNothing) {
+  const auto profile = profileBytes(wideProfile());
+  const TestImage image = grays(8);
+  writeTagged(at("in.png"), image, profile);
+  EXPECT_EQ(say({"in.png"}, "out.exr", {"--working-space", "raw", "--depth", "float"}), "");
+  const TestImage values = readImage(at("out.exr"));
+  for (std::size_t i = 0; i < image.samples.size(); ++i) {
+    ASSERT_EQ(values.samples[i], static_cast<double>(static_cast<float>(image.samples[i]) / 255.0f)) << i;
+  }
+  EXPECT_EQ(say({"in.png"}, "out.png", {"--working-space", "raw"}), "");
+  EXPECT_EQ(readImage(at("out.png")), image);
+  EXPECT_EQ(iccProfileOf(at("out.png")), profile);
+}
+
+TEST_F(Colors, WhatLiesOutsideIsClippedAndCounted) {
+  writeExr(at("in.exr"), TestImage{3, 1, 32, {4, 1, 0.5, 1, 0.5, 0.5, 0.5, 1, 0.2, -0.1, 0, 1}});
+  EXPECT_EQ(say({"in.exr"}, "out.png"),
+            "vorto: the result is converted from Linear Rec.709 (assumed) to sRGB\n"
+            "vorto: 2 pixels of the result lie outside sRGB and were clipped\n");
+  EXPECT_EQ(say({"in.exr"}, "p3.tif", {"--output-space", "Display P3", "--depth", "8"}),
+            "vorto: the result is converted from Linear Rec.709 (assumed) to Display P3\n"
+            "vorto: 2 pixels of the result lie outside Display P3 and were clipped\n");
+  EXPECT_FALSE(iccProfileOf(at("p3.tif")).empty()) << "readers would take it for sRGB";
+}
+
+TEST_F(Colors, ProfilesThatCannotBeUsedCountAsNone) {
+  auto cut = profileBytes(wideProfile());
+  cut.resize(cut.size() / 2);
+  auto hollow = profileBytes(wideProfile());
+  const std::string gone = "gTRC";
+  *std::search(hollow.begin(), hollow.end(), gone.begin(), gone.end()) = 'x';
+  const TestImage image = grays(8);
+  writeTagged(at("cut.tiff"), image, cut);
+  writeTagged(at("hollow.png"), image, hollow);
+  EXPECT_EQ(say({"cut.tiff"}, "cut.tif"),
+            "vorto: cut.tiff: its ICC profile is not used: it is cut short; it counts as untagged\n");
+  EXPECT_EQ(readImage(at("cut.tif")), image);
+  const std::string said = say({"hollow.png"}, "hollow.exr");
+  EXPECT_EQ(said.find("vorto: hollow.png: its ICC profile is not used: "), 0u) << said;
+  EXPECT_NE(said.find("vorto: the result is converted from sRGB (assumed) to Linear Rec.709\n"), std::string::npos) << said;
+  EXPECT_NEAR(readImage(at("hollow.exr")).pixel(128, 0)[0], 0.2158605, 2e-4);
+}
+
+TEST_F(Colors, TheUsersConfigurationIsReadWhereItIsNeeded) {
+  writePng(at("in.png"), grays(8));
+  writeFile(at("broken.ocio"), "ocio_profile_version: [");
+  const RunOptions broken{{"OCIO=" + at("broken.ocio")}};
+  EXPECT_EQ(say({"in.png"}, "out.png", {}, broken), "");
+  const ProgramRun run = vorto({"render", "Levels", "--input", at("in.png"), "--output", at("out.exr")}, broken);
+  EXPECT_EQ(run.exitCode, 3);
+  EXPECT_NE(run.err.find(at("broken.ocio") + " (from $OCIO) cannot be used"), std::string::npos) << run.err;
+  writeFile(at("user.ocio"), R"(ocio_profile_version: 2
+roles: {default: sRGB, scene_linear: Linear Rec.709}
+displays: {none: [!<View> {name: Raw, colorspace: sRGB}]}
+colorspaces:
+  - !<ColorSpace> {name: Linear Rec.709}
+  - !<ColorSpace> {name: sRGB, to_scene_reference: !<ExponentTransform> {value: 2}}
+  - !<ColorSpace> {name: Twice, encoding: scene-linear, to_scene_reference: !<MatrixTransform> {matrix: [2, 0, 0, 0, 0, 2, 0, 0, 0, 0, 2, 0, 0, 0, 0, 1]}}
+)");
+  const RunOptions user{{"OCIO=" + at("user.ocio"), "OCIO_LOGGING_LEVEL=debug", "OCIO_OPTIMIZATION_FLAGS=0"}};
+  EXPECT_EQ(say({"in.png"}, "out.exr", {"--working-space", "TWICE"}, user),
+            "vorto: in.png is converted from sRGB (assumed) to \"Twice\"\n"
+            "vorto: the file holds \"Twice\", and its format cannot say so\n");
+  EXPECT_NEAR(readImage(at("out.exr")).pixel(128, 0)[0], 0.5 * std::pow(128 / 255.0, 2), 1e-4);
+  const ProgramRun missing = vorto({"render", "Levels", "--input", at("in.png"), "--output", at("p3.png"),
+                                    "--output-space", "Display P3"}, user);
+  EXPECT_EQ(missing.exitCode, 3);
+  EXPECT_NE(missing.err.find("has no space \"Display P3\""), std::string::npos) << missing.err;
+}
+
+TEST_F(Colors, NothingIsLoadedWhereNothingDiffers) {
+  writePng(at("a.png"), grays(8));
+  writePng(at("b.png"), grays(8));
+  writeTagged(at("c.jpg"), flatImage(8, 8, {1, 2, 3, 255}), profileBytes(wideProfile()));
+  const LoaderReport quiet(at("quiet"));
+  say({"a.png", "b.png"}, "out.png", {}, quiet.options(), "Over");
+  say({"c.jpg", "c.jpg"}, "out.tif", {}, quiet.options(), "Over");
+  EXPECT_TRUE(quiet.names("libvorto.so"));
+  EXPECT_FALSE(quiet.names("vorto-color.so"));
+  const LoaderReport busy(at("busy"));
+  say({"a.png"}, "out.exr", {}, busy.options());
+  EXPECT_TRUE(busy.names("vorto-color.so"));
+}
