@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/ImageFiles/HalfFloat.h"
 
-#include <Imath/half.h>
 #include <gtest/gtest.h>
+#include <half.h>
 
 #include <bit>
 #include <vector>
@@ -23,7 +23,8 @@ TEST(HalfFloat, IsAsTheLibraryOfTheType) {
   std::vector<float> floats(kRow);
   std::vector<std::uint16_t> halves(kRow);
   for (std::uint64_t first = 0; first < std::uint64_t{1} << 32; first += kRow * 1997) {
-    for (std::size_t i = 0; i < kRow; ++i) floats[i] = std::bit_cast<float>(static_cast<std::uint32_t>(first + i * 1997));
+    for (std::size_t i = 0; i < kRow; ++i)
+      floats[i] = std::bit_cast<float>(static_cast<std::uint32_t>(first + i * 1997));
     host::floatsToHalves(floats.data(), kRow, halves.data());
     for (std::size_t i = 0; i < kRow; ++i) {
       ASSERT_EQ(halves[i], imath_float_to_half(floats[i])) << std::bit_cast<std::uint32_t>(floats[i]);
