@@ -158,7 +158,8 @@ TEST_F(Colors, ProfilesThatCannotBeUsedCountAsNone) {
   EXPECT_EQ(readImage(at("cut.tif")), image);
   const std::string said = say({"hollow.png"}, "hollow.exr");
   EXPECT_EQ(said.find("vorto: hollow.png: its ICC profile is not used: "), 0u) << said;
-  EXPECT_NE(said.find("vorto: the result is converted from sRGB (assumed) to Linear Rec.709\n"), std::string::npos) << said;
+  EXPECT_NE(said.find("vorto: the result is converted from sRGB (assumed) to Linear Rec.709\n"), std::string::npos)
+      << said;
   EXPECT_NEAR(readImage(at("hollow.exr")).pixel(128, 0)[0], 0.2158605, 2e-4);
 }
 
@@ -183,10 +184,23 @@ colorspaces:
             "vorto: in.png is converted from sRGB (assumed) to \"Twice\"\n"
             "vorto: the file holds \"Twice\", and its format cannot say so\n");
   EXPECT_NEAR(readImage(at("out.exr")).pixel(128, 0)[0], 0.5 * std::pow(128 / 255.0, 2), 1e-4);
-  const ProgramRun missing = vorto({"render", "Levels", "--input", at("in.png"), "--output", at("p3.png"),
-                                    "--output-space", "Display P3"}, user);
+  const ProgramRun missing = vorto(
+      {"render", "Levels", "--input", at("in.png"), "--output", at("p3.png"), "--output-space", "Display P3"}, user);
   EXPECT_EQ(missing.exitCode, 3);
   EXPECT_NE(missing.err.find("has no space \"Display P3\""), std::string::npos) << missing.err;
+}
+
+TEST_F(Colors, SheetsShowSRgb) {
+  TestImage light{16, 16, 32, {}};
+  for (int i = 0; i < 256; ++i) light.samples.insert(light.samples.end(), {0.25, 0.25, 0.25, 1});
+  writeExr(at("light.exr"), light);
+  writeTagged(at("wide.png"), flatImage(16, 16, {100, 150, 100, 255}), profileBytes(wideProfile()));
+  vortoSucceeds({"sheet", at("light.exr"), at("wide.png"), "--labels", "", "", "--output", at("sheet.png")});
+  const TestImage sheet = readImage(at("sheet.png"));
+  EXPECT_NEAR(sheet.pixel(40 + 240, 40 + 160)[0], 137, 1);
+  const auto wide = sheet.pixel(40 + 480 + 32 + 240, 40 + 160);
+  EXPECT_LT(wide[0], 85) << "greener in a smaller range";
+  EXPECT_NEAR(wide[1], 150, 2);
 }
 
 TEST_F(Colors, NothingIsLoadedWhereNothingDiffers) {

@@ -59,8 +59,9 @@ int channelsOf(const std::string& path) {
 // A file that the library itself writes.
 bool writeByLibrary(const std::string& path, const char* format, const TestImage& image) {
   const auto output = OIIO::ImageOutput::create(format);
-  const OIIO::TypeDesc type = image.bits == 8 ? OIIO::TypeDesc::UINT8 : image.bits == 16 ? OIIO::TypeDesc::UINT16
-                                                                                           : OIIO::TypeDesc::FLOAT;
+  const OIIO::TypeDesc type = image.bits == 8    ? OIIO::TypeDesc::UINT8
+                              : image.bits == 16 ? OIIO::TypeDesc::UINT16
+                                                 : OIIO::TypeDesc::FLOAT;
   std::vector<float> colors;
   const double full = image.bits == 8 ? 255 : image.bits == 16 ? 65535 : 1;
   for (std::size_t i = 0; i < image.samples.size(); ++i) {
@@ -160,11 +161,12 @@ TEST(Metadata, LossesAreToldOnceWhenWanted) {
                 output->close());
   }
   const auto told = [&](const std::string& out, const Words& options) {
-    Words arguments{"render", "Levels", "--input", at("in.%d.exr"), "--output", at(out)};
+    Words arguments{"render", "Levels", "--input", at("in.%d.exr"), "--output", at(out), "--working-space", "raw"};
     arguments.insert(arguments.end(), options.begin(), options.end());
     return vorto(arguments).err;
   };
-  EXPECT_EQ(told("out.%d.png", {"--verbose"}), "vorto: PNG does not hold the frame rate or the attribute shot of the first input\n");
+  EXPECT_EQ(told("out.%d.png", {"--verbose"}),
+            "vorto: PNG does not hold the frame rate or the attribute shot of the first input\n");
   EXPECT_EQ(told("out.%d.png", {}), "");
   EXPECT_EQ(told("out.%d.exr", {"--verbose"}), "");
   const auto kept = OIIO::ImageInput::open(at("out.2.exr"));
