@@ -40,6 +40,7 @@ struct ColorOutput {
   std::string path;
   FileFormat format = FileFormat::Png;
   bool isFloat = false;  // halves count
+  bool operator==(const ColorOutput&) const = default;
 };
 
 struct OutputPlan {

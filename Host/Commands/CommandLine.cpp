@@ -250,6 +250,7 @@ void addInspect(CLI::App& app, InspectOptions& options) {
       ->type_name("PORT=FILE")
       ->allow_extra_args(false);
   addFraming(*command, options.framing);
+  addColors(*command, options.colors);
   command->add_option("--time", options.time, "As for render")->type_name("T");
   command->add_option("--depth", options.depth, "As for render")->type_name("DEPTH");
   command->add_option("--frames", options.frames, "The frames of a sequence; default: all that exist")

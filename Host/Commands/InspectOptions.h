@@ -15,6 +15,7 @@ struct InspectOptions {
   std::vector<std::string> values;  // "port=value"
   std::vector<std::string> states;  // "port=FILE"; without an effect one, "kind=FILE"
   FramingOptions framing;
+  ColorOptions colors;
   std::optional<double> time;
   std::string depth;            // "8", "16", "half", "float", or empty for that of the inputs
   std::string frames;           // "A-B", or empty for the frames that exist

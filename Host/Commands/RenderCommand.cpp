@@ -2,7 +2,6 @@
 #include "Host/Commands/RenderCommand.h"
 
 #include "Host/Commands/OptionValues.h"
-#include "Host/Files/FileFormat.h"
 #include "Host/Files/FrameFiles.h"
 #include "Host/Files/PictureSink.h"
 #include "Host/Files/PictureWriting.h"
@@ -52,19 +51,6 @@ Channels channelsOf(const InputPictures& pictures) {
   return alpha ? Channels::RGBA : Channels::RGB;
 }
 
-// Into the space that the file holds. Alpha that was copied into the colors is none.
-void convertColors(OutputPicture& picture, const OutputConversion& conversion, const PictureSink& sink,
-                   ColorFlow& colors) {
-  if (conversion.alpha == OutputAlpha::Gray) {
-    picture.metadata.color = {};
-    return;
-  }
-  const Depth stored = storedDepth(sink.format(), picture.depth);
-  const bool isFloat = sampleTypeOf(stored) == SampleType::Float;
-  picture.bitmap =
-      colors.toOutput(picture.bitmap, {"the file", sink.format(), isFloat}, stored, &picture.metadata.color);
-}
-
 OutputPicture rendered(EffectRendering& rendering, const InputPictures& pictures, double time,
                        const OutputConversion& conversion, const PictureSink& sink, ColorFlow& colors) {
   rendering.connect(pictures);
@@ -75,7 +61,11 @@ OutputPicture rendered(EffectRendering& rendering, const InputPictures& pictures
   picture.depth = rendering.depthOf(*picture.bitmap);
   picture.channels = conversion.channels ? *conversion.channels : keptChannels(*picture.bitmap, channelsOf(pictures));
   if (!pictures.infos.empty()) picture.metadata = pictures.infos[0]->metadata;
-  convertColors(picture, conversion, sink, colors);
+  if (conversion.alpha == OutputAlpha::Gray) {
+    picture.metadata.color = {};  // alpha is no color
+  } else {
+    colors.toOutput(picture, sink.format());
+  }
   return picture;
 }
 

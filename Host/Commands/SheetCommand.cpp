@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Commands/SheetCommand.h"
 
+#include "Host/Color/DisplayPicture.h"
 #include "Host/Commands/Captions.h"
 #include "Host/Commands/SheetLayout.h"
 #include "Host/Files/FileFormat.h"
 #include "Host/Files/OutputFile.h"
-#include "Host/Files/PictureReading.h"
 #include "Host/Files/PictureWriting.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Messages/Progress.h"
 #include "Host/Pixels/Bitmaps.h"
-#include "Host/Pixels/Layouts.h"
 #include "Host/Pixels/Resampling.h"
+#include "Host/Rendering/ColorFlow.h"
 #include "TarnCore/TCBitmap.h"
 #include "TarnCore/TCPixelFormat.h"
 
@@ -36,9 +36,9 @@ MutableBitmapRef emptySheet(const SheetLayout& layout) {
   return sheet;
 }
 
-// The picture as premultiplied floats, at most as large as a cell's picture.
+// The picture as premultiplied floats of sRGB, at most as large as a cell's picture.
 BitmapRef fittedPicture(const std::string& path) {
-  const BitmapRef picture = inDepth(readImage(path), SampleType::Float, path);
+  const BitmapRef picture = readForDisplay(path);
   const auto [width, height] = SheetLayout::fitted(picture->width, picture->height);
   return scaledBitmap(picture, {width, height}, {});
 }
@@ -75,7 +75,7 @@ std::vector<std::string> captionsFor(const SheetOptions& options) {
 }  // namespace
 
 void runSheet(const SheetOptions& options) {
-  fileFormatOf(options.output);
+  const FileFormat format = fileFormatOf(options.output);
   checkOutput(options.output);
   const std::vector<std::string> captions = captionsFor(options);
   const SheetLayout layout(options.files.size(), options.columns);
@@ -87,7 +87,9 @@ void runSheet(const SheetOptions& options) {
     drawCaption(captions[i], cell, *sheet);
     progress.finished(i + 1);
   }
-  writePicture(options.output, {sheet, Depth::Bits8, Channels::RGB, {}});
+  OutputPicture picture{sheet, Depth::Bits8, Channels::RGB, {}};
+  ColorFlow({}).toOutput(picture, format);
+  writePicture(options.output, picture);
 }
 
 }  // namespace host

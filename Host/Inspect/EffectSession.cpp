@@ -2,6 +2,7 @@
 #include "Host/Inspect/EffectSession.h"
 
 #include "Host/Commands/OptionValues.h"
+#include "Host/Files/FileFormat.h"
 #include "Host/Files/PictureWriting.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Messages/Utf8.h"
@@ -37,7 +38,7 @@ std::optional<FrameRange> framesOf(const InspectOptions& options, const Inputs& 
 
 EffectSession::EffectSession(const InspectOptions& options)
     : rendering_(options.effect, options.inputs.size(), parsedFraming(options.framing), parsedDepth(options.depth)),
-      inputs_(options.inputs, parsedDepth(options.depth)),
+      inputs_(options.inputs, parsedDepth(options.depth), {}, parsedColors(options.colors, options.inputs)),
       fixedTime_(options.time) {
   for (const std::string& path : options.inputs) {
     inputNames_ += (inputNames_.empty() ? "" : ", ") + validUtf8(std::filesystem::path(path).filename().string());
@@ -80,11 +81,12 @@ const BitmapRef& EffectSession::render() {
   return result_;
 }
 
-void EffectSession::savePicture(const std::string& path) const {
+void EffectSession::savePicture(const std::string& path) {
   if (!result_) throw Failure(ExitCode::Output, "cannot write " + path + ": there is no picture");
   OutputPicture picture;
   picture.bitmap = result_;
   picture.depth = rendering_.depthOf(*result_);
+  inputs_.colors().toOutput(picture, fileFormatOf(path));
   writePicture(path, picture);
 }
 

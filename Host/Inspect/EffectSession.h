@@ -32,7 +32,7 @@ class EffectSession {
   // Runs the effect on them with its present parameters. The result is kept until the next.
   const BitmapRef& render();
   const BitmapRef& result() const { return result_; }
-  void savePicture(const std::string& path) const;
+  void savePicture(const std::string& path);
 
  private:
   void readParameters(const InspectOptions& options);

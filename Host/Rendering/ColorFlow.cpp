@@ -88,38 +88,44 @@ MutableBitmapRef ColorFlow::toWorking(std::size_t input, const FilePicture& pict
   return convertedBitmap(*conversions_[input], *picture.bitmap, picture.info->alpha, sample, path, nullptr);
 }
 
-void ColorFlow::decideOutput(const ColorOutput& output) {
+void ColorFlow::decideOutput() {
   const auto& wanted = wishes_.output;
-  output_ = planOutput(plan_, inputs_, wanted, output);
+  outputPlan_ = planOutput(plan_, inputs_, wanted, *output_);
   // Inputs that were not converted all have the broken profile that is found only now.
   const bool wasUsed = convertsAnything(plan_) || plan_.working.kind != ColorSpace::Kind::Profile;
-  if (output_->isConverted && !wasUsed && dropBrokenProfiles()) {
+  if (outputPlan_.isConverted && !wasUsed && dropBrokenProfiles()) {
     plan_ = planInputs(inputs_, wishes_.working);
     tell(plan_.sentences);
-    output_ = planOutput(plan_, inputs_, wanted, output);
+    outputPlan_ = planOutput(plan_, inputs_, wanted, *output_);
   }
-  tell(output_->sentences);
-  if (output_->isConverted) outputConversion_ = std::make_unique<ColorConversion>(plan_.working, output_->space);
+  tell(outputPlan_.sentences);
+  const ColorSpace& space = outputPlan_.space;
+  if (outputPlan_.isConverted) outputConversion_ = std::make_unique<ColorConversion>(plan_.working, space);
   std::string reason;
-  if (output_->needsProfile && !colorModule().makeProfile(output_->space, &output_->tag.iccProfile, &reason)) {
-    throw Failure(ExitCode::Output, "cannot make a profile of " + spaceText(output_->space) + ": " + reason);
+  if (outputPlan_.needsProfile && !colorModule().makeProfile(space, &outputPlan_.tag.iccProfile, &reason)) {
+    throw Failure(ExitCode::Output, "cannot make a profile of " + spaceText(space) + ": " + reason);
   }
 }
 
-BitmapRef ColorFlow::toOutput(const BitmapRef& result, const ColorOutput& output, Depth depth, ColorTag* tag) {
-  if (!output_) decideOutput(output);
-  *tag = output_->tag;
-  if (!output_->isConverted) return result;
-  const SampleType sample = sampleTypeOf(depth);
-  return convertedBitmap(*outputConversion_, *result, AlphaKind::Premultiplied, sample, "the result",
-                         sample == SampleType::Float ? nullptr : &cut_);
+void ColorFlow::toOutput(OutputPicture& picture, FileFormat format) {
+  if (!isDecided_) decide();
+  const SampleType sample = sampleTypeOf(storedDepth(format, picture.depth));
+  const ColorOutput output{"the file", format, sample == SampleType::Float};
+  if (output_ != output) {
+    output_ = output;
+    decideOutput();
+  }
+  picture.metadata.color = outputPlan_.tag;
+  if (!outputPlan_.isConverted) return;
+  picture.bitmap = convertedBitmap(*outputConversion_, *picture.bitmap, AlphaKind::Premultiplied, sample, "the result",
+                                   sample == SampleType::Float ? nullptr : &cut_);
 }
 
 void ColorFlow::tellOfCuts() const {
   if (cut_ == 0) return;
   remark(std::to_string(cut_) +
          (cut_ == 1 ? " pixel of the result lies outside " : " pixels of the result lie outside ") +
-         spaceText(output_->space) + " and " + (cut_ == 1 ? "was" : "were") + " clipped");
+         spaceText(outputPlan_.space) + " and " + (cut_ == 1 ? "was" : "were") + " clipped");
 }
 
 }  // namespace host

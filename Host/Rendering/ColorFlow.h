@@ -4,6 +4,7 @@
 #include "Host/Color/ColorConversion.h"
 #include "Host/Color/ColorPlan.h"
 #include "Host/Files/PictureReading.h"
+#include "Host/Files/PictureWriting.h"
 #include "Host/Pixels/Bitmaps.h"
 
 #include <cstdint>
@@ -36,15 +37,16 @@ class ColorFlow {
   // An input's picture in the working space, premultiplied; null where it is in that space already.
   MutableBitmapRef toWorking(std::size_t input, const FilePicture& picture, SampleType sample, const std::string& path);
 
-  // A result as the file wants it. `depth` is that of the file. *tag is what the file is to say.
-  BitmapRef toOutput(const BitmapRef& result, const ColorOutput& output, Depth depth, ColorTag* tag);
+  // Makes of a result in the working space what a file of the format holds, and says so in its metadata. Without
+  // inputs before it colors are sRGB.
+  void toOutput(OutputPicture& picture, FileFormat format);
 
   // How many pixels of all results lay outside the file's space, which has integers; says so where there are any.
   void tellOfCuts() const;
 
  private:
   void decide();
-  void decideOutput(const ColorOutput& output);
+  void decideOutput();
   bool dropBrokenProfiles();
   ColorInput inputOf(std::size_t index, const std::string& path, const PictureInfo& info) const;
 
@@ -54,7 +56,8 @@ class ColorFlow {
   std::vector<Depth> depths_;
   InputPlan plan_;
   std::vector<std::unique_ptr<ColorConversion>> conversions_;  // by input; null until needed
-  std::optional<OutputPlan> output_;
+  std::optional<ColorOutput> output_;                          // what the plan is for
+  OutputPlan outputPlan_;
   std::unique_ptr<ColorConversion> outputConversion_;
   std::uint64_t cut_ = 0;
 };

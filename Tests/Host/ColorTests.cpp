@@ -190,6 +190,19 @@ colorspaces:
   EXPECT_NE(missing.err.find("has no space \"Display P3\""), std::string::npos) << missing.err;
 }
 
+TEST_F(Colors, SheetsShowSRgb) {
+  TestImage light{16, 16, 32, {}};
+  for (int i = 0; i < 256; ++i) light.samples.insert(light.samples.end(), {0.25, 0.25, 0.25, 1});
+  writeExr(at("light.exr"), light);
+  writeTagged(at("wide.png"), flatImage(16, 16, {100, 150, 100, 255}), profileBytes(wideProfile()));
+  vortoSucceeds({"sheet", at("light.exr"), at("wide.png"), "--labels", "", "", "--output", at("sheet.png")});
+  const TestImage sheet = readImage(at("sheet.png"));
+  EXPECT_NEAR(sheet.pixel(40 + 240, 40 + 160)[0], 137, 1);
+  const auto wide = sheet.pixel(40 + 480 + 32 + 240, 40 + 160);
+  EXPECT_LT(wide[0], 85) << "greener in a smaller range";
+  EXPECT_NEAR(wide[1], 150, 2);
+}
+
 TEST_F(Colors, NothingIsLoadedWhereNothingDiffers) {
   writePng(at("a.png"), grays(8));
   writePng(at("b.png"), grays(8));
