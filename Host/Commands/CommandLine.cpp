@@ -49,11 +49,12 @@ standard error. A file without a tag counts as sRGB, and as linear Rec.709 when 
 Rec.709, Rec.709, Rec.2020, Linear Rec.2020, Display P3, Linear P3-D65, ACEScg, ACES2065-1, raw, and those of the
 OpenColorIO configuration that $OCIO names. Pictures of --set are taken as they are.
 
-PNG stores straight alpha; JPEG
-stores none, which shows the picture over black; TIFF and EXR store premultiplied alpha. What a format cannot hold is
-written in the next depth that it can: PNG takes 8 and 16 bits, JPEG 8, TIFF 8, 16 and float, EXR half and float.
-Pictures are read upright (orientation tags count); of a file with several pictures the first is read. Other metadata is
-not carried over.
+Files are what their first bytes say; what is written, the extension or --format says: png, jpg, tif, exr, webp, bmp, tga,
+dpx, hdr, jp2, heic, ppm, pnm, pfm. "-" is the standard input or output. FILE:LAYER reads a layer or part of an EXR. PNG
+stores straight alpha; JPEG stores none, which shows the picture over black; TIFF and EXR store premultiplied alpha. What a
+format cannot hold is written in the next depth that it can: PNG takes 8 and 16 bits, JPEG 8, TIFF 8, 16 and float, EXR half
+and float. Pictures are read upright. What the first input's file says about itself (Exif, resolution, time code, EXR
+attributes, ...) is kept where the format holds it; --verbose tells what is lost.
 
 A pixel format is how the host holds pictures before the effect and after it: every input goes through a bitmap of that
 layout, which loses what the layout cannot hold, and on in the nearest layout that effects take (rgba8 and argb8 as they
