@@ -36,7 +36,8 @@ name, as Levels):
   number    -1.5 or 2e-3, within the port's range
   boolean   true or false, on or off, 1 or 0
   index     a whole number, or an entry of the port's menu
-  color     #rrggbb, #rrggbbaa, or r,g,b[,a] with values from 0 to 1; not premultiplied
+  color     #rrggbb, #rrggbbaa, orange and the other names of CSS, rgb(), hsl(), or r,g,b[,a] with values from 0 to 1; not
+            premultiplied
   string    the text as it is
   image     a picture's file, for ports that are not filled by --input; its size and depth may be others
   gradient  stops apart by commas: color, position, "constant", "linear" (default) or "smooth"; or linear-gradient() of CSS
@@ -241,7 +242,7 @@ void addInspect(CLI::App& app, InspectOptions& options) {
       ->type_name("EFFECT");
   command->add_option("-i,--input", options.inputs, "The effect's pictures or sequences, as for render")
       ->type_name("FILE");
-  command->add_option("--set", options.values, "Set a port; may be repeated")
+  command->add_option("--set", options.values, "Set a port, as for render; may be repeated")
       ->type_name("PORT=VALUE")
       ->allow_extra_args(false);
   command
