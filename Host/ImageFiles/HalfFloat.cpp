@@ -4,6 +4,7 @@
 #include <bit>
 
 #if defined(__x86_64__)
+#include <cpuid.h>
 #include <immintrin.h>
 #endif
 
@@ -69,7 +70,13 @@ std::uint16_t toHalf(float value) {
 }
 
 bool hasConversions() {
-  return __builtin_cpu_supports("avx") && __builtin_cpu_supports("f16c");
+  static const bool has = [] {
+    unsigned registers[4]{};
+    return __builtin_cpu_supports("avx") &&
+           __get_cpuid(1, &registers[0], &registers[1], &registers[2], &registers[3]) != 0 &&
+           (registers[2] & bit_F16C) != 0;
+  }();
+  return has;
 }
 #else
 std::size_t toFloatsByEight(const std::uint16_t*, std::size_t, float*) {

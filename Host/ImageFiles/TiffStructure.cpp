@@ -31,8 +31,8 @@ struct Field {
 
 class Directories {
  public:
-  explicit Directories(std::span<const std::uint8_t> file)
-      : bytes_(file, file[0] == 'M'), isBig_(bytes_.number(2, 2) == 43) {}
+  Directories(std::span<const std::uint8_t> file, DeflatedTiles tiles)
+      : bytes_(file, file[0] == 'M'), isBig_(bytes_.number(2, 2) == 43), tiles_(tiles) {}
 
   bool areWhole() {
     bool isFirst = true;
@@ -105,7 +105,9 @@ class Directories {
     if (isFirst && count(kBitsPerSample) == 0) return false;
     for (std::uint64_t i = 0; i < count(offsets) && i < count(sizes) && bytes_.isWhole(); ++i) {
       const auto stored = bytes_.range(value(offsets, i, 0), value(sizes, i, 0));
-      if (isFirst && isTiled && isDeflated && inflatedSize(stored, tileSize()) != tileSize()) return false;
+      if (tiles_ == DeflatedTiles::Now && isFirst && isTiled && isDeflated &&
+          inflatedSize(stored, tileSize()) != tileSize())
+        return false;
     }
     return bytes_.isWhole();
   }
@@ -117,13 +119,14 @@ class Directories {
 
   FileBytes bytes_;
   bool isBig_;
+  DeflatedTiles tiles_;
   std::map<std::uint16_t, Field> fields_;
 };
 
 }  // namespace
 
-bool isWholeTiff(std::span<const std::uint8_t> file) {
-  return file.size() >= 8 && Directories(file).areWhole();
+bool isWholeTiff(std::span<const std::uint8_t> file, DeflatedTiles tiles) {
+  return file.size() >= 8 && Directories(file, tiles).areWhole();
 }
 
 }  // namespace host

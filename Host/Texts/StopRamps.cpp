@@ -43,7 +43,11 @@ class Half {
   void evaluate(double position, bool isFirst, double* rgba) const {
     const auto* entry = std::lower_bound(lookup_.begin(), lookup_.end(), position,
                                          [](const auto& each, double value) { return each.position < value; });
-    if (!isFirst || entry == lookup_.end() || entry->position != position) {
+    const bool isSample = entry != lookup_.end() && entry->position == position;
+    // The end of a segment that leads to a sample is that sample, without rounding.
+    const bool isReached =
+        isSample && entry != lookup_.begin() && (entry - 1)->sample.interpolation != VRTGradientConstant;
+    if (!isSample || !(isFirst || isReached)) {
       folder_.getRGBAFromLookup(position, rgba, lookup_);
     } else if constexpr (std::is_same_v<Folder, VRTChannelGradientRGBFolder>) {
       rgba[0] = entry->sample.red;
@@ -59,14 +63,30 @@ class Half {
   VRTGradientLookup lookup_;
 };
 
-std::vector<double> breaksOf(const Half<VRTChannelGradientRGBFolder>& colors,
-                             const Half<VRTChannelGradientAlphaFolder>& opacities) {
-  std::vector<double> breaks{0, 1};
-  colors.addPositions(breaks);
-  opacities.addPositions(breaks);
-  std::erase_if(breaks, [](double position) { return !(position >= 0 && position <= 1); });
-  std::ranges::sort(breaks);
-  breaks.erase(std::unique(breaks.begin(), breaks.end()), breaks.end());
+// Where samples are: one position, or several so near to one another that the gradient jumps there.
+struct Break {
+  double low = 0;
+  double high = 0;
+};
+
+constexpr double kJumpWidth = 1e-12;
+
+// From 0 to 1, these included.
+std::vector<Break> breaksOf(const Half<VRTChannelGradientRGBFolder>& colors,
+                            const Half<VRTChannelGradientAlphaFolder>& opacities) {
+  std::vector<double> positions{0, 1};
+  colors.addPositions(positions);
+  opacities.addPositions(positions);
+  std::erase_if(positions, [](double position) { return !(position >= 0 && position <= 1); });
+  std::ranges::sort(positions);
+  std::vector<Break> breaks;
+  for (const double position : positions) {
+    if (!breaks.empty() && position - breaks.back().high <= kJumpWidth) {
+      breaks.back().high = position;
+    } else {
+      breaks.push_back({position, position});
+    }
+  }
   return breaks;
 }
 
@@ -82,20 +102,26 @@ std::optional<Ramps> rampsOfStops(const GradientStops& stops, Blend blend, std::
   }
   const Half colors(gradient.kxChannelGradient()->rgbFolder);
   const Half opacities(gradient.kxChannelGradient()->alphaFolder);
-  const std::vector<double> breaks = breaksOf(colors, opacities);
+  const std::vector<Break> breaks = breaksOf(colors, opacities);
   Ramps ramps;
   for (std::size_t i = 0; i + 1 < breaks.size(); ++i) {
+    const double begin = breaks[i].high;
+    const double end = breaks[i + 1].low;
     const Curve curve = [&](double t) {
-      const double position = t >= 1 ? breaks[i + 1] : breaks[i] + t * (breaks[i + 1] - breaks[i]);
+      const double position = t >= 1 ? end : begin + t * (end - begin);
       Rgba color{};
       colors.evaluate(position, t == 0, color.data());
       opacities.evaluate(position, t == 0, color.data());
+      for (double& component : color) component = std::clamp(component, 0.0, 1.0);  // beyond only by rounding
       return color;
     };
-    if (appendCurve(ramps, breaks[i], breaks[i + 1], curve, blend)) continue;
-    NSRefuse(reason, "it takes more than " + std::to_string(kMaximumStops) + " stops");
-    return std::nullopt;
+    if (!appendCurve(ramps, begin, end, curve, blend)) {
+      NSRefuse(reason, "it takes more than " + std::to_string(kMaximumStops) + " stops");
+      return std::nullopt;
+    }
+    ramps.list.back().end = breaks[i + 1].high;
   }
+  ramps.list.front().begin = 0;
   return ramps;
 }
 

@@ -98,7 +98,7 @@ std::uint64_t largestRatio(std::uint8_t compression) {
 
 bool canHold(std::span<const std::uint8_t> stored, std::uint8_t compression, std::uint64_t size) {
   if (stored.size() == size) return true;  // what does not become smaller is stored as it is
-  return !stored.empty() && stored.size() < size && size / stored.size() <= largestRatio(compression) &&
+  return !stored.empty() && stored.size() < size && size <= stored.size() * largestRatio(compression) &&
          (compression != kPiz || hasCodes(stored));
 }
 

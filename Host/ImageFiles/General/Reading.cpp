@@ -6,6 +6,7 @@
 #include "Host/ImageFiles/General/FormatNames.h"
 #include "Host/ImageFiles/General/LibraryFile.h"
 #include "Host/ImageFiles/General/Metadata.h"
+#include "Host/ImageFiles/General/PortableAnymap.h"
 #include "Host/ImageFiles/PngStructure.h"
 #include "Host/ImageFiles/TiffStructure.h"
 #include "Platform/Foundation/NSReason.h"
@@ -208,6 +209,8 @@ class LibraryReader : public ImageReader {
 }  // namespace
 
 std::unique_ptr<ImageReader> openImage(const ReadRequest& request, std::string* reason) {
+  // The library reads 16 bits a unit off.
+  if (isPortableAnymap(request.file)) return openPortableAnymap(request.file, reason);
   auto reader = std::make_unique<LibraryReader>(request);
   return reader->open(reason) ? std::move(reader) : nullptr;
 }

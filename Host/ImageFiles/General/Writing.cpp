@@ -10,7 +10,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <string_view>
 #include <vector>
 
 namespace host {
@@ -85,9 +84,8 @@ class LibraryTarget {
 
   // The name to open; empty when there is no memory.
   std::string prepare(OIIO::ImageOutput& output) {
-    // JPEG 2000 takes the interface and writes by name all the same.
-    const bool takesProxy = std::string_view(output.format_name()) != "jpeg2000" && output.supports("ioproxy");
-    if (takesProxy && output.set_ioproxy(&proxy_)) return "image";
+    // The name's extension decides what a JPEG 2000 becomes.
+    if (output.supports("ioproxy") && output.set_ioproxy(&proxy_)) return "image.jp2";
     descriptor_ = memfd_create("image", MFD_CLOEXEC);
     return descriptor_ < 0 ? "" : "/proc/self/fd/" + std::to_string(descriptor_);
   }

@@ -3,18 +3,19 @@
 
 #include "Host/ImageFiles/Exif.h"
 #include "Host/ImageFiles/Png/Deflate.h"
+#include "Host/ImageFiles/Ratio.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstring>
 #include <limits>
-#include <utility>
 
 namespace host {
 namespace {
 
 constexpr double kFixedPoint = 100000;  // what gamma and chromaticities are multiplied with
+constexpr std::uint32_t kLargestRatio = 1000000;
 constexpr std::size_t kLargestProfile = 1 << 24;
 constexpr std::size_t kSmallestProfile = 128;  // its header
 constexpr std::size_t kProfileColorSpace = 16;
@@ -75,21 +76,6 @@ void appendProfile(const Bytes& profile, Bytes* file) {
   appendPngChunk(pngType("iCCP"), data, file);
 }
 
-// The simplest whole numbers whose ratio is the value, as near as doubles can tell.
-std::array<std::uint32_t, 2> ratioOf(double value) {
-  std::array<double, 2> before{0, 1};
-  std::array<double, 2> ratio{1, 0};
-  for (double rest = value; ratio[1] == 0 || ratio[0] / ratio[1] != value;) {
-    const double whole = std::floor(rest);
-    const std::array<double, 2> next{whole * ratio[0] + before[0], whole * ratio[1] + before[1]};
-    if (std::max(next[0], next[1]) > 1e6) break;
-    before = std::exchange(ratio, next);
-    if (rest == whole) break;
-    rest = 1 / (rest - whole);
-  }
-  return {static_cast<std::uint32_t>(ratio[0]), static_cast<std::uint32_t>(ratio[1])};
-}
-
 void appendResolution(const FileMetadata& metadata, Bytes* file) {
   std::array<std::uint32_t, 2> perUnit{0, 0};
   if (metadata.resolution) {
@@ -102,7 +88,7 @@ void appendResolution(const FileMetadata& metadata, Bytes* file) {
       }
     }
   } else if (metadata.pixelAspect && *metadata.pixelAspect >= 1e-3 && *metadata.pixelAspect <= 1e3) {
-    const auto [height, width] = ratioOf(*metadata.pixelAspect);
+    const auto [height, width] = ratioOf(*metadata.pixelAspect, kLargestRatio);
     perUnit = {width, height};
   }
   if (perUnit[0] == 0 || perUnit[1] == 0) return;

@@ -2,6 +2,7 @@
 #include "Host/ImageFiles/Tiff/TiffReader.h"
 
 #include "Host/ImageFiles/Guarded.h"
+#include "Host/ImageFiles/Tiff/Inflater.h"
 #include "Host/ImageFiles/Tiff/TiffMetadata.h"
 #include "Host/ImageFiles/Tiff/TiffSamples.h"
 #include "Host/ImageFiles/TiffStructure.h"
@@ -12,6 +13,9 @@
 
 namespace host::tiff {
 namespace {
+
+constexpr std::size_t kLargestStrip = std::size_t{1} << 22;  // of those that are inflated at once
+constexpr std::uint64_t kLargestTile = std::uint64_t{1} << 31;
 
 constexpr const char* kDamaged = "it is damaged or cut short";
 
@@ -41,7 +45,7 @@ bool refuseDamaged(const TiffFile& file, std::string* reason) {
 class TiffReader : public ImageReader {
  public:
   TiffReader(std::unique_ptr<TiffFile> file, const Kind& kind, std::span<const std::uint8_t> bytes)
-      : file_(std::move(file)), kind_(kind) {
+      : file_(std::move(file)), kind_(kind), bytes_(bytes) {
     info_.width = kind.width;
     info_.height = kind.height;
     info_.sample = sampleOf(kind.stored);
@@ -57,7 +61,7 @@ class TiffReader : public ImageReader {
     return guarded(reason, [&] {
       pixels_ = pixels;
       rowBytes_ = rowBytes;
-      const bool isRead = kind_.isTiled ? readTiles() : readRows();
+      const bool isRead = kind_.isTiled ? readTiles() : readStrips();
       return (isRead && !file_->hasFailed()) || refuseDamaged(*file_, reason);
     });
   }
@@ -76,18 +80,41 @@ class TiffReader : public ImageReader {
     kind_.isPlanar ? expandPlane(kind_, plane, stored, count, to) : expandPixels(kind_, stored, count, to);
   }
 
-  // Row by row the library says which strip fails; and no more than a row is held.
-  bool readRows() {
+  bool readStrips() {
     const std::size_t rowSize = storedPixelSize() * kind_.width;
     if (TIFFScanlineSize64(file_->get()) != rowSize) return false;
-    const bool isStoredAlike = !kind_.isPlanar && kind_.channels == Channels::RGBA && kind_.stored != Stored::Half;
-    std::vector<std::uint8_t> row(isStoredAlike ? 0 : rowSize);
+    Inflater inflater(*file_, kind_, bytes_);
+    const auto stated = file_->field<std::uint32_t>(TIFFTAG_ROWSPERSTRIP);
+    const std::uint32_t rowsOfStrip = std::clamp<std::uint32_t>(stated, 1, kind_.height);
     for (std::uint16_t plane = 0; plane < planeCount(); ++plane) {
-      for (std::uint32_t y = 0; y < kind_.height; ++y) {
-        void* const to = isStoredAlike ? static_cast<void*>(pixelAt(0, y)) : row.data();
-        if (TIFFReadScanline(file_->get(), to, y, plane) != 1) return false;
-        if (!isStoredAlike) expand(plane, row.data(), kind_.width, pixelAt(0, y));
+      for (std::uint32_t top = 0, rows = 0; top < kind_.height; top += rows) {
+        rows = std::min(rowsOfStrip, kind_.height - top);
+        const bool isAtOnce = inflater.isUsed() && rowSize * rows <= kLargestStrip;
+        if (!(isAtOnce && inflateStrip(&inflater, plane, top, rows)) && !readRows(plane, top, rows)) return false;
       }
+    }
+    return true;
+  }
+
+  bool inflateStrip(Inflater* inflater, std::uint16_t plane, std::uint32_t top, std::uint32_t rows) {
+    const std::size_t rowSize = storedPixelSize() * kind_.width;
+    if (stored_.size() < rowSize * rows) stored_.resize(rowSize * rows);
+    const std::uint32_t number = TIFFComputeStrip(file_->get(), top, plane);
+    if (!inflater->inflate(number, rowSize, std::span(stored_).first(rowSize * rows))) return false;
+    for (std::uint32_t row = 0; row < rows; ++row) {
+      expand(plane, stored_.data() + row * rowSize, kind_.width, pixelAt(0, top + row));
+    }
+    return true;
+  }
+
+  // Row by row the library says which strip fails, and takes those that hold more than they should.
+  bool readRows(std::uint16_t plane, std::uint32_t top, std::uint32_t rows) {
+    const bool isStoredAlike = !kind_.isPlanar && kind_.channels == Channels::RGBA && kind_.stored != Stored::Half;
+    if (!isStoredAlike && stored_.empty()) stored_.resize(storedPixelSize() * kind_.width);
+    for (std::uint32_t y = top; y < top + rows; ++y) {
+      void* const to = isStoredAlike ? static_cast<void*>(pixelAt(0, y)) : stored_.data();
+      if (TIFFReadScanline(file_->get(), to, y, plane) != 1) return false;
+      if (!isStoredAlike) expand(plane, stored_.data(), kind_.width, pixelAt(0, y));
     }
     return true;
   }
@@ -95,9 +122,9 @@ class TiffReader : public ImageReader {
   bool readTiles() {
     const std::size_t rowSize = storedPixelSize() * kind_.tileWidth;
     const std::uint64_t tileSize = std::uint64_t{rowSize} * kind_.tileHeight;
-    // The library compares what it is to take as well; and each file holds what its tiles are made from.
-    if (TIFFTileSize64(file_->get()) != tileSize || tileSize > std::uint64_t{1} << 31) return false;
-    std::vector<std::uint8_t> tile(static_cast<std::size_t>(tileSize));
+    if (TIFFTileSize64(file_->get()) != tileSize || tileSize > kLargestTile) return false;
+    Inflater inflater(*file_, kind_, bytes_);
+    stored_.resize(static_cast<std::size_t>(tileSize));
     for (std::uint16_t plane = 0; plane < planeCount(); ++plane) {
       for (std::uint64_t top = 0; top < kind_.height; top += kind_.tileHeight) {
         for (std::uint64_t left = 0; left < kind_.width; left += kind_.tileWidth) {
@@ -105,8 +132,11 @@ class TiffReader : public ImageReader {
           const auto y = static_cast<std::uint32_t>(top);
           const std::uint32_t number = TIFFComputeTile(file_->get(), x, y, 0, plane);
           const auto size = static_cast<tmsize_t>(tileSize);
-          if (TIFFReadEncodedTile(file_->get(), number, tile.data(), size) != size) return false;
-          placeTile(plane, tile.data(), x, y);
+          if (inflater.isUsed() ? !inflater.inflate(number, rowSize, stored_)
+                                : TIFFReadEncodedTile(file_->get(), number, stored_.data(), size) != size) {
+            return false;
+          }
+          placeTile(plane, stored_.data(), x, y);
         }
       }
     }
@@ -123,6 +153,8 @@ class TiffReader : public ImageReader {
 
   std::unique_ptr<TiffFile> file_;
   Kind kind_;
+  std::span<const std::uint8_t> bytes_;
+  std::vector<std::uint8_t> stored_;  // rows, a strip or a tile
   std::byte* pixels_ = nullptr;
   std::size_t rowBytes_ = 0;
 };
@@ -130,7 +162,7 @@ class TiffReader : public ImageReader {
 }  // namespace
 
 std::unique_ptr<ImageReader> openTiff(const ReadRequest& request, bool* isOtherKind, std::string* reason) {
-  if (!isWholeTiff(request.file)) {
+  if (!isWholeTiff(request.file, DeflatedTiles::Later)) {
     NSRefuse(reason, kDamaged);
     return nullptr;
   }

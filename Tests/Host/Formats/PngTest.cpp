@@ -153,6 +153,14 @@ TEST(Png, EveryKindIsReadAsTheOtherLibraryReadsIt) {
   }
 }
 
+TEST(Png, FilesOfOtherProgramsAreRead) {
+  for (const char* name :
+       {"png-palette.png", "png-bilevel.png", "png-interlaced.png", "png-rgba64.png", "png-gray.png"}) {
+    const Bytes file = contentsOf(VORTO_FORMAT_FILES "/" + std::string(name));
+    expectSamePicture(readPicture(png(), file), readByOracle(file, "png"), name);
+  }
+}
+
 // Chunks that are not as they must be are passed over, and so are those behind the pixels that belong in front of them.
 TEST(Png, MetadataIsRead) {
   const Bytes exif{'M', 'M', 0, 42, 0, 0, 0, 8, 0, 1, 1, 0x12, 0, 3, 0, 0, 0, 1, 0, 6, 0, 0, 0, 0, 0, 0};

@@ -117,7 +117,8 @@ std::vector<Layout> layouts() {
       for (const auto& compression : compressions) {
         for (const std::uint16_t planes : {PLANARCONFIG_CONTIG, PLANARCONFIG_SEPARATE}) {
           for (const std::uint32_t tile : {0u, 16u}) {
-            for (const char* mode : {"wl", "wb", "wl8"}) {
+            const char* const mode = std::array{"wl", "wb", "wl8"}[all.size() % 3];
+            {
               Layout layout;
               layout.name = std::string(sample.name) + " " + color.name + " " + compression.name +
                             (planes == PLANARCONFIG_CONTIG ? "" : " planes") + (tile > 0 ? " tiles " : " ") + mode;
@@ -210,7 +211,7 @@ TEST(Tiff, OfRarerKindsIsLeftToTheGeneralModule) {
 
 TEST(Tiff, OfTheUsualKindsIsHarmlessWhenDamaged) {
   const auto all = layouts();
-  for (std::size_t i = 0; i < all.size(); i += 11) {
+  for (std::size_t i = 0; i < all.size(); i += 5) {
     expectDamageIsHarmless(tiffModule(), fileOf(all[i]), all[i].name, 97);
   }
 }

@@ -223,6 +223,18 @@ TEST(ForeignGradients, AreWrittenWithin255th) {
   }
 }
 
+// Jumps, which take two stops one number apart, are jumps again.
+TEST(ForeignGradients, AreWrittenWithoutMoreStopsThanTheyHave) {
+  host::Notes notes;
+  const host::GradientStops stops = host::gradientOfPalette(documentText("sea.cpt"), notes);
+  std::string reason;
+  const std::string css = host::cssOfGradient(stops, notes, &reason).value_or(reason);
+  EXPECT_EQ(css,
+            "linear-gradient(to right, #141e50 0%, #285aa0 36.363636363636365%, #bee6f0 72.72727272727273%, "
+            "#5a8c3c 72.72727272727273%, #5a8c3c 77.27272727272726%, #aa965a 77.27272727272726%, #ffffff 100%)\n");
+  EXPECT_TRUE(notes.empty());
+}
+
 TEST(ForeignGradients, WhatCannotBeWrittenIsNamed) {
   const std::pair<const char*, const char*> rows[] = {
       {"none", "it has no colors"},

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Host/ImageFiles/Guarded.h"
+#include "Host/ImageFiles/Jpeg/JpegReading.h"
+#include "Host/ImageFiles/Jpeg/JpegWriting.h"
+#include "Platform/Visibility.h"
+
+namespace host {
+namespace {
+
+class JpegModule : public ImageFileModule {
+ public:
+  std::unique_ptr<ImageReader> open(const ReadRequest& request, bool*, std::string* reason) override {
+    std::unique_ptr<ImageReader> reader;
+    guarded(reason, [&] {
+      reader = openJpeg(request.file, reason);
+      return reader != nullptr;
+    });
+    return reader;
+  }
+  bool write(const WriteRequest& request, PixelRows& rows, OutputBytes& output, std::string* reason) override {
+    return guarded(reason, [&] { return writeJpeg(request, rows, output, reason); });
+  }
+};
+
+}  // namespace
+}  // namespace host
+
+extern "C" TARN_EXPORT host::ImageFileModule* VortoImageFileModule();
+host::ImageFileModule* VortoImageFileModule() {
+  static host::JpegModule module;
+  return &module;
+}
