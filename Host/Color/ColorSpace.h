@@ -62,7 +62,7 @@ ColorSpace describedSpace(const Primaries& primaries, const TransferCurve& curve
 // Whether samples of the one are samples of the other, however that is known. Two names of one space are not found out.
 bool isSameSpace(const ColorSpace& a, const ColorSpace& b);
 
-// As sentences name it: sRGB; the profile "Adobe RGB (1998)"; ...
+// As sentences name it: sRGB; the profile "A98"; ...
 std::string spaceText(const ColorSpace& space);
 
 }  // namespace host

@@ -30,13 +30,6 @@ auto& loaded(const std::string& module, const char* entryName) {
 }
 
 ImageFileModule& loadedFormat(const char* name) {
-  // TEMPORARY: until all modules are there
-  bool exists = false;
-  for (const std::string& folder : libraryFolders()) {
-    std::error_code ignored;
-    exists = exists || std::filesystem::exists(folder + "/vorto-image-" + name + ".so", ignored);
-  }
-  if (!exists) name = "general";
   return loaded<ImageFileModuleFunction>(std::string("vorto-image-") + name, kImageFileModuleEntry);
 }
 

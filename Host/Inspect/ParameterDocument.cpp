@@ -96,7 +96,7 @@ void ParameterDocument::forgetHistory() {
 ParameterDocument::Saved ParameterDocument::savedAs(const std::string& path, const StateFile& file,
                                                     const QCPort& port) {
   if (file.form == StateForm::Text) return {"", PropertyListFormat::Xml, StateForm::Dictionary, editedState(port)};
-  return {path, file.format, file.form, editedState(port)};
+  return {path, file.format, file.form, editedState(file.state)};
 }
 
 std::size_t ParameterDocument::indexOf(const QCPort& port) const {

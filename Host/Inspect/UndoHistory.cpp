@@ -15,7 +15,10 @@ using VRTStateKeys::kSelectedChannel;
 }  // namespace
 
 std::optional<PropertyList> editedState(const QCPort& port) {
-  auto state = port.stateValue();
+  return editedState(port.stateValue());
+}
+
+std::optional<PropertyList> editedState(std::optional<PropertyList> state) {
   if (state && state->find(kSelectedChannel)) state->set(kSelectedChannel, PropertyList::integer(0));
   return state;
 }

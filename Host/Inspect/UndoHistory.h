@@ -63,6 +63,7 @@ class UndoHistory {
 
 // A port's value without what only says what is on view; and back, with what is on view kept.
 std::optional<PropertyList> editedState(const QCPort& port);
+std::optional<PropertyList> editedState(std::optional<PropertyList> state);  // of a state that a port gave or takes
 void setEditedState(QCPort& port, const std::optional<PropertyList>& state);
 
 }  // namespace host

@@ -168,6 +168,7 @@ class GradientReader {
 template <std::size_t Components>
 void noteCovered(const std::vector<GradientStop<Components>>& stops, const char* what, Notes& notes) {
   std::vector<double> positions;
+  positions.reserve(stops.size());
   for (const auto& stop : stops) positions.push_back(stop.position);
   std::ranges::sort(positions);
   const auto twice = std::ranges::adjacent_find(positions);

@@ -16,7 +16,7 @@ struct TestProfile {
   std::string description = "Test";
 };
 
-// Adobe RGB (1998)'s figures: gamma 563 / 256, its primaries under D50.
+// The figures of A98: gamma 563 / 256, its primaries under D50.
 inline TestProfile wideProfile() {
   TestProfile profile;
   profile.columns = {{{0.60974, 0.31111, 0.01947}, {0.20528, 0.62567, 0.06087}, {0.14919, 0.06322, 0.74457}}};

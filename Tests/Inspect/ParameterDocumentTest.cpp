@@ -79,6 +79,12 @@ TEST_F(ParameterDocumentTest, KeepsTheFormatOfAFile) {
   EXPECT_EQ(levelsOf(*second).gammaForChannel(0), 2);
   EXPECT_EQ(document.file(*second), "") << "a text is not overwritten with a list";
   EXPECT_FALSE(document.isModified(*second));
+
+  document.setFile(*first, at("binary"));
+  EXPECT_FALSE(document.isModified(*first));
+  levelsOf(*first).setGamma(3, 1);
+  document.setFile(*first, at("binary"));
+  EXPECT_TRUE(document.isModified(*first)) << "set after the file was read";
 }
 
 TEST_F(ParameterDocumentTest, RefusesWithoutChangingAnything) {

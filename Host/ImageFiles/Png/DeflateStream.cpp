@@ -11,9 +11,11 @@ namespace host {
 namespace {
 
 constexpr std::size_t kHistory = 32768;  // how far back distances reach
-constexpr std::size_t kBlock = 49152;
+constexpr std::size_t kBlock = 65024;
 constexpr std::size_t kLongestMatch = 258;
-constexpr unsigned kWorthwhileBits = 14;  // what a match saves at least, before it costs something itself
+constexpr std::size_t kMostCompared = 16;
+constexpr unsigned kWorthwhileBits = 20;  // what a match saves at least, before it costs something itself
+constexpr std::size_t kLongMatch = 32;    // none longer is looked for one byte on
 constexpr std::size_t kMissesBeforeLongerSteps = 64;
 constexpr std::size_t kLongestStep = 16;
 
@@ -68,14 +70,20 @@ class LiteralCosts {
   double average_ = 0;
 };
 
-// In sixteenths of a bit too: the two symbols, and the bits behind them.
+// The bits behind a match's symbols, in sixteenths too.
 std::uint32_t matchCost(std::size_t length, std::size_t distance) {
   const auto extraBits = [](std::size_t number, std::size_t parts) {
     const auto width = static_cast<std::size_t>(std::bit_width(number));
     return width > parts + 1 ? width - parts - 1 : 0;
   };
-  return static_cast<std::uint32_t>(16 * (10 + extraBits(length - 3, 2) + extraBits(distance - 1, 1)));
+  return static_cast<std::uint32_t>(16 * (extraBits(length - 3, 2) + extraBits(distance - 1, 1)));
 }
+
+struct Match {
+  std::uint16_t length = 0;
+  std::uint16_t distance = 0;
+  std::uint32_t saved = 0;  // against the bytes as they stand; 0: it is none
+};
 
 }  // namespace
 
@@ -108,7 +116,7 @@ void DeflateStream::writeBlock(bool isLast) {
   if (method_ == Method::Stored) {
     writeStoredBlock(block, isLast, &out_);
   } else {
-    findSteps(block.data(), block.size());
+    findSteps(block);
     writeDeflateBlock(block, steps_, isLast, &out_);
   }
   const std::size_t passed = window_.size() - std::min(window_.size(), kHistory);
@@ -117,45 +125,110 @@ void DeflateStream::writeBlock(bool isLast) {
   start_ += static_cast<std::uint32_t>(passed);
 }
 
-void DeflateStream::findSteps(const std::uint8_t* block, std::size_t size) {
-  steps_.clear();
-  const LiteralCosts costs({block, size});
-  // As many bytes must be the same as make a match worth its while. They are looked at in the lower part of a word.
-  const auto hashed = static_cast<unsigned>(std::clamp(kWorthwhileBits / costs.average(), 4.0, 8.0));
-  const unsigned unhashedBits = 64 - 8 * hashed;
-  const auto hashOf = [&](std::uint64_t word) {
-    return (word << unhashedBits) * 0x9E3779B97F4A7C15u >> (64 - kHashBits);
-  };
-  const std::uint8_t* const end = block + size;
-  const std::uint8_t* literals = block;
-  std::size_t misses = 0;
-  for (const std::uint8_t* at = block; at + 8 <= end;) {
-    const std::uint32_t place = start_ + static_cast<std::uint32_t>(at - window_.data());
-    std::uint32_t& latest = latest_[hashOf(wordAt(at))];
-    const std::uint32_t distance = place - std::exchange(latest, place);
-    std::size_t length = 0;
-    if (distance - 1 < kHistory && distance <= static_cast<std::size_t>(at - window_.data()) &&
-        (wordAt(at - distance) ^ wordAt(at)) << unhashedBits == 0) {
-      const std::size_t most = std::min<std::size_t>(kLongestMatch, static_cast<std::size_t>(end - at));
-      length = matchLength(at - distance, at, most);
-      const std::uint32_t cost = matchCost(length, distance);
-      const std::uint32_t without = costs.of(at, length);
-      if (cost >= without) {
-        length = 0;
-      } else {
-        misses = 0;
-      }
+// Looks for what stood before in the window of a stream.
+class DeflateStream::Matcher {
+ public:
+  Matcher(DeflateStream& stream, std::span<const std::uint8_t> block, const LiteralCosts& costs)
+      : window_(stream.window_.data()),
+        start_(stream.start_),
+        latest_(stream.latest_),
+        end_(block.data() + block.size()),
+        costs_(costs),
+        symbolCost_(stream.matchSymbolBits_),
+        least_(static_cast<std::size_t>(std::clamp(kWorthwhileBits / costs.average(), 4.0, 1.0 * kMostCompared))),
+        hashed_(std::min<std::size_t>(least_, 8)),
+        unhashedBits_(64 - 8 * hashed_) {}
+
+  // Also remembers the place.
+  Match find(const std::uint8_t* at) {
+    const std::uint32_t place = placeOf(at);
+    Match best;
+    auto& places = latest_[hashOf(at)];
+    for (const std::uint32_t earlier : places) consider(at, place - earlier, &best);
+    if (places[0] != place) places = {place, places[0]};
+    return best;
+  }
+
+  void remember(const std::uint8_t* from, const std::uint8_t* to) {
+    for (to = std::min(to, end_ - kMostCompared); from < to; ++from) {
+      auto& places = latest_[hashOf(from)];
+      places = {placeOf(from), places[0]};
     }
-    if (length == 0) {
+  }
+
+ private:
+  std::uint32_t placeOf(const std::uint8_t* at) const { return start_ + static_cast<std::uint32_t>(at - window_); }
+  std::size_t hashOf(const std::uint8_t* at) const {
+    return (wordAt(at) << unhashedBits_) * 0x9E3779B97F4A7C15u >> (64 - kHashBits);
+  }
+  // The first bytes, and the last of those that are least.
+  bool areSame(const std::uint8_t* x, const std::uint8_t* y) const {
+    const std::size_t rest = least_ - hashed_;
+    return (wordAt(x) ^ wordAt(y)) << unhashedBits_ == 0 && (wordAt(x + rest) ^ wordAt(y + rest)) << unhashedBits_ == 0;
+  }
+  void consider(const std::uint8_t* at, std::uint32_t distance, Match* best) const {
+    if (distance - 1 >= kHistory || distance > static_cast<std::size_t>(at - window_)) return;
+    if (!areSame(at - distance, at)) return;
+    const std::size_t length =
+        matchLength(at - distance, at, std::min<std::size_t>(kLongestMatch, static_cast<std::size_t>(end_ - at)));
+    const std::uint32_t without = costs_.of(at, length);
+    const std::uint32_t cost = 16 * symbolCost_ + matchCost(length, distance);
+    if (without > cost + best->saved) {
+      *best = {static_cast<std::uint16_t>(length), static_cast<std::uint16_t>(distance), without - cost};
+    }
+  }
+
+  const std::uint8_t* window_;
+  std::uint32_t start_;
+  std::vector<std::array<std::uint32_t, 2>>& latest_;
+  const std::uint8_t* end_;
+  const LiteralCosts& costs_;
+  std::uint32_t symbolCost_;
+  std::size_t least_;  // as many bytes must be the same as make a match worth its while
+  std::size_t hashed_;
+  std::size_t unhashedBits_;
+};
+
+void DeflateStream::findSteps(std::span<const std::uint8_t> block) {
+  steps_.clear();
+  const LiteralCosts costs(block);
+  Matcher matcher(*this, block, costs);
+  const std::uint8_t* const end = block.data() + block.size();
+  const std::uint8_t* const last = block.data() + (block.size() - std::min(block.size(), kMostCompared));
+  const std::uint8_t* literals = block.data();
+  std::size_t misses = 0;
+  for (const std::uint8_t* at = block.data(); at < last;) {
+    Match match = matcher.find(at);
+    if (match.saved == 0) {
       at += std::min(kLongestStep, 1 + misses++ / kMissesBeforeLongerSteps);
       continue;
     }
-    steps_.push_back({static_cast<std::uint32_t>(at - literals), static_cast<std::uint16_t>(length),
-                      static_cast<std::uint16_t>(distance)});
-    at += length;
-    literals = at;
+    misses = 0;
+    const std::uint8_t* from = at;
+    while (from + 1 < last && match.length < kLongMatch) {
+      const Match next = matcher.find(from + 1);
+      if (next.saved <= match.saved) break;
+      match = next;
+      ++from;
+    }
+    steps_.push_back({static_cast<std::uint32_t>(from - literals), match.length, match.distance});
+    literals = from + match.length;
+    matcher.remember(from + 2, literals);
+    at = literals;
   }
   if (literals < end) steps_.push_back({static_cast<std::uint32_t>(end - literals), 0, 0});
+  estimateMatches();
+}
+
+// What a match's two symbols may cost in the next block: the less, the more there are of them.
+void DeflateStream::estimateMatches() {
+  double literals = 1;
+  double matches = 1;
+  for (const DeflateStep& step : steps_) {
+    literals += step.literals;
+    matches += step.length > 0;
+  }
+  matchSymbolBits_ = static_cast<std::uint32_t>(std::clamp(5 - std::log2(matches / (literals + matches)), 5.0, 10.0));
 }
 
 }  // namespace host

@@ -26,8 +26,11 @@ class DeflateStream {
   void clearMade() { out_.clear(); }
 
  private:
+  class Matcher;
+
   void writeBlock(bool isLast);
-  void findSteps(const std::uint8_t* block, std::size_t size);
+  void findSteps(std::span<const std::uint8_t> block);
+  void estimateMatches();
 
   static constexpr std::size_t kHashBits = 14;
 
@@ -37,7 +40,8 @@ class DeflateStream {
   std::vector<std::uint8_t> window_;  // what distances reach back to, then the block
   std::size_t history_ = 0;           // bytes in front of the block
   std::vector<DeflateStep> steps_;
-  std::vector<std::uint32_t> latest_;  // where bytes with some hash stood last
+  std::vector<std::array<std::uint32_t, 2>> latest_;  // where bytes with some hash stood last, and before that
+  std::uint32_t matchSymbolBits_ = 10;                // of a match, estimated
   BitWriter out_;
 };
 

@@ -185,6 +185,14 @@ TEST(Tiff, OfTheUsualKindsIsReadAsByTheLibrary) {
   }
 }
 
+TEST(Tiff, OfOtherProgramsIsRead) {
+  for (const char* name :
+       {"ffmpeg-16", "ffmpeg-deflate", "magick-lzw", "magick-alpha16", "magick-gray", "oiio-tiles", "oiio-planes"}) {
+    const FileBytesOfTest file = contentsOf(VORTO_FORMAT_FILES "/tiff/" + std::string(name) + ".tif");
+    expectSamePicture(readPicture(tiffModule(), file), readByOracle(file, "tiff"), name);
+  }
+}
+
 TEST(Tiff, OfRarerKindsIsLeftToTheGeneralModule) {
   const Layout rows[] = {
       {"palette", 8, SAMPLEFORMAT_UINT, PHOTOMETRIC_PALETTE, 1},

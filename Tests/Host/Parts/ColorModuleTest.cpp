@@ -230,7 +230,7 @@ TEST(ColorModule, ThereAndBackCostsAtMostOneUnit) {
 }
 
 TEST(ColorModule, AProfilesMatrixCounts) {
-  // Adobe RGB (1998)'s red and green in linear sRGB, outside its range.
+  // A98's red and green in linear sRGB, outside its range.
   const auto red = converted({1, 0, 0, 1}, profile(wideProfile()), known(KnownSpace::LinearRec709));
   const auto green = converted({0, 1, 0, 1}, profile(wideProfile()), known(KnownSpace::LinearRec709));
   const double expected[2][3] = {{1.39836, 0, 0}, {-0.39836, 1, -0.04293}};
