@@ -40,7 +40,7 @@ struct ExifEntry {
   ExifType type = ExifType::Undefined;
   Bytes value;  // whole values, one after the other, in this machine's byte order
 
-  std::size_t count() const { return value.size() / exifTypeSize(type); }
+  std::size_t count() const { return exifTypeSize(type) == 0 ? 0 : value.size() / exifTypeSize(type); }
   bool operator==(const ExifEntry&) const = default;
 };
 

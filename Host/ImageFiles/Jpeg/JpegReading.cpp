@@ -12,9 +12,9 @@
 namespace host {
 namespace {
 
-// Every 64 pixels take at least a bit, unless arithmetic coding spreads one over many.
+// Every 64 pixels take at least a bit, unless arithmetic coding spreads one over many; how many has no sharp limit.
 constexpr std::uint64_t kPixelsPerByte = 512;
-constexpr std::uint64_t kPixelsPerArithmeticByte = 64 * kPixelsPerByte;
+constexpr std::uint64_t kPixelsPerArithmeticByte = 512 * kPixelsPerByte;
 // Each goes over all pixels, for as little as a few bytes of the file. Programs write about ten.
 constexpr int kLargestScanCount = 200;
 

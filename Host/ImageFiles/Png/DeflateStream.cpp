@@ -16,8 +16,10 @@ constexpr std::size_t kLongestMatch = 258;
 constexpr std::size_t kMostCompared = 16;
 constexpr unsigned kWorthwhileBits = 20;  // what a match saves at least, before it costs something itself
 constexpr std::size_t kLongMatch = 32;    // none longer is looked for one byte on
-constexpr std::size_t kMissesBeforeLongerSteps = 64;
-constexpr std::size_t kLongestStep = 16;
+// The more places there are where nothing was found, the longer the steps to the next; what is found must pay for them.
+constexpr std::size_t kMissesForAStep = 64;
+constexpr std::size_t kMostMisses = 1024;
+constexpr std::size_t kMissesPerTwoBits = 5;
 
 std::uint64_t wordAt(const std::uint8_t* bytes) {
   std::uint64_t word;
@@ -200,10 +202,11 @@ void DeflateStream::findSteps(std::span<const std::uint8_t> block) {
   for (const std::uint8_t* at = block.data(); at < last;) {
     Match match = matcher.find(at);
     if (match.saved == 0) {
-      at += std::min(kLongestStep, 1 + misses++ / kMissesBeforeLongerSteps);
+      misses = std::min(misses + 1, kMostMisses);
+      at += 1 + misses / kMissesForAStep;
       continue;
     }
-    misses = 0;
+    misses -= std::min<std::size_t>(misses, match.saved * kMissesPerTwoBits / 32);
     const std::uint8_t* from = at;
     while (from + 1 < last && match.length < kLongMatch) {
       const Match next = matcher.find(from + 1);

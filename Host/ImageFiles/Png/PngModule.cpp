@@ -9,7 +9,8 @@ namespace {
 
 class PngModule : public ImageFileModule {
  public:
-  std::unique_ptr<ImageReader> open(const ReadRequest& request, bool*, std::string* reason) override {
+  std::unique_ptr<ImageReader> open(const ReadRequest& request, bool* isOtherKind, std::string* reason) override {
+    *isOtherKind = false;
     std::unique_ptr<ImageReader> reader;
     guarded(reason, [&] {
       reader = openPng(request.file, reason);

@@ -10,6 +10,16 @@ std::uint16_t number16(const std::uint8_t* bytes) {
   return static_cast<std::uint16_t>(bytes[0] << 8 | bytes[1]);
 }
 
+// Where the samples lie in a stored pixel; alpha is its last.
+template <std::size_t size, std::size_t red, std::size_t green, std::size_t blue, bool isAlphaStored>
+void expandWords(const std::uint8_t* stored, std::size_t pixels, std::byte* to) {
+  for (std::size_t i = 0; i < pixels; ++i, stored += size, to += 8) {
+    const std::array<std::uint16_t, 4> pixel{number16(stored + red), number16(stored + green), number16(stored + blue),
+                                             isAlphaStored ? number16(stored + size - 2) : std::uint16_t{0xFFFF}};
+    std::memcpy(to, pixel.data(), sizeof pixel);
+  }
+}
+
 }  // namespace
 
 PngExpander::PngExpander(const PngHeader& header, std::span<const std::uint8_t> palette,
@@ -95,16 +105,24 @@ void PngExpander::expand8(const std::uint8_t* stored, std::size_t pixels, std::b
 }
 
 void PngExpander::expand16(const std::uint8_t* stored, std::size_t pixels, std::byte* to) const {
-  const bool isGray = header_.color == PngColor::Gray || header_.color == PngColor::GrayAlpha;
-  const bool isAlphaStored = header_.color == PngColor::GrayAlpha || header_.color == PngColor::RGBA;
-  const std::size_t colors = isGray ? 1 : 3;
-  const std::size_t size = header_.pixelBytes();
-  for (std::size_t i = 0; i < pixels; ++i, stored += size, to += 8) {
-    std::array<std::uint16_t, 4> pixel;
-    for (std::size_t c = 0; c < 3; ++c) pixel[c] = number16(stored + (isGray ? 0 : 2 * c));
-    pixel[3] = isAlphaStored ? number16(stored + 2 * colors) : 0xFFFF;
-    if (transparentColor_ && std::memcmp(pixel.data(), transparentColor_->data(), 6) == 0) pixel[3] = 0;
-    std::memcpy(to, pixel.data(), sizeof pixel);
+  switch (header_.color) {
+    case PngColor::Gray:
+      expandWords<2, 0, 0, 0, false>(stored, pixels, to);
+      break;
+    case PngColor::GrayAlpha:
+      expandWords<4, 0, 0, 0, true>(stored, pixels, to);
+      break;
+    case PngColor::RGB:
+      expandWords<6, 0, 2, 4, false>(stored, pixels, to);
+      break;
+    default:
+      expandWords<8, 0, 2, 4, true>(stored, pixels, to);
+      break;
+  }
+  if (!transparentColor_) return;
+  for (; pixels > 0; --pixels, to += 8) {
+    constexpr std::uint16_t kTransparent = 0;
+    if (std::memcmp(to, transparentColor_->data(), 6) == 0) std::memcpy(to + 6, &kTransparent, sizeof kTransparent);
   }
 }
 
