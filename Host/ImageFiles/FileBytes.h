@@ -44,4 +44,7 @@ class FileBytes {
 // How many bytes a zlib stream holds; nothing when it is damaged or holds more than `maximum`.
 std::optional<std::uint64_t> inflatedSize(std::span<const std::uint8_t> stream, std::uint64_t maximum);
 
+// The first bytes that a zlib stream holds. False when it is damaged before their end, or holds less.
+bool inflateFirst(std::span<const std::uint8_t> stream, std::span<std::uint8_t> bytes);
+
 }  // namespace host

@@ -89,8 +89,8 @@ class TiffReader : public ImageReader {
     for (std::uint16_t plane = 0; plane < planeCount(); ++plane) {
       for (std::uint32_t top = 0, rows = 0; top < kind_.height; top += rows) {
         rows = std::min(rowsOfStrip, kind_.height - top);
-        const bool isAtOnce = inflater.isUsed() && rowSize * rows <= kLargestStrip;
-        if (!(isAtOnce && inflateStrip(&inflater, plane, top, rows)) && !readRows(plane, top, rows)) return false;
+        const bool isAtOnce = inflater.isUsed() && (rows == 1 || rowSize * rows <= kLargestStrip);
+        if (!(isAtOnce ? inflateStrip(&inflater, plane, top, rows) : readRows(plane, top, rows))) return false;
       }
     }
     return true;
@@ -107,7 +107,7 @@ class TiffReader : public ImageReader {
     return true;
   }
 
-  // Row by row the library says which strip fails, and takes those that hold more than they should.
+  // Row by row the library says which strip fails, and needs no memory for a whole one.
   bool readRows(std::uint16_t plane, std::uint32_t top, std::uint32_t rows) {
     const bool isStoredAlike = !kind_.isPlanar && kind_.channels == Channels::RGBA && kind_.stored != Stored::Half;
     if (!isStoredAlike && stored_.empty()) stored_.resize(storedPixelSize() * kind_.width);

@@ -27,7 +27,7 @@ struct Layout {
   std::uint16_t predictor = 1;
   std::uint32_t tile = 0;   // its edge; 0: strips
   const char* mode = "wl";  // byte order, and 8 for 64-bit places
-  bool isOtherKind = false;
+  std::uint32_t rowsOfStrip = 8;
 };
 
 constexpr std::uint32_t kWidth = 37;
@@ -54,7 +54,7 @@ FileBytesOfTest fileOf(const Layout& layout, const std::function<void(TIFF*)>& a
     TIFFSetField(file, TIFFTAG_TILEWIDTH, layout.tile);
     TIFFSetField(file, TIFFTAG_TILELENGTH, layout.tile);
   } else {
-    TIFFSetField(file, TIFFTAG_ROWSPERSTRIP, 8);
+    TIFFSetField(file, TIFFTAG_ROWSPERSTRIP, layout.rowsOfStrip);
   }
   if (addFields) addFields(file);
   std::mt19937 random(3);
@@ -75,8 +75,8 @@ FileBytesOfTest fileOf(const Layout& layout, const std::function<void(TIFF*)>& a
     if (layout.tile > 0) {
       EXPECT_GT(TIFFWriteEncodedTile(file, part, copy.data(), TIFFTileSize(file)), 0) << layout.name;
     } else {
-      const std::uint32_t perPlane = (kHeight + 7) / 8;
-      const std::uint32_t rows = std::min(8u, kHeight - part % perPlane * 8);
+      const std::uint32_t perPlane = (kHeight + layout.rowsOfStrip - 1) / layout.rowsOfStrip;
+      const std::uint32_t rows = std::min(layout.rowsOfStrip, kHeight - part % perPlane * layout.rowsOfStrip);
       EXPECT_GT(TIFFWriteEncodedStrip(file, part, copy.data(), TIFFVStripSize(file, rows)), 0) << layout.name;
     }
   }
@@ -221,6 +221,26 @@ TEST(Tiff, OfTheUsualKindsIsHarmlessWhenDamaged) {
   const auto all = layouts();
   for (std::size_t i = 0; i < all.size(); i += 5) {
     expectDamageIsHarmless(tiffModule(), fileOf(all[i]), all[i].name, 97);
+  }
+}
+
+// Strips that hold more than the picture's rows are read, and nothing of a row is left unwritten.
+TEST(Tiff, MayHoldMoreThanItsRows) {
+  for (const std::uint32_t rowsOfStrip : {1u, 8u}) {
+    Layout layout;
+    layout.samples = 4;
+    layout.extra = EXTRASAMPLE_ASSOCALPHA;
+    layout.compression = COMPRESSION_ADOBE_DEFLATE;
+    layout.rowsOfStrip = rowsOfStrip;
+    FileBytesOfTest file = fileOf(layout);
+    const std::uint8_t width[] = {0, 1, 3, 0, 1, 0, 0, 0, kWidth};
+    const auto field = std::search(file.begin(), file.end(), std::begin(width), std::end(width));
+    ASSERT_NE(field, file.end());
+    field[8] = 2;
+    const ReadPicture first = readPicture(tiffModule(), file, {}, 0x11);
+    const ReadPicture second = readPicture(tiffModule(), file, {}, 0xEE);
+    EXPECT_TRUE(first.isRead && second.isRead) << first.reason;
+    EXPECT_EQ(first.pixels, second.pixels);
   }
 }
 
