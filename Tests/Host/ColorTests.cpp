@@ -99,6 +99,33 @@ TEST_F(Colors, AProfileStaysWithItsValues) {
   EXPECT_GT(readImage(at("srgb.png")).pixel(8, 8)[0], readImage(at("out.png")).pixel(8, 8)[0] + 10) << "a wider red";
 }
 
+TEST_F(Colors, PngsStateTheirSpaceInChunks) {
+  writePng(at("plain.png"), grays(8));
+  writeExr(at("light.exr"), TestImage{1, 1, 32, {0.5, 0.5, 0.5, 1}});
+  const auto chunks = [&](const std::string& name) {
+    const std::string file = readFile(at(name));
+    std::string found;
+    for (const char* chunk : {"sRGB", "gAMA", "cHRM", "cICP", "iCCP"}) {
+      if (file.find(chunk) < file.find("IDAT")) found += chunk;
+    }
+    return found;
+  };
+  say({"plain.png"}, "same.png");
+  EXPECT_EQ(chunks("same.png"), "");
+  say({"light.exr"}, "srgb.png");
+  EXPECT_EQ(chunks("srgb.png"), "sRGBgAMAcHRM");
+  EXPECT_EQ(say({"srgb.png", "plain.png"}, "kept.png", {"--place", "fit"}, {}, "Over"), "") << "both are sRGB";
+  EXPECT_EQ(chunks("kept.png"), "sRGBgAMAcHRM");
+  say({"light.exr"}, "p3.png", {"--output-space", "DISPLAY P3"});
+  EXPECT_EQ(chunks("p3.png"), "cICPiCCP");
+  EXPECT_EQ(say({"p3.png"}, "again.jpg"), "");
+  EXPECT_EQ(iccProfileOf(at("again.jpg")), iccProfileOf(at("p3.png")));
+  // A profile for colors is none of gray files.
+  say({"plain.png"}, "gray.png", {"--channels", "gray"});
+  say({"gray.png"}, "gray.jpg", {"--output-space", "Display P3"});
+  EXPECT_FALSE(iccProfileOf(at("gray.jpg")).empty());
+}
+
 TEST_F(Colors, InputsMeetInTheSpaceOfTheFirst) {
   writePng(at("back.png"), flatImage(4, 4, {10, 20, 30, 255}));
   TestImage light{4, 4, 32, {}};
