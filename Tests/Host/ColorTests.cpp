@@ -161,13 +161,13 @@ TEST_F(Colors, RawConvertsNothing) {
 }
 
 TEST_F(Colors, WhatLiesOutsideIsClippedAndCounted) {
-  writeExr(at("in.exr"), TestImage{3, 1, 32, {4, 1, 0.5, 1, 0.5, 0.5, 0.5, 1, 0.2, -0.1, 0, 1}});
+  writeExr(at("in.exr"), TestImage{4, 1, 32, {4, 1, 0.5, 1, 0.5, 0.5, 0.5, 1, 0.2, -0.1, 0, 1, 1.0005, NAN, 0, 1}});
   EXPECT_EQ(say({"in.exr"}, "out.png"),
             "vorto: the result is converted from Linear Rec.709 (assumed) to sRGB\n"
-            "vorto: 2 pixels of the result lie outside sRGB and were clipped\n");
+            "vorto: 3 pixels of the result lie outside sRGB and were clipped\n");
   EXPECT_EQ(say({"in.exr"}, "p3.tif", {"--output-space", "Display P3", "--depth", "8"}),
             "vorto: the result is converted from Linear Rec.709 (assumed) to Display P3\n"
-            "vorto: 2 pixels of the result lie outside Display P3 and were clipped\n");
+            "vorto: 3 pixels of the result lie outside Display P3 and were clipped\n");
   EXPECT_FALSE(iccProfileOf(at("p3.tif")).empty()) << "readers would take it for sRGB";
 }
 
