@@ -69,7 +69,7 @@ constexpr Job kJobs[] = {
      "o.png",
      {{"vorto", "render Over -i large.png over.png -o @"},
       {"ffmpeg", "-i large.png -i over.png -filter_complex overlay=format=gbrp @"},
-      {"oiiotool", "over.png large.png --over -o @"},
+      {"oiiotool", "over.png large.png --ch R,G,B,A=1 --over -o @"},
       {"convert", "large.png over.png -composite @"}}},
     {"Levels, 12 frames of 1080p PNG",
      "o.12.png",

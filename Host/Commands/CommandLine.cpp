@@ -36,7 +36,8 @@ name, as Levels):
   number    -1.5 or 2e-3, within the port's range
   boolean   true or false, on or off, 1 or 0
   index     a whole number, or an entry of the port's menu
-  color     #rrggbb, #rrggbbaa, or r,g,b[,a] with values from 0 to 1; not premultiplied
+  color     #rrggbb, #rrggbbaa, orange and the other names of CSS, rgb(), hsl(), or r,g,b[,a] with values from 0 to 1; not
+            premultiplied
   string    the text as it is
   image     a picture's file, for ports that are not filled by --input; its size and depth may be others
   gradient  stops apart by commas: color, position, "constant", "linear" (default) or "smooth"; or linear-gradient() of CSS
@@ -49,11 +50,12 @@ standard error. A file without a tag counts as sRGB, and as linear Rec.709 when 
 Rec.709, Rec.709, Rec.2020, Linear Rec.2020, Display P3, Linear P3-D65, ACEScg, ACES2065-1, raw, and those of the
 OpenColorIO configuration that $OCIO names. Pictures of --set are taken as they are.
 
-PNG stores straight alpha; JPEG
-stores none, which shows the picture over black; TIFF and EXR store premultiplied alpha. What a format cannot hold is
-written in the next depth that it can: PNG takes 8 and 16 bits, JPEG 8, TIFF 8, 16 and float, EXR half and float.
-Pictures are read upright (orientation tags count); of a file with several pictures the first is read. Other metadata is
-not carried over.
+Files are what their first bytes say; what is written, the extension or --format says: png, jpg, tif, exr, webp, bmp, tga,
+dpx, hdr, jp2, heic, ppm, pnm, pfm. "-" is the standard input or output. FILE:LAYER reads a layer or part of an EXR. PNG
+stores straight alpha; JPEG stores none, which shows the picture over black; TIFF and EXR store premultiplied alpha. What a
+format cannot hold is written in the next depth that it can: PNG takes 8 and 16 bits, JPEG 8, TIFF 8, 16 and float, EXR half
+and float. Pictures are read upright. What the first input's file says about itself (Exif, resolution, time code, EXR
+attributes, ...) is kept where the format holds it; --verbose tells what is lost.
 
 A pixel format is how the host holds pictures before the effect and after it: every input goes through a bitmap of that
 layout, which loses what the layout cannot hold, and on in the nearest layout that effects take (rgba8 and argb8 as they
@@ -240,7 +242,7 @@ void addInspect(CLI::App& app, InspectOptions& options) {
       ->type_name("EFFECT");
   command->add_option("-i,--input", options.inputs, "The effect's pictures or sequences, as for render")
       ->type_name("FILE");
-  command->add_option("--set", options.values, "Set a port; may be repeated")
+  command->add_option("--set", options.values, "Set a port, as for render; may be repeated")
       ->type_name("PORT=VALUE")
       ->allow_extra_args(false);
   command

@@ -7,9 +7,11 @@
 #include "Host/Messages/Utf8.h"
 #include "Host/Rendering/PortKinds.h"
 #include "Host/States/StateFile.h"
+#include "Host/Texts/ColorText.h"
 #include "Host/Texts/LevelsText.h"
 #include "Platform/QuartzComposer/QCPort.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <optional>
@@ -76,37 +78,39 @@ std::uint32_t parsedIndex(const QCPort& port, const std::string& text) {
   return static_cast<std::uint32_t>(*number);
 }
 
-// Two hexadecimal digits as 0 to 1.
-std::optional<double> parsedByte(std::string_view digits) {
-  unsigned value = 0;
-  const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), value, 16);
-  if (result.ec != std::errc() || result.ptr != digits.data() + digits.size()) return std::nullopt;
-  return value / 255.0;
-}
-
-std::vector<std::optional<double>> colorComponents(const std::string& text) {
-  std::vector<std::optional<double>> components;
-  if (text.starts_with('#')) {
-    if (text.size() != 7 && text.size() != 9) return components;
-    for (std::size_t i = 1; i < text.size(); i += 2)
-      components.push_back(parsedByte(std::string_view(text).substr(i, 2)));
-    return components;
-  }
-  for (std::size_t begin = 0; begin <= text.size();) {
+// "r,g,b" or "r,g,b,a" of 0 to 1.
+std::optional<TextColor> plainColor(const std::string& text) {
+  std::vector<std::optional<double>> numbers;
+  for (std::size_t begin = 0; begin <= text.size() && numbers.size() < 5;) {
     const std::size_t end = std::min(text.find(',', begin), text.size());
-    components.push_back(parsedNumber(std::string_view(text).substr(begin, end - begin)));
+    numbers.push_back(parsedNumber(std::string_view(text).substr(begin, end - begin)));
     begin = end + 1;
   }
-  return components;
+  const bool isWhole = (numbers.size() == 3 || numbers.size() == 4) &&
+                       std::ranges::all_of(numbers, [](const auto& number) { return number.has_value(); });
+  if (!isWhole) return std::nullopt;
+  return TextColor{{*numbers[0], *numbers[1], *numbers[2]}, numbers.size() == 4 ? numbers[3] : std::nullopt};
+}
+
+TextColor cssColor(const QCPort& port, const std::string& text) {
+  try {
+    TextReader reader(text);
+    const TextColor color = readColor(reader, ", or r,g,b[,a] with values from 0 to 1");
+    if (!reader.atEnd()) reader.expected("the end of the color");
+    return color;
+  } catch (const TextFault& fault) {
+    refuse(port, text, faultWithPlace(text, fault, true));
+  }
 }
 
 std::shared_ptr<QCColor> parsedColor(const QCPort& port, const std::string& text) {
-  const auto components = colorComponents(text);
-  bool good = components.size() == 3 || components.size() == 4;
-  for (const auto& component : components) good = good && component && *component >= 0 && *component <= 1;
-  if (!good) refuse(port, text, "the port takes a color: #rrggbb, #rrggbbaa, or r,g,b[,a] with values from 0 to 1");
-  const double alpha = components.size() == 4 ? *components[3] : 1;
-  return std::make_shared<QCColor>(*components[0], *components[1], *components[2], alpha);
+  const auto plain = plainColor(text);
+  const TextColor color = plain ? *plain : cssColor(port, text);
+  const double alpha = color.alpha.value_or(1);
+  for (const double component : {color.rgb[0], color.rgb[1], color.rgb[2], alpha}) {
+    if (!(component >= 0 && component <= 1)) refuse(port, text, "the port takes colors with values from 0 to 1");
+  }
+  return std::make_shared<QCColor>(color.rgb[0], color.rgb[1], color.rgb[2], alpha);
 }
 
 NSObjectRef parsedParameter(const QCPort& port, const std::string& text, StateKind kind) {
@@ -166,10 +170,12 @@ void setPartOfPort(QCPort& port, const std::string& part, const std::string& tex
                                        portKindName(portKindOf(port)));
   }
   PropertyList state = port.stateValue().value_or(defaultLevels());
+  std::string key;
   try {
-    setLevelsValue(state, part, text);
+    key = levelsKeyOfName(part);
+    setLevelsValue(state, key, text);
   } catch (const TextFault& fault) {
-    throw Failure(ExitCode::Usage, whole + fault.what());
+    throw Failure(ExitCode::Usage, whole + (key.empty() ? fault.what() : faultWithPlace(text, fault, true)));
   }
   std::string reason;
   if (!port.setStateValue(state, &reason)) throw Failure(ExitCode::Usage, whole + reason);

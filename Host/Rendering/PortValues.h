@@ -11,7 +11,7 @@ namespace host {
 //   number   -1.5, 2e-3                     within the port's range
 //   boolean  true false on off yes no 1 0
 //   index    a whole number, or an entry of the port's menu
-//   color    #rrggbb, #rrggbbaa, or r,g,b and r,g,b,a with 0 to 1
+//   color    r,g,b and r,g,b,a with 0 to 1, or as CSS has them (Host/Texts/ColorText.h), of 0 to 1
 //   string   the text as it is
 //   gradient, levels  their texts (Host/Texts/GradientText.h, LevelsText.h), and linear-gradient() of CSS
 // Throws Failure when the text does not fit, with what would have.

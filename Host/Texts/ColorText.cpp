@@ -4,7 +4,6 @@
 #include "Host/Messages/Json.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <cstdint>
 #include <numbers>
@@ -33,7 +32,8 @@ TextColor readCode(TextReader& reader) {
     digits.push_back(hexDigit(text[i]));
   }
   const std::size_t end = at + 1 + digits.size();
-  const bool isLetterNext = end < text.size() && std::isalnum(static_cast<unsigned char>(text[end]));
+  const char next = end < text.size() ? lowered(text.substr(end, 1))[0] : ' ';
+  const bool isLetterNext = (next >= '0' && next <= '9') || (next >= 'a' && next <= 'z');
   if ((digits.size() != 3 && digits.size() != 4 && digits.size() != 6 && digits.size() != 8) || isLetterNext) {
     reader.expected("#rgb, #rgba, #rrggbb or #rrggbbaa");
   }

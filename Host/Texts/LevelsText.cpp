@@ -88,8 +88,11 @@ void setValue(PropertyList& state, const std::string& key, TextReader& reader) {
 
 }  // namespace
 
-void setLevelsValue(PropertyList& state, const std::string& name, const std::string& value) {
-  const std::string key = keyNamed(name, 0, name.size());
+std::string levelsKeyOfName(std::string_view name) {
+  return keyNamed(name, 0, name.size());
+}
+
+void setLevelsValue(PropertyList& state, const std::string& key, std::string_view value) {
   TextReader reader(value);
   setValue(state, key, reader);
   if (!reader.atEnd()) reader.expected("the end of the value");

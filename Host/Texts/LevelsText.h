@@ -17,8 +17,10 @@ namespace host {
 // (blackIn, whiteIn, gamma, blackOut or whiteOut), or the key of both in the state, as gammaRed; without regard to case
 // and spaces. Gammas are 0 to 5, the others 0 to 1 or 0% to 100%, as the editor has them.
 
-// Sets one value of a state by its name. Throws TextFault, at a place in the value, or at 0 for an unknown name.
-void setLevelsValue(PropertyList& state, const std::string& name, const std::string& value);
+// The key of the state that such a name stands for. Throws TextFault for an unknown one, with what there is.
+std::string levelsKeyOfName(std::string_view name);
+// Sets what stands under a key. Throws TextFault at a place in the value.
+void setLevelsValue(PropertyList& state, const std::string& key, std::string_view value);
 
 bool looksLikeLevels(std::string_view text);  // an equals sign behind letters, dots and spaces
 

@@ -76,6 +76,10 @@ std::optional<std::string> textOfParameter(StateKind kind, const PropertyList& s
   const GradientStops stops = stopsOfState(state);
   switch (format) {
     case TextFormat::Text:
+      if (stops.colors.size() + stops.opacities.size() > kMaximumStops) {
+        NSRefuse(reason, "it has more than " + std::to_string(kMaximumStops) + " stops");
+        return std::nullopt;
+      }
       return textOfGradient(stops, ",\n") + "\n";
     case TextFormat::Css:
       return cssOfGradient(stops, notes, reason);

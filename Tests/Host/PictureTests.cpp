@@ -290,6 +290,7 @@ TEST(Render, ValuesReachThePorts) {
   };
   const std::array<double, 4> color{0x10, 0x80, 0xFF, 255};
   EXPECT_EQ(corner({"inputColorA=#1080ff"}).pixel(0, 0), color) << "by key";
+  EXPECT_EQ(corner({"inputColorA=rgb(16 128 255)"}).pixel(0, 0), color) << "as in gradients";
   EXPECT_EQ(corner({"First Color=#1080FF"}).pixel(0, 0), color) << "by name";
   EXPECT_EQ(corner({"colora=#1080ffff"}).pixel(0, 0), color) << "by key without input";
   const std::array<double, 4> halfRed{128, 0, 0, 128};

@@ -129,6 +129,15 @@ bool selectChannels(const Part& part, const Place& place, bool isNamed, Selectio
   return all.colorCount == 1 && all.select(selection);
 }
 
+// The general module's library does not read them either.
+bool checkSampling(const Part& part, std::string* reason) {
+  const auto found = std::find_if(part.channels.begin(), part.channels.end(),
+                                  [](const Channel& channel) { return channel.isSubsampled(); });
+  return found == part.channels.end() ||
+         NSRefuse(reason, "its channel \"" + found->name + "\" has one sample for " + std::to_string(found->columns) +
+                              " x " + std::to_string(found->rows) + " pixels; one for each is read");
+}
+
 bool checkSamples(const Part& part, Selection* selection, std::string* reason) {
   selection->depth = Depth::Half;
   for (const int channel : selection->channels) {
@@ -145,16 +154,12 @@ bool checkSamples(const Part& part, Selection* selection, std::string* reason) {
 
 }  // namespace
 
-bool selectPicture(const File& file, const std::string& layer, Selection* selection, bool* isOtherKind,
-                   std::string* reason) {
+bool selectPicture(const File& file, const std::string& layer, Selection* selection, std::string* reason) {
   const auto place = placeOf(file, layer);
   if (!place) return refuseLayer(file, layer, reason);
   const Part& part = file.parts[place->part];
   if (part.isDeep) return NSRefuse(reason, "it is a deep image, which has no single color at a pixel");
-  if (std::any_of(part.channels.begin(), part.channels.end(), [](const Channel& c) { return c.isSubsampled(); })) {
-    *isOtherKind = true;
-    return NSRefuse(reason, "its channels have different numbers of samples");
-  }
+  if (!checkSampling(part, reason)) return false;
   selection->part = place->part;
   if (!selectChannels(part, *place, !layer.empty(), selection)) {
     return NSRefuse(reason, "it has no channels that make a gray or an RGB picture");

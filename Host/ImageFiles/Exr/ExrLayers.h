@@ -20,8 +20,6 @@ struct Selection {
 };
 
 // Without a layer it is that of the first part.
-// False with *isOtherKind set when the general module may read it.
-bool selectPicture(const File& file, const std::string& layer, Selection* selection, bool* isOtherKind,
-                   std::string* reason);
+bool selectPicture(const File& file, const std::string& layer, Selection* selection, std::string* reason);
 
 }  // namespace host::exr

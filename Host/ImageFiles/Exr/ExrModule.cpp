@@ -13,7 +13,7 @@ class ExrModule : public ImageFileModule {
     std::unique_ptr<ImageReader> reader;
     *isOtherKind = false;
     guarded(reason, [&] {
-      reader = exr::openExr(request, isOtherKind, reason);
+      reader = exr::openExr(request, reason);
       return reader != nullptr;
     });
     return reader;

@@ -55,11 +55,11 @@ class ExrReader : public ImageReader {
 
 }  // namespace
 
-std::unique_ptr<ImageReader> openExr(const ReadRequest& request, bool* isOtherKind, std::string* reason) {
+std::unique_ptr<ImageReader> openExr(const ReadRequest& request, std::string* reason) {
   File file;
   Selection selection;
   if (!readHeaders(request.file, &file, reason) || !areBlocksWhole(file, reason) ||
-      !selectPicture(file, request.layer, &selection, isOtherKind, reason)) {
+      !selectPicture(file, request.layer, &selection, reason)) {
     return nullptr;
   }
   return std::make_unique<ExrReader>(std::move(file), selection);

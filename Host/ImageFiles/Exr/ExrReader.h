@@ -7,6 +7,6 @@
 
 namespace host::exr {
 
-std::unique_ptr<ImageReader> openExr(const ReadRequest& request, bool* isOtherKind, std::string* reason);
+std::unique_ptr<ImageReader> openExr(const ReadRequest& request, std::string* reason);
 
 }  // namespace host::exr

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/ImageFiles/General/Reading.h"
 
-#include "Host/ImageFiles/ExrStructure.h"
 #include "Host/ImageFiles/General/Channels.h"
 #include "Host/ImageFiles/General/FormatNames.h"
 #include "Host/ImageFiles/General/LibraryFile.h"
@@ -23,8 +22,7 @@ namespace {
 // Damage that the library reads over, or only meets in what it does not read.
 bool isWhole(std::string_view format, std::span<const std::uint8_t> file) {
   if (format == "png") return isWholePng(file);
-  if (format == "tiff") return isWholeTiff(file);
-  return format != "openexr" || isWholeExr(file);
+  return format != "tiff" || isWholeTiff(file);
 }
 
 std::string joined(const std::vector<std::string>& names) {

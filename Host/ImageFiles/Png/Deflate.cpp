@@ -46,10 +46,13 @@ Bytes inflated(std::span<const std::uint8_t> stream, std::size_t largest) {
   }
 }
 
-bool inflateInto(std::span<const std::uint8_t> stream, std::span<std::uint8_t> room) {
+Inflated inflateInto(std::span<const std::uint8_t> stream, std::span<std::uint8_t> room) {
   const Decompressor decompressor;
-  return libdeflate_zlib_decompress(decompressor.value, stream.data(), stream.size(), room.data(), room.size(),
-                                    nullptr) == LIBDEFLATE_SUCCESS;
+  const auto result =
+      libdeflate_zlib_decompress(decompressor.value, stream.data(), stream.size(), room.data(), room.size(), nullptr);
+  return result == LIBDEFLATE_SUCCESS              ? Inflated::Whole
+         : result == LIBDEFLATE_INSUFFICIENT_SPACE ? Inflated::TooMuch
+                                                   : Inflated::Damaged;
 }
 
 Bytes deflated(std::span<const std::uint8_t> bytes, int level) {

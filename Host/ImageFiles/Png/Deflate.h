@@ -12,9 +12,11 @@ namespace host {
 // What it holds; empty when it is damaged or holds more than `largest` bytes.
 Bytes inflated(std::span<const std::uint8_t> stream, std::size_t largest);
 
-// Whether a stream holds exactly as many bytes as there is room for. It may lie in any part of the room that does not
-// overlap it.
-bool inflateInto(std::span<const std::uint8_t> stream, std::span<std::uint8_t> room);
+enum class Inflated { Whole, TooMuch, Damaged };
+
+// Inflates a stream that holds exactly as many bytes as there is room for; TooMuch where it holds more. What is in the
+// room counts only for Whole.
+Inflated inflateInto(std::span<const std::uint8_t> stream, std::span<std::uint8_t> room);
 
 // At a level from 1, quick, to 12, small.
 Bytes deflated(std::span<const std::uint8_t> bytes, int level = 6);

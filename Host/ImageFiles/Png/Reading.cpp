@@ -15,6 +15,8 @@ namespace {
 constexpr const char* kDamaged = "it is damaged or cut short";
 constexpr std::uint64_t kLargestExpansion = 1032;  // of deflate: 258 bytes for two bits
 
+constexpr std::size_t kLargestExcess = std::size_t{1} << 16;
+
 class PngReader : public ImageReader {
  public:
   bool open(std::span<const std::uint8_t> file, std::string* reason) {
@@ -43,8 +45,16 @@ class PngReader : public ImageReader {
   bool decode(std::byte* pixels, std::size_t rowBytes) const {
     const Bytes joined = joinedStream();
     const auto stream = parts_.size() == 1 ? parts_[0] : std::span<const std::uint8_t>(joined);
-    return isInflatedInPlace(rowBytes) ? readInPlace(stream, pixels, rowBytes)
-                                       : readThroughMemory(stream, pixels, rowBytes);
+    switch (isInflatedInPlace(rowBytes) ? readInPlace(stream, pixels, rowBytes)
+                                        : readThroughMemory(stream, pixels, rowBytes)) {
+      case Inflated::Whole:
+        return true;
+      case Inflated::TooMuch:
+        return readBeginning(stream, pixels, rowBytes);
+      case Inflated::Damaged:
+        break;
+    }
+    return false;
   }
 
   // False when a chunk that is needed is damaged, missing, or not known.
@@ -135,23 +145,34 @@ class PngReader : public ImageReader {
            rowBytes == header_.width * targetPixelBytes();
   }
 
-  bool readInPlace(std::span<const std::uint8_t> stream, std::byte* pixels, std::size_t rowBytes) const {
+  Inflated readInPlace(std::span<const std::uint8_t> stream, std::byte* pixels, std::size_t rowBytes) const {
     const std::size_t size = header_.height * rowBytes;
     const auto stored = static_cast<std::size_t>(inflatedBytes());
     std::uint8_t* const rows = reinterpret_cast<std::uint8_t*>(pixels) + (size - stored);
-    return inflateInto(stream, {rows, stored}) && restorePass(PngPass{}, rows, pixels, rowBytes);
+    const Inflated inflated = inflateInto(stream, {rows, stored});
+    return inflated == Inflated::Whole ? restore(rows, pixels, rowBytes) : inflated;
   }
 
-  bool readThroughMemory(std::span<const std::uint8_t> stream, std::byte* pixels, std::size_t rowBytes) const {
+  Inflated readThroughMemory(std::span<const std::uint8_t> stream, std::byte* pixels, std::size_t rowBytes) const {
     const auto size = static_cast<std::size_t>(inflatedBytes());
     const auto rows = std::make_unique_for_overwrite<std::uint8_t[]>(size);
-    if (!inflateInto(stream, {rows.get(), size})) return false;
-    const std::uint8_t* stored = rows.get();
+    const Inflated inflated = inflateInto(stream, {rows.get(), size});
+    return inflated == Inflated::Whole ? restore(rows.get(), pixels, rowBytes) : inflated;
+  }
+
+  // Some programs write a little more than the rows.
+  bool readBeginning(std::span<const std::uint8_t> stream, std::byte* pixels, std::size_t rowBytes) const {
+    const auto size = static_cast<std::size_t>(inflatedBytes());
+    const Bytes rows = inflated(stream, 2 * size + kLargestExcess);
+    return rows.size() > size && restore(rows.data(), pixels, rowBytes) == Inflated::Whole;
+  }
+
+  Inflated restore(const std::uint8_t* stored, std::byte* pixels, std::size_t rowBytes) const {
     for (const PngPass& pass : pngPasses(header_)) {
-      if (!restorePass(pass, stored, pixels, rowBytes)) return false;
+      if (!restorePass(pass, stored, pixels, rowBytes)) return Inflated::Damaged;
       stored += pass.storedBytes(header_);
     }
-    return true;
+    return Inflated::Whole;
   }
 
   bool restorePass(const PngPass& pass, const std::uint8_t* stored, std::byte* pixels, std::size_t rowBytes) const {

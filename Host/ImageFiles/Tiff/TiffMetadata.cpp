@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <optional>
+#include <utility>
 #include <vector>
 
 namespace host::tiff {
@@ -25,32 +27,34 @@ Bytes profileOf(const TiffFile& file) {
   return Bytes(profile, profile + size);
 }
 
-void takeResolution(const TiffFile& file, FileMetadata* metadata) {
-  float x = 0;
-  float y = 0;
-  if (TIFFGetField(file.get(), TIFFTAG_XRESOLUTION, &x) != 1 ||
-      TIFFGetField(file.get(), TIFFTAG_YRESOLUTION, &y) != 1 || !isUsable(x) || !isUsable(y)) {
-    return;
-  }
+// The library has numbers as floats; fields of files with 32-bit places are read here.
+double resolutionOf(const TiffFile& file, const std::optional<ExifBlock>& block, std::uint16_t tag) {
+  float value = 0;
+  if (TIFFGetField(file.get(), tag, &value) != 1) return 0;
+  return (block ? block->number(ExifDirectory::Image, tag) : std::nullopt).value_or(value);
+}
+
+void takeResolution(const TiffFile& file, const std::optional<ExifBlock>& block, FileMetadata* metadata) {
+  const double x = resolutionOf(file, block, TIFFTAG_XRESOLUTION);
+  const double y = resolutionOf(file, block, TIFFTAG_YRESOLUTION);
+  if (!isUsable(x) || !isUsable(y)) return;
   const auto unit = file.field<std::uint16_t>(TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
   if (unit == RESUNIT_NONE) {
-    metadata->pixelAspect = double{y} / double{x};
+    metadata->pixelAspect = y / x;
   } else if (unit == RESUNIT_INCH || unit == RESUNIT_CENTIMETER) {
     metadata->resolution =
         Resolution{x, y, unit == RESUNIT_INCH ? Resolution::Unit::Inch : Resolution::Unit::Centimeter};
   }
 }
 
-// A file with 32-bit places is itself such a block, of which most fields are about the stored pixels.
-Bytes exifOf(std::span<const std::uint8_t> bytes) {
-  auto block = ExifBlock::parse(bytes);
-  if (!block) return {};
+// What is not about the stored pixels.
+Bytes describing(ExifBlock block) {
   std::vector<std::uint16_t> others;
-  for (const ExifEntry& entry : block->entries()) {
+  for (const ExifEntry& entry : block.entries()) {
     if (entry.directory == ExifDirectory::Image && !isDescriptive(entry.tag)) others.push_back(entry.tag);
   }
-  for (const std::uint16_t tag : others) block->remove(ExifDirectory::Image, tag);
-  return block->serialized();
+  for (const std::uint16_t tag : others) block.remove(ExifDirectory::Image, tag);
+  return block.serialized();
 }
 
 }  // namespace
@@ -62,8 +66,10 @@ bool isDescriptive(std::uint16_t tag) {
 FileMetadata metadataOf(const TiffFile& file, std::span<const std::uint8_t> bytes) {
   FileMetadata metadata;
   metadata.color.iccProfile = profileOf(file);
-  metadata.exif = exifOf(bytes);
-  takeResolution(file, &metadata);
+  // A file with 32-bit places is itself such a block.
+  auto block = ExifBlock::parse(bytes);
+  takeResolution(file, block, &metadata);
+  if (block) metadata.exif = describing(std::move(*block));
   return metadata;
 }
 

@@ -153,6 +153,24 @@ TEST(Png, EveryKindIsReadAsTheOtherLibraryReadsIt) {
   }
 }
 
+// More rows than the header tells of, in place and through memory; bytes behind the stream.
+TEST(Png, WhatIsBehindTheRowsIsPassedOver) {
+  for (const Kind& kind : {Kind{2, 8, 7, 4}, Kind{6, 8, 7, 4}}) {
+    std::mt19937 random(1);
+    Bytes rows = randomRows(kind, &random);
+    Bytes stream = stored(rows);
+    const ReadPicture expected = readPicture(png(), fileWith(kind, stream));
+    stream.push_back(7);
+    expectSamePicture(readPicture(png(), fileWith(kind, stream)), expected, kind.name());
+    rows.resize(rows.size() + 22);
+    const Bytes file = fileWith(kind, stored(rows));
+    expectSamePicture(readPicture(png(), file, {}, 0, 0), expected, kind.name());
+    expectSamePicture(readByOracle(file, "png"), expected, kind.name());
+    rows.resize(3 * rows.size() + (1 << 16));
+    EXPECT_FALSE(readPicture(png(), fileWith(kind, stored(rows))).isRead) << "that is no little more";
+  }
+}
+
 TEST(Png, FilesOfOtherProgramsAreRead) {
   for (const char* name :
        {"png-palette.png", "png-bilevel.png", "png-interlaced.png", "png-rgba64.png", "png-gray.png"}) {

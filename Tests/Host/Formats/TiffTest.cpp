@@ -315,7 +315,7 @@ TEST(Tiff, IsWrittenWithItsMetadata) {
   EXPECT_EQ(read.info.metadata.exif, metadata.exif);
   EXPECT_EQ(read.info.metadata.color, metadata.color);
   ASSERT_TRUE(read.info.metadata.resolution.has_value());
-  EXPECT_NEAR(read.info.metadata.resolution->y, 299.9994, 1e-4);
+  EXPECT_NEAR(read.info.metadata.resolution->y, 299.9994, 1e-9);
   EXPECT_TRUE(readByOracle(written.file, "tiff").isRead);
 
   host::FileMetadata wide;
