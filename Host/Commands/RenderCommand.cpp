@@ -65,6 +65,8 @@ OutputPicture rendered(EffectRendering& rendering, const InputPictures& pictures
     picture.metadata.color = {};  // alpha is no color
   } else {
     colors.toOutput(picture, sink.format());
+    const bool isWidened = !conversion.channels && isGray(picture.channels) && !ColorFlow::canBeGray(picture);
+    if (isWidened) picture.channels = hasAlpha(picture.channels) ? Channels::RGBA : Channels::RGB;
   }
   return picture;
 }

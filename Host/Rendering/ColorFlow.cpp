@@ -4,6 +4,7 @@
 #include "Host/Color/BitmapColors.h"
 #include "Host/Color/ColorModuleLoader.h"
 #include "Host/Color/FileSpace.h"
+#include "Host/Color/IccProfile.h"
 #include "Host/Files/FileFormat.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Messages/Remark.h"
@@ -20,6 +21,11 @@ void tell(const std::vector<std::string>& sentences) {
 
 bool convertsAnything(const InputPlan& plan) {
   return std::find(plan.isConverted.begin(), plan.isConverted.end(), true) != plan.isConverted.end();
+}
+
+bool isOfGray(const ColorTag& tag) {
+  const auto summary = readIccProfile(tag.iccProfile, nullptr);
+  return summary && summary->isGray;
 }
 
 }  // namespace
@@ -116,9 +122,16 @@ void ColorFlow::toOutput(OutputPicture& picture, FileFormat format) {
     decideOutput();
   }
   picture.metadata.color = outputPlan_.tag;
+  // A gray profile that stays is that of sRGB, as colors without a profile are.
+  if (!isGray(picture.channels) && isOfGray(picture.metadata.color)) picture.metadata.color.iccProfile.clear();
   if (!outputPlan_.isConverted) return;
   picture.bitmap = convertedBitmap(*outputConversion_, *picture.bitmap, AlphaKind::Premultiplied, sample, "the result",
                                    sample == SampleType::Float ? nullptr : &cut_);
+}
+
+bool ColorFlow::canBeGray(const OutputPicture& picture) {
+  const ColorTag& tag = picture.metadata.color;
+  return tag.iccProfile.empty() || isOfGray(tag);
 }
 
 void ColorFlow::tellOfCuts() const {

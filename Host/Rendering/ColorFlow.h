@@ -41,6 +41,9 @@ class ColorFlow {
   // inputs before it colors are sRGB.
   void toOutput(OutputPicture& picture, FileFormat format);
 
+  // Whether gray may be written as gray: a profile for colors is none of a gray file.
+  static bool canBeGray(const OutputPicture& picture);
+
   // How many pixels of all results lay outside the file's space, which has integers; says so where there are any.
   void tellOfCuts() const;
 

@@ -99,6 +99,33 @@ TEST_F(Colors, AProfileStaysWithItsValues) {
   EXPECT_GT(readImage(at("srgb.png")).pixel(8, 8)[0], readImage(at("out.png")).pixel(8, 8)[0] + 10) << "a wider red";
 }
 
+TEST_F(Colors, PngsStateTheirSpaceInChunks) {
+  writePng(at("plain.png"), grays(8));
+  writeExr(at("light.exr"), TestImage{1, 1, 32, {0.5, 0.5, 0.5, 1}});
+  const auto chunks = [&](const std::string& name) {
+    const std::string file = readFile(at(name));
+    std::string found;
+    for (const char* chunk : {"sRGB", "gAMA", "cHRM", "cICP", "iCCP"}) {
+      if (file.find(chunk) < file.find("IDAT")) found += chunk;
+    }
+    return found;
+  };
+  say({"plain.png"}, "same.png");
+  EXPECT_EQ(chunks("same.png"), "");
+  say({"light.exr"}, "srgb.png");
+  EXPECT_EQ(chunks("srgb.png"), "sRGBgAMAcHRM");
+  EXPECT_EQ(say({"srgb.png", "plain.png"}, "kept.png", {"--place", "fit"}, {}, "Over"), "") << "both are sRGB";
+  EXPECT_EQ(chunks("kept.png"), "sRGBgAMAcHRM");
+  say({"light.exr"}, "p3.png", {"--output-space", "DISPLAY P3"});
+  EXPECT_EQ(chunks("p3.png"), "cICPiCCP");
+  EXPECT_EQ(say({"p3.png"}, "again.jpg"), "");
+  EXPECT_EQ(iccProfileOf(at("again.jpg")), iccProfileOf(at("p3.png")));
+  // A profile for colors is none of gray files.
+  say({"plain.png"}, "gray.png", {"--channels", "gray"});
+  say({"gray.png"}, "gray.jpg", {"--output-space", "Display P3"});
+  EXPECT_FALSE(iccProfileOf(at("gray.jpg")).empty());
+}
+
 TEST_F(Colors, InputsMeetInTheSpaceOfTheFirst) {
   writePng(at("back.png"), flatImage(4, 4, {10, 20, 30, 255}));
   TestImage light{4, 4, 32, {}};
@@ -134,13 +161,13 @@ TEST_F(Colors, RawConvertsNothing) {
 }
 
 TEST_F(Colors, WhatLiesOutsideIsClippedAndCounted) {
-  writeExr(at("in.exr"), TestImage{3, 1, 32, {4, 1, 0.5, 1, 0.5, 0.5, 0.5, 1, 0.2, -0.1, 0, 1}});
+  writeExr(at("in.exr"), TestImage{4, 1, 32, {4, 1, 0.5, 1, 0.5, 0.5, 0.5, 1, 0.2, -0.1, 0, 1, 1.0005, NAN, 0, 1}});
   EXPECT_EQ(say({"in.exr"}, "out.png"),
             "vorto: the result is converted from Linear Rec.709 (assumed) to sRGB\n"
-            "vorto: 2 pixels of the result lie outside sRGB and were clipped\n");
+            "vorto: 3 pixels of the result lie outside sRGB and were clipped\n");
   EXPECT_EQ(say({"in.exr"}, "p3.tif", {"--output-space", "Display P3", "--depth", "8"}),
             "vorto: the result is converted from Linear Rec.709 (assumed) to Display P3\n"
-            "vorto: 2 pixels of the result lie outside Display P3 and were clipped\n");
+            "vorto: 3 pixels of the result lie outside Display P3 and were clipped\n");
   EXPECT_FALSE(iccProfileOf(at("p3.tif")).empty()) << "readers would take it for sRGB";
 }
 

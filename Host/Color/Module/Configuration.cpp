@@ -82,10 +82,10 @@ std::string Configuration::nameOf(const ColorSpace& space) const {
   if (space.kind == ColorSpace::Kind::Known) {
     const KnownSpaceFacts& facts = factsOf(space.known);
     for (const char* alias : facts.aliases) {
-      if (const std::string name = canonicalName(alias); !name.empty()) return name;
+      if (std::string name = canonicalName(alias); !name.empty()) return name;
     }
-    if (const std::string name = canonicalName(facts.name); !name.empty()) return name;
-  } else if (const std::string name = canonicalName(space.name.c_str()); !name.empty()) {
+    if (std::string name = canonicalName(facts.name); !name.empty()) return name;
+  } else if (std::string name = canonicalName(space.name.c_str()); !name.empty()) {
     return name;
   }
   throw std::runtime_error("the color configuration " + path_ + " (from $OCIO) has no space \"" + space.name +

@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <functional>
+#include <sstream>
 
 // The rules of color, without a picture or a library.
 
@@ -68,26 +69,42 @@ struct Tagged {
   Channels channels = Channels::RGB;
 };
 
-ColorInput input(const std::string& path, const ColorSpace& space, const ColorTag& tag = {}) {
-  return {path, space, "", tag, space.origin == Origin::Assumed && space.isLinear};
+// An input, or what the user says, as a word.
+ColorInput input(const std::string& word) {
+  const auto known = [&](KnownSpace space, Origin origin) {
+    return ColorInput{word, host::knownSpace(space, origin), "", {}, word == "light"};
+  };
+  ColorInput made;
+  if (word == "plain") made = known(KnownSpace::SRgb, Origin::Assumed);
+  if (word == "light") made = known(KnownSpace::LinearRec709, Origin::Assumed);
+  if (word == "chunks" || word == "icc") made = known(KnownSpace::SRgb, Origin::Tagged);
+  if (word == "aces") made = known(KnownSpace::AcesCg, Origin::Tagged);
+  if (word == "p3") made = known(KnownSpace::DisplayP3, Origin::Tagged);
+  if (word == "toldAces") made = known(KnownSpace::AcesCg, Origin::Told);
+  if (word == "toldP3") made = known(KnownSpace::DisplayP3, Origin::Told);
+  if (word == "wide") made.space = host::profileSpace(profileBytes(wideProfile()), "Wide", false);
+  if (word == "gray") made.space = host::profileSpace({}, "Gray", true);
+  if (word == "house") made.space = host::namedSpace("House Log", false, false, Origin::Told);
+  if (word == "raw") made.space = host::rawSpace(Origin::Told);
+  if (word == "chunks") made.tag.sRGBIntent = 1;
+  if (word == "aces") made.tag.primaries = made.space.primaries;
+  if (word == "wide" || word == "icc") made.tag.iccProfile = profileBytes(wideProfile());
+  made.path = word;
+  return made;
 }
-ColorSpace known(KnownSpace space, Origin origin) {
-  return host::knownSpace(space, origin);
+std::vector<ColorInput> inputs(const std::string& words) {
+  std::istringstream stream(words);
+  std::vector<ColorInput> list;
+  for (std::string word; stream >> word;) list.push_back(input(word));
+  return list;
 }
-
-const ColorSpace kAssumedSRgb = known(KnownSpace::SRgb, Origin::Assumed);
-const ColorSpace kTaggedSRgb = known(KnownSpace::SRgb, Origin::Tagged);
-const ColorSpace kAssumedLight = known(KnownSpace::LinearRec709, Origin::Assumed);
-const ColorSpace kToldAcesCg = known(KnownSpace::AcesCg, Origin::Told);
-const ColorSpace kTaggedP3 = known(KnownSpace::DisplayP3, Origin::Tagged);
-
-ColorSpace wide() {
-  return host::profileSpace(profileBytes(wideProfile()), "Wide", false);
+std::optional<ColorSpace> wish(const std::string& word) {
+  return word.empty() ? std::nullopt : std::optional(input(word).space);
 }
-ColorTag wideTag() {
-  ColorTag tag;
-  tag.iccProfile = profileBytes(wideProfile());
-  return tag;
+std::string joined(const std::vector<std::string>& sentences) {
+  std::string text;
+  for (const std::string& sentence : sentences) text += (text.empty() ? "" : "\n") + sentence;
+  return text;
 }
 
 std::string tagText(const host::OutputPlan& plan) {
@@ -191,248 +208,71 @@ TEST(FileSpace, AConfigurationMayKnowOtherNames) {
 }
 
 TEST(ColorPlan, InputsMeetInOneSpace) {
+  // The working space, a letter for each input that is converted or stays, and whether the work is in floats.
   const struct {
-    const char* name;
-    std::vector<ColorInput> inputs;
-    std::optional<ColorSpace> wanted;
-    const char* working;
-    std::vector<bool> isConverted;
-    bool needsFloat;
-    std::vector<const char*> sentences;
+    const char *inputs, *wanted, *plan, *sentences = "";
   } rows[] = {
-      {"none", {}, std::nullopt, "assumed sRGB", {}, false, {}},
-      {"one", {input("a", wide())}, std::nullopt, "profile Wide", {false}, false, {}},
-      {"equal profiles",
-       {input("a", wide()), input("b", wide())},
-       std::nullopt,
-       "profile Wide",
-       {false, false},
-       false,
-       {}},
-      {"sRGB, said and not",
-       {input("a", kAssumedSRgb), input("b", kTaggedSRgb)},
-       std::nullopt,
-       "assumed sRGB",
-       {false, false},
-       false,
-       {}},
-      {"mixed, assumed",
-       {input("a.png", kAssumedSRgb), input("b.exr", kAssumedLight)},
-       std::nullopt,
-       "assumed sRGB",
-       {false, true},
-       false,
-       {"warning: the inputs are in different color spaces, and not all say in which: a.png is taken as sRGB, b.exr is "
-        "taken as Linear Rec.709; --input-space FILE=NAME says otherwise",
-        "b.exr is converted from Linear Rec.709 (assumed) to sRGB"}},
-      {"mixed, said",
-       {input("a.jpg", wide()), input("b.png", kTaggedP3)},
-       std::nullopt,
-       "profile Wide",
-       {false, true},
-       false,
-       {"b.png is converted from Display P3 to the profile \"Wide\""}},
-      {"wanted",
-       {input("a.png", kAssumedSRgb)},
-       kToldAcesCg,
-       "ACEScg",
-       {true},
-       true,
-       {"a.png is converted from sRGB (assumed) to ACEScg"}},
-      {"raw",
-       {input("a", kTaggedP3), input("b", kAssumedLight)},
-       host::rawSpace(Origin::Told),
-       "raw",
-       {false, false},
-       false,
-       {}},
-      {"one raw",
-       {input("a", kTaggedP3), input("b", host::rawSpace(Origin::Told))},
-       std::nullopt,
-       "Display P3",
-       {false, false},
-       false,
-       {}},
-      {"light stays light", {input("a", kAssumedLight)}, std::nullopt, "assumed Linear Rec.709", {false}, true, {}},
-      {"gray",
-       {input("a", host::profileSpace({}, "Gray", true))},
-       std::nullopt,
-       "assumed sRGB",
-       {true},
-       false,
-       {"a is converted from the profile \"Gray\" to sRGB"}},
+      {"", "", "assumed sRGB: "},
+      {"wide", "", "profile Wide: s"},
+      {"wide wide", "", "profile Wide: ss"},
+      {"plain chunks", "", "assumed sRGB: ss"},
+      {"plain light", "", "assumed sRGB: sc",
+       "warning: the inputs are in different color spaces, and not all say in which: plain is taken as sRGB, light is "
+       "taken as Linear Rec.709; --input-space FILE=NAME says otherwise\n"
+       "light is converted from Linear Rec.709 (assumed) to sRGB"},
+      {"wide p3", "", "profile Wide: sc", "p3 is converted from Display P3 to the profile \"Wide\""},
+      {"plain", "toldAces", "ACEScg: c float", "plain is converted from sRGB (assumed) to ACEScg"},
+      {"p3 light", "raw", "raw: ss"},
+      {"p3 raw", "", "Display P3: ss"},
+      {"light", "", "assumed Linear Rec.709: s float"},
+      {"gray", "", "assumed sRGB: c", "gray is converted from the profile \"Gray\" to sRGB"},
   };
   for (const auto& row : rows) {
-    const host::InputPlan plan = host::planInputs(row.inputs, row.wanted);
-    EXPECT_EQ(wordsOf(plan.working), row.working) << row.name;
-    EXPECT_EQ(plan.isConverted, row.isConverted) << row.name;
-    EXPECT_EQ(plan.needsFloat, row.needsFloat) << row.name;
-    EXPECT_EQ(plan.sentences, std::vector<std::string>(row.sentences.begin(), row.sentences.end())) << row.name;
+    const host::InputPlan plan = host::planInputs(inputs(row.inputs), wish(row.wanted));
+    std::string text = wordsOf(plan.working) + ": ";
+    for (const bool isConverted : plan.isConverted) text += isConverted ? 'c' : 's';
+    EXPECT_EQ(text + (plan.needsFloat ? " float" : ""), row.plan) << row.inputs;
+    EXPECT_EQ(joined(plan.sentences), row.sentences) << row.inputs;
   }
 }
 
 TEST(ColorPlan, FilesHoldWhatTheirReadersExpect) {
-  ColorTag chunks;
-  chunks.sRGBIntent = 1;
-  ColorTag aces;
-  aces.primaries = host::factsOf(KnownSpace::AcesCg).primaries;
-  const ColorSpace taggedAces = known(KnownSpace::AcesCg, Origin::Tagged);
-  const ColorSpace named = host::namedSpace("House Log", false, false, Origin::Told);
-  const ColorSpace toldP3 = known(KnownSpace::DisplayP3, Origin::Told);
-  const auto raw = host::rawSpace(Origin::Told);
+  using enum FileFormat;
   const struct {
-    const char* name;
-    std::vector<ColorInput> inputs;
-    std::optional<ColorSpace> working, wanted;
+    const char *inputs, *working, *wanted;
     FileFormat format;
     bool isFloat;
-    const char* space;
-    bool isConverted;
-    const char* tag;
-    const char* sentence = "";
+    const char *space, *tag;
   } rows[] = {
-      {"untagged", {input("a", kAssumedSRgb)}, {}, {}, FileFormat::Png, false, "assumed sRGB", false, ""},
-      {"sRGB's chunks", {input("a", kTaggedSRgb, chunks)}, {}, {}, FileFormat::Png, false, "sRGB", false, "sRGB"},
-      {"... in JPEG", {input("a", kTaggedSRgb, chunks)}, {}, {}, FileFormat::Jpeg, false, "sRGB", false, ""},
-      {"... in EXR",
-       {input("a", kTaggedSRgb, chunks)},
-       {},
-       {},
-       FileFormat::Exr,
-       true,
-       "assumed Linear Rec.709",
-       true,
-       "",
-       "the result is converted from sRGB to Linear Rec.709"},
-      {"sRGB's profile",
-       {input("a", kTaggedSRgb, wideTag())},
-       {},
-       {},
-       FileFormat::Tiff,
-       false,
-       "sRGB",
-       false,
-       "same profile"},
-      {"a profile",
-       {input("a", wide(), wideTag())},
-       {},
-       {},
-       FileFormat::WebP,
-       false,
-       "profile Wide",
-       false,
-       "same profile"},
-      {"a profile in floats",
-       {input("a", wide(), wideTag())},
-       {},
-       {},
-       FileFormat::Tiff,
-       true,
-       "assumed Linear Rec.709",
-       true,
-       "",
-       "the result is converted from the profile \"Wide\" to Linear Rec.709"},
-      {"a profile where none can be",
-       {input("a", wide(), wideTag())},
-       {},
-       {},
-       FileFormat::Bmp,
-       false,
-       "profile Wide",
-       false,
-       "",
-       "out holds the profile \"Wide\", and its format cannot say so"},
-      {"light in PNG",
-       {input("a", kAssumedLight)},
-       {},
-       {},
-       FileFormat::Png,
-       false,
-       "assumed sRGB",
-       true,
-       "sRGB gAMA primaries",
-       "the result is converted from Linear Rec.709 (assumed) to sRGB"},
-      {"light in JPEG",
-       {input("a", kAssumedLight)},
-       {},
-       {},
-       FileFormat::Jpeg,
-       false,
-       "assumed sRGB",
-       true,
-       "",
-       "the result is converted from Linear Rec.709 (assumed) to sRGB"},
-      {"light in EXR", {input("a", kAssumedLight)}, {}, {}, FileFormat::Exr, true, "assumed Linear Rec.709", false, ""},
-      {"ACES in EXR", {input("a", taggedAces, aces)}, {}, {}, FileFormat::Exr, true, "ACEScg", false, "primaries"},
-      {"ACES wanted",
-       {input("a", kAssumedSRgb)},
-       kToldAcesCg,
-       {},
-       FileFormat::Exr,
-       true,
-       "ACEScg",
-       false,
-       "primaries lin_ap1_scene"},
-      {"worked in ACES",
-       {input("a", kAssumedSRgb)},
-       kToldAcesCg,
-       {},
-       FileFormat::Png,
-       false,
-       "assumed sRGB",
-       true,
-       "sRGB gAMA primaries",
-       "the result is converted from ACEScg to sRGB"},
-      {"P3 wanted",
-       {input("a", kAssumedSRgb)},
-       {},
-       toldP3,
-       FileFormat::Png,
-       false,
-       "Display P3",
-       true,
-       "cICP new profile",
-       "the result is converted from sRGB (assumed) to Display P3"},
-      {"P3 told of the input",
-       {input("a", toldP3)},
-       {},
-       {},
-       FileFormat::Jpeg,
-       false,
-       "Display P3",
-       false,
-       "new profile"},
-      {"a space of the user",
-       {input("a", kTaggedSRgb)},
-       {},
-       named,
-       FileFormat::Png,
-       false,
-       "House Log",
-       true,
-       "",
-       "out holds \"House Log\", and its format cannot say so"},
-      {"raw", {input("a", wide(), wideTag())}, raw, toldP3, FileFormat::Jpeg, false, "raw", false, "same profile"},
-      {"raw, EXR to PNG", {input("a", taggedAces, aces)}, raw, {}, FileFormat::Png, false, "raw", false, ""},
-      {"raw, PNG to EXR", {input("a", kTaggedSRgb, chunks)}, raw, {}, FileFormat::Exr, true, "raw", false, ""},
-      {"a generator", {}, {}, {}, FileFormat::Png, false, "assumed sRGB", false, ""},
-      {"a generator's light",
-       {},
-       {},
-       {},
-       FileFormat::Exr,
-       true,
-       "assumed Linear Rec.709",
-       true,
-       "",
-       "the result is converted from sRGB (assumed) to Linear Rec.709"},
+      {"plain", "", "", Png, false, "assumed sRGB", ""},
+      {"chunks", "", "", Png, false, "sRGB", "sRGB"},
+      {"chunks", "", "", Jpeg, false, "sRGB", ""},
+      {"chunks", "", "", Exr, true, "to assumed Linear Rec.709", ""},
+      {"icc", "", "", Tiff, false, "sRGB", "same profile"},
+      {"wide", "", "", WebP, false, "profile Wide", "same profile"},
+      {"wide", "", "", Tiff, true, "to assumed Linear Rec.709", ""},
+      {"wide", "", "", Bmp, false, "profile Wide", "(cannot say so)"},
+      {"light", "", "", Png, false, "to assumed sRGB", "sRGB gAMA primaries"},
+      {"light", "", "", Jpeg, false, "to assumed sRGB", ""},
+      {"light", "", "", Exr, true, "assumed Linear Rec.709", ""},
+      {"aces", "", "", Exr, true, "ACEScg", "primaries"},
+      {"plain", "toldAces", "", Exr, true, "ACEScg", "primaries lin_ap1_scene"},
+      {"plain", "toldAces", "", Png, false, "to assumed sRGB", "sRGB gAMA primaries"},
+      {"plain", "", "toldP3", Png, false, "to Display P3", "cICP new profile"},
+      {"toldP3", "", "", Jpeg, false, "Display P3", "new profile"},
+      {"chunks", "", "house", Png, false, "to House Log", "(cannot say so)"},
+      {"wide", "raw", "toldP3", Jpeg, false, "raw", "same profile"},
+      {"aces", "raw", "", Png, false, "raw", ""},
+      {"chunks", "raw", "", Exr, true, "raw", ""},
+      {"", "", "", Png, false, "assumed sRGB", ""},
+      {"", "", "", Exr, true, "to assumed Linear Rec.709", ""},
   };
   for (const auto& row : rows) {
-    const host::InputPlan working = host::planInputs(row.inputs, row.working);
-    const host::OutputPlan plan = host::planOutput(working, row.inputs, row.wanted, {"out", row.format, row.isFloat});
-    EXPECT_EQ(wordsOf(plan.space), row.space) << row.name;
-    EXPECT_EQ(plan.isConverted, row.isConverted) << row.name;
-    EXPECT_EQ(tagText(plan), row.tag) << row.name;
-    EXPECT_EQ(plan.sentences.empty() ? "" : plan.sentences.back(), row.sentence) << row.name;
+    const auto given = inputs(row.inputs);
+    const host::InputPlan working = host::planInputs(given, wish(row.working));
+    const host::OutputPlan plan = host::planOutput(working, given, wish(row.wanted), {"out", row.format, row.isFloat});
+    const bool cannotSay = joined(plan.sentences).find("out holds ") != std::string::npos;
+    EXPECT_EQ((plan.isConverted ? "to " : "") + wordsOf(plan.space), row.space) << row.inputs;
+    EXPECT_EQ(tagText(plan) + (cannotSay ? "(cannot say so)" : ""), row.tag) << row.inputs << ' ' << row.space;
   }
 }
