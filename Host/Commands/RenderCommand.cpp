@@ -64,7 +64,7 @@ OutputPicture rendered(EffectRendering& rendering, const InputPictures& pictures
   if (conversion.alpha == OutputAlpha::Gray) {
     picture.metadata.color = {};  // alpha is no color
   } else {
-    colors.toOutput(picture, sink.format());
+    colors.toOutput(picture, sink.format(picture.depth));
     const bool isWidened = !conversion.channels && isGray(picture.channels) && !ColorFlow::canBeGray(picture);
     if (isWidened) picture.channels = hasAlpha(picture.channels) ? Channels::RGBA : Channels::RGB;
   }

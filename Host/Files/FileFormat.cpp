@@ -78,7 +78,8 @@ FileFormat fileFormatOf(const std::string& path) {
 
 FileFormat fileFormatNamed(const std::string& extension) {
   if (const auto format = formatWithExtension(lowerCase(extension))) return *format;
-  throw Failure(ExitCode::Usage, "--format " + extension + ": give " + knownExtensions());
+  throw Failure(ExitCode::Usage,
+                "--format " + extension + ": give " + knownExtensions() + "; y4m or raw for --output -");
 }
 
 std::optional<FileFormat> formatOfBytes(std::span<const std::uint8_t> file) {

@@ -18,15 +18,15 @@ std::optional<FrameStreamKind> frameStreamNamed(const std::string& name);  // "r
 
 class FrameStream {
  public:
-  FrameStream(FrameStreamKind kind, double rate) : kind_(kind), rate_(rate) {}
-  void write(const OutputPicture& picture);  // throws Failure when frames differ in size
+  FrameStream(FrameStreamKind kind, double rate);  // throws Failure for a rate that a y4m header cannot hold
+  void write(const OutputPicture& picture);        // throws Failure when frames differ in size
 
  private:
   void writeRaw(const OutputPicture& picture) const;
   void writeY4M(const OutputPicture& picture);
 
   FrameStreamKind kind_;
-  double rate_;
+  std::string rate_;  // "25:1"
   std::uint32_t width_ = 0;
   std::uint32_t height_ = 0;
 };

@@ -20,7 +20,11 @@ class PictureSink {
               bool isVerbose);
   void write(const OutputPicture& picture, std::uint32_t frame);  // throws Failure
 
-  FileFormat format() const { return format_; }  // of the files; that of frames in a stream counts as PNG
+  // Of the files. Frames in a stream count as PNG, raw floats as EXR.
+  FileFormat format(Depth depth) const {
+    const bool isLight = isRaw_ && (depth == Depth::Half || depth == Depth::Float);
+    return isLight ? FileFormat::Exr : format_;
+  }
 
  private:
   void print(const OutputPicture& picture);
@@ -31,6 +35,7 @@ class PictureSink {
   const WriteSettings settings_;
   bool isVerbose_;
   std::optional<FrameStream> stream_;
+  bool isRaw_ = false;
   FileFormat format_ = FileFormat::Png;
 };
 

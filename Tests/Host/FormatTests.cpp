@@ -112,6 +112,9 @@ TEST(Channels, StayAsFewAsTheyWereWhereTheResultIsSo) {
   const TemporaryFolder folder;
   const auto at = [&](const std::string& name) { return folder.path() + "/" + name; };
   writeTiff(at("rgba.tif"), TestImage{1, 1, 8, {9, 9, 9, 255}});
+  writeTiff(at("colors.tif"), TestImage{3, 1, 8, {255, 0, 0, 255, 0, 255, 0, 255, 0, 0, 255, 255}});
+  passThrough(at("colors.tif"), at("luma.pnm"), {"--channels", "gray"});
+  EXPECT_EQ(readFile(at("luma.pnm")), "P5\n3 1\n255\n\x4C\x96\x1D") << "0.299, 0.587, 0.114";
   passThrough(at("rgba.tif"), at("gray.png"), {"--channels", "gray"});
   passThrough(at("rgba.tif"), at("rgb.png"), {"--channels", "rgb"});
   const auto channelsAfter = [&](const Words& words) {
