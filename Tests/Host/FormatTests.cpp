@@ -17,7 +17,7 @@ struct Format {
   int bits;          // of the picture that goes in
   double tolerance;  // of a value of 0 to 1, of formats that lose
   bool holdsAlpha;
-  bool isWrittenByTheLibrary;  // another program's file can be made for the test
+  bool isWrittenByTheLibrary;  // without reading past its own rows, as it does for HEIF
 };
 
 class OtherFormats : public testing::TestWithParam<Format> {};
@@ -104,7 +104,7 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(Format{"webp", "webp", 8, 0.15, true, true}, Format{"bmp", "bmp", 8, 0, false, true},
                     Format{"tga", "targa", 8, 0.003, true, true}, Format{"dpx", "dpx", 8, 0, false, true},
                     Format{"hdr", "hdr", 32, 0.01, false, true}, Format{"jp2", "jpeg2000", 8, 0.03, false, true},
-                    Format{"heic", "heif", 8, 0.08, false, true}, Format{"ppm", "pnm", 8, 0, false, true},
+                    Format{"heic", "heif", 8, 0.08, false, false}, Format{"ppm", "pnm", 8, 0, false, true},
                     Format{"pnm", "pnm", 16, 0, false, false}, Format{"pfm", "pnm", 32, 1e-6, false, false}),
     [](const auto& row) { return std::string(row.param.extension); });
 
