@@ -179,3 +179,27 @@ TEST(Jpeg, BombsAreRefused) {
   const std::vector<std::uint8_t> plain(std::size_t{3} * 4096 * 4096, 128);
   EXPECT_TRUE(readPicture(jpeg(), writtenByOracle(request, plain, "90", "4:2:0", true)).isRead) << "it has ten";
 }
+
+// Warnings that are about no pixel.
+TEST(Jpeg, WhatTouchesNoPixelIsPassedOver) {
+  const Bytes file = fileNamed("jpeg-420.jpg");
+  const ReadPicture expected = readPicture(jpeg(), file);
+  const auto placeOf = [&](const Bytes& mark) {
+    return std::search(file.begin(), file.end(), mark.begin(), mark.end()) - file.begin();
+  };
+  const auto scan = placeOf({0xFF, 0xDA});
+  ASSERT_EQ(file[static_cast<std::size_t>(scan) + 11], 0x00);  // the first coefficient; then the last
+  Bytes stray = file;
+  stray.insert(stray.begin() + placeOf({0xFF, 0xDB}), {1, 2, 3});
+  Bytes revision = file;
+  revision[static_cast<std::size_t>(placeOf({'J', 'F', 'I', 'F'})) + 5] = 2;
+  Bytes spectrum = file;
+  spectrum[static_cast<std::size_t>(scan) + 12] = 10;
+  for (const auto& [what, odd] : std::vector<std::pair<const char*, Bytes>>{
+           {"bytes between markers", stray}, {"revision 2 of JFIF", revision}, {"no whole spectrum", spectrum}}) {
+    expectSamePicture(readPicture(jpeg(), odd), expected, what);
+  }
+  Bytes lost = file;
+  lost.erase(lost.end() - 40, lost.end() - 20);
+  EXPECT_FALSE(readPicture(jpeg(), lost).isRead) << "pixels are missing";
+}
