@@ -63,14 +63,13 @@ std::optional<ColorTag> inheritedTag(const ColorSpace& space, const ColorSpace& 
   return isUntouched || isSame ? keptTag(first.tag, first.space, output.format, output.isGray) : std::nullopt;
 }
 
-// What a file of the kind holds by default, as its readers take it. A gray file may have no way to state a space that
-// one of colors states. Spaces of the user's configuration are nobody else's, and stay.
+// What a file of the kind holds by default, as its readers take it. Few formats can state other spaces than the usual
+// ones, and gray files fewer. Spaces of the user's configuration are nobody else's, and stay.
 ColorSpace defaultOutput(const ColorSpace& working, const std::vector<ColorInput>& inputs, const ColorOutput& output) {
   const ColorSpace usual = knownSpace(output.isFloat ? KnownSpace::LinearRec709 : KnownSpace::SRgb, Origin::Assumed);
   const bool isChosen = output.isFloat ? working.isLinear : working.isDisplay && working.origin != Origin::Assumed;
   if (!isChosen || isSameSpace(working, usual)) return isChosen ? working : usual;
-  const bool isStated = !output.isGray.value_or(false) || working.kind == Kind::Named ||
-                        inheritedTag(working, working, inputs, output) ||
+  const bool isStated = working.kind == Kind::Named || inheritedTag(working, working, inputs, output) ||
                         tagOfSpace(working, output.format, output.isGray).isComplete;
   return isStated ? working : usual;
 }

@@ -3,23 +3,10 @@
 
 #include "Host/Color/IccProfile.h"
 #include "Host/Color/KnownSpaces.h"
+#include "Host/Files/FileFormat.h"
 
 namespace host {
 namespace {
-
-bool holdsProfiles(FileFormat format) {
-  switch (format) {
-    case FileFormat::Png:
-    case FileFormat::Jpeg:
-    case FileFormat::Tiff:
-    case FileFormat::WebP:
-    case FileFormat::Jpeg2000:
-    case FileFormat::Heif:
-      return true;
-    default:
-      return false;
-  }
-}
 
 bool isKnown(const ColorSpace& space, KnownSpace known) {
   return space.kind == ColorSpace::Kind::Known && space.known == known;
@@ -62,7 +49,7 @@ OutputTag tagOfSpace(const ColorSpace& space, FileFormat format, std::optional<b
     result.tag.codePoints = factsOf(space.known).codePoints;
   }
   const bool takesProfile =
-      holdsProfiles(format) && space.kind != ColorSpace::Kind::Named && isGray.value_or(false) == space.isGray;
+      traitsOf(format).holdsProfiles && space.kind != ColorSpace::Kind::Named && isGray.value_or(false) == space.isGray;
   if (takesProfile && space.kind == ColorSpace::Kind::Profile) {
     result.tag.iccProfile = *space.profile;
   } else {
@@ -99,7 +86,7 @@ std::optional<ColorTag> keptTag(const ColorTag& stated, const ColorSpace& space,
     kept.name = tag.name;
     return kept;
   }
-  if (tag.iccProfile.empty() || !holdsProfiles(format)) return std::nullopt;
+  if (tag.iccProfile.empty() || !traitsOf(format).holdsProfiles) return std::nullopt;
   kept.iccProfile = tag.iccProfile;
   return kept;
 }

@@ -19,7 +19,7 @@ struct OutputTag {
 //
 //   PNG                   sRGB: sRGB, gAMA and cHRM; else cICP where there are code points, and a profile, for readers
 //                         that know one of them only
-//   JPEG, TIFF, WebP ...  a profile; sRGB needs none
+//   JPEG, TIFF            a profile; sRGB needs none
 //   EXR                   chromaticities, and colorInteropID where the space has such a name
 //   others                nothing
 OutputTag tagOfSpace(const ColorSpace& space, FileFormat format, std::optional<bool> isGray);
