@@ -16,6 +16,7 @@ struct OutputPicture {
   Depth depth = Depth::Bits8;  // that it was rendered at; what a format cannot hold goes in the next that it can
   Channels channels = Channels::RGBA;  // that it is to have; a format that holds fewer has fewer
   FileMetadata metadata;               // what the format cannot hold is left out
+  bool areChannelsTold = false;        // by the user: gray is not made into colors to hold a profile for colors
 };
 
 // "gray", "gray+alpha", "rgb", "rgba"; nothing for an empty text and "auto". Throws Failure for any other.

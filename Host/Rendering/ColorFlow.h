@@ -37,12 +37,10 @@ class ColorFlow {
   // An input's picture in the working space, premultiplied; null where it is in that space already.
   MutableBitmapRef toWorking(std::size_t input, const FilePicture& picture, SampleType sample, const std::string& path);
 
-  // Makes of a result in the working space what a file of the format holds, and says so in its metadata. Without
-  // inputs before it colors are sRGB.
+  // Makes of a result in the working space what a file of the format holds, and says so in its metadata. Gray becomes
+  // colors where the file has a profile for colors, unless the channels are told. Without inputs before it colors are
+  // sRGB.
   void toOutput(OutputPicture& picture, FileFormat format);
-
-  // Whether gray may be written as gray: a profile for colors is none of a gray file.
-  static bool canBeGray(const OutputPicture& picture);
 
   // How many pixels of all results lay outside the file's space, which has integers; says so where there are any.
   void tellOfCuts() const;
@@ -51,6 +49,7 @@ class ColorFlow {
   void decide();
   void decideOutput();
   bool dropBrokenProfiles();
+  void fitProfile(OutputPicture& picture);
   ColorInput inputOf(std::size_t index, const std::string& path, const PictureInfo& info) const;
 
   const ColorWishes wishes_;
@@ -62,6 +61,7 @@ class ColorFlow {
   std::optional<ColorOutput> output_;                          // what the plan is for
   OutputPlan outputPlan_;
   std::unique_ptr<ColorConversion> outputConversion_;
+  bool hasLeftProfileOut_ = false;
   std::uint64_t cut_ = 0;
 };
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+#include "Tests/Host/IccProfiles.h"
 #include "Tests/Host/Program.h"
 #include "Tests/Host/TestImages.h"
 
@@ -84,6 +85,27 @@ TEST_P(OtherFormats, AreWrittenAndReadAgain) {
   EXPECT_EQ(formatOf(file), format.libraryName);
   passThrough(file, folder.path() + "/out.tif", {"--depth", format.bits == 32 ? "float" : std::to_string(format.bits)});
   EXPECT_LE(largestDifference(readTiff(folder.path() + "/out.tif"), image), format.tolerance);
+}
+
+TEST_P(OtherFormats, HoldTheUsualSpaceSinceTheyCannotStateAnother) {
+  const Format& format = GetParam();
+  const TemporaryFolder folder;
+  const auto at = [&](const std::string& name) { return folder.path() + "/" + name; };
+  const std::string file = at(std::string("picture.") + format.extension);
+  writeTagged(at("wide.tiff"), flatImage(32, 32, {90, 120, 90, 255}), profileBytes(wideProfile()));
+  const std::string space = format.bits == 32 ? "Linear Rec.709" : "sRGB";
+  const std::string depth = format.bits == 32 ? "float" : "8";
+  const auto rendered = [&](const std::string& path, const Words& options) {
+    Words words{"render", "Levels", "--input", at("wide.tiff"), "--output", path, "--depth", depth};
+    words.insert(words.end(), options.begin(), options.end());
+    return vorto(words).err;
+  };
+  const std::string said = "vorto: the result is converted from the profile \"Wide\" to " + space + "\n";
+  EXPECT_EQ(rendered(file, {}), said);
+  EXPECT_TRUE(iccProfileOf(file).empty());
+  passThrough(file, at("out.tif"), {"--depth", depth});
+  EXPECT_EQ(rendered(at("expected.tif"), {"--output-space", space}), said);
+  EXPECT_LE(largestDifference(readTiff(at("out.tif")), readTiff(at("expected.tif"))), std::min(format.tolerance, 0.03));
 }
 
 TEST_P(OtherFormats, AreReadAsOthersWriteThem) {
