@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+#include "Host/ImageFiles/ByteWriter.h"
 #include "Host/ImageFiles/Exif.h"
 #include "Tests/Host/Formats/FormatModule.h"
 #include "Tests/Support/ChildProcess.h"
@@ -242,6 +243,52 @@ TEST(Tiff, MayHoldMoreThanItsRows) {
     EXPECT_TRUE(first.isRead && second.isRead) << first.reason;
     EXPECT_EQ(first.pixels, second.pixels);
   }
+}
+
+// Sound in each of its directories, strips and tiles; these overlap, and looking at them all would never end.
+TEST(Tiff, ThatTakesMoreThanItsSizeIsRefused) {
+  using Entries = std::vector<std::array<std::uint32_t, 4>>;  // tag, type, count, value or place
+  const Entries dot = {{256, 3, 1, 1}, {257, 3, 1, 1}, {258, 3, 1, 8}, {259, 3, 1, 1}, {262, 3, 1, 1},
+                       {273, 3, 1, 8}, {277, 3, 1, 1}, {278, 3, 1, 1}, {279, 3, 1, 1}};
+  const auto directories = [](FileBytesOfTest body, const std::vector<Entries>& all) {
+    host::ByteWriter file;
+    file.number(0x002A4949, 4);
+    file.number(8 + body.size(), 4);
+    file.bytes(body);
+    for (std::size_t i = 0; i < all.size(); ++i) {
+      file.number(all[i].size(), 2);
+      for (const auto& [tag, type, count, value] : all[i]) {
+        file.number(tag, 2);
+        file.number(type, 2);
+        file.number(count, 4);
+        file.number(value, 4);
+      }
+      file.number(i + 1 < all.size() ? file.size() + 4 : 0, 4);
+    }
+    return file.take();
+  };
+  EXPECT_TRUE(readPicture(tiffModule(), directories(FileBytesOfTest(2), {dot})).isRead) << "the others are like it";
+
+  // A thousand pictures with the same thousand strips.
+  const FileBytesOfTest ones(2000, 1);
+  std::vector<Entries> pictures(1000, Entries{{273, 1, 1000, 8}, {279, 1, 1000, 8}});
+  pictures.insert(pictures.begin(), dot);
+  EXPECT_EQ(readPicture(tiffModule(), directories(ones, pictures)).reason, "it is damaged or cut short");
+
+  // Directories four bytes apart, each with entries that end with its own pointer to the next.
+  FileBytesOfTest overlapping(1 << 14, 0x01);
+  constexpr std::size_t kEnd = 2 + 0x101 * 12;
+  const std::size_t first = directories({}, {dot}).size();
+  for (std::size_t i = 0; i < 1000; ++i) {
+    const std::size_t next = i < 999 ? first + 4 * (i + 1) : 0;
+    overlapping[4 * i + kEnd] = static_cast<std::uint8_t>(next);
+    overlapping[4 * i + kEnd + 1] = static_cast<std::uint8_t>(next >> 8);
+    overlapping[4 * i + kEnd + 2] = overlapping[4 * i + kEnd + 3] = 0;
+  }
+  FileBytesOfTest file = directories({}, {dot});
+  file[first - 4] = static_cast<std::uint8_t>(first);
+  file.insert(file.end(), overlapping.begin(), overlapping.end());
+  EXPECT_EQ(readPicture(tiffModule(), file).reason, "it is damaged or cut short");
 }
 
 TEST(Tiff, KeepsWhatItsFieldsSay) {
