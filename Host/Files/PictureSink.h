@@ -20,6 +20,9 @@ class PictureSink {
               bool isVerbose);
   void write(const OutputPicture& picture, std::uint32_t frame);  // throws Failure
 
+  // Of how many pixels, of all pictures, the file's integers could not hold the colors.
+  std::uint64_t clippedPixels() const { return clipped_; }
+
   FileFormat format() const { return format_; }  // of the files; that of frames in a stream counts as PNG
 
  private:
@@ -32,6 +35,7 @@ class PictureSink {
   bool isVerbose_;
   std::optional<FrameStream> stream_;
   FileFormat format_ = FileFormat::Png;
+  std::uint64_t clipped_ = 0;
 };
 
 }  // namespace host
