@@ -2,28 +2,14 @@
 #include "Host/Color/BitmapColors.h"
 
 #include "TarnCore/TCBitmap.h"
-#include "TarnCore/TCPixelFormat.h"
 
 namespace host {
 
 MutableBitmapRef convertedBitmap(ColorConversion& conversion, const VortoBitmap& bitmap, AlphaKind alpha,
-                                 SampleType sample, const std::string& what, std::uint64_t* cut) {
-  const VortoBitmap* source = &bitmap;
-  MutableBitmapRef ordered;
-  if (bitmap.formatCode == VortoPixelFormat::ARGB8) {
-    ordered = newUnsetBitmap(bitmap.width, bitmap.height, VortoPixelFormat::RGBA8, what);
-    ordered->copyWithSwizzleARGBToRGBA(bitmap);
-    source = ordered.get();
-  }
-  const PixelFormat from{sampleTypeOfResult(*source, what), alpha};
-  const bool isInPlace = ordered && sample == SampleType::UInt8;
-  MutableBitmapRef result =
-      isInPlace ? ordered : newUnsetBitmap(bitmap.width, bitmap.height, formatCodeOf(sample), what);
-  const std::uint64_t pixels = std::uint64_t{bitmap.width} * bitmap.height;
-  const auto count =
-      conversion.convert(reinterpret_cast<const std::byte*>(source->data), from,
-                         reinterpret_cast<std::byte*>(result->data), {sample, AlphaKind::Premultiplied}, pixels);
-  if (cut) *cut += count;
+                                 const std::string& what) {
+  MutableBitmapRef result = newUnsetBitmap(bitmap.width, bitmap.height, formatCodeOf(SampleType::Float), what);
+  conversion.convert(reinterpret_cast<const std::byte*>(bitmap.data), {sampleTypeOfResult(bitmap, what), alpha},
+                     reinterpret_cast<float*>(result->data), std::size_t{bitmap.width} * bitmap.height);
   return result;
 }
 

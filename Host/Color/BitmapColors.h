@@ -8,9 +8,9 @@
 
 namespace host {
 
-// A bitmap that flows between patches (ARGB8 too) in another space: RGBA8, RGBA16 or RGBAFloat, premultiplied. `alpha`
-// is the bitmap's own. *cut, which may be null, grows by the pixels that were cut. Throws Failure when memory runs out.
+// A bitmap that flows between patches (RGBA8, RGBA16, RGBAFloat) in another space: RGBAFloat, premultiplied. `alpha` is
+// the bitmap's own. Throws Failure when memory runs out.
 MutableBitmapRef convertedBitmap(ColorConversion& conversion, const VortoBitmap& bitmap, AlphaKind alpha,
-                                 SampleType sample, const std::string& what, std::uint64_t* cut);
+                                 const std::string& what);
 
 }  // namespace host

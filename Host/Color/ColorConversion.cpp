@@ -5,6 +5,7 @@
 #include "Host/Messages/Failure.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <type_traits>
 
@@ -13,71 +14,54 @@ namespace {
 
 constexpr std::size_t kBandPixels = 16384;  // what the second-level cache holds
 
+// By less the quotients would leave the floats.
+bool isDivisor(float alpha) {
+  constexpr float least = 1e-20f;
+  return std::abs(alpha) >= least;
+}
+
 template <class Sample>
 constexpr float fullValue() {
   return std::is_same_v<Sample, float> ? 1.0f : static_cast<float>(std::numeric_limits<Sample>::max());
 }
 
-// Straight floats. Divided, not multiplied by the inverse: full is 1.
+// Divided, not multiplied by the inverse: full is 1.
 template <class Sample>
-void load(const Sample* source, AlphaKind alpha, float* target, std::size_t pixels) {
-  for (std::size_t i = 0; i < 4 * pixels; ++i) target[i] = static_cast<float>(source[i]) / fullValue<Sample>();
-  if (alpha != AlphaKind::Premultiplied) return;
-  for (float* pixel = target; pixel != target + 4 * pixels; pixel += 4) {
+void loadSamples(const Sample* source, float* target, std::size_t count) {
+  for (std::size_t i = 0; i < count; ++i) target[i] = static_cast<float>(source[i]) / fullValue<Sample>();
+}
+
+void loadSamples(const std::byte* source, SampleType sample, float* target, std::size_t count) {
+  switch (sample) {
+    case SampleType::UInt8:
+      return loadSamples(reinterpret_cast<const std::uint8_t*>(source), target, count);
+    case SampleType::UInt16:
+      return loadSamples(reinterpret_cast<const std::uint16_t*>(source), target, count);
+    case SampleType::Float:
+      if (source == reinterpret_cast<const std::byte*>(target)) return;
+      std::copy_n(reinterpret_cast<const float*>(source), count, target);
+  }
+}
+
+void takeAlphaOff(AlphaKind alpha, float* band, std::size_t pixels) {
+  if (alpha == AlphaKind::None) return;
+  for (float* pixel = band; pixel != band + 4 * pixels; pixel += 4) {
     const float divisor = pixel[3];
-    if (divisor == 0 || divisor == 1) continue;
-    for (std::size_t c = 0; c < 3; ++c) pixel[c] /= divisor;
+    if (divisor == 1) continue;
+    if (alpha == AlphaKind::Straight) {
+      if (divisor == 0) std::fill_n(pixel, 3, 0.0f);
+    } else if (isDivisor(divisor)) {
+      for (std::size_t c = 0; c < 3; ++c) pixel[c] /= divisor;
+    }
   }
 }
 
-template <class Sample>
-Sample stored(float value, bool& isCut) {
-  if constexpr (std::is_same_v<Sample, float>) {
-    return value;
-  } else {
-    constexpr double full = std::numeric_limits<Sample>::max();
-    const double scaled = static_cast<double>(value) * full + 0.5;
-    if (!(scaled >= 0 && scaled < full + 1)) isCut = true;
-    return static_cast<Sample>(!(scaled > 0) ? 0 : std::min(scaled, full));
+void putAlphaBack(float* band, std::size_t pixels) {
+  for (float* pixel = band; pixel != band + 4 * pixels; pixel += 4) {
+    const float factor = pixel[3];
+    if (factor == 1 || !isDivisor(factor)) continue;
+    for (std::size_t c = 0; c < 3; ++c) pixel[c] *= factor;
   }
-}
-
-template <class Sample>
-std::uint64_t store(const float* source, AlphaKind alpha, Sample* target, std::size_t pixels) {
-  std::uint64_t cut = 0;
-  for (std::size_t i = 0; i < pixels; ++i, source += 4, target += 4) {
-    const bool isMultiplied = alpha == AlphaKind::Premultiplied && source[3] != 0;
-    const float factor = isMultiplied ? source[3] : 1.0f;
-    bool isCut = false;
-    for (std::size_t c = 0; c < 3; ++c) target[c] = stored<Sample>(source[c] * factor, isCut);
-    bool isAlphaCut = false;
-    target[3] = stored<Sample>(source[3], isAlphaCut);
-    cut += isCut;
-  }
-  return cut;
-}
-
-void load(const std::byte* source, PixelFormat format, float* target, std::size_t pixels) {
-  switch (format.sample) {
-    case SampleType::UInt8:
-      return load(reinterpret_cast<const std::uint8_t*>(source), format.alpha, target, pixels);
-    case SampleType::UInt16:
-      return load(reinterpret_cast<const std::uint16_t*>(source), format.alpha, target, pixels);
-    case SampleType::Float:
-      return load(reinterpret_cast<const float*>(source), format.alpha, target, pixels);
-  }
-}
-
-std::uint64_t store(const float* source, std::byte* target, PixelFormat format, std::size_t pixels) {
-  switch (format.sample) {
-    case SampleType::UInt8:
-      return store(source, format.alpha, reinterpret_cast<std::uint8_t*>(target), pixels);
-    case SampleType::UInt16:
-      return store(source, format.alpha, reinterpret_cast<std::uint16_t*>(target), pixels);
-    case SampleType::Float:
-      break;
-  }
-  return store(source, format.alpha, reinterpret_cast<float*>(target), pixels);
 }
 
 }  // namespace
@@ -85,8 +69,7 @@ std::uint64_t store(const float* source, std::byte* target, PixelFormat format, 
 ColorConversion::ColorConversion(const ColorSpace& from, const ColorSpace& to)
     : ColorConversion(colorModule(), from, to) {}
 
-ColorConversion::ColorConversion(ColorModule& module, const ColorSpace& from, const ColorSpace& to)
-    : band_(4 * kBandPixels) {
+ColorConversion::ColorConversion(ColorModule& module, const ColorSpace& from, const ColorSpace& to) {
   std::string reason;
   transform_ = module.makeTransform(from, to, &reason);
   if (!transform_) {
@@ -94,28 +77,25 @@ ColorConversion::ColorConversion(ColorModule& module, const ColorSpace& from, co
   }
 }
 
-void ColorConversion::keepTransparent(bool isMultiplied, std::size_t pixels) {
-  transparent_.clear();
+// Spaces may have their black elsewhere; what is not there stays nothing.
+void ColorConversion::findBlack(const float* band, std::size_t pixels) {
+  black_.clear();
   for (std::size_t at = 0; at < 4 * pixels; at += 4) {
-    if (band_[at + 3] != 0) continue;
-    Transparent kept{at, {}};
-    if (!isMultiplied) std::copy_n(&band_[at], 3, kept.color.begin());
-    transparent_.push_back(kept);
+    if (band[at + 3] == 0 && band[at] == 0 && band[at + 1] == 0 && band[at + 2] == 0) black_.push_back(at);
   }
 }
 
-std::uint64_t ColorConversion::convert(const std::byte* source, PixelFormat from, std::byte* target, PixelFormat to,
-                                       std::size_t pixels) {
-  std::uint64_t cut = 0;
+void ColorConversion::convert(const std::byte* source, PixelFormat from, float* target, std::size_t pixels) {
   for (std::size_t i = 0; i < pixels; i += kBandPixels) {
     const std::size_t count = std::min(kBandPixels, pixels - i);
-    load(source + 4 * i * bytesPerSample(from.sample), from, band_.data(), count);
-    keepTransparent(from.alpha == AlphaKind::Straight && to.alpha == AlphaKind::Premultiplied, count);
-    transform_->apply(band_.data(), count);
-    for (const Transparent& kept : transparent_) std::copy(kept.color.begin(), kept.color.end(), &band_[kept.at]);
-    cut += store(band_.data(), target + 4 * i * bytesPerSample(to.sample), to, count);
+    float* const band = target + 4 * i;
+    loadSamples(source + 4 * i * bytesPerSample(from.sample), from.sample, band, 4 * count);
+    takeAlphaOff(from.alpha, band, count);
+    findBlack(band, count);
+    transform_->apply(band, count);
+    for (const std::size_t at : black_) std::fill_n(band + at, 3, 0.0f);
+    putAlphaBack(band, count);
   }
-  return cut;
 }
 
 }  // namespace host

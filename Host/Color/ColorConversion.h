@@ -2,11 +2,9 @@
 #pragma once
 
 #include "Host/Color/ColorModule.h"
-#include "Host/ImageFiles/PictureTypes.h"
+#include "Host/Pixels/OutputRows.h"
 
-#include <array>
 #include <cstddef>
-#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -18,29 +16,26 @@ struct PixelFormat {
   AlphaKind alpha = AlphaKind::Premultiplied;
 };
 
-// Converts pixels from one space to another, in floats and without premultiplication, and rounds once. Where alpha is 0
-// the colors stay as they are (multiplied with it where straight ones become premultiplied).
-class ColorConversion {
+// Converts pixels from one space to another, without premultiplication, to premultiplied floats; nothing is cut. Where
+// alpha is 0 premultiplied light is converted as it is, black stays black, and straight colors vanish.
+class ColorConversion : public RowColors {
  public:
   // Loads the module for color. Throws Failure when there is no way between the spaces.
   ColorConversion(const ColorSpace& from, const ColorSpace& to);
   ColorConversion(ColorModule& module, const ColorSpace& from, const ColorSpace& to);
 
-  // Of integers that result, those outside their range are cut, NaN to 0; returns how many pixels that befell (by more
-  // than half a unit). Source and target may be the same memory when their sample types are the same.
-  std::uint64_t convert(const std::byte* source, PixelFormat from, std::byte* target, PixelFormat to,
-                        std::size_t pixels);
+  // Source and target may be the same memory when both are floats.
+  void convert(const std::byte* source, PixelFormat from, float* target, std::size_t pixels);
+
+  void convertRow(const std::byte* source, SampleType sample, float* target, std::size_t pixels) override {
+    convert(source, {sample, AlphaKind::Premultiplied}, target, pixels);
+  }
 
  private:
-  struct Transparent {
-    std::size_t at;
-    std::array<float, 3> color;
-  };
-  void keepTransparent(bool isMultiplied, std::size_t pixels);
+  void findBlack(const float* band, std::size_t pixels);
 
   std::unique_ptr<ColorTransform> transform_;
-  std::vector<float> band_;
-  std::vector<Transparent> transparent_;  // of the band
+  std::vector<std::size_t> black_;  // of the band: where its pixels begin that are black under no alpha
 };
 
 }  // namespace host

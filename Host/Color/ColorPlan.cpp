@@ -49,10 +49,6 @@ bool isTakenForGranted(const ColorSpace& space, bool isFloat) {
   return space.kind == Kind::Known && space.known == (isFloat ? KnownSpace::LinearRec709 : KnownSpace::SRgb);
 }
 
-bool isAnyConverted(const InputPlan& plan) {
-  return std::find(plan.isConverted.begin(), plan.isConverted.end(), true) != plan.isConverted.end();
-}
-
 // The tag of the first input where it is true of the result as well.
 std::optional<ColorTag> inheritedTag(const ColorSpace& space, const ColorSpace& working,
                                      const std::vector<ColorInput>& inputs, const ColorOutput& output) {
@@ -89,7 +85,7 @@ void addTag(OutputPlan& plan, const InputPlan& inputPlan, const std::vector<Colo
     plan.tag = std::move(*kept);
     return;
   }
-  const bool isAllAsItWas = !plan.isConverted && !isAnyConverted(inputPlan);
+  const bool isAllAsItWas = !plan.isConverted && !inputPlan.convertsAnything();
   const bool isPlain = isTakenForGranted(plan.space, output.isFloat);
   if (isPlain && plan.space.origin == Origin::Assumed && (isAllAsItWas || output.isFloat)) return;
   OutputTag made = tagOfSpace(plan.space, output.format, output.isGray);
@@ -101,6 +97,10 @@ void addTag(OutputPlan& plan, const InputPlan& inputPlan, const std::vector<Colo
 }
 
 }  // namespace
+
+bool InputPlan::convertsAnything() const {
+  return std::find(isConverted.begin(), isConverted.end(), true) != isConverted.end();
+}
 
 bool needsConversion(const ColorSpace& from, const ColorSpace& to) {
   return from.kind != Kind::Raw && to.kind != Kind::Raw && !isSameSpace(from, to);
@@ -126,7 +126,7 @@ InputPlan planInputs(const std::vector<ColorInput>& inputs, const std::optional<
   for (const ColorInput& input : inputs) {
     const bool isConverted = needsConversion(input.space, plan.working);
     plan.isConverted.push_back(isConverted);
-    plan.needsFloat = plan.needsFloat || (plan.working.isLinear && (isConverted || input.isFloat));
+    plan.needsFloat = plan.needsFloat || isConverted || (plan.working.isLinear && input.isFloat);
     if (!isConverted) continue;
     plan.sentences.push_back(conversionSentence(input.path, input.space, plan.working));
   }
@@ -142,7 +142,7 @@ OutputPlan planOutput(const InputPlan& inputPlan, const std::vector<ColorInput>&
   if (plan.isConverted) {
     ColorSpace from = working;
     from.origin = Origin::Told;  // what it is was said where it came in
-    if (inputs.empty() || !isAnyConverted(inputPlan)) from.origin = working.origin;
+    if (inputs.empty() || !inputPlan.convertsAnything()) from.origin = working.origin;
     plan.sentences.push_back(conversionSentence("the result", from, plan.space));
   }
   addTag(plan, inputPlan, inputs, output);

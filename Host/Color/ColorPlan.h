@@ -25,8 +25,10 @@ struct ColorInput {
 struct InputPlan {
   ColorSpace working;
   std::vector<bool> isConverted;  // which inputs go from their space to the working one
-  bool needsFloat = false;        // light that was no integers is worked with in floats: they would lose its darks
+  // What was converted is no integers any more, and light that was none would lose its darks in them.
+  bool needsFloat = false;
   std::vector<std::string> sentences;
+  bool convertsAnything() const;
 };
 
 // `wanted` is the user's working space. Raw converts nothing; without inputs colors are sRGB.

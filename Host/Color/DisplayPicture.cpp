@@ -24,7 +24,7 @@ BitmapRef readForDisplay(const std::string& path) {
     return bitmap;
   }
   ColorConversion conversion(space, shown);
-  return convertedBitmap(conversion, *picture.bitmap, picture.info->alpha, SampleType::Float, path, nullptr);
+  return convertedBitmap(conversion, *picture.bitmap, picture.info->alpha, path);
 }
 
 }  // namespace host

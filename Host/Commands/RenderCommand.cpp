@@ -110,7 +110,7 @@ void runRender(const RenderOptions& options) {
     const double time = options.time.value_or(0);
     sink.write(rendered(rendering, inputs.pictures(), time, conversion, sink, inputs.colors()), 0);
   }
-  inputs.colors().tellOfCuts();
+  inputs.colors().tellOfClipping(sink.clippedPixels());
 }
 
 }  // namespace host

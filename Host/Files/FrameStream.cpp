@@ -4,7 +4,6 @@
 #include "Host/Files/FileFormat.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Messages/StandardOutput.h"
-#include "Host/Pixels/OutputRows.h"
 #include "TarnCore/TCBitmap.h"
 
 #include <cmath>
@@ -76,19 +75,20 @@ std::optional<FrameStreamKind> frameStreamNamed(const std::string& name) {
 FrameStream::FrameStream(FrameStreamKind kind, double rate)
     : kind_(kind), rate_(kind == FrameStreamKind::Y4M ? fractionOf(rate) : "") {}
 
-void FrameStream::write(const OutputPicture& picture) {
+std::uint64_t FrameStream::write(const OutputPicture& picture) {
   if (kind_ == FrameStreamKind::Raw) return writeRaw(picture);
-  writeY4M(picture);
+  return writeY4M(picture);
 }
 
-void FrameStream::writeRaw(const OutputPicture& picture) const {
+std::uint64_t FrameStream::writeRaw(const OutputPicture& picture) const {
   const SampleType sample = sampleTypeOf(picture.depth);
-  OutputRows rows(*picture.bitmap, {sample, picture.channels, AlphaKind::Straight});
+  OutputRows rows = rowsOf(picture, sample, picture.channels, AlphaKind::Straight);
   const std::size_t size = bytesPerSample(sample) * channelCount(picture.channels) * picture.bitmap->width;
   for (std::uint32_t y = 0; y < picture.bitmap->height; ++y) printBytes(bytesOf(rows.row(y), size));
+  return rows.clippedPixels();
 }
 
-void FrameStream::writeY4M(const OutputPicture& picture) {
+std::uint64_t FrameStream::writeY4M(const OutputPicture& picture) {
   const VortoBitmap& bitmap = *picture.bitmap;
   const bool isDeep = picture.depth != Depth::Bits8;
   if (width_ == 0) {
@@ -99,14 +99,16 @@ void FrameStream::writeY4M(const OutputPicture& picture) {
   if (bitmap.width != width_ || bitmap.height != height_) {
     throw Failure(ExitCode::Output, "cannot write to the standard output: the frames of a y4m stream have one size");
   }
-  OutputRows rows(bitmap, {isDeep ? SampleType::UInt16 : SampleType::UInt8, Channels::RGB, AlphaKind::None});
+  OutputRows rows = rowsOf(picture, isDeep ? SampleType::UInt16 : SampleType::UInt8, Channels::RGB, AlphaKind::None);
   printText("FRAME\n");
   if (isDeep) {
     const auto planes = planesOf<std::uint16_t>(rows, width_, height_);
-    return printBytes(bytesOf(planes.data(), planes.size() * 2));
+    printBytes(bytesOf(planes.data(), planes.size() * 2));
+  } else {
+    const auto planes = planesOf<std::uint8_t>(rows, width_, height_);
+    printBytes(bytesOf(planes.data(), planes.size()));
   }
-  const auto planes = planesOf<std::uint8_t>(rows, width_, height_);
-  printBytes(bytesOf(planes.data(), planes.size()));
+  return rows.clippedPixels();
 }
 
 }  // namespace host

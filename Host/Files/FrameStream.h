@@ -19,11 +19,12 @@ std::optional<FrameStreamKind> frameStreamNamed(const std::string& name);  // "r
 class FrameStream {
  public:
   FrameStream(FrameStreamKind kind, double rate);  // throws Failure for a rate that a y4m header cannot hold
-  void write(const OutputPicture& picture);        // throws Failure when frames differ in size
+  // Returns of how many pixels integers could not hold the colors. Throws Failure when frames differ in size.
+  std::uint64_t write(const OutputPicture& picture);
 
  private:
-  void writeRaw(const OutputPicture& picture) const;
-  void writeY4M(const OutputPicture& picture);
+  std::uint64_t writeRaw(const OutputPicture& picture) const;
+  std::uint64_t writeY4M(const OutputPicture& picture);
 
   FrameStreamKind kind_;
   std::string rate_;  // "25:1"

@@ -41,15 +41,15 @@ PictureSink::PictureSink(const std::string& output, const std::string& format, c
 void PictureSink::write(const OutputPicture& picture, std::uint32_t frame) {
   if (output_ == "-") return print(picture);
   tellOfLosses(picture);
-  writePicture(pattern_ ? pattern_->path(frame) : output_, format_, picture, settings_);
+  clipped_ += writePicture(pattern_ ? pattern_->path(frame) : output_, format_, picture, settings_);
 }
 
 void PictureSink::print(const OutputPicture& picture) {
   if (stream_) {
-    stream_->write(picture);
+    clipped_ += stream_->write(picture);
   } else {
     tellOfLosses(picture);
-    printPicture(format_, picture, settings_);
+    clipped_ += printPicture(format_, picture, settings_);
   }
   finishStandardOutput();  // whoever reads may have had enough
 }

@@ -25,6 +25,8 @@ class PictureSink {
     const bool isLight = isRaw_ && (depth == Depth::Half || depth == Depth::Float);
     return isLight ? FileFormat::Exr : format_;
   }
+  // Of how many pixels, of all pictures, the file's integers could not hold the colors.
+  std::uint64_t clippedPixels() const { return clipped_; }
 
  private:
   void print(const OutputPicture& picture);
@@ -37,6 +39,7 @@ class PictureSink {
   std::optional<FrameStream> stream_;
   bool isRaw_ = false;
   FileFormat format_ = FileFormat::Png;
+  std::uint64_t clipped_ = 0;
 };
 
 }  // namespace host

@@ -7,7 +7,6 @@
 #include "Host/Messages/Failure.h"
 #include "Host/Messages/StandardOutput.h"
 #include "Host/Pixels/Alpha.h"
-#include "Host/Pixels/OutputRows.h"
 #include "TarnCore/TCBitmap.h"
 
 #include <algorithm>
@@ -40,10 +39,12 @@ WriteRequest requestFor(FileFormat format, const OutputPicture& picture, const W
 }
 
 bool encode(FileFormat format, const OutputPicture& picture, const WriteSettings& settings, OutputBytes& output,
-            std::string* reason) {
+            std::uint64_t* clipped, std::string* reason) {
   const WriteRequest request = requestFor(format, picture, settings);
-  OutputRows rows(*picture.bitmap, {request.sample, request.channels, request.alpha});
-  return imageFileModule(format).write(request, rows, output, reason);
+  OutputRows rows = rowsOf(picture, request.sample, request.channels, request.alpha);
+  const bool isWritten = imageFileModule(format).write(request, rows, output, reason);
+  *clipped = rows.clippedPixels();
+  return isWritten;
 }
 
 bool holdsColorTag(FileFormat format, const ColorTag& color) {
@@ -76,27 +77,35 @@ Channels keptChannels(const VortoBitmap& result, Channels ofInputs) {
   return channelsOf(isGray(ofInputs) && isGray(result), hasAlpha(ofInputs) || !isOpaque(result));
 }
 
-void writePicture(const std::string& path, FileFormat format, const OutputPicture& picture,
-                  const WriteSettings& settings) {
+OutputRows rowsOf(const OutputPicture& picture, SampleType sample, Channels channels, AlphaKind alpha) {
+  return {*picture.bitmap, {sample, channels, alpha, picture.isConverted, picture.colors.get()}};
+}
+
+std::uint64_t writePicture(const std::string& path, FileFormat format, const OutputPicture& picture,
+                           const WriteSettings& settings) {
   OutputFile file(path);
   std::string reason;
-  if (!encode(format, picture, settings, file, &reason)) {
+  std::uint64_t clipped = 0;
+  if (!encode(format, picture, settings, file, &clipped, &reason)) {
     throw Failure(ExitCode::Output, "cannot write " + path + ": " + (file.fault().empty() ? reason : file.fault()));
   }
   file.commit();
+  return clipped;
 }
 
-void writePicture(const std::string& path, const OutputPicture& picture) {
-  writePicture(path, fileFormatOf(path), picture, {});
+std::uint64_t writePicture(const std::string& path, const OutputPicture& picture) {
+  return writePicture(path, fileFormatOf(path), picture, {});
 }
 
-void printPicture(FileFormat format, const OutputPicture& picture, const WriteSettings& settings) {
+std::uint64_t printPicture(FileFormat format, const OutputPicture& picture, const WriteSettings& settings) {
   OutputBuffer buffer;
   std::string reason;
-  if (!encode(format, picture, settings, buffer, &reason)) {
+  std::uint64_t clipped = 0;
+  if (!encode(format, picture, settings, buffer, &clipped, &reason)) {
     throw Failure(ExitCode::Output, "cannot write to the standard output: " + reason);
   }
   printBytes(buffer.bytes());
+  return clipped;
 }
 
 std::vector<std::string> lostMetadata(FileFormat format, const FileMetadata& metadata) {

@@ -3,7 +3,10 @@
 
 #include "Host/ImageFiles/ImageFileModule.h"
 #include "Host/Pixels/Bitmaps.h"
+#include "Host/Pixels/OutputRows.h"
 
+#include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -17,6 +20,8 @@ struct OutputPicture {
   Channels channels = Channels::RGBA;  // that it is to have; a format that holds fewer has fewer
   FileMetadata metadata;               // what the format cannot hold is left out
   bool areChannelsTold = false;        // by the user: gray is not made into colors to hold a profile for colors
+  std::shared_ptr<RowColors> colors = nullptr;  // to the file's space; null where the bitmap is in it
+  bool isConverted = false;                     // to the file's space or before: integers are made of straight colors
 };
 
 // "gray", "gray+alpha", "rgb", "rgba"; nothing for an empty text and "auto". Throws Failure for any other.
@@ -26,14 +31,18 @@ std::optional<Channels> parsedChannels(const std::string& text);
 // where they had none and it is opaque.
 Channels keptChannels(const VortoBitmap& result, Channels ofInputs);
 
-// A file, replaced only once the new one is complete. Throws Failure naming it and the cause.
-void writePicture(const std::string& path, FileFormat format, const OutputPicture& picture,
-                  const WriteSettings& settings);
+// A file, replaced only once the new one is complete. Returns of how many pixels its integers could not hold the
+// colors. Throws Failure naming it and the cause.
+std::uint64_t writePicture(const std::string& path, FileFormat format, const OutputPicture& picture,
+                           const WriteSettings& settings);
 // In the format that the extension says, with its usual settings.
-void writePicture(const std::string& path, const OutputPicture& picture);
+std::uint64_t writePicture(const std::string& path, const OutputPicture& picture);
 
 // The same to the standard output.
-void printPicture(FileFormat format, const OutputPicture& picture, const WriteSettings& settings);
+std::uint64_t printPicture(FileFormat format, const OutputPicture& picture, const WriteSettings& settings);
+
+// The picture's rows as a file of integers or floats wants them.
+OutputRows rowsOf(const OutputPicture& picture, SampleType sample, Channels channels, AlphaKind alpha);
 
 // What a file of the format does not keep of what the picture's metadata say: "the time code", ...
 std::vector<std::string> lostMetadata(FileFormat format, const FileMetadata& metadata);

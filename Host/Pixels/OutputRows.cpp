@@ -5,6 +5,7 @@
 #include "TarnCore/TCBitmap.h"
 #include "TarnCore/TCPixelLayout.h"
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
 #include <type_traits>
@@ -105,24 +106,85 @@ SampleType sampleTypeOf(const VortoBitmap& bitmap) {
   }
 }
 
+// Whether integers cannot hold a color, by more than half a unit of 8 bits: less comes of the rounding of floats in
+// light, under steep curves. Where they are held without alpha it may not be brighter than that.
+bool isOutside(const float* pixel, float most) {
+  constexpr float tolerance = 0.5f / 255;
+  bool isInside = true;
+  for (std::size_t c = 0; c < 3; ++c) isInside &= (pixel[c] >= -tolerance) & (pixel[c] - most <= tolerance);
+  return !isInside;
+}
+
+// Straight or premultiplied: colors limited without their alpha.
+template <class Sample>
+void roundPixel(const float* from, AlphaKind alpha, Sample* to) {
+  to[3] = convertedSample<Sample>(from[3]);
+  const float held =
+      alpha == AlphaKind::Premultiplied ? static_cast<float>(to[3]) / static_cast<float>(kFull<Sample>) : 1.0f;
+  for (std::size_t c = 0; c < 3; ++c) {
+    const float straight = std::clamp(from[c] / from[3], 0.0f, 1.0f);
+    to[c] = from[3] > 0 ? convertedSample<Sample>(straight * held) : Sample{0};
+  }
+}
+
 }  // namespace
 
 OutputRows::OutputRows(const VortoBitmap& bitmap, const RowKind& kind) : bitmap_(bitmap), kind_(kind) {}
 
-const std::byte* OutputRows::row(std::uint32_t y) {
+const std::byte* OutputRows::ordered(std::uint32_t y) {
   const auto* row = reinterpret_cast<const std::byte*>(bitmap_.data) + y * bytesPerRow(bitmap_);
-  if (bitmap_.formatCode == VortoPixelFormat::ARGB8) {
-    moveAlphaToTheEnd(row, bitmap_.width, &ordered_);
-    row = ordered_.data();
-  }
+  if (bitmap_.formatCode != VortoPixelFormat::ARGB8) return row;
+  moveAlphaToTheEnd(row, bitmap_.width, &ordered_);
+  return ordered_.data();
+}
+
+const std::byte* OutputRows::row(std::uint32_t y) {
+  const std::byte* row = ordered(y);
   const SampleType stored = sampleTypeOf(bitmap_);
+  if (kind_.colors) {
+    floats_.resize(std::size_t{4} * bitmap_.width);
+    kind_.colors->convertRow(row, stored, floats_.data(), bitmap_.width);
+    return floatsAsWanted(floats_.data());
+  }
+  if (stored == SampleType::Float) return floatsAsWanted(reinterpret_cast<const float*>(row));
   if (stored != kind_.sample) {
     const std::size_t samples = std::size_t{4} * bitmap_.width;
     if (stored == SampleType::UInt8) convertRowTo<std::uint8_t>(kind_.sample, row, samples, &converted_);
     if (stored == SampleType::UInt16) convertRowTo<std::uint16_t>(kind_.sample, row, samples, &converted_);
-    if (stored == SampleType::Float) convertRowTo<float>(kind_.sample, row, samples, &converted_);
     row = converted_.data();
   }
+  return finished(row);
+}
+
+const std::byte* OutputRows::floatsAsWanted(const float* row) {
+  const auto* bytes = reinterpret_cast<const std::byte*>(row);
+  if (kind_.sample == SampleType::Float) return finished(bytes);
+  count(row);
+  if (kind_.isRoundedStraight && kind_.alpha != AlphaKind::None) {
+    return kind_.sample == SampleType::UInt8 ? roundedStraight<std::uint8_t>(row) : roundedStraight<std::uint16_t>(row);
+  }
+  convertRowTo<float>(kind_.sample, bytes, std::size_t{4} * bitmap_.width, &converted_);
+  return finished(converted_.data());
+}
+
+void OutputRows::count(const float* row) {
+  const bool isLimitedByAlpha =
+      kind_.alpha == AlphaKind::Straight || (kind_.alpha == AlphaKind::Premultiplied && kind_.isRoundedStraight);
+  for (const float* pixel = row; pixel != row + std::size_t{4} * bitmap_.width; pixel += 4) {
+    clipped_ += isOutside(pixel, isLimitedByAlpha ? pixel[3] : 1.0f);
+  }
+}
+
+template <class Sample>
+const std::byte* OutputRows::roundedStraight(const float* row) {
+  const std::size_t pixels = bitmap_.width;
+  converted_.resize(4 * pixels * sizeof(Sample));
+  auto* const to = reinterpret_cast<Sample*>(converted_.data());
+  for (std::size_t i = 0; i < 4 * pixels; i += 4) roundPixel(row + i, kind_.alpha, to + i);
+  return packed<Sample>(converted_.data());
+}
+
+const std::byte* OutputRows::finished(const std::byte* row) {
   switch (kind_.sample) {
     case SampleType::UInt8:
       return finished<std::uint8_t>(row);
@@ -142,6 +204,12 @@ const std::byte* OutputRows::finished(const std::byte* row) {
     unpremultiplyRow(reinterpret_cast<Sample*>(straight_.data()), pixels);
     row = straight_.data();
   }
+  return packed<Sample>(row);
+}
+
+template <class Sample>
+const std::byte* OutputRows::packed(const std::byte* row) {
+  const std::size_t pixels = bitmap_.width;
   if (kind_.channels == Channels::RGBA) return row;
   packed_.resize(channelCount(kind_.channels) * pixels * sizeof(Sample));
   packRow(reinterpret_cast<const Sample*>(row), pixels, kind_.channels, reinterpret_cast<Sample*>(packed_.data()));

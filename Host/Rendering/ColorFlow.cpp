@@ -19,10 +19,6 @@ void tell(const std::vector<std::string>& sentences) {
   for (const std::string& sentence : sentences) remark(sentence);
 }
 
-bool convertsAnything(const InputPlan& plan) {
-  return std::find(plan.isConverted.begin(), plan.isConverted.end(), true) != plan.isConverted.end();
-}
-
 }  // namespace
 
 ColorInput ColorFlow::inputOf(std::size_t index, const std::string& path, const PictureInfo& info) const {
@@ -52,7 +48,7 @@ void ColorFlow::meet(const std::vector<std::string>& paths, const std::vector<co
     if (isSameSpace(input.space, inputs_[i].space)) continue;
     if (needsConversion(input.space, plan_.working)) {
       remark(conversionSentence(paths[i], input.space, plan_.working));
-      plan_.needsFloat = plan_.needsFloat || plan_.working.isLinear;
+      plan_.needsFloat = true;
     }
     inputs_[i].space = std::move(input.space);
     conversions_[i].reset();
@@ -61,7 +57,7 @@ void ColorFlow::meet(const std::vector<std::string>& paths, const std::vector<co
 
 void ColorFlow::decide() {
   plan_ = planInputs(inputs_, wishes_.working);
-  if (convertsAnything(plan_) && dropBrokenProfiles()) plan_ = planInputs(inputs_, wishes_.working);
+  if (plan_.convertsAnything() && dropBrokenProfiles()) plan_ = planInputs(inputs_, wishes_.working);
   conversions_.resize(inputs_.size());
   isDecided_ = true;
   tell(plan_.sentences);
@@ -81,19 +77,19 @@ bool ColorFlow::dropBrokenProfiles() {
   return isAny;
 }
 
-MutableBitmapRef ColorFlow::toWorking(std::size_t input, const FilePicture& picture, SampleType sample,
-                                      const std::string& path) {
+MutableBitmapRef ColorFlow::toWorking(std::size_t input, const FilePicture& picture, const std::string& path) {
   const ColorSpace& from = inputs_[input].space;
   if (!needsConversion(from, plan_.working)) return nullptr;
   if (!conversions_[input]) conversions_[input] = std::make_unique<ColorConversion>(from, plan_.working);
-  return convertedBitmap(*conversions_[input], *picture.bitmap, picture.info->alpha, sample, path, nullptr);
+  isAnyInputConverted_ = true;
+  return convertedBitmap(*conversions_[input], *picture.bitmap, picture.info->alpha, path);
 }
 
 void ColorFlow::decideOutput() {
   const auto& wanted = wishes_.output;
   outputPlan_ = planOutput(plan_, inputs_, wanted, *output_);
   // Inputs that were not converted all have the broken profile that is found only now.
-  const bool wasUsed = convertsAnything(plan_) || plan_.working.kind != ColorSpace::Kind::Profile;
+  const bool wasUsed = plan_.convertsAnything() || plan_.working.kind != ColorSpace::Kind::Profile;
   if (outputPlan_.isConverted && !wasUsed && dropBrokenProfiles()) {
     plan_ = planInputs(inputs_, wishes_.working);
     tell(plan_.sentences);
@@ -101,7 +97,8 @@ void ColorFlow::decideOutput() {
   }
   tell(outputPlan_.sentences);
   const ColorSpace& space = outputPlan_.space;
-  if (outputPlan_.isConverted) outputConversion_ = std::make_unique<ColorConversion>(plan_.working, space);
+  outputConversion_.reset();
+  if (outputPlan_.isConverted) outputConversion_ = std::make_shared<ColorConversion>(plan_.working, space);
   std::string reason;
   if (outputPlan_.needsProfile && !colorModule().makeProfile(space, &outputPlan_.tag.iccProfile, &reason)) {
     throw Failure(ExitCode::Output, "cannot make a profile of " + spaceText(space) + ": " + reason);
@@ -120,9 +117,8 @@ void ColorFlow::toOutput(OutputPicture& picture, FileFormat format) {
   }
   picture.metadata.color = outputPlan_.tag;
   fitProfile(picture);
-  if (!outputPlan_.isConverted) return;
-  picture.bitmap = convertedBitmap(*outputConversion_, *picture.bitmap, AlphaKind::Premultiplied, sample, "the result",
-                                   sample == SampleType::Float ? nullptr : &cut_);
+  picture.colors = outputConversion_;
+  picture.isConverted = outputConversion_ || isAnyInputConverted_;
 }
 
 void ColorFlow::fitProfile(OutputPicture& picture) {
@@ -140,11 +136,12 @@ void ColorFlow::fitProfile(OutputPicture& picture) {
   hasLeftProfileOut_ = true;
 }
 
-void ColorFlow::tellOfCuts() const {
-  if (cut_ == 0) return;
-  remark(std::to_string(cut_) +
-         (cut_ == 1 ? " pixel of the result lies outside " : " pixels of the result lie outside ") +
-         spaceText(outputPlan_.space) + " and " + (cut_ == 1 ? "was" : "were") + " clipped");
+void ColorFlow::tellOfClipping(std::uint64_t pixels) const {
+  if (pixels == 0) return;
+  const bool isRange = outputPlan_.space.kind == ColorSpace::Kind::Raw;
+  remark(std::to_string(pixels) + (pixels == 1 ? " pixel" : " pixels") + " of the result " +
+         (pixels == 1 ? "lies" : "lie") + " outside " + (isRange ? "0 to 1" : spaceText(outputPlan_.space)) + " and " +
+         (pixels == 1 ? "was" : "were") + " clipped");
 }
 
 }  // namespace host

@@ -32,18 +32,18 @@ class ColorFlow {
   // Failure when something cannot be converted.
   void meet(const std::vector<std::string>& paths, const std::vector<const PictureInfo*>& infos);
 
-  bool needsFloat() const { return plan_.needsFloat; }  // light is worked with in floats
+  bool needsFloat() const { return plan_.needsFloat; }  // whatever the depth
 
-  // An input's picture in the working space, premultiplied; null where it is in that space already.
-  MutableBitmapRef toWorking(std::size_t input, const FilePicture& picture, SampleType sample, const std::string& path);
+  // An input's picture in the working space: RGBAFloat, premultiplied; null where it is in that space already.
+  MutableBitmapRef toWorking(std::size_t input, const FilePicture& picture, const std::string& path);
 
-  // Makes of a result in the working space what a file of the format holds, and says so in its metadata. Gray becomes
-  // colors where the file has a profile for colors, unless the channels are told. Without inputs before it colors are
-  // sRGB.
+  // Says of a result in the working space what becomes of its colors in a file of the format, and what its metadata
+  // state then. Gray becomes colors where the file has a profile for colors, unless the channels are told. Without
+  // inputs before it colors are sRGB.
   void toOutput(OutputPicture& picture, FileFormat format);
 
-  // How many pixels of all results lay outside the file's space, which has integers; says so where there are any.
-  void tellOfCuts() const;
+  // That pixels of the results lay outside what the file's integers can hold, where there are any.
+  void tellOfClipping(std::uint64_t pixels) const;
 
  private:
   void decide();
@@ -60,9 +60,9 @@ class ColorFlow {
   std::vector<std::unique_ptr<ColorConversion>> conversions_;  // by input; null until needed
   std::optional<ColorOutput> output_;                          // what the plan is for
   OutputPlan outputPlan_;
-  std::unique_ptr<ColorConversion> outputConversion_;
+  std::shared_ptr<ColorConversion> outputConversion_;
+  bool isAnyInputConverted_ = false;  // of those so far
   bool hasLeftProfileOut_ = false;
-  std::uint64_t cut_ = 0;
 };
 
 }  // namespace host

@@ -61,7 +61,7 @@ InputPictures Inputs::picturesAt(std::uint32_t frame) {
   for (std::size_t i = 0; i < sources_.size(); ++i) {
     Source& source = sources_[i];
     auto info = source.still ? source.stillInfo : files[i].info;
-    BitmapRef bitmap = source.still ? source.still : bitmapOf(i, std::move(files[i]), pictures.paths[i]);
+    BitmapRef bitmap = source.still ? stillOf(source) : bitmapOf(i, std::move(files[i]), pictures.paths[i]);
     if (!source.pattern) {
       source.still = bitmap;
       source.stillInfo = info;
@@ -73,10 +73,19 @@ InputPictures Inputs::picturesAt(std::uint32_t frame) {
   return pictures;
 }
 
+// A layout has its own.
+SampleType Inputs::workingSample() const {
+  return colors_.needsFloat() && !layout_ ? SampleType::Float : sampleTypeOf(*depth_);
+}
+
+// Floats are needed as soon as a later frame is converted.
+BitmapRef Inputs::stillOf(const Source& source) const {
+  return layout_ ? source.still : inDepth(source.still, workingSample(), source.path);
+}
+
 BitmapRef Inputs::bitmapOf(std::size_t index, FilePicture file, const std::string& path) {
-  const bool isLight = colors_.needsFloat() && !layout_;
-  const SampleType working = isLight ? SampleType::Float : sampleTypeOf(*depth_);
-  if (MutableBitmapRef converted = colors_.toWorking(index, file, working, path)) {
+  const SampleType working = workingSample();
+  if (MutableBitmapRef converted = colors_.toWorking(index, file, path)) {
     file.bitmap = std::move(converted);
   } else if (file.info->alpha == AlphaKind::Straight) {
     // Premultiplied in fewer bits than they are worked on in, colors would lose most of what they are under a small

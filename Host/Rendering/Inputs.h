@@ -18,7 +18,7 @@ struct InputPictures {
   std::vector<BitmapRef> bitmaps;
   std::vector<std::shared_ptr<const PictureInfo>> infos;  // what their files say
   std::vector<std::string> paths;                         // the files that they came from
-  Depth depth = Depth::Bits8;                             // of what is made of them; light is held in floats
+  Depth depth = Depth::Bits8;                             // of what is made of them, whatever they are held in
 };
 
 // The files that flow into an effect: stills, sequences, or both. A still is read once.
@@ -48,6 +48,8 @@ class Inputs {
     std::shared_ptr<const PictureInfo> stillInfo;
   };
   void decideDepth(const std::vector<FilePicture>& files);
+  SampleType workingSample() const;
+  BitmapRef stillOf(const Source& source) const;
   BitmapRef bitmapOf(std::size_t index, FilePicture file, const std::string& path);
 
   std::vector<Source> sources_;

@@ -208,6 +208,56 @@ TEST_F(Colors, WhatLiesOutsideIsClippedAndCounted) {
   EXPECT_FALSE(iccProfileOf(at("p3.tif")).empty()) << "readers would take it for sRGB";
 }
 
+// Wherever integers are made, converted to the file's space there, before or never.
+TEST_F(Colors, ClippingIsSaidOnEveryWay) {
+  const auto said = [](const std::string& text) {
+    const std::size_t begin = text.rfind("vorto: ");
+    return text.find("clipped") == std::string::npos ? "" : text.substr(begin + 7, text.size() - begin - 8);
+  };
+  writeTagged(at("wide.png"), flatImage(2, 1, {0, 255, 0, 255}), profileBytes(wideProfile()));
+  writeExr(at("light.exr"), TestImage{4, 1, 32, {2, 0, 0, 1, INFINITY, 0, 0, 1, 0.6, 0.1, 0, 0.5, 0.1, 0.1, 0.1, 0.5}});
+  writePng(at("black.png"), flatImage(4, 1, {0, 0, 0, 255}));
+  const struct {
+    Words inputs, options;
+    std::string output, said, effect = "Levels";
+  } rows[] = {
+      {{"wide.png"}, {"--working-space", "sRGB"}, "a.png", "2 pixels of the result lie outside sRGB and were clipped"},
+      {{"light.exr"}, {}, "b.png", "3 pixels of the result lie outside sRGB and were clipped"},
+      {{"light.exr"}, {}, "b.jpg", "2 pixels of the result lie outside sRGB and were clipped"},
+      {{"light.exr"},
+       {"--working-space", "sRGB", "--depth", "float"},
+       "c.png",
+       "3 pixels of the result lie outside sRGB and were clipped"},
+      {{"light.exr"},
+       {"--working-space", "raw"},
+       "d.png",
+       "3 pixels of the result lie outside 0 to 1 and were clipped"},
+      {{"black.png", "light.exr"}, {}, "e.png", "2 pixels of the result lie outside sRGB and were clipped", "Over"},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(said(say(row.inputs, row.output, row.options, {}, row.effect)), row.said) << row.output;
+  }
+  EXPECT_EQ(readImage(at("b.png")).pixel(2, 0)[0], 65535);
+}
+
+TEST_F(Colors, AWayThroughAnotherSpaceCostsAtMostAUnit) {
+  for (const int bits : {8, 16}) {
+    const double full = bits == 8 ? 255 : 65535;
+    TestImage image = grays(bits);
+    for (int i = 0; i < 256; ++i) {
+      const auto value = [&](int shift) { return std::round((i >> shift) % 8 * full / 7); };
+      image.samples.insert(image.samples.end(), {value(0), value(3), std::round((i >> 6) * full / 3), full});
+    }
+    image.height = 2;
+    writePng(at("in.png"), image);
+    for (const std::string space : {"Display P3", "Rec.2020", "ACEScg"}) {
+      const std::string said = say({"in.png"}, "out.png", {"--working-space", space, "--output-space", "sRGB"});
+      EXPECT_EQ(said.find("clipped"), std::string::npos) << said;
+      EXPECT_LE(farthest(readImage(at("out.png")), image), bits == 8 ? 0 : 1) << space;
+    }
+  }
+}
+
 TEST_F(Colors, ProfilesThatCannotBeUsedCountAsNone) {
   auto cut = profileBytes(wideProfile());
   cut.resize(cut.size() / 2);

@@ -3,11 +3,15 @@
 #include "Host/Color/ColorModuleLoader.h"
 #include "Host/Color/KnownSpaces.h"
 #include "Host/Messages/Failure.h"
+#include "Host/Pixels/Bitmaps.h"
+#include "Host/Pixels/OutputRows.h"
+#include "TarnCore/TCBitmap.h"
 #include "Tests/Host/IccProfiles.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 
@@ -38,9 +42,8 @@ host::ColorModule& ownModule() {
 std::vector<float> converted(std::vector<float> samples, const ColorSpace& from, const ColorSpace& to,
                              host::ColorModule& module = ownModule()) {
   ColorConversion conversion(module, from, to);
-  auto* bytes = reinterpret_cast<std::byte*>(samples.data());
-  const PixelFormat floats{SampleType::Float, AlphaKind::Straight};
-  conversion.convert(bytes, floats, bytes, floats, samples.size() / 4);
+  const auto* bytes = reinterpret_cast<const std::byte*>(samples.data());
+  conversion.convert(bytes, {SampleType::Float, AlphaKind::Straight}, samples.data(), samples.size() / 4);
   return samples;
 }
 
@@ -84,17 +87,15 @@ int costOfRoundTrip(const std::vector<Sample>& values, const ColorSpace& there, 
   const bool isUpright =
       there.curve.kind == host::TransferCurve::Kind::Power || there.kind == ColorSpace::Kind::Profile;
   const std::vector<Sample> pixels = colorsOf(values, !isUpright);
-  std::vector<Sample> back(pixels.size());
-  std::vector<float> light(pixels.size());
-  const std::size_t count = pixels.size() / 4;
-  auto* floats = reinterpret_cast<std::byte*>(light.data());
+  const auto count = static_cast<std::uint32_t>(pixels.size() / 4);
+  const auto floats = host::newBitmap(count, 1, host::formatCodeOf(SampleType::Float), "test");
   ColorConversion(ownModule(), there, between)
-      .convert(reinterpret_cast<const std::byte*>(pixels.data()), {type, AlphaKind::None}, floats,
-               {SampleType::Float, AlphaKind::Premultiplied}, count);
-  const auto cut = ColorConversion(ownModule(), between, there)
-                       .convert(floats, {SampleType::Float, AlphaKind::Premultiplied},
-                                reinterpret_cast<std::byte*>(back.data()), {type, AlphaKind::Straight}, count);
-  EXPECT_EQ(cut, 0u);
+      .convert(reinterpret_cast<const std::byte*>(pixels.data()), {type, AlphaKind::None},
+               reinterpret_cast<float*>(floats->data), count);
+  ColorConversion toThere(ownModule(), between, there);
+  host::OutputRows rows(*floats, {type, host::Channels::RGBA, AlphaKind::Straight, true, &toThere});
+  const auto* const back = reinterpret_cast<const Sample*>(rows.row(0));
+  EXPECT_EQ(rows.clippedPixels(), 0u);
   int most = 0;
   for (std::size_t i = 0; i < pixels.size(); ++i) most = std::max(most, std::abs(pixels[i] - back[i]));
   return most;
@@ -278,19 +279,42 @@ TEST(ColorModule, TakesTheUsersConfiguration) {
 
 TEST(ColorConversion, TakesAlphaOffAndPutsItBack) {
   ColorConversion toLight(ownModule(), known(KnownSpace::SRgb), known(KnownSpace::LinearRec709));
-  const std::vector<float> premultiplied{0.25f, 0.1f, 0, 0.5f, 0.3f, 0.2f, 0.1f, 0, 0.8f, 0.4f, 0.2f, 1};
-  std::vector<float> result(premultiplied.size());
-  const PixelFormat floats{SampleType::Float, AlphaKind::Premultiplied};
-  toLight.convert(reinterpret_cast<const std::byte*>(premultiplied.data()), floats,
-                  reinterpret_cast<std::byte*>(result.data()), floats, 3);
+  // Light without alpha shines.
+  std::vector<float> result{0.25f, 0.1f, 0, 0.5f, 0.3f, 0.2f, 0.1f, 0, 0.8f, 0.4f, 0.2f, 1, 0.5f, 0, 0, 1e-30f};
+  toLight.convertRow(reinterpret_cast<const std::byte*>(result.data()), SampleType::Float, result.data(), 4);
   EXPECT_NEAR(result[0], 0.5 * sRgbLight(0.5), 1e-6);
+  EXPECT_NEAR(result[4], sRgbLight(0.3), 1e-6);
   EXPECT_NEAR(result[8], sRgbLight(0.8), 1e-6);
-  EXPECT_EQ(std::vector<float>(result.begin() + 4, result.begin() + 8), (std::vector<float>{0.3f, 0.2f, 0.1f, 0}));
+  EXPECT_NEAR(result[12], sRgbLight(0.5), 1e-6) << "not an infinite color";
   EXPECT_EQ(result[3], 0.5f);
   // Straight colors under no alpha vanish when they are premultiplied.
   const std::uint8_t straight[] = {200, 100, 50, 0, 255, 188, 0, 128};
-  toLight.convert(reinterpret_cast<const std::byte*>(straight), {SampleType::UInt8, AlphaKind::Straight},
-                  reinterpret_cast<std::byte*>(result.data()), floats, 2);
+  toLight.convert(reinterpret_cast<const std::byte*>(straight), {SampleType::UInt8, AlphaKind::Straight}, result.data(),
+                  2);
   EXPECT_EQ(std::vector<float>(result.begin(), result.begin() + 4), (std::vector<float>{0, 0, 0, 0}));
   EXPECT_NEAR(result[5], sRgbLight(188 / 255.0) * 128 / 255, 1e-6);
+}
+
+TEST(OutputRows, ColorsAreLimitedWithoutTheirAlphaAndCounted) {
+  const std::vector<float> pixels{0.6f, 0.1f, 0, 0.5f, 0.25f, 0.25f, 0.25f, 0.5f, 1.5f, 0, 0, 1, 0.3f, 0, 0, 0};
+  const struct {
+    AlphaKind alpha;
+    bool isRoundedStraight;
+    std::uint64_t clipped;
+    std::vector<int> bytes;
+  } rows[] = {
+      {AlphaKind::Straight, true, 3, {255, 51, 0, 128, 128, 128, 128, 128, 255, 0, 0, 255, 0, 0, 0, 0}},
+      {AlphaKind::Straight, false, 3, {255, 52, 0, 128, 128, 128, 128, 128, 255, 0, 0, 255, 0, 0, 0, 0}},
+      {AlphaKind::Premultiplied, true, 3, {128, 26, 0, 128, 64, 64, 64, 128, 255, 0, 0, 255, 0, 0, 0, 0}},
+      {AlphaKind::Premultiplied, false, 1, {153, 26, 0, 128, 64, 64, 64, 128, 255, 0, 0, 255, 77, 0, 0, 0}},
+      {AlphaKind::None, true, 1, {153, 26, 0, 128, 64, 64, 64, 128, 255, 0, 0, 255, 77, 0, 0, 0}},
+  };
+  const auto bitmap = host::newBitmap(4, 1, host::formatCodeOf(SampleType::Float), "test");
+  std::memcpy(bitmap->data, pixels.data(), pixels.size() * sizeof(float));
+  for (const auto& row : rows) {
+    host::OutputRows made(*bitmap, {SampleType::UInt8, host::Channels::RGBA, row.alpha, row.isRoundedStraight});
+    const auto* const bytes = reinterpret_cast<const std::uint8_t*>(made.row(0));
+    EXPECT_EQ(std::vector<int>(bytes, bytes + 16), row.bytes) << static_cast<int>(row.alpha);
+    EXPECT_EQ(made.clippedPixels(), row.clipped) << static_cast<int>(row.alpha) << row.isRoundedStraight;
+  }
 }

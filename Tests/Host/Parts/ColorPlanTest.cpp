@@ -216,16 +216,16 @@ TEST(ColorPlan, InputsMeetInOneSpace) {
       {"wide", "", "profile Wide: s"},
       {"wide wide", "", "profile Wide: ss"},
       {"plain chunks", "", "assumed sRGB: ss"},
-      {"plain light", "", "assumed sRGB: sc",
+      {"plain light", "", "assumed sRGB: sc float",
        "warning: the inputs are in different color spaces, and not all say in which: plain is taken as sRGB, light is "
        "taken as Linear Rec.709; --input-space FILE=NAME says otherwise\n"
        "light is converted from Linear Rec.709 (assumed) to sRGB"},
-      {"wide p3", "", "profile Wide: sc", "p3 is converted from Display P3 to the profile \"Wide\""},
+      {"wide p3", "", "profile Wide: sc float", "p3 is converted from Display P3 to the profile \"Wide\""},
       {"plain", "toldAces", "ACEScg: c float", "plain is converted from sRGB (assumed) to ACEScg"},
       {"p3 light", "raw", "raw: ss"},
       {"p3 raw", "", "Display P3: ss"},
       {"light", "", "assumed Linear Rec.709: s float"},
-      {"gray", "", "assumed sRGB: c", "gray is converted from the profile \"Gray\" to sRGB"},
+      {"gray", "", "assumed sRGB: c float", "gray is converted from the profile \"Gray\" to sRGB"},
   };
   for (const auto& row : rows) {
     const host::InputPlan plan = host::planInputs(inputs(row.inputs), wish(row.wanted));
