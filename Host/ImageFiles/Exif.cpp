@@ -18,6 +18,14 @@ constexpr std::size_t kInlineSize = 4;  // values of no more bytes stand in thei
 
 constexpr std::uint16_t kOrientationTag = 0x0112;
 
+struct SizeTags {
+  ExifDirectory directory;
+  std::uint16_t width;
+  std::uint16_t height;
+};
+constexpr std::array<SizeTags, 2> kSizeTags{
+    {{ExifDirectory::Image, 0x0100, 0x0101}, {ExifDirectory::Photo, 0xA002, 0xA003}}};
+
 // The entry that says where a directory lies, and the directory that it stands in.
 struct Pointer {
   ExifDirectory from;
@@ -218,6 +226,30 @@ std::vector<Range> thumbnailRanges(BlockReader& reader, std::uint64_t at) {
     return range.offset > reader.size() || range.size > reader.size() - range.offset;
   });
   return ranges;
+}
+
+// Where a directory's entries of a tag lie. Programs differ in which of several counts.
+std::vector<std::uint64_t> entriesAt(BlockReader& reader, const Directory& directory, std::uint16_t tag) {
+  std::vector<std::uint64_t> places;
+  const std::uint64_t end = directory.range.end();
+  for (std::uint64_t at = directory.range.offset + 2; at + kEntrySize < end; at += kEntrySize) {
+    if (reader.number(at, 2) == tag) places.push_back(at);
+  }
+  return places;
+}
+
+// Makes an entry hold one number, of Short or Long.
+void putNumber(std::uint64_t entry, ExifType type, std::uint32_t number, bool isBigEndian, Bytes* block) {
+  const auto put = [&](std::uint64_t at, std::uint32_t value, unsigned size) {
+    for (unsigned i = 0; i < size; ++i) {
+      (*block)[at + i] = static_cast<std::uint8_t>(value >> (8 * (isBigEndian ? size - 1 - i : i)));
+    }
+  };
+  const auto size = static_cast<unsigned>(exifTypeSize(type));
+  put(entry + 2, static_cast<std::uint32_t>(type), 2);
+  put(entry + 4, 1, 4);
+  put(entry + 8, 0, 4);
+  put(entry + 8, number, size);
 }
 
 bool isBefore(const ExifEntry& left, const ExifEntry& right) {
@@ -427,12 +459,24 @@ Bytes uprightExif(std::span<const std::uint8_t> block) {
 
   const Directory& image = layout.directory(ExifDirectory::Image);
   std::fill_n(at(image.range.end() - 4), 4, std::uint8_t{0});
-  if (const Field* field = orientationField(image)) {
-    const auto first = at(field->value.offset);
-    std::fill_n(first, field->value.size, std::uint8_t{0});
-    *(layout.reader().isBigEndian() ? first + static_cast<std::ptrdiff_t>(field->value.size) - 1 : first) = 1;
+  for (const std::uint64_t entry : entriesAt(layout.reader(), image, kOrientationTag)) {
+    putNumber(entry, ExifType::Short, 1, layout.reader().isBigEndian(), &upright);
   }
   return upright;
+}
+
+Bytes exifOfSize(std::span<const std::uint8_t> block, std::uint32_t width, std::uint32_t height) {
+  Layout layout(block);
+  if (!layout.read()) return {};
+  Bytes sized(block.begin(), block.end());
+  for (const SizeTags& tags : kSizeTags) {
+    for (const auto& [tag, size] : {std::pair(tags.width, width), std::pair(tags.height, height)}) {
+      for (const std::uint64_t entry : entriesAt(layout.reader(), layout.directory(tags.directory), tag)) {
+        putNumber(entry, ExifType::Long, size, layout.reader().isBigEndian(), &sized);
+      }
+    }
+  }
+  return sized;
 }
 
 }  // namespace host

@@ -83,4 +83,8 @@ int exifOrientation(std::span<const std::uint8_t> block);
 // lies where it did, so that places in the block that a maker's note holds stay right. Empty for a damaged block.
 Bytes uprightExif(std::span<const std::uint8_t> block);
 
+// The block for a picture of this size: where it tells a size it tells this one. Everything lies where it did; empty
+// for a damaged block.
+Bytes exifOfSize(std::span<const std::uint8_t> block, std::uint32_t width, std::uint32_t height);
+
 }  // namespace host
