@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cmath>
 #include <cstring>
 #include <tuple>
 
@@ -17,6 +18,12 @@ constexpr std::size_t kEntrySize = 12;
 constexpr std::size_t kInlineSize = 4;  // values of no more bytes stand in their entry
 
 constexpr std::uint16_t kOrientationTag = 0x0112;
+
+constexpr std::uint16_t kResolutionTags[] = {0x011A, 0x011B};
+constexpr std::uint16_t kResolutionUnitTag = 0x0128;
+constexpr double kNoUnit = 1;
+constexpr double kInchUnit = 2;
+constexpr double kCentimeterUnit = 3;
 
 struct SizeTags {
   ExifDirectory directory;
@@ -440,6 +447,20 @@ int exifOrientation(std::span<const std::uint8_t> block) {
   const Field* field = orientationField(image);
   if (field == nullptr) return 1;
   return validOrientation(reader.number(field->value.offset, static_cast<unsigned>(field->value.size)));
+}
+
+void takeExifResolution(std::span<const std::uint8_t> bytes, FileMetadata* metadata) {
+  if (metadata->resolution || metadata->pixelAspect) return;
+  const auto block = ExifBlock::parse(bytes);
+  if (!block) return;
+  const double x = block->number(ExifDirectory::Image, kResolutionTags[0]).value_or(0);
+  const double y = block->number(ExifDirectory::Image, kResolutionTags[1]).value_or(0);
+  const double unit = block->number(ExifDirectory::Image, kResolutionUnitTag).value_or(kInchUnit);
+  if (!std::isfinite(x) || !std::isfinite(y) || x <= 0 || y <= 0) return;
+  if (unit == kInchUnit) metadata->resolution = Resolution{x, y, Resolution::Unit::Inch};
+  if (unit == kCentimeterUnit) metadata->resolution = Resolution{x, y, Resolution::Unit::Centimeter};
+  const bool isKnown = unit == kNoUnit || metadata->resolution;
+  if (isKnown && x != y) metadata->pixelAspect = y / x;
 }
 
 Bytes uprightExif(std::span<const std::uint8_t> block) {
