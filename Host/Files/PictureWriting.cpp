@@ -4,6 +4,7 @@
 #include "Host/Files/FileFormat.h"
 #include "Host/Files/ImageFileLoader.h"
 #include "Host/Files/OutputFile.h"
+#include "Host/ImageFiles/Exif.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Messages/StandardOutput.h"
 #include "Host/Pixels/Alpha.h"
@@ -33,14 +34,16 @@ WriteRequest requestFor(FileFormat format, const OutputPicture& picture, const W
   request.depth = storedDepth(format, picture.depth);
   request.sample = sampleTypeOf(request.depth);
   request.alpha = hasAlpha(request.channels) ? traits.alpha : AlphaKind::None;
-  request.metadata = &picture.metadata;
   request.settings = settings;
   return request;
 }
 
 bool encode(FileFormat format, const OutputPicture& picture, const WriteSettings& settings, OutputBytes& output,
             std::uint64_t* clipped, std::string* reason) {
-  const WriteRequest request = requestFor(format, picture, settings);
+  WriteRequest request = requestFor(format, picture, settings);
+  FileMetadata metadata = picture.metadata;
+  metadata.exif = exifOfSize(metadata.exif, request.width, request.height);
+  request.metadata = &metadata;
   OutputRows rows = rowsOf(picture, request.sample, request.channels, request.alpha);
   const bool isWritten = imageFileModule(format).write(request, rows, output, reason);
   *clipped = rows.clippedPixels();

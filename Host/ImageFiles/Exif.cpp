@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cmath>
 #include <cstring>
 #include <tuple>
 
@@ -17,6 +18,20 @@ constexpr std::size_t kEntrySize = 12;
 constexpr std::size_t kInlineSize = 4;  // values of no more bytes stand in their entry
 
 constexpr std::uint16_t kOrientationTag = 0x0112;
+
+constexpr std::uint16_t kResolutionTags[] = {0x011A, 0x011B};
+constexpr std::uint16_t kResolutionUnitTag = 0x0128;
+constexpr double kNoUnit = 1;
+constexpr double kInchUnit = 2;
+constexpr double kCentimeterUnit = 3;
+
+struct SizeTags {
+  ExifDirectory directory;
+  std::uint16_t width;
+  std::uint16_t height;
+};
+constexpr std::array<SizeTags, 2> kSizeTags{
+    {{ExifDirectory::Image, 0x0100, 0x0101}, {ExifDirectory::Photo, 0xA002, 0xA003}}};
 
 // The entry that says where a directory lies, and the directory that it stands in.
 struct Pointer {
@@ -220,6 +235,30 @@ std::vector<Range> thumbnailRanges(BlockReader& reader, std::uint64_t at) {
   return ranges;
 }
 
+// Where a directory's entries of a tag lie. Programs differ in which of several counts.
+std::vector<std::uint64_t> entriesAt(BlockReader& reader, const Directory& directory, std::uint16_t tag) {
+  std::vector<std::uint64_t> places;
+  const std::uint64_t end = directory.range.end();
+  for (std::uint64_t at = directory.range.offset + 2; at + kEntrySize < end; at += kEntrySize) {
+    if (reader.number(at, 2) == tag) places.push_back(at);
+  }
+  return places;
+}
+
+// Makes an entry hold one number, of Short or Long.
+void putNumber(std::uint64_t entry, ExifType type, std::uint32_t number, bool isBigEndian, Bytes* block) {
+  const auto put = [&](std::uint64_t at, std::uint32_t value, unsigned size) {
+    for (unsigned i = 0; i < size; ++i) {
+      (*block)[at + i] = static_cast<std::uint8_t>(value >> (8 * (isBigEndian ? size - 1 - i : i)));
+    }
+  };
+  const auto size = static_cast<unsigned>(exifTypeSize(type));
+  put(entry + 2, static_cast<std::uint32_t>(type), 2);
+  put(entry + 4, 1, 4);
+  put(entry + 8, 0, 4);
+  put(entry + 8, number, size);
+}
+
 bool isBefore(const ExifEntry& left, const ExifEntry& right) {
   return std::tie(left.directory, left.tag) < std::tie(right.directory, right.tag);
 }
@@ -410,6 +449,20 @@ int exifOrientation(std::span<const std::uint8_t> block) {
   return validOrientation(reader.number(field->value.offset, static_cast<unsigned>(field->value.size)));
 }
 
+void takeExifResolution(std::span<const std::uint8_t> bytes, FileMetadata* metadata) {
+  if (metadata->resolution || metadata->pixelAspect) return;
+  const auto block = ExifBlock::parse(bytes);
+  if (!block) return;
+  const double x = block->number(ExifDirectory::Image, kResolutionTags[0]).value_or(0);
+  const double y = block->number(ExifDirectory::Image, kResolutionTags[1]).value_or(0);
+  const double unit = block->number(ExifDirectory::Image, kResolutionUnitTag).value_or(kInchUnit);
+  if (!std::isfinite(x) || !std::isfinite(y) || x <= 0 || y <= 0) return;
+  if (unit == kInchUnit) metadata->resolution = Resolution{x, y, Resolution::Unit::Inch};
+  if (unit == kCentimeterUnit) metadata->resolution = Resolution{x, y, Resolution::Unit::Centimeter};
+  const bool isKnown = unit == kNoUnit || metadata->resolution;
+  if (isKnown && x != y) metadata->pixelAspect = y / x;
+}
+
 Bytes uprightExif(std::span<const std::uint8_t> block) {
   Layout layout(block);
   if (!layout.read()) return {};
@@ -427,12 +480,24 @@ Bytes uprightExif(std::span<const std::uint8_t> block) {
 
   const Directory& image = layout.directory(ExifDirectory::Image);
   std::fill_n(at(image.range.end() - 4), 4, std::uint8_t{0});
-  if (const Field* field = orientationField(image)) {
-    const auto first = at(field->value.offset);
-    std::fill_n(first, field->value.size, std::uint8_t{0});
-    *(layout.reader().isBigEndian() ? first + static_cast<std::ptrdiff_t>(field->value.size) - 1 : first) = 1;
+  for (const std::uint64_t entry : entriesAt(layout.reader(), image, kOrientationTag)) {
+    putNumber(entry, ExifType::Short, 1, layout.reader().isBigEndian(), &upright);
   }
   return upright;
+}
+
+Bytes exifOfSize(std::span<const std::uint8_t> block, std::uint32_t width, std::uint32_t height) {
+  Layout layout(block);
+  if (!layout.read()) return {};
+  Bytes sized(block.begin(), block.end());
+  for (const SizeTags& tags : kSizeTags) {
+    for (const auto& [tag, size] : {std::pair(tags.width, width), std::pair(tags.height, height)}) {
+      for (const std::uint64_t entry : entriesAt(layout.reader(), layout.directory(tags.directory), tag)) {
+        putNumber(entry, ExifType::Long, size, layout.reader().isBigEndian(), &sized);
+      }
+    }
+  }
+  return sized;
 }
 
 }  // namespace host

@@ -79,8 +79,16 @@ class ExifBlock {
 // tell.
 int exifOrientation(std::span<const std::uint8_t> block);
 
+// Takes over the resolution that a block tells, and the pixels' aspect where they are no squares, unless the metadata
+// have either already. Nothing from a damaged block.
+void takeExifResolution(std::span<const std::uint8_t> block, FileMetadata* metadata);
+
 // The block for a picture that was turned upright: the orientation is 1, the thumbnail is gone, and everything else
 // lies where it did, so that places in the block that a maker's note holds stay right. Empty for a damaged block.
 Bytes uprightExif(std::span<const std::uint8_t> block);
+
+// The block for a picture of this size: where it tells a size it tells this one. Everything lies where it did; empty
+// for a damaged block.
+Bytes exifOfSize(std::span<const std::uint8_t> block, std::uint32_t width, std::uint32_t height);
 
 }  // namespace host

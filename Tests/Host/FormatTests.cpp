@@ -201,3 +201,24 @@ TEST(Metadata, LossesAreToldOnceWhenWanted) {
   ASSERT_TRUE(keptCode);
   EXPECT_EQ(static_cast<const unsigned*>(keptCode->data())[0], code[0]);
 }
+
+// A picture that is turned, or scaled, has another size than its camera wrote.
+TEST(Metadata, ExifTellsTheSizeThatIsWritten) {
+  const TemporaryFolder folder;
+  const auto at = [&](const std::string& name) { return folder.path() + "/" + name; };
+  OIIO::ImageSpec spec(40, 24, 3, OIIO::TypeDesc::UINT8);
+  spec.attribute("Orientation", 6);
+  spec.attribute("Exif:PixelXDimension", 40);
+  spec.attribute("Exif:PixelYDimension", 24);
+  const std::vector<std::uint8_t> samples(std::size_t{40} * 24 * 3);
+  const auto output = OIIO::ImageOutput::create(at("in.jpg"));
+  ASSERT_TRUE(output && output->open(at("in.jpg"), spec) &&
+              output->write_image(OIIO::TypeDesc::UINT8, samples.data()) && output->close());
+  const auto run = vorto({"render", "Levels", "--input", at("in.jpg"), "--output", at("out.jpg")});
+  ASSERT_EQ(run.exitCode, 0) << run.err;
+  const auto written = OIIO::ImageInput::open(at("out.jpg"));
+  ASSERT_TRUE(written);
+  EXPECT_EQ(written->spec().width, 24);
+  EXPECT_EQ(written->spec().get_int_attribute("Exif:PixelXDimension"), 24);
+  EXPECT_EQ(written->spec().get_int_attribute("Exif:PixelYDimension"), 40);
+}

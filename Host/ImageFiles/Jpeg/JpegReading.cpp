@@ -131,6 +131,7 @@ class JpegReader : public ImageReader {
       const auto block = data.subspan(sizeof kExifName);
       info_.orientation = exifOrientation(block);
       info_.metadata.exif = uprightExif(block);
+      takeExifResolution(info_.metadata.exif, &info_.metadata);
       return;
     }
   }

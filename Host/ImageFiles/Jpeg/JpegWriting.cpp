@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <exception>
 #include <vector>
 
 namespace host {
@@ -61,6 +62,7 @@ struct Destination {
   jpeg_destination_mgr base{};  // first: the library hands its address back
   OutputBytes* output = nullptr;
   std::uint64_t written = 0;
+  std::exception_ptr thrown;  // by the output
   std::vector<JOCTET> buffer = std::vector<JOCTET>(std::size_t{1} << 16);
 
   explicit Destination(OutputBytes& to) : output(&to) {
@@ -80,8 +82,17 @@ struct Destination {
     base.next_output_byte = buffer.data();
     base.free_in_buffer = buffer.size();
   }
+  // Nothing may be thrown through the library's functions.
+  bool isPut(std::size_t size) {
+    try {
+      return output->write(written, {buffer.data(), size});
+    } catch (...) {
+      thrown = std::current_exception();
+    }
+    return false;
+  }
   void put(j_compress_ptr library, std::size_t size) {
-    if (!output->write(written, {buffer.data(), size})) ERREXIT(library, JERR_FILE_WRITE);
+    if (!isPut(size)) ERREXIT(library, JERR_FILE_WRITE);
     written += size;
     start();
   }
@@ -98,7 +109,9 @@ class JpegWriter {
   ~JpegWriter() { jpeg_destroy_compress(&library_); }
 
   bool write(std::string* reason) {
-    return (start() && writeMarkers() && writeRows()) || NSRefuse(reason, errors_.firstMessage());
+    if (start() && writeMarkers() && writeRows()) return true;
+    if (destination_.thrown) std::rethrow_exception(destination_.thrown);
+    return NSRefuse(reason, errors_.firstMessage());
   }
 
  private:

@@ -55,6 +55,14 @@ Inflated inflateInto(std::span<const std::uint8_t> stream, std::span<std::uint8_
                                                    : Inflated::Damaged;
 }
 
+std::optional<std::size_t> inflateUpTo(std::span<const std::uint8_t> stream, std::span<std::uint8_t> room) {
+  const Decompressor decompressor;
+  std::size_t size = 0;
+  const auto result =
+      libdeflate_zlib_decompress(decompressor.value, stream.data(), stream.size(), room.data(), room.size(), &size);
+  return result == LIBDEFLATE_SUCCESS ? std::optional(size) : std::nullopt;
+}
+
 Bytes deflated(std::span<const std::uint8_t> bytes, int level) {
   const Compressor compressor(level);
   Bytes stream(libdeflate_zlib_compress_bound(compressor.value, bytes.size()));

@@ -82,7 +82,7 @@ std::uint64_t filterWith(PngFilter filter, const std::uint8_t* row, const std::u
 }
 
 constexpr std::size_t kBefore = 16;  // zeros that stand for the pixel left of a row
-constexpr std::size_t kBehind = 16;  // bytes that are computed with, and count for nothing
+constexpr std::size_t kBehind = 16;  // zeros: lanes reach behind a row, and what they make there is in its sum
 
 }  // namespace
 

@@ -5,6 +5,7 @@ namespace host {
 namespace {
 
 constexpr std::uint32_t kLargestSize = 0x7FFFFFFF;
+constexpr std::uint64_t kLargestPicture = std::uint64_t{1} << 48;  // stored bytes; products of sizes may be 2^65
 
 bool isAllowed(unsigned color, unsigned depth) {
   switch (color) {
@@ -51,6 +52,7 @@ std::optional<PngHeader> readPngHeader(const PngChunk& chunk) {
   header.bitDepth = data[8];
   header.color = static_cast<PngColor>(data[9]);
   header.isInterlaced = data[12] == 1;
+  if (header.height > kLargestPicture / (1 + header.rowBytes(header.width))) return std::nullopt;
   return header;
 }
 

@@ -24,7 +24,7 @@ struct PngHeader {
   std::uint64_t rowBytes(std::uint32_t pixels) const { return (std::uint64_t{pixels} * bitsPerPixel() + 7) / 8; }
 };
 
-// Nothing for a header that the format does not allow.
+// Nothing for a header that the format does not allow, or of a picture of more than 2^48 bytes.
 std::optional<PngHeader> readPngHeader(const PngChunk& chunk);
 void appendPngHeader(const PngHeader& header, std::vector<std::uint8_t>* file);
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/ImageFiles/Png/Reading.h"
 
+#include "Host/ImageFiles/Exif.h"
 #include "Host/ImageFiles/Guarded.h"
 #include "Host/ImageFiles/Png/Deflate.h"
 #include "Host/ImageFiles/Png/Filters.h"
@@ -8,6 +9,7 @@
 #include "Host/ImageFiles/Png/Samples.h"
 
 #include <cstring>
+#include <utility>
 
 namespace host {
 namespace {
@@ -24,6 +26,7 @@ class PngReader : public ImageReader {
       return NSRefuse(reason, "it is not a PNG file");
     }
     if (!readChunks(file) || !isEnoughStored()) return NSRefuse(reason, kDamaged);
+    takeExifResolution(info_.metadata.exif, &info_.metadata);
     expander_.emplace(header_, palette_, transparency_);
     info_.width = header_.width;
     info_.height = header_.height;
@@ -83,6 +86,9 @@ class PngReader : public ImageReader {
       case pngType("tRNS"):
         if (parts_.empty() && transparency_.empty() && isTransparency(chunk)) transparency_ = chunk.data;
         return true;
+      case pngType("iCCP"):  // each may be inflated to much: one alone is looked at, also where it is of no use
+        if (std::exchange(hasProfile_, true)) return true;
+        break;
       default:
         break;
     }
@@ -160,11 +166,14 @@ class PngReader : public ImageReader {
     return inflated == Inflated::Whole ? restore(rows.get(), pixels, rowBytes) : inflated;
   }
 
-  // Some programs write a little more than the rows.
+  // Some programs write a little more than the rows. The library inflates a stream whole or not at all; what it does
+  // not touch of the room takes no memory.
   bool readBeginning(std::span<const std::uint8_t> stream, std::byte* pixels, std::size_t rowBytes) const {
     const auto size = static_cast<std::size_t>(inflatedBytes());
-    const Bytes rows = inflated(stream, 2 * size + kLargestExcess);
-    return rows.size() > size && restore(rows.data(), pixels, rowBytes) == Inflated::Whole;
+    const std::size_t room = 2 * size + kLargestExcess;
+    const auto rows = std::make_unique_for_overwrite<std::uint8_t[]>(room);
+    const auto held = inflateUpTo(stream, {rows.get(), room});
+    return held && *held > size && restore(rows.get(), pixels, rowBytes) == Inflated::Whole;
   }
 
   Inflated restore(const std::uint8_t* stored, std::byte* pixels, std::size_t rowBytes) const {
@@ -205,6 +214,7 @@ class PngReader : public ImageReader {
   }
 
   PngHeader header_;
+  bool hasProfile_ = false;
   std::span<const std::uint8_t> palette_;
   std::span<const std::uint8_t> transparency_;
   std::vector<std::span<const std::uint8_t>> parts_;  // of the compressed pixels

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <limits>
 #include <optional>
 
@@ -87,10 +88,16 @@ class DirectoryWriter {
   ByteWriter bytes_;
 };
 
+// How a JPEG holds its components, how well, and of what size: TIFF tells that in fields of its own.
+bool isOnlyForJpeg(const ExifEntry& entry) {
+  constexpr std::uint16_t kTags[] = {0x9101, 0x9102, 0xA002, 0xA003};
+  return entry.directory == ExifDirectory::Photo && std::ranges::find(kTags, entry.tag) != std::end(kTags);
+}
+
 std::vector<Field> fieldsOf(const ExifBlock& block, ExifDirectory directory) {
   std::vector<Field> fields;
   for (const ExifEntry& entry : block.entries()) {
-    if (entry.directory == directory) fields.push_back(fieldOf(entry));
+    if (entry.directory == directory && !isOnlyForJpeg(entry)) fields.push_back(fieldOf(entry));
   }
   return fields;
 }

@@ -95,6 +95,41 @@ TEST_P(ExifTest, UprightKeepsAllPlacesAndDropsTheThumbnail) {
   EXPECT_EQ(exifOrientation(stored), 6);
 }
 
+TEST_P(ExifTest, EveryEntryThatTellsAnOrientationOrASizeIsChanged) {
+  const auto blockOf = [](std::uint32_t width, std::uint32_t height, std::uint32_t orientation) {
+    Writer block(GetParam());
+    block.number(5, 2).entry(0x0100, 4, 1, width).entry(0x0101, 4, 1, height).shortEntry(kOrientation, orientation);
+    block.shortEntry(kOrientation, orientation).entry(0x8769, 4, 1, 74).number(0, 4);
+    block.number(2, 2).entry(0xA002, 4, 1, width).entry(0xA003, 4, 1, height).number(0, 4);
+    return block.bytes;
+  };
+  EXPECT_EQ(uprightExif(blockOf(40, 24, 6)), blockOf(40, 24, 1));
+  EXPECT_EQ(exifOfSize(blockOf(40, 24, 1), 24, 70000), blockOf(24, 70000, 1));
+  EXPECT_EQ(exifOfSize(cameraBlock(GetParam()), 24, 40), cameraBlock(GetParam())) << "it tells no size";
+  EXPECT_TRUE(exifOfSize(Bytes{'M', 'M'}, 1, 1).empty());
+}
+
+TEST_P(ExifTest, ResolutionIsTakenWhereThereIsNone) {
+  const auto takenFrom = [](std::uint32_t unit, std::uint32_t y, FileMetadata metadata = {}) {
+    Writer block(GetParam());
+    block.number(3, 2).entry(0x011A, 5, 1, 50).entry(0x011B, 5, 1, 58).shortEntry(0x0128, unit).number(0, 4);
+    block.number(300, 4).number(2, 4).number(y, 4).number(2, 4);
+    takeExifResolution(block.bytes, &metadata);
+    return metadata;
+  };
+  EXPECT_EQ(takenFrom(2, 300).resolution, (Resolution{150, 150, Resolution::Unit::Inch}));
+  EXPECT_FALSE(takenFrom(2, 300).pixelAspect);
+  EXPECT_EQ(takenFrom(3, 600).resolution, (Resolution{150, 300, Resolution::Unit::Centimeter}));
+  EXPECT_EQ(takenFrom(3, 600).pixelAspect, 2);
+  EXPECT_EQ(takenFrom(1, 600).pixelAspect, 2);
+  FileMetadata known;
+  known.resolution = Resolution{72, 72, Resolution::Unit::Inch};
+  for (const FileMetadata& none : {takenFrom(1, 300), takenFrom(4, 600), takenFrom(2, 0), takenFrom(3, 600, known)}) {
+    EXPECT_FALSE(none.pixelAspect);
+    EXPECT_TRUE(!none.resolution || none == known);
+  }
+}
+
 TEST_P(ExifTest, DamageDropsTheBlockWhole) {
   const Bytes whole = cameraBlock(GetParam());
   for (std::size_t size = 0; size < 102; ++size) {

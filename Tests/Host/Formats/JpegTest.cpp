@@ -133,6 +133,10 @@ TEST(Jpeg, MetadataIsReadAndWritten) {
     metadata.pixelAspect = aspect;
     EXPECT_EQ(readBack().metadata.pixelAspect, aspect);
   }
+  metadata.pixelAspect.reset();
+  metadata.exif = {'M',  'M', 0, 42, 0, 0, 0, 8, 0, 2, 1,  0x1A, 0, 5, 0, 0, 0, 1, 0,   0, 0, 38, 1,
+                   0x1B, 0,   5, 0,  0, 0, 1, 0, 0, 0, 38, 0,    0, 0, 0, 0, 0, 0, 240, 0, 0, 0,  1};
+  EXPECT_EQ(readBack().metadata.resolution, (host::Resolution{240, 240, Unit::Inch})) << "of Exif";
   const auto info = readPicture(jpeg(), fileNamed("jpeg-exif.jpg")).info;
   EXPECT_EQ(info.orientation, 6);
   EXPECT_FALSE(info.metadata.exif.empty());
@@ -149,6 +153,20 @@ TEST(Jpeg, WhatTheFormatCannotHoldIsRefused) {
     makeWrong(&wrong);
     EXPECT_FALSE(writePicture(jpeg(), wrong, std::vector<std::uint8_t>(1024)).isWritten);
   }
+}
+
+TEST(Jpeg, AnOutputThatThrowsIsTold) {
+  struct : host::OutputBytes {
+    bool write(std::uint64_t, std::span<const std::uint8_t>) override { throw std::bad_alloc(); }
+    std::size_t read(std::uint64_t, std::span<std::uint8_t>) override { return 0; }
+  } output;
+  struct : host::PixelRows {
+    const std::byte* row(std::uint32_t) override { return samples; }
+    std::byte samples[24] = {};
+  } rows;
+  std::string reason;
+  EXPECT_FALSE(jpeg().write(requestFor(host::Channels::RGB, 8, 8), rows, output, &reason));
+  EXPECT_EQ(reason, "there is not enough memory for it");
 }
 
 TEST(Jpeg, DamageIsHarmless) {

@@ -228,6 +228,9 @@ TEST(Png, MetadataIsRead) {
   EXPECT_TRUE(late.isRead);
   EXPECT_FALSE(late.info.metadata.color.sRGBIntent);
   EXPECT_EQ(late.info.orientation, 6);
+  const auto repeated =
+      readPicture(png(), fileWith(kind, pixels, {{"iCCP", {'n', 0, 0}}, {"iCCP", compressedProfile}}));
+  EXPECT_TRUE(repeated.info.metadata.color.iccProfile.empty()) << "one chunk is inflated, however many there are";
   const auto aspect = readPicture(png(), fileWith(kind, pixels, {{"pHYs", {0, 0, 0, 15, 0, 0, 0, 16, 0}}})).info;
   EXPECT_EQ(aspect.metadata.pixelAspect, 16.0 / 15);
   EXPECT_FALSE(aspect.metadata.resolution);
@@ -242,6 +245,7 @@ TEST(Png, WhatIsNoneIsRefused) {
   unknownFilter[13] = 5;
   Kind huge = kind;
   huge.width = huge.height = 30000;
+  const Kind wrapping{6, 16, 1073753409, 2147460478};  // 2^64 bytes, and 64,878
   Kind none = kind;
   none.height = 0;
   Kind depth = kind;
@@ -252,6 +256,7 @@ TEST(Png, WhatIsNoneIsRefused) {
       {"too few bytes", fileWith(kind, stored(shorter))},
       {"a filter that does not exist", fileWith(kind, stored(unknownFilter))},
       {"more than the bytes can hold", fileWith(huge, stored(rows))},
+      {"more than 64 bits can count", fileWith(wrapping, stored(Bytes(100)))},
       {"no rows", fileWith(none, stored(rows))},
       {"a depth that colors do not have", fileWith(depth, stored(rows))},
       {"no palette", fileWith(palette, stored(rows))},

@@ -416,16 +416,21 @@ TEST(Tiff, IsWrittenWithItsMetadata) {
   block->set({ExifDirectory::Photo, 0x829A, ExifType::Rational, {1, 0, 0, 0, 60, 0, 0, 0}});
   block->set({ExifDirectory::Gps, 1, ExifType::Ascii, {'N', 0}});
   block->set({ExifDirectory::Interoperability, 1, ExifType::Ascii, {'R', '9', '8', 0}});
+  const host::Bytes kept = block->serialized();
+  for (const std::uint16_t tag : {0x9101, 0x9102, 0xA002, 0xA003}) {  // that only a JPEG has
+    block->set({ExifDirectory::Photo, tag, ExifType::Undefined, {1, 2, 3, 0}});
+  }
   host::FileMetadata metadata;
   metadata.exif = block->serialized();
-  metadata.color.iccProfile = {9, 8, 7};
+  metadata.color.iccProfile = host::Bytes(128, 9);
+  std::ranges::copy(std::string_view("RGB "), metadata.color.iccProfile.begin() + 16);
   metadata.resolution = host::Resolution{300, 299.9994, host::Resolution::Unit::Inch};
   host::WriteRequest request = requestFor(host::Channels::RGB, host::SampleType::UInt8, host::Depth::Bits8);
   request.metadata = &metadata;
   const WrittenPicture written = write(request, bytesFor(request));
   const ReadPicture read = readPicture(tiffModule(), written.file);
   ASSERT_TRUE(read.isRead) << read.reason;
-  EXPECT_EQ(read.info.metadata.exif, metadata.exif);
+  EXPECT_EQ(read.info.metadata.exif, kept);
   EXPECT_EQ(read.info.metadata.color, metadata.color);
   ASSERT_TRUE(read.info.metadata.resolution.has_value());
   EXPECT_NEAR(read.info.metadata.resolution->y, 299.9994, 1e-9);
