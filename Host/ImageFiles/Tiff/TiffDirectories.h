@@ -3,6 +3,7 @@
 
 #include "Host/ImageFiles/Exif.h"
 #include "Host/ImageFiles/FileMetadata.h"
+#include "Host/ImageFiles/PictureTypes.h"
 
 #include <cstdint>
 #include <vector>
