@@ -17,6 +17,9 @@ constexpr std::size_t kEntrySize = 12;
 constexpr std::size_t kInlineSize = 4;  // values of no more bytes stand in their entry
 
 constexpr std::uint16_t kOrientationTag = 0x0112;
+constexpr std::uint16_t kColorSpaceTag = 0xA001;
+constexpr std::uint16_t kSRgbColors = 1;
+constexpr std::uint16_t kUncalibratedColors = 0xFFFF;
 
 // The entry that says where a directory lies, and the directory that it stands in.
 struct Pointer {
@@ -220,6 +223,52 @@ std::vector<Range> thumbnailRanges(BlockReader& reader, std::uint64_t at) {
   return ranges;
 }
 
+// What an entry says of colors holds for one space only: TransferFunction, WhitePoint, PrimaryChromaticities, an ICC
+// profile, Gamma, InteroperabilityIndex.
+bool isOfOneSpace(ExifDirectory directory, std::uint64_t tag) {
+  switch (directory) {
+    case ExifDirectory::Image:
+      return tag == 0x012D || tag == 0x013E || tag == 0x013F || tag == 0x8773;
+    case ExifDirectory::Photo:
+      return tag == 0xA500;
+    case ExifDirectory::Interoperability:
+      return tag == 0x0001;
+    case ExifDirectory::Gps:
+      break;
+  }
+  return false;
+}
+
+void putNumber(std::uint8_t* at, std::uint64_t value, unsigned size, bool isBigEndian) {
+  for (unsigned i = 0; i < size; ++i) {
+    const unsigned significance = isBigEndian ? size - 1 - i : i;
+    at[i] = static_cast<std::uint8_t>(value >> (8 * significance));
+  }
+}
+
+// Entries behind one that goes move up; the place of the next directory follows them.
+void recolorDirectory(BlockReader& reader, ExifDirectory which, const Range& range, std::uint16_t colors,
+                      Bytes* block) {
+  std::uint64_t kept = 0;
+  auto to = block->begin() + static_cast<std::ptrdiff_t>(range.offset + 2);
+  for (std::uint64_t from = range.offset + 2; from + kEntrySize < range.end(); from += kEntrySize) {
+    const std::uint64_t tag = reader.number(from, 2);
+    if (isOfOneSpace(which, tag)) continue;
+    const auto entry = to;
+    to = std::copy_n(block->begin() + static_cast<std::ptrdiff_t>(from), kEntrySize, to);
+    ++kept;
+    if (which != ExifDirectory::Photo || tag != kColorSpaceTag) continue;
+    putNumber(&entry[2], static_cast<std::uint64_t>(ExifType::Short), 2, reader.isBigEndian());
+    putNumber(&entry[4], 1, 4, reader.isBigEndian());
+    putNumber(&entry[8], colors, 2, reader.isBigEndian());
+    putNumber(&entry[10], 0, 2, reader.isBigEndian());
+  }
+  const auto end = block->begin() + static_cast<std::ptrdiff_t>(range.end());
+  to = std::copy_n(end - 4, 4, to);
+  std::fill(to, end, std::uint8_t{0});
+  putNumber(&(*block)[range.offset], kept, 2, reader.isBigEndian());
+}
+
 bool isBefore(const ExifEntry& left, const ExifEntry& right) {
   return std::tie(left.directory, left.tag) < std::tie(right.directory, right.tag);
 }
@@ -268,12 +317,7 @@ class BlockWriter {
   Bytes take() { return std::move(block_); }
 
  private:
-  void put(std::size_t at, std::uint64_t value, unsigned size) {
-    for (unsigned i = 0; i < size; ++i) {
-      const unsigned significance = isBigEndian_ ? size - 1 - i : i;
-      block_[at + i] = static_cast<std::uint8_t>(value >> (8 * significance));
-    }
-  }
+  void put(std::size_t at, std::uint64_t value, unsigned size) { putNumber(&block_[at], value, size, isBigEndian_); }
   void append(std::uint64_t value, unsigned size) {
     block_.resize(block_.size() + size);
     put(block_.size() - size, value, size);
@@ -433,6 +477,19 @@ Bytes uprightExif(std::span<const std::uint8_t> block) {
     *(layout.reader().isBigEndian() ? first + static_cast<std::ptrdiff_t>(field->value.size) - 1 : first) = 1;
   }
   return upright;
+}
+
+Bytes recoloredExif(std::span<const std::uint8_t> block, bool isSRgb) {
+  Layout layout(block);
+  if (!layout.read()) return {};
+  Bytes recolored(block.begin(), block.end());
+  const std::uint16_t colors = isSRgb ? kSRgbColors : kUncalibratedColors;
+  for (const ExifDirectory which : {ExifDirectory::Image, ExifDirectory::Photo, ExifDirectory::Interoperability}) {
+    const Range& range = layout.directory(which).range;
+    if (range.size > 0) recolorDirectory(layout.reader(), which, range, colors, &recolored);
+  }
+  // Directories that lie across each other may not have stood it.
+  return Layout(recolored).read() ? recolored : Bytes();
 }
 
 }  // namespace host

@@ -83,4 +83,9 @@ int exifOrientation(std::span<const std::uint8_t> block);
 // lies where it did, so that places in the block that a maker's note holds stay right. Empty for a damaged block.
 Bytes uprightExif(std::span<const std::uint8_t> block);
 
+// The block for a picture whose colors were converted: white point, primaries, transfer function, gamma, a profile and
+// the interoperability index are gone, and a color space that it states is sRGB or, of any other, uncalibrated. All
+// values lie where they did. Empty for a damaged block.
+Bytes recoloredExif(std::span<const std::uint8_t> block, bool isSRgb);
+
 }  // namespace host

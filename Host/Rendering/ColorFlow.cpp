@@ -4,6 +4,7 @@
 #include "Host/Color/BitmapColors.h"
 #include "Host/Color/ColorModuleLoader.h"
 #include "Host/Color/FileSpace.h"
+#include "Host/Color/FormerSpace.h"
 #include "Host/Color/OutputTag.h"
 #include "Host/Files/FileFormat.h"
 #include "Host/Messages/Failure.h"
@@ -120,6 +121,9 @@ void ColorFlow::toOutput(OutputPicture& picture, FileFormat format) {
   }
   picture.metadata.color = outputPlan_.tag;
   fitProfile(picture);
+  if (!isSpaceOfFirst(outputPlan_.space, plan_.working, inputs_)) {
+    forgetFormerSpace(&picture.metadata, outputPlan_.space);
+  }
   if (!outputPlan_.isConverted) return;
   picture.bitmap = convertedBitmap(*outputConversion_, *picture.bitmap, AlphaKind::Premultiplied, sample, "the result",
                                    sample == SampleType::Float ? nullptr : &cut_);
