@@ -20,10 +20,10 @@ class PictureSink {
               bool isVerbose);
   void write(const OutputPicture& picture, std::uint32_t frame);  // throws Failure
 
-  // Of the files. Frames in a stream count as PNG, raw floats as EXR.
+  // Of the files. Frames in a stream count as PNM, raw floats as PFM, which say nothing of their colors either.
   FileFormat format(Depth depth) const {
     const bool isLight = isRaw_ && (depth == Depth::Half || depth == Depth::Float);
-    return isLight ? FileFormat::Exr : format_;
+    return isLight ? FileFormat::Pfm : format_;
   }
 
  private:
@@ -36,7 +36,7 @@ class PictureSink {
   bool isVerbose_;
   std::optional<FrameStream> stream_;
   bool isRaw_ = false;
-  FileFormat format_ = FileFormat::Png;
+  FileFormat format_ = FileFormat::Pnm;
 };
 
 }  // namespace host

@@ -121,7 +121,11 @@ void ColorFlow::toOutput(OutputPicture& picture, FileFormat format) {
   }
   picture.metadata.color = outputPlan_.tag;
   fitProfile(picture);
-  if (!isSpaceOfFirst(outputPlan_.space, plan_.working, inputs_)) {
+  if (isSpaceOfFirst(outputPlan_.space, plan_.working, inputs_)) {
+    // Other spaces that a file does not state are those that its readers take for granted, or a sentence says it.
+    picture.losesColorTag = plan_.working.kind == ColorSpace::Kind::Raw && inputs_[0].tag != ColorTag() &&
+                            picture.metadata.color == ColorTag();
+  } else {
     forgetFormerSpace(&picture.metadata, outputPlan_.space);
   }
   if (!outputPlan_.isConverted) return;

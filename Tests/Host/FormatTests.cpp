@@ -218,7 +218,8 @@ TEST(Metadata, LossesAreToldOnceWhenWanted) {
                 output->close());
   }
   const auto told = [&](const std::string& out, const Words& options) {
-    Words arguments{"render", "Levels", "--working-space", "raw", "--input", at("in.%d.exr"), "--output", at(out)};
+    Words arguments{"render",  "Levels",        "--working-space", "raw",
+                    "--input", at("in.%d.exr"), "--output",        out == "-" ? out : at(out)};
     arguments.insert(arguments.end(), options.begin(), options.end());
     return vorto(arguments).err;
   };
@@ -226,6 +227,12 @@ TEST(Metadata, LossesAreToldOnceWhenWanted) {
             "vorto: PNG does not hold the time code, the attribute capDate or the attribute shot of the first input\n");
   EXPECT_EQ(told("out.%d.png", {}), "");
   EXPECT_EQ(told("out.%d.exr", {"--verbose"}), "");
+  EXPECT_EQ(told("out.%d.webp", {"--verbose"}),
+            "vorto: WebP does not hold the time code, the attribute capDate or the attribute shot of the first input\n")
+      << "square pixels are all that it knows";
+  EXPECT_EQ(told("-", {"--verbose", "--format", "y4m"}),
+            "vorto: a stream does not hold the time code, the attribute capDate or the attribute shot of the first "
+            "input\n");
   const auto kept = OIIO::ImageInput::open(at("out.2.exr"));
   ASSERT_TRUE(kept);
   EXPECT_EQ(kept->spec().get_string_attribute("shot"), "A 12");

@@ -325,7 +325,8 @@ TEST(Tiff, IsWrittenWithItsMetadata) {
   block->set({ExifDirectory::Interoperability, 1, ExifType::Ascii, {'R', '9', '8', 0}});
   host::FileMetadata metadata;
   metadata.exif = block->serialized();
-  metadata.color.iccProfile = {9, 8, 7};
+  metadata.color.iccProfile = host::Bytes(200, 7);
+  std::memcpy(&metadata.color.iccProfile[16], "RGB ", 4);
   metadata.resolution = host::Resolution{300, 299.9994, host::Resolution::Unit::Inch};
   host::WriteRequest request = requestFor(host::Channels::RGB, host::SampleType::UInt8, host::Depth::Bits8);
   request.metadata = &metadata;
