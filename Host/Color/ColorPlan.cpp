@@ -111,6 +111,13 @@ std::string conversionSentence(const std::string& what, const ColorSpace& from, 
          " to " + spaceText(to);
 }
 
+bool isSpaceOfFirst(const ColorSpace& space, const ColorSpace& working, const std::vector<ColorInput>& inputs) {
+  if (inputs.empty()) return false;
+  const ColorSpace& first = inputs[0].space;
+  if (working.kind == Kind::Raw) return first.kind != Kind::Raw || first.origin != Origin::Told;
+  return first.origin != Origin::Told && isSameSpace(first, space);
+}
+
 std::string foreignProfileSentence(const ColorInput& input) {
   return "the ICC profile of " + input.path + " is left out: it is not for pictures like the result";
 }

@@ -49,6 +49,10 @@ struct ColorOutput {
   bool operator==(const ColorOutput&) const = default;
 };
 
+// Whether a file in the space is in what the first input's file says or was taken to be in; so are values that nobody
+// converted.
+bool isSpaceOfFirst(const ColorSpace& space, const ColorSpace& working, const std::vector<ColorInput>& inputs);
+
 struct OutputPlan {
   ColorSpace space;
   bool isConverted = false;   // the result goes from the working space to it

@@ -39,8 +39,8 @@ PictureSink::PictureSink(const std::string& output, const std::string& format, c
 }
 
 void PictureSink::write(const OutputPicture& picture, std::uint32_t frame) {
-  if (output_ == "-") return print(picture);
   tellOfLosses(picture);
+  if (output_ == "-") return print(picture);
   clipped_ += writePicture(pattern_ ? pattern_->path(frame) : output_, format_, picture, settings_);
 }
 
@@ -48,7 +48,6 @@ void PictureSink::print(const OutputPicture& picture) {
   if (stream_) {
     clipped_ += stream_->write(picture);
   } else {
-    tellOfLosses(picture);
     clipped_ += printPicture(format_, picture, settings_);
   }
   finishStandardOutput();  // whoever reads may have had enough
@@ -58,9 +57,9 @@ void PictureSink::print(const OutputPicture& picture) {
 void PictureSink::tellOfLosses(const OutputPicture& picture) {
   if (!isVerbose_) return;
   isVerbose_ = false;
-  const std::vector<std::string> lost = lostMetadata(format_, picture.metadata);
+  const std::vector<std::string> lost = lostMetadata(stream_ ? std::nullopt : std::optional(format_), picture);
   if (lost.empty()) return;
-  std::fprintf(stderr, "vorto: %s does not hold %s of the first input\n", traitsOf(format_).name,
+  std::fprintf(stderr, "vorto: %s does not hold %s of the first input\n", stream_ ? "a stream" : traitsOf(format_).name,
                joinedNames(lost, " or ").c_str());
 }
 

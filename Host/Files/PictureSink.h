@@ -20,10 +20,10 @@ class PictureSink {
               bool isVerbose);
   void write(const OutputPicture& picture, std::uint32_t frame);  // throws Failure
 
-  // Of the files. Frames in a stream count as PNG, raw floats as EXR.
+  // Of the files. Frames in a stream count as PNM, raw floats as PFM, which say nothing of their colors either.
   FileFormat format(Depth depth) const {
     const bool isLight = isRaw_ && (depth == Depth::Half || depth == Depth::Float);
-    return isLight ? FileFormat::Exr : format_;
+    return isLight ? FileFormat::Pfm : format_;
   }
   // Of how many pixels, of all pictures, the file's integers could not hold the colors.
   std::uint64_t clippedPixels() const { return clipped_; }
@@ -38,7 +38,7 @@ class PictureSink {
   bool isVerbose_;
   std::optional<FrameStream> stream_;
   bool isRaw_ = false;
-  FileFormat format_ = FileFormat::Png;
+  FileFormat format_ = FileFormat::Pnm;
   std::uint64_t clipped_ = 0;
 };
 

@@ -50,21 +50,6 @@ bool encode(FileFormat format, const OutputPicture& picture, const WriteSettings
   return isWritten;
 }
 
-bool holdsColorTag(FileFormat format, const ColorTag& color) {
-  switch (format) {
-    case FileFormat::Png:
-      return true;
-    case FileFormat::Exr:
-      return color.iccProfile.empty();
-    case FileFormat::Jpeg:
-    case FileFormat::Tiff:
-    case FileFormat::WebP:
-      return !color.iccProfile.empty() || color == ColorTag();
-    default:
-      return color == ColorTag();
-  }
-}
-
 }  // namespace
 
 std::optional<Channels> parsedChannels(const std::string& text) {
@@ -111,13 +96,14 @@ std::uint64_t printPicture(FileFormat format, const OutputPicture& picture, cons
   return clipped;
 }
 
-std::vector<std::string> lostMetadata(FileFormat format, const FileMetadata& metadata) {
+std::vector<std::string> lostMetadata(std::optional<FileFormat> format, const OutputPicture& picture) {
+  const FileMetadata& metadata = picture.metadata;
   using enum FileFormat;
   const auto isOneOf = [format](std::initializer_list<FileFormat> formats) {
-    return std::ranges::find(formats, format) != formats.end();
+    return format && std::ranges::find(formats, *format) != formats.end();
   };
   std::vector<std::string> lost;
-  if (!holdsColorTag(format, metadata.color)) lost.emplace_back("the color space");
+  if (picture.losesColorTag) lost.emplace_back("the color space");
   if (!metadata.exif.empty() && !isOneOf({Png, Jpeg, Tiff, WebP})) lost.emplace_back("Exif");
   if (metadata.resolution && !isOneOf({Png, Jpeg, Tiff, Exr})) lost.emplace_back("the resolution");
   if (metadata.pixelAspect && !isOneOf({Png, Jpeg, Tiff, Exr, Dpx})) lost.emplace_back("the pixel aspect ratio");

@@ -19,6 +19,7 @@ struct OutputPicture {
   Depth depth = Depth::Bits8;  // that it was rendered at; what a format cannot hold goes in the next that it can
   Channels channels = Channels::RGBA;  // that it is to have; a format that holds fewer has fewer
   FileMetadata metadata;               // what the format cannot hold is left out
+  bool losesColorTag = false;          // what the first input says of its colors does not go into the file
   bool areChannelsTold = false;        // by the user: gray is not made into colors to hold a profile for colors
   std::shared_ptr<RowColors> colors = nullptr;  // to the file's space; null where the bitmap is in it
   bool isConverted = false;                     // to the file's space or before: integers are made of straight colors
@@ -44,7 +45,8 @@ std::uint64_t printPicture(FileFormat format, const OutputPicture& picture, cons
 // The picture's rows as a file of integers or floats wants them.
 OutputRows rowsOf(const OutputPicture& picture, SampleType sample, Channels channels, AlphaKind alpha);
 
-// What a file of the format does not keep of what the picture's metadata say: "the time code", ...
-std::vector<std::string> lostMetadata(FileFormat format, const FileMetadata& metadata);
+// What a file of the format, or a stream of frames, which is none, does not keep of what the first input says of
+// itself: "the time code", ...
+std::vector<std::string> lostMetadata(std::optional<FileFormat> format, const OutputPicture& picture);
 
 }  // namespace host

@@ -18,6 +18,9 @@ constexpr std::size_t kEntrySize = 12;
 constexpr std::size_t kInlineSize = 4;  // values of no more bytes stand in their entry
 
 constexpr std::uint16_t kOrientationTag = 0x0112;
+constexpr std::uint16_t kColorSpaceTag = 0xA001;
+constexpr std::uint16_t kSRgbColors = 1;
+constexpr std::uint16_t kUncalibratedColors = 0xFFFF;
 
 constexpr std::uint16_t kResolutionTags[] = {0x011A, 0x011B};
 constexpr std::uint16_t kResolutionUnitTag = 0x0128;
@@ -245,18 +248,56 @@ std::vector<std::uint64_t> entriesAt(BlockReader& reader, const Directory& direc
   return places;
 }
 
+void putNumber(std::uint8_t* at, std::uint64_t value, unsigned size, bool isBigEndian) {
+  for (unsigned i = 0; i < size; ++i) {
+    const unsigned significance = isBigEndian ? size - 1 - i : i;
+    at[i] = static_cast<std::uint8_t>(value >> (8 * significance));
+  }
+}
+
 // Makes an entry hold one number, of Short or Long.
-void putNumber(std::uint64_t entry, ExifType type, std::uint32_t number, bool isBigEndian, Bytes* block) {
-  const auto put = [&](std::uint64_t at, std::uint32_t value, unsigned size) {
-    for (unsigned i = 0; i < size; ++i) {
-      (*block)[at + i] = static_cast<std::uint8_t>(value >> (8 * (isBigEndian ? size - 1 - i : i)));
-    }
-  };
-  const auto size = static_cast<unsigned>(exifTypeSize(type));
-  put(entry + 2, static_cast<std::uint32_t>(type), 2);
-  put(entry + 4, 1, 4);
-  put(entry + 8, 0, 4);
-  put(entry + 8, number, size);
+void putEntry(std::uint64_t entry, ExifType type, std::uint32_t number, bool isBigEndian, Bytes* block) {
+  std::uint8_t* const at = &(*block)[entry];
+  putNumber(at + 2, static_cast<std::uint64_t>(type), 2, isBigEndian);
+  putNumber(at + 4, 1, 4, isBigEndian);
+  putNumber(at + 8, 0, 4, isBigEndian);
+  putNumber(at + 8, number, static_cast<unsigned>(exifTypeSize(type)), isBigEndian);
+}
+
+// What an entry says of colors holds for one space only: TransferFunction, WhitePoint, PrimaryChromaticities, an ICC
+// profile, Gamma, InteroperabilityIndex.
+bool isOfOneSpace(ExifDirectory directory, std::uint64_t tag) {
+  switch (directory) {
+    case ExifDirectory::Image:
+      return tag == 0x012D || tag == 0x013E || tag == 0x013F || tag == 0x8773;
+    case ExifDirectory::Photo:
+      return tag == 0xA500;
+    case ExifDirectory::Interoperability:
+      return tag == 0x0001;
+    case ExifDirectory::Gps:
+      break;
+  }
+  return false;
+}
+
+// Entries behind one that goes move up; the place of the next directory follows them.
+void recolorDirectory(BlockReader& reader, ExifDirectory which, const Range& range, std::uint16_t colors,
+                      Bytes* block) {
+  std::uint64_t kept = 0;
+  auto to = block->begin() + static_cast<std::ptrdiff_t>(range.offset + 2);
+  for (std::uint64_t from = range.offset + 2; from + kEntrySize < range.end(); from += kEntrySize) {
+    const std::uint64_t tag = reader.number(from, 2);
+    if (isOfOneSpace(which, tag)) continue;
+    const auto entry = static_cast<std::uint64_t>(to - block->begin());
+    to = std::copy_n(block->begin() + static_cast<std::ptrdiff_t>(from), kEntrySize, to);
+    ++kept;
+    if (which != ExifDirectory::Photo || tag != kColorSpaceTag) continue;
+    putEntry(entry, ExifType::Short, colors, reader.isBigEndian(), block);
+  }
+  const auto end = block->begin() + static_cast<std::ptrdiff_t>(range.end());
+  to = std::copy_n(end - 4, 4, to);
+  std::fill(to, end, std::uint8_t{0});
+  putNumber(&(*block)[range.offset], kept, 2, reader.isBigEndian());
 }
 
 bool isBefore(const ExifEntry& left, const ExifEntry& right) {
@@ -307,12 +348,7 @@ class BlockWriter {
   Bytes take() { return std::move(block_); }
 
  private:
-  void put(std::size_t at, std::uint64_t value, unsigned size) {
-    for (unsigned i = 0; i < size; ++i) {
-      const unsigned significance = isBigEndian_ ? size - 1 - i : i;
-      block_[at + i] = static_cast<std::uint8_t>(value >> (8 * significance));
-    }
-  }
+  void put(std::size_t at, std::uint64_t value, unsigned size) { putNumber(&block_[at], value, size, isBigEndian_); }
   void append(std::uint64_t value, unsigned size) {
     block_.resize(block_.size() + size);
     put(block_.size() - size, value, size);
@@ -493,11 +529,24 @@ Bytes exifOfSize(std::span<const std::uint8_t> block, std::uint32_t width, std::
   for (const SizeTags& tags : kSizeTags) {
     for (const auto& [tag, size] : {std::pair(tags.width, width), std::pair(tags.height, height)}) {
       for (const std::uint64_t entry : entriesAt(layout.reader(), layout.directory(tags.directory), tag)) {
-        putNumber(entry, ExifType::Long, size, layout.reader().isBigEndian(), &sized);
+        putEntry(entry, ExifType::Long, size, layout.reader().isBigEndian(), &sized);
       }
     }
   }
   return sized;
+}
+
+Bytes recoloredExif(std::span<const std::uint8_t> block, bool isSRgb) {
+  Layout layout(block);
+  if (!layout.read()) return {};
+  Bytes recolored(block.begin(), block.end());
+  const std::uint16_t colors = isSRgb ? kSRgbColors : kUncalibratedColors;
+  for (const ExifDirectory which : {ExifDirectory::Image, ExifDirectory::Photo, ExifDirectory::Interoperability}) {
+    const Range& range = layout.directory(which).range;
+    if (range.size > 0) recolorDirectory(layout.reader(), which, range, colors, &recolored);
+  }
+  // Directories that lie across each other may not have stood it.
+  return Layout(recolored).read() ? recolored : Bytes();
 }
 
 }  // namespace host

@@ -91,4 +91,9 @@ Bytes uprightExif(std::span<const std::uint8_t> block);
 // for a damaged block.
 Bytes exifOfSize(std::span<const std::uint8_t> block, std::uint32_t width, std::uint32_t height);
 
+// The block for a picture whose colors were converted: white point, primaries, transfer function, gamma, a profile and
+// the interoperability index are gone, and a color space that it states is sRGB or, of any other, uncalibrated. All
+// values lie where they did. Empty for a damaged block.
+Bytes recoloredExif(std::span<const std::uint8_t> block, bool isSRgb);
+
 }  // namespace host

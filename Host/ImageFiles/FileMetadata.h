@@ -78,7 +78,7 @@ struct FileMetadata {
   // is 1: pictures are read upright.
   Bytes exif;
   std::optional<Resolution> resolution;
-  std::optional<double> pixelAspect;  // width of a pixel by its height; nothing where the file does not tell
+  std::optional<double> pixelAspect;  // width of a pixel by its height; nothing where they are equal or not told
   std::optional<Rational> frameRate;  // frames per second
   std::optional<TimeCode> timeCode;
   std::vector<HeaderAttribute> attributes;

@@ -4,6 +4,7 @@
 #include "Host/Color/BitmapColors.h"
 #include "Host/Color/ColorModuleLoader.h"
 #include "Host/Color/FileSpace.h"
+#include "Host/Color/FormerSpace.h"
 #include "Host/Color/OutputTag.h"
 #include "Host/Files/FileFormat.h"
 #include "Host/Messages/Failure.h"
@@ -117,6 +118,13 @@ void ColorFlow::toOutput(OutputPicture& picture, FileFormat format) {
   }
   picture.metadata.color = outputPlan_.tag;
   fitProfile(picture);
+  if (isSpaceOfFirst(outputPlan_.space, plan_.working, inputs_)) {
+    // Other spaces that a file does not state are those that its readers take for granted, or a sentence says it.
+    picture.losesColorTag = plan_.working.kind == ColorSpace::Kind::Raw && inputs_[0].tag != ColorTag() &&
+                            picture.metadata.color == ColorTag();
+  } else {
+    forgetFormerSpace(&picture.metadata, outputPlan_.space);
+  }
   picture.colors = outputConversion_;
   picture.isConverted = outputConversion_ || isAnyInputConverted_;
 }

@@ -197,6 +197,33 @@ TEST_F(Colors, RawConvertsNothing) {
   EXPECT_EQ(iccProfileOf(at("out.png")), profile);
 }
 
+TEST_F(Colors, TagsThatAreLostAreToldWhenWanted) {
+  writePng(at("plain.png"), grays(8));
+  say({"plain.png"}, "p3.png", {"--output-space", "Display P3"});
+  writeExr(at("light.exr"), TestImage{1, 1, 32, {0.5, 0.5, 0.5, 1}});
+  say({"light.exr"}, "srgb.png");
+  say({"plain.png"}, "acescg.exr", {"--working-space", "ACEScg"});
+  const auto lost = [](const std::string& format) {
+    return "vorto: " + format + " does not hold the color space of the first input\n";
+  };
+  const struct {
+    std::string input, output, said;
+  } rows[] = {
+      {"p3.png", "out.jpg", ""},
+      {"p3.png", "out.bmp", lost("BMP")},
+      {"srgb.png", "out.exr", lost("EXR")},
+      {"acescg.exr", "out.png", lost("PNG")},
+      {"acescg.exr", "out.exr", ""},
+      {"plain.png", "out.exr", ""},
+      {"srgb.png", "out.jpg", lost("JPEG")},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(say({row.input}, row.output, {"--working-space", "raw", "--verbose"}), row.said)
+        << row.input << ' ' << row.output;
+  }
+  EXPECT_EQ(say({"srgb.png"}, "out.jpg", {"--verbose"}), "") << "as its readers take it";
+}
+
 TEST_F(Colors, WhatLiesOutsideIsClippedAndCounted) {
   writeExr(at("in.exr"), TestImage{4, 1, 32, {4, 1, 0.5, 1, 0.5, 0.5, 0.5, 1, 0.2, -0.1, 0, 1, 1.0005, NAN, 0, 1}});
   EXPECT_EQ(say({"in.exr"}, "out.png"),

@@ -172,6 +172,38 @@ TEST(Layers, AreNamedAfterTheFile) {
   EXPECT_NE(run.err.find("glow"), std::string::npos) << "those that there are: " << run.err;
 }
 
+TEST(Metadata, ExifClaimsNoFormerSpace) {
+  const TemporaryFolder folder;
+  const auto at = [&](const std::string& name) { return folder.path() + "/" + name; };
+  OIIO::ImageSpec spec(1, 1, 3, OIIO::TypeDesc::UINT8);
+  spec.attribute("Exif:ColorSpace", 1);
+  spec.attribute("Artist", "A");
+  const auto output = OIIO::ImageOutput::create("in.jpg");
+  const float samples[] = {0.5F, 0.5F, 0.5F};
+  ASSERT_TRUE(output && output->open(at("in.jpg"), spec) && output->write_image(OIIO::TypeDesc::FLOAT, samples) &&
+              output->close());
+  const struct {
+    Words options;
+    int space;
+  } rows[] = {
+      {{}, 1},
+      {{"--output-space", "Rec.2020"}, 0xFFFF},
+      {{"--input-space", "Display P3"}, 0xFFFF},
+      {{"--input-space", "Display P3", "--output-space", "sRGB"}, 1},
+      {{"--working-space", "raw"}, 1},
+  };
+  for (const auto& row : rows) {
+    Words words{"render", "Levels", "--input", at("in.jpg"), "--output", at("out.jpg")};
+    words.insert(words.end(), row.options.begin(), row.options.end());
+    vorto(words);
+    const auto written = OIIO::ImageInput::open(at("out.jpg"));
+    ASSERT_TRUE(written);
+    const OIIO::ImageSpec& out = written->spec();
+    EXPECT_EQ(out.get_int_attribute("Exif:ColorSpace", -1), row.space);
+    EXPECT_EQ(out.get_string_attribute("Artist"), "A");
+  }
+}
+
 TEST(Metadata, LossesAreToldOnceWhenWanted) {
   const TemporaryFolder folder;
   const auto at = [&](const std::string& name) { return folder.path() + "/" + name; };
@@ -186,7 +218,8 @@ TEST(Metadata, LossesAreToldOnceWhenWanted) {
                 output->close());
   }
   const auto told = [&](const std::string& out, const Words& options) {
-    Words arguments{"render", "Levels", "--working-space", "raw", "--input", at("in.%d.exr"), "--output", at(out)};
+    Words arguments{"render",  "Levels",        "--working-space", "raw",
+                    "--input", at("in.%d.exr"), "--output",        out == "-" ? out : at(out)};
     arguments.insert(arguments.end(), options.begin(), options.end());
     return vorto(arguments).err;
   };
@@ -194,6 +227,12 @@ TEST(Metadata, LossesAreToldOnceWhenWanted) {
             "vorto: PNG does not hold the time code, the attribute capDate or the attribute shot of the first input\n");
   EXPECT_EQ(told("out.%d.png", {}), "");
   EXPECT_EQ(told("out.%d.exr", {"--verbose"}), "");
+  EXPECT_EQ(told("out.%d.webp", {"--verbose"}),
+            "vorto: WebP does not hold the time code, the attribute capDate or the attribute shot of the first input\n")
+      << "square pixels are all that it knows";
+  EXPECT_EQ(told("-", {"--verbose", "--format", "y4m"}),
+            "vorto: a stream does not hold the time code, the attribute capDate or the attribute shot of the first "
+            "input\n");
   const auto kept = OIIO::ImageInput::open(at("out.2.exr"));
   ASSERT_TRUE(kept);
   EXPECT_EQ(kept->spec().get_string_attribute("shot"), "A 12");

@@ -150,7 +150,7 @@ FileMetadata metadataOf(const Part& part) {
         {attribute.name, attribute.type, Bytes(attribute.value.begin(), attribute.value.end())});
   }
   const Attribute* const aspect = attributeNamed(part, "pixelAspectRatio", "float");
-  if (aspect && isUsable(real(*aspect, 0))) metadata.pixelAspect = real(*aspect, 0);
+  if (aspect && isUsable(real(*aspect, 0)) && real(*aspect, 0) != 1) metadata.pixelAspect = real(*aspect, 0);
   if (density > 0) metadata.resolution = Resolution{density, density * metadata.pixelAspect.value_or(1)};
   return metadata;
 }

@@ -62,7 +62,8 @@ FileMetadata metadataOf(const OIIO::ImageSpec& spec) {
   metadata.color.name = spaceNamedBy(spec);
   metadata.exif = exifOf(spec);
   metadata.resolution = resolutionOf(spec);
-  if (const float aspect = spec.get_float_attribute("PixelAspectRatio"); aspect > 0) metadata.pixelAspect = aspect;
+  const float aspect = spec.get_float_attribute("PixelAspectRatio");
+  if (aspect > 0 && aspect != 1) metadata.pixelAspect = aspect;
   if (const auto* rate = spec.find_attribute("FramesPerSecond", kRational)) {
     const auto* numbers = static_cast<const int*>(rate->data());
     if (numbers[1] > 0) metadata.frameRate = Rational{numbers[0], static_cast<std::uint32_t>(numbers[1])};

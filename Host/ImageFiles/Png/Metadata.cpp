@@ -54,7 +54,7 @@ void readResolution(const PngChunk& chunk, FileMetadata* metadata) {
   const int unit = chunk.data[8];
   if (x == 0 || y == 0 || unit > 1) return;
   if (unit == 1) metadata->resolution = Resolution{x / 100.0, y / 100.0, Resolution::Unit::Centimeter};
-  if (unit == 0 || x != y) metadata->pixelAspect = static_cast<double>(y) / x;
+  if (x != y) metadata->pixelAspect = static_cast<double>(y) / x;
 }
 
 void appendFixedPoint(double value, Bytes* data) {
@@ -80,8 +80,8 @@ void appendResolution(const FileMetadata& metadata, Bytes* file) {
         perUnit[i] = static_cast<std::uint32_t>(perMeter[i]);
       }
     }
-  } else if (metadata.pixelAspect && *metadata.pixelAspect >= 1e-3 && *metadata.pixelAspect <= 1e3) {
-    const auto [height, width] = ratioOf(*metadata.pixelAspect, kLargestRatio);
+  } else if (const double aspect = metadata.pixelAspect.value_or(1); aspect >= 1e-3 && aspect <= 1e3 && aspect != 1) {
+    const auto [height, width] = ratioOf(aspect, kLargestRatio);
     perUnit = {width, height};
   }
   if (perUnit[0] == 0 || perUnit[1] == 0) return;

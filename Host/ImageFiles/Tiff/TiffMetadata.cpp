@@ -40,7 +40,7 @@ void takeResolution(const TiffFile& file, const std::optional<ExifBlock>& block,
   if (!isUsable(x) || !isUsable(y)) return;
   const auto unit = file.field<std::uint16_t>(TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
   if (unit == RESUNIT_NONE) {
-    metadata->pixelAspect = y / x;
+    if (x != y) metadata->pixelAspect = y / x;
   } else if (unit == RESUNIT_INCH || unit == RESUNIT_CENTIMETER) {
     metadata->resolution =
         Resolution{x, y, unit == RESUNIT_INCH ? Resolution::Unit::Inch : Resolution::Unit::Centimeter};

@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 
 namespace host {
 namespace {
@@ -130,6 +132,44 @@ TEST_P(ExifTest, ResolutionIsTakenWhereThereIsNone) {
   }
 }
 
+TEST_P(ExifTest, RecoloredSaysNothingOfTheFormerSpace) {
+  auto block = ExifBlock::parse(cameraBlock(GetParam()));
+  ASSERT_TRUE(block);
+  const std::size_t others = block->entries().size();
+  const struct {
+    ExifDirectory directory;
+    std::uint16_t tag;
+    ExifType type;
+    std::size_t size;
+  } colors[] = {
+      {ExifDirectory::Image, 0x012D, ExifType::Short, 1536},  {ExifDirectory::Image, 0x013E, ExifType::Rational, 16},
+      {ExifDirectory::Image, 0x013F, ExifType::Rational, 48}, {ExifDirectory::Image, 0x8773, ExifType::Undefined, 200},
+      {ExifDirectory::Photo, 0xA500, ExifType::Rational, 8},  {ExifDirectory::Interoperability, 1, ExifType::Ascii, 4},
+  };
+  for (const auto& color : colors) block->set({color.directory, color.tag, color.type, Bytes(color.size, 1)});
+  block->set({ExifDirectory::Interoperability, 2, ExifType::Undefined, {'0', '1', '0', '0'}});
+  const Bytes plain = block->serialized();
+  EXPECT_EQ(ExifBlock::parse(recoloredExif(plain, true))->entries().size(), others + 1) << "no color space is added";
+  block->set({ExifDirectory::Photo, 0xA001, ExifType::Byte, Bytes(7, 2)});
+  const Bytes stored = block->serialized();
+  for (const bool isSRgb : {false, true}) {
+    const Bytes recolored = recoloredExif(stored, isSRgb);
+    EXPECT_EQ(recolored.size(), stored.size());
+    const auto again = ExifBlock::parse(recolored);
+    ASSERT_TRUE(again);
+    EXPECT_EQ(again->number(ExifDirectory::Photo, 0xA001), isSRgb ? 1 : 0xFFFF);
+    EXPECT_EQ(again->entries().size(), others + 2);
+    for (const ExifEntry& entry : block->entries()) {
+      const bool isOfColors = std::any_of(std::begin(colors), std::end(colors), [&](const auto& color) {
+        return entry.directory == color.directory && entry.tag == color.tag;
+      });
+      if (isOfColors || entry.tag == 0xA001) continue;
+      ASSERT_TRUE(again->find(entry.directory, entry.tag)) << entry.tag;
+      EXPECT_EQ(*again->find(entry.directory, entry.tag), entry);
+    }
+  }
+}
+
 TEST_P(ExifTest, DamageDropsTheBlockWhole) {
   const Bytes whole = cameraBlock(GetParam());
   for (std::size_t size = 0; size < 102; ++size) {
@@ -145,6 +185,8 @@ TEST_P(ExifTest, DamageDropsTheBlockWhole) {
       const Bytes upright = uprightExif(damaged);
       const auto block = ExifBlock::parse(damaged);
       EXPECT_EQ(block.has_value(), !upright.empty());
+      const Bytes recolored = recoloredExif(damaged, false);
+      EXPECT_TRUE(recolored.empty() || ExifBlock::parse(recolored));
       if (!block) continue;
       EXPECT_EQ(exifOrientation(upright), 1) << place << " " << value;
       EXPECT_TRUE(block->entries().empty() || ExifBlock::parse(block->serialized())->entries() == block->entries());

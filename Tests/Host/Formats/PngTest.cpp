@@ -403,7 +403,7 @@ TEST(Png, MetadataIsWritten) {
   metadata.resolution.reset();
   for (const double aspect : {16.0 / 15, 0.9, 1.0, 1.4587, 2.0}) {
     metadata.pixelAspect = aspect;
-    EXPECT_EQ(readBack().pixelAspect, aspect);
+    EXPECT_EQ(readBack().pixelAspect, aspect == 1 ? std::nullopt : std::optional(aspect));
   }
   metadata.resolution = host::Resolution{300, 300, host::Resolution::Unit::Inch};
   EXPECT_EQ(readBack().resolution, (host::Resolution{118.11, 118.11, host::Resolution::Unit::Centimeter}));

@@ -422,8 +422,8 @@ TEST(Tiff, IsWrittenWithItsMetadata) {
   }
   host::FileMetadata metadata;
   metadata.exif = block->serialized();
-  metadata.color.iccProfile = host::Bytes(128, 9);
-  std::ranges::copy(std::string_view("RGB "), metadata.color.iccProfile.begin() + 16);
+  metadata.color.iccProfile = host::Bytes(200, 7);
+  std::memcpy(&metadata.color.iccProfile[16], "RGB ", 4);
   metadata.resolution = host::Resolution{300, 299.9994, host::Resolution::Unit::Inch};
   host::WriteRequest request = requestFor(host::Channels::RGB, host::SampleType::UInt8, host::Depth::Bits8);
   request.metadata = &metadata;
