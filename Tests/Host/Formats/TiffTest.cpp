@@ -371,6 +371,13 @@ TEST(Tiff, KeepsWhatItsFieldsSay) {
   EXPECT_FALSE(wide.info.metadata.resolution.has_value());
 }
 
+TEST(Tiff, KeepsExifToWhichAPlaceOfItsOwnTypePoints) {
+  const ReadPicture picture = readPicture(tiffModule(), contentsOf(VORTO_FORMAT_FILES "/tiff/oiio-exif.tif"));
+  const auto block = host::ExifBlock::parse(picture.info.metadata.exif);
+  ASSERT_TRUE(block.has_value());
+  EXPECT_NEAR(block->number(host::ExifDirectory::Photo, 0x829A).value_or(0), 0.02, 1e-6) << "the exposure";
+}
+
 class TiffCompressions : public testing::TestWithParam<const char*> {};
 
 TEST_P(TiffCompressions, AreReadAgainAfterTheyWereWritten) {
