@@ -486,4 +486,9 @@ TEST(Tiff, IsNotWrittenOtherwiseThanItCanBe) {
   request.settings.level = 13;
   EXPECT_EQ(write(request, bytesFor(request)).reason,
             "the compression \"deflate\" has no level 13; its levels are 1 to 12");
+  for (const char* compression : {"none", "lzw", "packbits"}) {
+    request.settings.compression = compression;
+    EXPECT_EQ(write(request, bytesFor(request)).reason,
+              "the compression \"" + std::string(compression) + "\" has no levels");
+  }
 }
