@@ -290,6 +290,62 @@ TEST(Exr, KeepsWhatItsHeaderSays) {
   ASSERT_EQ(readPicture(exr(), sound.file).info.metadata.attributes.size(), 1u);
 }
 
+TEST(Exr, DoesNotPassOnWhatWouldNotHoldOfTheNextFile) {
+  const host::Bytes channel = {'u', 0, 1, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0};
+  host::Bytes channels = channel;
+  channels.push_back(0);
+  const struct {
+    const char* type;
+    host::Bytes sound;
+    std::vector<host::Bytes> wrong;
+  } rows[] = {{"stringvector", {1, 0, 0, 0, 'a', 0, 0, 0, 0}, {{2, 0, 0, 0, 'a'}, {0, 0, 0}, {255, 255, 255, 255}}},
+              {"floatvector", {0, 0, 128, 63}, {{0, 0, 128}}},
+              {"preview", {1, 0, 0, 0, 1, 0, 0, 0, 9, 9, 9, 9}, {{1, 0, 0, 0, 1, 0, 0, 0, 9}, {1, 0, 0, 0}, {}}},
+              {"chlist", channels, {channel, {}, {'u', 0, 3, 0, 0, 0, 0}, {'u', 'v'}, {0, 0}}}};
+  // As other programs may write them, past what this module would.
+  for (const auto& row : rows) {
+    for (std::size_t i = 0; i <= row.wrong.size(); ++i) {
+      const host::Bytes& value = i == 0 ? row.sound : row.wrong[i - 1];
+      host::FileMetadata metadata;
+      metadata.attributes = {{"mine", std::string(row.type), value}};
+      host::WriteRequest request = requestFor(3, 2, host::Channels::RGBA, host::Depth::Half);
+      request.metadata = &metadata;
+      const WrittenPicture written = writePicture(exr(), request, testSamples(24));
+      EXPECT_EQ(readPicture(exr(), written.file).info.metadata.attributes.size(), i == 0 ? 1u : 0u) << row.type << i;
+      EXPECT_TRUE(readByOracle(written.file, "openexr").isRead) << row.type << i;
+
+      metadata.attributes[0].type = std::string(std::strlen(row.type), '?');
+      FileBytesOfTest file = writePicture(exr(), request, testSamples(24)).file;
+      const auto at =
+          std::search(file.begin(), file.end(), metadata.attributes[0].type.begin(), metadata.attributes[0].type.end());
+      ASSERT_NE(at, file.end());
+      std::copy_n(row.type, std::strlen(row.type), at);
+      EXPECT_EQ(readPicture(exr(), file).info.metadata.attributes.size(), i == 0 ? 1u : 0u) << row.type << i;
+    }
+  }
+
+  host::FileMetadata metadata;
+  metadata.color.primaries = host::Primaries{{0.64, 0.33}, {0.3, 0.6}, {0.15, 0.06}, {0.3127, 1e60}};
+  metadata.attributes = {{"acesImageContainerFlag", "int", {1, 0, 0, 0}},
+                         {"multiView", "stringvector", {1, 0, 0, 0, 'l'}},
+                         {"oiio:ColorSpace", "string", {'s', 'R', 'G', 'B'}}};
+  host::WriteRequest request = requestFor(3, 2, host::Channels::RGBA, host::Depth::Half);
+  request.metadata = &metadata;
+  const host::FileMetadata again = readPicture(exr(), writePicture(exr(), request, testSamples(24)).file).info.metadata;
+  EXPECT_TRUE(again.attributes.empty() && !again.color.primaries);
+  ImageSpec spec = specOf(4, 3, kRgba);
+  const float colors[] = {0.64f, 0.33f, 0.3f, 0.6f, 0.15f, 0.06f, std::numeric_limits<float>::quiet_NaN(), 0.33f};
+  spec.attribute("chromaticities", TypeDesc(TypeDesc::FLOAT, 8), colors);
+  spec.attribute("acesImageContainerFlag", 1);
+  spec.attribute("oiio:ColorSpace", "sRGB");
+  const host::FileMetadata read = readPicture(exr(), fileOf(spec)).info.metadata;
+  EXPECT_FALSE(read.color.primaries.has_value());
+  for (const host::HeaderAttribute& attribute : read.attributes) {
+    EXPECT_TRUE(attribute.name != "acesImageContainerFlag" && attribute.name != "oiio:ColorSpace" &&
+                attribute.name != "chromaticities");
+  }
+}
+
 TEST(Exr, IsSmallerTheMoreIsLost) {
   host::WriteRequest request = requestFor(64, 64, host::Channels::RGB, host::Depth::Half);
   const auto samples = testSamples(64 * 64 * 3);
