@@ -168,6 +168,30 @@ TEST(Exr, IsReadInAllItsShapes) {
   }
 }
 
+TEST(Exr, IsDecodedWhereItIsShown) {
+  ImageSpec spec = specOf(40, 64, kRgba);
+  spec.attribute("compression", "zip");
+  spec.full_width = 40;
+  spec.full_height = 16;
+  FileBytesOfTest file = fileOf(spec);
+  const ReadPicture whole = readPicture(exr(), file);
+  file[file.size() - 100] ^= 0xFF;
+  expectSamePicture(readPicture(exr(), file), whole, "what is not shown is not decoded");
+
+  // A file of one block whose windows are changed.
+  file = fileOf(specOf(4, 1, kRgba));
+  const auto setWindow = [&](const std::string& name, std::int32_t right) {
+    const auto at = std::search(file.begin(), file.end(), name.begin(), name.end());
+    ASSERT_NE(at, file.end());
+    std::memcpy(&*at + name.size() + 1 + 6 + 4 + 8, &right, 4);
+  };
+  setWindow("dataWindow", 1 << 27);
+  EXPECT_EQ(readPicture(exr(), file).reason, "it stores far more pixels at once than it shows");
+  setWindow("displayWindow", 1 << 27);
+  bool isOtherKind = false;
+  EXPECT_NE(exr().open({file, {}, {}}, &isOtherKind, nullptr), nullptr) << "it shows them";
+}
+
 TEST(Exr, OfOtherProgramsIsRead) {
   for (const char* name : {"ffmpeg-zip", "ffmpeg-half-rle", "oiio-levels", "ripmap"}) {
     const FileBytesOfTest file = contentsOf(VORTO_FORMAT_FILES "/exr/" + std::string(name) + ".exr");
