@@ -53,6 +53,13 @@ const Pointer* pointerAt(ExifDirectory directory, std::uint16_t tag) {
   return nullptr;
 }
 
+// The type of a place of a directory, which takes as many bytes as a Long. Only pointers of the above are read as one.
+constexpr ExifType kPlaceType{13};
+
+bool isPointer(std::uint16_t tag) {
+  return std::any_of(kPointers.begin(), kPointers.end(), [tag](const Pointer& pointer) { return pointer.tag == tag; });
+}
+
 // A rational's two numbers turn on their own.
 std::size_t wordSize(ExifType type) {
   return type == ExifType::Rational || type == ExifType::SignedRational ? 4 : exifTypeSize(type);
@@ -129,6 +136,7 @@ class BlockReader {
     Field field;
     field.tag = static_cast<std::uint16_t>(number(at, 2));
     field.type = static_cast<ExifType>(number(at + 2, 2));
+    if (field.type == kPlaceType && isPointer(field.tag)) field.type = ExifType::Long;
     if (exifTypeSize(field.type) == 0) return;
     field.value.size = number(at + 4, 4) * exifTypeSize(field.type);
     field.value.offset = field.value.size <= kInlineSize ? at + 8 : number(at + 8, 4);

@@ -91,6 +91,9 @@ std::uint64_t largestRatio(std::uint8_t compression) {
     case kDwaa:
     case kDwab:
       return 1 << 17;  // runs within what is deflated
+    case kZip:
+    case kZipRow:
+      return 1032;
     default:
       return 1 << 11;
   }
@@ -113,6 +116,15 @@ bool areBlocksWhole(const File& file, std::string* reason) {
     }
   }
   return true;
+}
+
+bool checkUnseen(const Part& part, std::string* reason) {
+  constexpr std::uint64_t kMostUnseen = std::uint64_t{1} << 26;  // pixels
+  const Box largest = boxOf(part, 0);
+  const std::uint64_t shown =
+      std::min(largest.width(), part.display.width()) * std::min(largest.height(), part.display.height());
+  return largest.width() * largest.height() - shown <= kMostUnseen ||
+         NSRefuse(reason, "it stores far more pixels at once than it shows");
 }
 
 std::uint64_t blockCount(const Part& part) {

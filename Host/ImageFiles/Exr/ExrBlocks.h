@@ -20,6 +20,10 @@ struct Block {
 // Whether all blocks of all parts lie in the file.
 bool areBlocksWhole(const File& file, std::string* reason);
 
+// Refuses a part whose blocks are mostly pixels that it does not show, and so large that they are not to be made for
+// the rest.
+bool checkUnseen(const Part& part, std::string* reason);
+
 // How many blocks a flat part without subsampled channels has in its largest level, and one of them. It is refused when
 // it is another block, or its compression cannot make as many bytes as its pixels take from what is stored.
 std::uint64_t blockCount(const Part& part);

@@ -2,6 +2,7 @@
 #include "Host/ImageFiles/Exr/ExrMetadata.h"
 
 #include "Host/ImageFiles/Exr/ExrHeaderBytes.h"
+#include "Host/ImageFiles/Exr/ExrValues.h"
 
 #include <algorithm>
 #include <bit>
@@ -14,8 +15,10 @@ namespace {
 constexpr double kCentimetersOfInch = 2.54;
 constexpr std::size_t kLongestName = 255;
 
-// Attributes about how pixels are stored, which the next file has its own of.
+// Attributes about how pixels are stored, or in which colors the file says again that they are, which the next file has
+// its own of.
 constexpr std::string_view kStructural[] = {
+    "acesImageContainerFlag",
     "channels",
     "chunkCount",
     "compression",
@@ -23,7 +26,9 @@ constexpr std::string_view kStructural[] = {
     "displayWindow",
     "dwaCompressionLevel",
     "lineOrder",
+    "multiView",
     "name",
+    "oiio:ColorSpace",
     "preview",
     "tiles",
     "maxSamplesPerPixel",
@@ -59,6 +64,14 @@ bool isWindowOfItsType(const HeaderAttribute& attribute) {
   return attribute.name != "screenWindowWidth" || attribute.type == "float";
 }
 
+bool isFinite(const Primaries& primaries) {
+  const auto isColorFinite = [](const Chromaticity& color) {
+    return std::isfinite(static_cast<float>(color.x)) && std::isfinite(static_cast<float>(color.y));
+  };
+  return isColorFinite(primaries.red) && isColorFinite(primaries.green) && isColorFinite(primaries.blue) &&
+         isColorFinite(primaries.white);
+}
+
 bool isUsable(double number) {
   return std::isfinite(number) && number > 0;
 }
@@ -71,7 +84,8 @@ bool take(const Attribute& attribute, FileMetadata* metadata, double* density) {
     const auto color = [&](std::size_t index) {
       return Chromaticity{real(attribute, index * 2), real(attribute, index * 2 + 1)};
     };
-    metadata->color.primaries = Primaries{color(0), color(1), color(2), color(3)};
+    const Primaries primaries{color(0), color(1), color(2), color(3)};
+    if (isFinite(primaries)) metadata->color.primaries = primaries;
   } else if (name == "colorInteropID" && type == "string" && !attribute.value.empty()) {
     metadata->color.name.assign(attribute.value.begin(), attribute.value.end());
   } else if (name == "framesPerSecond" && type == "rational" && word(attribute, 1) != 0) {
@@ -109,7 +123,7 @@ void putWords(const char* name, const char* type, std::uint32_t first, std::uint
 }
 
 void putMembers(const FileMetadata& metadata, std::vector<HeaderAttribute>* attributes) {
-  if (const auto& p = metadata.color.primaries) {
+  if (const auto& p = metadata.color.primaries; p && isFinite(*p)) {
     putReals("chromaticities", "chromaticities",
              {p->red.x, p->red.y, p->green.x, p->green.y, p->blue.x, p->blue.y, p->white.x, p->white.y}, attributes);
   }
@@ -134,7 +148,8 @@ bool isWritable(const HeaderAttribute& attribute) {
     return !name.empty() && name.size() <= kLongestName && name.find('\0') == std::string::npos;
   };
   return isName(attribute.name) && isName(attribute.type) && isAttributeWhole(attribute.type, attribute.value) &&
-         isWindowOfItsType(attribute) && !isAmong(attribute.name, kStructural);
+         isValueSound(attribute.type, attribute.value) && isWindowOfItsType(attribute) &&
+         !isAmong(attribute.name, kStructural);
 }
 
 }  // namespace
@@ -143,7 +158,8 @@ FileMetadata metadataOf(const Part& part) {
   FileMetadata metadata;
   double density = 0;
   for (const Attribute& attribute : part.attributes) {
-    if (isAmong(attribute.name, kStructural) || isDefaultWindow(attribute) || take(attribute, &metadata, &density)) {
+    if (isAmong(attribute.name, kStructural) || isDefaultWindow(attribute) ||
+        !isValueSound(attribute.type, attribute.value) || take(attribute, &metadata, &density)) {
       continue;
     }
     metadata.attributes.push_back(

@@ -49,6 +49,10 @@ struct Box {
   bool operator==(const Box&) const = default;
 };
 
+inline bool meets(const Box& box, const Box& other) {
+  return box.left <= other.right && other.left <= box.right && box.top <= other.bottom && other.top <= box.bottom;
+}
+
 struct Attribute {
   std::string name;
   std::string type;

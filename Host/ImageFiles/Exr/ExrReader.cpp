@@ -43,7 +43,9 @@ class ExrReader : public ImageReader {
     for (std::uint64_t i = 0; i < count; ++i) {
       Block block;
       Words words;
-      if (!readBlock(file_, selection_.part, i, &block, reason) || !decoder.decode(block, &words, reason)) return false;
+      if (!readBlock(file_, selection_.part, i, &block, reason)) return false;
+      if (!meets(block.box, part().display)) continue;
+      if (!decoder.decode(block, &words, reason)) return false;
       placement->place(block.box, words);
     }
     return true;
@@ -59,7 +61,7 @@ std::unique_ptr<ImageReader> openExr(const ReadRequest& request, std::string* re
   File file;
   Selection selection;
   if (!readHeaders(request.file, &file, reason) || !areBlocksWhole(file, reason) ||
-      !selectPicture(file, request.layer, &selection, reason)) {
+      !selectPicture(file, request.layer, &selection, reason) || !checkUnseen(file.parts[selection.part], reason)) {
     return nullptr;
   }
   return std::make_unique<ExrReader>(std::move(file), selection);

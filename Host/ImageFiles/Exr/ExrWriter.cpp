@@ -26,6 +26,15 @@ constexpr std::pair<std::string_view, Compression> kCompressions[] = {
     {"pxr24", kPxr24}, {"b44", kB44},        {"b44a", kB44a},   {"dwaa", kDwaa}, {"dwab", kDwab},
 };
 
+// That of the methods that lose by level is how much, from the library's 45; it has no end that the format knows.
+bool checkLevel(std::string_view name, std::uint8_t compression, int level, std::string* reason) {
+  const bool isDeflated = compression == kZip || compression == kZipRow;
+  if (level < 0 || compression == kDwaa || compression == kDwab) return true;
+  if (!isDeflated) return NSRefuse(reason, "the compression \"" + std::string(name) + "\" has no levels");
+  return level <= kHighestLevel || NSRefuse(reason, "EXR has no compression level " + std::to_string(level) +
+                                                        "; they end at " + std::to_string(kHighestLevel));
+}
+
 bool methodOf(const WriteSettings& settings, Method* method, std::string* reason) {
   const std::string_view name = settings.compression.empty() ? "zip" : std::string_view(settings.compression);
   const auto* const found = std::find_if(std::begin(kCompressions), std::end(kCompressions),
@@ -36,13 +45,8 @@ bool methodOf(const WriteSettings& settings, Method* method, std::string* reason
     return NSRefuse(reason, "EXR has no compression \"" + std::string(name) + "\"; it has " + list);
   }
   method->compression = found->second;
-  const bool isDwa = found->second == kDwaa || found->second == kDwab;
-  method->level = isDwa && settings.level < 0 ? settings.quality : settings.level;
-  if (method->level > kHighestLevel && !isDwa) {
-    return NSRefuse(reason, "EXR has no compression level " + std::to_string(method->level) + "; they end at " +
-                                std::to_string(kHighestLevel));
-  }
-  return true;
+  method->level = settings.level;
+  return checkLevel(found->first, method->compression, settings.level, reason);
 }
 
 // By name, as files have them.

@@ -46,7 +46,10 @@ bool methodOf(const WriteRequest& request, Method* method, std::string* reason) 
   if (found->takesDifferences) {
     method->predictor = request.sample == SampleType::Float ? PREDICTOR_FLOATINGPOINT : PREDICTOR_HORIZONTAL;
   }
-  method->level = found->levelTag == 0 ? -1 : request.settings.level;
+  method->level = request.settings.level;
+  if (method->level >= 0 && found->levelTag == 0) {
+    return NSRefuse(reason, "the compression \"" + std::string(name) + "\" has no levels");
+  }
   if (method->level >= 0 && (method->level < found->lowestLevel || method->level > found->highestLevel)) {
     return NSRefuse(reason, "the compression \"" + std::string(name) + "\" has no level " +
                                 std::to_string(method->level) + "; its levels are " +

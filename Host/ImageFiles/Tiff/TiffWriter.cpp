@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <limits>
 
 namespace host::tiff {
 namespace {
@@ -20,17 +19,16 @@ constexpr std::size_t kBytesOfStrip = 1 << 18;
 
 class TiffWriter {
  public:
-  TiffWriter(const WriteRequest& request, const Method& method, PixelRows& rows, OutputBytes& output)
-      : request_(request), method_(method), rows_(rows), output_(output) {
+  TiffWriter(const WriteRequest& request, const Method& method, PixelRows& rows, OutputBytes& output,
+             const Reach& reach)
+      : request_(request), method_(method), rows_(rows), output_(output), reach_(reach) {
     strip_.width = request.width;
     strip_.samplesPerPixel = static_cast<std::uint16_t>(channelCount(request.channels));
     strip_.bitsPerSample = static_cast<std::uint16_t>(8 * sampleSize());
     strip_.isFloat = request.sample == SampleType::Float;
     rowSize_ = std::size_t{request.width} * strip_.samplesPerPixel * sampleSize();
     rowsOfStrip_ = static_cast<std::uint32_t>(std::clamp<std::size_t>(kBytesOfStrip / rowSize_, 1, request.height));
-    // With some room for what compression may add, and all that is no pixels.
-    const std::uint64_t most = std::uint64_t{rowSize_} * request.height * 17 / 16 + (1 << 26);
-    isBig_ = most > std::numeric_limits<std::uint32_t>::max();
+    isBig_ = largestSize() > reach.farthest;
   }
 
   bool write(std::string* reason) {
@@ -44,11 +42,24 @@ class TiffWriter {
     std::vector<Field> fields = descriptiveFields(metadata, request_.channels);
     addStructure(&fields);
     const Directories directories = directoriesAt(at_, std::move(fields), metadata, isBig_);
+    if (!isInReach(directories.bytes.size(), reason)) return false;
     return output_.write(at_, directories.bytes) && output_.write(0, header(directories.first));
   }
 
  private:
   std::size_t sampleSize() const { return request_.depth == Depth::Half ? 2 : bytesPerSample(request_.sample); }
+
+  // With room for what compression may add: LZW's codes have up to twelve bits, most of them for single bytes in noise.
+  std::uint64_t largestSize() const {
+    const std::uint64_t pixels = std::uint64_t{rowSize_} * request_.height;
+    return pixels + pixels / (method_.compression == COMPRESSION_LZW ? 2 : 16) + reach_.margin;
+  }
+
+  bool isInReach(std::uint64_t size, std::string* reason) const {
+    return isBig_ || at_ + size <= reach_.farthest ||
+           NSRefuse(reason, "it became larger than its 32-bit places reach, which are up to " +
+                                std::to_string(reach_.farthest) + " bytes");
+  }
 
   bool writeStrip(std::uint32_t top, std::string* reason) {
     samples_.resize(rowSize_ * strip_.rows);
@@ -59,6 +70,7 @@ class TiffWriter {
       if (!encodeStrip(strip_, method_, samples_, &stored_, reason)) return false;
       stored = stored_;
     }
+    if (!isInReach(stored.size(), reason)) return false;
     offsets_.push_back(at_);
     sizes_.push_back(stored.size());
     if (!output_.write(at_, stored)) return false;
@@ -117,6 +129,7 @@ class TiffWriter {
   Method method_;
   PixelRows& rows_;
   OutputBytes& output_;
+  Reach reach_;
   Strip strip_;
   std::size_t rowSize_ = 0;
   std::uint32_t rowsOfStrip_ = 1;
@@ -131,14 +144,15 @@ class TiffWriter {
 
 }  // namespace
 
-bool writeTiff(const WriteRequest& request, PixelRows& rows, OutputBytes& output, std::string* reason) {
+bool writeTiff(const WriteRequest& request, PixelRows& rows, OutputBytes& output, std::string* reason,
+               const Reach& reach) {
   Method method;
   if (!methodOf(request, &method, reason)) return false;
   if (request.width == 0 || request.height == 0 || request.width > std::uint32_t{1} << 27) {
     return NSRefuse(reason, "TIFF does not hold pictures of " + std::to_string(request.width) + " x " +
                                 std::to_string(request.height) + " pixels");
   }
-  return TiffWriter(request, method, rows, output).write(reason);
+  return TiffWriter(request, method, rows, output, reach).write(reason);
 }
 
 }  // namespace host::tiff

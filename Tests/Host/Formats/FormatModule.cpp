@@ -209,10 +209,17 @@ class MemoryOutput : public host::OutputBytes {
 
 WrittenPicture writeBytes(host::ImageFileModule& module, const host::WriteRequest& request, const std::byte* samples,
                           std::size_t rowSize) {
+  const auto write = [&](const host::WriteRequest& wanted, host::PixelRows& rows, host::OutputBytes& output,
+                         std::string* reason) { return module.write(wanted, rows, output, reason); };
+  return writeBytes(write, request, samples, rowSize);
+}
+
+WrittenPicture writeBytes(const WriteFunction& write, const host::WriteRequest& request, const std::byte* samples,
+                          std::size_t rowSize) {
   WrittenPicture written;
   MemoryRows rows(samples, rowSize);
   MemoryOutput output(&written.file);
-  written.isWritten = module.write(request, rows, output, &written.reason);
+  written.isWritten = write(request, rows, output, &written.reason);
   EXPECT_EQ(written.isWritten, written.reason.empty());
   return written;
 }

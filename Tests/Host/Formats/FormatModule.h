@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -54,6 +55,10 @@ template <class Sample>
 WrittenPicture writePicture(host::ImageFileModule& module, const host::WriteRequest& request,
                             const std::vector<Sample>& samples);
 WrittenPicture writeBytes(host::ImageFileModule& module, const host::WriteRequest& request, const std::byte* samples,
+                          std::size_t rowSize);
+using WriteFunction =
+    std::function<bool(const host::WriteRequest&, host::PixelRows&, host::OutputBytes&, std::string* reason)>;
+WrittenPicture writeBytes(const WriteFunction& write, const host::WriteRequest& request, const std::byte* samples,
                           std::size_t rowSize);
 
 template <class Sample>

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/ImageFiles/ByteWriter.h"
 #include "Host/ImageFiles/Exif.h"
+#include "Host/ImageFiles/Tiff/TiffWriter.h"
 #include "Tests/Host/Formats/FormatModule.h"
 #include "Tests/Support/ChildProcess.h"
 
@@ -370,6 +371,13 @@ TEST(Tiff, KeepsWhatItsFieldsSay) {
   EXPECT_FALSE(wide.info.metadata.resolution.has_value());
 }
 
+TEST(Tiff, KeepsExifToWhichAPlaceOfItsOwnTypePoints) {
+  const ReadPicture picture = readPicture(tiffModule(), contentsOf(VORTO_FORMAT_FILES "/tiff/oiio-exif.tif"));
+  const auto block = host::ExifBlock::parse(picture.info.metadata.exif);
+  ASSERT_TRUE(block.has_value());
+  EXPECT_NEAR(block->number(host::ExifDirectory::Photo, 0x829A).value_or(0), 0.02, 1e-6) << "the exposure";
+}
+
 class TiffCompressions : public testing::TestWithParam<const char*> {};
 
 TEST_P(TiffCompressions, AreReadAgainAfterTheyWereWritten) {
@@ -442,6 +450,38 @@ TEST(Tiff, IsWrittenWithItsMetadata) {
   EXPECT_EQ(readPicture(tiffModule(), write(request, bytesFor(request)).file).info.metadata.pixelAspect, 1.5);
 }
 
+TEST(Tiff, HasPlacesThatReachItsEnd) {
+  const struct {
+    const char* compression;
+    std::uint64_t farthest;  // of 61103 bytes of pixels
+    int version;             // 43 with 64-bit places
+  } rows[] = {
+      {"none", 65000, 42}, {"none", 64900, 43}, {"packbits", 64900, 43}, {"lzw", 91700, 42}, {"lzw", 91600, 43}};
+  host::WriteRequest request = requestFor(host::Channels::Gray, host::SampleType::UInt8, host::Depth::Bits8);
+  std::vector<std::uint8_t> noise = bytesFor(request);
+  std::mt19937 random(1);
+  for (std::uint8_t& byte : noise) byte = static_cast<std::uint8_t>(random());
+  const auto writeTo = [&](std::uint64_t farthest) {
+    const auto write = [&](const auto& wanted, auto& pixels, auto& output, std::string* reason) {
+      return host::tiff::writeTiff(wanted, pixels, output, reason, {farthest, 0});
+    };
+    return writeBytes(write, request, reinterpret_cast<const std::byte*>(noise.data()), request.width);
+  };
+  for (const auto& row : rows) {
+    request.settings.compression = row.compression;
+    const WrittenPicture written = writeTo(row.farthest);
+    ASSERT_TRUE(written.isWritten) << written.reason;
+    EXPECT_EQ(written.file[2], row.version) << row.compression << row.farthest;
+    EXPECT_TRUE(written.file[2] == 43 || written.file.size() <= row.farthest);
+    EXPECT_TRUE(readPicture(tiffModule(), written.file).isRead);
+  }
+  // The header and 16 pixels take 24 bytes.
+  request.width = 16;
+  request.height = 1;
+  request.settings.compression = "none";
+  for (const std::uint64_t farthest : {17, 24}) EXPECT_FALSE(writeTo(farthest).isWritten) << farthest;
+}
+
 TEST(Tiff, IsNotWrittenOtherwiseThanItCanBe) {
   host::WriteRequest request = requestFor(host::Channels::RGB, host::SampleType::UInt8, host::Depth::Bits8);
   request.settings.compression = "piz";
@@ -451,4 +491,9 @@ TEST(Tiff, IsNotWrittenOtherwiseThanItCanBe) {
   request.settings.level = 13;
   EXPECT_EQ(write(request, bytesFor(request)).reason,
             "the compression \"deflate\" has no level 13; its levels are 1 to 12");
+  for (const char* compression : {"none", "lzw", "packbits"}) {
+    request.settings.compression = compression;
+    EXPECT_EQ(write(request, bytesFor(request)).reason,
+              "the compression \"" + std::string(compression) + "\" has no levels");
+  }
 }
