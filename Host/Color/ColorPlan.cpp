@@ -34,17 +34,6 @@ bool isGuesswork(const std::vector<ColorInput>& inputs) {
   return differ && isAssumed;
 }
 
-std::string guessworkSentence(const std::vector<ColorInput>& inputs) {
-  std::string text = "warning: the inputs are in different color spaces, and not all say in which: ";
-  bool isFirst = true;
-  for (const ColorInput& input : inputs) {
-    if (input.space.origin != Origin::Assumed) continue;
-    text += (isFirst ? "" : ", ") + input.path + " is taken as " + spaceText(input.space);
-    isFirst = false;
-  }
-  return text + "; --input-space FILE=NAME says otherwise";
-}
-
 // What a file of the kind holds by default, as its readers take it.
 ColorSpace defaultOutput(const ColorSpace& working, bool isFloat) {
   if (isFloat) return working.isLinear ? working : knownSpace(KnownSpace::LinearRec709, Origin::Assumed);
@@ -98,14 +87,26 @@ std::string conversionSentence(const std::string& what, const ColorSpace& from, 
          " to " + spaceText(to);
 }
 
+std::optional<std::string> guessworkWarning(const std::vector<ColorInput>& inputs) {
+  if (!isGuesswork(inputs)) return std::nullopt;
+  std::string text = "warning: the inputs are in different color spaces, and not all say in which: ";
+  bool isFirst = true;
+  for (const ColorInput& input : inputs) {
+    if (input.space.origin != Origin::Assumed) continue;
+    text += (isFirst ? "" : ", ") + input.path + " is taken as " + spaceText(input.space);
+    isFirst = false;
+  }
+  return text + "; --input-space FILE=NAME says otherwise";
+}
+
 InputPlan planInputs(const std::vector<ColorInput>& inputs, const std::optional<ColorSpace>& wanted) {
   InputPlan plan;
   plan.working = workingSpace(inputs, wanted);
   for (const ColorInput& input : inputs) {
     if (!input.remark.empty()) plan.sentences.push_back(input.path + ": " + input.remark);
   }
-  const bool isRaw = plan.working.kind == Kind::Raw;
-  if (!isRaw && isGuesswork(inputs)) plan.sentences.push_back(guessworkSentence(inputs));
+  const auto warning = guessworkWarning(inputs);
+  if (warning && plan.working.kind != Kind::Raw) plan.sentences.push_back(*warning);
   for (const ColorInput& input : inputs) {
     const bool isConverted = needsConversion(input.space, plan.working);
     plan.isConverted.push_back(isConverted);
