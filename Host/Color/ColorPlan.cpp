@@ -34,37 +34,50 @@ bool isGuesswork(const std::vector<ColorInput>& inputs) {
   return differ && isAssumed;
 }
 
-// What a file of the kind holds by default, as its readers take it.
-ColorSpace defaultOutput(const ColorSpace& working, bool isFloat) {
-  if (isFloat) return working.isLinear ? working : knownSpace(KnownSpace::LinearRec709, Origin::Assumed);
-  const bool isChosen = working.isDisplay && working.origin != Origin::Assumed;
-  return isChosen ? working : knownSpace(KnownSpace::SRgb, Origin::Assumed);
-}
-
 bool isTakenForGranted(const ColorSpace& space, bool isFloat) {
   return space.kind == Kind::Known && space.known == (isFloat ? KnownSpace::LinearRec709 : KnownSpace::SRgb);
 }
 
 // The tag of the first input where it is true of the result as well.
-std::optional<ColorTag> inheritedTag(const OutputPlan& plan, const ColorSpace& working,
-                                     const std::vector<ColorInput>& inputs, FileFormat format) {
+std::optional<ColorTag> inheritedTag(const ColorSpace& space, const ColorSpace& working,
+                                     const std::vector<ColorInput>& inputs, const ColorOutput& output) {
   if (inputs.empty()) return std::nullopt;
   const ColorInput& first = inputs[0];
   const bool isUntouched = working.kind == Kind::Raw;  // its values are what they were
-  const bool isSame = first.space.origin == Origin::Tagged && isSameSpace(first.space, plan.space);
-  return isUntouched || isSame ? keptTag(first.tag, first.space, format) : std::nullopt;
+  const bool isSame = first.space.origin == Origin::Tagged && isSameSpace(first.space, space);
+  return isUntouched || isSame ? keptTag(first.tag, first.space, output.format, output.isGray) : std::nullopt;
+}
+
+// What a file of the kind holds by default, as its readers take it. Few formats can state other spaces than the usual
+// ones, and gray files fewer. Spaces of the user's configuration are nobody else's, and stay.
+ColorSpace defaultOutput(const ColorSpace& working, const std::vector<ColorInput>& inputs, const ColorOutput& output) {
+  const ColorSpace usual = knownSpace(output.isFloat ? KnownSpace::LinearRec709 : KnownSpace::SRgb, Origin::Assumed);
+  const bool isChosen = output.isFloat ? working.isLinear : working.isDisplay && working.origin != Origin::Assumed;
+  if (!isChosen || isSameSpace(working, usual)) return isChosen ? working : usual;
+  const bool isStated = working.kind == Kind::Named || inheritedTag(working, working, inputs, output) ||
+                        tagOfSpace(working, output.format, output.isGray).isComplete;
+  return isStated ? working : usual;
+}
+
+// In a file of values that nobody converted.
+void tellOfForeignProfile(OutputPlan& plan, const ColorSpace& working, const std::vector<ColorInput>& inputs,
+                          const ColorOutput& output) {
+  if (working.kind != Kind::Raw || inputs.empty()) return;
+  const auto kept = keptTag(inputs[0].tag, working, output.format, std::nullopt);
+  const bool isLeftOut = kept && !kept->iccProfile.empty() && plan.tag.iccProfile.empty();
+  if (isLeftOut) plan.sentences.push_back(foreignProfileSentence(inputs[0]));
 }
 
 void addTag(OutputPlan& plan, const InputPlan& inputPlan, const std::vector<ColorInput>& inputs,
             const ColorOutput& output) {
-  if (auto kept = inheritedTag(plan, inputPlan.working, inputs, output.format)) {
+  if (auto kept = inheritedTag(plan.space, inputPlan.working, inputs, output)) {
     plan.tag = std::move(*kept);
     return;
   }
   const bool isAllAsItWas = !plan.isConverted && !inputPlan.convertsAnything();
   const bool isPlain = isTakenForGranted(plan.space, output.isFloat);
   if (isPlain && plan.space.origin == Origin::Assumed && (isAllAsItWas || output.isFloat)) return;
-  OutputTag made = tagOfSpace(plan.space, output.format);
+  OutputTag made = tagOfSpace(plan.space, output.format, output.isGray);
   plan.tag = std::move(made.tag);
   plan.needsProfile = made.needsProfile;
   if (!made.isComplete && !isPlain) {
@@ -99,6 +112,10 @@ std::optional<std::string> guessworkWarning(const std::vector<ColorInput>& input
   return text + "; --input-space FILE=NAME says otherwise";
 }
 
+std::string foreignProfileSentence(const ColorInput& input) {
+  return "the ICC profile of " + input.path + " is left out: it is not for pictures like the result";
+}
+
 InputPlan planInputs(const std::vector<ColorInput>& inputs, const std::optional<ColorSpace>& wanted) {
   InputPlan plan;
   plan.working = workingSpace(inputs, wanted);
@@ -121,7 +138,7 @@ OutputPlan planOutput(const InputPlan& inputPlan, const std::vector<ColorInput>&
                       const std::optional<ColorSpace>& wanted, const ColorOutput& output) {
   const ColorSpace& working = inputPlan.working;
   OutputPlan plan;
-  plan.space = working.kind == Kind::Raw ? working : wanted.value_or(defaultOutput(working, output.isFloat));
+  plan.space = working.kind == Kind::Raw ? working : wanted.value_or(defaultOutput(working, inputs, output));
   plan.isConverted = needsConversion(working, plan.space);
   if (plan.isConverted) {
     ColorSpace from = working;
@@ -130,6 +147,7 @@ OutputPlan planOutput(const InputPlan& inputPlan, const std::vector<ColorInput>&
     plan.sentences.push_back(conversionSentence("the result", from, plan.space));
   }
   addTag(plan, inputPlan, inputs, output);
+  tellOfForeignProfile(plan, working, inputs, output);
   return plan;
 }
 

@@ -41,10 +41,14 @@ std::optional<std::string> guessworkWarning(const std::vector<ColorInput>& input
 bool needsConversion(const ColorSpace& from, const ColorSpace& to);
 std::string conversionSentence(const std::string& what, const ColorSpace& from, const ColorSpace& to);
 
+// Of a profile for gray that a file of colors cannot have, or the other way around.
+std::string foreignProfileSentence(const ColorInput& input);
+
 struct ColorOutput {
   std::string path;
   FileFormat format = FileFormat::Png;
-  bool isFloat = false;  // halves count
+  bool isFloat = false;        // halves count
+  std::optional<bool> isGray;  // or of colors; nothing where the result decides
   bool operator==(const ColorOutput&) const = default;
 };
 

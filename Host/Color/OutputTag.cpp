@@ -1,24 +1,12 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Color/OutputTag.h"
 
+#include "Host/Color/IccProfile.h"
 #include "Host/Color/KnownSpaces.h"
+#include "Host/Files/FileFormat.h"
 
 namespace host {
 namespace {
-
-bool holdsProfiles(FileFormat format) {
-  switch (format) {
-    case FileFormat::Png:
-    case FileFormat::Jpeg:
-    case FileFormat::Tiff:
-    case FileFormat::WebP:
-    case FileFormat::Jpeg2000:
-    case FileFormat::Heif:
-      return true;
-    default:
-      return false;
-  }
-}
 
 bool isKnown(const ColorSpace& space, KnownSpace known) {
   return space.kind == ColorSpace::Kind::Known && space.known == known;
@@ -49,7 +37,7 @@ ColorTag pngSRgbTag() {
 
 }  // namespace
 
-OutputTag tagOfSpace(const ColorSpace& space, FileFormat format) {
+OutputTag tagOfSpace(const ColorSpace& space, FileFormat format, std::optional<bool> isGray) {
   OutputTag result;
   if (space.kind == ColorSpace::Kind::Raw) return result;
   if (format == FileFormat::Exr) return exrTag(space);
@@ -57,28 +45,40 @@ OutputTag tagOfSpace(const ColorSpace& space, FileFormat format) {
     if (format == FileFormat::Png) result.tag = pngSRgbTag();
     return result;
   }
-  result.isComplete = holdsProfiles(format) && space.kind != ColorSpace::Kind::Named;
-  if (!result.isComplete) return result;
-  if (space.kind == ColorSpace::Kind::Profile) {
-    result.tag.iccProfile = *space.profile;
-    return result;
-  }
-  result.needsProfile = true;
   if (format == FileFormat::Png && space.kind == ColorSpace::Kind::Known) {
     result.tag.codePoints = factsOf(space.known).codePoints;
   }
+  const bool takesProfile =
+      traitsOf(format).holdsProfiles && space.kind != ColorSpace::Kind::Named && isGray.value_or(false) == space.isGray;
+  if (takesProfile && space.kind == ColorSpace::Kind::Profile) {
+    result.tag.iccProfile = *space.profile;
+  } else {
+    result.needsProfile = takesProfile;
+  }
+  result.isComplete = takesProfile || result.tag.codePoints;
   return result;
 }
 
-std::optional<ColorTag> keptTag(const ColorTag& tag, const ColorSpace& space, FileFormat format) {
+bool dropForeignProfile(ColorTag* tag, std::optional<bool> isGray) {
+  if (tag->iccProfile.empty()) return false;
+  const auto summary = readIccProfile(tag->iccProfile, nullptr);
+  if (summary && summary->isGray == isGray.value_or(summary->isGray)) return false;
+  if (summary && !tag->codePoints) *tag = {};
+  tag->iccProfile.clear();
+  return true;
+}
+
+std::optional<ColorTag> keptTag(const ColorTag& stated, const ColorSpace& space, FileFormat format,
+                                std::optional<bool> isGray) {
+  ColorTag tag = stated;
+  dropForeignProfile(&tag, isGray);
   const bool isOfPng = tag.codePoints || !tag.iccProfile.empty() || tag.sRGBIntent || tag.gamma;
   ColorTag kept;
   if (format == FileFormat::Png) {
     // Primaries alone mean light in an EXR file, and display values here.
     if (!isOfPng && (space.isLinear || !tag.primaries)) return std::nullopt;
-    kept = tag;
-    kept.name.clear();
-    return kept;
+    tag.name.clear();
+    return tag;
   }
   if (format == FileFormat::Exr) {
     if (isOfPng || (!tag.primaries && tag.name.empty())) return std::nullopt;
@@ -86,7 +86,7 @@ std::optional<ColorTag> keptTag(const ColorTag& tag, const ColorSpace& space, Fi
     kept.name = tag.name;
     return kept;
   }
-  if (tag.iccProfile.empty() || !holdsProfiles(format)) return std::nullopt;
+  if (tag.iccProfile.empty() || !traitsOf(format).holdsProfiles) return std::nullopt;
   kept.iccProfile = tag.iccProfile;
   return kept;
 }

@@ -60,13 +60,12 @@ OutputPicture rendered(EffectRendering& rendering, const InputPictures& pictures
   picture.bitmap = outputConverted(result, conversion.alpha);
   picture.depth = rendering.depthOf(*picture.bitmap);
   picture.channels = conversion.channels ? *conversion.channels : keptChannels(*picture.bitmap, channelsOf(pictures));
+  picture.areChannelsTold = conversion.channels.has_value();
   if (!pictures.infos.empty()) picture.metadata = pictures.infos[0]->metadata;
   if (conversion.alpha == OutputAlpha::Gray) {
     picture.metadata.color = {};  // alpha is no color
   } else {
-    colors.toOutput(picture, sink.format());
-    const bool isWidened = !conversion.channels && isGray(picture.channels) && !ColorFlow::canBeGray(picture);
-    if (isWidened) picture.channels = hasAlpha(picture.channels) ? Channels::RGBA : Channels::RGB;
+    colors.toOutput(picture, sink.format(picture.depth));
   }
   return picture;
 }

@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <new>
 
 namespace host {
 namespace {
@@ -59,7 +58,7 @@ void FileContents::readToEnd(int descriptor, std::uint64_t expected) {
     if (size_ == capacity) {
       capacity = std::max<std::size_t>({static_cast<std::size_t>(expected) + 1, size_ * 2, 65536});
       void* const larger = std::realloc(bytes_.get(), capacity);
-      if (!larger) throw std::bad_alloc();
+      if (!larger) throw Refusal{"there is not enough memory for it"};
       (void)bytes_.release();
       bytes_.reset(static_cast<std::uint8_t*>(larger));
     }

@@ -15,20 +15,20 @@ namespace host {
 namespace {
 
 constexpr FormatTraits kFormats[] = {
-    {FileFormat::Png, "PNG", "png", true, true, false, false, AlphaKind::Straight, true},
-    {FileFormat::Jpeg, "JPEG", "jpg jpeg", true, false, false, false, AlphaKind::None, true},
-    {FileFormat::Tiff, "TIFF", "tif tiff", true, true, false, true, AlphaKind::Premultiplied, true},
-    {FileFormat::Exr, "EXR", "exr", false, false, true, true, AlphaKind::Premultiplied, true},
-    {FileFormat::WebP, "WebP", "webp", true, false, false, false, AlphaKind::Straight, false},
-    {FileFormat::Bmp, "BMP", "bmp", true, false, false, false, AlphaKind::None, false},
-    {FileFormat::Targa, "TGA", "tga", true, false, false, false, AlphaKind::Straight, true},
-    {FileFormat::Dpx, "DPX", "dpx", true, true, false, false, AlphaKind::None, false},
-    {FileFormat::Hdr, "HDR", "hdr", false, false, false, true, AlphaKind::None, false},
-    {FileFormat::Jpeg2000, "JPEG 2000", "jp2 j2k", true, true, false, false, AlphaKind::Straight, true},
-    {FileFormat::Heif, "HEIF", "heic heif avif", true, false, false, false, AlphaKind::Straight, false},
-    {FileFormat::Ppm, "PPM", "ppm", true, true, false, false, AlphaKind::None, false},
-    {FileFormat::Pnm, "PNM", "pnm", true, true, false, false, AlphaKind::None, true},
-    {FileFormat::Pfm, "PFM", "pfm", false, false, false, true, AlphaKind::None, true},
+    {FileFormat::Png, "PNG", "png", true, true, false, false, AlphaKind::Straight, true, true},
+    {FileFormat::Jpeg, "JPEG", "jpg jpeg", true, false, false, false, AlphaKind::None, true, true},
+    {FileFormat::Tiff, "TIFF", "tif tiff", true, true, false, true, AlphaKind::Premultiplied, true, true},
+    {FileFormat::Exr, "EXR", "exr", false, false, true, true, AlphaKind::Premultiplied, true, false},
+    {FileFormat::WebP, "WebP", "webp", true, false, false, false, AlphaKind::Straight, false, false},
+    {FileFormat::Bmp, "BMP", "bmp", true, false, false, false, AlphaKind::None, false, false},
+    {FileFormat::Targa, "TGA", "tga", true, false, false, false, AlphaKind::Straight, true, false},
+    {FileFormat::Dpx, "DPX", "dpx", true, true, false, false, AlphaKind::None, false, false},
+    {FileFormat::Hdr, "HDR", "hdr", false, false, false, true, AlphaKind::None, false, false},
+    {FileFormat::Jpeg2000, "JPEG 2000", "jp2 j2k", true, true, false, false, AlphaKind::Straight, true, false},
+    {FileFormat::Heif, "HEIF", "heic heif avif", true, false, false, false, AlphaKind::Straight, false, false},
+    {FileFormat::Ppm, "PPM", "ppm", true, true, false, false, AlphaKind::None, false, false},
+    {FileFormat::Pnm, "PNM", "pnm", true, true, false, false, AlphaKind::None, true, false},
+    {FileFormat::Pfm, "PFM", "pfm", false, false, false, true, AlphaKind::None, true, false},
 };
 
 template <class Function>
@@ -78,7 +78,8 @@ FileFormat fileFormatOf(const std::string& path) {
 
 FileFormat fileFormatNamed(const std::string& extension) {
   if (const auto format = formatWithExtension(lowerCase(extension))) return *format;
-  throw Failure(ExitCode::Usage, "--format " + extension + ": give " + knownExtensions());
+  throw Failure(ExitCode::Usage,
+                "--format " + extension + ": give " + knownExtensions() + "; y4m or raw for --output -");
 }
 
 std::optional<FileFormat> formatOfBytes(std::span<const std::uint8_t> file) {

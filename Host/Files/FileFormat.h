@@ -22,6 +22,7 @@ struct FormatTraits {
   bool holdsFloat;
   AlphaKind alpha;  // how alpha is stored; None where it cannot be
   bool holdsGray;
+  bool holdsProfiles;  // ICC profiles
 };
 const FormatTraits& traitsOf(FileFormat format);
 

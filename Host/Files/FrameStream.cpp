@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <numeric>
 #include <span>
 #include <string>
 #include <vector>
@@ -47,11 +48,20 @@ std::vector<Sample> planesOf(OutputRows& rows, std::size_t width, std::size_t he
   return planes;
 }
 
-std::string y4mHeader(std::uint32_t width, std::uint32_t height, double rate, bool isDeep) {
-  const bool isWhole = rate == std::floor(rate) && rate < 1e9;
-  const auto numerator = static_cast<unsigned long>(std::llround(isWhole ? rate : rate * 1000));
-  return "YUV4MPEG2 W" + std::to_string(width) + " H" + std::to_string(height) + " F" + std::to_string(numerator) +
-         (isWhole ? ":1" : ":1000") + " Ip A1:1 C444" + (isDeep ? "p16 XYSCSS=444P16" : "") + " XCOLORRANGE=LIMITED\n";
+// Frames per second as a fraction in lowest terms, of thousandths where it is not whole.
+std::string fractionOf(double rate) {
+  const double thousandths = std::round(rate * 1000);
+  if (thousandths < 1 || thousandths > 1e9) {
+    throw Failure(ExitCode::Usage, "--rate: a y4m stream takes 0.001 to 1000000 frames per second");
+  }
+  const auto numerator = static_cast<std::uint32_t>(thousandths);
+  const std::uint32_t common = std::gcd(numerator, 1000u);
+  return std::to_string(numerator / common) + ":" + std::to_string(1000 / common);
+}
+
+std::string y4mHeader(std::uint32_t width, std::uint32_t height, const std::string& rate, bool isDeep) {
+  return "YUV4MPEG2 W" + std::to_string(width) + " H" + std::to_string(height) + " F" + rate + " Ip A1:1 C444" +
+         (isDeep ? "p16 XYSCSS=444P16" : "") + " XCOLORRANGE=LIMITED\n";
 }
 
 }  // namespace
@@ -61,6 +71,9 @@ std::optional<FrameStreamKind> frameStreamNamed(const std::string& name) {
   if (name == "y4m") return FrameStreamKind::Y4M;
   return std::nullopt;
 }
+
+FrameStream::FrameStream(FrameStreamKind kind, double rate)
+    : kind_(kind), rate_(kind == FrameStreamKind::Y4M ? fractionOf(rate) : "") {}
 
 std::uint64_t FrameStream::write(const OutputPicture& picture) {
   if (kind_ == FrameStreamKind::Raw) return writeRaw(picture);

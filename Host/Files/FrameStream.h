@@ -18,7 +18,7 @@ std::optional<FrameStreamKind> frameStreamNamed(const std::string& name);  // "r
 
 class FrameStream {
  public:
-  FrameStream(FrameStreamKind kind, double rate) : kind_(kind), rate_(rate) {}
+  FrameStream(FrameStreamKind kind, double rate);  // throws Failure for a rate that a y4m header cannot hold
   // Returns of how many pixels integers could not hold the colors. Throws Failure when frames differ in size.
   std::uint64_t write(const OutputPicture& picture);
 
@@ -27,7 +27,7 @@ class FrameStream {
   std::uint64_t writeY4M(const OutputPicture& picture);
 
   FrameStreamKind kind_;
-  double rate_;
+  std::string rate_;  // "25:1"
   std::uint32_t width_ = 0;
   std::uint32_t height_ = 0;
 };

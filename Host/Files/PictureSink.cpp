@@ -17,6 +17,9 @@ PictureSink::PictureSink(const std::string& output, const std::string& format, c
                          double rate, bool isVerbose)
     : output_(output), pattern_(framePattern(output)), settings_(settings), isVerbose_(isVerbose) {
   if (output != "-") {
+    if (frameStreamNamed(format)) {
+      throw Failure(ExitCode::Usage, "--format " + format + ": frames one after another go to --output - alone");
+    }
     format_ = format.empty() ? fileFormatOf(output) : fileFormatNamed(format);
     checkOutput(output);
     return;
@@ -29,6 +32,7 @@ PictureSink::PictureSink(const std::string& output, const std::string& format, c
   }
   if (const auto kind = frameStreamNamed(format)) {
     stream_.emplace(*kind, rate);
+    isRaw_ = *kind == FrameStreamKind::Raw;
   } else {
     format_ = fileFormatNamed(format);
   }

@@ -23,7 +23,11 @@ class PictureSink {
   // Of how many pixels, of all pictures, the file's integers could not hold the colors.
   std::uint64_t clippedPixels() const { return clipped_; }
 
-  FileFormat format() const { return format_; }  // of the files; that of frames in a stream counts as PNG
+  // Of the files. Frames in a stream count as PNG, raw floats as EXR.
+  FileFormat format(Depth depth) const {
+    const bool isLight = isRaw_ && (depth == Depth::Half || depth == Depth::Float);
+    return isLight ? FileFormat::Exr : format_;
+  }
 
  private:
   void print(const OutputPicture& picture);
@@ -34,6 +38,7 @@ class PictureSink {
   const WriteSettings settings_;
   bool isVerbose_;
   std::optional<FrameStream> stream_;
+  bool isRaw_ = false;
   FileFormat format_ = FileFormat::Png;
   std::uint64_t clipped_ = 0;
 };

@@ -21,6 +21,7 @@ struct OutputPicture {
   FileMetadata metadata;                        // what the format cannot hold is left out
   std::shared_ptr<RowColors> colors = nullptr;  // to the file's space; null where the bitmap is in it
   bool isConverted = false;                     // to the file's space or before: integers are made of straight colors
+  bool areChannelsTold = false;  // by the user: gray is not made into colors to hold a profile for colors
 };
 
 // "gray", "gray+alpha", "rgb", "rgba"; nothing for an empty text and "auto". Throws Failure for any other.

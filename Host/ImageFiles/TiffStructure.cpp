@@ -3,6 +3,8 @@
 
 #include "Host/ImageFiles/FileBytes.h"
 
+#include <algorithm>
+#include <limits>
 #include <map>
 #include <set>
 
@@ -10,8 +12,11 @@ namespace host {
 namespace {
 
 enum Tag : std::uint16_t {
+  kImageWidth = 256,
+  kImageLength = 257,
   kBitsPerSample = 258,
   kCompression = 259,
+  kPhotometric = 262,
   kStripOffsets = 273,
   kSamplesPerPixel = 277,
   kStripByteCounts = 279,
@@ -21,6 +26,40 @@ enum Tag : std::uint16_t {
   kTileOffsets = 324,
   kTileByteCounts = 325,
 };
+
+// Tiles that are larger than their picture are so by no more than this; the rest would be made and thrown away.
+constexpr std::uint64_t kMostPastEdge = 4096;
+// What all tiles may take besides 16 times what the picture takes.
+constexpr std::uint64_t kMostPastPicture = std::uint64_t{1} << 28;
+
+enum Compression : std::uint64_t { kNone = 1, kLzw = 5, kDeflate = 8, kOldDeflate = 32946, kPackbits = 32773 };
+constexpr std::uint64_t kYCbCr = 6;  // may have fewer samples of colors than pixels
+
+constexpr std::uint64_t kMost = std::numeric_limits<std::uint64_t>::max();
+
+std::uint64_t product(std::uint64_t left, std::uint64_t right) {
+  return right != 0 && left > kMost / right ? kMost : left * right;
+}
+std::uint64_t sum(std::uint64_t left, std::uint64_t right) {
+  return left > kMost - right ? kMost : left + right;
+}
+
+// No more than this can a stored byte stand for.
+std::uint64_t largestRatio(std::uint64_t compression) {
+  switch (compression) {
+    case kNone:
+      return 1;
+    case kPackbits:
+      return 64;
+    case kDeflate:
+    case kOldDeflate:
+      return 1032;
+    case kLzw:
+      return 4096;
+    default:
+      return kMost;
+  }
+}
 
 // The whole numbers that belong to a tag.
 struct Field {
@@ -37,13 +76,13 @@ class Directories {
   bool areWhole() {
     bool isFirst = true;
     std::set<std::uint64_t> seen;
-    for (std::uint64_t at = isBig_ ? bytes_.number(8, 8) : bytes_.number(4, 4); at != 0 && bytes_.isWhole();) {
+    for (std::uint64_t at = isBig_ ? bytes_.number(8, 8) : bytes_.number(4, 4); at != 0 && isSound();) {
       if (!seen.insert(at).second) return false;  // a circle
       at = readDirectory(at);
       if (!isPictureWhole(isFirst)) return false;
       isFirst = false;
     }
-    return bytes_.isWhole();
+    return isSound();
   }
 
  private:
@@ -64,6 +103,8 @@ class Directories {
     }
   }
 
+  bool isSound() const { return bytes_.isWhole() && looks_ <= bytes_.size(); }
+
   // Returns where the next directory is; 0 after the last.
   std::uint64_t readDirectory(std::uint64_t at) {
     fields_.clear();
@@ -73,6 +114,8 @@ class Directories {
     const std::uint64_t count = bytes_.number(at, countSize);
     const std::uint64_t first = at + countSize;
     if (bytes_.range(first, count > bytes_.size() ? bytes_.size() : count * entrySize).empty()) return 0;
+    looks_ += count;
+    if (!isSound()) return 0;
     for (std::uint64_t entry = first; entry < first + count * entrySize; entry += entrySize) {
       Field field;
       field.size = sizeOfType(bytes_.number(entry + 2, 2));
@@ -96,31 +139,62 @@ class Directories {
     return found == fields_.end() ? 0 : found->second.count;
   }
 
+  bool isTiled() const { return count(kTileOffsets) > 0; }
+  std::uint64_t compression() { return value(kCompression, 0, kNone); }
+  bool isDeflated() { return compression() == kDeflate || compression() == kOldDeflate; }
+
   bool isPictureWhole(bool isFirst) {
-    const bool isTiled = count(kTileOffsets) > 0;
-    const Tag offsets = isTiled ? kTileOffsets : kStripOffsets;
-    const Tag sizes = isTiled ? kTileByteCounts : kStripByteCounts;
-    const std::uint64_t compression = value(kCompression, 0, 1);
-    const bool isDeflated = compression == 8 || compression == 32946;
-    if (isFirst && count(kBitsPerSample) == 0) return false;
-    for (std::uint64_t i = 0; i < count(offsets) && i < count(sizes) && bytes_.isWhole(); ++i) {
+    if (isFirst && (count(kBitsPerSample) == 0 || (isTiled() && !isTileSound()))) return false;
+    const Tag offsets = isTiled() ? kTileOffsets : kStripOffsets;
+    const Tag sizes = isTiled() ? kTileByteCounts : kStripByteCounts;
+    const std::uint64_t tile = isFirst && isTiled() ? tileSize() : 0;
+    const std::uint64_t pieces = std::min(count(offsets), count(sizes));
+    std::uint64_t storedBytes = 0;
+    for (std::uint64_t i = 0; i < pieces && isSound(); ++i) {
+      ++looks_;
       const auto stored = bytes_.range(value(offsets, i, 0), value(sizes, i, 0));
-      if (tiles_ == DeflatedTiles::Now && isFirst && isTiled && isDeflated &&
-          inflatedSize(stored, tileSize()) != tileSize())
-        return false;
+      storedBytes += stored.size();
+      if (tile > 0 && !canHold(stored, tile)) return false;
     }
-    return bytes_.isWhole();
+    return isSound() && (!isFirst || isReadOnce(storedBytes, product(tile, pieces)));
+  }
+
+  bool isTileSound() {
+    return tileSize() > 0 && value(kTileWidth, 0, 0) <= sum(value(kImageWidth, 0, 0), kMostPastEdge) &&
+           value(kTileLength, 0, 0) <= sum(value(kImageLength, 0, 0), kMostPastEdge);
+  }
+
+  bool canHold(std::span<const std::uint8_t> stored, std::uint64_t tile) {
+    const bool isSubsampled = compression() == kNone && value(kPhotometric, 0, 0) == kYCbCr;
+    if (!isSubsampled && tile / largestRatio(compression()) > stored.size()) return false;
+    return tiles_ == DeflatedTiles::Later || !isDeflated() || inflatedSize(stored, tile) == tile;
+  }
+
+  // Strips and tiles may share bytes, as empty ones do. What they hold is not much more than the picture, and what they
+  // are made of is not much more than what they hold, but for bytes of their own.
+  bool isReadOnce(std::uint64_t storedBytes, std::uint64_t tileBytes) {
+    const std::uint64_t samples = value(kSamplesPerPixel, 0, 1);
+    const std::uint64_t picture = product(sizeOf(value(kImageWidth, 0, 0), samples), value(kImageLength, 0, 0));
+    return tileBytes <= sum(product(picture, 16), kMostPastPicture) &&
+           storedBytes <= sum(bytes_.size(), product(std::max(picture, tileBytes), 2));
+  }
+
+  std::uint64_t sizeOf(std::uint64_t pixels, std::uint64_t samples) {
+    return sum(product(product(pixels, samples), value(kBitsPerSample, 0, 1)), 7) / 8;
   }
 
   std::uint64_t tileSize() {
     const std::uint64_t samples = value(kPlanarConfiguration, 0, 1) == 2 ? 1 : value(kSamplesPerPixel, 0, 1);
-    return (value(kTileWidth, 0, 0) * samples * value(kBitsPerSample, 0, 1) + 7) / 8 * value(kTileLength, 0, 0);
+    return product(sizeOf(value(kTileWidth, 0, 0), samples), value(kTileLength, 0, 0));
   }
 
   FileBytes bytes_;
   bool isBig_;
   DeflatedTiles tiles_;
   std::map<std::uint16_t, Field> fields_;
+  // At entries of directories, strips and tiles. Each takes bytes of its own, except where they overlap so that walking
+  // them would take far longer than reading the file.
+  std::uint64_t looks_ = 0;
 };
 
 }  // namespace

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Inspect/Screenshot.h"
 
+#include "Host/Files/FileFormat.h"
 #include "Host/Files/PictureWriting.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Pixels/Bitmaps.h"
+#include "Host/Rendering/ColorFlow.h"
 #include "TarnCore/TCBitmap.h"
 #include "TarnCore/TCPixelFormat.h"
 
@@ -47,7 +49,9 @@ BitmapRef bitmapOf(const QImage& image) {
 void writeScreenshot(QWidget& window, const std::string& path) {
   waitUntilShown(window);
   const QImage image = window.grab().toImage().convertToFormat(QImage::Format_RGBA8888_Premultiplied);
-  writePicture(path, {bitmapOf(image), Depth::Bits8, Channels::RGB, {}});
+  OutputPicture picture{bitmapOf(image), Depth::Bits8, Channels::RGB, {}};
+  ColorFlow({}).toOutput(picture, fileFormatOf(path));
+  writePicture(path, picture);
   window.hide();
 }
 

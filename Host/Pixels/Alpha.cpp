@@ -6,6 +6,7 @@
 #include "TarnCore/TCPixelLayout.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <type_traits>
 
@@ -79,12 +80,22 @@ bool isOpaqueFrom(const Sample* samples, std::size_t pixels, std::size_t alpha) 
   return opaque;
 }
 
+// Floats that went through another space and back may differ by what a half rounds away.
+template <class Sample>
+bool areEqual(Sample a, Sample b) {
+  if constexpr (std::is_same_v<Sample, float>) {
+    return a == b || std::abs(a - b) <= 0x1p-11F * std::max(std::abs(a), std::abs(b));
+  } else {
+    return a == b;
+  }
+}
+
 template <class Sample>
 bool isGrayFrom(const Sample* samples, std::size_t pixels, std::size_t red) {
   bool gray = true;
   for (std::size_t i = 0; i < pixels; ++i) {
     const Sample* const pixel = samples + 4 * i + red;
-    gray &= (pixel[0] == pixel[1]) & (pixel[1] == pixel[2]);
+    gray &= areEqual(pixel[0], pixel[1]) & areEqual(pixel[1], pixel[2]);
   }
   return gray;
 }

@@ -30,6 +30,6 @@ bool isGrayRow(const Sample* samples, std::size_t pixels);
 // Whole pictures in RGBA8, RGBA16 or RGBAFloat.
 void premultiply(VortoBitmap& bitmap);
 bool isOpaque(const VortoBitmap& bitmap);  // ARGB8 too
-bool isGray(const VortoBitmap& bitmap);    // ARGB8 too: red, green and blue are equal everywhere
+bool isGray(const VortoBitmap& bitmap);    // ARGB8 too: red, green and blue are equal everywhere, of floats nearly
 
 }  // namespace host

@@ -61,15 +61,26 @@ void moveAlphaToTheEnd(const std::byte* source, std::size_t pixels, std::vector<
   }
 }
 
+// ITU-R BT.601's luma; exactly the color where all three are the same.
+template <class Sample>
+Sample grayOf(const Sample* pixel) {
+  if (pixel[0] == pixel[1] && pixel[1] == pixel[2]) return pixel[0];
+  if constexpr (std::is_same_v<Sample, float>) {
+    return static_cast<float>(0.299 * pixel[0] + 0.587 * pixel[1] + 0.114 * pixel[2]);
+  } else {
+    return static_cast<Sample>((299u * pixel[0] + 587u * pixel[1] + 114u * pixel[2] + 500u) / 1000u);
+  }
+}
+
 template <class Sample>
 void packRow(const Sample* from, std::size_t pixels, Channels channels, Sample* to) {
   switch (channels) {
     case Channels::Gray:
-      for (std::size_t i = 0; i < pixels; ++i) to[i] = from[4 * i];
+      for (std::size_t i = 0; i < pixels; ++i) to[i] = grayOf(from + 4 * i);
       break;
     case Channels::GrayAlpha:
       for (std::size_t i = 0; i < pixels; ++i) {
-        to[2 * i] = from[4 * i];
+        to[2 * i] = grayOf(from + 4 * i);
         to[2 * i + 1] = from[4 * i + 3];
       }
       break;

@@ -28,8 +28,9 @@ struct RowKind {
 
 // The rows of a result (RGBA8, ARGB8, RGBA16 or RGBAFloat, premultiplied) as a file wants them, made one at a time.
 // Integers widen to their whole range and narrow to the nearest value; floats are cut to 0 to 1 first, NaN to 0. Floats
-// from integers are value / maximum. Without alpha they show the picture over black; gray is taken from red. The bitmap
-// and the colors must outlive it.
+// from integers are value / maximum. Without alpha they show the picture over black; gray is the color of gray pixels
+// and 0.299 red + 0.587 green + 0.114 blue of others. The bitmap and the colors must
+// outlive it.
 class OutputRows : public PixelRows {
  public:
   OutputRows(const VortoBitmap& bitmap, const RowKind& kind);

@@ -4,7 +4,7 @@
 #include "Host/Color/BitmapColors.h"
 #include "Host/Color/ColorModuleLoader.h"
 #include "Host/Color/FileSpace.h"
-#include "Host/Color/IccProfile.h"
+#include "Host/Color/OutputTag.h"
 #include "Host/Files/FileFormat.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Messages/Remark.h"
@@ -21,11 +21,6 @@ void tell(const std::vector<std::string>& sentences) {
 
 bool contains(const std::vector<ColorSpace>& spaces, const ColorSpace& space) {
   return std::any_of(spaces.begin(), spaces.end(), [&](const ColorSpace& one) { return isSameSpace(one, space); });
-}
-
-bool isOfGray(const ColorTag& tag) {
-  const auto summary = readIccProfile(tag.iccProfile, nullptr);
-  return summary && summary->isGray;
 }
 
 }  // namespace
@@ -202,21 +197,32 @@ std::optional<ColorSpace> ColorFlow::lightOfConfiguration() const {
 void ColorFlow::toOutput(OutputPicture& picture, FileFormat format) {
   if (!isDecided_) decide();
   const SampleType sample = sampleTypeOf(storedDepth(format, picture.depth));
-  const ColorOutput output{"the file", format, sample == SampleType::Float};
+  std::optional<bool> isToldGray;
+  if (picture.areChannelsTold) isToldGray = isGray(picture.channels);
+  const ColorOutput output{"the file", format, sample == SampleType::Float, isToldGray};
   if (output_ != output) {
     output_ = output;
     decideOutput();
   }
   picture.metadata.color = outputPlan_.tag;
-  // A gray profile that stays is that of sRGB, as colors without a profile are.
-  if (!isGray(picture.channels) && isOfGray(picture.metadata.color)) picture.metadata.color.iccProfile.clear();
+  fitProfile(picture);
   picture.colors = outputConversion_;
   picture.isConverted = outputConversion_ || isAnyInputConverted_;
 }
 
-bool ColorFlow::canBeGray(const OutputPicture& picture) {
-  const ColorTag& tag = picture.metadata.color;
-  return tag.iccProfile.empty() || isOfGray(tag);
+void ColorFlow::fitProfile(OutputPicture& picture) {
+  ColorTag fitting = picture.metadata.color;
+  if (!dropForeignProfile(&fitting, isGray(picture.channels))) return;
+  if (isGray(picture.channels)) {
+    picture.channels = hasAlpha(picture.channels) ? Channels::RGBA : Channels::RGB;
+    return;
+  }
+  // A gray profile that stays where there was a conversion is that of sRGB.
+  const ColorSpace& space = outputPlan_.space;
+  const bool isRaw = space.kind == ColorSpace::Kind::Raw;
+  picture.metadata.color = isRaw ? fitting : tagOfSpace(space, output_->format, false).tag;
+  if (isRaw && !hasLeftProfileOut_) remark(foreignProfileSentence(inputs_[0]));
+  hasLeftProfileOut_ = true;
 }
 
 void ColorFlow::tellOfClipping(std::uint64_t pixels) const {

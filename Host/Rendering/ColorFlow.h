@@ -41,11 +41,9 @@ class ColorFlow {
   MutableBitmapRef toWorking(std::size_t input, const FilePicture& picture, const std::string& path);
 
   // Says of a result in the working space what becomes of its colors in a file of the format, and what its metadata
-  // state then. Without inputs before it colors are sRGB.
+  // state then. Gray becomes colors where the file has a profile for colors, unless the channels are told. Without
+  // inputs before it colors are sRGB.
   void toOutput(OutputPicture& picture, FileFormat format);
-
-  // Whether gray may be written as gray: a profile for colors is none of a gray file.
-  static bool canBeGray(const OutputPicture& picture);
 
   // That pixels of the results lay outside what the file's integers can hold, where there are any and they are colors.
   void tellOfClipping(std::uint64_t pixels) const;
@@ -69,6 +67,7 @@ class ColorFlow {
   void meetLater(std::size_t index, Met met);
   void warnOfGuesswork(const std::vector<ColorInput>& current);
   void tellOnce(const std::string& what, const std::string& about);
+  void fitProfile(OutputPicture& picture);
 
   const ColorWishes wishes_;
   bool isDecided_ = false;
@@ -84,6 +83,7 @@ class ColorFlow {
   OutputPlan outputPlan_;
   std::shared_ptr<ColorConversion> outputConversion_;
   bool isAnyInputConverted_ = false;  // of those so far
+  bool hasLeftProfileOut_ = false;
 };
 
 }  // namespace host

@@ -5,6 +5,7 @@
 #include "Host/Messages/Failure.h"
 #include "Host/Pixels/Alpha.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace host {
@@ -21,6 +22,7 @@ Depth commonDepth(Depth a, Depth b) {
 Inputs::Inputs(const std::vector<std::string>& paths, std::optional<Depth> depth, std::optional<Layout> layout,
                ColorWishes colors)
     : depth_(layout ? std::optional(layout->depth) : depth), layout_(layout), colors_(std::move(colors)) {
+  if (std::ranges::count(paths, "-") > 1) throw Failure(ExitCode::Usage, "--input -: the standard input is given once");
   for (const std::string& path : paths) sources_.push_back({path, framePattern(path), nullptr, nullptr});
 }
 

@@ -99,6 +99,43 @@ TEST_F(Colors, AProfileStaysWithItsValues) {
   EXPECT_GT(readImage(at("srgb.png")).pixel(8, 8)[0], readImage(at("out.png")).pixel(8, 8)[0] + 10) << "a wider red";
 }
 
+TEST_F(Colors, ProfilesAreForThePixelsBesideThem) {
+  TestProfile grayProfile;
+  grayProfile.model = "GRAY";
+  grayProfile.gamma = 1.8;
+  writeTagged(at("wide.tiff"), flatImage(4, 4, {200, 200, 200, 255}), profileBytes(wideProfile()));
+  writeTagged(at("mixed.tiff"), flatImage(4, 4, {200, 200, 200, 255}), profileBytes(grayProfile));
+  say({"mixed.tiff"}, "gray.tiff", {"--working-space", "raw", "--channels", "gray"});
+  const std::string converted = "vorto: the result is converted from the profile \"Wide\" to sRGB\n";
+  const std::string leftOut = "vorto: the ICC profile of INPUT is left out: it is not for pictures like the result\n";
+  const struct {
+    std::string input, output, channels;
+    bool isRaw;
+    std::string said, model;
+  } rows[] = {
+      {"wide.tiff", "out.png", "gray", false, converted, ""},
+      {"wide.tiff", "out.jpg", "gray", false, converted, ""},
+      {"wide.tiff", "out.tif", "gray+alpha", false, converted, ""},
+      {"wide.tiff", "out.tif", "gray", true, leftOut, ""},
+      {"wide.tiff", "out.tif", "rgb", true, "", "RGB "},
+      {"gray.tiff", "out.tif", "auto", true, "", "GRAY"},
+      {"gray.tiff", "out.tif", "rgb", true, leftOut, ""},
+      {"gray.tiff", "out.png", "auto", false, "vorto: INPUT is converted from the profile \"Test\" to sRGB\n", ""},
+  };
+  for (const auto& row : rows) {
+    Words options{"--channels", row.channels};
+    if (row.isRaw) options.insert(options.end(), {"--working-space", "raw"});
+    std::string said = say({row.input}, row.output, options);
+    if (const std::size_t place = said.find(row.input); place != std::string::npos) {
+      said.replace(place, row.input.size(), "INPUT");
+    }
+    EXPECT_EQ(said, row.said) << row.input << ' ' << row.output;
+    const auto profile = iccProfileOf(at(row.output));
+    const std::string model = profile.size() < 20 ? "" : std::string(profile.begin() + 16, profile.begin() + 20);
+    EXPECT_EQ(model, row.model) << row.input << ' ' << row.output;
+  }
+}
+
 TEST_F(Colors, PngsStateTheirSpaceInChunks) {
   writePng(at("plain.png"), grays(8));
   writeExr(at("light.exr"), TestImage{1, 1, 32, {0.5, 0.5, 0.5, 1}});

@@ -204,9 +204,15 @@ TEST(Streams, CarryPicturesAndFrames) {
   const std::string one = at("in.0.tif");
   EXPECT_EQ(streamed({"--input", one, "--format", "raw", "--channels", "rgba"}),
             std::string("\xFF\xFF\xFF\xFF\x64\0\0\xFF", 8));
+  // Floats stay the light that they are.
+  writeTiff(at("light.tif"), TestImage{1, 1, 32, {0.25, 2, -1, 1}});
+  passThrough(at("light.tif"), at("light.exr"));
+  const float light[] = {0.25F, 2, -1};
+  EXPECT_EQ(streamed({"--input", at("light.exr"), "--format", "raw", "--channels", "rgb"}),
+            std::string(reinterpret_cast<const char*>(light), sizeof light));
   // BT.709 in video range: white is 235, 128, 128; 100/255 of red is 16 + 219 x 0.0834, ...
   EXPECT_EQ(streamed({"--input", at("in.%d.tif"), "--format", "y4m", "--rate", "29.97"}),
-            "YUV4MPEG2 W2 H1 F29970:1000 Ip A1:1 C444 XCOLORRANGE=LIMITED\n"
+            "YUV4MPEG2 W2 H1 F2997:100 Ip A1:1 C444 XCOLORRANGE=LIMITED\n"
             "FRAME\n\xEB\x22\x80\x76\x80\xAC"
             "FRAME\n\x10\x22\x80\x76\x80\xAC");
   EXPECT_EQ(streamed({"--input", one, "--format", "ppm"}), std::string("P6\n2 1\n255\n\xFF\xFF\xFF\x64\0\0", 17));

@@ -11,7 +11,7 @@
 namespace host {
 
 // What the library says goes nowhere but here. It leaves its functions by a jump when it gives up, which it also does
-// where it would only warn: after damage it would go on with what it makes up.
+// where it would only warn of lost data: after damage it would go on with what it makes up.
 class JpegErrors {
  public:
   JpegErrors();

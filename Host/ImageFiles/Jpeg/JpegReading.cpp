@@ -14,9 +14,13 @@ namespace {
 
 // Every 64 pixels take at least a bit, unless arithmetic coding spreads one over many; how many has no sharp limit.
 constexpr std::uint64_t kPixelsPerByte = 512;
-constexpr std::uint64_t kPixelsPerArithmeticByte = 512 * kPixelsPerByte;
-// Each goes over all pixels, for as little as a few bytes of the file. Programs write about ten.
+constexpr std::uint64_t kPixelsPerArithmeticByte = 64 * kPixelsPerByte;
+// Each scan goes over all pixels, for as little as a few bytes of the file. Programs write about ten.
 constexpr int kLargestScanCount = 200;
+// The pixels of all scans together: in any file, and for each byte of a larger one. Ten scans over nothing but gray
+// take a byte for 1,700.
+constexpr std::uint64_t kScannedPixels = std::uint64_t{1} << 30;
+constexpr std::uint64_t kScannedPixelsPerByte = 2048;
 
 constexpr unsigned kLargestMarker = 0xFFFF;
 constexpr int kExifMarker = JPEG_APP0 + 1;
@@ -27,18 +31,23 @@ std::uint8_t product(unsigned a, unsigned b) {
   return static_cast<std::uint8_t>((2 * a * b + 255) / 510);  // of fractions of 255, rounded
 }
 
+struct Progress {
+  jpeg_progress_mgr base{};  // first: the library hands its address back
+  int largestScanCount = kLargestScanCount;
+};
+
 class JpegReader : public ImageReader {
  public:
   JpegReader() {
     library_.err = errors_.manager();
-    progress_.progress_monitor = limitScans;
+    progress_.base.progress_monitor = checkScans;
   }
   ~JpegReader() override { jpeg_destroy_decompress(&library_); }
 
   bool open(std::span<const std::uint8_t> file, std::string* reason) {
     const bool isRead = errors_.run([&] {
       jpeg_create_decompress(&library_);
-      library_.progress = &progress_;
+      library_.progress = &progress_.base;
       jpeg_mem_src(&library_, file.data(), file.size());
       jpeg_save_markers(&library_, kExifMarker, kLargestMarker);
       jpeg_save_markers(&library_, kProfileMarker, kLargestMarker);
@@ -52,6 +61,7 @@ class JpegReader : public ImageReader {
     if (pixels / (library_.arith_code ? kPixelsPerArithmeticByte : kPixelsPerByte) > file.size()) {
       return refuse(reason);
     }
+    limitScans(pixels, file.size());
     info_.width = library_.image_width;
     info_.height = library_.image_height;
     info_.channels = library_.num_components == 1 ? Channels::Gray : Channels::RGB;
@@ -77,17 +87,23 @@ class JpegReader : public ImageReader {
 
  private:
   bool refuse(std::string* reason) const {
-    if (library_.input_scan_number > kLargestScanCount) {
-      return NSRefuse(reason, "it has more than " + std::to_string(kLargestScanCount) + " scans");
+    if (library_.input_scan_number > progress_.largestScanCount) {
+      return NSRefuse(reason, "it has more than " + std::to_string(progress_.largestScanCount) + " scans");
     }
     std::string text = "it is damaged or cut short";
     if (*errors_.firstMessage() != 0) text += std::string(" (") + errors_.firstMessage() + ")";
     return NSRefuse(reason, text);
   }
 
-  static void limitScans(j_common_ptr common) {
-    auto* const library = reinterpret_cast<j_decompress_ptr>(common);
-    if (library->input_scan_number > kLargestScanCount) common->err->error_exit(common);
+  void limitScans(std::uint64_t pixels, std::uint64_t fileSize) {
+    const std::uint64_t scans =
+        std::max(kScannedPixels, kScannedPixelsPerByte * fileSize) / std::max(pixels, std::uint64_t{1});
+    progress_.largestScanCount = static_cast<int>(std::clamp<std::uint64_t>(scans, 1, kLargestScanCount));
+  }
+  static void checkScans(j_common_ptr common) {
+    const auto* const library = reinterpret_cast<j_decompress_ptr>(common);
+    const int largest = reinterpret_cast<const Progress*>(library->progress)->largestScanCount;
+    if (library->input_scan_number > largest) common->err->error_exit(common);
   }
 
   // Inks are stored the other way round: what light they let through.
@@ -133,7 +149,7 @@ class JpegReader : public ImageReader {
 
   JpegErrors errors_;
   jpeg_decompress_struct library_{};
-  jpeg_progress_mgr progress_{};
+  Progress progress_;
 };
 
 }  // namespace

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/ImageFiles/Jpeg/JpegWriting.h"
 
+#include "Host/ImageFiles/IccModel.h"
 #include "Host/ImageFiles/Jpeg/JpegErrors.h"
 #include "Host/ImageFiles/Ratio.h"
 #include "Platform/Foundation/NSReason.h"
@@ -20,8 +21,6 @@ constexpr std::uint32_t kLargestSize = JPEG_MAX_DIMENSION;
 constexpr std::uint32_t kLargestDensity = 0xFFFF;
 constexpr std::size_t kLargestExif = 65533 - 6;
 constexpr std::size_t kLargestProfile = std::size_t{255} * 65519;
-constexpr std::size_t kProfileHeader = 128;
-constexpr std::size_t kProfileColorSpace = 16;
 constexpr int kExifMarker = JPEG_APP0 + 1;
 constexpr char kExifName[] = "Exif\0";  // and the terminating zero
 
@@ -168,14 +167,10 @@ class JpegWriter {
       }
     }
     const Bytes& profile = request_.metadata->color.iccProfile;
-    return !isProfileFor(profile) || errors_.run([&] {
+    const bool isFitting = profile.size() <= kLargestProfile && isProfileFor(profile, request_.channels);
+    return !isFitting || errors_.run([&] {
       jpeg_write_icc_profile(&library_, profile.data(), static_cast<unsigned>(profile.size()));
     });
-  }
-
-  bool isProfileFor(const Bytes& profile) const {
-    return profile.size() >= kProfileHeader && profile.size() <= kLargestProfile &&
-           std::memcmp(&profile[kProfileColorSpace], isGray(request_.channels) ? "GRAY" : "RGB ", 4) == 0;
   }
 
   bool writeRows() {

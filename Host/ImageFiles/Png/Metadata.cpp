@@ -2,13 +2,13 @@
 #include "Host/ImageFiles/Png/Metadata.h"
 
 #include "Host/ImageFiles/Exif.h"
+#include "Host/ImageFiles/IccModel.h"
 #include "Host/ImageFiles/Png/Deflate.h"
 #include "Host/ImageFiles/Ratio.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstring>
 #include <limits>
 
 namespace host {
@@ -17,8 +17,6 @@ namespace {
 constexpr double kFixedPoint = 100000;  // what gamma and chromaticities are multiplied with
 constexpr std::uint32_t kLargestRatio = 1000000;
 constexpr std::size_t kLargestProfile = 1 << 24;
-constexpr std::size_t kSmallestProfile = 128;  // its header
-constexpr std::size_t kProfileColorSpace = 16;
 
 double fixedPoint(const PngChunk& chunk, std::size_t index) {
   return pngNumber(&chunk.data[4 * index]) / kFixedPoint;
@@ -31,7 +29,7 @@ void readProfile(const PngChunk& chunk, ColorTag* color) {
   const auto length = static_cast<std::size_t>(end - name.begin());
   if (end == name.end() || length == 0 || chunk.data.size() < length + 2 || chunk.data[length + 1] != 0) return;
   Bytes profile = inflated(chunk.data.subspan(length + 2), kLargestProfile);
-  if (profile.size() < kSmallestProfile || pngNumber(profile.data()) != profile.size()) return;
+  if (profile.size() < kIccHeaderSize || pngNumber(profile.data()) != profile.size()) return;
   if (color->iccProfile.empty()) color->iccProfile = std::move(profile);
 }
 
@@ -62,11 +60,6 @@ void readResolution(const PngChunk& chunk, FileMetadata* metadata) {
 void appendFixedPoint(double value, Bytes* data) {
   const double largest = std::numeric_limits<std::int32_t>::max();
   appendPngNumber(static_cast<std::uint32_t>(std::clamp(std::round(value * kFixedPoint), 0.0, largest)), data);
-}
-
-bool isFor(const Bytes& profile, Channels channels) {
-  return profile.size() >= kSmallestProfile &&
-         std::memcmp(&profile[kProfileColorSpace], isGray(channels) ? "GRAY" : "RGB ", 4) == 0;
 }
 
 void appendProfile(const Bytes& profile, Bytes* file) {
@@ -140,7 +133,7 @@ void appendPngMetadata(const FileMetadata& metadata, Channels channels, Bytes* f
     const Bytes data{points.primaries, points.transfer, 0, static_cast<std::uint8_t>(points.isFullRange)};
     appendPngChunk(pngType("cICP"), data, file);
   }
-  if (isFor(color.iccProfile, channels)) {
+  if (isProfileFor(color.iccProfile, channels)) {
     appendProfile(color.iccProfile, file);
   } else if (color.sRGBIntent && *color.sRGBIntent <= 3) {
     appendPngChunk(pngType("sRGB"), Bytes{*color.sRGBIntent}, file);

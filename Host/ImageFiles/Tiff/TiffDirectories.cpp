@@ -2,6 +2,7 @@
 #include "Host/ImageFiles/Tiff/TiffDirectories.h"
 
 #include "Host/ImageFiles/ByteWriter.h"
+#include "Host/ImageFiles/IccModel.h"
 #include "Host/ImageFiles/Tiff/TiffMetadata.h"
 
 #include <algorithm>
@@ -123,10 +124,10 @@ Field bytesField(std::uint16_t tag, const Bytes& value) {
   return {tag, kUndefined, value.size(), value};
 }
 
-std::vector<Field> descriptiveFields(const FileMetadata& metadata) {
+std::vector<Field> descriptiveFields(const FileMetadata& metadata, Channels channels) {
   std::vector<Field> fields;
   addResolution(metadata, &fields);
-  if (const Bytes& profile = metadata.color.iccProfile; !profile.empty()) {
+  if (const Bytes& profile = metadata.color.iccProfile; isProfileFor(profile, channels)) {
     fields.push_back(bytesField(TIFFTAG_ICCPROFILE, profile));
   }
   const auto block = ExifBlock::parse(metadata.exif);

@@ -25,8 +25,9 @@ Field longField(std::uint16_t tag, const std::vector<std::uint64_t>& values, boo
 Field rationalField(std::uint16_t tag, double value);  // of a number above 0
 Field bytesField(std::uint16_t tag, const Bytes& value);
 
-// What the metadata says, as fields of the picture's own directory.
-std::vector<Field> descriptiveFields(const FileMetadata& metadata);
+// What the metadata says, as fields of the picture's own directory. A profile is left out when it is not for such
+// pixels (gray, or RGB).
+std::vector<Field> descriptiveFields(const FileMetadata& metadata, Channels channels);
 
 // The picture's directory and those of its Exif block, as they follow a file's pixels.
 struct Directories {

@@ -41,7 +41,7 @@ class TiffWriter {
     }
     static const FileMetadata none;
     const FileMetadata& metadata = request_.metadata ? *request_.metadata : none;
-    std::vector<Field> fields = descriptiveFields(metadata);
+    std::vector<Field> fields = descriptiveFields(metadata, request_.channels);
     addStructure(&fields);
     const Directories directories = directoriesAt(at_, std::move(fields), metadata, isBig_);
     return output_.write(at_, directories.bytes) && output_.write(0, header(directories.first));

@@ -27,8 +27,11 @@ host::ImageFileModule& moduleNamed(const std::string& name) {
   return *module;
 }
 
-ReadPicture readPicture(host::ImageFileModule& module, const FileBytesOfTest& file, const std::string& layer,
-                        std::uint8_t fill, std::size_t gap) {
+namespace {
+
+// Pixels of a picture that is too large for a test are left.
+ReadPicture readUnlessTooLarge(host::ImageFileModule& module, const FileBytesOfTest& file, const std::string& layer,
+                               std::uint8_t fill, std::size_t gap, bool* isTooLarge) {
   // Exactly as large as the file, so that a sanitizer sees what is read beyond.
   const auto copy = std::make_unique<std::uint8_t[]>(file.size());
   std::copy(file.begin(), file.end(), copy.get());
@@ -43,7 +46,8 @@ ReadPicture readPicture(host::ImageFileModule& module, const FileBytesOfTest& fi
   }
   picture.info = reader->info();
   const std::size_t rowSize = std::size_t{4} * picture.info.width * host::bytesPerSample(picture.info.sample);
-  if (std::uint64_t{picture.info.width} * picture.info.height > 1 << 24) return picture;
+  *isTooLarge = std::uint64_t{picture.info.width} * picture.info.height > 1 << 24;
+  if (*isTooLarge) return picture;
   const std::size_t rowBytes = rowSize + gap;
   std::vector<std::uint8_t> rows(rowBytes * picture.info.height, fill);
   picture.isRead = reader->readPixels(reinterpret_cast<std::byte*>(rows.data()), rowBytes, &picture.reason);
@@ -58,6 +62,16 @@ ReadPicture readPicture(host::ImageFileModule& module, const FileBytesOfTest& fi
       return byte == fill;
     })) << "a gap";
   }
+  return picture;
+}
+
+}  // namespace
+
+ReadPicture readPicture(host::ImageFileModule& module, const FileBytesOfTest& file, const std::string& layer,
+                        std::uint8_t fill, std::size_t gap) {
+  bool isTooLarge = false;
+  ReadPicture picture = readUnlessTooLarge(module, file, layer, fill, gap, &isTooLarge);
+  EXPECT_FALSE(isTooLarge) << picture.info.width << " x " << picture.info.height << " pixels are too many for a test";
   return picture;
 }
 
@@ -206,10 +220,11 @@ WrittenPicture writeBytes(host::ImageFileModule& module, const host::WriteReques
 void expectDamageIsHarmless(host::ImageFileModule& module, const FileBytesOfTest& file, const std::string& what,
                             std::size_t step) {
   const auto expectOne = [&](const FileBytesOfTest& damaged, const std::string& how) {
+    bool isTooLarge = false;
     mallopt(M_PERTURB, 0x11);
-    const ReadPicture first = readPicture(module, damaged, {}, 0x11, 0);
+    const ReadPicture first = readUnlessTooLarge(module, damaged, {}, 0x11, 0, &isTooLarge);
     mallopt(M_PERTURB, 0xEE);
-    const ReadPicture second = readPicture(module, damaged, {}, 0xEE);
+    const ReadPicture second = readUnlessTooLarge(module, damaged, {}, 0xEE, 32, &isTooLarge);
     mallopt(M_PERTURB, 0);
     EXPECT_EQ(first.isRead, second.isRead) << what << how;
     EXPECT_TRUE(first.pixels == second.pixels) << what << how;

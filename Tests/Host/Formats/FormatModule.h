@@ -32,7 +32,8 @@ struct ReadPicture {
 };
 
 // Reads a picture into memory that was filled with `fill`, and checks that a refusal has a reason and that none of the
-// `gap` bytes between rows is written. Pictures of more than 2^24 pixels count as refused.
+// `gap` bytes between rows is written. Fails the test when a picture of more than 2^24 pixels is not refused before its
+// pixels are read.
 ReadPicture readPicture(host::ImageFileModule& module, const FileBytesOfTest& file, const std::string& layer = {},
                         std::uint8_t fill = 0x5A, std::size_t gap = 32);
 

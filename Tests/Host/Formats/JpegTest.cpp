@@ -40,12 +40,13 @@ std::vector<std::uint8_t> smoothSamples(const host::WriteRequest& request) {
 
 // The file of the other library from these samples, as the host made them before it had this module.
 Bytes writtenByOracle(const host::WriteRequest& request, const std::vector<std::uint8_t>& samples,
-                      const std::string& quality, const std::string& sampling) {
+                      const std::string& quality, const std::string& sampling, bool isProgressive = false) {
   const auto output = OIIO::ImageOutput::create("jpeg");
   OIIO::ImageSpec spec(static_cast<int>(request.width), static_cast<int>(request.height),
                        static_cast<int>(host::channelCount(request.channels)), OIIO::TypeDesc::UINT8);
   spec.attribute("Compression", "jpeg:" + quality);
   spec.attribute("jpeg:subsampling", sampling);
+  spec.attribute("jpeg:progressive", isProgressive ? 1 : 0);
   OIIO::Filesystem::IOVecOutput proxy;
   EXPECT_TRUE(output->set_ioproxy(&proxy) && output->open("picture", spec) &&
               output->write_image(OIIO::TypeDesc::UINT8, samples.data()) && output->close());
@@ -170,7 +171,35 @@ TEST(Jpeg, BombsAreRefused) {
   const Bytes frame{0xFF, 0xC0};
   auto at = std::search(large.begin(), large.end(), frame.begin(), frame.end());
   std::fill_n(at + 5, 4, std::uint8_t{0xEA});  // 60138 x 60138
-  EXPECT_FALSE(readPicture(jpeg(), large).isRead);
+  EXPECT_EQ(readPicture(jpeg(), large).reason, "it is damaged or cut short");
 
   EXPECT_EQ(readPicture(jpeg(), fileNamed("jpeg-253-scans.jpg")).reason, "it has more than 200 scans");
+  EXPECT_EQ(readPicture(jpeg(), fileNamed("jpeg-many-scans.jpg")).reason, "it has more than 64 scans");
+  const auto request = requestFor(host::Channels::RGB, 4096, 4096);
+  const std::vector<std::uint8_t> plain(std::size_t{3} * 4096 * 4096, 128);
+  EXPECT_TRUE(readPicture(jpeg(), writtenByOracle(request, plain, "90", "4:2:0", true)).isRead) << "it has ten";
+}
+
+// Warnings that are about no pixel.
+TEST(Jpeg, WhatTouchesNoPixelIsPassedOver) {
+  const Bytes file = fileNamed("jpeg-420.jpg");
+  const ReadPicture expected = readPicture(jpeg(), file);
+  const auto placeOf = [&](const Bytes& mark) {
+    return std::search(file.begin(), file.end(), mark.begin(), mark.end()) - file.begin();
+  };
+  const auto scan = placeOf({0xFF, 0xDA});
+  ASSERT_EQ(file[static_cast<std::size_t>(scan) + 11], 0x00);  // the first coefficient; then the last
+  Bytes stray = file;
+  stray.insert(stray.begin() + placeOf({0xFF, 0xDB}), {1, 2, 3});
+  Bytes revision = file;
+  revision[static_cast<std::size_t>(placeOf({'J', 'F', 'I', 'F'})) + 5] = 2;
+  Bytes spectrum = file;
+  spectrum[static_cast<std::size_t>(scan) + 12] = 10;
+  for (const auto& [what, odd] : std::vector<std::pair<const char*, Bytes>>{
+           {"bytes between markers", stray}, {"revision 2 of JFIF", revision}, {"no whole spectrum", spectrum}}) {
+    expectSamePicture(readPicture(jpeg(), odd), expected, what);
+  }
+  Bytes lost = file;
+  lost.erase(lost.end() - 40, lost.end() - 20);
+  EXPECT_FALSE(readPicture(jpeg(), lost).isRead) << "pixels are missing";
 }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+#include "Host/ImageFiles/ByteWriter.h"
 #include "Host/ImageFiles/Exif.h"
 #include "Tests/Host/Formats/FormatModule.h"
 #include "Tests/Support/ChildProcess.h"
@@ -143,6 +144,29 @@ std::vector<Layout> layouts() {
   return all;
 }
 
+using Entries = std::vector<std::array<std::uint32_t, 4>>;  // tag, type, count, value or place
+
+FileBytesOfTest fileOf(const FileBytesOfTest& body, const std::vector<Entries>& directories) {
+  host::ByteWriter file;
+  file.number(0x002A4949, 4);
+  file.number(8 + body.size(), 4);
+  file.bytes(body);
+  for (std::size_t i = 0; i < directories.size(); ++i) {
+    file.number(directories[i].size(), 2);
+    for (const auto& [tag, type, count, value] : directories[i]) {
+      file.number(tag, 2);
+      file.number(type, 2);
+      file.number(count, 4);
+      file.number(value, 4);
+    }
+    file.number(i + 1 < directories.size() ? file.size() + 4 : 0, 4);
+  }
+  return file.take();
+}
+
+const Entries kDot = {{256, 3, 1, 1}, {257, 3, 1, 1}, {258, 3, 1, 8}, {259, 3, 1, 1}, {262, 3, 1, 1},
+                      {273, 3, 1, 8}, {277, 3, 1, 1}, {278, 3, 1, 1}, {279, 3, 1, 1}};
+
 host::WriteRequest requestFor(host::Channels channels, host::SampleType sample, host::Depth depth) {
   host::WriteRequest request;
   request.format = host::FileFormat::Tiff;
@@ -242,6 +266,75 @@ TEST(Tiff, MayHoldMoreThanItsRows) {
     EXPECT_TRUE(first.isRead && second.isRead) << first.reason;
     EXPECT_EQ(first.pixels, second.pixels);
   }
+}
+
+// Sound in each of its directories, strips and tiles; these overlap, and looking at them all would never end.
+TEST(Tiff, ThatTakesMoreThanItsSizeIsRefused) {
+  EXPECT_TRUE(readPicture(tiffModule(), fileOf(FileBytesOfTest(2), {kDot})).isRead) << "the others are like it";
+
+  // A thousand pictures with the same thousand strips.
+  const FileBytesOfTest ones(2000, 1);
+  std::vector<Entries> pictures(1000, Entries{{273, 1, 1000, 8}, {279, 1, 1000, 8}});
+  pictures.insert(pictures.begin(), kDot);
+  EXPECT_EQ(readPicture(tiffModule(), fileOf(ones, pictures)).reason, "it is damaged or cut short");
+
+  // Directories four bytes apart, each with entries that end with its own pointer to the next.
+  FileBytesOfTest file = fileOf({}, {kDot});
+  const std::size_t first = file.size();
+  file[first - 4] = static_cast<std::uint8_t>(first);
+  file.resize(first + (1 << 14), 0x01);
+  for (std::size_t i = 0; i < 1000; ++i) {
+    const auto next = static_cast<std::uint32_t>(i < 999 ? first + 4 * (i + 1) : 0);
+    std::memcpy(file.data() + first + 4 * i + 2 + 0x101 * 12, &next, 4);
+  }
+  EXPECT_EQ(readPicture(tiffModule(), file).reason, "it is damaged or cut short");
+}
+
+TEST(Tiff, WithTilesFarLargerThanThePictureIsRefused) {
+  const struct {
+    std::uint32_t width, height, tileWidth, tileHeight, compression, stored;
+    bool isSound;
+  } rows[] = {{16, 16, 4112, 16, COMPRESSION_NONE, 4112 * 16, true},
+              {16, 16, 4112, 16, COMPRESSION_NONE, 4112 * 16 - 1, false},
+              {16, 16, 4128, 16, COMPRESSION_NONE, 4128 * 16, false},
+              {16, 16, 16, 4128, COMPRESSION_NONE, 4128 * 16, false},
+              {16, 16, 1024, 64, COMPRESSION_PACKBITS, 1024, true},
+              {16, 16, 1024, 64, COMPRESSION_PACKBITS, 1023, false},
+              {16, 16, 1024, 1032, COMPRESSION_ADOBE_DEFLATE, 1024, true},
+              {16, 16, 1024, 1032, COMPRESSION_DEFLATE, 1023, false},
+              {16, 16, 4096, 4096, COMPRESSION_LZW, 4095, false}};
+  const auto isOpen = [](const FileBytesOfTest& file) {
+    bool isOtherKind = false;
+    return tiffModule().open({file, {}, {}}, &isOtherKind, nullptr) != nullptr;
+  };
+  const auto tiles = [](std::uint32_t width, std::uint32_t height, std::uint32_t tileWidth, std::uint32_t tileHeight,
+                        std::uint32_t compression, std::uint32_t count, std::uint32_t offsets, std::uint32_t sizes) {
+    return Entries{{256, 4, 1, width},      {257, 4, 1, height},      {258, 3, 1, 8},        {259, 3, 1, compression},
+                   {262, 3, 1, 1},          {277, 3, 1, 1},           {278, 3, 1, 1},        {322, 4, 1, tileWidth},
+                   {323, 4, 1, tileHeight}, {324, 4, count, offsets}, {325, 4, count, sizes}};
+  };
+  for (const auto& row : rows) {
+    const Entries entries =
+        tiles(row.width, row.height, row.tileWidth, row.tileHeight, row.compression, 1, 8, row.stored);
+    EXPECT_EQ(isOpen(fileOf(FileBytesOfTest(row.stored), {entries})), row.isSound) << row.compression << row.stored;
+  }
+
+  // Many that share bytes: of a wide picture, and of one whose empty tiles are the same.
+  const auto shared = [&](std::uint32_t count, std::uint32_t height, std::uint32_t tileHeight, std::uint32_t stored) {
+    host::ByteWriter body;
+    for (const std::uint32_t number : {8u, stored}) {
+      for (std::uint32_t i = 0; i < count; ++i) body.number(number, 4);
+    }
+    FileBytesOfTest bytes = body.take();
+    bytes.resize(bytes.size() + stored);
+    const std::uint32_t sizes = 8 + count * 4;
+    return isOpen(
+        fileOf(bytes, {tiles(count * 16, height, 16, tileHeight, COMPRESSION_ADOBE_DEFLATE, count, 8, sizes)}));
+  };
+  EXPECT_TRUE(shared(5000, 4096, 4096, 100));
+  EXPECT_FALSE(shared(5000, 1, 4096, 100)) << "nearly all of each is thrown away";
+  EXPECT_TRUE(shared(100, 16, 16, 200));
+  EXPECT_FALSE(shared(100, 16, 16, 1000)) << "nearly nothing comes of each";
 }
 
 TEST(Tiff, KeepsWhatItsFieldsSay) {

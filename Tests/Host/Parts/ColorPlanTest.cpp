@@ -243,18 +243,22 @@ TEST(ColorPlan, FilesHoldWhatTheirReadersExpect) {
     FileFormat format;
     bool isFloat;
     const char *space, *tag;
+    std::optional<bool> isGray = std::nullopt;
   } rows[] = {
       {"plain", "", "", Png, false, "assumed sRGB", ""},
       {"chunks", "", "", Png, false, "sRGB", "sRGB"},
       {"chunks", "", "", Jpeg, false, "sRGB", ""},
       {"chunks", "", "", Exr, true, "to assumed Linear Rec.709", ""},
       {"icc", "", "", Tiff, false, "sRGB", "same profile"},
-      {"wide", "", "", WebP, false, "profile Wide", "same profile"},
+      {"wide", "", "", WebP, false, "to assumed sRGB", ""},
       {"wide", "", "", Tiff, true, "to assumed Linear Rec.709", ""},
-      {"wide", "", "", Bmp, false, "profile Wide", "(cannot say so)"},
+      {"wide", "", "toldP3", Bmp, false, "to Display P3", "(cannot say so)"},
       {"light", "", "", Png, false, "to assumed sRGB", "sRGB gAMA primaries"},
       {"light", "", "", Jpeg, false, "to assumed sRGB", ""},
       {"light", "", "", Exr, true, "assumed Linear Rec.709", ""},
+      {"p3", "", "", Jpeg2000, false, "to assumed sRGB", ""},
+      {"icc", "", "", Heif, false, "sRGB", ""},
+      {"aces", "", "", Hdr, true, "to assumed Linear Rec.709", ""},
       {"aces", "", "", Exr, true, "ACEScg", "primaries"},
       {"plain", "toldAces", "", Exr, true, "ACEScg", "primaries lin_ap1_scene"},
       {"plain", "toldAces", "", Png, false, "to assumed sRGB", "sRGB gAMA primaries"},
@@ -264,15 +268,31 @@ TEST(ColorPlan, FilesHoldWhatTheirReadersExpect) {
       {"wide", "raw", "toldP3", Jpeg, false, "raw", "same profile"},
       {"aces", "raw", "", Png, false, "raw", ""},
       {"chunks", "raw", "", Exr, true, "raw", ""},
+      {"wide", "", "", Png, false, "to assumed sRGB", "sRGB gAMA primaries", true},
+      {"wide", "", "", Png, false, "profile Wide", "same profile", false},
+      {"wide", "", "toldP3", Jpeg, false, "to Display P3", "(cannot say so)", true},
+      {"icc", "", "", Tiff, false, "sRGB", "", true},
+      {"p3", "", "", Tiff, false, "to assumed sRGB", "", true},
+      {"p3", "", "", Png, false, "Display P3", "cICP", true},
+      {"aces", "", "", Tiff, true, "to assumed Linear Rec.709", "", true},
+      {"aces", "", "", Exr, true, "ACEScg", "primaries", true},
+      {"wide", "raw", "", Tiff, false, "raw", "(left out)", true},
       {"", "", "", Png, false, "assumed sRGB", ""},
       {"", "", "", Exr, true, "to assumed Linear Rec.709", ""},
   };
   for (const auto& row : rows) {
     const auto given = inputs(row.inputs);
     const host::InputPlan working = host::planInputs(given, wish(row.working));
-    const host::OutputPlan plan = host::planOutput(working, given, wish(row.wanted), {"out", row.format, row.isFloat});
-    const bool cannotSay = joined(plan.sentences).find("out holds ") != std::string::npos;
+    const host::OutputPlan plan =
+        host::planOutput(working, given, wish(row.wanted), {"out", row.format, row.isFloat, row.isGray});
+    const std::string said = joined(plan.sentences);
+    const bool cannotSay = said.find("out holds ") != std::string::npos;
+    const bool isLeftOut = said.find("the ICC profile of wide is left out") != std::string::npos;
     EXPECT_EQ((plan.isConverted ? "to " : "") + wordsOf(plan.space), row.space) << row.inputs;
-    EXPECT_EQ(tagText(plan) + (cannotSay ? "(cannot say so)" : ""), row.tag) << row.inputs << ' ' << row.space;
+    EXPECT_EQ(tagText(plan) + (cannotSay   ? "(cannot say so)"
+                               : isLeftOut ? "(left out)"
+                                           : ""),
+              row.tag)
+        << row.inputs << ' ' << row.space;
   }
 }
