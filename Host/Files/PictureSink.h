@@ -20,6 +20,9 @@ class PictureSink {
               bool isVerbose);
   void write(const OutputPicture& picture, std::uint32_t frame);  // throws Failure
 
+  // As messages call it: the file or the pattern of many.
+  std::string name() const { return output_ == "-" ? "the standard output" : output_; }
+
   // Of how many pixels, of all pictures, the file's integers could not hold the colors.
   std::uint64_t clippedPixels() const { return clipped_; }
 

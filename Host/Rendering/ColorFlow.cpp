@@ -19,6 +19,14 @@ void tell(const std::vector<std::string>& sentences) {
   for (const std::string& sentence : sentences) remark(sentence);
 }
 
+// What is only stated has no way to anything else.
+void checkConvertible(const ColorSpace& from, const ColorSpace& to, const std::string& path) {
+  if (from.kind != ColorSpace::Kind::Stated) return;
+  throw Failure(ExitCode::Input, path + ": cannot convert from " + spaceText(from) + " to " + spaceText(to) +
+                                     ": --input-space FILE=NAME takes it as something else, --working-space raw "
+                                     "converts nothing");
+}
+
 bool contains(const std::vector<ColorSpace>& spaces, const ColorSpace& space) {
   return std::any_of(spaces.begin(), spaces.end(), [&](const ColorSpace& one) { return isSameSpace(one, space); });
 }
@@ -62,6 +70,7 @@ void ColorFlow::meetLater(std::size_t index, Met met) {
   if (needsConversion(input.space, plan_.working)) {
     plan_.needsFloat = true;
     if (!contains(converted_, input.space)) {
+      conversionFrom(input.space, input.path);
       remark(conversionSentence(input.path, input.space, plan_.working));
       converted_.push_back(input.space);
     }
@@ -87,6 +96,9 @@ void ColorFlow::tellOnce(const std::string& what, const std::string& about) {
 void ColorFlow::decide() {
   plan();
   if (plan_.convertsAnything() && dropUnusable()) plan();
+  for (const ColorInput& input : inputs_) {
+    if (needsConversion(input.space, plan_.working)) checkConvertible(input.space, plan_.working, input.path);
+  }
   isDecided_ = true;
   tell(plan_.sentences);
 }
@@ -141,11 +153,12 @@ MutableBitmapRef ColorFlow::toWorking(std::size_t input, const FilePicture& pict
   const ColorSpace& from = inputs_[input].space;
   if (!needsConversion(from, plan_.working)) return nullptr;
   isAnyInputConverted_ = true;
-  return convertedBitmap(conversionFrom(from), *picture.bitmap, picture.info->alpha, path);
+  return convertedBitmap(conversionFrom(from, path), *picture.bitmap, picture.info->alpha, path);
 }
 
 // Frames may have a space each; the oldest goes.
-ColorConversion& ColorFlow::conversionFrom(const ColorSpace& space) {
+ColorConversion& ColorFlow::conversionFrom(const ColorSpace& space, const std::string& path) {
+  checkConvertible(space, plan_.working, path);
   constexpr std::size_t most = 8;
   const auto isOf = [&](const auto& made) { return isSameSpace(made.first, space); };
   auto found = std::find_if(conversions_.begin(), conversions_.end(), isOf);
@@ -167,6 +180,7 @@ void ColorFlow::decideOutput() {
     tell(plan_.sentences);
     outputPlan_ = planOutput(plan_, firstInputs(), wanted, *output_);
   }
+  if (outputPlan_.isConverted && !inputs_.empty()) checkConvertible(plan_.working, outputPlan_.space, inputs_[0].path);
   if (const auto light = lightOfConfiguration()) outputPlan_ = planOutput(plan_, firstInputs(), light, *output_);
   tell(outputPlan_.sentences);
   const ColorSpace& space = outputPlan_.space;
@@ -194,12 +208,12 @@ std::optional<ColorSpace> ColorFlow::lightOfConfiguration() const {
   return light;
 }
 
-void ColorFlow::toOutput(OutputPicture& picture, FileFormat format) {
+void ColorFlow::toOutput(OutputPicture& picture, FileFormat format, const std::string& path) {
   if (!isDecided_) decide();
   const SampleType sample = sampleTypeOf(storedDepth(format, picture.depth));
   std::optional<bool> isToldGray;
   if (picture.areChannelsTold) isToldGray = isGray(picture.channels);
-  const ColorOutput output{"the file", format, sample == SampleType::Float, isToldGray};
+  const ColorOutput output{path, format, sample == SampleType::Float, isToldGray};
   if (output_ != output) {
     output_ = output;
     decideOutput();

@@ -43,7 +43,7 @@ class ColorFlow {
   // Says of a result in the working space what becomes of its colors in a file of the format, and what its metadata
   // state then. Gray becomes colors where the file has a profile for colors, unless the channels are told. Without
   // inputs before it colors are sRGB.
-  void toOutput(OutputPicture& picture, FileFormat format);
+  void toOutput(OutputPicture& picture, FileFormat format, const std::string& path);
 
   // That pixels of the results lay outside what the file's integers can hold, where there are any and they are colors.
   void tellOfClipping(std::uint64_t pixels) const;
@@ -58,7 +58,7 @@ class ColorFlow {
   void decide();
   void plan();
   std::vector<ColorInput> firstInputs() const;
-  ColorConversion& conversionFrom(const ColorSpace& space);
+  ColorConversion& conversionFrom(const ColorSpace& space, const std::string& path);
   void decideOutput();
   std::optional<ColorSpace> lightOfConfiguration() const;
   bool dropUnusable();

@@ -157,6 +157,21 @@ TEST_F(Colors, PngsStateTheirSpaceInChunks) {
   EXPECT_EQ(chunks("p3.png"), "cICPiCCP");
   EXPECT_EQ(say({"p3.png"}, "again.jpg"), "");
   EXPECT_EQ(iccProfileOf(at("again.jpg")), iccProfileOf(at("p3.png")));
+  // HDR stays what it is, or nothing.
+  std::string hdr = readFile(at("plain.png"));
+  const char chunk[] =
+      "\0\0\0\x04"
+      "cICP\x09\x10\0\x01"
+      "\x4d\x23\x23\xfe";
+  hdr.insert(33, chunk, sizeof chunk - 1);
+  writeFile(at("pq.png"), hdr);
+  EXPECT_EQ(say({"pq.png"}, "pq2.png"), "");
+  EXPECT_EQ(chunks("pq2.png"), "cICP");
+  const ProgramRun refused = vorto({"render", "Levels", "--input", at("pq.png"), "--output", at("pq.jpg")});
+  EXPECT_EQ(refused.exitCode, 3);
+  EXPECT_EQ(refused.err.find("vorto: " + at("pq.png") + ": cannot convert from PQ to sRGB: --input-space"), 0u)
+      << refused.err;
+  EXPECT_EQ(say({"pq.png"}, "told.jpg", {"--input-space", "sRGB"}), "");
   // A profile for colors is none of gray files.
   say({"plain.png"}, "gray.png", {"--channels", "gray"});
   say({"gray.png"}, "gray.jpg", {"--output-space", "Display P3"});
@@ -325,7 +340,7 @@ colorspaces:
   const RunOptions user{{"OCIO=" + at("user.ocio"), "OCIO_LOGGING_LEVEL=debug", "OCIO_OPTIMIZATION_FLAGS=0"}};
   EXPECT_EQ(say({"in.png"}, "out.exr", {"--working-space", "TWICE"}, user),
             "vorto: in.png is converted from sRGB (assumed) to \"Twice\"\n"
-            "vorto: the file holds \"Twice\", and its format cannot say so\n");
+            "vorto: out.exr holds \"Twice\", and its format cannot say so\n");
   EXPECT_NEAR(readImage(at("out.exr")).pixel(128, 0)[0], 0.5 * std::pow(128 / 255.0, 2), 1e-4);
   const ProgramRun missing = vorto(
       {"render", "Levels", "--input", at("in.png"), "--output", at("p3.png"), "--output-space", "Display P3"}, user);
@@ -346,7 +361,7 @@ colorspaces:
   EXPECT_EQ(say({"in.png"}, "out.exr", {}, user),
             "vorto: the configuration of $OCIO has no Linear Rec.709: its scene_linear is taken instead\n"
             "vorto: the result is converted from sRGB (assumed) to \"House Light\"\n"
-            "vorto: the file holds \"House Light\", and its format cannot say so\n");
+            "vorto: out.exr holds \"House Light\", and its format cannot say so\n");
   EXPECT_NEAR(readImage(at("out.exr")).pixel(128, 0)[0], std::pow(128 / 255.0, 2), 2e-4);
   // A name that neither knows counts as none, as it does without a configuration.
   writeExr(at("named.exr"), TestImage{1, 1, 32, {0.25, 0.25, 0.25, 1}}, "nobodys_space");
