@@ -34,17 +34,6 @@ bool isGuesswork(const std::vector<ColorInput>& inputs) {
   return differ && isAssumed;
 }
 
-std::string guessworkSentence(const std::vector<ColorInput>& inputs) {
-  std::string text = "warning: the inputs are in different color spaces, and not all say in which: ";
-  bool isFirst = true;
-  for (const ColorInput& input : inputs) {
-    if (input.space.origin != Origin::Assumed) continue;
-    text += (isFirst ? "" : ", ") + input.path + " is taken as " + spaceText(input.space);
-    isFirst = false;
-  }
-  return text + "; --input-space FILE=NAME says otherwise";
-}
-
 bool isTakenForGranted(const ColorSpace& space, bool isFloat) {
   return space.kind == Kind::Known && space.known == (isFloat ? KnownSpace::LinearRec709 : KnownSpace::SRgb);
 }
@@ -118,6 +107,18 @@ bool isSpaceOfFirst(const ColorSpace& space, const ColorSpace& working, const st
   return first.origin != Origin::Told && isSameSpace(first, space);
 }
 
+std::optional<std::string> guessworkWarning(const std::vector<ColorInput>& inputs) {
+  if (!isGuesswork(inputs)) return std::nullopt;
+  std::string text = "warning: the inputs are in different color spaces, and not all say in which: ";
+  bool isFirst = true;
+  for (const ColorInput& input : inputs) {
+    if (input.space.origin != Origin::Assumed) continue;
+    text += (isFirst ? "" : ", ") + input.path + " is taken as " + spaceText(input.space);
+    isFirst = false;
+  }
+  return text + "; --input-space FILE=NAME says otherwise";
+}
+
 std::string foreignProfileSentence(const ColorInput& input) {
   return "the ICC profile of " + input.path + " is left out: it is not for pictures like the result";
 }
@@ -128,8 +129,8 @@ InputPlan planInputs(const std::vector<ColorInput>& inputs, const std::optional<
   for (const ColorInput& input : inputs) {
     if (!input.remark.empty()) plan.sentences.push_back(input.path + ": " + input.remark);
   }
-  const bool isRaw = plan.working.kind == Kind::Raw;
-  if (!isRaw && isGuesswork(inputs)) plan.sentences.push_back(guessworkSentence(inputs));
+  const auto warning = guessworkWarning(inputs);
+  if (warning && plan.working.kind != Kind::Raw) plan.sentences.push_back(*warning);
   for (const ColorInput& input : inputs) {
     const bool isConverted = needsConversion(input.space, plan.working);
     plan.isConverted.push_back(isConverted);

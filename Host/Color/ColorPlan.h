@@ -34,6 +34,9 @@ struct InputPlan {
 // `wanted` is the user's working space. Raw converts nothing; without inputs colors are sRGB.
 InputPlan planInputs(const std::vector<ColorInput>& inputs, const std::optional<ColorSpace>& wanted);
 
+// A warning where inputs differ and what one of them is in is assumed.
+std::optional<std::string> guessworkWarning(const std::vector<ColorInput>& inputs);
+
 // Raw is converted neither way.
 bool needsConversion(const ColorSpace& from, const ColorSpace& to);
 std::string conversionSentence(const std::string& what, const ColorSpace& from, const ColorSpace& to);

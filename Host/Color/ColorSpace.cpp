@@ -60,6 +60,16 @@ ColorSpace describedSpace(const Primaries& primaries, const TransferCurve& curve
   return space;
 }
 
+ColorSpace statedSpace(const CodePoints& codes) {
+  ColorSpace space;
+  space.kind = ColorSpace::Kind::Stated;
+  space.origin = ColorSpace::Origin::Tagged;
+  space.name = codes.transfer == 16 ? "PQ" : "HLG";
+  space.codes = codes;
+  space.isDisplay = true;
+  return space;
+}
+
 bool isSameSpace(const ColorSpace& a, const ColorSpace& b) {
   if (a.kind != b.kind) return false;
   switch (a.kind) {
@@ -71,6 +81,8 @@ bool isSameSpace(const ColorSpace& a, const ColorSpace& b) {
       return equalIgnoringCase(a.name, b.name);
     case ColorSpace::Kind::Profile:
       return *a.profile == *b.profile;
+    case ColorSpace::Kind::Stated:
+      return a.codes == b.codes;
     case ColorSpace::Kind::Described:
       break;
   }
@@ -82,6 +94,7 @@ std::string spaceText(const ColorSpace& space) {
     case ColorSpace::Kind::Raw:
       return "raw";
     case ColorSpace::Kind::Known:
+    case ColorSpace::Kind::Stated:
       return space.name;
     case ColorSpace::Kind::Named:
       return "\"" + space.name + "\"";

@@ -36,6 +36,7 @@ struct ColorSpace {
     Named,      // `name`, a space of the configuration that the user has
     Profile,    // `profile`
     Described,  // `primaries` and `curve`, which a file states
+    Stated,     // `codes`, which a file states and nothing here can convert: an absolute or relative brightness
   };
   enum class Origin { Assumed, Tagged, Told };  // by nobody, by the file, by the user
 
@@ -46,6 +47,7 @@ struct ColorSpace {
   std::shared_ptr<const Bytes> profile;
   Primaries primaries;
   TransferCurve curve;
+  CodePoints codes;
   bool isLinear = false;
   bool isDisplay = false;  // values as displays take them: what integer files hold
   bool isGray = false;     // a profile for gray pictures, which colors cannot be held in
@@ -55,6 +57,9 @@ ColorSpace rawSpace(ColorSpace::Origin origin);
 ColorSpace knownSpace(KnownSpace known, ColorSpace::Origin origin);
 ColorSpace namedSpace(std::string name, bool isLinear, bool isDisplay, ColorSpace::Origin origin);
 ColorSpace profileSpace(Bytes profile, std::string description, bool isGray);
+
+// HDR's brightness by ITU-R BT.2100, as displays for it take it: called by its curve.
+ColorSpace statedSpace(const CodePoints& codes);
 
 // A known space where the primaries and the curve are those of one.
 ColorSpace describedSpace(const Primaries& primaries, const TransferCurve& curve, ColorSpace::Origin origin);

@@ -15,7 +15,8 @@ BitmapRef readForDisplay(const std::string& path) {
   FilePicture picture = readPicture(path);
   const ColorSpace shown = knownSpace(KnownSpace::SRgb, ColorSpace::Origin::Assumed);
   ColorSpace space = spaceOfFile(*picture.info, !userConfiguration().empty()).space;
-  if (space.kind == ColorSpace::Kind::Profile && !colorModule().checkProfile(space, nullptr)) {
+  const bool isStated = space.kind == ColorSpace::Kind::Stated;
+  if (isStated || (space.kind == ColorSpace::Kind::Profile && !colorModule().checkProfile(space, nullptr))) {
     space = assumedSpace(picture.info->depth);
   }
   if (!needsConversion(space, shown)) {

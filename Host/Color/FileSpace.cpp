@@ -64,6 +64,11 @@ std::optional<ColorSpace> spaceOfCodePoints(const CodePoints& codes) {
   return describedSpace(*primaries, *curve, Origin::Tagged);
 }
 
+// The curves of ITU-R BT.2100, of pictures that are brighter than displays of sRGB are.
+bool isHdr(const CodePoints& codes) {
+  return (codes.transfer == 16 || codes.transfer == 18) && codes.matrix == 0 && codes.isFullRange;
+}
+
 std::optional<ColorSpace> spaceOfProfile(const Bytes& profile, std::string& remark) {
   std::string reason;
   const auto summary = readIccProfile(profile, &reason);
@@ -124,7 +129,7 @@ std::optional<ColorSpace> spaceOfNumbers(const ColorTag& tag, bool isLinear, std
   return describedSpace(primaries, curveOfGamma(*tag.gamma), Origin::Tagged);
 }
 
-std::optional<ColorSpace> statedSpace(const ColorTag& tag, bool isLinear, bool hasConfiguration, std::string& remark) {
+std::optional<ColorSpace> spaceOfTag(const ColorTag& tag, bool isLinear, bool hasConfiguration, std::string& remark) {
   std::optional<ColorSpace> space;
   if (tag.codePoints) {
     space = spaceOfCodePoints(*tag.codePoints);
@@ -134,6 +139,10 @@ std::optional<ColorSpace> statedSpace(const ColorTag& tag, bool isLinear, bool h
   if (!space && tag.sRGBIntent) space = knownSpace(KnownSpace::SRgb, Origin::Tagged);
   if (!space && !tag.name.empty()) space = spaceOfName(tag.name, isLinear, hasConfiguration, remark);
   if (!space && (tag.gamma || tag.primaries)) space = spaceOfNumbers(tag, isLinear, remark);
+  if (!space && tag.codePoints && isHdr(*tag.codePoints)) {
+    space = statedSpace(*tag.codePoints);
+    remark.clear();
+  }
   return space;
 }
 
@@ -145,7 +154,7 @@ ColorSpace assumedSpace(Depth depth) {
 
 FileSpace spaceOfFile(const PictureInfo& info, bool hasConfiguration) {
   FileSpace result;
-  const auto stated = statedSpace(info.metadata.color, isFloat(info.depth), hasConfiguration, result.remark);
+  const auto stated = spaceOfTag(info.metadata.color, isFloat(info.depth), hasConfiguration, result.remark);
   result.space = stated.value_or(assumedSpace(info.depth));
   if (!stated && !result.remark.empty()) result.remark += "; it counts as untagged";
   // Samples of red, green and blue are none of a gray profile.

@@ -17,8 +17,8 @@ struct FileSpace {
 ColorSpace assumedSpace(Depth depth);
 
 // The space of a picture by what its file says. Of several statements the first that is understood counts: code points,
-// a profile, sRGB, a name, gamma and primaries. Names that nobody knows count where the user has a configuration, which
-// may know them.
+// a profile, sRGB, a name, gamma and primaries; last code points that are known but cannot be converted. Names that
+// nobody knows count where the user has a configuration, which may know them.
 FileSpace spaceOfFile(const PictureInfo& info, bool hasConfiguration);
 
 }  // namespace host

@@ -76,7 +76,7 @@ bool isSRgbCurve(Span data) {
 bool isNear(Span data, const std::array<double, 3>& xyz) {
   if (data.size() < 20 || number32(data, 0) != code("XYZ ")) return false;
   for (std::size_t i = 0; i < 3; ++i) {
-    if (std::abs(fixed32(data, 8 + 4 * i) - xyz[i]) > 2e-3) return false;
+    if (std::abs(fixed32(data, 8 + 4 * i) - xyz[i]) > 5e-4) return false;
   }
   return true;
 }

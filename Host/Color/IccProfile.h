@@ -11,7 +11,7 @@ namespace host {
 // What can be told of an ICC profile at a glance, without evaluating it.
 struct IccSummary {
   bool isGray = false;
-  bool isSRgb = false;      // matrix and curves are those of sRGB: 2e-3 in the matrix, 5e-5 in the light of the curves
+  bool isSRgb = false;      // matrix and curves are those of sRGB: 5e-4 in the matrix, 5e-5 in the light of the curves
   std::string description;  // as it stands there, which may be anything
 };
 

@@ -48,8 +48,10 @@ OutputTag tagOfSpace(const ColorSpace& space, FileFormat format, std::optional<b
   if (format == FileFormat::Png && space.kind == ColorSpace::Kind::Known) {
     result.tag.codePoints = factsOf(space.known).codePoints;
   }
-  const bool takesProfile =
-      traitsOf(format).holdsProfiles && space.kind != ColorSpace::Kind::Named && isGray.value_or(false) == space.isGray;
+  const bool isStated = space.kind == ColorSpace::Kind::Stated;
+  if (format == FileFormat::Png && isStated) result.tag.codePoints = space.codes;
+  const bool hasProfile = !isStated && space.kind != ColorSpace::Kind::Named;
+  const bool takesProfile = hasProfile && traitsOf(format).holdsProfiles && isGray.value_or(false) == space.isGray;
   if (takesProfile && space.kind == ColorSpace::Kind::Profile) {
     result.tag.iccProfile = *space.profile;
   } else {

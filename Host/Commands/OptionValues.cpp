@@ -33,6 +33,26 @@ Value named(const char* option, const std::string& text, std::optional<Value> va
   throw Failure(ExitCode::Usage, std::string(option) + " " + text + ": give " + names);
 }
 
+// One for a file goes before one for all, whichever is told first.
+void applyInputSpaces(const std::vector<std::string>& texts, const std::vector<std::string>& inputs,
+                      std::vector<std::optional<ColorSpace>>& spaces) {
+  std::vector<bool> isNamed(inputs.size(), false);
+  for (const std::string& text : texts) {
+    const std::size_t equals = text.rfind('=');
+    const bool isForAll = equals == std::string::npos;
+    const std::string file = isForAll ? "" : text.substr(0, equals);
+    const ColorSpace space = spaceOfOption("--input-space", isForAll ? text : text.substr(equals + 1));
+    if (!isForAll && std::find(inputs.begin(), inputs.end(), file) == inputs.end()) {
+      throw Failure(ExitCode::Usage, "--input-space " + text + ": no --input is " + file);
+    }
+    for (std::size_t i = 0; i < inputs.size(); ++i) {
+      if (isForAll ? isNamed[i] : inputs[i] != file) continue;
+      spaces[i] = space;
+      isNamed[i] = !isForAll;
+    }
+  }
+}
+
 }  // namespace
 
 Framing parsedFraming(const FramingOptions& options) {
@@ -91,19 +111,7 @@ ColorWishes parsedColors(const ColorOptions& options, const std::vector<std::str
   if (wishes.working && wishes.working->kind == ColorSpace::Kind::Raw && wishes.output) {
     throw Failure(ExitCode::Usage, "--working-space raw converts nothing: leave --output-space out");
   }
-  for (const std::string& text : options.inputs) {
-    const std::size_t equals = text.rfind('=');
-    const ColorSpace space =
-        spaceOfOption("--input-space", equals == std::string::npos ? text : text.substr(equals + 1));
-    if (equals == std::string::npos) {
-      std::fill(wishes.inputs.begin(), wishes.inputs.end(), space);
-      continue;
-    }
-    const std::string file = text.substr(0, equals);
-    const auto input = std::find(inputs.begin(), inputs.end(), file);
-    if (input == inputs.end()) throw Failure(ExitCode::Usage, "--input-space " + text + ": no --input is " + file);
-    wishes.inputs[static_cast<std::size_t>(input - inputs.begin())] = space;
-  }
+  applyInputSpaces(options.inputs, inputs, wishes.inputs);
   return wishes;
 }
 

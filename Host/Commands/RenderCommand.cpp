@@ -65,7 +65,7 @@ OutputPicture rendered(EffectRendering& rendering, const InputPictures& pictures
   if (conversion.alpha == OutputAlpha::Gray) {
     picture.metadata.color = {};  // alpha is no color
   } else {
-    colors.toOutput(picture, sink.format(picture.depth));
+    colors.toOutput(picture, sink.format(picture.depth), sink.name());
   }
   return picture;
 }

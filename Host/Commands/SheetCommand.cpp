@@ -88,7 +88,7 @@ void runSheet(const SheetOptions& options) {
     progress.finished(i + 1);
   }
   OutputPicture picture{sheet, Depth::Bits8, Channels::RGB, {}};
-  ColorFlow({}).toOutput(picture, format);
+  ColorFlow({}).toOutput(picture, format, options.output);
   writePicture(options.output, picture);
 }
 

@@ -20,13 +20,17 @@ class PictureSink {
               bool isVerbose);
   void write(const OutputPicture& picture, std::uint32_t frame);  // throws Failure
 
+  // As messages call it: the file or the pattern of many.
+  std::string name() const { return output_ == "-" ? "the standard output" : output_; }
+
+  // Of how many pixels, of all pictures, the file's integers could not hold the colors.
+  std::uint64_t clippedPixels() const { return clipped_; }
+
   // Of the files. Frames in a stream count as PNM, raw floats as PFM, which say nothing of their colors either.
   FileFormat format(Depth depth) const {
     const bool isLight = isRaw_ && (depth == Depth::Half || depth == Depth::Float);
     return isLight ? FileFormat::Pfm : format_;
   }
-  // Of how many pixels, of all pictures, the file's integers could not hold the colors.
-  std::uint64_t clippedPixels() const { return clipped_; }
 
  private:
   void print(const OutputPicture& picture);

@@ -17,12 +17,12 @@ namespace host {
 struct OutputPicture {
   BitmapRef bitmap;
   Depth depth = Depth::Bits8;  // that it was rendered at; what a format cannot hold goes in the next that it can
-  Channels channels = Channels::RGBA;  // that it is to have; a format that holds fewer has fewer
-  FileMetadata metadata;               // what the format cannot hold is left out
-  bool losesColorTag = false;          // what the first input says of its colors does not go into the file
-  bool areChannelsTold = false;        // by the user: gray is not made into colors to hold a profile for colors
+  Channels channels = Channels::RGBA;           // that it is to have; a format that holds fewer has fewer
+  FileMetadata metadata;                        // what the format cannot hold is left out
   std::shared_ptr<RowColors> colors = nullptr;  // to the file's space; null where the bitmap is in it
   bool isConverted = false;                     // to the file's space or before: integers are made of straight colors
+  bool areChannelsTold = false;  // by the user: gray is not made into colors to hold a profile for colors
+  bool losesColorTag = false;    // what the first input says of its colors does not go into the file
 };
 
 // "gray", "gray+alpha", "rgb", "rgba"; nothing for an empty text and "auto". Throws Failure for any other.

@@ -525,7 +525,7 @@ Bytes uprightExif(std::span<const std::uint8_t> block) {
   const Directory& image = layout.directory(ExifDirectory::Image);
   std::fill_n(at(image.range.end() - 4), 4, std::uint8_t{0});
   for (const std::uint64_t entry : entriesAt(layout.reader(), image, kOrientationTag)) {
-    putNumber(entry, ExifType::Short, 1, layout.reader().isBigEndian(), &upright);
+    putEntry(entry, ExifType::Short, 1, layout.reader().isBigEndian(), &upright);
   }
   return upright;
 }

@@ -86,7 +86,7 @@ void EffectSession::savePicture(const std::string& path) {
   OutputPicture picture;
   picture.bitmap = result_;
   picture.depth = rendering_.depthOf(*result_);
-  inputs_.colors().toOutput(picture, fileFormatOf(path));
+  inputs_.colors().toOutput(picture, fileFormatOf(path), path);
   writePicture(path, picture);
 }
 

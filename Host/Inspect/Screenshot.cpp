@@ -50,7 +50,7 @@ void writeScreenshot(QWidget& window, const std::string& path) {
   waitUntilShown(window);
   const QImage image = window.grab().toImage().convertToFormat(QImage::Format_RGBA8888_Premultiplied);
   OutputPicture picture{bitmapOf(image), Depth::Bits8, Channels::RGB, {}};
-  ColorFlow({}).toOutput(picture, fileFormatOf(path));
+  ColorFlow({}).toOutput(picture, fileFormatOf(path), path);
   writePicture(path, picture);
   window.hide();
 }

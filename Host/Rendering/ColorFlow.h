@@ -3,6 +3,7 @@
 
 #include "Host/Color/ColorConversion.h"
 #include "Host/Color/ColorPlan.h"
+#include "Host/Color/FileSpace.h"
 #include "Host/Files/PictureReading.h"
 #include "Host/Files/PictureWriting.h"
 #include "Host/Pixels/Bitmaps.h"
@@ -10,7 +11,9 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace host {
@@ -28,8 +31,8 @@ class ColorFlow {
  public:
   explicit ColorFlow(ColorWishes wishes) : wishes_(std::move(wishes)) {}
 
-  // The inputs of a frame, before anything else of it. `infos` has null for a still that was there before. Throws
-  // Failure when something cannot be converted.
+  // The inputs of a frame, before anything else of it. `infos` has null for a still that was there before. Of later
+  // frames only what is new is said. Throws Failure when something cannot be converted.
   void meet(const std::vector<std::string>& paths, const std::vector<const PictureInfo*>& infos);
 
   bool needsFloat() const { return plan_.needsFloat; }  // whatever the depth
@@ -40,25 +43,43 @@ class ColorFlow {
   // Says of a result in the working space what becomes of its colors in a file of the format, and what its metadata
   // state then. Gray becomes colors where the file has a profile for colors, unless the channels are told. Without
   // inputs before it colors are sRGB.
-  void toOutput(OutputPicture& picture, FileFormat format);
+  void toOutput(OutputPicture& picture, FileFormat format, const std::string& path);
 
-  // That pixels of the results lay outside what the file's integers can hold, where there are any.
+  // That pixels of the results lay outside what the file's integers can hold, where there are any and they are colors.
   void tellOfClipping(std::uint64_t pixels) const;
 
  private:
+  // An input, and what it counts as where its space is found to be of no use.
+  struct Met {
+    ColorInput input;
+    FileSpace otherwise;
+  };
+
   void decide();
+  void plan();
+  std::vector<ColorInput> firstInputs() const;
+  ColorConversion& conversionFrom(const ColorSpace& space, const std::string& path);
   void decideOutput();
-  bool dropBrokenProfiles();
+  std::optional<ColorSpace> lightOfConfiguration() const;
+  bool dropUnusable();
+  bool dropUnusable(Met& met);
+  Met metInput(std::size_t index, const std::string& path, const PictureInfo& info) const;
+  void meetLater(std::size_t index, Met met);
+  void warnOfGuesswork(const std::vector<ColorInput>& current);
+  void tellOnce(const std::string& what, const std::string& about);
   void fitProfile(OutputPicture& picture);
-  ColorInput inputOf(std::size_t index, const std::string& path, const PictureInfo& info) const;
 
   const ColorWishes wishes_;
   bool isDecided_ = false;
-  std::vector<ColorInput> inputs_;
-  std::vector<Depth> depths_;
+  std::vector<Met> first_;          // by input: what decided
+  std::vector<ColorInput> inputs_;  // by input: of the current frame
   InputPlan plan_;
-  std::vector<std::unique_ptr<ColorConversion>> conversions_;  // by input; null until needed
-  std::optional<ColorOutput> output_;                          // what the plan is for
+  std::vector<ColorSpace> converted_;  // from these, which is said
+  std::vector<ColorSpace> unusable_;
+  std::set<std::string> told_;  // remarks of files' tags
+  bool isGuessworkTold_ = false;
+  std::vector<std::pair<ColorSpace, std::unique_ptr<ColorConversion>>> conversions_;  // to the working space
+  std::optional<ColorOutput> output_;                                                 // what the plan is for
   OutputPlan outputPlan_;
   std::shared_ptr<ColorConversion> outputConversion_;
   bool isAnyInputConverted_ = false;  // of those so far

@@ -157,6 +157,21 @@ TEST_F(Colors, PngsStateTheirSpaceInChunks) {
   EXPECT_EQ(chunks("p3.png"), "cICPiCCP");
   EXPECT_EQ(say({"p3.png"}, "again.jpg"), "");
   EXPECT_EQ(iccProfileOf(at("again.jpg")), iccProfileOf(at("p3.png")));
+  // HDR stays what it is, or nothing.
+  std::string hdr = readFile(at("plain.png"));
+  const char chunk[] =
+      "\0\0\0\x04"
+      "cICP\x09\x10\0\x01"
+      "\x4d\x23\x23\xfe";
+  hdr.insert(33, chunk, sizeof chunk - 1);
+  writeFile(at("pq.png"), hdr);
+  EXPECT_EQ(say({"pq.png"}, "pq2.png"), "");
+  EXPECT_EQ(chunks("pq2.png"), "cICP");
+  const ProgramRun refused = vorto({"render", "Levels", "--input", at("pq.png"), "--output", at("pq.jpg")});
+  EXPECT_EQ(refused.exitCode, 3);
+  EXPECT_EQ(refused.err.find("vorto: " + at("pq.png") + ": cannot convert from PQ to sRGB: --input-space"), 0u)
+      << refused.err;
+  EXPECT_EQ(say({"pq.png"}, "told.jpg", {"--input-space", "sRGB"}), "");
   // A profile for colors is none of gray files.
   say({"plain.png"}, "gray.png", {"--channels", "gray"});
   say({"gray.png"}, "gray.jpg", {"--output-space", "Display P3"});
@@ -177,6 +192,10 @@ TEST_F(Colors, InputsMeetInTheSpaceOfTheFirst) {
   const double full = readImage(at("out.png")).bits == 8 ? 255 : 65535;
   EXPECT_NEAR(pixel[0] / full, 0.5 * 0.735357 + 0.5 * 10 / 255, 1e-3) << "0.5 of light is 0.735 of sRGB";
   EXPECT_EQ(say({"back.png", "front.exr"}, "out.png", {"--input-space", at("front.exr") + "=sRGB"}, {}, "Over"), "");
+  // For one file wherever it is an input, whatever holds for all.
+  const Words one{"--input-space", at("back.png") + "=Display P3", "--input-space", "sRGB"};
+  EXPECT_EQ(say({"back.png", "back.png"}, "p3.png", one, {}, "Over"), "");
+  EXPECT_FALSE(iccProfileOf(at("p3.png")).empty());
   EXPECT_EQ(say({"back.png", "front.exr"}, "out.exr", {"--working-space", "ACEScg"}, {}, "Over"),
             warning + "vorto: back.png is converted from sRGB (assumed) to ACEScg\n" +
                 "vorto: front.exr is converted from Linear Rec.709 (assumed) to ACEScg\n");
@@ -255,16 +274,41 @@ TEST_F(Colors, ClippingIsSaidOnEveryWay) {
        {"--working-space", "sRGB", "--depth", "float"},
        "c.png",
        "3 pixels of the result lie outside sRGB and were clipped"},
-      {{"light.exr"},
-       {"--working-space", "raw"},
-       "d.png",
-       "3 pixels of the result lie outside 0 to 1 and were clipped"},
+      {{"light.exr"}, {"--working-space", "raw"}, "d.png", ""},
       {{"black.png", "light.exr"}, {}, "e.png", "2 pixels of the result lie outside sRGB and were clipped", "Over"},
   };
   for (const auto& row : rows) {
     EXPECT_EQ(said(say(row.inputs, row.output, row.options, {}, row.effect)), row.said) << row.output;
   }
   EXPECT_EQ(readImage(at("b.png")).pixel(2, 0)[0], 65535);
+}
+
+TEST_F(Colors, LaterFramesMayBeInOtherSpaces) {
+  const auto sRgb = flatImage(2, 2, {100, 100, 100, 255});
+  auto hollow = profileBytes(wideProfile());
+  const std::string gone = "gTRC";
+  *std::search(hollow.begin(), hollow.end(), gone.begin(), gone.end()) = 'x';
+  writePng(at("plain.png"), sRgb);
+  say({"plain.png"}, "still.png", {"--output-space", "lin_rec709"});
+  say({"plain.png"}, "f.1.png", {"--output-space", "lin_rec709"});
+  writePng(at("f.2.png"), sRgb);
+  writeTagged(at("f.3.png"), sRgb, hollow);
+  say({"plain.png"}, "f.4.png", {"--output-space", "lin_rec709"});
+  for (const std::string frame : {"5", "7"}) writeTagged(at("f." + frame + ".png"), sRgb, hollow);
+  writePng(at("f.6.png"), sRgb);
+  const std::string said = say({"still.png", "f.%d.png"}, "o.%d.png", {}, {}, "Multiply");
+  const std::size_t reason = said.find("vorto: f.3.png: its ICC profile is not used: ");
+  EXPECT_EQ(said.substr(0, reason),
+            "vorto: the result is converted from Linear Rec.709 to sRGB\n"
+            "vorto: f.2.png is converted from sRGB (assumed) to Linear Rec.709\n"
+            "vorto: warning: the inputs are in different color spaces, and not all say in which: f.2.png is taken as "
+            "sRGB; --input-space FILE=NAME says otherwise\n");
+  EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 4) << said;
+  for (const std::string frame : {"1", "2", "3", "7"}) {
+    const TestImage made = readImage(at("o." + frame + ".png"));
+    EXPECT_EQ(made.bits, 8) << frame;
+    EXPECT_NEAR(made.pixel(0, 0)[0], 34, 1) << frame << ": the square of the light";
+  }
 }
 
 TEST_F(Colors, AWayThroughAnotherSpaceCostsAtMostAUnit) {
@@ -323,12 +367,40 @@ colorspaces:
   const RunOptions user{{"OCIO=" + at("user.ocio"), "OCIO_LOGGING_LEVEL=debug", "OCIO_OPTIMIZATION_FLAGS=0"}};
   EXPECT_EQ(say({"in.png"}, "out.exr", {"--working-space", "TWICE"}, user),
             "vorto: in.png is converted from sRGB (assumed) to \"Twice\"\n"
-            "vorto: the file holds \"Twice\", and its format cannot say so\n");
+            "vorto: out.exr holds \"Twice\", and its format cannot say so\n");
   EXPECT_NEAR(readImage(at("out.exr")).pixel(128, 0)[0], 0.5 * std::pow(128 / 255.0, 2), 1e-4);
   const ProgramRun missing = vorto(
       {"render", "Levels", "--input", at("in.png"), "--output", at("p3.png"), "--output-space", "Display P3"}, user);
   EXPECT_EQ(missing.exitCode, 3);
   EXPECT_NE(missing.err.find("has no space \"Display P3\""), std::string::npos) << missing.err;
+}
+
+TEST_F(Colors, AConfigurationMayLackWhatFilesName) {
+  writeFile(at("user.ocio"), R"(ocio_profile_version: 2
+roles: {default: sRGB, scene_linear: House Light}
+displays: {none: [!<View> {name: Raw, colorspace: sRGB}]}
+colorspaces:
+  - !<ColorSpace> {name: House Light, encoding: scene-linear}
+  - !<ColorSpace> {name: sRGB, to_scene_reference: !<ExponentTransform> {value: 2}}
+)");
+  const RunOptions user{{"OCIO=" + at("user.ocio")}};
+  writePng(at("in.png"), grays(8));
+  EXPECT_EQ(say({"in.png"}, "out.exr", {}, user),
+            "vorto: the configuration of $OCIO has no Linear Rec.709: its scene_linear is taken instead\n"
+            "vorto: the result is converted from sRGB (assumed) to \"House Light\"\n"
+            "vorto: out.exr holds \"House Light\", and its format cannot say so\n");
+  EXPECT_NEAR(readImage(at("out.exr")).pixel(128, 0)[0], std::pow(128 / 255.0, 2), 2e-4);
+  // A name that neither knows counts as none, as it does without a configuration.
+  writeExr(at("named.exr"), TestImage{1, 1, 32, {0.25, 0.25, 0.25, 1}}, "nobodys_space");
+  const std::string remark =
+      "vorto: named.exr: nothing is known of its color space \"nobodys_space\"; it counts as untagged\n";
+  const std::string said = "vorto: the result is converted from Linear Rec.709 (assumed) to sRGB\n";
+  EXPECT_EQ(say({"named.exr"}, "named.png"), remark + said);
+  const std::string light = R"(  - !<ColorSpace> {name: Linear Rec.709, encoding: scene-linear}
+)";
+  writeFile(at("light.ocio"), readFile(at("user.ocio")) + light);
+  EXPECT_EQ(say({"named.exr"}, "named.png", {}, {{"OCIO=" + at("light.ocio")}}), remark + said);
+  EXPECT_EQ(say({"named.exr"}, "kept.exr", {}, {{"OCIO=" + at("light.ocio")}}), "");
 }
 
 TEST_F(Colors, SheetsShowSRgb) {

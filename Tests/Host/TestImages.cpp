@@ -91,8 +91,10 @@ void writeTagged(const std::string& path, const TestImage& image, const std::vec
   write(path, image, spec);
 }
 
-void writeExr(const std::string& path, const TestImage& image) {
-  write(path, image, specOf(image));
+void writeExr(const std::string& path, const TestImage& image, const std::string& space) {
+  OIIO::ImageSpec spec = specOf(image);
+  if (!space.empty()) spec.attribute("colorInteropID", space);
+  write(path, image, spec);
 }
 
 std::vector<std::uint8_t> iccProfileOf(const std::string& path) {

@@ -30,7 +30,8 @@ void writeTiff(const std::string& path, const TestImage& image, Alpha alpha = Al
                int orientation = 1);
 void writePng(const std::string& path, const TestImage& image);  // straight
 void writeTagged(const std::string& path, const TestImage& image, const std::vector<std::uint8_t>& iccProfile);
-void writeExr(const std::string& path, const TestImage& image);  // floats
+// Floats; with a colorInteropID when a name is given.
+void writeExr(const std::string& path, const TestImage& image, const std::string& space = "");
 
 std::vector<std::uint8_t> iccProfileOf(const std::string& path);  // empty when there is none
 

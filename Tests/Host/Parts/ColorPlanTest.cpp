@@ -49,6 +49,7 @@ std::string wordsOf(const ColorSpace& space) {
   switch (space.kind) {
     case ColorSpace::Kind::Known:
     case ColorSpace::Kind::Named:
+    case ColorSpace::Kind::Stated:
       return assumed + space.name;
     case ColorSpace::Kind::Profile:
       return "profile " + space.name;
@@ -155,6 +156,10 @@ TEST(FileSpace, IsWhatTheFileSays) {
        Depth::Bits8, "Rec.709 (BT.1886)", ""},
       {"HDR falls to the profile", [&](ColorTag& tag) { codes(9, 16)(tag), profile(wideBytes)(tag); }, Depth::Bits16,
        "profile Wide", "cICP"},
+      {"PQ", codes(9, 16), Depth::Bits16, "PQ", ""},
+      {"HLG with what others know", [&](ColorTag& tag) { codes(9, 18)(tag), tag.sRGBIntent = 0; }, Depth::Bits16,
+       "sRGB", "cICP"},
+      {"PQ of no RGB", codes(9, 16, 9), Depth::Bits16, "assumed sRGB", "cICP"},
       {"narrow range", codes(1, 13, 0, false), Depth::Bits8, "assumed sRGB", "cICP"},
       {"profile before sRGB", [&](ColorTag& tag) { profile(wideBytes)(tag), tag.sRGBIntent = 1, tag.gamma = 1; },
        Depth::Bits8, "profile Wide", ""},
