@@ -140,10 +140,10 @@ void addEncoding(CLI::App& command, EncodingOptions& options) {
       ->type_name("1-100")
       ->check(CLI::Range(1, 100));
   command
-      .add_option(
-          "--compression", options.compression,
-          "How files are compressed: none or deflate for PNG; none, lzw, deflate or packbits for TIFF; none, rle, "
-          "zip, zips, piz, pxr24, b44, b44a, dwaa or dwab for EXR; 444, 422 or 420 for JPEG")
+      .add_option("--compression", options.compression,
+                  "How files are compressed: none or deflate for PNG; none, lzw, deflate, packbits or zstd for TIFF; "
+                  "none, rle, "
+                  "zip, zips, piz, pxr24, b44, b44a, dwaa or dwab for EXR; 444, 422 or 420 for JPEG")
       ->type_name("METHOD[:LEVEL]");
 }
 

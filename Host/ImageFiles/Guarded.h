@@ -9,9 +9,9 @@
 
 namespace host {
 
-// Runs a step that may throw (a library, or memory that ran out) and returns false, with the cause, instead.
+// Runs a step that may throw (a library, or memory that ran out) and returns false, or null, with the cause, instead.
 template <class Step>
-bool guarded(std::string* reason, Step step) {
+auto guarded(std::string* reason, Step step) -> decltype(step()) {
   try {
     return step();
   } catch (const std::bad_alloc&) {
@@ -19,7 +19,7 @@ bool guarded(std::string* reason, Step step) {
   } catch (const std::exception& error) {
     NSRefuse(reason, error.what());
   }
-  return false;
+  return {};
 }
 
 }  // namespace host

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include "Host/ImageFiles/Damaged.h"
+
 #include <cstdint>
 #include <span>
 #include <string>
@@ -79,8 +81,6 @@ struct File {
   bool hasParts = false;  // it may hold several, and says with each block to which it belongs
   std::vector<Part> parts;
 };
-
-inline constexpr const char* kDamaged = "it is damaged or cut short";
 
 // Whether a value is as large as its type says; values of types that differ in size always are.
 bool isAttributeWhole(std::string_view type, std::span<const std::uint8_t> value);

@@ -17,8 +17,6 @@ struct Sign {
 };
 
 constexpr Sign kSigns[] = {
-    {"png", "\x89PNG\r\n\x1a\n"sv},
-    {"jpeg", "\xff\xd8\xff"sv},
     {"openexr", "\x76\x2f\x31\x01"sv},
     {"tiff", "II\x2a\0"sv},
     {"tiff", "MM\0\x2a"sv},

@@ -3,36 +3,26 @@
 #include "Host/ImageFiles/General/Reading.h"
 #include "Host/ImageFiles/General/SilentStandardError.h"
 #include "Host/ImageFiles/General/Writing.h"
+#include "Host/ImageFiles/Guarded.h"
 #include "Host/ImageFiles/ImageFileModule.h"
-#include "Platform/Foundation/NSReason.h"
 #include "Platform/Visibility.h"
 
 #include <OpenImageIO/imageio.h>
-#include <exception>
-#include <new>
 
 namespace host {
 namespace {
 
-// Runs a step that may throw (the library, or memory that ran out); what a failed one returns is false, or null.
 template <class Step>
-auto guarded(std::string* reason, Step step) -> decltype(step()) {
+auto silently(std::string* reason, Step step) -> decltype(step()) {
   const SilentStandardError silent;
-  try {
-    return step();
-  } catch (const std::bad_alloc&) {
-    NSRefuse(reason, "there is not enough memory for it");
-  } catch (const std::exception& error) {
-    NSRefuse(reason, error.what());
-  }
-  return {};
+  return guarded(reason, step);
 }
 
 class GuardedReader : public ImageReader {
  public:
   explicit GuardedReader(std::unique_ptr<ImageReader> reader) : reader_(std::move(reader)) { info_ = reader_->info(); }
   bool readPixels(std::byte* pixels, std::size_t rowBytes, std::string* reason) override {
-    return guarded(reason, [&] { return reader_->readPixels(pixels, rowBytes, reason); });
+    return silently(reason, [&] { return reader_->readPixels(pixels, rowBytes, reason); });
   }
 
  private:
@@ -49,22 +39,22 @@ class GeneralModule : public ImageFileModule, public DrawingModule {
   }
 
   std::unique_ptr<ImageReader> open(const ReadRequest& request, bool*, std::string* reason) override {
-    return guarded(reason, [&]() -> std::unique_ptr<ImageReader> {
+    return silently(reason, [&]() -> std::unique_ptr<ImageReader> {
       auto reader = openImage(request, reason);
       return reader ? std::make_unique<GuardedReader>(std::move(reader)) : nullptr;
     });
   }
   bool write(const WriteRequest& request, PixelRows& rows, OutputBytes& output, std::string* reason) override {
-    return guarded(reason, [&] { return writeImage(request, rows, output, reason); });
+    return silently(reason, [&] { return writeImage(request, rows, output, reason); });
   }
 
   bool drawText(const DrawingSurface& surface, int x, int baseline, const std::string& text, const TextStyle& style,
                 std::string* reason) override {
-    return guarded(reason, [&] { return drawTextInImage(surface, x, baseline, text, style, reason); });
+    return silently(reason, [&] { return drawTextInImage(surface, x, baseline, text, style, reason); });
   }
   int textWidth(const std::string& text, const TextStyle& style) override {
     int width = -1;
-    guarded(nullptr, [&] {
+    silently(nullptr, [&] {
       width = widthOfText(text, style);
       return true;
     });

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/ImageFiles/General/LibraryFile.h"
 
+#include "Host/ImageFiles/Damaged.h"
 #include "Platform/Foundation/NSReason.h"
 
 #include <sys/mman.h>

@@ -33,6 +33,4 @@ class LibraryFile {
 // One line of what the library says, without the name under which it knows the bytes.
 std::string cleanedMessage(std::string message);
 
-inline constexpr const char* kDamaged = "it is damaged or cut short";
-
 }  // namespace host

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
+#include "Host/ImageFiles/Damaged.h"
 #include "Host/ImageFiles/General/PortableAnymap.h"
 #include "Platform/Foundation/NSReason.h"
 
@@ -148,7 +149,7 @@ std::unique_ptr<ImageReader> openPortableAnymap(std::span<const std::uint8_t> fi
   const bool isWhole =
       header.pixels <= file.size() && (file.size() - header.pixels) / reader->rowBytes() >= header.height;
   if (isWhole) return reader;
-  NSRefuse(reason, "it is damaged or cut short");
+  NSRefuse(reason, kDamaged);
   return nullptr;
 }
 

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/ImageFiles/General/Reading.h"
 
+#include "Host/ImageFiles/Damaged.h"
 #include "Host/ImageFiles/General/Channels.h"
 #include "Host/ImageFiles/General/FormatNames.h"
 #include "Host/ImageFiles/General/LibraryFile.h"
 #include "Host/ImageFiles/General/Metadata.h"
 #include "Host/ImageFiles/General/PortableAnymap.h"
-#include "Host/ImageFiles/PngStructure.h"
 #include "Host/ImageFiles/TiffStructure.h"
 #include "Platform/Foundation/NSReason.h"
 
@@ -21,7 +21,6 @@ namespace {
 
 // Damage that the library reads over, or only meets in what it does not read.
 bool isWhole(std::string_view format, std::span<const std::uint8_t> file) {
-  if (format == "png") return isWholePng(file);
   return format != "tiff" || isWholeTiff(file);
 }
 

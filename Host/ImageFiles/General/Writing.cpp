@@ -30,14 +30,6 @@ OIIO::TypeDesc typeOf(SampleType sample) {
 
 const char* libraryName(FileFormat format) {
   switch (format) {
-    case FileFormat::Png:
-      return "png";
-    case FileFormat::Jpeg:
-      return "jpeg";
-    case FileFormat::Tiff:
-      return "tiff";
-    case FileFormat::Exr:
-      return "openexr";
     case FileFormat::WebP:
       return "webp";
     case FileFormat::Bmp:

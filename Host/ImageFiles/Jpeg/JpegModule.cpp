@@ -11,12 +11,7 @@ class JpegModule : public ImageFileModule {
  public:
   std::unique_ptr<ImageReader> open(const ReadRequest& request, bool* isOtherKind, std::string* reason) override {
     *isOtherKind = false;
-    std::unique_ptr<ImageReader> reader;
-    guarded(reason, [&] {
-      reader = openJpeg(request.file, reason);
-      return reader != nullptr;
-    });
-    return reader;
+    return guarded(reason, [&] { return openJpeg(request.file, reason); });
   }
   bool write(const WriteRequest& request, PixelRows& rows, OutputBytes& output, std::string* reason) override {
     return guarded(reason, [&] { return writeJpeg(request, rows, output, reason); });

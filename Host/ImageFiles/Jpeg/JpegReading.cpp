@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/ImageFiles/Jpeg/JpegReading.h"
 
+#include "Host/ImageFiles/Damaged.h"
 #include "Host/ImageFiles/Exif.h"
 #include "Host/ImageFiles/Guarded.h"
 #include "Host/ImageFiles/Jpeg/JpegErrors.h"
@@ -90,7 +91,7 @@ class JpegReader : public ImageReader {
     if (library_.input_scan_number > progress_.largestScanCount) {
       return NSRefuse(reason, "it has more than " + std::to_string(progress_.largestScanCount) + " scans");
     }
-    std::string text = "it is damaged or cut short";
+    std::string text = kDamaged;
     if (*errors_.firstMessage() != 0) text += std::string(" (") + errors_.firstMessage() + ")";
     return NSRefuse(reason, text);
   }

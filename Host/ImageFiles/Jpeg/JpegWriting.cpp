@@ -51,6 +51,8 @@ bool isPossible(const WriteRequest& request, std::string* reason) {
   if (samplingNamed(settings.compression) == nullptr) {
     return NSRefuse(reason, "JPEG has no color sampling \"" + settings.compression + "\"; it has 444, 422 and 420");
   }
+  if (settings.level != -1)
+    return NSRefuse(reason, "JPEG's compression has no levels: its quality says how hard it is");
   if (settings.quality != -1 && (settings.quality < 1 || settings.quality > 100)) {
     return NSRefuse(reason, "the qualities of JPEG are 1 to 100");
   }

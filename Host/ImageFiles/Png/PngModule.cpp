@@ -11,12 +11,7 @@ class PngModule : public ImageFileModule {
  public:
   std::unique_ptr<ImageReader> open(const ReadRequest& request, bool* isOtherKind, std::string* reason) override {
     *isOtherKind = false;
-    std::unique_ptr<ImageReader> reader;
-    guarded(reason, [&] {
-      reader = openPng(request.file, reason);
-      return reader != nullptr;
-    });
-    return reader;
+    return guarded(reason, [&] { return openPng(request.file, reason); });
   }
   bool write(const WriteRequest& request, PixelRows& rows, OutputBytes& output, std::string* reason) override {
     return guarded(reason, [&] { return writePng(request, rows, output, reason); });

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/ImageFiles/Png/Reading.h"
 
+#include "Host/ImageFiles/Damaged.h"
 #include "Host/ImageFiles/Exif.h"
 #include "Host/ImageFiles/Guarded.h"
 #include "Host/ImageFiles/Png/Deflate.h"
@@ -14,7 +15,6 @@
 namespace host {
 namespace {
 
-constexpr const char* kDamaged = "it is damaged or cut short";
 constexpr std::uint64_t kLargestExpansion = 1032;  // of deflate: 258 bytes for two bits
 
 constexpr std::size_t kLargestExcess = std::size_t{1} << 16;

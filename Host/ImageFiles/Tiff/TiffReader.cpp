@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/ImageFiles/Tiff/TiffReader.h"
 
+#include "Host/ImageFiles/Damaged.h"
 #include "Host/ImageFiles/Guarded.h"
 #include "Host/ImageFiles/Tiff/Inflater.h"
 #include "Host/ImageFiles/Tiff/TiffMetadata.h"
@@ -16,8 +17,6 @@ namespace {
 
 constexpr std::size_t kLargestStrip = std::size_t{1} << 22;  // of those that are inflated at once
 constexpr std::uint64_t kLargestTile = std::uint64_t{1} << 31;
-
-constexpr const char* kDamaged = "it is damaged or cut short";
 
 SampleType sampleOf(Stored stored) {
   return stored == Stored::UInt8    ? SampleType::UInt8

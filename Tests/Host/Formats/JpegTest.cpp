@@ -146,8 +146,10 @@ TEST(Jpeg, WhatTheFormatCannotHoldIsRefused) {
   const std::vector<std::function<void(host::WriteRequest*)>> faults{
       [](host::WriteRequest* r) { r->sample = host::SampleType::UInt16; },
       [](host::WriteRequest* r) { r->channels = host::Channels::RGBA; },
-      [](host::WriteRequest* r) { r->height = 65501; }, [](host::WriteRequest* r) { r->settings.compression = "411"; },
-      [](host::WriteRequest* r) { r->settings.quality = 0; }};
+      [](host::WriteRequest* r) { r->height = 65501; },
+      [](host::WriteRequest* r) { r->settings.compression = "411"; },
+      [](host::WriteRequest* r) { r->settings.quality = 0; },
+      [](host::WriteRequest* r) { r->settings.level = 3; }};
   for (const auto& makeWrong : faults) {
     auto wrong = requestFor(host::Channels::RGB, 8, 8);
     makeWrong(&wrong);

@@ -231,6 +231,10 @@ TEST(Png, MetadataIsRead) {
   const auto repeated =
       readPicture(png(), fileWith(kind, pixels, {{"iCCP", {'n', 0, 0}}, {"iCCP", compressedProfile}}));
   EXPECT_TRUE(repeated.info.metadata.color.iccProfile.empty()) << "one chunk is inflated, however many there are";
+  const Bytes resolution{'M',  'M', 0, 42, 0, 0, 0, 8, 0, 2, 1,  0x1A, 0, 5, 0, 0, 0, 1, 0,   0, 0, 38, 1,
+                         0x1B, 0,   5, 0,  0, 0, 1, 0, 0, 0, 38, 0,    0, 0, 0, 0, 0, 0, 240, 0, 0, 0,  1};
+  const auto ofExif = readPicture(png(), fileWith(kind, pixels, {{"eXIf", resolution}})).info.metadata;
+  EXPECT_EQ(ofExif.resolution, (host::Resolution{240, 240, host::Resolution::Unit::Inch}));
   const auto aspect = readPicture(png(), fileWith(kind, pixels, {{"pHYs", {0, 0, 0, 15, 0, 0, 0, 16, 0}}})).info;
   EXPECT_EQ(aspect.metadata.pixelAspect, 16.0 / 15);
   EXPECT_FALSE(aspect.metadata.resolution);
