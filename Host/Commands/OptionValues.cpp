@@ -104,6 +104,12 @@ ColorWishes parsedColors(const ColorOptions& options, const std::vector<std::str
     if (input == inputs.end()) throw Failure(ExitCode::Usage, "--input-space " + text + ": no --input is " + file);
     wishes.inputs[static_cast<std::size_t>(input - inputs.begin())] = space;
   }
+  const bool isFirstRaw = !inputs.empty() && wishes.inputs[0] && wishes.inputs[0]->kind == ColorSpace::Kind::Raw;
+  if (isFirstRaw && !wishes.working && wishes.output) {
+    throw Failure(ExitCode::Usage,
+                  "--input-space raw: what is no colors is not converted: leave --output-space out, or "
+                  "give a --working-space");
+  }
   return wishes;
 }
 
