@@ -43,9 +43,10 @@ std::optional<ColorTag> inheritedTag(const ColorSpace& space, const ColorSpace& 
                                      const std::vector<ColorInput>& inputs, const ColorOutput& output) {
   if (inputs.empty()) return std::nullopt;
   const ColorInput& first = inputs[0];
-  const bool isUntouched = working.kind == Kind::Raw;  // its values are what they were
-  const bool isSame = first.space.origin == Origin::Tagged && isSameSpace(first.space, space);
-  return isUntouched || isSame ? keptTag(first.tag, first.space, output.format, output.isGray) : std::nullopt;
+  const bool isTagged = working.kind == Kind::Raw || first.space.origin == Origin::Tagged;
+  return isTagged && isSpaceOfFirst(space, working, inputs)
+             ? keptTag(first.tag, first.space, output.format, output.isGray)
+             : std::nullopt;
 }
 
 // What a file of the kind holds by default, as its readers take it. Few formats can state other spaces than the usual
@@ -62,7 +63,7 @@ ColorSpace defaultOutput(const ColorSpace& working, const std::vector<ColorInput
 // In a file of values that nobody converted.
 void tellOfForeignProfile(OutputPlan& plan, const ColorSpace& working, const std::vector<ColorInput>& inputs,
                           const ColorOutput& output) {
-  if (working.kind != Kind::Raw || inputs.empty()) return;
+  if (working.kind != Kind::Raw || !isSpaceOfFirst(plan.space, working, inputs)) return;
   const auto kept = keptTag(inputs[0].tag, working, output.format, std::nullopt);
   const bool isLeftOut = kept && !kept->iccProfile.empty() && plan.tag.iccProfile.empty();
   if (isLeftOut) plan.sentences.push_back(foreignProfileSentence(inputs[0]));
@@ -146,6 +147,9 @@ OutputPlan planOutput(const InputPlan& inputPlan, const std::vector<ColorInput>&
   const ColorSpace& working = inputPlan.working;
   OutputPlan plan;
   plan.space = working.kind == Kind::Raw ? working : wanted.value_or(defaultOutput(working, inputs, output));
+  if (working.kind == Kind::Raw && wanted && wanted->kind != Kind::Raw) {
+    plan.sentences.push_back("the result is not converted to " + spaceText(*wanted) + ": the first input is no colors");
+  }
   plan.isConverted = needsConversion(working, plan.space);
   if (plan.isConverted) {
     ColorSpace from = working;

@@ -112,6 +112,12 @@ ColorWishes parsedColors(const ColorOptions& options, const std::vector<std::str
     throw Failure(ExitCode::Usage, "--working-space raw converts nothing: leave --output-space out");
   }
   applyInputSpaces(options.inputs, inputs, wishes.inputs);
+  const bool isFirstRaw = !inputs.empty() && wishes.inputs[0] && wishes.inputs[0]->kind == ColorSpace::Kind::Raw;
+  if (isFirstRaw && !wishes.working && wishes.output) {
+    throw Failure(ExitCode::Usage,
+                  "--input-space raw: what is no colors is not converted: leave --output-space out, or "
+                  "give a --working-space");
+  }
   return wishes;
 }
 

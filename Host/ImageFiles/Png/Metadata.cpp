@@ -22,15 +22,23 @@ double fixedPoint(const PngChunk& chunk, std::size_t index) {
   return pngNumber(&chunk.data[4 * index]) / kFixedPoint;
 }
 
-// A name of 1 to 79 characters, a zero, the method 0, and the compressed profile.
+// A name of 1 to 79 characters, a zero, the method 0, and the compressed profile. What is damaged is passed on as it
+// is, so that the program can say so.
 void readProfile(const PngChunk& chunk, ColorTag* color) {
+  if (!color->iccProfile.empty()) return;
   const auto name = chunk.data.first(std::min<std::size_t>(chunk.data.size(), 80));
   const auto end = std::find(name.begin(), name.end(), 0);
   const auto length = static_cast<std::size_t>(end - name.begin());
-  if (end == name.end() || length == 0 || chunk.data.size() < length + 2 || chunk.data[length + 1] != 0) return;
-  Bytes profile = inflated(chunk.data.subspan(length + 2), kLargestProfile);
-  if (profile.size() < kIccHeaderSize || pngNumber(profile.data()) != profile.size()) return;
-  if (color->iccProfile.empty()) color->iccProfile = std::move(profile);
+  Bytes profile;
+  if (end != name.end() && length > 0 && chunk.data.size() >= length + 2 && chunk.data[length + 1] == 0) {
+    profile = inflated(chunk.data.subspan(length + 2), kLargestProfile);
+  }
+  if (profile.empty()) {
+    profile.assign(chunk.data.begin(), chunk.data.end());
+  } else if (profile.size() >= kIccHeaderSize) {
+    profile.resize(std::min<std::size_t>(profile.size(), std::max(pngNumber(profile.data()), 1u)));
+  }
+  color->iccProfile = std::move(profile);
 }
 
 void readPrimaries(const PngChunk& chunk, ColorTag* color) {
@@ -42,7 +50,7 @@ void readPrimaries(const PngChunk& chunk, ColorTag* color) {
 }
 
 void readCodePoints(const PngChunk& chunk, ColorTag* color) {
-  if (chunk.data.size() != 4 || chunk.data[2] != 0 || chunk.data[3] > 1 || color->codePoints) return;
+  if (chunk.data.size() != 4 || chunk.data[3] > 1 || color->codePoints) return;
   color->codePoints = CodePoints{chunk.data[0], chunk.data[1], chunk.data[2], chunk.data[3] == 1};
 }
 

@@ -86,10 +86,11 @@ ColorInput input(const std::string& word) {
   if (word == "wide") made.space = host::profileSpace(profileBytes(wideProfile()), "Wide", false);
   if (word == "gray") made.space = host::profileSpace({}, "Gray", true);
   if (word == "house") made.space = host::namedSpace("House Log", false, false, Origin::Told);
-  if (word == "raw") made.space = host::rawSpace(Origin::Told);
+  if (word == "raw" || word == "data") made.space = host::rawSpace(word == "raw" ? Origin::Told : Origin::Tagged);
   if (word == "chunks") made.tag.sRGBIntent = 1;
   if (word == "aces") made.tag.primaries = made.space.primaries;
-  if (word == "wide" || word == "icc") made.tag.iccProfile = profileBytes(wideProfile());
+  if (word == "wide" || word == "icc" || word == "raw" || word == "data")
+    made.tag.iccProfile = profileBytes(wideProfile());
   made.path = word;
   return made;
 }
@@ -160,6 +161,7 @@ TEST(FileSpace, IsWhatTheFileSays) {
       {"HLG with what others know", [&](ColorTag& tag) { codes(9, 18)(tag), tag.sRGBIntent = 0; }, Depth::Bits16,
        "sRGB", "cICP"},
       {"PQ of no RGB", codes(9, 16, 9), Depth::Bits16, "assumed sRGB", "cICP"},
+      {"no RGB", codes(1, 13, 1), Depth::Bits8, "assumed sRGB", "cICP"},
       {"narrow range", codes(1, 13, 0, false), Depth::Bits8, "assumed sRGB", "cICP"},
       {"profile before sRGB", [&](ColorTag& tag) { profile(wideBytes)(tag), tag.sRGBIntent = 1, tag.gamma = 1; },
        Depth::Bits8, "profile Wide", ""},
@@ -270,8 +272,10 @@ TEST(ColorPlan, FilesHoldWhatTheirReadersExpect) {
       {"plain", "", "toldP3", Png, false, "to Display P3", "cICP new profile"},
       {"toldP3", "", "", Jpeg, false, "Display P3", "new profile"},
       {"chunks", "", "house", Png, false, "to House Log", "(cannot say so)"},
-      {"wide", "raw", "toldP3", Jpeg, false, "raw", "same profile"},
+      {"wide", "raw", "", Jpeg, false, "raw", "same profile"},
       {"aces", "raw", "", Png, false, "raw", ""},
+      {"raw", "", "", Png, false, "raw", ""},
+      {"data", "", "toldP3", Png, false, "raw", "same profile(not converted)"},
       {"chunks", "raw", "", Exr, true, "raw", ""},
       {"wide", "", "", Png, false, "to assumed sRGB", "sRGB gAMA primaries", true},
       {"wide", "", "", Png, false, "profile Wide", "same profile", false},
@@ -292,10 +296,12 @@ TEST(ColorPlan, FilesHoldWhatTheirReadersExpect) {
         host::planOutput(working, given, wish(row.wanted), {"out", row.format, row.isFloat, row.isGray});
     const std::string said = joined(plan.sentences);
     const bool cannotSay = said.find("out holds ") != std::string::npos;
+    const bool isRefused = said.find("the result is not converted to Display P3") != std::string::npos;
     const bool isLeftOut = said.find("the ICC profile of wide is left out") != std::string::npos;
     EXPECT_EQ((plan.isConverted ? "to " : "") + wordsOf(plan.space), row.space) << row.inputs;
     EXPECT_EQ(tagText(plan) + (cannotSay   ? "(cannot say so)"
                                : isLeftOut ? "(left out)"
+                               : isRefused ? "(not converted)"
                                            : ""),
               row.tag)
         << row.inputs << ' ' << row.space;
