@@ -89,13 +89,17 @@ class Directories {
   static unsigned sizeOfType(std::uint64_t type) {
     switch (type) {
       case 1:
+      case 6:
         return 1;
       case 3:
+      case 8:
         return 2;
       case 4:
+      case 9:
       case 13:
         return 4;
       case 16:
+      case 17:
       case 18:
         return 8;
       default:
@@ -139,14 +143,15 @@ class Directories {
     return found == fields_.end() ? 0 : found->second.count;
   }
 
-  bool isTiled() const { return count(kTileOffsets) > 0; }
+  // The library takes the places of strips for those of tiles, too.
+  bool isTiled() const { return count(kTileWidth) > 0 || count(kTileLength) > 0 || count(kTileOffsets) > 0; }
   std::uint64_t compression() { return value(kCompression, 0, kNone); }
   bool isDeflated() { return compression() == kDeflate || compression() == kOldDeflate; }
 
   bool isPictureWhole(bool isFirst) {
     if (isFirst && (count(kBitsPerSample) == 0 || (isTiled() && !isTileSound()))) return false;
-    const Tag offsets = isTiled() ? kTileOffsets : kStripOffsets;
-    const Tag sizes = isTiled() ? kTileByteCounts : kStripByteCounts;
+    const Tag offsets = count(kTileOffsets) > 0 ? kTileOffsets : kStripOffsets;
+    const Tag sizes = count(kTileByteCounts) > 0 ? kTileByteCounts : kStripByteCounts;
     const std::uint64_t tile = isFirst && isTiled() ? tileSize() : 0;
     const std::uint64_t pieces = std::min(count(offsets), count(sizes));
     std::uint64_t storedBytes = 0;

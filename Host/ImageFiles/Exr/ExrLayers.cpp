@@ -33,6 +33,7 @@ bool isAlpha(std::string_view base) {
 struct Found {
   int red = -1, green = -1, blue = -1, luminance = -1, alpha = -1, other = -1;
   int colorCount = 0;
+  int difference = -1;
 
   void add(int channel, std::string_view base) {
     if (isAlpha(base)) {
@@ -45,7 +46,11 @@ struct Found {
     if (base == "G") green = channel;
     if (base == "B") blue = channel;
     if (base == "Y") luminance = channel;
+    if (base == "RY" || base == "BY") difference = channel;
   }
+
+  // Luminance is no gray picture where differences make it one in color.
+  bool hasDifferences() const { return luminance >= 0 && difference >= 0 && (red < 0 || green < 0 || blue < 0); }
 
   bool select(Selection* selection) const {
     if (red >= 0 && green >= 0 && blue >= 0) {
@@ -138,6 +143,19 @@ bool checkSampling(const Part& part, std::string* reason) {
                               " x " + std::to_string(found->rows) + " pixels; one for each is read");
 }
 
+bool checkDifferences(const Part& part, const Place& place, std::string* reason) {
+  const Found found = find(part, Which::Layer, place.layer);
+  return !found.hasDifferences() ||
+         NSRefuse(reason, "its channel \"" + part.channels[static_cast<std::size_t>(found.difference)].name +
+                              "\" is a difference from its luminance; red, green and blue or gray alone are read");
+}
+
+bool refuseChannels(const File& file, std::string* reason) {
+  const std::string list = listOfLayers(file);
+  return NSRefuse(reason, "it has no channels that make a gray or an RGB picture" +
+                              (list.empty() ? std::string() : "; its layers are " + list));
+}
+
 bool checkSamples(const Part& part, Selection* selection, std::string* reason) {
   selection->depth = Depth::Half;
   for (const int channel : selection->channels) {
@@ -159,11 +177,9 @@ bool selectPicture(const File& file, const std::string& layer, Selection* select
   if (!place) return refuseLayer(file, layer, reason);
   const Part& part = file.parts[place->part];
   if (part.isDeep) return NSRefuse(reason, "it is a deep image, which has no single color at a pixel");
-  if (!checkSampling(part, reason)) return false;
+  if (!checkSampling(part, reason) || !checkDifferences(part, *place, reason)) return false;
   selection->part = place->part;
-  if (!selectChannels(part, *place, !layer.empty(), selection)) {
-    return NSRefuse(reason, "it has no channels that make a gray or an RGB picture");
-  }
+  if (!selectChannels(part, *place, !layer.empty(), selection)) return refuseChannels(file, reason);
   return checkSamples(part, selection, reason);
 }
 

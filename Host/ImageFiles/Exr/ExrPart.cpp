@@ -153,7 +153,7 @@ class HeaderReader {
   }
 
   bool isWhole(Part* part) {
-    part->isTiled = file_.hasParts ? type_ == "tiledimage" || type_ == "deeptile" : (flags_ & kTiled) != 0;
+    part->isTiled = type_ == "deeptile" || (file_.hasParts ? type_ == "tiledimage" : (flags_ & kTiled) != 0);
     part->isDeep = type_ == "deepscanline" || type_ == "deeptile" || (!file_.hasParts && (flags_ & kDeep) != 0);
     if (!isBox(part->data) || !isBox(part->display) || part->channels.empty() || part->compression > kDwab ||
         (part->isTiled && !hasTiles(*part))) {

@@ -20,6 +20,7 @@ namespace {
 
 constexpr std::size_t kPiece = 256;  // pixels at a time, whose samples stay in the processor's nearest cache
 constexpr int kHighestLevel = 12;
+constexpr const char* kNotWritten = "it could not be written";
 
 constexpr std::pair<std::string_view, Compression> kCompressions[] = {
     {"none", kNone},   {"rle", kRunLengths}, {"zips", kZipRow}, {"zip", kZip},   {"piz", kPiz},
@@ -71,7 +72,7 @@ class ExrWriter {
     const std::uint64_t blocks = (request_.height + rowsAtOnce - 1) / rowsAtOnce;
     const Bytes header = headerOfPicture();
     const std::uint64_t table = header.size();
-    if (!put(header)) return false;
+    if (!put(header, reason)) return false;
     at_ += blocks * 8;
 
     ByteWriter offsets;
@@ -82,7 +83,7 @@ class ExrWriter {
       const Box box{0, static_cast<std::int64_t>(top), static_cast<std::int64_t>(request_.width) - 1, bottom};
       if (!writeBlock(box, &encoder, reason)) return false;
     }
-    return output_.write(table, offsets.take());
+    return output_.write(table, offsets.take()) || NSRefuse(reason, kNotWritten);
   }
 
  private:
@@ -106,7 +107,7 @@ class ExrWriter {
     ByteWriter head;
     head.integer(box.top);
     head.number(stored.size(), 4);
-    return put(head.take()) && put(stored);
+    return put(head.take(), reason) && put(stored, reason);
   }
 
   std::size_t wordsOfRow() const { return request_.width * channels_.size() * channels_[0].size() / 2; }
@@ -134,8 +135,8 @@ class ExrWriter {
     }
   }
 
-  bool put(std::span<const std::uint8_t> bytes) {
-    if (!output_.write(at_, bytes)) return false;
+  bool put(std::span<const std::uint8_t> bytes, std::string* reason) {
+    if (!output_.write(at_, bytes)) return NSRefuse(reason, kNotWritten);
     at_ += bytes.size();
     return true;
   }

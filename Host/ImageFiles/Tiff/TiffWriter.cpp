@@ -16,6 +16,7 @@ namespace host::tiff {
 namespace {
 
 constexpr std::size_t kBytesOfStrip = 1 << 18;
+constexpr const char* kNotWritten = "it could not be written";
 
 class TiffWriter {
  public:
@@ -43,7 +44,8 @@ class TiffWriter {
     addStructure(&fields);
     const Directories directories = directoriesAt(at_, std::move(fields), metadata, isBig_);
     if (!isInReach(directories.bytes.size(), reason)) return false;
-    return output_.write(at_, directories.bytes) && output_.write(0, header(directories.first));
+    return (output_.write(at_, directories.bytes) && output_.write(0, header(directories.first))) ||
+           NSRefuse(reason, kNotWritten);
   }
 
  private:
@@ -73,7 +75,7 @@ class TiffWriter {
     if (!isInReach(stored.size(), reason)) return false;
     offsets_.push_back(at_);
     sizes_.push_back(stored.size());
-    if (!output_.write(at_, stored)) return false;
+    if (!output_.write(at_, stored)) return NSRefuse(reason, kNotWritten);
     at_ += stored.size();
     return true;
   }

@@ -230,14 +230,22 @@ TEST(Exr, IsRefusedWithTheReason) {
   for (const ImageSpec& spec : {named, onlyAlpha}) {
     EXPECT_EQ(readPicture(exr(), fileOf(spec)).reason, "it has no channels that make a gray or an RGB picture");
   }
-  ImageSpec deep = specOf(3, 2, kRgba, TypeDesc::FLOAT);
-  deep.deep = true;
-  const auto output = OIIO::ImageOutput::create("openexr");
-  const TemporaryFolder folder;
-  OIIO::DeepData data(deep);
-  ASSERT_TRUE(output->open(folder.path("deep.exr"), deep) && output->write_deep_image(data) && output->close());
-  EXPECT_EQ(readPicture(exr(), contentsOf(folder.path("deep.exr"))).reason,
-            "it is a deep image, which has no single color at a pixel");
+  EXPECT_EQ(readPicture(exr(), fileOf(specOf(4, 4, {"light.R", "light.G", "depth.u", "depth.v"}))).reason,
+            "it has no channels that make a gray or an RGB picture; its layers are depth, light");
+  EXPECT_EQ(readPicture(exr(), fileOf(specOf(4, 4, {"Y", "RY", "BY"}))).reason,
+            "its channel \"RY\" is a difference from its luminance; red, green and blue or gray alone are read");
+  EXPECT_TRUE(readPicture(exr(), fileOf(specOf(4, 4, {"R", "G", "B", "Y", "RY"}))).isRead);
+  for (const int tile : {0, 16}) {
+    ImageSpec deep = specOf(3, 2, kRgba, TypeDesc::FLOAT);
+    deep.deep = true;
+    deep.tile_width = deep.tile_height = tile;
+    const auto output = OIIO::ImageOutput::create("openexr");
+    const TemporaryFolder folder;
+    OIIO::DeepData data(deep);
+    ASSERT_TRUE(output->open(folder.path("deep.exr"), deep) && output->write_deep_image(data) && output->close());
+    EXPECT_EQ(readPicture(exr(), contentsOf(folder.path("deep.exr"))).reason,
+              "it is a deep image, which has no single color at a pixel");
+  }
 }
 
 TEST(Exr, HasLayersByName) {
