@@ -55,6 +55,7 @@ InputPictures Inputs::picturesAt(std::uint32_t frame) {
     if (!source.still) files[i] = readPicture(pictures.paths[i]);
   }
   std::vector<const PictureInfo*> infos;
+  infos.reserve(files.size());
   for (const FilePicture& file : files) infos.push_back(file.info.get());
   colors_.meet(pictures.paths, infos);
   if (!depth_) decideDepth(files);
