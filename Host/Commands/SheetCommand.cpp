@@ -29,8 +29,8 @@ MutableBitmapRef emptySheet(const SheetLayout& layout) {
     throw Failure(ExitCode::Usage, "the sheet would be too large: " + std::to_string(layout.width()) + " x " +
                                        std::to_string(layout.height()) + " pixels");
   }
-  auto sheet = newUnsetBitmap(static_cast<std::uint32_t>(layout.width()),
-                                    static_cast<std::uint32_t>(layout.height()), VortoPixelFormat::RGBA8, "the sheet");
+  auto sheet = newUnsetBitmap(static_cast<std::uint32_t>(layout.width()), static_cast<std::uint32_t>(layout.height()),
+                              VortoPixelFormat::RGBA8, "the sheet");
   const std::size_t bytes = bytesPerRow(*sheet) * sheet->height;
   for (std::size_t i = 0; i < bytes; ++i) sheet->data[i] = i % 4 == 3 ? 255 : kGroundGray;
   return sheet;

@@ -43,7 +43,8 @@ void divideRow(Sample* samples, std::size_t pixels) {
   constexpr auto full = static_cast<Real>(fullAlpha<Sample>());
   for (std::size_t i = 0; i < 4 * pixels; i += 4) {
     const auto alpha = static_cast<Real>(samples[i + 3]);
-    const auto half = static_cast<Real>(samples[i + 3] / 2);
+    const auto halfAlpha = static_cast<Sample>(samples[i + 3] / 2);
+    const auto half = static_cast<Real>(halfAlpha);
     const Real divisor = std::max(alpha, Real{1});
     const Real visible = alpha > 0 ? Real{1} : Real{0};
     for (std::size_t c = 0; c < 3; ++c) {
@@ -95,7 +96,8 @@ bool isGrayFrom(const Sample* samples, std::size_t pixels, std::size_t red) {
   bool gray = true;
   for (std::size_t i = 0; i < pixels; ++i) {
     const Sample* const pixel = samples + 4 * i + red;
-    gray &= areEqual(pixel[0], pixel[1]) & areEqual(pixel[1], pixel[2]);
+    gray &= areEqual(pixel[0], pixel[1]);
+    gray &= areEqual(pixel[1], pixel[2]);
   }
   return gray;
 }

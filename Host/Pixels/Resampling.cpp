@@ -66,15 +66,16 @@ struct Taps {
 
 // Positions beyond the ends count as the last sample there.
 void addTaps(const Kernel& kernel, double center, double widening, std::size_t length, Taps* taps) {
-  const auto last = static_cast<double>(length - 1);
   const double reach = kernel.radius * widening;
-  const double from = std::floor(center - reach);
-  const std::size_t first = std::min(static_cast<std::size_t>(std::clamp(from, 0.0, last)), length - taps->count);
+  const auto from = static_cast<std::int64_t>(std::floor(center - reach));
+  const auto to = static_cast<std::int64_t>(std::floor(center + reach)) + 1;
+  const auto last = static_cast<std::int64_t>(length) - 1;
+  const auto first = std::min(static_cast<std::size_t>(std::clamp<std::int64_t>(from, 0, last)), length - taps->count);
   std::vector<double> weights(taps->count);
   double sum = 0;
-  for (double position = from; position <= center + reach + 1; ++position) {
-    const double weight = kernel.value((position + 0.5 - center) / widening);
-    const auto index = static_cast<std::size_t>(std::clamp(position, 0.0, last));
+  for (std::int64_t position = from; position <= to; ++position) {
+    const double weight = kernel.value((static_cast<double>(position) + 0.5 - center) / widening);
+    const auto index = static_cast<std::size_t>(std::clamp<std::int64_t>(position, 0, last));
     if (weight == 0 || index < first || index >= first + taps->count) continue;
     weights[index - first] += weight;
     sum += weight;
