@@ -46,6 +46,18 @@ std::string LibraryFile::nameInMemory() {
   return descriptor_ < 0 ? "" : "/proc/self/fd/" + std::to_string(descriptor_);
 }
 
+OIIO::TypeDesc typeOf(SampleType sample) {
+  switch (sample) {
+    case SampleType::UInt8:
+      return OIIO::TypeDesc::UINT8;
+    case SampleType::UInt16:
+      return OIIO::TypeDesc::UINT16;
+    case SampleType::Float:
+      break;
+  }
+  return OIIO::TypeDesc::FLOAT;
+}
+
 std::string cleanedMessage(std::string message) {
   for (const std::string name : {" image file \"image\"", " (\"image\")", " \"image\""}) {
     for (std::size_t at; (at = message.find(name)) != std::string::npos;) message.erase(at, name.size());

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include "Host/ImageFiles/PictureTypes.h"
+
 #include <OpenImageIO/filesystem.h>
 #include <OpenImageIO/imageio.h>
 #include <cstdint>
@@ -29,6 +31,9 @@ class LibraryFile {
   OIIO::Filesystem::IOMemReader proxy_;
   int descriptor_ = -1;
 };
+
+// The library's name of a type.
+OIIO::TypeDesc typeOf(SampleType sample);
 
 // One line of what the library says, without the name under which it knows the bytes.
 std::string cleanedMessage(std::string message);

@@ -35,18 +35,6 @@ constexpr Sample kOpaque = static_cast<Sample>(-1);
 template <>
 constexpr float kOpaque<float> = 1.0f;
 
-OIIO::TypeDesc typeOf(SampleType sample) {
-  switch (sample) {
-    case SampleType::UInt8:
-      return OIIO::TypeDesc::UINT8;
-    case SampleType::UInt16:
-      return OIIO::TypeDesc::UINT16;
-    case SampleType::Float:
-      break;
-  }
-  return OIIO::TypeDesc::FLOAT;
-}
-
 class LibraryReader : public ImageReader {
  public:
   explicit LibraryReader(const ReadRequest& request) : request_(request), file_(request.file) {}

@@ -16,18 +16,6 @@
 namespace host {
 namespace {
 
-OIIO::TypeDesc typeOf(SampleType sample) {
-  switch (sample) {
-    case SampleType::UInt8:
-      return OIIO::TypeDesc::UINT8;
-    case SampleType::UInt16:
-      return OIIO::TypeDesc::UINT16;
-    case SampleType::Float:
-      break;
-  }
-  return OIIO::TypeDesc::FLOAT;
-}
-
 const char* libraryName(FileFormat format) {
   switch (format) {
     case FileFormat::WebP:
