@@ -29,7 +29,7 @@ bool storedFromTheBottom(int orientation) {
 MutableBitmapRef upright(const MutableBitmapRef& stored, int orientation, const std::string& what) {
   if (orientation < 2 || orientation > 8) return stored;
   const bool turned = rowsBecomeColumns(orientation);
-  const auto picture = newUnsetBitmap(turned ? stored->height : stored->width, turned ? stored->width : stored->height,
+  auto picture = newUnsetBitmap(turned ? stored->height : stored->width, turned ? stored->width : stored->height,
                                       stored->formatCode, what);
   const std::size_t pixelSize = TCPixelLayoutOf(stored->formatCode).bytesPerPixel();
   for (std::size_t row = 0; row < stored->height; ++row) {

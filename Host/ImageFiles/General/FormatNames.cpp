@@ -17,7 +17,6 @@ struct Sign {
 };
 
 constexpr Sign kSigns[] = {
-    {"openexr", "\x76\x2f\x31\x01"sv},
     {"tiff", "II\x2a\0"sv},
     {"tiff", "MM\0\x2a"sv},
     {"tiff", "II\x2b\0"sv},
