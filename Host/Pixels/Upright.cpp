@@ -30,7 +30,7 @@ MutableBitmapRef upright(const MutableBitmapRef& stored, int orientation, const 
   if (orientation < 2 || orientation > 8) return stored;
   const bool turned = rowsBecomeColumns(orientation);
   auto picture = newUnsetBitmap(turned ? stored->height : stored->width, turned ? stored->width : stored->height,
-                                      stored->formatCode, what);
+                                stored->formatCode, what);
   const std::size_t pixelSize = TCPixelLayoutOf(stored->formatCode).bytesPerPixel();
   for (std::size_t row = 0; row < stored->height; ++row) {
     const std::uint8_t* from = stored->data + row * bytesPerRow(*stored);

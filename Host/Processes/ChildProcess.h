@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include "Host/Processes/Message.h"
+
+#include <sys/types.h>
+
+#include <string>
+#include <vector>
+
+namespace host {
+
+// Where a child process finds its end of the connection, and from which number on what else it was given.
+inline constexpr int kChildSocket = 3;
+inline constexpr int kFirstInherited = 4;
+
+// A program that runs for this one and is connected with it. It ends when this one does, also when that is killed.
+class ChildProcess {
+ public:
+  // `program` is a path. Of the open descriptors the child has standard output and error, its end of the connection as
+  // kChildSocket, and copies of `inherited` from kFirstInherited on; its standard input is `input`, or empty for -1.
+  // Throws Failure when it cannot be started.
+  ChildProcess(const std::string& program, const std::vector<std::string>& arguments, const std::vector<int>& inherited,
+               int input = -1);
+  ChildProcess(ChildProcess&& other) noexcept;
+  ChildProcess& operator=(ChildProcess&& other) noexcept;
+  ~ChildProcess();  // stop()
+
+  MessageSocket& socket() { return socket_; }
+  pid_t id() const { return id_; }
+
+  // Ends it, at once, unless it has ended already.
+  void stop();
+
+  // Waits for its end, a second at most before it is stopped: "it was ended by signal 11 (Segmentation fault)",
+  // "it ended with exit code 1".
+  std::string ending();
+
+ private:
+  pid_t id_ = -1;
+  MessageSocket socket_;
+  std::string ending_;
+};
+
+// A program that is installed beside the libraries, by its name. Throws Failure when it is not there.
+std::string helperProgram(const std::string& name);
+
+}  // namespace host

@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Host/Processes/Message.h"
+
+#include "Host/Messages/Failure.h"
+
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <utility>
+
+namespace host {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using Length = std::uint32_t;
+
+// More than a clip of a week has times.
+constexpr Length kLargestMessage = 1u << 29;
+
+bool sendAll(int descriptor, const void* data, std::size_t size) {
+  const auto* rest = static_cast<const std::uint8_t*>(data);
+  while (size > 0) {
+    const ssize_t sent = ::send(descriptor, rest, size, MSG_NOSIGNAL);
+    if (sent < 0 && errno == EINTR) continue;
+    if (sent <= 0) return false;
+    rest += sent;
+    size -= static_cast<std::size_t>(sent);
+  }
+  return true;
+}
+
+// Whether something can be read before the time is over; patience below 0 waits without limit.
+bool isReadable(int descriptor, std::chrono::milliseconds patience) {
+  const Clock::time_point end = Clock::now() + patience;
+  for (;;) {
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
+    pollfd waiting{descriptor, POLLIN, 0};
+    const int found = ::poll(&waiting, 1, patience.count() < 0 ? -1 : static_cast<int>(left > 0 ? left : 0));
+    if (found >= 0 || errno != EINTR) return found > 0;
+  }
+}
+
+}  // namespace
+
+void MessageWriter::append(const void* data, std::size_t size) {
+  const auto* bytes = static_cast<const std::uint8_t*>(data);
+  message_.insert(message_.end(), bytes, bytes + size);
+}
+
+void MessageWriter::text(std::string_view text) {
+  value<std::uint64_t>(text.size());
+  append(text.data(), text.size());
+}
+
+void MessageWriter::bytes(std::span<const std::uint8_t> bytes) {
+  value<std::uint64_t>(bytes.size());
+  append(bytes.data(), bytes.size());
+}
+
+const std::uint8_t* MessageReader::taken(std::size_t size) {
+  if (size > rest_.size()) throw Failure(ExitCode::Unexpected, "a helper process sent a message that ends early");
+  const std::uint8_t* result = rest_.data();
+  rest_ = rest_.subspan(size);
+  return result;
+}
+
+std::string MessageReader::text() {
+  const auto size = value<std::uint64_t>();
+  const std::uint8_t* begin = taken(size);
+  return {reinterpret_cast<const char*>(begin), size};
+}
+
+Bytes MessageReader::bytes() {
+  const auto size = value<std::uint64_t>();
+  const std::uint8_t* begin = taken(size);
+  return {begin, begin + size};
+}
+
+MessageSocket::MessageSocket(MessageSocket&& other) noexcept
+    : descriptor_(std::exchange(other.descriptor_, -1)),
+      pending_(std::move(other.pending_)),
+      isBroken_(other.isBroken_) {}
+
+MessageSocket& MessageSocket::operator=(MessageSocket&& other) noexcept {
+  std::swap(descriptor_, other.descriptor_);
+  std::swap(pending_, other.pending_);
+  std::swap(isBroken_, other.isBroken_);
+  return *this;
+}
+
+MessageSocket::~MessageSocket() {
+  if (descriptor_ >= 0) ::close(descriptor_);
+}
+
+bool MessageSocket::send(std::span<const std::uint8_t> message) {
+  const auto length = static_cast<Length>(message.size());
+  if (message.size() > kLargestMessage) return false;
+  return sendAll(descriptor_, &length, sizeof length) && sendAll(descriptor_, message.data(), message.size());
+}
+
+bool MessageSocket::takeMessage(Bytes* message) {
+  Length length = 0;
+  if (pending_.size() < sizeof length) return false;
+  std::memcpy(&length, pending_.data(), sizeof length);
+  isBroken_ = length > kLargestMessage;
+  if (isBroken_ || pending_.size() - sizeof length < length) return false;
+  const auto begin = pending_.begin() + sizeof length;
+  message->assign(begin, begin + length);
+  pending_.erase(pending_.begin(), begin + length);
+  return true;
+}
+
+MessageSocket::Received MessageSocket::receive(Bytes* message, std::chrono::milliseconds patience) {
+  const Clock::time_point end = Clock::now() + patience;
+  while (!takeMessage(message)) {
+    if (isBroken_) return Received::End;
+    const bool isEndless = patience.count() < 0;
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
+    if (!isReadable(descriptor_, isEndless ? patience : std::max(left, std::chrono::milliseconds(0)))) {
+      return Received::Nothing;
+    }
+    std::array<std::uint8_t, 65536> part;
+    const ssize_t size = ::recv(descriptor_, part.data(), part.size(), 0);
+    if (size < 0 && errno == EINTR) continue;
+    if (size <= 0) return Received::End;
+    pending_.insert(pending_.end(), part.begin(), part.begin() + size);
+  }
+  return Received::Message;
+}
+
+bool MessageSocket::receive(Bytes* message) {
+  return receive(message, std::chrono::milliseconds(-1)) == Received::Message;
+}
+
+}  // namespace host

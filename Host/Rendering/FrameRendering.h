@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include "Host/Files/PictureWriting.h"
+#include "Host/Pixels/Layouts.h"
+#include "Host/Rendering/ClipFrames.h"
+#include "Host/Rendering/EffectRendering.h"
+#include "Host/Rendering/Inputs.h"
+#include "Host/Rendering/RenderPlan.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace host {
+
+// What is rendered, of a command line that has been looked through.
+struct RenderSetup {
+  std::string effect;
+  std::vector<std::string> inputs;
+  std::vector<std::string> values;  // "port=value"
+  std::vector<std::string> states;  // "port=FILE"
+  Framing framing;
+  std::optional<Depth> depth;
+  std::optional<Layout> layout;
+  OutputAlpha alpha = OutputAlpha::Keep;
+  std::optional<Channels> channels;
+  ColorWishes colors;
+};
+
+// Renders frames, each without regard to those before it: the first frame of the plan alone decides depth and colors,
+// by what its files say, so that the same frame becomes the same bytes in every process.
+class FrameRendering {
+ public:
+  explicit FrameRendering(const RenderSetup& setup);  // effects are loaded; throws Failure
+
+  const EffectRendering& effect() const { return effect_; }
+  Inputs& inputs() { return inputs_; }
+
+  // Before frames are rendered. `clips` outlives this, null where no input is a clip.
+  void begin(const PlannedFrame& first, ClipFrames* clips);
+
+  // The result, as a file of the format is to hold it. `channels`, where given, are those that it is to have.
+  OutputPicture render(const PlannedFrame& frame, const std::function<FileFormat(Depth)>& formatFor,
+                       std::optional<Channels> channels);
+
+ private:
+  RenderSetup setup_;
+  EffectRendering effect_;
+  Inputs inputs_;
+};
+
+}  // namespace host
