@@ -46,8 +46,7 @@ void FrameDecoder::openCodec() {
   const AVCodecParameters& parameters = *stream().codecpar;
   const AVCodec* decoder = decoderOf(stream());
   if (!decoder) {
-    throw Failure(ExitCode::Input,
-                  std::string("nothing decodes its codec, ") + avcodec_get_name(parameters.codec_id));
+    throw Failure(ExitCode::Input, std::string("nothing decodes its codec, ") + avcodec_get_name(parameters.codec_id));
   }
   codec_.reset(avcodec_alloc_context3(decoder));
   if (!codec_ || avcodec_parameters_to_context(codec_.get(), &parameters) < 0) throw std::bad_alloc();
@@ -69,7 +68,8 @@ void FrameDecoder::begin(const std::function<void()>& goesOn) {
   index_.times.erase(index_.times.begin(), index_.times.begin() + first);
   last_.place -= first;
   if (first > 0) {
-    const std::string cut = "its first " + (first > 1 ? std::to_string(first) + " frames" : "frame") + " cannot be decoded";
+    const std::string cut =
+        "its first " + (first > 1 ? std::to_string(first) + " frames" : "frame") + " cannot be decoded";
     index_.remark = cut + (index_.remark.empty() ? "" : "; " + index_.remark);
   }
 }
@@ -216,14 +216,21 @@ bool FrameDecoder::decodeUpTo(std::int64_t place) {
   return last_.place == place;
 }
 
+// Whether decoding from a key packet on begins with its frame, or one that is shown before it. It does not where the
+// picture is refreshed little by little.
+bool FrameDecoder::startsWith(const KeyPacket& key) {
+  if (!seekTo(key) || !decodeNext()) return false;
+  const std::int64_t time = index_.times[next_.place];
+  const AVPictureType type = next_.frame->pict_type;
+  return time < key.time || (time == key.time && type != AV_PICTURE_TYPE_P && type != AV_PICTURE_TYPE_B);
+}
+
 bool FrameDecoder::seekAndDecode(std::int64_t place) {
   auto key = std::ranges::upper_bound(index_.keys, index_.times[place], {}, &KeyPacket::time);
   // Where the nearest key frame does not lead there whole, one before it may.
   for (int tries = 0; tries < 3 && key != index_.keys.begin(); ++tries) {
     --key;
-    if (!seekTo(*key)) continue;
-    const bool isThere = decodeUpTo(place);
-    if (isThere && !last_.isDamaged) return true;
+    if (startsWith(*key) && decodeUpTo(place) && !last_.isDamaged) return true;
   }
   rewind();
   return decodeUpTo(place);
