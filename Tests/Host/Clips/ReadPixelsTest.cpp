@@ -101,17 +101,28 @@ std::string sizeWords() {
 TEST(ClipPixels, RgbIsReadAsItIs) {
   const TemporaryFolder folder;
   const RawKind rows[] = {
-      {"gbrp", "gbr", true, 8, "ffv1"},       {"gbrap", "gbra", true, 8, "png"},
-      {"bgra", "bgra", false, 8, "ffv1"},     {"bgr0", "bgr0", false, 8, "ffv1"},
-      {"rgb24", "rgb", false, 8, "png"},      {"rgba", "rgba", false, 8, "png"},
-      {"rgb24", "rgb", false, 8, "libx264rgb -qp 0"}, {"bgr24", "bgr", false, 8, "rawvideo"},
-      {"argb", "argb", false, 8, "qtrle"},    {"gbrp9le", "gbr", true, 9, "ffv1"},
-      {"gbrp10le", "gbr", true, 10, "ffv1"},  {"gbrp12le", "gbr", true, 12, "ffv1"},
-      {"gbrp14le", "gbr", true, 14, "ffv1"},  {"gbrp16le", "gbr", true, 16, "ffv1"},
-      {"gbrap10le", "gbra", true, 10, "ffv1"}, {"gbrap16le", "gbra", true, 16, "ffv1"},
-      {"rgb48le", "rgb", false, 16, "png"},   {"rgba64le", "rgba", false, 16, "png"},
-      {"gray", "y", false, 8, "ffv1"},        {"gray10le", "y", false, 10, "ffv1"},
-      {"gray16le", "y", false, 16, "png"},    {"ya8", "ya", false, 8, "png"},
+      {"gbrp", "gbr", true, 8, "ffv1"},
+      {"gbrap", "gbra", true, 8, "png"},
+      {"bgra", "bgra", false, 8, "ffv1"},
+      {"bgr0", "bgr0", false, 8, "ffv1"},
+      {"rgb24", "rgb", false, 8, "png"},
+      {"rgba", "rgba", false, 8, "png"},
+      {"rgb24", "rgb", false, 8, "libx264rgb -qp 0"},
+      {"bgr24", "bgr", false, 8, "rawvideo"},
+      {"argb", "argb", false, 8, "qtrle"},
+      {"gbrp9le", "gbr", true, 9, "ffv1"},
+      {"gbrp10le", "gbr", true, 10, "ffv1"},
+      {"gbrp12le", "gbr", true, 12, "ffv1"},
+      {"gbrp14le", "gbr", true, 14, "ffv1"},
+      {"gbrp16le", "gbr", true, 16, "ffv1"},
+      {"gbrap10le", "gbra", true, 10, "ffv1"},
+      {"gbrap16le", "gbra", true, 16, "ffv1"},
+      {"rgb48le", "rgb", false, 16, "png"},
+      {"rgba64le", "rgba", false, 16, "png"},
+      {"gray", "y", false, 8, "ffv1"},
+      {"gray10le", "y", false, 10, "ffv1"},
+      {"gray16le", "y", false, 16, "png"},
+      {"ya8", "ya", false, 8, "png"},
   };
   for (const RawKind& row : rows) {
     SCOPED_TRACE(std::string(row.name) + " in " + row.codec);
@@ -150,7 +161,8 @@ TEST(ClipPixels, AlphaIsExactBesideYuv) {
     std::size_t others = 0;
     for (std::size_t i = 0; i < kFrames * pixels; ++i) {
       const double stored = valueAt(planes, (i / pixels * 4 + 3) * pixels + i % pixels, isDeep);
-      others += valueAt(found, 4 * i + 3, isDeep) != static_cast<unsigned>(std::lround(stored / full * (isDeep ? 65535 : 255)));
+      others += valueAt(found, 4 * i + 3, isDeep) !=
+                static_cast<unsigned>(std::lround(stored / full * (isDeep ? 65535 : 255)));
     }
     EXPECT_EQ(others, 0u);
   }
@@ -159,9 +171,10 @@ TEST(ClipPixels, AlphaIsExactBesideYuv) {
 TEST(ClipPixels, AlphaOfVp9IsRead) {
   const TemporaryFolder folder;
   const std::string clip = folder.path("clip.webm");
-  runFfmpeg("-f lavfi -i color=red@1:s=64x64:d=0.12,format=yuva420p -f lavfi -i color=black:s=32x64:d=0.12,format=gray "
-            "-filter_complex '[1]pad=64:64:0:0:white[a];[0][a]alphamerge' -c:v libvpx-vp9 -crf 20 -b:v 0 " +
-            clip);
+  runFfmpeg(
+      "-f lavfi -i color=red@1:s=64x64:d=0.12,format=yuva420p -f lavfi -i color=black:s=32x64:d=0.12,format=gray "
+      "-filter_complex '[1]pad=64:64:0:0:white[a];[0][a]alphamerge' -c:v libvpx-vp9 -crf 20 -b:v 0 " +
+      clip);
   ReadClip read(clip);
   ASSERT_EQ(read.info().picture.alpha, host::AlphaKind::Straight);
   const std::string pixels = read.frame(2);
@@ -194,8 +207,8 @@ TEST(ClipPixels, YuvBecomesWhatFfmpegMakesOfIt) {
     SCOPED_TRACE(std::string(row.source) + " " + row.kind + " " + row.tags);
     const std::string clip = folder.path("clip.mkv");
     const bool hasSize = std::string(row.source).find('=') != std::string::npos;
-    runFfmpeg("-f lavfi -i " + std::string(row.source) + (hasSize ? ":" : "=s=98x62:") + "d=0.12 -vf format=" +
-              row.kind + ",setparams=" + row.tags + " -c:v ffv1 " + clip);
+    runFfmpeg("-f lavfi -i " + std::string(row.source) + (hasSize ? ":" : "=s=98x62:") +
+              "d=0.12 -vf format=" + row.kind + ",setparams=" + row.tags + " -c:v ffv1 " + clip);
     ReadClip read(clip);
     const auto& picture = read.info().picture;
     EXPECT_EQ(read.info().sampling, row.kind);
@@ -205,8 +218,9 @@ TEST(ClipPixels, YuvBecomesWhatFfmpegMakesOfIt) {
     const std::string found = read.all();
     ASSERT_EQ(found.size(), expected.size());
     EXPECT_EQ(read.count(), 3u);
-    EXPECT_LE(isDeep ? largestDifference<std::uint16_t>(found, expected) : largestDifference<std::uint8_t>(found, expected),
-              0);
+    EXPECT_LE(
+        isDeep ? largestDifference<std::uint16_t>(found, expected) : largestDifference<std::uint8_t>(found, expected),
+        0);
     EXPECT_TRUE(read.damaged.empty());
   }
 }

@@ -5,7 +5,7 @@
 
 namespace {
 
-const std::string kChart = "-f lavfi -i testsrc2=s=64x64:r=24:d=3,noise=alls=30:allf=t -pix_fmt yuv420p ";
+const std::string kChart = "-f lavfi -i testsrc2=s=64x64:r=24:d=2,noise=alls=30:allf=t -pix_fmt yuv420p ";
 
 }  // namespace
 
@@ -29,7 +29,7 @@ TEST(ClipFrames, AreTheSameInAnyOrder) {
       {"prores.mov", "-c:v prores_ks"},
       {"ffv1.mkv", "-c:v ffv1 -g 6"},
       {"chart.y4m", ""},
-      {"dnx.mxf", "-s 1920x1080 -c:v dnxhd -b:v 36M -pix_fmt yuv422p -t 1"},
+      {"dnx.mxf", "-s 1920x1080 -c:v dnxhd -b:v 36M -pix_fmt yuv422p -t 0.25"},
       {"theora.ogv", "-c:v libtheora -g 12 -q:v 5"},
       {"chart.flv", "-c:v flv -g 12"},
       {"chart.nut", "-c:v mjpeg -pix_fmt yuvj420p"},
@@ -40,13 +40,14 @@ TEST(ClipFrames, AreTheSameInAnyOrder) {
     runFfmpeg(kChart + row.options + " " + clip);
     ReadClip sequential(clip);
     const auto count = static_cast<std::uint32_t>(sequential.count());
-    EXPECT_EQ(count, std::string(row.name) == "dnx.mxf" ? 24u : 72u);
+    EXPECT_EQ(count, std::string(row.name) == "dnx.mxf" ? 6u : 48u);
     EXPECT_FALSE(sequential.info().isUneven);
     EXPECT_EQ(sequential.info().rate, (host::Rational{24, 1}));
     EXPECT_NEAR(sequential.info().duration(), count / 24.0, 0.021);
     EXPECT_EQ(sequential.info().remark, "");
     const std::string range = std::string(row.options).find("yuvj") == std::string::npos ? "tv" : "pc";
-    const std::string expected = convertedByFfmpeg(clip, "in_range=" + range, sequential.info().picture.sample == host::SampleType::UInt16);
+    const std::string expected =
+        convertedByFfmpeg(clip, "in_range=" + range, sequential.info().picture.sample == host::SampleType::UInt16);
     std::vector<std::string> frames;
     std::vector<std::uint32_t> wrong;
     for (std::uint32_t i = 0; i < count; ++i) {
@@ -57,10 +58,10 @@ TEST(ClipFrames, AreTheSameInAnyOrder) {
     EXPECT_EQ(sequential.damaged, wrong);
     ReadClip jumping(clip);
     std::uint32_t at = 0;
-    for (int i = 0; i < 24; ++i, at = (at + 29) % count) {
+    for (int i = 0; i < 16; ++i, at = (at + 29) % count) {
       EXPECT_TRUE(jumping.frame(at) == frames[at]) << at;
     }
-    for (std::uint32_t back = count - 1; back > count - 8; --back) {
+    for (std::uint32_t back = count - 1; back > count - 5; --back) {
       EXPECT_TRUE(jumping.frame(back) == frames[back]) << back;
     }
     EXPECT_TRUE(jumping.damaged.empty());
