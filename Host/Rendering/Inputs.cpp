@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Rendering/Inputs.h"
 
+#include "Host/Clips/ClipReader.h"
 #include "Host/Files/FileFormat.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Pixels/Alpha.h"
@@ -23,14 +24,33 @@ Inputs::Inputs(const std::vector<std::string>& paths, std::optional<Depth> depth
                ColorWishes colors)
     : depth_(layout ? std::optional(layout->depth) : depth), layout_(layout), colors_(std::move(colors)) {
   if (std::ranges::count(paths, "-") > 1) throw Failure(ExitCode::Usage, "--input -: the standard input is given once");
-  for (const std::string& path : paths) sources_.push_back({path, framePattern(path), nullptr, nullptr});
+  for (const std::string& path : paths) {
+    Source source;
+    source.path = path;
+    source.pattern = framePattern(path);
+    source.isClip = !source.pattern && path != "-" && isClip(path);
+    sources_.push_back(std::move(source));
+  }
+}
+
+Inputs::Kind Inputs::kind(std::size_t input) const {
+  const Source& source = sources_[input];
+  return source.pattern ? Kind::Sequence : source.isClip ? Kind::Clip : Kind::Still;
 }
 
 bool Inputs::areSequence() const {
-  for (const Source& source : sources_) {
-    if (source.pattern) return true;
-  }
-  return false;
+  return std::ranges::any_of(sources_, [](const Source& source) { return source.pattern.has_value(); });
+}
+
+bool Inputs::haveClip() const {
+  return std::ranges::any_of(sources_, &Source::isClip);
+}
+
+FrameRange Inputs::existingFramesOf(std::size_t input) const {
+  const FramePattern& pattern = *sources_[input].pattern;
+  const FrameRange range = existingFrames(pattern);
+  checkFramesExist(pattern, range);
+  return range;
 }
 
 FrameRange Inputs::checkedFrames(std::optional<FrameRange> wanted) const {
@@ -46,13 +66,30 @@ FrameRange Inputs::checkedFrames(std::optional<FrameRange> wanted) const {
   return range.value_or(FrameRange{});
 }
 
+std::string Inputs::fileOf(const Source& source, std::uint32_t frame) const {
+  return source.pattern ? source.pattern->path(frame) : source.path;
+}
+
 InputPictures Inputs::picturesAt(std::uint32_t frame) {
+  PlannedFrame planned;
+  for (const Source& source : sources_) planned.sources.push_back(source.pattern ? frame : 0);
+  return picturesAt(planned, nullptr);
+}
+
+InputPictures Inputs::picturesAt(const PlannedFrame& frame, ClipFrames* clips) {
   InputPictures pictures;
   std::vector<FilePicture> files(sources_.size());
   for (std::size_t i = 0; i < sources_.size(); ++i) {
-    const Source& source = sources_[i];
-    pictures.paths.push_back(source.pattern ? source.pattern->path(frame) : source.path);
-    if (!source.still) files[i] = readPicture(pictures.paths[i]);
+    Source& source = sources_[i];
+    const std::uint32_t wanted = frame.sources[i];
+    pictures.paths.push_back(fileOf(source, wanted));
+    if (source.frame == wanted) continue;
+    source.frame.reset();
+    source.bitmap = nullptr;
+    if (source.isClip && !clips) {
+      throw Failure(ExitCode::Usage, source.path + " is a clip: this takes pictures and sequences");
+    }
+    files[i] = source.isClip ? clips->frame(i, wanted) : readPicture(pictures.paths[i]);
   }
   std::vector<const PictureInfo*> infos;
   infos.reserve(files.size());
@@ -61,14 +98,12 @@ InputPictures Inputs::picturesAt(std::uint32_t frame) {
   if (!depth_) decideDepth(files);
   for (std::size_t i = 0; i < sources_.size(); ++i) {
     Source& source = sources_[i];
-    auto info = source.still ? source.stillInfo : files[i].info;
-    BitmapRef bitmap = source.still ? stillOf(source) : bitmapOf(i, std::move(files[i]), pictures.paths[i]);
-    if (!source.pattern) {
-      source.still = bitmap;
-      source.stillInfo = info;
-    }
-    pictures.bitmaps.push_back(std::move(bitmap));
-    pictures.infos.push_back(std::move(info));
+    const bool isKept = source.frame == frame.sources[i];
+    if (!isKept) source.info = files[i].info;
+    source.bitmap = isKept ? keptOf(source) : bitmapOf(i, std::move(files[i]), pictures.paths[i]);
+    source.frame = frame.sources[i];
+    pictures.bitmaps.push_back(source.bitmap);
+    pictures.infos.push_back(source.info);
   }
   pictures.depth = depth_.value_or(Depth::Bits8);
   return pictures;
@@ -80,8 +115,8 @@ SampleType Inputs::workingSample() const {
 }
 
 // Floats are needed as soon as a later frame is converted.
-BitmapRef Inputs::stillOf(const Source& source) const {
-  return layout_ ? source.still : inDepth(source.still, workingSample(), source.path);
+BitmapRef Inputs::keptOf(const Source& source) const {
+  return layout_ ? source.bitmap : inDepth(source.bitmap, workingSample(), source.path);
 }
 
 BitmapRef Inputs::bitmapOf(std::size_t index, FilePicture file, const std::string& path) {
