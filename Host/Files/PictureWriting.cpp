@@ -6,7 +6,6 @@
 #include "Host/Files/OutputFile.h"
 #include "Host/ImageFiles/Exif.h"
 #include "Host/Messages/Failure.h"
-#include "Host/Messages/StandardOutput.h"
 #include "Host/Pixels/Alpha.h"
 #include "TarnCore/TCBitmap.h"
 
@@ -85,14 +84,15 @@ std::uint64_t writePicture(const std::string& path, const OutputPicture& picture
   return writePicture(path, fileFormatOf(path), picture, {});
 }
 
-std::uint64_t printPicture(FileFormat format, const OutputPicture& picture, const WriteSettings& settings) {
+std::uint64_t encodePicture(FileFormat format, const OutputPicture& picture, const WriteSettings& settings,
+                            const BytesTaker& take) {
   OutputBuffer buffer;
   std::string reason;
   std::uint64_t clipped = 0;
   if (!encode(format, picture, settings, buffer, &clipped, &reason)) {
     throw Failure(ExitCode::Output, "cannot write to the standard output: " + reason);
   }
-  printBytes(buffer.bytes());
+  take(buffer.bytes());
   return clipped;
 }
 
