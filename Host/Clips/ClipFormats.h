@@ -11,12 +11,12 @@ namespace host {
 
 // A codec that clips are written with.
 struct ClipCodec {
-  const char* name;      // of --codec: "h264", "hevc", "vp9", "av1", "prores", "dnxhr", "ffv1", "png"
-  const char* title;     // "H.264"
-  bool holdsAlpha;       // with --channels rgba, or inputs with alpha
-  int deepestBits;       // 8, 10, 12 or 16
-  bool isLossless;       // RGB is stored as it is
-  const char* samplings; // of --sampling: "420 422 444 rgb", the usual one first
+  const char* name;       // of --codec: "h264", "hevc", "vp9", "av1", "prores", "dnxhr", "ffv1", "png"
+  const char* title;      // "H.264"
+  bool holdsAlpha;        // with --channels rgba, or inputs with alpha
+  int deepestBits;        // 8, 10, 12 or 16
+  bool isLossless;        // RGB is stored as it is
+  const char* samplings;  // of --sampling: "420 422 444 rgb", the usual one first
 };
 
 // A kind of file that holds clips.
