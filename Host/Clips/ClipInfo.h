@@ -25,9 +25,9 @@ struct ClipInfo {
   bool isUneven = false;            // frames do not come at one rate
 
   bool hasAudio = false;
-  std::string codec;    // as people know it: "H.264", "ProRes 4444"
+  std::string codec;     // as people know it: "H.264", "ProRes 4444"
   std::string sampling;  // what it stores: "yuv420p10le"
-  std::string remark;   // that the file is cut short and such; empty when all is well
+  std::string remark;    // that the file is cut short and such; empty when all is well
 
   double seconds(std::size_t frame) const;  // of a frame since the first
   double duration() const;                  // in seconds

@@ -38,8 +38,8 @@ class ClipReader {
   };
   // Readable when frame() has something to say at once.
   int descriptor() const { return process_.socket().descriptor(); }
-  // The next one that was wanted: waits for it. Throws Failure naming file and frame when it cannot be decoded, when the
-  // process died of it, and after `patience`.
+  // The next one that was wanted: waits for it. Throws Failure naming file and frame when it cannot be decoded, when
+  // the process died of it, and after `patience`.
   Frame frame();
 
  private:

@@ -23,8 +23,8 @@ struct FrameKind {
   bool operator==(const FrameKind&) const = default;
 };
 
-// Places for frames, or other bytes, in memory that this process and its children share; who uses which slot when, their
-// messages say. Slots grow and stay as large as the largest that was in them.
+// Places for frames, or other bytes, in memory that this process and its children share; who uses which slot when,
+// their messages say. Slots grow and stay as large as the largest that was in them.
 class FrameSlots {
  public:
   // New ones, for children to inherit. Throws Failure when memory cannot be had.

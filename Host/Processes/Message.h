@@ -18,10 +18,8 @@ namespace host {
 class MessageWriter {
  public:
   template <class Value>
-    requires std::is_arithmetic_v<Value> || std::is_enum_v<Value>
-  void value(Value value) {
-    append(&value, sizeof value);
-  }
+  requires std::is_arithmetic_v<Value> || std::is_enum_v<Value>
+  void value(Value value) { append(&value, sizeof value); }
   void text(std::string_view text);
   void bytes(std::span<const std::uint8_t> bytes);
   const Bytes& message() const { return message_; }
@@ -36,8 +34,7 @@ class MessageReader {
  public:
   explicit MessageReader(std::span<const std::uint8_t> message) : rest_(message) {}
   template <class Value>
-    requires std::is_arithmetic_v<Value> || std::is_enum_v<Value>
-  Value value() {
+  requires std::is_arithmetic_v<Value> || std::is_enum_v<Value> Value value() {
     Value result;
     std::memcpy(&result, taken(sizeof result), sizeof result);
     return result;
