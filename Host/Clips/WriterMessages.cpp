@@ -13,10 +13,8 @@ class Putting {
   explicit Putting(MessageWriter& message) : message_(message) {}
   void operator()(const std::string& text) { message_.text(text); }
   template <class Value>
-    requires std::is_arithmetic_v<Value> || std::is_enum_v<Value>
-  void operator()(const Value& value) {
-    message_.value(value);
-  }
+  requires std::is_arithmetic_v<Value> || std::is_enum_v<Value>
+  void operator()(const Value& value) { message_.value(value); }
   template <class Value>
   bool has(const std::optional<Value>& value) {
     message_.value(value.has_value());
@@ -32,10 +30,8 @@ class Taking {
   explicit Taking(MessageReader& message) : message_(message) {}
   void operator()(std::string& text) { text = message_.text(); }
   template <class Value>
-    requires std::is_arithmetic_v<Value> || std::is_enum_v<Value>
-  void operator()(Value& value) {
-    value = message_.value<Value>();
-  }
+  requires std::is_arithmetic_v<Value> || std::is_enum_v<Value>
+  void operator()(Value& value) { value = message_.value<Value>(); }
   template <class Value>
   bool has(std::optional<Value>& value) {
     if (message_.value<bool>()) value.emplace();

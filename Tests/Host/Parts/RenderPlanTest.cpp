@@ -115,7 +115,8 @@ TEST(ClipPlan, PartsCountFromTheWhole) {
   const ClipPlan numbered({playing(clip)}, wishes);
   EXPECT_EQ(sourcesOf(numbered, 0), (Numbers{10, 11, 12}));
   EXPECT_EQ(numbered.frame(1).time, 0.5);
-  for (const ClipWishes& empty : {ClipWishes{.start = 4}, ClipWishes{.duration = 0}, ClipWishes{.frames = FrameRange{99, 100}}}) {
+  for (const ClipWishes& empty :
+       {ClipWishes{.start = 4}, ClipWishes{.duration = 0}, ClipWishes{.frames = FrameRange{99, 100}}}) {
     EXPECT_THROW(ClipPlan({playing(clip)}, empty), Failure);
   }
 }
@@ -136,16 +137,25 @@ TEST(FrameTimes, RatesAndTimesAsPeopleWriteThem) {
   const struct {
     const char* text;
     std::optional<Rational> rate;
-  } rates[] = {{"25", Rational{25, 1}},          {"29.97", Rational{30000, 1001}}, {"23.98", Rational{24000, 1001}},
-               {"23.976", Rational{24000, 1001}}, {"30000/1001", Rational{30000, 1001}}, {"12.5", Rational{25, 2}},
-               {"50/2", Rational{25, 1}},         {"0", std::nullopt},               {"-25", std::nullopt},
-               {"25fps", std::nullopt},           {"1/0", std::nullopt},             {"", std::nullopt},
-               {"1e3", std::nullopt},             {"2000000", std::nullopt}};
+  } rates[] = {{"25", Rational{25, 1}},
+               {"29.97", Rational{30000, 1001}},
+               {"23.98", Rational{24000, 1001}},
+               {"23.976", Rational{24000, 1001}},
+               {"30000/1001", Rational{30000, 1001}},
+               {"12.5", Rational{25, 2}},
+               {"50/2", Rational{25, 1}},
+               {"0", std::nullopt},
+               {"-25", std::nullopt},
+               {"25fps", std::nullopt},
+               {"1/0", std::nullopt},
+               {"", std::nullopt},
+               {"1e3", std::nullopt},
+               {"2000000", std::nullopt}};
   for (const auto& [text, rate] : rates) EXPECT_EQ(parsedFrameRate(text), rate) << text;
   const struct {
     const char* text;
     std::optional<double> seconds;
-  } times[] = {{"12.5", 12.5},    {"1:02.5", 62.5},        {"1:00:00", 3600},       {"0", 0},
+  } times[] = {{"12.5", 12.5},         {"1:02.5", 62.5},         {"1:00:00", 3600},         {"0", 0},
                {"1:60", std::nullopt}, {"1.5:00", std::nullopt}, {"1:0:0:0", std::nullopt}, {"-1", std::nullopt},
                {":5", std::nullopt}};
   for (const auto& [text, seconds] : times) EXPECT_EQ(parsedSeconds(text), seconds) << text;
