@@ -19,19 +19,96 @@ const char* const kNumbers12 = "12 11 10 9 8 7 6 5 4 3 2 1 0";
 
 const std::array<ClipCodec, 8>& codecs() {
   static const std::array<ClipCodec, 8> kCodecs = {{
-      {"h264", "H.264", false, 10, false, "420 422 444", kPresets, "medium", {18, 48.4, 8}, true, 2, 2,
+      {"h264",
+       "H.264",
+       false,
+       10,
+       false,
+       "420 422 444",
+       kPresets,
+       "medium",
+       {18, 48.4, 8},
+       true,
+       2,
+       2,
        {{"420", {8, 10}, {}, 2, 2}, {"422", {8, 10}, {}, 2, 1}, {"444", {8, 10}, {}}}},
-      {"hevc", "HEVC", false, 12, false, "420 422 444", kPresets, "medium", {20, 50.4, 10}, true, 16, 16,
+      {"hevc",
+       "HEVC",
+       false,
+       12,
+       false,
+       "420 422 444",
+       kPresets,
+       "medium",
+       {20, 50.4, 10},
+       true,
+       16,
+       16,
        {{"420", {8, 10, 12}, {}, 2, 2}, {"422", {8, 10, 12}, {}, 2, 1}, {"444", {8, 10, 12}, {}}}},
-      {"vp9", "VP9", true, 12, false, "420 422 444", kNumbers8, "2", {24, 60, 12}, true, 1, 1,
+      {"vp9",
+       "VP9",
+       true,
+       12,
+       false,
+       "420 422 444",
+       kNumbers8,
+       "2",
+       {24, 60, 12},
+       true,
+       1,
+       1,
        {{"420", {8, 10, 12}, {8}}, {"422", {8, 10, 12}, {}}, {"444", {8, 10, 12}, {}}}},
-      {"av1", "AV1", false, 10, false, "420 422 444", kNumbers12, "8", {30, 63, 15}, true, 1, 1,
+      {"av1",
+       "AV1",
+       false,
+       10,
+       false,
+       "420 422 444",
+       kNumbers12,
+       "8",
+       {30, 63, 15},
+       true,
+       1,
+       1,
        {{"420", {8, 10}, {}}, {"422", {8, 10}, {}}, {"444", {8, 10}, {}}}},
-      {"prores", "ProRes", true, 10, false, "422 444", "", "", {}, true, 1, 1,
+      {"prores",
+       "ProRes",
+       true,
+       10,
+       false,
+       "422 444",
+       "",
+       "",
+       {},
+       true,
+       1,
+       1,
        {{"422", {10}, {}}, {"444", {10}, {10}}}},
-      {"dnxhr", "DNxHR", false, 10, false, "422 444", "", "", {}, true, 256, 120,
+      {"dnxhr",
+       "DNxHR",
+       false,
+       10,
+       false,
+       "422 444",
+       "",
+       "",
+       {},
+       true,
+       256,
+       120,
        {{"422", {8, 10}, {}}, {"444", {10}, {}}}},
-      {"ffv1", "FFV1", true, 16, true, "rgb 444 422 420", "", "", {}, false, 1, 1,
+      {"ffv1",
+       "FFV1",
+       true,
+       16,
+       true,
+       "rgb 444 422 420",
+       "",
+       "",
+       {},
+       false,
+       1,
+       1,
        {{"rgb", {8, 16}, {8, 16}},
         {"444", {8, 10, 12, 16}, {8, 10, 16}},
         {"422", {8, 10, 12, 16}, {8, 10, 16}},
@@ -113,8 +190,7 @@ void checkAlpha(const ClipContainer& container, const ClipCodec& codec, const Cl
     throw Failure(ExitCode::Usage, std::string(codec.title) + " in " + container.name + " holds no alpha");
   }
   if (!layout.alphaBits.empty()) return;
-  throw Failure(ExitCode::Usage,
-                std::string(codec.title) + " with --sampling " + layout.sampling + " holds no alpha");
+  throw Failure(ExitCode::Usage, std::string(codec.title) + " with --sampling " + layout.sampling + " holds no alpha");
 }
 
 // The smallest that is enough, or else the largest.
@@ -147,8 +223,8 @@ const ClipCodec& clipCodecIn(const ClipContainer& container, const std::string& 
     throw Failure(ExitCode::Usage, "--codec " + name + ": give " + joinedNames(known, " or "));
   }
   if (!isOneOf(name, container.codecs)) {
-    throw Failure(ExitCode::Usage, std::string(container.name) + " does not hold " + name + ": it takes " +
-                                       joinedNames(held, " or "));
+    throw Failure(ExitCode::Usage,
+                  std::string(container.name) + " does not hold " + name + ": it takes " + joinedNames(held, " or "));
   }
   return *codec;
 }
@@ -157,7 +233,8 @@ void checkClipSettings(const ClipCodec& codec, const ClipSettings& settings) {
   const std::string name = codec.name;
   const auto check = [&](const char* option, const std::string& value, const std::string& known) {
     if (value.empty() || isOneOf(value, known)) return;
-    const std::string wanted = known.empty() ? name + " knows none" : name + " takes " + joinedNames(words(known), " or ");
+    const std::string wanted =
+        known.empty() ? name + " knows none" : name + " takes " + joinedNames(words(known), " or ");
     throw Failure(ExitCode::Usage, std::string(option) + " " + value + ": " + wanted);
   };
   check("--sampling", settings.sampling, codec.samplings);

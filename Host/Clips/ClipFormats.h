@@ -34,9 +34,9 @@ struct ClipLayout {
 //   hevc    constant rate factor (0-51)          20   10   20   30   40   50
 //   vp9     constant quality (0-63)              24   12   24   36   48   60
 //   av1     constant rate factor (0-63)          30   15   30   45   59   63
-//   prores  422: Proxy to 25, LT to 50, Standard to 75, above and usually HQ; 444: 4444 to 90 and usually, above 4444 XQ
-//   dnxhr   8 bits: LB to 33, SQ to 66, above and usually HQ; 10 bits HQX; 444 has one quality
-//   ffv1, png  lose nothing, and have none
+//   prores  422: Proxy to 25, LT to 50, Standard to 75, above and usually HQ; 444: 4444 to 90 and usually, above 4444
+//   XQ dnxhr   8 bits: LB to 33, SQ to 66, above and usually HQ; 10 bits HQX; 444 has one quality ffv1, png  lose
+//   nothing, and have none
 struct ClipQuality {
   int usual = -1;
   double worst = 0;  // for 1
@@ -45,19 +45,19 @@ struct ClipQuality {
 
 // A codec that clips are written with.
 struct ClipCodec {
-  const char* name;      // of --codec: "h264"
-  const char* title;     // "H.264"
-  bool holdsAlpha;       // in some sampling and container
-  int deepestBits;       // 8, 10, 12 or 16
-  bool isLossless;       // RGB is stored as it is
-  const char* samplings; // of --sampling: "420 422 444", the usual one first
-  const char* speeds;    // of --speed, the slowest last; empty: the encoder knows none
+  const char* name;       // of --codec: "h264"
+  const char* title;      // "H.264"
+  bool holdsAlpha;        // in some sampling and container
+  int deepestBits;        // 8, 10, 12 or 16
+  bool isLossless;        // RGB is stored as it is
+  const char* samplings;  // of --sampling: "420 422 444", the usual one first
+  const char* speeds;     // of --speed, the slowest last; empty: the encoder knows none
   const char* usualSpeed;
-  ClipQuality quality;               // where it is one number
-  bool takesQuality;                 // ClipSettings::quality has a meaning
-  std::uint32_t smallestWidth = 1;   // of a frame
+  ClipQuality quality;              // where it is one number
+  bool takesQuality;                // ClipSettings::quality has a meaning
+  std::uint32_t smallestWidth = 1;  // of a frame
   std::uint32_t smallestHeight = 1;
-  std::vector<ClipLayout> layouts;   // one for each sampling
+  std::vector<ClipLayout> layouts;  // one for each sampling
 };
 
 // A kind of file that holds clips.

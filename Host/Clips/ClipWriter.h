@@ -32,8 +32,8 @@ struct ClipTarget {
   std::optional<ClipAudio> audio;
 };
 
-// A clip that a process of its own encodes (vorto-clips), so that a fault in a codec ends that one and not the host. The
-// old file stays as it is until finish() has succeeded; a writer that is destroyed before leaves nothing.
+// A clip that a process of its own encodes (vorto-clips), so that a fault in a codec ends that one and not the host.
+// The old file stays as it is until finish() has succeeded; a writer that is destroyed before leaves nothing.
 class ClipWriter {
  public:
   // Throws Failure naming the file when such a clip cannot be written. Frames come from `slots`, which outlive it.
