@@ -23,7 +23,7 @@ Inputs::Inputs(const std::vector<std::string>& paths, std::optional<Depth> depth
                ColorWishes colors)
     : depth_(layout ? std::optional(layout->depth) : depth), layout_(layout), colors_(std::move(colors)) {
   if (std::ranges::count(paths, "-") > 1) throw Failure(ExitCode::Usage, "--input -: the standard input is given once");
-  for (const std::string& path : paths) sources_.push_back({path, framePattern(path), nullptr, nullptr});
+  for (const std::string& path : paths) sources_.push_back({path, framePattern(path), nullptr, nullptr, nullptr});
 }
 
 bool Inputs::areSequence() const {
@@ -46,28 +46,36 @@ FrameRange Inputs::checkedFrames(std::optional<FrameRange> wanted) const {
   return range.value_or(FrameRange{});
 }
 
+void Inputs::begin(const std::vector<std::string>& paths, const std::vector<const PictureInfo*>& infos) {
+  colors_.begin(paths, infos);
+  if (!depth_) {
+    for (const PictureInfo* info : infos) depth_ = depth_ ? commonDepth(*depth_, info->depth) : info->depth;
+  }
+  hasBegun_ = true;
+}
+
 InputPictures Inputs::picturesAt(std::uint32_t frame) {
   InputPictures pictures;
   std::vector<FilePicture> files(sources_.size());
+  std::vector<const PictureInfo*> infos;
   for (std::size_t i = 0; i < sources_.size(); ++i) {
     const Source& source = sources_[i];
     pictures.paths.push_back(source.pattern ? source.pattern->path(frame) : source.path);
     if (!source.still) files[i] = readPicture(pictures.paths[i]);
+    infos.push_back(files[i].info.get());
   }
-  std::vector<const PictureInfo*> infos;
-  infos.reserve(files.size());
-  for (const FilePicture& file : files) infos.push_back(file.info.get());
+  if (!hasBegun_) begin(pictures.paths, infos);
   colors_.meet(pictures.paths, infos);
-  if (!depth_) decideDepth(files);
   for (std::size_t i = 0; i < sources_.size(); ++i) {
     Source& source = sources_[i];
+    const std::string& path = pictures.paths[i];
     auto info = source.still ? source.stillInfo : files[i].info;
-    BitmapRef bitmap = source.still ? stillOf(source) : bitmapOf(i, std::move(files[i]), pictures.paths[i]);
-    if (!source.pattern) {
-      source.still = bitmap;
+    if (!source.pattern && !source.still) {
+      source.still = bitmapOf(i, std::move(files[i]), path, workingSample(colors_.alwaysNeedsFloat()));
       source.stillInfo = info;
     }
-    pictures.bitmaps.push_back(std::move(bitmap));
+    pictures.bitmaps.push_back(
+        source.pattern ? bitmapOf(i, std::move(files[i]), path, workingSample(colors_.needsFloat())) : stillOf(source));
     pictures.infos.push_back(std::move(info));
   }
   pictures.depth = depth_.value_or(Depth::Bits8);
@@ -75,17 +83,19 @@ InputPictures Inputs::picturesAt(std::uint32_t frame) {
 }
 
 // A layout has its own.
-SampleType Inputs::workingSample() const {
-  return colors_.needsFloat() && !layout_ ? SampleType::Float : sampleTypeOf(*depth_);
+SampleType Inputs::workingSample(bool needsFloat) const {
+  return needsFloat && !layout_ ? SampleType::Float : sampleTypeOf(*depth_);
 }
 
-// Floats are needed as soon as a later frame is converted.
-BitmapRef Inputs::stillOf(const Source& source) const {
-  return layout_ ? source.still : inDepth(source.still, workingSample(), source.path);
+// Floats are needed as long as a frame is converted beside it.
+BitmapRef Inputs::stillOf(Source& source) const {
+  const bool isWiderNow = workingSample(colors_.needsFloat()) != workingSample(colors_.alwaysNeedsFloat());
+  if (!isWiderNow) return source.still;
+  if (!source.stillAsFloat) source.stillAsFloat = inDepth(source.still, SampleType::Float, source.path);
+  return source.stillAsFloat;
 }
 
-BitmapRef Inputs::bitmapOf(std::size_t index, FilePicture file, const std::string& path) {
-  const SampleType working = workingSample();
+BitmapRef Inputs::bitmapOf(std::size_t index, FilePicture file, const std::string& path, SampleType working) {
   if (MutableBitmapRef converted = colors_.toWorking(index, file, path)) {
     file.bitmap = std::move(converted);
   } else if (file.info->alpha == AlphaKind::Straight) {
@@ -96,10 +106,6 @@ BitmapRef Inputs::bitmapOf(std::size_t index, FilePicture file, const std::strin
   }
   const BitmapRef bitmap = std::move(file.bitmap);
   return layout_ ? throughLayout(bitmap, *layout_, path) : inDepth(bitmap, working, path);
-}
-
-void Inputs::decideDepth(const std::vector<FilePicture>& files) {
-  for (const FilePicture& file : files) depth_ = depth_ ? commonDepth(*depth_, file.info->depth) : file.info->depth;
 }
 
 }  // namespace host

@@ -34,6 +34,14 @@ class Inputs {
   // The given frames, or all that exist. Throws Failure when one is missing, or when sequences have different frames.
   FrameRange checkedFrames(std::optional<FrameRange> wanted) const;
 
+  // Decides depth and colors of the run by what the files of its first frame say, by input: once, before pictures.
+  // Without it the first pictures decide. Afterwards the pictures of a frame follow from its own files, whatever frames
+  // were before. Throws Failure when colors cannot be converted.
+  void begin(const std::vector<std::string>& paths, const std::vector<const PictureInfo*>& infos);
+
+  // Of what is made of the pictures; nothing before it is decided, and where there are no inputs.
+  std::optional<Depth> depth() const { return depth_; }
+
   // Throw Failure for a file that cannot be read.
   InputPictures pictures() { return picturesAt(0); }
   InputPictures picturesAt(std::uint32_t frame);
@@ -44,15 +52,16 @@ class Inputs {
   struct Source {
     std::string path;
     std::optional<FramePattern> pattern;
-    BitmapRef still;
+    BitmapRef still;         // as frames have it that convert nothing
+    BitmapRef stillAsFloat;  // once a frame has needed it
     std::shared_ptr<const PictureInfo> stillInfo;
   };
-  void decideDepth(const std::vector<FilePicture>& files);
-  SampleType workingSample() const;
-  BitmapRef stillOf(const Source& source) const;
-  BitmapRef bitmapOf(std::size_t index, FilePicture file, const std::string& path);
+  SampleType workingSample(bool needsFloat) const;
+  BitmapRef stillOf(Source& source) const;
+  BitmapRef bitmapOf(std::size_t index, FilePicture file, const std::string& path, SampleType working);
 
   std::vector<Source> sources_;
+  bool hasBegun_ = false;
   std::optional<Depth> depth_;
   std::optional<Layout> layout_;
   ColorFlow colors_;
