@@ -51,9 +51,15 @@ Bytes brokenProfile() {
   return profile;
 }
 
-Tag plain(Depth depth = Depth::Bits8) { return {"plain", depth, {}}; }
-Tag wide(Depth depth = Depth::Bits16) { return {"wide", depth, profileTag(profileBytes(wideProfile()))}; }
-Tag broken() { return {"broken", Depth::Bits8, profileTag(brokenProfile())}; }
+Tag plain(Depth depth = Depth::Bits8) {
+  return {"plain", depth, {}};
+}
+Tag wide(Depth depth = Depth::Bits16) {
+  return {"wide", depth, profileTag(profileBytes(wideProfile()))};
+}
+Tag broken() {
+  return {"broken", Depth::Bits8, profileTag(brokenProfile())};
+}
 Tag stated() {
   Tag tag{"sRGB", Depth::Bits8, {}};
   tag.color.sRGBIntent = 0;
@@ -83,9 +89,7 @@ class FrameDecisions : public testing::TestWithParam<Sequence> {
   std::string framePath(std::size_t frame) const { return folder_.path("a." + std::to_string(frame) + ".png"); }
   std::string stillPath() const { return folder_.path("still.png"); }
 
-  Inputs newInputs() const {
-    return {{folder_.path("a.%d.png"), stillPath()}, std::nullopt};
-  }
+  Inputs newInputs() const { return {{folder_.path("a.%d.png"), stillPath()}, std::nullopt}; }
   void begin(Inputs& inputs) const {
     const std::vector<std::string> paths{framePath(1), stillPath()};
     const PictureInfo infos[] = {readPictureInfo(paths[0]), readPictureInfo(paths[1])};
@@ -115,7 +119,9 @@ class FrameDecisions : public testing::TestWithParam<Sequence> {
   TemporaryFolder folder_;
 };
 
-std::string nameOf(const testing::TestParamInfo<Sequence>& info) { return info.param.name; }
+std::string nameOf(const testing::TestParamInfo<Sequence>& info) {
+  return info.param.name;
+}
 
 }  // namespace
 
