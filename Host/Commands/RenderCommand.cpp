@@ -37,8 +37,8 @@ RenderSetup setupOf(const RenderOptions& options) {
 void renderHere(FrameRendering& rendering, const RenderTiming& timing, PictureSink& sink) {
   const RenderPlan& plan = timing.plan();
   const PlanPart part = timing.part();
-  if (part.first > 0) rendering.begin(plan.frame(0), nullptr);
   const OutputDescription output{sink.name(), [&](Depth depth) { return sink.format(depth); }};
+  if (!timing.isSingle()) rendering.begin(plan.frame(0), nullptr, output);
   Progress progress(part.count);
   for (std::uint64_t done = 0; done < part.count; ++done) {
     const PlannedFrame frame = plan.frame(part.first + done);
