@@ -62,14 +62,25 @@ are; yuv422 as argb8; rgb16, la16 and l16 as rgba16; rgbahalf as rgbafloat); the
 and is written in its depth. Without alpha a picture is shown over black; luminance is 0.299 red + 0.587 green + 0.114
 blue.
 
-Sequences have the frame's number in the name, %d or %04d. All inputs with one run over the same frames; other inputs
-stay. The time of a transition goes from 0 at the first frame to 1 at the last; other effects get seconds, (frame -
-first) / rate. Frames that were written before a failure stay.
+Sequences have the frame's number in the name, %d or %04d. All inputs with one run over the same frames, unless
+--when-short says what a shorter one does; stills stay. The time of a transition goes from 0 at the first frame to 1 at the
+last; other effects get seconds since the first. Frames that were written before a failure stay.
+
+Clips are read from MP4, MOV, MKV, WebM, AVI and others, and written as .mp4, .mov, .mkv, .webm or .avi. The first clip
+leads: its frames come one by one at their own times, counted from 0, and other clips and sequences show the frame that is
+nearest in time. Audio goes along as it is. Their colors are those of displays, Rec.709 unless the clip says otherwise; 10
+and 12 bits are worked on in 16. A damaged clip is rendered as far as it can be read, which is said.
+
+Frames are rendered by as many processes as there are cores; --jobs says how many. The files are the same. Effects that
+keep a state from frame to frame have one.
 
 Examples:
   vorto render "Gradient Map" --input photo.png --state gradient=sunset.plist --output out.png
   vorto render Dissolve --input a.png b.png --time 0.5 --size 1920x1080 --output mix.tif
   vorto render Levels --input in.%04d.exr --state levels=grade.plist --output out.%04d.exr
+  vorto render "Gradient Map" --input clip.mov --start 0:10 --duration 5 --output graded.mp4 --quality 80
+  vorto render Over --input clip.mp4 logo.png --output out.mov --codec prores
+  vorto render Levels --input in.%04d.exr --frames 1-96x8 --chunk 3 --resume --output out.%04d.exr
   vorto render Checkerboard --size 640x480 --set "first color=#202020" --output board.png
   vorto render "Gradient Map" --input photo.png --set "gradient=#102040 0%, #ff8800 smooth 50%, white" --output out.png
   vorto render Levels --input photo.png --set levels.gamma=1.2 --set levels.red.blackIn=10% --output out.png)";
@@ -133,9 +144,10 @@ void addFraming(CLI::App& command, FramingOptions& options) {
 void addEncoding(CLI::App& command, EncodingOptions& options) {
   command
       .add_option("--format", options.format,
-                  "The format to write, by its extension; for --output - also y4m or raw; default: as the name says")
+                  "The format or container to write, by its extension; for --output - also y4m or raw; default: as the "
+                  "name says")
       ->type_name("NAME");
-  command.add_option("--quality", options.quality, "Of JPEG (default 95), WebP (95) and HEIF (90)")
+  command.add_option("--quality", options.quality, "Of JPEG (default 95), WebP (95), HEIF (90) and clips")
       ->type_name("1-100")
       ->check(CLI::Range(1, 100));
   command

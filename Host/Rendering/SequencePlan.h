@@ -24,8 +24,8 @@ class SequencePlan : public RenderPlan {
     Rational rate{25, 1};         // the same as files state it
     std::optional<double> time;   // for the effect, of all frames
   };
-  // `sources`, by input: the frames that there are; nothing of stills. Before the first that there is of one, and after
-  // the last, comes what its own last and first say (WhenShort::Hold), or its frames again.
+  // `sources`, by input: the frames that there are; nothing of stills. Where the wanted one comes before them the first
+  // is shown, where it comes after them what `whenShort` says.
   SequencePlan(const FrameRange& frames, std::vector<std::optional<FrameRange>> sources, const Wishes& wishes,
                WhenShort whenShort = WhenShort::Hold);
 
