@@ -1,101 +1,78 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Clips/WriterMessages.h"
 
-#include <type_traits>
+#include "Host/Clips/MetadataMessage.h"
 
 namespace host {
 namespace {
 
-// One list of what is in a target, for both ways.
-
-class Putting {
- public:
-  explicit Putting(MessageWriter& message) : message_(message) {}
-  void operator()(const std::string& text) { message_.text(text); }
-  template <class Value>
-  requires std::is_arithmetic_v<Value> || std::is_enum_v<Value>
-  void operator()(const Value& value) { message_.value(value); }
-  template <class Value>
-  bool has(const std::optional<Value>& value) {
-    message_.value(value.has_value());
-    return value.has_value();
-  }
-
- private:
-  MessageWriter& message_;
-};
-
-class Taking {
- public:
-  explicit Taking(MessageReader& message) : message_(message) {}
-  void operator()(std::string& text) { text = message_.text(); }
-  template <class Value>
-  requires std::is_arithmetic_v<Value> || std::is_enum_v<Value>
-  void operator()(Value& value) { value = message_.value<Value>(); }
-  template <class Value>
-  bool has(std::optional<Value>& value) {
-    if (message_.value<bool>()) value.emplace();
-    return value.has_value();
-  }
-
- private:
-  MessageReader& message_;
-};
-
-template <class Way, class Number>
-void passRational(Way& way, Number& number) {
-  way(number.numerator);
-  way(number.denominator);
+void put(MessageWriter& message, const ClipSettings& settings) {
+  message.text(settings.codec);
+  message.text(settings.speed);
+  message.text(settings.sampling);
+  message.value(settings.quality);
 }
 
-template <class Way, class Target>
-void passMetadata(Way& way, Target& metadata) {
-  if (way.has(metadata.color.codePoints)) {
-    way(metadata.color.codePoints->primaries);
-    way(metadata.color.codePoints->transfer);
-  }
-  if (way.has(metadata.color.sRGBIntent)) way(*metadata.color.sRGBIntent);
-  if (way.has(metadata.pixelAspect)) way(*metadata.pixelAspect);
-  if (way.has(metadata.timeCode)) {
-    way(metadata.timeCode->timeAndFlags);
-    way(metadata.timeCode->userData);
-  }
+ClipSettings takeSettings(MessageReader& message) {
+  ClipSettings settings;
+  settings.codec = message.text();
+  settings.speed = message.text();
+  settings.sampling = message.text();
+  settings.quality = message.value<int>();
+  return settings;
 }
 
-template <class Way, class Target>
-void pass(Way& way, Target& target) {
-  way(target.path);
-  way(target.container);
-  way(target.settings.codec);
-  way(target.settings.speed);
-  way(target.settings.sampling);
-  way(target.settings.quality);
-  passRational(way, target.rate);
-  passRational(way, target.timeBase);
-  way(target.kind.width);
-  way(target.kind.height);
-  way(target.kind.sample);
-  way(target.kind.channels);
-  way(target.kind.alpha);
-  way(target.bits);
-  passMetadata(way, target.metadata);
-  if (!way.has(target.audio)) return;
-  way(target.audio->path);
-  way(target.audio->start);
-  if (way.has(target.audio->duration)) way(*target.audio->duration);
+void put(MessageWriter& message, const std::optional<ClipAudio>& audio) {
+  message.value(audio.has_value());
+  if (!audio) return;
+  message.text(audio->path);
+  message.value(audio->start);
+  message.value(audio->duration.has_value());
+  if (audio->duration) message.value(*audio->duration);
+}
+
+std::optional<ClipAudio> takeAudio(MessageReader& message) {
+  if (!message.value<bool>()) return std::nullopt;
+  ClipAudio audio;
+  audio.path = message.text();
+  audio.start = message.value<double>();
+  if (message.value<bool>()) audio.duration = message.value<double>();
+  return audio;
 }
 
 }  // namespace
 
 void put(MessageWriter& message, const ClipTarget& target) {
-  Putting way(message);
-  pass(way, target);
+  message.text(target.path);
+  message.text(target.container);
+  put(message, target.settings);
+  put(message, target.rate);
+  put(message, target.timeBase);
+  message.value(target.kind.width);
+  message.value(target.kind.height);
+  message.value(target.kind.sample);
+  message.value(target.kind.channels);
+  message.value(target.kind.alpha);
+  message.value(target.bits);
+  put(message, target.metadata);
+  put(message, target.audio);
 }
 
 ClipTarget takeClipTarget(MessageReader& message) {
-  Taking way(message);
   ClipTarget target;
-  pass(way, target);
+  target.path = message.text();
+  target.container = message.text();
+  target.settings = takeSettings(message);
+  target.rate = takeRational(message);
+  target.timeBase = takeRational(message);
+  target.kind.width = message.value<std::uint32_t>();
+  target.kind.height = message.value<std::uint32_t>();
+  target.kind.sample = message.value<SampleType>();
+  target.kind.channels = message.value<Channels>();
+  target.kind.alpha = message.value<AlphaKind>();
+  target.bits = message.value<int>();
+  target.metadata = takeMetadata(message);
+  target.audio = takeAudio(message);
   return target;
 }
 

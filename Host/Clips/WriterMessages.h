@@ -23,7 +23,6 @@ enum class WriterReport : std::uint8_t {
   Failed,    // exit code, message: the last one
 };
 
-// Of the metadata only what clips can hold: code points, pixel aspect and time code.
 void put(MessageWriter& message, const ClipTarget& target);
 ClipTarget takeClipTarget(MessageReader& message);  // throws Failure for what ends early
 
