@@ -16,7 +16,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
-#include <new>
 
 namespace host {
 namespace {
@@ -400,12 +399,9 @@ int runProgram(int argc, char** argv, const InspectAction& inspect) {
     }
     runCommand(app, options, inspect);
     return static_cast<int>(ExitCode::Success);
-  } catch (const Failure& failure) {
+  } catch (const std::exception&) {
+    const Failure failure = caughtFailure();
     return report(failure.what(), failure.code);
-  } catch (const std::bad_alloc&) {
-    return report("there is not enough memory", ExitCode::Unexpected);
-  } catch (const std::exception& error) {
-    return report(error.what(), ExitCode::Unexpected);
   }
 }
 

@@ -45,7 +45,7 @@ void renderHere(FrameRendering& rendering, const RenderTiming& timing, PictureSi
     sink.write(rendering.render(frame, output), frame.number);
     progress.finished(done + 1);
   }
-  rendering.inputs().colors().tellOfClipping(sink.clippedPixels());
+  tellOfClipping(sink.clippedPixels(), rendering.inputs().colors().clippedSpace());
 }
 
 }  // namespace

@@ -3,9 +3,7 @@
 
 #include "Host/Files/FileFormat.h"
 #include "Host/Files/OutputFile.h"
-#include "Host/Messages/CloseNames.h"
 #include "Host/Messages/Failure.h"
-#include "Host/Messages/Remark.h"
 #include "Host/Messages/StandardOutput.h"
 
 #include <unistd.h>
@@ -63,10 +61,8 @@ void PictureSink::print(const StreamFrame& frame, std::span<const std::uint8_t> 
 void PictureSink::tellOfLosses(const OutputPicture& picture) {
   if (!isVerbose_) return;
   isVerbose_ = false;
-  const std::vector<std::string> lost = lostMetadata(stream_ ? std::nullopt : std::optional(format_), picture);
-  if (lost.empty()) return;
-  remark(std::string(stream_ ? "a stream" : traitsOf(format_).name) + " does not hold " + joinedNames(lost, " or ") +
-         " of the first input");
+  const char* const what = stream_ ? "a stream" : traitsOf(format_).name;
+  host::tellOfLosses(what, stream_ ? std::nullopt : std::optional(format_), picture);
 }
 
 }  // namespace host

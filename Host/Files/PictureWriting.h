@@ -52,5 +52,7 @@ OutputRows rowsOf(const OutputPicture& picture, SampleType sample, Channels chan
 // What a file of the format, or a stream of frames, which is none, does not keep of what the first input says of
 // itself: "the time code", ...
 std::vector<std::string> lostMetadata(std::optional<FileFormat> format, const OutputPicture& picture);
+// Remarks on it, where there is any; `what` is as messages call the format.
+void tellOfLosses(const std::string& what, std::optional<FileFormat> format, const OutputPicture& picture);
 
 }  // namespace host

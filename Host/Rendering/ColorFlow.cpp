@@ -77,7 +77,7 @@ void ColorFlow::meetInput(std::size_t index, Met met) {
   if (!input.remark.empty()) tellOnce(input.path, input.remark);
   if (needsConversion(input.space, plan_.working) && !contains(converted_, input.space)) {
     conversionFrom(input.space, input.path);
-    remark(conversionSentence(input.path, input.space, plan_.working));
+    remark(conversionSentence(input.path, input.space, plan_.working), "colors from " + spaceText(input.space));
     converted_.push_back(input.space);
   }
   inputs_[index] = std::move(input);
@@ -89,13 +89,13 @@ void ColorFlow::warnOfGuesswork(const std::vector<ColorInput>& current) {
   std::vector<ColorInput> all = firstInputs();
   all.insert(all.end(), current.begin(), current.end());
   if (const auto warning = guessworkWarning(all)) {
-    remark(*warning);
+    remark(*warning, "colors by guesswork");
     isGuessworkTold_ = true;
   }
 }
 
 void ColorFlow::tellOnce(const std::string& what, const std::string& about) {
-  if (told_.insert(about).second) remark(what + ": " + about);
+  if (told_.insert(about).second) remark(what + ": " + about, about);
 }
 
 void ColorFlow::decide() {
@@ -265,11 +265,15 @@ void ColorFlow::fitProfile(OutputPicture& picture) {
   hasLeftProfileOut_ = true;
 }
 
-void ColorFlow::tellOfClipping(std::uint64_t pixels) const {
-  if (pixels == 0 || outputPlan_.space.kind == ColorSpace::Kind::Raw) return;
+std::string ColorFlow::clippedSpace() const {
+  return outputPlan_.space.kind == ColorSpace::Kind::Raw ? "" : spaceText(outputPlan_.space);
+}
+
+void tellOfClipping(std::uint64_t pixels, const std::string& space) {
+  if (pixels == 0 || space.empty()) return;
   remark(std::to_string(pixels) +
-         (pixels == 1 ? " pixel of the result lies outside " : " pixels of the result lie outside ") +
-         spaceText(outputPlan_.space) + " and " + (pixels == 1 ? "was" : "were") + " clipped");
+         (pixels == 1 ? " pixel of the result lies outside " : " pixels of the result lie outside ") + space + " and " +
+         (pixels == 1 ? "was" : "were") + " clipped");
 }
 
 }  // namespace host

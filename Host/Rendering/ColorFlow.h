@@ -25,6 +25,9 @@ struct ColorWishes {
   std::vector<std::optional<ColorSpace>> inputs;  // by their order; may be shorter than they are many
 };
 
+// Says how many pixels of the results lay outside of a clippedSpace(); nothing where there are none.
+void tellOfClipping(std::uint64_t pixels, const std::string& space);
+
 // The colors of a run: from the inputs' spaces to the working one, and from there to the file's. What the files of the
 // first frame say decides for all; what becomes of another frame follows from that and from its own files, whatever
 // frames were between. What is converted is said on standard error, once.
@@ -57,8 +60,8 @@ class ColorFlow {
   // inputs before it colors are sRGB.
   void toOutput(OutputPicture& picture, FileFormat format, const std::string& path);
 
-  // That pixels of the results lay outside what the file's integers can hold, where there are any and they are colors.
-  void tellOfClipping(std::uint64_t pixels) const;
+  // What pixels lie outside of that the file's integers cannot hold: the space's name, empty where they are no colors.
+  std::string clippedSpace() const;
 
  private:
   // An input, and what it counts as where its space is found to be of no use.
