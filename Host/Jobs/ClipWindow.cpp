@@ -70,8 +70,8 @@ void ClipWindow::take(std::size_t input) {
   Input& from = inputs_[input];
   try {
     const ClipReader::Frame frame = clips_.reader(input)->frame();
-    const bool isExpected = !from.awaited.empty() && frame.slot == from.awaited.front() &&
-                            from.slots[frame.slot].frame == frame.frame;
+    const bool isExpected =
+        !from.awaited.empty() && frame.slot == from.awaited.front() && from.slots[frame.slot].frame == frame.frame;
     if (!isExpected) {
       throw Failure(ExitCode::Unexpected, "cannot read " + clips_.reader(input)->path() + ": a frame came unwanted");
     }
@@ -127,7 +127,8 @@ void ClipWindow::tellOfDamage() const {
     const Input& input = inputs_[i];
     if (input.damaged == 0) continue;
     const bool isOne = input.damaged == 1;
-    remark(clips_.reader(i)->path() + ": " + (isOne ? "frame " : std::to_string(input.damaged) + " frames from frame ") +
+    remark(clips_.reader(i)->path() + ": " +
+           (isOne ? "frame " : std::to_string(input.damaged) + " frames from frame ") +
            std::to_string(input.firstDamaged) + (isOne ? " is damaged: " : " on are damaged: ") +
            "what could be decoded of " + (isOne ? "it" : "them") + " is shown, or the frame before");
   }

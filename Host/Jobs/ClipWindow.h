@@ -71,7 +71,7 @@ class ClipWindow {
   const std::vector<std::uint64_t>& frames_;
   std::vector<Input> inputs_;
   std::map<std::uint64_t, std::vector<std::size_t>> held_;  // frame: its slots by input
-  std::uint64_t next_ = 0;                                   // to be wanted
+  std::uint64_t next_ = 0;                                  // to be wanted
   std::optional<Broken> broken_;
 };
 

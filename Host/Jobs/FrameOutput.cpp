@@ -27,8 +27,8 @@ std::uint64_t leaveBytes(const OutputPicture& picture, const FrameTask& task, Pi
   return clipped;
 }
 
-std::uint64_t leaveRows(const OutputPicture& picture, const FrameTask& task, const JobOutput& output,
-                        FrameSlots& slots, StoredFrame* stored) {
+std::uint64_t leaveRows(const OutputPicture& picture, const FrameTask& task, const JobOutput& output, FrameSlots& slots,
+                        StoredFrame* stored) {
   if (task.isFirst && output.isVerbose) tellOfLosses("a clip", FileFormat::Clip, picture);
   const FrameKind kind = clipKindOf(picture, output.clipHoldsAlpha);
   OutputRows rows = rowsOf(picture, kind.sample, kind.channels, kind.alpha);

@@ -22,24 +22,24 @@ namespace host {
 
 // First of all: what is true of all frames.
 struct WorkerHello {
-  std::uint32_t slots = 0;                              // that the worker was given
+  std::uint32_t slots = 0;                             // that the worker was given
   std::vector<std::shared_ptr<const ClipInfo>> clips;  // by input; null where one is no clip
-  PlannedFrame first;                                   // of the plan, which decides for all
+  PlannedFrame first;                                  // of the plan, which decides for all
 };
 
 // A frame to render.
 struct FrameTask {
   PlannedFrame frame;
-  std::vector<std::uint32_t> slots;   // by input: where the frame of a clip lies; 0 where there is none
-  std::uint32_t outputSlot = 0;       // where it goes, unless it goes into a file of its own
-  std::optional<Channels> channels;   // that it is to have, where the first frame decided it
-  bool isFirst = false;               // of those that are rendered: says what files do not keep
+  std::vector<std::uint32_t> slots;  // by input: where the frame of a clip lies; 0 where there is none
+  std::uint32_t outputSlot = 0;      // where it goes, unless it goes into a file of its own
+  std::optional<Channels> channels;  // that it is to have, where the first frame decided it
+  bool isFirst = false;              // of those that are rendered: says what files do not keep
 };
 
 // What was put into a task's slot.
 struct StoredFrame {
-  StreamFrame stream;           // for the standard output
-  Depth depth = Depth::Bits8;   // for a clip, with the next
+  StreamFrame stream;          // for the standard output
+  Depth depth = Depth::Bits8;  // for a clip, with the next
   FileMetadata metadata;
 };
 

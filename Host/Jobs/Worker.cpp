@@ -92,7 +92,7 @@ class Worker {
   std::optional<WorkerParts> parts_;
   std::unique_ptr<FrameRendering> rendering_;
   std::unique_ptr<SlotClips> clips_;
-  std::vector<Remark> firstRemarks_;  // from before the first task
+  std::vector<Remark> firstRemarks_;      // from before the first task
   std::optional<FailureReport> failure_;  // before the first task: that of every one
 };
 

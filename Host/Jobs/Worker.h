@@ -15,8 +15,8 @@ struct WorkerParts {
 };
 
 // The whole of a process that renders frames for another one, which started it: task after task until that one ends it
-// or is gone. What fails goes there as well, what `prepare` throws too. Loading the effects and setting their ports says
-// nothing, as the other one has said it. Throws Failure when no other process is connected.
+// or is gone. What fails goes there as well, what `prepare` throws too. Loading the effects and setting their ports
+// says nothing, as the other one has said it. Throws Failure when no other process is connected.
 void runWorker(const std::function<WorkerParts()>& prepare);
 
 }  // namespace host
