@@ -129,14 +129,17 @@ std::vector<std::uint64_t> framesToRender(const RenderOptions& options, const Re
 }
 
 // In this process, one after another.
-void renderHere(FrameRendering& rendering, const RenderPlan& plan, const std::vector<std::uint64_t>& frames,
+void renderHere(FrameRendering& rendering, const RenderTiming& timing, const std::vector<std::uint64_t>& frames,
                 const Output& output) {
-  if (frames.front() > 0) rendering.begin(plan.frame(0), nullptr);
   const OutputDescription description = output.job.description();
+  if (!timing.isSingle()) {
+    rendering.begin(timing.plan().frame(0), nullptr, description);
+    rewindSharedInput();
+  }
   Progress progress(frames.size());
   std::uint64_t done = 0;
   for (const std::uint64_t index : frames) {
-    const PlannedFrame frame = plan.frame(index);
+    const PlannedFrame frame = timing.plan().frame(index);
     output.sink->write(rendering.render(frame, description), frame.number);
     progress.finished(++done);
   }
@@ -194,7 +197,7 @@ void runRender(const RenderOptions& options) {
   if (frames.empty()) return;
   const auto workers = static_cast<unsigned>(std::min<std::uint64_t>(jobs, frames.size()));
   if (workers == 1 && output.sink && !rendering.inputs().haveClip()) {
-    renderHere(rendering, timing.plan(), frames, output);
+    renderHere(rendering, timing, frames, output);
     return;
   }
   JobRun run;

@@ -58,4 +58,9 @@ int SharedInput::opened() const {
   return descriptor;
 }
 
+// Only memory has seals.
+void rewindSharedInput() {
+  if (::fcntl(STDIN_FILENO, F_GET_SEALS) >= 0) ::lseek(STDIN_FILENO, 0, SEEK_SET);
+}
+
 }  // namespace host

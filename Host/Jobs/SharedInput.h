@@ -19,4 +19,7 @@ class SharedInput {
   int memory_ = -1;
 };
 
+// In a process whose standard input that is: from its start again. Nothing for any other, which can be read but once.
+void rewindSharedInput();
+
 }  // namespace host

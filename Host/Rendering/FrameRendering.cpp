@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Rendering/FrameRendering.h"
 
+#include "Host/Clips/ClipInfo.h"
 #include "Host/Rendering/Parameters.h"
 
 #include <utility>
@@ -27,6 +28,23 @@ FrameRendering::FrameRendering(const RenderSetup& setup)
       effect_(setup.effect, setup.inputs.size(), setup.framing, setup.depth),
       inputs_(setup.inputs, setup.depth, setup.layout, setup.colors) {
   setParameters(effect_, setup.values, setup.states);
+}
+
+void FrameRendering::begin(const PlannedFrame& first, ClipFrames* clips, const OutputDescription& output) {
+  clips_ = clips;
+  std::vector<std::string> paths;
+  std::vector<PictureInfo> infos;
+  for (std::size_t i = 0; i < inputs_.count(); ++i) {
+    paths.push_back(inputs_.fileAt(i, first));
+    const bool isClip = inputs_.kind(i) == Inputs::Kind::Clip;
+    infos.push_back(isClip ? clips->info(i).picture : readPictureInfo(paths.back()));
+  }
+  std::vector<const PictureInfo*> known;
+  for (const PictureInfo& info : infos) known.push_back(&info);
+  inputs_.begin(paths, known);
+  if (const auto depth = inputs_.depth(); depth && setup_.alpha != OutputAlpha::Gray) {
+    inputs_.colors().expectOutput(output.format(*depth), *depth, setup_.channels, output.name);
+  }
 }
 
 OutputPicture FrameRendering::render(const PlannedFrame& frame, const OutputDescription& output) {

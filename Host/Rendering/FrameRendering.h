@@ -45,9 +45,9 @@ class FrameRendering {
   EffectRendering& effect() { return effect_; }
   Inputs& inputs() { return inputs_; }
 
-  // Before frames are rendered, unless the plan's first frame is the first to be. `clips` outlives this, null where no
-  // input is a clip.
-  void begin(const PlannedFrame& first, ClipFrames* clips);
+  // What the plan's first frame decides, which any process can find out; without it the first frame that is rendered
+  // decides. `clips` outlives this, null where no input is a clip.
+  void begin(const PlannedFrame& first, ClipFrames* clips, const OutputDescription& output);
 
   // The result, ready to be written.
   OutputPicture render(const PlannedFrame& frame, const OutputDescription& output);

@@ -66,8 +66,38 @@ FrameRange Inputs::checkedFrames(std::optional<FrameRange> wanted) const {
   return range.value_or(FrameRange{});
 }
 
-std::string Inputs::fileOf(const Source& source, std::uint32_t frame) const {
-  return source.pattern ? source.pattern->path(frame) : source.path;
+void Inputs::begin(const std::vector<std::string>& paths, const std::vector<const PictureInfo*>& infos) {
+  colors_.begin(paths, infos);
+  if (!depth_) {
+    for (const PictureInfo* info : infos) depth_ = depth_ ? commonDepth(*depth_, info->depth) : info->depth;
+  }
+  hasBegun_ = true;
+}
+
+std::string Inputs::fileAt(std::size_t input, const PlannedFrame& frame) const {
+  const Source& source = sources_[input];
+  return source.pattern ? source.pattern->path(frame.sources[input]) : source.path;
+}
+
+// What was there before is let go first.
+FilePicture Inputs::readAt(std::size_t input, const PlannedFrame& frame, ClipFrames* clips) {
+  Source& source = sources_[input];
+  source.frame.reset();
+  source.bitmap = nullptr;
+  if (!source.isClip) return readPicture(fileAt(input, frame));
+  if (!clips) throw Failure(ExitCode::Usage, source.path + " is a clip: this takes pictures and sequences");
+  return clips->frame(input, frame.sources[input]);
+}
+
+// A frame that stays is taken again from its file where other samples are needed beside other inputs: narrowed or
+// widened it would not be the same.
+void Inputs::takeMoving(std::size_t input, FilePicture file, const PlannedFrame& frame, ClipFrames* clips) {
+  Source& source = sources_[input];
+  const SampleType working = workingSample(colors_.needsFloat());
+  if (!file.bitmap && source.sample == working) return;
+  if (!file.bitmap) file = readAt(input, frame, clips);
+  source.bitmap = bitmapOf(input, std::move(file), fileAt(input, frame), working);
+  source.sample = working;
 }
 
 InputPictures Inputs::picturesAt(std::uint32_t frame) {
@@ -79,30 +109,24 @@ InputPictures Inputs::picturesAt(std::uint32_t frame) {
 InputPictures Inputs::picturesAt(const PlannedFrame& frame, ClipFrames* clips) {
   InputPictures pictures;
   std::vector<FilePicture> files(sources_.size());
-  for (std::size_t i = 0; i < sources_.size(); ++i) {
-    Source& source = sources_[i];
-    const std::uint32_t wanted = frame.sources[i];
-    pictures.paths.push_back(fileOf(source, wanted));
-    if (source.frame == wanted) continue;
-    source.frame.reset();
-    source.bitmap = nullptr;
-    if (source.isClip && !clips) {
-      throw Failure(ExitCode::Usage, source.path + " is a clip: this takes pictures and sequences");
-    }
-    files[i] = source.isClip ? clips->frame(i, wanted) : readPicture(pictures.paths[i]);
-  }
   std::vector<const PictureInfo*> infos;
-  infos.reserve(files.size());
-  for (const FilePicture& file : files) infos.push_back(file.info.get());
+  for (std::size_t i = 0; i < sources_.size(); ++i) {
+    pictures.paths.push_back(fileAt(i, frame));
+    if (sources_[i].frame != frame.sources[i]) files[i] = readAt(i, frame, clips);
+    infos.push_back(files[i].info.get());
+  }
+  if (!hasBegun_) begin(pictures.paths, infos);
   colors_.meet(pictures.paths, infos);
-  if (!depth_) decideDepth(files);
   for (std::size_t i = 0; i < sources_.size(); ++i) {
     Source& source = sources_[i];
-    const bool isKept = source.frame == frame.sources[i];
-    if (!isKept) source.info = files[i].info;
-    source.bitmap = isKept ? keptOf(source) : bitmapOf(i, std::move(files[i]), pictures.paths[i]);
+    if (files[i].info) source.info = files[i].info;
+    if (source.isMoving()) {
+      takeMoving(i, std::move(files[i]), frame, clips);
+    } else if (!source.bitmap) {
+      source.bitmap = bitmapOf(i, std::move(files[i]), pictures.paths[i], workingSample(colors_.alwaysNeedsFloat()));
+    }
     source.frame = frame.sources[i];
-    pictures.bitmaps.push_back(source.bitmap);
+    pictures.bitmaps.push_back(source.isMoving() ? source.bitmap : stillOf(source));
     pictures.infos.push_back(source.info);
   }
   pictures.depth = depth_.value_or(Depth::Bits8);
@@ -110,17 +134,19 @@ InputPictures Inputs::picturesAt(const PlannedFrame& frame, ClipFrames* clips) {
 }
 
 // A layout has its own.
-SampleType Inputs::workingSample() const {
-  return colors_.needsFloat() && !layout_ ? SampleType::Float : sampleTypeOf(*depth_);
+SampleType Inputs::workingSample(bool needsFloat) const {
+  return needsFloat && !layout_ ? SampleType::Float : sampleTypeOf(*depth_);
 }
 
-// Floats are needed as soon as a later frame is converted.
-BitmapRef Inputs::keptOf(const Source& source) const {
-  return layout_ ? source.bitmap : inDepth(source.bitmap, workingSample(), source.path);
+// Floats are needed as long as a frame is converted beside it.
+BitmapRef Inputs::stillOf(Source& source) const {
+  const bool isWiderNow = workingSample(colors_.needsFloat()) != workingSample(colors_.alwaysNeedsFloat());
+  if (!isWiderNow) return source.bitmap;
+  if (!source.stillAsFloat) source.stillAsFloat = inDepth(source.bitmap, SampleType::Float, source.path);
+  return source.stillAsFloat;
 }
 
-BitmapRef Inputs::bitmapOf(std::size_t index, FilePicture file, const std::string& path) {
-  const SampleType working = workingSample();
+BitmapRef Inputs::bitmapOf(std::size_t index, FilePicture file, const std::string& path, SampleType working) {
   if (MutableBitmapRef converted = colors_.toWorking(index, file, path)) {
     file.bitmap = std::move(converted);
   } else if (file.info->alpha == AlphaKind::Straight) {
@@ -131,10 +157,6 @@ BitmapRef Inputs::bitmapOf(std::size_t index, FilePicture file, const std::strin
   }
   const BitmapRef bitmap = std::move(file.bitmap);
   return layout_ ? throughLayout(bitmap, *layout_, path) : inDepth(bitmap, working, path);
-}
-
-void Inputs::decideDepth(const std::vector<FilePicture>& files) {
-  for (const FilePicture& file : files) depth_ = depth_ ? commonDepth(*depth_, file.info->depth) : file.info->depth;
 }
 
 }  // namespace host

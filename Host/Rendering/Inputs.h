@@ -44,6 +44,17 @@ class Inputs {
   // The given frames, or all that exist. Throws Failure when one is missing, or when sequences have different frames.
   FrameRange checkedFrames(std::optional<FrameRange> wanted) const;
 
+  // The file that a frame of an input is in, as messages name it.
+  std::string fileAt(std::size_t input, const PlannedFrame& frame) const;
+
+  // Decides depth and colors of the run by what the files of its first frame say, by input: once, before pictures.
+  // Without it the first pictures decide. Afterwards the pictures of a frame follow from its own files, whatever frames
+  // were before. Throws Failure when colors cannot be converted.
+  void begin(const std::vector<std::string>& paths, const std::vector<const PictureInfo*>& infos);
+
+  // Of what is made of the pictures; nothing before it is decided, and where there are no inputs.
+  std::optional<Depth> depth() const { return depth_; }
+
   // Throw Failure for a file that cannot be read.
   InputPictures pictures() { return picturesAt(0); }
   InputPictures picturesAt(std::uint32_t frame);  // of that number, of all sequences
@@ -57,18 +68,23 @@ class Inputs {
     std::string path;
     std::optional<FramePattern> pattern;
     bool isClip = false;
-    // What was read last; of a still, all there is.
+    // What was read last; of a still, all there is, as frames have it that convert nothing.
     std::optional<std::uint32_t> frame;
     BitmapRef bitmap;
+    SampleType sample = SampleType::UInt8;  // that it was wanted in
+    BitmapRef stillAsFloat;                 // once a frame has needed it
     std::shared_ptr<const PictureInfo> info;
+
+    bool isMoving() const { return isClip || pattern; }
   };
-  std::string fileOf(const Source& source, std::uint32_t frame) const;
-  void decideDepth(const std::vector<FilePicture>& files);
-  SampleType workingSample() const;
-  BitmapRef keptOf(const Source& source) const;
-  BitmapRef bitmapOf(std::size_t index, FilePicture file, const std::string& path);
+  FilePicture readAt(std::size_t input, const PlannedFrame& frame, ClipFrames* clips);
+  void takeMoving(std::size_t input, FilePicture file, const PlannedFrame& frame, ClipFrames* clips);
+  SampleType workingSample(bool needsFloat) const;
+  BitmapRef stillOf(Source& source) const;
+  BitmapRef bitmapOf(std::size_t index, FilePicture file, const std::string& path, SampleType working);
 
   std::vector<Source> sources_;
+  bool hasBegun_ = false;
   std::optional<Depth> depth_;
   std::optional<Layout> layout_;
   ColorFlow colors_;

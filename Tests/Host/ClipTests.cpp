@@ -61,7 +61,8 @@ class Clips : public testing::Test {
            at("in.mp4"));
   }
   std::string at(const std::string& name) const { return folder_.path() + "/" + name; }
-  Words render(const std::string& effect, const Words& inputs, const std::string& output, const Words& more = {}) const {
+  Words render(const std::string& effect, const Words& inputs, const std::string& output,
+               const Words& more = {}) const {
     Words words{"render", effect, "--input"};
     words.insert(words.end(), inputs.begin(), inputs.end());
     words.insert(words.end(), {"--output", output});
@@ -81,8 +82,8 @@ double grayOf(const std::string& path) {
 
 // A clip without loss whose frame n is gray with n * step.
 void countingClip(const std::string& path, int frames, int step, const std::string& rate = "25") {
-  ffmpeg("-f lavfi -i color=black:s=16x16:r=" + rate + ",format=gbrp,geq=r=N*" + std::to_string(step) +
-         ":g=N*" + std::to_string(step) + ":b=N*" + std::to_string(step) + " -frames:v " + std::to_string(frames) +
+  ffmpeg("-f lavfi -i color=black:s=16x16:r=" + rate + ",format=gbrp,geq=r=N*" + std::to_string(step) + ":g=N*" +
+         std::to_string(step) + ":b=N*" + std::to_string(step) + " -frames:v " + std::to_string(frames) +
          " -c:v ffv1 " + path);
 }
 
@@ -102,8 +103,10 @@ TEST_F(Clips, EffectsKeepFramesRateAudioAndColors) {
 TEST_F(Clips, NeutralLevelsLeaveLosslessFramesAsTheyAre) {
   for (const char* const format : {"gbrp", "gbrap", "gbrp16le", "gbrap16le"}) {
     const std::string source = at(std::string(format) + ".mkv");
-    ffmpeg("-f lavfi -i testsrc2=s=64x48:r=25:d=0.4 -vf format=rgba64le,geq=r='r(X,Y)':g='g(X,Y)':b='b(X,Y)':a='X*1000' "
-           "-pix_fmt " + std::string(format) + " -c:v ffv1 " + source);
+    ffmpeg(
+        "-f lavfi -i testsrc2=s=64x48:r=25:d=0.4 -vf format=rgba64le,geq=r='r(X,Y)':g='g(X,Y)':b='b(X,Y)':a='X*1000' "
+        "-pix_fmt " +
+        std::string(format) + " -c:v ffv1 " + source);
     vortoSucceeds(render("Levels", {source}, at("out.mkv"), {"--codec", "ffv1"}));
     EXPECT_EQ(probed(at("out.mkv"), "v", "stream=pix_fmt"), format);
     EXPECT_EQ(frameHashes(at("out.mkv"), format), frameHashes(source, format)) << format;
@@ -114,7 +117,8 @@ TEST_F(Clips, FramesOfAClipAreThoseOfItsOwnProgram) {
   vortoSucceeds(render("Levels", {at("in.mp4")}, at("f.%02d.png"), {"--frames", "7-9"}));
   ffmpeg("-i " + at("in.mp4") +
          " -vf scale=flags=accurate_rnd+full_chroma_int+full_chroma_inp:in_color_matrix=bt709:in_range=tv,format=gbrp "
-         "-start_number 0 " + at("g.%02d.png"));
+         "-start_number 0 " +
+         at("g.%02d.png"));
   EXPECT_FALSE(fs::exists(at("f.06.png")) || fs::exists(at("f.10.png")));
   for (const char* const number : {"07", "08", "09"}) {
     const TestImage ours = readImage(at(std::string("f.") + number + ".png"));
@@ -135,7 +139,8 @@ TEST_F(Clips, PartsAndRates) {
   const std::string whole = packetHashes(in);
   const std::string part = packetHashes(at("part.mp4"));
   EXPECT_LT(part.size(), whole.size() * 2 / 3);
-  EXPECT_NE(whole.find(part.substr(part.find('\n'))), std::string::npos) << "its packets follow one another in the source";
+  EXPECT_NE(whole.find(part.substr(part.find('\n'))), std::string::npos)
+      << "its packets follow one another in the source";
 
   vortoSucceeds(render("Levels", {in}, at("faster.mp4"), {"--fps", "50"}));
   EXPECT_EQ(probed(at("faster.mp4"), "v", "stream=r_frame_rate"), "50/1");
@@ -153,7 +158,8 @@ TEST_F(Clips, PartsAndRates) {
 }
 
 TEST_F(Clips, UnevenTimesStay) {
-  ffmpeg("-i " + at("in.mp4") + " -an -vf select='not(eq(mod(n\\,5)\\,3))' -vsync vfr -c:v libx264 " + at("uneven.mkv"));
+  ffmpeg("-i " + at("in.mp4") + " -an -vf select='not(eq(mod(n\\,5)\\,3))' -vsync vfr -c:v libx264 " +
+         at("uneven.mkv"));
   vortoSucceeds(render("Levels", {at("uneven.mkv")}, at("out.mkv")));
   const std::string times = probed(at("uneven.mkv"), "v", "frame=best_effort_timestamp_time");
   EXPECT_EQ(probed(at("out.mkv"), "v", "frame=best_effort_timestamp_time"), times);
@@ -179,7 +185,8 @@ TEST_F(Clips, InputsPlayTogether) {
     }
     EXPECT_FALSE(fs::exists(at(std::string(mode) + "." + std::to_string(shown.size()) + ".png"))) << mode;
   }
-  vortoSucceeds(render("Dissolve", {at("short.mkv"), at("s.%d.png")}, at("b.%d.png"), {"--time", "1", "--working-space", "raw"}));
+  vortoSucceeds(
+      render("Dissolve", {at("short.mkv"), at("s.%d.png")}, at("b.%d.png"), {"--time", "1", "--working-space", "raw"}));
   for (int frame = 0; frame < 6; ++frame) EXPECT_EQ(grayOf(at("b." + std::to_string(frame) + ".png")), 101 + frame);
 }
 
