@@ -4,12 +4,28 @@
 #include "Host/Clips/OpenClips.h"
 #include "Host/Commands/OptionValues.h"
 #include "Host/Commands/RenderTiming.h"
+#include "Host/Files/OutputFile.h"
 #include "Host/Files/PictureSink.h"
 #include "Host/Files/PictureWriting.h"
+#include "Host/Jobs/Coordinator.h"
+#include "Host/Jobs/Resume.h"
+#include "Host/Jobs/SharedInput.h"
+#include "Host/Jobs/Worker.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Messages/Progress.h"
+#include "Host/Messages/Remark.h"
 #include "Host/Rendering/Effects.h"
 #include "Host/Rendering/FrameRendering.h"
+#include "Registry/VRTExecutionTraits.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <filesystem>
+#include <memory>
+#include <numeric>
+#include <optional>
+#include <utility>
 
 namespace host {
 namespace {
@@ -33,35 +49,165 @@ RenderSetup setupOf(const RenderOptions& options) {
   return setup;
 }
 
-// In this process, one after another.
-void renderHere(FrameRendering& rendering, const RenderTiming& timing, PictureSink& sink) {
-  const RenderPlan& plan = timing.plan();
-  const PlanPart part = timing.part();
-  const OutputDescription output{sink.name(), [&](Depth depth) { return sink.format(depth); }};
-  if (!timing.isSingle()) rendering.begin(plan.frame(0), nullptr, output);
-  Progress progress(part.count);
-  for (std::uint64_t done = 0; done < part.count; ++done) {
-    const PlannedFrame frame = plan.frame(part.first + done);
-    sink.write(rendering.render(frame, output), frame.number);
-    progress.finished(done + 1);
+// The part of a clip's target that the command line says.
+ClipTarget clipTargetOf(const RenderOptions& options) {
+  ClipTarget target;
+  const std::string& format = options.encoding.format;
+  target.path = options.output;
+  target.container = format.empty() ? std::filesystem::path(options.output).extension().string().substr(1) : format;
+  target.settings = {options.clip.codec, options.clip.speed, options.clip.sampling, options.encoding.quality};
+  return target;
+}
+
+// What is written, and the pictures' sink where it is pictures.
+struct Output {
+  std::unique_ptr<PictureSink> sink;
+  JobOutput job;
+};
+
+Output outputOf(const RenderOptions& options) {
+  Output output;
+  output.job.isVerbose = options.isVerbose;
+  if (outputKindOf(options) == OutputKind::Clip) {
+    output.job.clip = clipTargetOf(options);
+    const ClipContainer& container = *clipContainerOf("." + output.job.clip.container);
+    const ClipSettings& settings = output.job.clip.settings;
+    checkClipSettings(clipCodecIn(container, settings.codec), settings);
+    output.job.clipHoldsAlpha = holdsAlpha(container, settings);
+    checkOutput(options.output);
+  } else {
+    output.sink =
+        std::make_unique<PictureSink>(options.output, options.encoding.format, parsedSettings(options.encoding),
+                                      options.timing.rate.value_or(25), options.isVerbose);
+    output.job.sink = output.sink.get();
   }
-  tellOfClipping(sink.clippedPixels(), rendering.inputs().colors().clippedSpace());
+  return output;
+}
+
+// A process beside this one would find it read.
+bool readsStandardInput(const RenderOptions& options) {
+  const auto isDash = [](const std::string& value) { return value.ends_with("=-"); };
+  return std::ranges::count(options.inputs, "-") > 0 || std::ranges::any_of(options.values, isDash);
+}
+
+unsigned jobsFor(const RenderOptions& options, bool keepsState) {
+  if (keepsState) return 1;
+  return options.jobs > 0 ? options.jobs : usualJobs();
+}
+
+void openClips(OpenClips& clips, const RenderOptions& options, const Inputs& inputs, unsigned jobs) {
+  const std::chrono::seconds patience(static_cast<std::int64_t>(std::ceil(options.clip.patience)));
+  for (std::size_t i = 0; i < inputs.count(); ++i) {
+    if (inputs.kind(i) == Inputs::Kind::Clip) clips.open(i, inputs.path(i), slotsOfClip(jobs), patience);
+  }
+}
+
+void checkResumable(const RenderOptions& options, bool keepsState) {
+  if (outputKindOf(options) != OutputKind::Sequence) {
+    throw Failure(ExitCode::Usage, "--resume: --output " + options.output +
+                                       " is written as a whole; only the files of a sequence are there or missing");
+  }
+  if (keepsState) {
+    throw Failure(ExitCode::Usage, "--resume: the effect \"" + options.effect +
+                                       "\" keeps a state from frame to frame, or does not say that it keeps none: a "
+                                       "frame cannot be rendered without those before it");
+  }
+}
+
+// Of the plan's frames those that are to be rendered.
+std::vector<std::uint64_t> framesToRender(const RenderOptions& options, const RenderTiming& timing,
+                                          const Output& output) {
+  const PlanPart part = timing.part();
+  std::vector<std::uint64_t> frames(part.count);
+  std::iota(frames.begin(), frames.end(), part.first);
+  if (!options.isResumed) return frames;
+  std::vector<std::uint64_t> missing =
+      missingFrames(timing.plan(), frames, *framePattern(options.output), output.sink->format(Depth::Bits8));
+  remark(std::to_string(frames.size() - missing.size()) + " of " + std::to_string(frames.size()) +
+         (frames.size() == 1 ? " frame is" : " frames are") + " there already");
+  return missing;
+}
+
+// In this process, one after another.
+void renderHere(FrameRendering& rendering, const RenderTiming& timing, const std::vector<std::uint64_t>& frames,
+                const Output& output) {
+  const OutputDescription description = output.job.description();
+  if (!timing.isSingle()) {
+    rendering.begin(timing.plan().frame(0), nullptr, description);
+    rewindSharedInput();
+  }
+  Progress progress(frames.size());
+  std::uint64_t done = 0;
+  for (const std::uint64_t index : frames) {
+    const PlannedFrame frame = timing.plan().frame(index);
+    output.sink->write(rendering.render(frame, description), frame.number);
+    progress.finished(++done);
+  }
+  tellOfClipping(output.sink->clippedPixels(), rendering.inputs().colors().clippedSpace());
+}
+
+std::vector<std::string> workerArguments(const RenderOptions& options) {
+  std::vector<std::string> arguments = options.commandLine;
+  arguments.insert(arguments.begin() + 1, "--worker");  // behind "render": what follows -- is no option
+  return arguments;
+}
+
+void renderBesides(const RenderOptions& options, const RenderTiming& timing, JobRun run) {
+  run.plan = &timing.plan();
+  run.arguments = workerArguments(options);
+  if (run.output.isClip()) {
+    const PlanPart part = timing.part();
+    const RenderPlan& plan = timing.plan();
+    run.output.clip.rate = plan.rate();
+    run.output.clip.timeBase = plan.timeBase();
+    run.output.clip.audio = timing.audio();
+    ClipWriter::checkAudio(run.output.clip);
+    const std::uint64_t end = part.first + part.count;
+    run.end = end < plan.count() ? plan.frame(end).shown : plan.end();
+  }
+  renderInJobs(run);
 }
 
 }  // namespace
 
 void runRender(const RenderOptions& options) {
+  if (options.isWorker) {
+    Output output;
+    return runWorker([&] {
+      output = outputOf(options);
+      return WorkerParts{setupOf(options), output.job};
+    });
+  }
   checkTime(options.time);
   if (options.timing.rate) checkRate(*options.timing.rate);
   const RenderSetup setup = setupOf(options);
-  PictureSink sink(options.output, options.encoding.format, parsedSettings(options.encoding),
-                   options.timing.rate.value_or(25), options.isVerbose);
+  const Output output = outputOf(options);
+  std::optional<SharedInput> input;
+  if (outputKindOf(options) != OutputKind::Picture && readsStandardInput(options)) input.emplace();
 
   loadEffects();
   FrameRendering rendering(setup);
+  const bool hasState = keepsState(rendering.effect().patch());
+  if (options.isResumed) checkResumable(options, hasState);
+  const unsigned jobs = jobsFor(options, hasState);
   OpenClips clips(setup.inputs.size());
+  openClips(clips, options, rendering.inputs(), jobs);
   const RenderTiming timing(options, rendering.effect().kind(), rendering.inputs(), clips.infos());
-  renderHere(rendering, timing, sink);
+  const std::vector<std::uint64_t> frames = framesToRender(options, timing, output);
+  if (frames.empty()) return;
+  const auto workers = static_cast<unsigned>(std::min<std::uint64_t>(jobs, frames.size()));
+  if (workers == 1 && output.sink && !rendering.inputs().haveClip()) {
+    renderHere(rendering, timing, frames, output);
+    return;
+  }
+  JobRun run;
+  run.frames = frames;
+  run.workers = workers;
+  run.keepsState = hasState;
+  run.clips = &clips;
+  run.input = input ? &*input : nullptr;
+  run.output = output.job;
+  renderBesides(options, timing, std::move(run));
 }
 
 }  // namespace host

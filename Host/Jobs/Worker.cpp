@@ -2,6 +2,7 @@
 #include "Host/Jobs/Worker.h"
 
 #include "Host/Jobs/FrameOutput.h"
+#include "Host/Jobs/SharedInput.h"
 #include "Host/Jobs/SlotClips.h"
 #include "Host/Jobs/Task.h"
 #include "Host/Messages/Failure.h"
@@ -77,6 +78,7 @@ class Worker {
     clips_ = std::make_unique<SlotClips>(hello.clips, parts_->setup.inputs, slots_);
     const RemarksRedirected remarks([&](Remark remark) { firstRemarks_.push_back(std::move(remark)); });
     rendering_->begin(hello.first, clips_.get(), parts_->output.description());
+    rewindSharedInput();
   }
 
   void render(const FrameTask& task, FrameResult* result) {

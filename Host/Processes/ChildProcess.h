@@ -28,6 +28,7 @@ class ChildProcess {
   ~ChildProcess();  // stop()
 
   MessageSocket& socket() { return socket_; }
+  const MessageSocket& socket() const { return socket_; }
   pid_t id() const { return id_; }
 
   // Ends it, unless it has ended already: by a signal at which it can clear up, after a second by one at which it
