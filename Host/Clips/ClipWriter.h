@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include "Host/Clips/ClipFormats.h"
 #include "Host/ImageFiles/FileMetadata.h"
 #include "Host/Processes/ChildProcess.h"
 #include "Host/Processes/FrameSlots.h"
@@ -10,14 +11,6 @@
 #include <string>
 
 namespace host {
-
-// How a clip is written, as the user says it.
-struct ClipSettings {
-  std::string codec;     // as ClipFormats.h names it; empty: the container's usual
-  std::string speed;     // of encoders that know presets: as theirs, "fast", "medium"; empty: the encoder's own
-  std::string sampling;  // "420", "422", "444", "rgb"; empty: the codec's usual
-  int quality = -1;      // 1 to 100 of codecs that lose; -1: the usual
-};
 
 // Whose audio goes into a clip as it is: packets from `start` on, for `duration`, in seconds of that file's frames.
 struct ClipAudio {
@@ -39,25 +32,30 @@ struct ClipTarget {
   std::optional<ClipAudio> audio;
 };
 
-// A clip that a process of its own encodes. The old file stays as it is until finish() has succeeded; a writer that is
-// destroyed before leaves nothing.
+// A clip that a process of its own encodes (vorto-clips), so that a fault in a codec ends that one and not the host.
+// The old file stays as it is until finish() has succeeded; a writer that is destroyed before leaves nothing.
 class ClipWriter {
  public:
   // Throws Failure naming the file when such a clip cannot be written. Frames come from `slots`, which outlive it.
   ClipWriter(const ClipTarget& target, FrameSlots& slots);
+  ClipWriter(ClipWriter&& other) noexcept = default;
+  ClipWriter& operator=(ClipWriter&& other) = delete;
+  ~ClipWriter();
 
-  // Throws Failure before any work is done when the audio cannot go into such a file, or cannot be read.
+  // Throws Failure before any work is done when the audio cannot go into such a file, or cannot be read. Of the target
+  // only path, container, settings' codec and audio count.
   static void checkAudio(const ClipTarget& target);
 
-  // The frame in a slot, shown from `time` on, which ascends; the slot must stay as it is until written() has returned
-  // it.
+  // The frame in a slot, of the target's kind, shown from `time` on, which ascends; the slot must stay as it is until
+  // written() has returned it. Does not wait for the frame to be taken. Throws Failure naming the file.
   void write(std::size_t slot, std::int64_t time);
 
   int descriptor() const { return process_.socket().descriptor(); }  // readable when written() has something to say
-  // The next slot whose frame has been taken: waits for it. Throws Failure naming the file.
+  // The next slot whose frame has been taken: waits for it, so there must be one. Throws Failure naming the file.
   std::size_t written();
 
-  // After all frames were written: `end` is the time at which the last one is over. Throws Failure.
+  // After all frames were written, at least one: `end` is the time at which the last one is over. Slots that written()
+  // has not returned are free afterwards. Throws Failure.
   void finish(std::int64_t end);
 
  private:

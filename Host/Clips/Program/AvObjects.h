@@ -21,12 +21,9 @@ struct InputDeleter {
     if (isOwnFile) avio_closep(&file);
   }
 };
-// An output; its file is closed with it.
+// An output; its file belongs to who opened it.
 struct OutputDeleter {
-  void operator()(AVFormatContext* context) const {
-    if (context->pb && !(context->oformat->flags & AVFMT_NOFILE)) avio_closep(&context->pb);
-    avformat_free_context(context);
-  }
+  void operator()(AVFormatContext* context) const { avformat_free_context(context); }
 };
 struct CodecDeleter {
   void operator()(AVCodecContext* context) const { avcodec_free_context(&context); }

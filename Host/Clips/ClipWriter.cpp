@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Host/Clips/ClipWriter.h"
+
+#include "Host/Clips/WriterMessages.h"
+#include "Host/Messages/Failure.h"
+
+#include <csignal>
+
+namespace host {
+namespace {
+
+const char* const kProgram = "vorto-clips";
+
+MessageWriter order(WriterOrder kind) {
+  MessageWriter message;
+  message.value(kind);
+  return message;
+}
+
+[[noreturn]] void refuseEnding(const std::string& path, ChildProcess& process) {
+  throw Failure(ExitCode::Output, "cannot write " + path + ": the process that writes it failed: " + process.ending());
+}
+
+// The process's next report, whose kind is taken already. Throws Failure for one of a failure, and for none.
+struct Report {
+  Bytes bytes;
+  WriterReport kind = WriterReport::Ready;
+  std::size_t slot = 0;
+};
+
+Report nextReport(const std::string& path, ChildProcess& process) {
+  Report report;
+  if (!process.socket().receive(&report.bytes)) refuseEnding(path, process);
+  MessageReader reader(report.bytes);
+  report.kind = reader.value<WriterReport>();
+  if (report.kind == WriterReport::Failed) {
+    const auto code = reader.value<ExitCode>();
+    throw Failure(code, reader.text());
+  }
+  if (report.kind == WriterReport::Written) report.slot = reader.value<std::uint64_t>();
+  return report;
+}
+
+// A process that is gone may have said why before: that is found behind what else it reported.
+void send(const std::string& path, ChildProcess& process, const MessageWriter& message) {
+  if (process.socket().send(message.message())) return;
+  for (;;) nextReport(path, process);
+}
+
+}  // namespace
+
+ClipWriter::ClipWriter(const ClipTarget& target, FrameSlots& slots)
+    : path_(target.path), process_(helperProgram(kProgram), {"write"}, slots.descriptors()) {
+  MessageWriter message = order(WriterOrder::Open);
+  put(message, target);
+  message.value<std::uint64_t>(slots.count());
+  send(path_, process_, message);
+  nextReport(path_, process_);
+}
+
+// Asked to end, it removes what it has begun.
+ClipWriter::~ClipWriter() {
+  if (process_.id() < 0) return;
+  ::kill(process_.id(), SIGTERM);
+  process_.ending();
+}
+
+void ClipWriter::checkAudio(const ClipTarget& target) {
+  if (!target.audio) return;
+  ChildProcess process(helperProgram(kProgram), {"write"}, {});
+  MessageWriter message = order(WriterOrder::CheckAudio);
+  put(message, target);
+  send(target.path, process, message);
+  nextReport(target.path, process);
+}
+
+void ClipWriter::write(std::size_t slot, std::int64_t time) {
+  MessageWriter message = order(WriterOrder::Write);
+  message.value<std::uint64_t>(slot);
+  message.value(time);
+  send(path_, process_, message);
+}
+
+std::size_t ClipWriter::written() {
+  return nextReport(path_, process_).slot;
+}
+
+void ClipWriter::finish(std::int64_t end) {
+  MessageWriter message = order(WriterOrder::Finish);
+  message.value(end);
+  send(path_, process_, message);
+  while (nextReport(path_, process_).kind != WriterReport::Finished) {
+  }
+}
+
+}  // namespace host

@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Host/Clips/Program/ClipMuxer.h"
+
+#include "Host/Clips/Program/AvErrors.h"
+#include "Host/Clips/Program/EncoderSetup.h"
+#include "Host/Messages/Failure.h"
+
+#include <array>
+#include <cstdio>
+#include <new>
+
+namespace host {
+namespace {
+
+// Two digits, coded in binary.
+int digits(std::uint32_t packed, int shift, std::uint32_t tensMask) {
+  return static_cast<int>((packed >> shift & 0xf) + 10 * (packed >> (shift + 4) & tensMask));
+}
+
+// "01:02:03:04", with a semicolon where frames are dropped.
+std::string timeCodeText(const TimeCode& code) {
+  const std::uint32_t packed = code.timeAndFlags;
+  const bool dropsFrames = (packed >> 6 & 1) != 0;
+  std::array<char, 32> text;
+  std::snprintf(text.data(), text.size(), "%02d:%02d:%02d%c%02d", digits(packed, 24, 3), digits(packed, 16, 7),
+                digits(packed, 8, 7), dropsFrames ? ';' : ':', digits(packed, 0, 3));
+  return text.data();
+}
+
+}  // namespace
+
+const char* muxerName(const ClipContainer& container) {
+  const std::string name = container.name;
+  if (name == "MP4") return "mp4";
+  if (name == "QuickTime") return "mov";
+  if (name == "Matroska") return "matroska";
+  return name == "WebM" ? "webm" : "avi";
+}
+
+ClipMuxer::ClipMuxer(const ClipTarget& target, const ClipContainer& container) : target_(target), file_(target.path) {
+  AVFormatContext* context = nullptr;
+  check(avformat_alloc_output_context2(&context, nullptr, muxerName(container), nullptr));
+  context_.reset(context);
+  // No dates, versions or random numbers in the file.
+  context->flags |= AVFMT_FLAG_BITEXACT;
+  file_.connect(*context);
+}
+
+bool ClipMuxer::wantsHeader() const {
+  return (context_->oformat->flags & AVFMT_GLOBALHEADER) != 0;
+}
+
+AVStream& ClipMuxer::newStream() {
+  AVStream* stream = avformat_new_stream(context_.get(), nullptr);
+  if (!stream) throw std::bad_alloc();
+  return *stream;
+}
+
+void ClipMuxer::addVideo(const AVCodecContext& encoder) {
+  AVStream& stream = newStream();
+  check(avcodec_parameters_from_context(stream.codecpar, &encoder));
+  // Players of Apple's kind want what decoders need first in the header, and a name that says so.
+  const bool isMp4 = context_->oformat->codec_tag && wantsHeader() && std::string(context_->oformat->name) != "avi";
+  if (encoder.codec_id == AV_CODEC_ID_HEVC && isMp4) stream.codecpar->codec_tag = MKTAG('h', 'v', 'c', '1');
+  const bool isAvi = std::string(context_->oformat->name) == "avi";
+  stream.time_base = isAvi ? encoder.time_base : avRational(target_.timeBase);
+  stream.avg_frame_rate = encoder.framerate;
+  stream.r_frame_rate = encoder.framerate;
+  stream.sample_aspect_ratio = encoder.sample_aspect_ratio;
+  stream.disposition = AV_DISPOSITION_DEFAULT;
+  if (target_.metadata.timeCode) {
+    av_dict_set(&stream.metadata, "timecode", timeCodeText(*target_.metadata.timeCode).c_str(), 0);
+  }
+}
+
+void ClipMuxer::addAudio(const AVStream& source) {
+  AVStream& stream = newStream();
+  check(avcodec_parameters_copy(stream.codecpar, source.codecpar));
+  stream.codecpar->codec_tag = 0;
+  stream.time_base = source.time_base;
+  stream.disposition = source.disposition;
+  for (const char* key : {"language", "title"}) {
+    const AVDictionaryEntry* entry = av_dict_get(source.metadata, key, nullptr, 0);
+    if (entry) av_dict_set(&stream.metadata, key, entry->value, 0);
+  }
+}
+
+void ClipMuxer::begin() {
+  AVDictionary* options = nullptr;
+  // What players need first comes first.
+  if (std::string(context_->oformat->name) == "mp4") av_dict_set(&options, "movflags", "+faststart", 0);
+  const LoggedError logged;
+  const int error = avformat_write_header(context_.get(), &options);
+  av_dict_free(&options);
+  check(error, error < 0 ? logged.reason(error) : "");
+}
+
+void ClipMuxer::write(AVPacket& packet, int stream, AVRational unit) {
+  packet.stream_index = stream;
+  av_packet_rescale_ts(&packet, unit, context_->streams[stream]->time_base);
+  const LoggedError logged;
+  const int error = av_write_frame(context_.get(), &packet);
+  check(error, error < 0 ? logged.reason(error) : "");
+  check(context_->pb->error);
+}
+
+void ClipMuxer::finish() {
+  const LoggedError logged;
+  const int error = av_write_trailer(context_.get());
+  check(error, error < 0 ? logged.reason(error) : "");
+  avio_flush(context_->pb);
+  check(context_->pb->error);
+  file_.commit();
+}
+
+// That the file could not be written comes first, as all else follows from it.
+void ClipMuxer::check(int error, const std::string& logged) {
+  if (error >= 0 && file_.fault().empty()) return;
+  const std::string reason = !file_.fault().empty() ? file_.fault() : logged.empty() ? avErrorText(error) : logged;
+  throw Failure(ExitCode::Output, "cannot write " + target_.path + ": " + reason);
+}
+
+}  // namespace host

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include "Host/Clips/ClipWriter.h"
+#include "Host/Clips/Program/AvObjects.h"
+#include "Host/Clips/Program/MuxFile.h"
+
+namespace host {
+
+// The library's name of the muxer of a container's files.
+const char* muxerName(const ClipContainer& container);
+
+// Puts packets into a file. All of it throws Failure naming the file.
+class ClipMuxer {
+ public:
+  // Opens the file; the target outlives it.
+  ClipMuxer(const ClipTarget& target, const ClipContainer& container);
+
+  bool wantsHeader() const;  // encoders put what decoders need first into the file's header
+
+  // Streams, the video first; then begin().
+  void addVideo(const AVCodecContext& encoder);
+  void addAudio(const AVStream& source);
+  void begin();
+
+  // A packet of a stream, its times in a unit, in the order of decoding times over all streams.
+  void write(AVPacket& packet, int stream, AVRational unit);
+
+  // Completes the file, which then is in its place.
+  void finish();
+
+ private:
+  void check(int error, const std::string& logged = "");
+  AVStream& newStream();
+
+  const ClipTarget& target_;
+  MuxFile file_;
+  AvOutput context_;
+};
+
+}  // namespace host
