@@ -22,8 +22,8 @@ bool isSaneSize(const PictureInfo& picture) {
 
 bool isSane(const ClipInfo& info) {
   const PictureInfo& picture = info.picture;
-  return isSaneSize(picture) && info.rate.numerator > 0 && info.timeBase.numerator > 0 &&
-         !info.times.empty() && std::ranges::is_sorted(info.times, std::less_equal<>()) && info.end > info.times.back();
+  return isSaneSize(picture) && info.rate.numerator > 0 && info.timeBase.numerator > 0 && !info.times.empty() &&
+         std::ranges::is_sorted(info.times, std::less_equal<>()) && info.end > info.times.back();
 }
 
 void put(MessageWriter& message, const PictureInfo& picture) {

@@ -3,6 +3,7 @@
 
 #include "Host/Clips/Program/AvErrors.h"
 #include "Host/Clips/Program/ClipMuxer.h"
+#include "Host/Clips/Program/OpenInput.h"
 #include "Host/Messages/Failure.h"
 
 #include <algorithm>
@@ -23,6 +24,12 @@ bool isHeld(const ClipContainer& container, AVCodecID codec) {
   if (container.name == std::string_view("AVI")) return std::ranges::count(kInAvi, codec) > 0;
   const AVOutputFormat* format = av_guess_format(muxerName(container), nullptr, nullptr);
   return format && avformat_query_codec(format, codec, FF_COMPLIANCE_NORMAL) == 1;
+}
+
+// How many samples decoders leave out at first: files of two kinds state it in different places.
+std::int64_t leftOut(const AVCodecParameters& codec) {
+  if (codec.codec_id != AV_CODEC_ID_OPUS || codec.extradata_size < 12) return codec.initial_padding;
+  return codec.extradata[10] + 256 * codec.extradata[11];
 }
 
 std::string codecTitle(AVCodecID codec) {
@@ -60,15 +67,11 @@ void AudioPackets::refuse(const std::string& reason) const {
 }
 
 void AudioPackets::open() {
-  AVDictionary* options = nullptr;
-  av_dict_set(&options, "protocol_whitelist", "file", 0);
-  AVFormatContext* context = nullptr;
-  const LoggedError logged;
-  const int error = avformat_open_input(&context, ("file:" + audio_.path).c_str(), nullptr, &options);
-  av_dict_free(&options);
-  if (error < 0) refuse("its audio cannot be read: " + logged.reason(error));
-  input_.reset(context);
-  if (avformat_find_stream_info(context, nullptr) < 0) refuse("its audio cannot be read");
+  try {
+    input_ = openInput(audio_.path, Wanted::Audio);
+  } catch (const Failure& failure) {
+    refuse(std::string("its audio cannot be read: ") + failure.what());
+  }
 }
 
 void AudioPackets::chooseTracks(const ClipContainer& container) {
@@ -99,7 +102,8 @@ void AudioPackets::findBounds() {
     const double rate = track.unit.den;
     track.start = std::llround(start * rate);
     track.end = audio_.duration ? std::llround(*audio_.duration * rate) : kForever;
-    track.earliest = hasEditLists_ ? 0 : -track.stream->codecpar->initial_padding;
+    track.earliest = hasEditLists_ ? 0 : -leftOut(*track.stream->codecpar);
+    track.grain = av_rescale_q_rnd(1, track.stream->time_base, track.unit, AV_ROUND_UP);
   }
   // Tracks lie beside each other, though not exactly.
   const auto early = static_cast<std::int64_t>((start - 2) * AV_TIME_BASE);
@@ -142,6 +146,8 @@ void AudioPackets::add(AvPacket packet, std::size_t index) {
     track.isOver = true;
     return;
   }
+  const std::int64_t early = track.earliest - packet->pts;
+  if (early > 0 && early < track.grain) packet->pts = packet->dts = track.earliest;
   if (packet->pts < track.earliest) {
     if (hasEditLists_) track.before = std::move(packet);
     return;

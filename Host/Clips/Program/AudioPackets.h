@@ -35,6 +35,7 @@ class AudioPackets {
     std::int64_t start = 0;              // in units of the file's own time
     std::int64_t end = 0;                // relative to the start; not included
     std::int64_t earliest = 0;           // of times of packets, relative to the start
+    std::int64_t grain = 0;              // how exact its times are
     std::int64_t last = AV_NOPTS_VALUE;  // what av_rescale_delta() keeps
     AvPacket before;                     // the last packet in front of `earliest`, where it may be kept
     bool isOver = false;

@@ -43,6 +43,8 @@ ClipMuxer::ClipMuxer(const ClipTarget& target, const ClipContainer& container) :
   context_.reset(context);
   // No dates, versions or random numbers in the file.
   context->flags |= AVFMT_FLAG_BITEXACT;
+  // What comes before 0 decoders leave out.
+  context->avoid_negative_ts = 0;
   file_.connect(*context);
 }
 
