@@ -26,12 +26,6 @@ bool isHeld(const ClipContainer& container, AVCodecID codec) {
   return format && avformat_query_codec(format, codec, FF_COMPLIANCE_NORMAL) == 1;
 }
 
-// How many samples decoders leave out at first: files of two kinds state it in different places.
-std::int64_t leftOut(const AVCodecParameters& codec) {
-  if (codec.codec_id != AV_CODEC_ID_OPUS || codec.extradata_size < 12) return codec.initial_padding;
-  return codec.extradata[10] + 256 * codec.extradata[11];
-}
-
 std::string codecTitle(AVCodecID codec) {
   std::string name = avcodec_get_name(codec);
   for (char& c : name) {
@@ -52,6 +46,11 @@ std::int64_t firstFrameTime(const AVFormatContext& input) {
 }
 
 }  // namespace
+
+int opusPadding(const AVCodecParameters& codec) {
+  if (codec.codec_id != AV_CODEC_ID_OPUS || codec.extradata_size < 12) return 0;
+  return codec.extradata[10] + 256 * codec.extradata[11];
+}
 
 AudioPackets::AudioPackets(const ClipAudio& audio, const ClipContainer& container)
     : audio_(audio),
@@ -102,7 +101,7 @@ void AudioPackets::findBounds() {
     const double rate = track.unit.den;
     track.start = std::llround(start * rate);
     track.end = audio_.duration ? std::llround(*audio_.duration * rate) : kForever;
-    track.earliest = hasEditLists_ ? 0 : -leftOut(*track.stream->codecpar);
+    track.earliest = hasEditLists_ ? 0 : -opusPadding(*track.stream->codecpar);
     track.grain = av_rescale_q_rnd(1, track.stream->time_base, track.unit, AV_ROUND_UP);
   }
   // Tracks lie beside each other, though not exactly.

@@ -10,6 +10,9 @@
 
 namespace host {
 
+// How many samples a decoder of Opus leaves out at first; 0 of other codecs.
+int opusPadding(const AVCodecParameters& codec);
+
 // The audio of a file, packet by packet as it is there, from a moment on that becomes 0.
 class AudioPackets {
  public:

@@ -11,13 +11,14 @@ namespace host {
 struct YuvKind {
   double red = 0.2126;
   double blue = 0.0722;
-  int bits = 8;              // of the result, 8 to 16: in bytes at 8, else in the low bits of 16
-  bool isHalfWide = false;   // chroma has half the columns, each where the left one of two stands, weighted 1 2 1
-  bool isHalfHigh = false;   // and half the rows, each between two; edges are repeated
+  int bits = 8;             // of the result, 8 to 16: in bytes at 8, else in the low bits of 16
+  bool isHalfWide = false;  // chroma has half the columns, each where the left one of two stands, weighted 1 2 1
+  bool isHalfHigh = false;  // and half the rows, each between two; edges are repeated
 };
 
 // Packed RGB, of bytes or of 16 bits, that becomes planes, row by row. Computed in floats, every value rounded once:
-// within 0.51 steps of the definition at up to 12 bits, 0.6 at 16. What a processor's instructions are makes no difference.
+// within 0.51 steps of the definition at up to 12 bits, 0.6 at 16. What a processor's instructions are makes no
+// difference.
 class YuvRows {
  public:
   // `samples` a pixel, 3 or 4 of which the last is alpha; `bytes` each, 1 or 2.
@@ -38,7 +39,7 @@ class YuvRows {
   std::size_t samples_;
   std::size_t bytes_;
   std::size_t stride_;
-  float luma_[4] = {};    // by red, green and blue; what is added
+  float luma_[4] = {};  // by red, green and blue; what is added
   float chroma_[2][4] = {};
   std::vector<float> values_;  // planes of one row: its red, green and blue, and their sums over rows of chroma
   int rows_ = 0;               // that are in the sums

@@ -10,8 +10,8 @@ struct Stored {
   const char* sampling;
   int bits;
   int primaries;
-  double kr, kb;      // of the matrix that goes with them
-  double luma;        // the largest error, in steps of the stored depth
+  double kr, kb;  // of the matrix that goes with them
+  double luma;    // the largest error, in steps of the stored depth
   double chroma;
 };
 
@@ -101,23 +101,17 @@ TEST_P(WriteColors, AreWhatTheDefinitionSays) {
       }
     }
   }
-  printf("%s %d: luma max %.3f mean %.3f, chroma max %.3f mean %.3f\n", stored.sampling, stored.bits, luma.largest,
-         luma.sum / static_cast<double>(luma.count), chroma.largest, chroma.sum / static_cast<double>(chroma.count));
   EXPECT_LE(luma.largest, stored.luma);
   EXPECT_LE(chroma.largest, stored.chroma);
 }
 
-INSTANTIATE_TEST_SUITE_P(All, WriteColors,
-                         testing::Values(Stored{"444", 8, 1, 0.2126, 0.0722, 0.51, 0.51},
-                                         Stored{"422", 8, 1, 0.2126, 0.0722, 0.51, 0.51},
-                                         Stored{"420", 8, 1, 0.2126, 0.0722, 0.51, 0.51},
-                                         Stored{"420", 8, 6, 0.299, 0.114, 0.51, 0.51},
-                                         Stored{"420", 8, 5, 0.299, 0.114, 0.51, 0.51},
-                                         Stored{"444", 10, 1, 0.2126, 0.0722, 0.51, 0.51},
-                                         Stored{"422", 10, 1, 0.2126, 0.0722, 0.51, 0.51},
-                                         Stored{"420", 10, 9, 0.2627, 0.0593, 0.51, 0.51},
-                                         Stored{"444", 12, 1, 0.2126, 0.0722, 0.51, 0.51},
-                                         Stored{"444", 16, 1, 0.2126, 0.0722, 0.6, 0.6}),
-                         nameOf);
+INSTANTIATE_TEST_SUITE_P(
+    All, WriteColors,
+    testing::Values(Stored{"444", 8, 1, 0.2126, 0.0722, 0.51, 0.51}, Stored{"422", 8, 1, 0.2126, 0.0722, 0.51, 0.51},
+                    Stored{"420", 8, 1, 0.2126, 0.0722, 0.51, 0.51}, Stored{"420", 8, 6, 0.299, 0.114, 0.51, 0.51},
+                    Stored{"420", 8, 5, 0.299, 0.114, 0.51, 0.51}, Stored{"444", 10, 1, 0.2126, 0.0722, 0.51, 0.51},
+                    Stored{"422", 10, 1, 0.2126, 0.0722, 0.51, 0.51}, Stored{"420", 10, 9, 0.2627, 0.0593, 0.51, 0.51},
+                    Stored{"444", 12, 1, 0.2126, 0.0722, 0.51, 0.51}, Stored{"444", 16, 1, 0.2126, 0.0722, 0.6, 0.6}),
+    nameOf);
 
 }  // namespace
