@@ -34,6 +34,8 @@ PropertyList effectAttributes(const std::string& name, const std::string& descri
   attributes.set("name", PropertyList::string(name));
   attributes.set("description", PropertyList::string(description));
   attributes.set("protocols", std::move(protocols));
+  attributes.set("dependsOnTime", PropertyList::boolean(false));
+  attributes.set("keepsState", PropertyList::boolean(false));
   return attributes;
 }
 

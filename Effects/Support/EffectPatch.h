@@ -28,7 +28,8 @@ class EffectPatch : public QCPatch {
   std::shared_ptr<QCImagePort> outputImage_;
 };
 
-// The attributes of an effect of one kind; `roles` names the ports that play the kind's roles.
+// The attributes of an effect of one kind that depends on its ports alone; `roles` names the ports that play the kind's
+// roles.
 PropertyList effectAttributes(const std::string& name, const std::string& description, const std::string& kind,
                               std::initializer_list<std::pair<const char*, const char*>> roles);
 

@@ -4,11 +4,13 @@
 namespace vorto::effects {
 
 PropertyList TransitionPatch::describe(const std::string& name, const std::string& description) {
-  return effectAttributes(name, description, "transition",
-                          {{"inputImageAPort", "inputImageA"},
-                           {"inputImageBPort", "inputImageB"},
-                           {"inputTimePort", "inputTime"},
-                           {"outputImagePort", "outputImage"}});
+  PropertyList attributes = effectAttributes(name, description, "transition",
+                                             {{"inputImageAPort", "inputImageA"},
+                                              {"inputImageBPort", "inputImageB"},
+                                              {"inputTimePort", "inputTime"},
+                                              {"outputImagePort", "outputImage"}});
+  attributes.set("dependsOnTime", PropertyList::boolean(true));
+  return attributes;
 }
 
 TransitionPatch::TransitionPatch(PropertyList attributes) : EffectPatch(std::move(attributes)) {

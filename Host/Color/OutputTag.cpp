@@ -27,6 +27,15 @@ OutputTag exrTag(const ColorSpace& space) {
   return result;
 }
 
+// Code points alone: what a codec's bitstream and a container hold.
+OutputTag clipTag(const ColorSpace& space) {
+  OutputTag result;
+  if (space.kind == ColorSpace::Kind::Known) result.tag.codePoints = factsOf(space.known).codePoints;
+  if (space.kind == ColorSpace::Kind::Stated) result.tag.codePoints = space.codes;
+  result.isComplete = result.tag.codePoints.has_value();
+  return result;
+}
+
 ColorTag pngSRgbTag() {
   ColorTag tag;
   tag.sRGBIntent = 0;  // perceptual
@@ -41,6 +50,7 @@ OutputTag tagOfSpace(const ColorSpace& space, FileFormat format, std::optional<b
   OutputTag result;
   if (space.kind == ColorSpace::Kind::Raw) return result;
   if (format == FileFormat::Exr) return exrTag(space);
+  if (format == FileFormat::Clip) return clipTag(space);
   if (isKnown(space, KnownSpace::SRgb)) {
     if (format == FileFormat::Png) result.tag = pngSRgbTag();
     return result;
@@ -86,6 +96,11 @@ std::optional<ColorTag> keptTag(const ColorTag& stated, const ColorSpace& space,
     if (isOfPng || (!tag.primaries && tag.name.empty())) return std::nullopt;
     kept.primaries = tag.primaries;
     kept.name = tag.name;
+    return kept;
+  }
+  if (format == FileFormat::Clip) {
+    if (!tag.codePoints) return std::nullopt;
+    kept.codePoints = tag.codePoints;
     return kept;
   }
   if (tag.iccProfile.empty() || !traitsOf(format).holdsProfiles) return std::nullopt;

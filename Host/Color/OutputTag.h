@@ -21,6 +21,7 @@ struct OutputTag {
 //                         that know one of them only
 //   JPEG, TIFF            a profile; sRGB needs none
 //   EXR                   chromaticities, and colorInteropID where the space has such a name
+//   clips                 code points
 //   others                nothing
 OutputTag tagOfSpace(const ColorSpace& space, FileFormat format, std::optional<bool> isGray);
 

@@ -16,7 +16,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
-#include <new>
 
 namespace host {
 namespace {
@@ -63,14 +62,25 @@ are; yuv422 as argb8; rgb16, la16 and l16 as rgba16; rgbahalf as rgbafloat); the
 and is written in its depth. Without alpha a picture is shown over black; luminance is 0.299 red + 0.587 green + 0.114
 blue.
 
-Sequences have the frame's number in the name, %d or %04d. All inputs with one run over the same frames; other inputs
-stay. The time of a transition goes from 0 at the first frame to 1 at the last; other effects get seconds, (frame -
-first) / rate. Frames that were written before a failure stay.
+Sequences have the frame's number in the name, %d or %04d. All inputs with one run over the same frames, unless
+--when-short says what a shorter one does; stills stay. The time of a transition goes from 0 at the first frame to 1 at the
+last; other effects get seconds since the first. Frames that were written before a failure stay.
+
+Clips are read from MP4, MOV, MKV, WebM, AVI and others, and written as .mp4, .mov, .mkv, .webm or .avi. The first clip
+leads: its frames come one by one at their own times, counted from 0, and other clips and sequences show the frame that is
+nearest in time. Audio goes along as it is. Their colors are those of displays, Rec.709 unless the clip says otherwise; 10
+and 12 bits are worked on in 16. A damaged clip is rendered as far as it can be read, which is said.
+
+Frames are rendered by as many processes as there are cores; --jobs says how many. The files are the same. Effects that
+keep a state from frame to frame have one.
 
 Examples:
   vorto render "Gradient Map" --input photo.png --state gradient=sunset.plist --output out.png
   vorto render Dissolve --input a.png b.png --time 0.5 --size 1920x1080 --output mix.tif
   vorto render Levels --input in.%04d.exr --state levels=grade.plist --output out.%04d.exr
+  vorto render "Gradient Map" --input clip.mov --start 0:10 --duration 5 --output graded.mp4 --quality 80
+  vorto render Over --input clip.mp4 logo.png --output out.mov --codec prores
+  vorto render Levels --input in.%04d.exr --frames 1-96x8 --chunk 3 --resume --output out.%04d.exr
   vorto render Checkerboard --size 640x480 --set "first color=#202020" --output board.png
   vorto render "Gradient Map" --input photo.png --set "gradient=#102040 0%, #ff8800 smooth 50%, white" --output out.png
   vorto render Levels --input photo.png --set levels.gamma=1.2 --set levels.red.blackIn=10% --output out.png)";
@@ -134,9 +144,10 @@ void addFraming(CLI::App& command, FramingOptions& options) {
 void addEncoding(CLI::App& command, EncodingOptions& options) {
   command
       .add_option("--format", options.format,
-                  "The format to write, by its extension; for --output - also y4m or raw; default: as the name says")
+                  "The format or container to write, by its extension; for --output - also y4m or raw; default: as the "
+                  "name says")
       ->type_name("NAME");
-  command.add_option("--quality", options.quality, "Of JPEG (default 95), WebP (95) and HEIF (90)")
+  command.add_option("--quality", options.quality, "Of JPEG (default 95), WebP (95), HEIF (90) and clips")
       ->type_name("1-100")
       ->check(CLI::Range(1, 100));
   command
@@ -160,15 +171,67 @@ void addColors(CLI::App& command, ColorOptions& options) {
       ->allow_extra_args(false);
 }
 
+void addTiming(CLI::App& command, TimingOptions& options) {
+  command
+      .add_option("--frames", options.frames,
+                  "The frames of a sequence, or of a clip from 0 on; default: all. xCHUNK divides them for --chunk")
+      ->type_name("A-B[xCHUNK]");
+  command
+      .add_option("--chunk", options.chunk,
+                  "Render this chunk alone, counted from 1; times are those of all frames together")
+      ->type_name("K")
+      ->check(CLI::Range(1u, 4000000000u));
+  command.add_option("--rate", options.rate, "Frames per second of a sequence; default 25, or as the first clip")
+      ->type_name("N");
+  command
+      .add_option("--fps", options.fps,
+                  "Frames per second of the result: each shows the nearest frame of the input; default: as the first "
+                  "clip, also where its frames come unevenly")
+      ->type_name("N");
+  command.add_flag("--retime", options.isRetimed, "With --fps: the same frames, played at that rate");
+  command.add_option("--start", options.start, "From when on inputs are rendered")->type_name("[H:[M:]]S");
+  command.add_option("--duration", options.duration, "For how long")->type_name("[H:[M:]]S");
+  command
+      .add_option(
+          "--when-short", options.whenShort,
+          "What an input that is shorter than another does: hold its last frame, loop, or end all; default hold "
+          "(sequences alone: they have the same frames)")
+      ->type_name("MODE");
+}
+
+void addClip(CLI::App& command, ClipOptions& options) {
+  command
+      .add_option("--codec", options.codec,
+                  "Of a clip: h264, hevc, vp9, av1, prores, dnxhr, ffv1 or png; default: the container's usual")
+      ->type_name("NAME");
+  command.add_option("--speed", options.speed, "The encoder's preset, as it names them: fast, medium, slow, 6, ...")
+      ->type_name("NAME");
+  command
+      .add_option("--sampling", options.sampling,
+                  "How a clip stores color: 420, 422, 444 or rgb; default: the codec's usual")
+      ->type_name("NAME");
+  command
+      .add_option("--audio", options.audio,
+                  "A file whose audio goes into the clip; default: the first clip's, untouched")
+      ->type_name("FILE");
+  command.add_flag("--no-audio", options.isSilent, "Leave the audio out");
+  command.add_option("--patience", options.patience, "Seconds that decoding one frame of a clip may take; default 60")
+      ->type_name("S")
+      ->check(CLI::Range(0.1, 86400.0))
+      ->check(refuseNaN);
+}
+
 void addRender(CLI::App& app, RenderOptions& options) {
-  CLI::App* command = app.add_subcommand("render", "Render an effect to a picture or a sequence");
+  CLI::App* command = app.add_subcommand("render", "Render an effect to a picture, a sequence or a clip");
   command->footer(kRenderFooter + ("\n\nPixel formats:\n" + layoutList()));
   command->add_option("effect", options.effect, "The effect's name")->required()->type_name("EFFECT");
   command
-      ->add_option("-i,--input", options.inputs,
-                   "A filter's picture; a blend mode's background and foreground; a transition's A and B")
+      ->add_option(
+          "-i,--input", options.inputs,
+          "A filter's picture, sequence or clip; a blend mode's background and foreground; a transition's A and "
+          "B")
       ->type_name("FILE");
-  command->add_option("-o,--output", options.output, "The picture to write: png, jpg, tif or exr")
+  command->add_option("-o,--output", options.output, "The picture, sequence or clip to write")
       ->required()
       ->type_name("FILE");
   command->add_option("--set", options.values, "Set a port; may be repeated")
@@ -203,10 +266,15 @@ void addRender(CLI::App& app, RenderOptions& options) {
                    "floats")
       ->type_name("NAME");
   addEncoding(*command, options.encoding);
-  command->add_option("--frames", options.frames, "The frames of a sequence; default: all that exist")
-      ->type_name("A-B");
-  command->add_option("--rate", options.rate, "Frames per second of a sequence")->type_name("N")->default_str("25");
+  addTiming(*command, options.timing);
+  addClip(*command, options.clip);
+  command
+      ->add_option("-j,--jobs", options.jobs, "How many processes render; default: one for each core, of many frames")
+      ->type_name("N")
+      ->check(CLI::Range(1, 1024));
+  command->add_flag("--resume", options.isResumed, "Render only the frames of a sequence whose files are missing");
   command->add_flag("--verbose", options.isVerbose, "Say what a file does not keep");
+  command->add_flag("--worker", options.isWorker)->group("");
 }
 
 void addState(CLI::App& app, StateOptions& options) {
@@ -318,6 +386,7 @@ int runProgram(int argc, char** argv, const InspectAction& inspect) {
   try {
     CLI::App app("Lists and renders image effects, and looks into their saved parameters.");
     Options options;
+    options.render.commandLine.assign(argv + 1, argv + argc);
     addCommands(app, options);
     try {
       app.parse(argc, argv);
@@ -330,12 +399,9 @@ int runProgram(int argc, char** argv, const InspectAction& inspect) {
     }
     runCommand(app, options, inspect);
     return static_cast<int>(ExitCode::Success);
-  } catch (const Failure& failure) {
+  } catch (const std::exception&) {
+    const Failure failure = caughtFailure();
     return report(failure.what(), failure.code);
-  } catch (const std::bad_alloc&) {
-    return report("there is not enough memory", ExitCode::Unexpected);
-  } catch (const std::exception& error) {
-    return report(error.what(), ExitCode::Unexpected);
   }
 }
 

@@ -11,6 +11,7 @@
 #include "Host/Rendering/Parameters.h"
 #include "Host/Rendering/PortKinds.h"
 #include "Platform/QuartzComposer/QCPatch.h"
+#include "Registry/VRTExecutionTraits.h"
 
 #include <algorithm>
 #include <cmath>
@@ -99,10 +100,20 @@ std::string textAttribute(const QCPatch& patch, const char* key) {
   return value ? value->stringValue() : "";
 }
 
+// What the results depend on beside the ports; that transitions change with the time goes without saying.
+std::string dependence(const QCPatch& patch, EffectKind kind) {
+  const bool isTold = dependsOnTime(patch) && kind != EffectKind::Transition;
+  if (keepsState(patch))
+    return isTold ? "Depends on the time and on the frames before." : "Depends on the frames before.";
+  return isTold ? "Depends on the time." : "";
+}
+
 void printEffect(const std::string& name, const QCPatch& patch, EffectKind kind) {
   printText("\n  " + printable(name) + "\n");
   const std::string description = textAttribute(patch, "description");
-  if (!description.empty()) printText("    " + printable(description) + "\n");
+  for (const std::string& text : {description, dependence(patch, kind)}) {
+    if (!text.empty()) printText("    " + printable(text) + "\n");
+  }
   const EffectRoles roles = effectRoles(patch, kind);
   Table table({Table::Left, Table::Left, Table::Left, Table::Left});
   for (const auto& port : patch.inputPorts()) {
@@ -162,6 +173,10 @@ void writeEffect(JsonWriter& json, const std::string& name, const QCPatch& patch
   json.value(std::string_view(name));
   json.key("description");
   json.value(std::string_view(textAttribute(patch, "description")));
+  json.key("dependsOnTime");
+  json.value(dependsOnTime(patch));
+  json.key("keepsState");
+  json.value(keepsState(patch));
   writeRoles(json, patch, kind);
   writePorts(json, "inputs", patch.inputPorts());
   writePorts(json, "outputs", patch.outputPorts());

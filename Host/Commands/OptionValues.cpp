@@ -4,6 +4,7 @@
 #include "Host/Color/SpaceNames.h"
 #include "Host/Files/FileFormat.h"
 #include "Host/Messages/Failure.h"
+#include "Host/Rendering/FrameTimes.h"
 
 #include <algorithm>
 #include <charconv>
@@ -131,9 +132,8 @@ void checkRate(double rate) {
 }
 
 double timeOfFrame(EffectKind kind, const FrameRange& frames, std::uint64_t frame, double rate) {
-  const auto since = static_cast<double>(frame - frames.first);
-  if (kind != EffectKind::Transition) return since / rate;
-  return frames.count() > 1 ? since / static_cast<double>(frames.last - frames.first) : 0;
+  const std::uint64_t index = frame - frames.first;
+  return timeForEffect(kind, index, frames.count(), static_cast<double>(index) / rate);
 }
 
 }  // namespace host

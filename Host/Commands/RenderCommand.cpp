@@ -1,116 +1,213 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Commands/RenderCommand.h"
 
+#include "Host/Clips/OpenClips.h"
 #include "Host/Commands/OptionValues.h"
-#include "Host/Files/FrameFiles.h"
+#include "Host/Commands/RenderTiming.h"
+#include "Host/Files/OutputFile.h"
 #include "Host/Files/PictureSink.h"
 #include "Host/Files/PictureWriting.h"
-#include "Host/Messages/CloseNames.h"
+#include "Host/Jobs/Coordinator.h"
+#include "Host/Jobs/Resume.h"
+#include "Host/Jobs/SharedInput.h"
+#include "Host/Jobs/Worker.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Messages/Progress.h"
-#include "Host/Rendering/EffectRendering.h"
+#include "Host/Messages/Remark.h"
 #include "Host/Rendering/Effects.h"
-#include "Host/Rendering/Inputs.h"
-#include "Host/Rendering/Parameters.h"
-#include "Platform/QuartzComposer/QCPatch.h"
+#include "Host/Rendering/FrameRendering.h"
+#include "Registry/VRTExecutionTraits.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <filesystem>
+#include <memory>
+#include <numeric>
+#include <optional>
+#include <utility>
 
 namespace host {
 namespace {
 
-// The frames to render; one that has no number when neither input nor output is a sequence.
-std::optional<FrameRange> framesToRender(const RenderOptions& options, const Inputs& inputs,
-                                         const std::optional<FramePattern>& output) {
-  const bool isStream = options.output == "-";
-  if (!output && !isStream && (inputs.areSequence() || !options.frames.empty())) {
-    throw Failure(ExitCode::Usage, "the output of a sequence needs the frame's number in its name, as in out.%04d.png");
+RenderSetup setupOf(const RenderOptions& options) {
+  RenderSetup setup;
+  setup.effect = options.effect;
+  setup.inputs = options.inputs;
+  setup.values = options.values;
+  setup.states = options.states;
+  setup.framing = parsedFraming(options.framing);
+  setup.layout = parsedLayout(options.layout);
+  setup.alpha = parsedOutputAlpha(options.alpha);
+  setup.channels = parsedChannels(options.channels);
+  setup.depth = parsedDepth(options.depth);
+  if (setup.depth && setup.layout) {
+    throw Failure(ExitCode::Usage, "--pixel-format " + options.layout + " has its own depth: leave --depth out");
   }
-  const bool isSequence = inputs.areSequence() || !options.frames.empty();
-  if (!output && !(isStream && isSequence)) return std::nullopt;
-  if (options.frames.empty() && !inputs.areSequence()) {
-    throw Failure(ExitCode::Usage, "--output " + options.output + " is a sequence: give its frames with --frames A-B");
-  }
-  return inputs.checkedFrames(options.frames.empty() ? std::nullopt : std::optional(parsedFrameRange(options.frames)));
+  if (setup.layout) setup.depth = setup.layout->depth;
+  setup.colors = parsedColors(options.colors, options.inputs);
+  return setup;
 }
 
-// How a result is made into a picture to be written.
-struct OutputConversion {
-  std::optional<Layout> layout;
-  OutputAlpha alpha = OutputAlpha::Keep;
-  std::optional<Channels> channels;
+// The part of a clip's target that the command line says.
+ClipTarget clipTargetOf(const RenderOptions& options) {
+  ClipTarget target;
+  const std::string& format = options.encoding.format;
+  target.path = options.output;
+  target.container = format.empty() ? std::filesystem::path(options.output).extension().string().substr(1) : format;
+  target.settings = {options.clip.codec, options.clip.speed, options.clip.sampling, options.encoding.quality};
+  return target;
+}
+
+// What is written, and the pictures' sink where it is pictures.
+struct Output {
+  std::unique_ptr<PictureSink> sink;
+  JobOutput job;
 };
 
-// What the files of the inputs have together.
-Channels channelsOf(const InputPictures& pictures) {
-  bool gray = !pictures.infos.empty();
-  bool alpha = pictures.infos.empty();
-  for (const auto& info : pictures.infos) {
-    gray = gray && isGray(info->channels);
-    alpha = alpha || hasAlpha(info->channels);
-  }
-  if (gray) return alpha ? Channels::GrayAlpha : Channels::Gray;
-  return alpha ? Channels::RGBA : Channels::RGB;
-}
-
-OutputPicture rendered(EffectRendering& rendering, const InputPictures& pictures, double time,
-                       const OutputConversion& conversion, const PictureSink& sink, ColorFlow& colors) {
-  rendering.connect(pictures);
-  BitmapRef result = rendering.result(time);
-  if (conversion.layout) result = throughLayout(result, *conversion.layout, "the result");
-  OutputPicture picture;
-  picture.bitmap = outputConverted(result, conversion.alpha);
-  picture.depth = rendering.depthOf(*picture.bitmap);
-  picture.channels = conversion.channels ? *conversion.channels : keptChannels(*picture.bitmap, channelsOf(pictures));
-  picture.areChannelsTold = conversion.channels.has_value();
-  if (!pictures.infos.empty()) picture.metadata = pictures.infos[0]->metadata;
-  if (conversion.alpha == OutputAlpha::Gray) {
-    picture.metadata.color = {};  // alpha is no color
+Output outputOf(const RenderOptions& options) {
+  Output output;
+  output.job.isVerbose = options.isVerbose;
+  if (outputKindOf(options) == OutputKind::Clip) {
+    output.job.clip = clipTargetOf(options);
+    const ClipContainer& container = *clipContainerNamed(output.job.clip.container);
+    const ClipSettings& settings = output.job.clip.settings;
+    checkClipSettings(clipCodecIn(container, settings.codec), settings);
+    output.job.clipHoldsAlpha = holdsAlpha(container, settings);
+    checkOutput(options.output);
   } else {
-    colors.toOutput(picture, sink.format(picture.depth), sink.name());
+    output.sink =
+        std::make_unique<PictureSink>(options.output, options.encoding.format, parsedSettings(options.encoding),
+                                      options.timing.rate.value_or(25), options.isVerbose);
+    output.job.sink = output.sink.get();
   }
-  return picture;
+  return output;
 }
 
-void renderSequence(const RenderOptions& options, EffectRendering& rendering, Inputs& inputs, PictureSink& sink,
-                    const FrameRange& frames, const OutputConversion& conversion) {
-  Progress progress(frames.count());
-  for (std::uint64_t frame = frames.first; frame <= frames.last; ++frame) {
-    const auto number = static_cast<std::uint32_t>(frame);
-    const double time = options.time.value_or(timeOfFrame(rendering.kind(), frames, frame, options.rate));
-    sink.write(rendered(rendering, inputs.picturesAt(number), time, conversion, sink, inputs.colors()), number);
-    progress.finished(frame - frames.first + 1);
+// A process beside this one would find it read.
+bool readsStandardInput(const RenderOptions& options) {
+  const auto isDash = [](const std::string& value) { return value.ends_with("=-"); };
+  return std::ranges::count(options.inputs, "-") > 0 || std::ranges::any_of(options.values, isDash);
+}
+
+unsigned jobsFor(const RenderOptions& options, bool keepsState) {
+  if (keepsState) return 1;
+  return options.jobs > 0 ? options.jobs : usualJobs();
+}
+
+void openClips(OpenClips& clips, const RenderOptions& options, const Inputs& inputs, unsigned jobs) {
+  const std::chrono::seconds patience(static_cast<std::int64_t>(std::ceil(options.clip.patience)));
+  for (std::size_t i = 0; i < inputs.count(); ++i) {
+    if (inputs.kind(i) == Inputs::Kind::Clip) clips.open(i, inputs.path(i), slotsOfClip(jobs), patience);
   }
+}
+
+void checkResumable(const RenderOptions& options, bool keepsState) {
+  if (outputKindOf(options) != OutputKind::Sequence) {
+    throw Failure(ExitCode::Usage, "--resume: --output " + options.output +
+                                       " is written as a whole; only the files of a sequence are there or missing");
+  }
+  if (keepsState) {
+    throw Failure(ExitCode::Usage, "--resume: the effect \"" + options.effect +
+                                       "\" keeps a state from frame to frame, or does not say that it keeps none: a "
+                                       "frame cannot be rendered without those before it");
+  }
+}
+
+// Of the plan's frames those that are to be rendered.
+std::vector<std::uint64_t> framesToRender(const RenderOptions& options, const RenderTiming& timing,
+                                          const Output& output) {
+  const PlanPart part = timing.part();
+  std::vector<std::uint64_t> frames(part.count);
+  std::iota(frames.begin(), frames.end(), part.first);
+  if (!options.isResumed) return frames;
+  std::vector<std::uint64_t> missing =
+      missingFrames(timing.plan(), frames, *framePattern(options.output), output.sink->format(Depth::Bits8));
+  remark(std::to_string(frames.size() - missing.size()) + " of " + std::to_string(frames.size()) +
+         (frames.size() == 1 ? " frame is" : " frames are") + " there already");
+  return missing;
+}
+
+// In this process, one after another.
+void renderHere(FrameRendering& rendering, const RenderTiming& timing, const std::vector<std::uint64_t>& frames,
+                const Output& output) {
+  const OutputDescription description = output.job.description();
+  if (!timing.isSingle()) {
+    rendering.begin(timing.plan().frame(0), nullptr, description);
+    rewindSharedInput();
+  }
+  Progress progress(frames.size());
+  std::uint64_t done = 0;
+  for (const std::uint64_t index : frames) {
+    const PlannedFrame frame = timing.plan().frame(index);
+    output.sink->write(rendering.render(frame, description), frame.number);
+    progress.finished(++done);
+  }
+  tellOfClipping(output.sink->clippedPixels(), rendering.inputs().colors().clippedSpace());
+}
+
+std::vector<std::string> workerArguments(const RenderOptions& options) {
+  std::vector<std::string> arguments = options.commandLine;
+  arguments.insert(arguments.begin() + 1, "--worker");  // behind "render": what follows -- is no option
+  return arguments;
+}
+
+void renderBesides(const RenderOptions& options, const RenderTiming& timing, JobRun run) {
+  run.plan = &timing.plan();
+  run.arguments = workerArguments(options);
+  if (run.output.isClip()) {
+    const PlanPart part = timing.part();
+    const RenderPlan& plan = timing.plan();
+    run.output.clip.rate = plan.rate();
+    run.output.clip.timeBase = plan.timeBase();
+    run.output.clip.audio = timing.audio();
+    ClipWriter::checkAudio(run.output.clip);
+    const std::uint64_t end = part.first + part.count;
+    run.end = end < plan.count() ? plan.frame(end).shown : plan.end();
+  }
+  renderInJobs(run);
 }
 
 }  // namespace
 
 void runRender(const RenderOptions& options) {
-  checkTime(options.time);
-  checkRate(options.rate);
-  const Framing framing = parsedFraming(options.framing);
-  const OutputConversion conversion{parsedLayout(options.layout), parsedOutputAlpha(options.alpha),
-                                    parsedChannels(options.channels)};
-  auto depth = parsedDepth(options.depth);
-  if (depth && conversion.layout) {
-    throw Failure(ExitCode::Usage, "--pixel-format " + options.layout + " has its own depth: leave --depth out");
+  if (options.isWorker) {
+    Output output;
+    return runWorker([&] {
+      output = outputOf(options);
+      return WorkerParts{setupOf(options), output.job};
+    });
   }
-  if (conversion.layout) depth = conversion.layout->depth;
-  const ColorWishes colors = parsedColors(options.colors, options.inputs);
-  const auto outputPattern = framePattern(options.output);
-  PictureSink sink(options.output, options.encoding.format, parsedSettings(options.encoding), options.rate,
-                   options.isVerbose);
+  checkTime(options.time);
+  if (options.timing.rate) checkRate(*options.timing.rate);
+  const RenderSetup setup = setupOf(options);
+  const Output output = outputOf(options);
+  std::optional<SharedInput> input;
+  if (outputKindOf(options) != OutputKind::Picture && readsStandardInput(options)) input.emplace();
 
   loadEffects();
-  EffectRendering rendering(options.effect, options.inputs.size(), framing, depth);
-  setParameters(rendering, options.values, options.states);
-  Inputs inputs(options.inputs, depth, conversion.layout, colors);
-  const auto frames = framesToRender(options, inputs, outputPattern);
-  if (frames) {
-    renderSequence(options, rendering, inputs, sink, *frames, conversion);
-  } else {
-    const double time = options.time.value_or(0);
-    sink.write(rendered(rendering, inputs.pictures(), time, conversion, sink, inputs.colors()), 0);
+  FrameRendering rendering(setup);
+  const bool hasState = keepsState(rendering.effect().patch());
+  if (options.isResumed) checkResumable(options, hasState);
+  const unsigned jobs = jobsFor(options, hasState);
+  OpenClips clips(setup.inputs.size());
+  openClips(clips, options, rendering.inputs(), jobs);
+  const RenderTiming timing(options, rendering.effect().kind(), rendering.inputs(), clips.infos());
+  const std::vector<std::uint64_t> frames = framesToRender(options, timing, output);
+  if (frames.empty()) return;
+  const auto workers = static_cast<unsigned>(std::min<std::uint64_t>(jobs, frames.size()));
+  if (workers == 1 && output.sink && !rendering.inputs().haveClip()) {
+    renderHere(rendering, timing, frames, output);
+    return;
   }
-  inputs.colors().tellOfClipping(sink.clippedPixels());
+  JobRun run;
+  run.frames = frames;
+  run.workers = workers;
+  run.keepsState = hasState;
+  run.clips = &clips;
+  run.input = input ? &*input : nullptr;
+  run.output = output.job;
+  renderBesides(options, timing, std::move(run));
 }
 
 }  // namespace host

@@ -9,6 +9,28 @@
 
 namespace host {
 
+// How time goes in a run, as the command line says it; empty where it does not.
+struct TimingOptions {
+  std::string frames;          // "A-B", or "A-BxC" for chunks of C frames
+  unsigned chunk = 0;          // which chunk to render, from 1 on; 0: all
+  std::optional<double> rate;  // frames per second of sequences
+  std::string fps;             // of the result
+  bool isRetimed = false;
+  std::string start;      // seconds, or M:S, H:M:S
+  std::string duration;   // the same
+  std::string whenShort;  // "hold", "loop", "end"
+};
+
+// How clips are written, as the command line says it.
+struct ClipOptions {
+  std::string codec;
+  std::string speed;
+  std::string sampling;
+  std::string audio;      // a file whose audio is taken instead of the first clip's
+  bool isSilent = false;  // without audio
+  double patience = 60;   // seconds that a frame may take to be decoded
+};
+
 struct RenderOptions {
   std::string effect;
   std::vector<std::string> inputs;
@@ -23,13 +45,17 @@ struct RenderOptions {
   std::string channels;  // "auto", "gray", "gray+alpha", "rgb", "rgba"; auto when empty
   EncodingOptions encoding;
   ColorOptions colors;
+  TimingOptions timing;
+  ClipOptions clip;
+  unsigned jobs = 0;  // processes that render; 0: one for each core where there are many frames
+  bool isResumed = false;
   bool isVerbose = false;
-  std::string frames;  // "A-B", or empty for the frames that exist
-  double rate = 25;    // frames per second
+  bool isWorker = false;                 // of another that runs with the same options
+  std::vector<std::string> commandLine;  // as the program was started, without its name
 };
 
-// Renders a picture, or one for every frame of a sequence, and writes it. What can be checked is checked before the
-// first picture is rendered.
+// Renders a picture, one for every frame of a sequence, or a clip, and writes it. What can be checked is checked before
+// the first frame is rendered.
 void runRender(const RenderOptions& options);
 
 }  // namespace host

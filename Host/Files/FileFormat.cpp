@@ -29,6 +29,7 @@ constexpr FormatTraits kFormats[] = {
     {FileFormat::Ppm, "PPM", "ppm", true, true, false, false, AlphaKind::None, false, false},
     {FileFormat::Pnm, "PNM", "pnm", true, true, false, false, AlphaKind::None, true, false},
     {FileFormat::Pfm, "PFM", "pfm", false, false, false, true, AlphaKind::None, true, false},
+    {FileFormat::Clip, "a clip", "", true, true, false, false, AlphaKind::Straight, false, false},
 };
 
 template <class Function>

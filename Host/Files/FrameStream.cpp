@@ -3,14 +3,13 @@
 
 #include "Host/Files/FileFormat.h"
 #include "Host/Messages/Failure.h"
-#include "Host/Messages/StandardOutput.h"
 #include "TarnCore/TCBitmap.h"
 
 #include <cmath>
-#include <cstdio>
 #include <numeric>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace host {
@@ -59,9 +58,19 @@ std::string fractionOf(double rate) {
   return std::to_string(numerator / common) + ":" + std::to_string(1000 / common);
 }
 
-std::string y4mHeader(std::uint32_t width, std::uint32_t height, const std::string& rate, bool isDeep) {
-  return "YUV4MPEG2 W" + std::to_string(width) + " H" + std::to_string(height) + " F" + rate + " Ip A1:1 C444" +
-         (isDeep ? "p16 XYSCSS=444P16" : "") + " XCOLORRANGE=LIMITED\n";
+std::string y4mHeader(const StreamFrame& frame, const std::string& rate) {
+  return "YUV4MPEG2 W" + std::to_string(frame.width) + " H" + std::to_string(frame.height) + " F" + rate +
+         " Ip A1:1 C444" + (frame.isDeep ? "p16 XYSCSS=444P16" : "") + " XCOLORRANGE=LIMITED\n";
+}
+
+template <class Sample>
+std::uint64_t encodeY4M(const OutputPicture& picture, SampleType sample, const BytesTaker& take) {
+  OutputRows rows = rowsOf(picture, sample, Channels::RGB, AlphaKind::None);
+  constexpr std::string_view start = "FRAME\n";
+  take(bytesOf(start.data(), start.size()));
+  const auto planes = planesOf<Sample>(rows, picture.bitmap->width, picture.bitmap->height);
+  take(bytesOf(planes.data(), planes.size() * sizeof(Sample)));
+  return rows.clippedPixels();
 }
 
 }  // namespace
@@ -75,40 +84,35 @@ std::optional<FrameStreamKind> frameStreamNamed(const std::string& name) {
 FrameStream::FrameStream(FrameStreamKind kind, double rate)
     : kind_(kind), rate_(kind == FrameStreamKind::Y4M ? fractionOf(rate) : "") {}
 
-std::uint64_t FrameStream::write(const OutputPicture& picture) {
-  if (kind_ == FrameStreamKind::Raw) return writeRaw(picture);
-  return writeY4M(picture);
+std::uint64_t FrameStream::encode(const OutputPicture& picture, const BytesTaker& take) const {
+  if (kind_ == FrameStreamKind::Raw) return encodeRaw(picture, take);
+  if (streamFrameOf(picture).isDeep) return encodeY4M<std::uint16_t>(picture, SampleType::UInt16, take);
+  return encodeY4M<std::uint8_t>(picture, SampleType::UInt8, take);
 }
 
-std::uint64_t FrameStream::writeRaw(const OutputPicture& picture) const {
+std::uint64_t FrameStream::encodeRaw(const OutputPicture& picture, const BytesTaker& take) const {
   const SampleType sample = sampleTypeOf(picture.depth);
   OutputRows rows = rowsOf(picture, sample, picture.channels, AlphaKind::Straight);
   const std::size_t size = bytesPerSample(sample) * channelCount(picture.channels) * picture.bitmap->width;
-  for (std::uint32_t y = 0; y < picture.bitmap->height; ++y) printBytes(bytesOf(rows.row(y), size));
+  for (std::uint32_t y = 0; y < picture.bitmap->height; ++y) take(bytesOf(rows.row(y), size));
   return rows.clippedPixels();
 }
 
-std::uint64_t FrameStream::writeY4M(const OutputPicture& picture) {
-  const VortoBitmap& bitmap = *picture.bitmap;
-  const bool isDeep = picture.depth != Depth::Bits8;
-  if (width_ == 0) {
-    width_ = bitmap.width;
-    height_ = bitmap.height;
-    printText(y4mHeader(width_, height_, rate_, isDeep));
-  }
-  if (bitmap.width != width_ || bitmap.height != height_) {
+std::string FrameStream::start(const StreamFrame& frame) {
+  if (kind_ == FrameStreamKind::Raw) return "";
+  const bool isFirst = !first_;
+  if (isFirst) first_ = frame;
+  if (frame.width != first_->width || frame.height != first_->height) {
     throw Failure(ExitCode::Output, "cannot write to the standard output: the frames of a y4m stream have one size");
   }
-  OutputRows rows = rowsOf(picture, isDeep ? SampleType::UInt16 : SampleType::UInt8, Channels::RGB, AlphaKind::None);
-  printText("FRAME\n");
-  if (isDeep) {
-    const auto planes = planesOf<std::uint16_t>(rows, width_, height_);
-    printBytes(bytesOf(planes.data(), planes.size() * 2));
-  } else {
-    const auto planes = planesOf<std::uint8_t>(rows, width_, height_);
-    printBytes(bytesOf(planes.data(), planes.size()));
+  if (frame != *first_) {
+    throw Failure(ExitCode::Output, "cannot write to the standard output: the frames of a y4m stream have one depth");
   }
-  return rows.clippedPixels();
+  return isFirst ? y4mHeader(frame, rate_) : "";
+}
+
+StreamFrame streamFrameOf(const OutputPicture& picture) {
+  return {picture.bitmap->width, picture.bitmap->height, picture.depth != Depth::Bits8};
 }
 
 }  // namespace host

@@ -38,31 +38,60 @@ std::unique_ptr<ImageReader> opened(const ReadRequest& request, std::string* rea
   return reader;
 }
 
+// A path with the bytes of its file.
+struct PictureFile {
+  PicturePath place;
+  FileContents contents;
+  std::string name;
+
+  ReadRequest request() const {
+    return {contents.bytes(), place.layer, std::filesystem::path(place.file).extension().string()};
+  }
+};
+
+PictureFile pictureFile(const std::string& path) {
+  PicturePath place = picturePath(path);
+  FileContents contents = FileContents::ofFile(place.file);
+  return {std::move(place), std::move(contents), path == "-" ? "the standard input" : path};
+}
+
+[[noreturn]] void refuse(const std::string& name, const std::string& reason) {
+  throw Failure(ExitCode::Input, "cannot read " + name + ": " + reason);
+}
+
+// A reader of a picture that fits into memory.
+std::unique_ptr<ImageReader> readerOf(const ReadRequest& request, const std::string& name) {
+  std::string reason;
+  auto reader = opened(request, &reason);
+  if (!reader) refuse(name, reason);
+  const PictureInfo& info = reader->info();
+  if (!fitsBitmap(info.width, info.height, 4 * bytesPerSample(info.sample))) {
+    refuse(name, "its " + std::to_string(info.width) + " x " + std::to_string(info.height) +
+                     " pixels are more than a bitmap can hold");
+  }
+  return reader;
+}
+
 }  // namespace
 
 FilePicture readPicture(const std::string& path) {
-  const PicturePath place = picturePath(path);
-  const FileContents contents = FileContents::ofFile(place.file);
-  return decodedPicture({contents.bytes(), place.layer, std::filesystem::path(place.file).extension().string()},
-                        path == "-" ? "the standard input" : path);
+  const PictureFile file = pictureFile(path);
+  return decodedPicture(file.request(), file.name);
+}
+
+PictureInfo readPictureInfo(const std::string& path) {
+  const PictureFile file = pictureFile(path);
+  return readerOf(file.request(), file.name)->info();
 }
 
 FilePicture decodedPicture(const ReadRequest& request, const std::string& name) {
-  const auto refuse = [&](const std::string& reason) {
-    throw Failure(ExitCode::Input, "cannot read " + name + ": " + reason);
-  };
-  std::string reason;
-  const auto reader = opened(request, &reason);
-  if (!reader) refuse(reason);
+  const auto reader = readerOf(request, name);
   const PictureInfo& info = reader->info();
-  if (!fitsBitmap(info.width, info.height, 4 * bytesPerSample(info.sample))) {
-    refuse("its " + std::to_string(info.width) + " x " + std::to_string(info.height) +
-           " pixels are more than a bitmap can hold");
-  }
   FilePicture picture;
   picture.bitmap = newUnsetBitmap(info.width, info.height, formatCodeOf(info.sample), name);
+  std::string reason;
   if (!reader->readPixels(reinterpret_cast<std::byte*>(picture.bitmap->data), bytesPerRow(*picture.bitmap), &reason)) {
-    refuse(reason);
+    refuse(name, reason);
   }
   picture.bitmap = upright(picture.bitmap, info.orientation, name);
   picture.info = std::make_shared<const PictureInfo>(info);

@@ -19,7 +19,10 @@ struct FilePicture {
 // and the cause.
 FilePicture readPicture(const std::string& path);
 
-// The same from the bytes of a file that is known by that name.
+// What a file says, without its pixels: what readPicture() gives as info. Throws Failure in the same way.
+PictureInfo readPictureInfo(const std::string& path);
+
+// A picture from the bytes of a file that is known by that name.
 FilePicture decodedPicture(const ReadRequest& request, const std::string& name);
 
 // What flows between patches, in the depth of the file: premultiplied, without what else the file says.

@@ -3,20 +3,17 @@
 
 #include "Host/Files/FileFormat.h"
 #include "Host/Files/OutputFile.h"
-#include "Host/Messages/CloseNames.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Messages/StandardOutput.h"
 
 #include <unistd.h>
-
-#include <cstdio>
 
 namespace host {
 
 PictureSink::PictureSink(const std::string& output, const std::string& format, const WriteSettings& settings,
                          double rate, bool isVerbose)
     : output_(output), pattern_(framePattern(output)), settings_(settings), isVerbose_(isVerbose) {
-  if (output != "-") {
+  if (!isPrinted()) {
     if (frameStreamNamed(format)) {
       throw Failure(ExitCode::Usage, "--format " + format + ": frames one after another go to --output - alone");
     }
@@ -40,27 +37,32 @@ PictureSink::PictureSink(const std::string& output, const std::string& format, c
 
 void PictureSink::write(const OutputPicture& picture, std::uint32_t frame) {
   tellOfLosses(picture);
-  if (output_ == "-") return print(picture);
+  if (isPrinted()) return print(picture);
   clipped_ += writePicture(pattern_ ? pattern_->path(frame) : output_, format_, picture, settings_);
 }
 
 void PictureSink::print(const OutputPicture& picture) {
-  if (stream_) {
-    clipped_ += stream_->write(picture);
-  } else {
-    clipped_ += printPicture(format_, picture, settings_);
-  }
+  if (stream_) printText(stream_->start(streamFrameOf(picture)));
+  clipped_ += encode(picture, printBytes);
   finishStandardOutput();  // whoever reads may have had enough
+}
+
+std::uint64_t PictureSink::encode(const OutputPicture& picture, const BytesTaker& take) const {
+  return stream_ ? stream_->encode(picture, take) : encodePicture(format_, picture, settings_, take);
+}
+
+void PictureSink::print(const StreamFrame& frame, std::span<const std::uint8_t> bytes) {
+  if (stream_) printText(stream_->start(frame));
+  printBytes(bytes);
+  finishStandardOutput();
 }
 
 // Once: the frames of a sequence are alike.
 void PictureSink::tellOfLosses(const OutputPicture& picture) {
   if (!isVerbose_) return;
   isVerbose_ = false;
-  const std::vector<std::string> lost = lostMetadata(stream_ ? std::nullopt : std::optional(format_), picture);
-  if (lost.empty()) return;
-  std::fprintf(stderr, "vorto: %s does not hold %s of the first input\n", stream_ ? "a stream" : traitsOf(format_).name,
-               joinedNames(lost, " or ").c_str());
+  const char* const what = stream_ ? "a stream" : traitsOf(format_).name;
+  host::tellOfLosses(what, stream_ ? std::nullopt : std::optional(format_), picture);
 }
 
 }  // namespace host

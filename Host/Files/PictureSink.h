@@ -5,7 +5,9 @@
 #include "Host/Files/FrameStream.h"
 #include "Host/Files/PictureWriting.h"
 
+#include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 
 namespace host {
@@ -20,10 +22,21 @@ class PictureSink {
               bool isVerbose);
   void write(const OutputPicture& picture, std::uint32_t frame);  // throws Failure
 
-  // As messages call it: the file or the pattern of many.
-  std::string name() const { return output_ == "-" ? "the standard output" : output_; }
+  // For who renders here what another process prints: the frame's bytes for the standard output, piece by piece; and
+  // printing them, in the order of the frames. encode() returns the clipped pixels, which do not count here. Both throw
+  // Failure.
+  bool isPrinted() const { return output_ == "-"; }
+  std::uint64_t encode(const OutputPicture& picture, const BytesTaker& take) const;
+  void print(const StreamFrame& frame, std::span<const std::uint8_t> bytes);
 
-  // Of how many pixels, of all pictures, the file's integers could not hold the colors.
+  // What files do not keep, which is said of the first picture, another process says.
+  void leaveLossesUntold() { isVerbose_ = false; }
+  void tellOfLosses(const OutputPicture& picture);  // once; write() does
+
+  // As messages call it: the file or the pattern of many.
+  std::string name() const { return isPrinted() ? "the standard output" : output_; }
+
+  // Of how many pixels, of all pictures that were written, the file's integers could not hold the colors.
   std::uint64_t clippedPixels() const { return clipped_; }
 
   // Of the files. Frames in a stream count as PNM, raw floats as PFM, which say nothing of their colors either.
@@ -34,7 +47,6 @@ class PictureSink {
 
  private:
   void print(const OutputPicture& picture);
-  void tellOfLosses(const OutputPicture& picture);
 
   const std::string output_;
   const std::optional<FramePattern> pattern_;

@@ -5,8 +5,9 @@
 #include "Host/Files/ImageFileLoader.h"
 #include "Host/Files/OutputFile.h"
 #include "Host/ImageFiles/Exif.h"
+#include "Host/Messages/CloseNames.h"
 #include "Host/Messages/Failure.h"
-#include "Host/Messages/StandardOutput.h"
+#include "Host/Messages/Remark.h"
 #include "Host/Pixels/Alpha.h"
 #include "TarnCore/TCBitmap.h"
 
@@ -85,14 +86,15 @@ std::uint64_t writePicture(const std::string& path, const OutputPicture& picture
   return writePicture(path, fileFormatOf(path), picture, {});
 }
 
-std::uint64_t printPicture(FileFormat format, const OutputPicture& picture, const WriteSettings& settings) {
+std::uint64_t encodePicture(FileFormat format, const OutputPicture& picture, const WriteSettings& settings,
+                            const BytesTaker& take) {
   OutputBuffer buffer;
   std::string reason;
   std::uint64_t clipped = 0;
   if (!encode(format, picture, settings, buffer, &clipped, &reason)) {
     throw Failure(ExitCode::Output, "cannot write to the standard output: " + reason);
   }
-  printBytes(buffer.bytes());
+  take(buffer.bytes());
   return clipped;
 }
 
@@ -106,12 +108,17 @@ std::vector<std::string> lostMetadata(std::optional<FileFormat> format, const Ou
   if (picture.losesColorTag) lost.emplace_back("the color space");
   if (!metadata.exif.empty() && !isOneOf({Png, Jpeg, Tiff, WebP})) lost.emplace_back("Exif");
   if (metadata.resolution && !isOneOf({Png, Jpeg, Tiff, Exr})) lost.emplace_back("the resolution");
-  if (metadata.pixelAspect && !isOneOf({Png, Jpeg, Tiff, Exr, Dpx})) lost.emplace_back("the pixel aspect ratio");
-  if (metadata.frameRate && !isOneOf({Exr, Dpx})) lost.emplace_back("the frame rate");
-  if (metadata.timeCode && !isOneOf({Exr, Dpx})) lost.emplace_back("the time code");
+  if (metadata.pixelAspect && !isOneOf({Png, Jpeg, Tiff, Exr, Dpx, Clip})) lost.emplace_back("the pixel aspect ratio");
+  if (metadata.frameRate && !isOneOf({Exr, Dpx, Clip})) lost.emplace_back("the frame rate");
+  if (metadata.timeCode && !isOneOf({Exr, Dpx, Clip})) lost.emplace_back("the time code");
   if (format == Exr) return lost;
   for (const HeaderAttribute& attribute : metadata.attributes) lost.push_back("the attribute " + attribute.name);
   return lost;
+}
+
+void tellOfLosses(const std::string& what, std::optional<FileFormat> format, const OutputPicture& picture) {
+  const std::vector<std::string> lost = lostMetadata(format, picture);
+  if (!lost.empty()) remark(what + " does not hold " + joinedNames(lost, " or ") + " of the first input");
 }
 
 }  // namespace host

@@ -6,8 +6,10 @@
 #include "Host/Pixels/OutputRows.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -39,8 +41,10 @@ std::uint64_t writePicture(const std::string& path, FileFormat format, const Out
 // In the format that the extension says, with its usual settings.
 std::uint64_t writePicture(const std::string& path, const OutputPicture& picture);
 
-// The same to the standard output.
-std::uint64_t printPicture(FileFormat format, const OutputPicture& picture, const WriteSettings& settings);
+// The same for the standard output: the bytes of the file, handed over piece by piece.
+using BytesTaker = std::function<void(std::span<const std::uint8_t>)>;
+std::uint64_t encodePicture(FileFormat format, const OutputPicture& picture, const WriteSettings& settings,
+                            const BytesTaker& take);
 
 // The picture's rows as a file of integers or floats wants them.
 OutputRows rowsOf(const OutputPicture& picture, SampleType sample, Channels channels, AlphaKind alpha);
@@ -48,5 +52,7 @@ OutputRows rowsOf(const OutputPicture& picture, SampleType sample, Channels chan
 // What a file of the format, or a stream of frames, which is none, does not keep of what the first input says of
 // itself: "the time code", ...
 std::vector<std::string> lostMetadata(std::optional<FileFormat> format, const OutputPicture& picture);
+// Remarks on it, where there is any; `what` is as messages call the format.
+void tellOfLosses(const std::string& what, std::optional<FileFormat> format, const OutputPicture& picture);
 
 }  // namespace host

@@ -23,4 +23,7 @@ class Failure : public std::runtime_error {
   const ExitCode code;
 };
 
+// Inside a handler: what was caught, as a failure. Other things than exceptions of the standard library go on.
+Failure caughtFailure();
+
 }  // namespace host

@@ -9,25 +9,56 @@
 namespace host {
 namespace {
 
-constexpr std::uint64_t kBarWidth = 40;
+constexpr std::uint64_t kBarWidth = 30;
+constexpr std::chrono::milliseconds kPause{100};
+
+const Progress* shown = nullptr;
+
+void erase() {
+  std::fputs("\r\033[K", stderr);
+}
 
 }  // namespace
 
-Progress::Progress(std::uint64_t steps) : steps_(steps), shown_(steps > 1 && isatty(STDERR_FILENO) == 1) {
-  finished(0);
+Progress::Progress(std::uint64_t steps) : steps_(steps), isShown_(steps > 1 && isatty(STDERR_FILENO) == 1) {
+  if (!isShown_) return;
+  shown = this;
+  drawn_ = StepRate::Clock::now();
+  rate_.note(0, drawn_);
+  draw();
 }
 
 Progress::~Progress() {
-  if (shown_) std::fputs("\r\033[K", stderr);
+  if (!isShown_) return;
+  shown = nullptr;
+  erase();
 }
 
 void Progress::finished(std::uint64_t stepsSoFar) {
-  if (!shown_) return;
-  const auto filled = static_cast<std::size_t>(kBarWidth * stepsSoFar / steps_);
+  if (!isShown_) return;
+  const auto now = StepRate::Clock::now();
+  done_ = stepsSoFar;
+  rate_.note(stepsSoFar, now);
+  if (now - drawn_ < kPause && stepsSoFar < steps_) return;
+  drawn_ = now;
+  draw();
+}
+
+void Progress::draw() const {
+  const auto filled = static_cast<std::size_t>(kBarWidth * done_ / steps_);
   const std::string bar = std::string(filled, '#') + std::string(kBarWidth - filled, '.');
-  std::fprintf(stderr, "\r[%s] %llu of %llu", bar.c_str(), static_cast<unsigned long long>(stepsSoFar),
-               static_cast<unsigned long long>(steps_));
+  const std::string rate = rateText(rate_.perSecond(), steps_ - done_);
+  std::fprintf(stderr, "\r[%s] %llu of %llu%s%s\033[K", bar.c_str(), static_cast<unsigned long long>(done_),
+               static_cast<unsigned long long>(steps_), rate.empty() ? "" : ", ", rate.c_str());
   std::fflush(stderr);
+}
+
+Progress::Aside::Aside() {
+  if (shown) erase();
+}
+
+Progress::Aside::~Aside() {
+  if (shown) shown->draw();
 }
 
 }  // namespace host

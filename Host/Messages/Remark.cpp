@@ -1,14 +1,34 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Messages/Remark.h"
 
+#include "Host/Messages/Progress.h"
 #include "Host/Messages/Utf8.h"
 
 #include <cstdio>
+#include <utility>
 
 namespace host {
+namespace {
 
-void remark(const std::string& text) {
+RemarksRedirected::Taker& taker() {
+  static RemarksRedirected::Taker instance;
+  return instance;
+}
+
+}  // namespace
+
+void remark(const std::string& text, const std::string& about) {
+  if (taker()) return taker()({text, about.empty() ? text : about});
+  const Progress::Aside aside;
   std::fprintf(stderr, "vorto: %s\n", printable(text).c_str());
+}
+
+RemarksRedirected::RemarksRedirected(Taker to) {
+  taker() = std::move(to);
+}
+
+RemarksRedirected::~RemarksRedirected() {
+  taker() = nullptr;
 }
 
 }  // namespace host

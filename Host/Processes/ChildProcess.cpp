@@ -3,6 +3,7 @@
 
 #include "Host/Files/ProgramFolder.h"
 #include "Host/Messages/Failure.h"
+#include "Host/Messages/Signals.h"
 
 #include <fcntl.h>
 #include <sys/prctl.h>
@@ -12,7 +13,6 @@
 
 #include <array>
 #include <cerrno>
-#include <chrono>
 #include <csignal>
 #include <cstring>
 #include <thread>
@@ -21,10 +21,36 @@
 namespace host {
 namespace {
 
+// Signals wait while there is a child that is not yet its program: what this one does when they come is not for it.
+class SignalsHeld {
+ public:
+  SignalsHeld() {
+    sigset_t all;
+    ::sigfillset(&all);
+    ::sigprocmask(SIG_SETMASK, &all, &former_);
+  }
+  ~SignalsHeld() { ::sigprocmask(SIG_SETMASK, &former_, nullptr); }
+  SignalsHeld(const SignalsHeld&) = delete;
+  SignalsHeld& operator=(const SignalsHeld&) = delete;
+
+  // In the child: those that are ignored stay so.
+  void letGoInChild() const {
+    for (const int signal : kEndingSignals) {
+      struct sigaction action {};
+      if (::sigaction(signal, nullptr, &action) == 0 && action.sa_handler != SIG_IGN) ::signal(signal, SIG_DFL);
+    }
+    ::sigprocmask(SIG_SETMASK, &former_, nullptr);
+  }
+
+ private:
+  sigset_t former_;
+};
+
 // Between fork and exec nothing but system calls. Descriptors are copied above those that they are to have first, as
 // one may stand where another belongs.
 [[noreturn]] void becomeProgram(const char* program, char* const* arguments, std::vector<int>& given, int input,
-                                pid_t parent) {
+                                pid_t parent, const SignalsHeld& signals) {
+  signals.letGoInChild();
   ::prctl(PR_SET_PDEATHSIG, SIGTERM);
   if (::getppid() != parent) ::_exit(127);
   const int free = kChildSocket + static_cast<int>(given.size());
@@ -33,19 +59,25 @@ namespace {
     descriptor = ::fcntl(descriptor, F_DUPFD_CLOEXEC, free);
     if (descriptor < 0) ::_exit(127);
   }
-  ::dup2(source, STDIN_FILENO);
-  for (std::size_t i = 0; i < given.size(); ++i) ::dup2(given[i], kChildSocket + static_cast<int>(i));
+  // Of two equal numbers nothing would be copied, and the descriptor closed with the others.
+  if (source == STDIN_FILENO) ::fcntl(source, F_SETFD, 0);
+  bool isInPlace = source >= 0 && ::dup2(source, STDIN_FILENO) >= 0;
+  for (std::size_t i = 0; i < given.size(); ++i) {
+    isInPlace = isInPlace && ::dup2(given[i], kChildSocket + static_cast<int>(i)) >= 0;
+  }
+  if (!isInPlace) ::_exit(127);
   ::close_range(static_cast<unsigned>(free), ~0u, 0);
   ::execv(program, arguments);
   ::_exit(127);
 }
 
-std::string endingText(int status) {
+std::string causeOf(int status) {
   if (WIFSIGNALED(status)) {
     const int signal = WTERMSIG(status);
-    return "it was ended by signal " + std::to_string(signal) + " (" + strsignal(signal) + ")";
+    const char* const name = ::sigdescr_np(signal);
+    return "signal " + std::to_string(signal) + (name ? " (" + std::string(name) + ")" : "");
   }
-  return "it ended with exit code " + std::to_string(WEXITSTATUS(status));
+  return "exit code " + std::to_string(WEXITSTATUS(status));
 }
 
 }  // namespace
@@ -69,18 +101,20 @@ ChildProcess::ChildProcess(const std::string& program, const std::vector<std::st
   std::vector<int> given = inherited;
   given.insert(given.begin(), other.descriptor());
   const pid_t parent = ::getpid();
+  const SignalsHeld signals;
   id_ = ::fork();
   if (id_ < 0) refuse();
-  if (id_ == 0) becomeProgram(program.c_str(), pointers.data(), given, input, parent);
+  if (id_ == 0) becomeProgram(program.c_str(), pointers.data(), given, input, parent, signals);
+  endWithThisProgram(id_);
 }
 
 ChildProcess::ChildProcess(ChildProcess&& other) noexcept
-    : id_(std::exchange(other.id_, -1)), socket_(std::move(other.socket_)), ending_(std::move(other.ending_)) {}
+    : id_(std::exchange(other.id_, -1)), socket_(std::move(other.socket_)), status_(other.status_) {}
 
 ChildProcess& ChildProcess::operator=(ChildProcess&& other) noexcept {
   std::swap(id_, other.id_);
   std::swap(socket_, other.socket_);
-  std::swap(ending_, other.ending_);
+  std::swap(status_, other.status_);
   return *this;
 }
 
@@ -88,31 +122,45 @@ ChildProcess::~ChildProcess() {
   stop();
 }
 
+// Whether it has ended, within that time.
+bool ChildProcess::hasEnded(std::chrono::milliseconds patience) {
+  const auto end = std::chrono::steady_clock::now() + patience;
+  while (id_ >= 0) {
+    const SignalsHeld signals;  // one that comes must not meet the number of a process that is no more
+    const pid_t found = ::waitpid(id_, &status_, WNOHANG);
+    if (found == id_ || (found < 0 && errno != EINTR)) {
+      noLongerEnds(std::exchange(id_, -1));
+    } else if (std::chrono::steady_clock::now() < end) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    } else {
+      return false;
+    }
+  }
+  return true;
+}
+
 void ChildProcess::stop() {
   if (id_ < 0) return;
+  ::kill(id_, SIGTERM);
+  if (hasEnded(std::chrono::seconds(1))) return;
   ::kill(id_, SIGKILL);
-  int status = 0;
-  while (::waitpid(id_, &status, 0) < 0 && errno == EINTR) {
+  while (!hasEnded(std::chrono::seconds(1))) {
   }
-  id_ = -1;
-  ending_ = endingText(status);
+}
+
+bool ChildProcess::waitForEnd() {
+  if (hasEnded(std::chrono::seconds(1))) return true;
+  stop();
+  return false;
 }
 
 std::string ChildProcess::ending() {
-  for (int turn = 0; turn < 100 && id_ >= 0; ++turn) {
-    int status = 0;
-    if (::waitpid(id_, &status, WNOHANG) == id_) {
-      id_ = -1;
-      ending_ = endingText(status);
-    } else {
-      std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-  }
-  if (id_ >= 0) {
-    stop();
-    ending_ = "it did not end";
-  }
-  return ending_;
+  if (!waitForEnd()) return "it did not end";
+  return std::string(WIFSIGNALED(status_) ? "it was ended by " : "it ended with ") + causeOf(status_);
+}
+
+std::string ChildProcess::cause() {
+  return waitForEnd() ? causeOf(status_) : "no answer";
 }
 
 std::string helperProgram(const std::string& name) {

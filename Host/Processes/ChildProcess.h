@@ -5,6 +5,7 @@
 
 #include <sys/types.h>
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -27,19 +28,25 @@ class ChildProcess {
   ~ChildProcess();  // stop()
 
   MessageSocket& socket() { return socket_; }
+  const MessageSocket& socket() const { return socket_; }
   pid_t id() const { return id_; }
 
-  // Ends it, at once, unless it has ended already.
+  // Ends it, unless it has ended already: by a signal at which it can clear up, after a second by one at which it
+  // cannot.
   void stop();
 
   // Waits for its end, a second at most before it is stopped: "it was ended by signal 11 (Segmentation fault)",
-  // "it ended with exit code 1".
+  // "it ended with exit code 1", "it did not end"; and the same without a sentence: "signal 11 (Segmentation fault)".
   std::string ending();
+  std::string cause();
 
  private:
+  bool hasEnded(std::chrono::milliseconds patience);
+  bool waitForEnd();
+
   pid_t id_ = -1;
   MessageSocket socket_;
-  std::string ending_;
+  int status_ = 0;  // as waitpid() gives it
 };
 
 // A program that is installed beside the libraries, by its name. Throws Failure when it is not there.

@@ -34,7 +34,8 @@ Header headerOf(const std::byte* memory) {
 
 }  // namespace
 
-FrameSlots::FrameSlots(std::size_t count) {
+// Through the constructor without slots: a Failure here then closes those that there are.
+FrameSlots::FrameSlots(std::size_t count) : FrameSlots() {
   for (std::size_t i = 0; i < count; ++i) {
     const int descriptor = ::memfd_create("vorto-frame", MFD_CLOEXEC | MFD_ALLOW_SEALING);
     if (descriptor < 0) refuse("made");
@@ -83,9 +84,11 @@ std::byte* FrameSlots::grown(std::size_t index, std::size_t size) {
   struct stat state {};
   if (::fstat(slot.descriptor, &state) != 0) refuse("looked at");
   // Allocated now, so that a machine without memory fails here and not while the pixels are written.
-  if (static_cast<std::size_t>(state.st_size) < size &&
-      (errno = ::posix_fallocate(slot.descriptor, 0, static_cast<off_t>(size))) != 0) {
-    refuse("had");
+  if (static_cast<std::size_t>(state.st_size) < size) {
+    do {
+      errno = ::posix_fallocate(slot.descriptor, 0, static_cast<off_t>(size));
+    } while (errno == EINTR);
+    if (errno != 0) refuse("had");
   }
   return mapped(slot, size);
 }
@@ -113,10 +116,14 @@ std::byte* FrameSlots::fill(std::size_t slot, const FrameKind& kind) {
 FrameKind FrameSlots::kind(std::size_t slot) {
   std::size_t size = 0;
   const Header header = headerOf(whole(slot, &size));
-  if (header.kind.bytes() != header.bytes) {
+  const FrameKind& kind = header.kind;
+  const bool isKnown = kind.sample <= SampleType::Float && kind.channels <= Channels::RGBA &&
+                       kind.alpha <= AlphaKind::Premultiplied && kind.width > 0 && kind.height > 0;
+  const std::size_t room = size - kHeaderBytes;
+  if (!isKnown || kind.rowBytes() > room / kind.height || kind.bytes() != header.bytes) {
     throw Failure(ExitCode::Unexpected, "a helper process gave a frame that is not whole");
   }
-  return header.kind;
+  return kind;
 }
 
 const std::byte* FrameSlots::pixels(std::size_t slot) {

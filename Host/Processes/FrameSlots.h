@@ -33,14 +33,15 @@ class FrameSlots {
   FrameSlots(int first, std::size_t count);
   FrameSlots(FrameSlots&&) noexcept = default;
   FrameSlots& operator=(FrameSlots&&) = delete;
-  ~FrameSlots();
+  ~FrameSlots();  // closes the descriptors
 
   std::size_t count() const { return slots_.size(); }
   std::vector<int> descriptors() const;
 
   // Room for a frame, whose pixels the caller writes. Throws Failure when there is no memory.
   std::byte* fill(std::size_t slot, const FrameKind& kind);
-  // What another process wrote. Throws Failure when it is not all there. Both stay until the slot is filled again.
+  // What another process wrote. Throws Failure when it is not all there. Both stay until the slot is filled again;
+  // pixels() are as many as the last kind() said.
   FrameKind kind(std::size_t slot);
   const std::byte* pixels(std::size_t slot);
 
@@ -49,6 +50,7 @@ class FrameSlots {
   std::span<const std::uint8_t> bytes(std::size_t slot);
 
  private:
+  FrameSlots() = default;
   struct Slot {
     int descriptor = -1;
     std::byte* memory = nullptr;

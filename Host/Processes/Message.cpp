@@ -7,8 +7,10 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <limits>
 #include <utility>
 
 namespace host {
@@ -37,8 +39,10 @@ bool isReadable(int descriptor, std::chrono::milliseconds patience) {
   const Clock::time_point end = Clock::now() + patience;
   for (;;) {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
+    constexpr std::int64_t most = std::numeric_limits<int>::max();
     pollfd waiting{descriptor, POLLIN, 0};
-    const int found = ::poll(&waiting, 1, patience.count() < 0 ? -1 : static_cast<int>(left > 0 ? left : 0));
+    const int found =
+        ::poll(&waiting, 1, patience.count() < 0 ? -1 : static_cast<int>(std::clamp<std::int64_t>(left, 0, most)));
     if (found >= 0 || errno != EINTR) return found > 0;
   }
 }
@@ -101,21 +105,19 @@ bool MessageSocket::send(std::span<const std::uint8_t> message) {
   return sendAll(descriptor_, &length, sizeof length) && sendAll(descriptor_, message.data(), message.size());
 }
 
-bool MessageSocket::takeMessage(Bytes* message) {
+// How many bytes the message that has begun still lacks, as far as is known: its length comes first.
+std::size_t MessageSocket::missing() {
   Length length = 0;
-  if (pending_.size() < sizeof length) return false;
+  if (pending_.size() < sizeof length) return sizeof length - pending_.size();
   std::memcpy(&length, pending_.data(), sizeof length);
   isBroken_ = length > kLargestMessage;
-  if (isBroken_ || pending_.size() - sizeof length < length) return false;
-  const auto begin = pending_.begin() + sizeof length;
-  message->assign(begin, begin + length);
-  pending_.erase(pending_.begin(), begin + length);
-  return true;
+  return sizeof length + length - pending_.size();
 }
 
 MessageSocket::Received MessageSocket::receive(Bytes* message, std::chrono::milliseconds patience) {
   const Clock::time_point end = Clock::now() + patience;
-  while (!takeMessage(message)) {
+  // Nothing of the message after this one is taken: the descriptor stays readable as long as there is one.
+  while (const std::size_t size = missing()) {
     if (isBroken_) return Received::End;
     const bool isEndless = patience.count() < 0;
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
@@ -123,11 +125,13 @@ MessageSocket::Received MessageSocket::receive(Bytes* message, std::chrono::mill
       return Received::Nothing;
     }
     std::array<std::uint8_t, 65536> part;
-    const ssize_t size = ::recv(descriptor_, part.data(), part.size(), 0);
-    if (size < 0 && errno == EINTR) continue;
-    if (size <= 0) return Received::End;
-    pending_.insert(pending_.end(), part.begin(), part.begin() + size);
+    const ssize_t received = ::recv(descriptor_, part.data(), std::min(size, part.size()), 0);
+    if (received < 0 && errno == EINTR) continue;
+    if (received <= 0) return Received::End;
+    pending_.insert(pending_.end(), part.begin(), part.begin() + received);
   }
+  message->assign(pending_.begin() + sizeof(Length), pending_.end());
+  pending_.clear();
   return Received::Message;
 }
 

@@ -70,9 +70,9 @@ class MessageSocket {
   bool receive(Bytes* message);
 
  private:
-  bool takeMessage(Bytes* message);
+  std::size_t missing();
   int descriptor_ = -1;
-  Bytes pending_;  // received, not yet taken
+  Bytes pending_;  // what there is of the next message
   bool isBroken_ = false;
 };
 

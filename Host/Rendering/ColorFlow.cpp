@@ -28,6 +28,12 @@ void checkConvertible(const ColorSpace& from, const ColorSpace& to, const std::s
                                      "converts nothing");
 }
 
+ColorOutput outputOf(FileFormat format, Depth depth, std::optional<Channels> channels, const std::string& path) {
+  std::optional<bool> isToldGray;
+  if (channels) isToldGray = isGray(*channels);
+  return {path, format, sampleTypeOf(storedDepth(format, depth)) == SampleType::Float, isToldGray};
+}
+
 bool contains(const std::vector<ColorSpace>& spaces, const ColorSpace& space) {
   return std::any_of(spaces.begin(), spaces.end(), [&](const ColorSpace& one) { return isSameSpace(one, space); });
 }
@@ -48,33 +54,31 @@ ColorFlow::Met ColorFlow::metInput(std::size_t index, const std::string& path, c
   return met;
 }
 
+void ColorFlow::begin(const std::vector<std::string>& paths, const std::vector<const PictureInfo*>& infos) {
+  first_.clear();
+  for (std::size_t i = 0; i < paths.size(); ++i) first_.push_back(metInput(i, paths[i], *infos[i]));
+  decide();
+}
+
 void ColorFlow::meet(const std::vector<std::string>& paths, const std::vector<const PictureInfo*>& infos) {
-  if (!isDecided_) {
-    for (std::size_t i = 0; i < paths.size(); ++i) first_.push_back(metInput(i, paths[i], *infos[i]));
-    decide();
-    return;
-  }
   std::vector<ColorInput> current;
   for (std::size_t i = 0; i < paths.size(); ++i) {
     if (!infos[i]) continue;
-    meetLater(i, metInput(i, paths[i], *infos[i]));
+    meetInput(i, metInput(i, paths[i], *infos[i]));
     current.push_back(inputs_[i]);
   }
   warnOfGuesswork(current);
 }
 
-void ColorFlow::meetLater(std::size_t index, Met met) {
+void ColorFlow::meetInput(std::size_t index, Met met) {
   ColorInput& input = met.input;
   const bool isConverted = needsConversion(input.space, plan_.working);
   if (isConverted && !contains(converted_, input.space)) dropUnusable(met);
   if (!input.remark.empty()) tellOnce(input.path, input.remark);
-  if (needsConversion(input.space, plan_.working)) {
-    plan_.needsFloat = true;
-    if (!contains(converted_, input.space)) {
-      conversionFrom(input.space, input.path);
-      remark(conversionSentence(input.path, input.space, plan_.working));
-      converted_.push_back(input.space);
-    }
+  if (needsConversion(input.space, plan_.working) && !contains(converted_, input.space)) {
+    conversionFrom(input.space, input.path);
+    remark(conversionSentence(input.path, input.space, plan_.working), "colors from " + spaceText(input.space));
+    converted_.push_back(input.space);
   }
   inputs_[index] = std::move(input);
 }
@@ -85,13 +89,13 @@ void ColorFlow::warnOfGuesswork(const std::vector<ColorInput>& current) {
   std::vector<ColorInput> all = firstInputs();
   all.insert(all.end(), current.begin(), current.end());
   if (const auto warning = guessworkWarning(all)) {
-    remark(*warning);
+    remark(*warning, "colors by guesswork");
     isGuessworkTold_ = true;
   }
 }
 
 void ColorFlow::tellOnce(const std::string& what, const std::string& about) {
-  if (told_.insert(about).second) remark(what + ": " + about);
+  if (told_.insert(about).second) remark(what + ": " + about, about);
 }
 
 void ColorFlow::decide() {
@@ -102,6 +106,7 @@ void ColorFlow::decide() {
   }
   isDecided_ = true;
   tell(plan_.sentences);
+  if (output_) decideOutput();
 }
 
 std::vector<ColorInput> ColorFlow::firstInputs() const {
@@ -122,6 +127,11 @@ void ColorFlow::plan() {
     if (plan_.isConverted[i]) converted_.push_back(inputs_[i].space);
     told_.insert(inputs_[i].remark);
   }
+}
+
+bool ColorFlow::isAnyInputConverted() const {
+  return std::any_of(inputs_.begin(), inputs_.end(),
+                     [&](const ColorInput& input) { return needsConversion(input.space, plan_.working); });
 }
 
 bool ColorFlow::dropUnusable() {
@@ -153,7 +163,6 @@ bool ColorFlow::dropUnusable(Met& met) {
 MutableBitmapRef ColorFlow::toWorking(std::size_t input, const FilePicture& picture, const std::string& path) {
   const ColorSpace& from = inputs_[input].space;
   if (!needsConversion(from, plan_.working)) return nullptr;
-  isAnyInputConverted_ = true;
   return convertedBitmap(conversionFrom(from, path), *picture.bitmap, picture.info->alpha, path);
 }
 
@@ -209,16 +218,25 @@ std::optional<ColorSpace> ColorFlow::lightOfConfiguration() const {
   return light;
 }
 
+void ColorFlow::expectOutput(FileFormat format, Depth depth, std::optional<Channels> channels,
+                             const std::string& path) {
+  if (isDecided_) {
+    if (!first_.empty()) setOutput(outputOf(format, depth, channels, path));
+  } else {
+    output_ = outputOf(format, depth, channels, path);
+  }
+}
+
+void ColorFlow::setOutput(const ColorOutput& output) {
+  if (output_ == output) return;
+  output_ = output;
+  decideOutput();
+}
+
 void ColorFlow::toOutput(OutputPicture& picture, FileFormat format, const std::string& path) {
   if (!isDecided_) decide();
-  const SampleType sample = sampleTypeOf(storedDepth(format, picture.depth));
-  std::optional<bool> isToldGray;
-  if (picture.areChannelsTold) isToldGray = isGray(picture.channels);
-  const ColorOutput output{path, format, sample == SampleType::Float, isToldGray};
-  if (output_ != output) {
-    output_ = output;
-    decideOutput();
-  }
+  setOutput(
+      outputOf(format, picture.depth, picture.areChannelsTold ? std::optional(picture.channels) : std::nullopt, path));
   picture.metadata.color = outputPlan_.tag;
   fitProfile(picture);
   if (isSpaceOfFirst(outputPlan_.space, plan_.working, inputs_)) {
@@ -229,7 +247,7 @@ void ColorFlow::toOutput(OutputPicture& picture, FileFormat format, const std::s
     forgetFormerSpace(&picture.metadata, outputPlan_.space);
   }
   picture.colors = outputConversion_;
-  picture.isConverted = outputConversion_ || isAnyInputConverted_;
+  picture.isConverted = outputConversion_ || isAnyInputConverted();
 }
 
 void ColorFlow::fitProfile(OutputPicture& picture) {
@@ -247,11 +265,15 @@ void ColorFlow::fitProfile(OutputPicture& picture) {
   hasLeftProfileOut_ = true;
 }
 
-void ColorFlow::tellOfClipping(std::uint64_t pixels) const {
-  if (pixels == 0 || outputPlan_.space.kind == ColorSpace::Kind::Raw) return;
+std::string ColorFlow::clippedSpace() const {
+  return outputPlan_.space.kind == ColorSpace::Kind::Raw ? "" : spaceText(outputPlan_.space);
+}
+
+void tellOfClipping(std::uint64_t pixels, const std::string& space) {
+  if (pixels == 0 || space.empty()) return;
   remark(std::to_string(pixels) +
-         (pixels == 1 ? " pixel of the result lies outside " : " pixels of the result lie outside ") +
-         spaceText(outputPlan_.space) + " and " + (pixels == 1 ? "was" : "were") + " clipped");
+         (pixels == 1 ? " pixel of the result lies outside " : " pixels of the result lie outside ") + space + " and " +
+         (pixels == 1 ? "was" : "were") + " clipped");
 }
 
 }  // namespace host

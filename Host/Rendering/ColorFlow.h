@@ -25,17 +25,32 @@ struct ColorWishes {
   std::vector<std::optional<ColorSpace>> inputs;  // by their order; may be shorter than they are many
 };
 
-// The colors of a run: from the inputs' spaces to the working one, and from there to the file's. The first pictures
-// decide. What is converted is said on standard error, once.
+// Says how many pixels of the results lay outside of a clippedSpace(); nothing where there are none.
+void tellOfClipping(std::uint64_t pixels, const std::string& space);
+
+// The colors of a run: from the inputs' spaces to the working one, and from there to the file's. What the files of the
+// first frame say decides for all; what becomes of another frame follows from that and from its own files, whatever
+// frames were between. What is converted is said on standard error, once.
 class ColorFlow {
  public:
   explicit ColorFlow(ColorWishes wishes) : wishes_(std::move(wishes)) {}
 
-  // The inputs of a frame, before anything else of it. `infos` has null for a still that was there before. Of later
-  // frames only what is new is said. Throws Failure when something cannot be converted.
+  // Decides by the files of the first frame: once, before anything else. Throws Failure when something cannot be
+  // converted, as the next two do.
+  void begin(const std::vector<std::string>& paths, const std::vector<const PictureInfo*>& infos);
+  bool hasBegun() const { return isDecided_; }
+
+  // What is written of all frames, said before the first is looked at: otherwise the first result decides it, and with
+  // it may find that the profile of the inputs is of no use, when pictures have been taken with it. `depth` is that of
+  // the results; `channels`, where told, those of the file. Without inputs there is nothing to decide before.
+  void expectOutput(FileFormat format, Depth depth, std::optional<Channels> channels, const std::string& path);
+
+  // The inputs of a frame, before anything else of it. `infos` has null for a still that was there before. Of each
+  // frame only what is new is said.
   void meet(const std::vector<std::string>& paths, const std::vector<const PictureInfo*>& infos);
 
-  bool needsFloat() const { return plan_.needsFloat; }  // whatever the depth
+  bool alwaysNeedsFloat() const { return plan_.needsFloat; }                     // whatever the depth
+  bool needsFloat() const { return plan_.needsFloat || isAnyInputConverted(); }  // in the current frame
 
   // An input's picture in the working space: RGBAFloat, premultiplied; null where it is in that space already.
   MutableBitmapRef toWorking(std::size_t input, const FilePicture& picture, const std::string& path);
@@ -45,8 +60,8 @@ class ColorFlow {
   // inputs before it colors are sRGB.
   void toOutput(OutputPicture& picture, FileFormat format, const std::string& path);
 
-  // That pixels of the results lay outside what the file's integers can hold, where there are any and they are colors.
-  void tellOfClipping(std::uint64_t pixels) const;
+  // What pixels lie outside of that the file's integers cannot hold: the space's name, empty where they are no colors.
+  std::string clippedSpace() const;
 
  private:
   // An input, and what it counts as where its space is found to be of no use.
@@ -57,14 +72,16 @@ class ColorFlow {
 
   void decide();
   void plan();
+  bool isAnyInputConverted() const;
   std::vector<ColorInput> firstInputs() const;
   ColorConversion& conversionFrom(const ColorSpace& space, const std::string& path);
+  void setOutput(const ColorOutput& output);
   void decideOutput();
   std::optional<ColorSpace> lightOfConfiguration() const;
   bool dropUnusable();
   bool dropUnusable(Met& met);
   Met metInput(std::size_t index, const std::string& path, const PictureInfo& info) const;
-  void meetLater(std::size_t index, Met met);
+  void meetInput(std::size_t index, Met met);
   void warnOfGuesswork(const std::vector<ColorInput>& current);
   void tellOnce(const std::string& what, const std::string& about);
   void fitProfile(OutputPicture& picture);
@@ -82,7 +99,6 @@ class ColorFlow {
   std::optional<ColorOutput> output_;                                                 // what the plan is for
   OutputPlan outputPlan_;
   std::shared_ptr<ColorConversion> outputConversion_;
-  bool isAnyInputConverted_ = false;  // of those so far
   bool hasLeftProfileOut_ = false;
 };
 

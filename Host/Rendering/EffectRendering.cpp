@@ -3,9 +3,11 @@
 
 #include "Host/Messages/Failure.h"
 #include "Host/Messages/Json.h"
+#include "Host/Rendering/InputWatch.h"
 #include "Host/Rendering/PortValues.h"
 #include "Platform/QuartzComposer/QCPatch.h"
 #include "Ports/VRTImage.h"
+#include "Registry/VRTExecutionTraits.h"
 #include "TarnCore/TCBitmap.h"
 
 #include <utility>
@@ -53,7 +55,10 @@ EffectRendering::EffectRendering(const std::string& effect, std::size_t inputCou
   chooseKind(inputCount);
   checkRoles();
   if (kind_ == EffectKind::Generator) askGenerator();
+  watch_ = std::make_unique<InputWatch>(*patch_);
 }
+
+EffectRendering::~EffectRendering() = default;
 
 void EffectRendering::chooseKind(std::size_t inputCount) {
   std::string expected;
@@ -91,7 +96,10 @@ void EffectRendering::askGenerator() {
 }
 
 BitmapRef EffectRendering::result(double time) {
+  if (isLastResultGood(time)) return lastResult_;
+  lastResult_ = nullptr;
   setTime(time);
+  watch_->forget();
   std::string reason;
   if (!patch_->executeAtTime(time, &reason)) {
     throw Failure(ExitCode::Effect, described() + " could not render" + (reason.empty() ? "" : ": " + reason));
@@ -99,7 +107,15 @@ BitmapRef EffectRendering::result(double time) {
   BitmapRef result = VRTImage::bitmapOfPort(dynamic_cast<QCImagePort&>(*roles_.output));
   if (!result) throw Failure(ExitCode::Effect, described() + " gave no image");
   sampleTypeOfResult(*result, described());
-  return framing_.size ? scaledBitmap(result, *framing_.size, framing_.scaling) : result;
+  if (framing_.size) result = scaledBitmap(result, *framing_.size, framing_.scaling);
+  if (!keepsState(*patch_)) lastResult_ = result;
+  lastTime_ = time;
+  return result;
+}
+
+bool EffectRendering::isLastResultGood(double time) const {
+  const bool changesWithTime = roles_.time || dependsOnTime(*patch_);
+  return lastResult_ && !watch_->hasSeenChange() && (!changesWithTime || time == lastTime_);
 }
 
 Depth EffectRendering::depthOf(const VortoBitmap& result) const {

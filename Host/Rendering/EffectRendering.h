@@ -11,6 +11,8 @@
 
 namespace host {
 
+class InputWatch;
+
 // One effect that renders pictures, frame after frame.
 //
 // A size scales what a filter gives, and what blend modes and transitions are given; pictures of different sizes meet
@@ -21,6 +23,7 @@ class EffectRendering {
   // Throws Failure for an unknown effect, or when none of its kinds takes that many pictures.
   EffectRendering(const std::string& effect, std::size_t inputCount, const Framing& framing,
                   std::optional<Depth> depth);
+  ~EffectRendering();
 
   const std::string& effect() const { return effect_; }
   EffectKind kind() const { return kind_; }
@@ -28,8 +31,9 @@ class EffectRendering {
   QCPatch& patch() { return *patch_; }
 
   void connect(const InputPictures& pictures);
-  // Runs the effect: what it gave, in the size that was wanted. Throws Failure when the effect cannot render, or gives
-  // something else than effects exchange.
+  // Runs the effect: what it gave, in the size that was wanted. Where it cannot give anything else than the last time,
+  // by what it declares (Registry/VRTExecutionTraits.h), it is not run again. Throws Failure when the effect cannot
+  // render, or gives something else than effects exchange.
   BitmapRef result(double time);
   Depth depthOf(const VortoBitmap& result) const;  // to write it in
 
@@ -38,6 +42,7 @@ class EffectRendering {
   void checkRoles() const;
   void askGenerator();
   void setTime(double time);
+  bool isLastResultGood(double time) const;
   std::string described() const;
 
   const std::string effect_;
@@ -46,7 +51,10 @@ class EffectRendering {
   std::shared_ptr<QCPatch> patch_;
   EffectKind kind_ = EffectKind::Filter;
   EffectRoles roles_;
-  std::optional<Depth> inputDepth_;  // of the pictures that are connected; none for generators
+  std::optional<Depth> inputDepth_;    // of the pictures that are connected; none for generators
+  std::unique_ptr<InputWatch> watch_;  // of the patch's ports
+  BitmapRef lastResult_;               // null where it must not be used again
+  double lastTime_ = 0;
 };
 
 }  // namespace host

@@ -29,26 +29,34 @@ struct RenderSetup {
   ColorWishes colors;
 };
 
+// What results are made for.
+struct OutputDescription {
+  std::string name;                                 // as messages call it
+  std::function<FileFormat(Depth)> format;          // that pictures of a depth are written in
+  std::optional<Channels> channels = std::nullopt;  // that all pictures have, where the first one decided it
+};
+
 // Renders frames, each without regard to those before it: the first frame of the plan alone decides depth and colors,
 // by what its files say, so that the same frame becomes the same bytes in every process.
 class FrameRendering {
  public:
   explicit FrameRendering(const RenderSetup& setup);  // effects are loaded; throws Failure
 
-  const EffectRendering& effect() const { return effect_; }
+  EffectRendering& effect() { return effect_; }
   Inputs& inputs() { return inputs_; }
 
-  // Before frames are rendered. `clips` outlives this, null where no input is a clip.
-  void begin(const PlannedFrame& first, ClipFrames* clips);
+  // What the plan's first frame decides, which any process can find out; without it the first frame that is rendered
+  // decides. `clips` outlives this, null where no input is a clip.
+  void begin(const PlannedFrame& first, ClipFrames* clips, const OutputDescription& output);
 
-  // The result, as a file of the format is to hold it. `channels`, where given, are those that it is to have.
-  OutputPicture render(const PlannedFrame& frame, const std::function<FileFormat(Depth)>& formatFor,
-                       std::optional<Channels> channels);
+  // The result, ready to be written.
+  OutputPicture render(const PlannedFrame& frame, const OutputDescription& output);
 
  private:
-  RenderSetup setup_;
+  const RenderSetup setup_;
   EffectRendering effect_;
   Inputs inputs_;
+  ClipFrames* clips_ = nullptr;
 };
 
 }  // namespace host

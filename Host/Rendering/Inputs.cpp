@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Rendering/Inputs.h"
 
+#include "Host/Clips/ClipReader.h"
 #include "Host/Files/FileFormat.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Pixels/Alpha.h"
@@ -23,14 +24,33 @@ Inputs::Inputs(const std::vector<std::string>& paths, std::optional<Depth> depth
                ColorWishes colors)
     : depth_(layout ? std::optional(layout->depth) : depth), layout_(layout), colors_(std::move(colors)) {
   if (std::ranges::count(paths, "-") > 1) throw Failure(ExitCode::Usage, "--input -: the standard input is given once");
-  for (const std::string& path : paths) sources_.push_back({path, framePattern(path), nullptr, nullptr});
+  for (const std::string& path : paths) {
+    Source source;
+    source.path = path;
+    source.pattern = framePattern(path);
+    source.isClip = !source.pattern && path != "-" && isClip(path);
+    sources_.push_back(std::move(source));
+  }
+}
+
+Inputs::Kind Inputs::kind(std::size_t input) const {
+  const Source& source = sources_[input];
+  return source.pattern ? Kind::Sequence : source.isClip ? Kind::Clip : Kind::Still;
 }
 
 bool Inputs::areSequence() const {
-  for (const Source& source : sources_) {
-    if (source.pattern) return true;
-  }
-  return false;
+  return std::ranges::any_of(sources_, [](const Source& source) { return source.pattern.has_value(); });
+}
+
+bool Inputs::haveClip() const {
+  return std::ranges::any_of(sources_, &Source::isClip);
+}
+
+FrameRange Inputs::existingFramesOf(std::size_t input) const {
+  const FramePattern& pattern = *sources_[input].pattern;
+  const FrameRange range = existingFrames(pattern);
+  checkFramesExist(pattern, range);
+  return range;
 }
 
 FrameRange Inputs::checkedFrames(std::optional<FrameRange> wanted) const {
@@ -46,46 +66,87 @@ FrameRange Inputs::checkedFrames(std::optional<FrameRange> wanted) const {
   return range.value_or(FrameRange{});
 }
 
+void Inputs::begin(const std::vector<std::string>& paths, const std::vector<const PictureInfo*>& infos) {
+  colors_.begin(paths, infos);
+  if (!depth_) {
+    for (const PictureInfo* info : infos) depth_ = depth_ ? commonDepth(*depth_, info->depth) : info->depth;
+  }
+  hasBegun_ = true;
+}
+
+std::string Inputs::fileAt(std::size_t input, const PlannedFrame& frame) const {
+  const Source& source = sources_[input];
+  return source.pattern ? source.pattern->path(frame.sources[input]) : source.path;
+}
+
+// What was there before is let go first.
+FilePicture Inputs::readAt(std::size_t input, const PlannedFrame& frame, ClipFrames* clips) {
+  Source& source = sources_[input];
+  source.frame.reset();
+  source.bitmap = nullptr;
+  if (!source.isClip) return readPicture(fileAt(input, frame));
+  if (!clips) throw Failure(ExitCode::Usage, source.path + " is a clip: this takes pictures and sequences");
+  return clips->frame(input, frame.sources[input]);
+}
+
+// A frame that stays is taken again from its file where other samples are needed beside other inputs: narrowed or
+// widened it would not be the same.
+void Inputs::takeMoving(std::size_t input, FilePicture file, const PlannedFrame& frame, ClipFrames* clips) {
+  Source& source = sources_[input];
+  const SampleType working = workingSample(colors_.needsFloat());
+  if (!file.bitmap && source.sample == working) return;
+  if (!file.bitmap) file = readAt(input, frame, clips);
+  source.bitmap = bitmapOf(input, std::move(file), fileAt(input, frame), working);
+  source.sample = working;
+}
+
 InputPictures Inputs::picturesAt(std::uint32_t frame) {
+  PlannedFrame planned;
+  for (const Source& source : sources_) planned.sources.push_back(source.pattern ? frame : 0);
+  return picturesAt(planned, nullptr);
+}
+
+InputPictures Inputs::picturesAt(const PlannedFrame& frame, ClipFrames* clips) {
   InputPictures pictures;
   std::vector<FilePicture> files(sources_.size());
-  for (std::size_t i = 0; i < sources_.size(); ++i) {
-    const Source& source = sources_[i];
-    pictures.paths.push_back(source.pattern ? source.pattern->path(frame) : source.path);
-    if (!source.still) files[i] = readPicture(pictures.paths[i]);
-  }
   std::vector<const PictureInfo*> infos;
-  infos.reserve(files.size());
-  for (const FilePicture& file : files) infos.push_back(file.info.get());
+  for (std::size_t i = 0; i < sources_.size(); ++i) {
+    pictures.paths.push_back(fileAt(i, frame));
+    if (sources_[i].frame != frame.sources[i]) files[i] = readAt(i, frame, clips);
+    infos.push_back(files[i].info.get());
+  }
+  if (!hasBegun_) begin(pictures.paths, infos);
   colors_.meet(pictures.paths, infos);
-  if (!depth_) decideDepth(files);
   for (std::size_t i = 0; i < sources_.size(); ++i) {
     Source& source = sources_[i];
-    auto info = source.still ? source.stillInfo : files[i].info;
-    BitmapRef bitmap = source.still ? stillOf(source) : bitmapOf(i, std::move(files[i]), pictures.paths[i]);
-    if (!source.pattern) {
-      source.still = bitmap;
-      source.stillInfo = info;
+    if (files[i].info) source.info = files[i].info;
+    if (source.isMoving()) {
+      takeMoving(i, std::move(files[i]), frame, clips);
+    } else if (!source.bitmap) {
+      source.bitmap = bitmapOf(i, std::move(files[i]), pictures.paths[i], workingSample(colors_.alwaysNeedsFloat()));
     }
-    pictures.bitmaps.push_back(std::move(bitmap));
-    pictures.infos.push_back(std::move(info));
+    source.frame = frame.sources[i];
+    pictures.bitmaps.push_back(source.isMoving() ? source.bitmap : stillOf(source));
+    pictures.infos.push_back(source.info);
   }
   pictures.depth = depth_.value_or(Depth::Bits8);
   return pictures;
 }
 
 // A layout has its own.
-SampleType Inputs::workingSample() const {
-  return colors_.needsFloat() && !layout_ ? SampleType::Float : sampleTypeOf(*depth_);
+SampleType Inputs::workingSample(bool needsFloat) const {
+  return needsFloat && !layout_ ? SampleType::Float : sampleTypeOf(*depth_);
 }
 
-// Floats are needed as soon as a later frame is converted.
-BitmapRef Inputs::stillOf(const Source& source) const {
-  return layout_ ? source.still : inDepth(source.still, workingSample(), source.path);
+// Floats are needed as long as a frame is converted beside it.
+BitmapRef Inputs::stillOf(Source& source) const {
+  const bool isWiderNow = workingSample(colors_.needsFloat()) != workingSample(colors_.alwaysNeedsFloat());
+  if (!isWiderNow) return source.bitmap;
+  if (!source.stillAsFloat) source.stillAsFloat = inDepth(source.bitmap, SampleType::Float, source.path);
+  return source.stillAsFloat;
 }
 
-BitmapRef Inputs::bitmapOf(std::size_t index, FilePicture file, const std::string& path) {
-  const SampleType working = workingSample();
+BitmapRef Inputs::bitmapOf(std::size_t index, FilePicture file, const std::string& path, SampleType working) {
   if (MutableBitmapRef converted = colors_.toWorking(index, file, path)) {
     file.bitmap = std::move(converted);
   } else if (file.info->alpha == AlphaKind::Straight) {
@@ -96,10 +157,6 @@ BitmapRef Inputs::bitmapOf(std::size_t index, FilePicture file, const std::strin
   }
   const BitmapRef bitmap = std::move(file.bitmap);
   return layout_ ? throughLayout(bitmap, *layout_, path) : inDepth(bitmap, working, path);
-}
-
-void Inputs::decideDepth(const std::vector<FilePicture>& files) {
-  for (const FilePicture& file : files) depth_ = depth_ ? commonDepth(*depth_, file.info->depth) : file.info->depth;
 }
 
 }  // namespace host

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Ports/VRTPorts.h"
+#include "Registry/VRTExecutionTraits.h"
 #include "Registry/VRTProtocols.h"
 #include "Tests/Effects/Harness.h"
 
@@ -110,6 +111,13 @@ TEST(EveryEffect, IsLoadedAndDescribesItself) {
     const PropertyList& attributes = *effects().nodeAttributesWithName(name);
     const auto patch = effectNamed(name);
     EXPECT_EQ(attributes.find("name")->stringValue(), name);
+    const bool changesWithTime = isVortoTransition(*patch) || name == "Duotone";  // which mixes by a transition
+    EXPECT_EQ(dependsOnTime(*patch), changesWithTime);
+    EXPECT_FALSE(keepsState(*patch));
+    for (const char* const key : {"dependsOnTime", "keepsState"}) {
+      ASSERT_TRUE(attributes.find(key)) << key;
+      EXPECT_EQ(*attributes.find(key), *patch->attributes().find(key)) << "it is listed as it is made: " << key;
+    }
     EXPECT_GT(attributes.find("description")->stringValue().size(), 10U);
     const PropertyList& kinds = *attributes.find("protocols");
     ASSERT_EQ(kinds.entries().size(), 1U);

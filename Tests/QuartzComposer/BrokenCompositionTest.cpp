@@ -36,7 +36,7 @@ TEST(BrokenCompositions, AreReportedOnceAndTheOthersLoad) {
     EXPECT_EQ(errors.text(), folder.path("Broken.qtz") + ": " + manager->loadFailures().at(0).reason + "\n");
     ++count;
   }
-  EXPECT_GE(count, 38);
+  EXPECT_GE(count, 39);
 }
 
 TEST(BrokenCompositions, AreRefusedWithoutAReasonTooAndBeforeTheyAreRead) {

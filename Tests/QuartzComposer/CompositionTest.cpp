@@ -63,6 +63,50 @@ TEST(Composition, NestsAndPublishesAgain) {
   EXPECT_TRUE(manager->loadFailures().empty());
 }
 
+TEST(Composition, DependsOnWhatAnyOfItsNodesDependsOn) {
+  const auto traits = [](bool time, bool state) {
+    return dict({{"dependsOnTime", P::boolean(time)}, {"keepsState", P::boolean(state)}});
+  };
+  const auto manager = newManager();
+  const std::pair<const char*, P> nodes[] = {{"Plain", traits(false, false)},
+                                             {"Timed", traits(true, false)},
+                                             {"Stateful", traits(false, true)},
+                                             {"Older", {}}};
+  for (const auto& [name, attributes] : nodes) {
+    manager->registerNodeWithName(name, attributes, [list = attributes] { return std::make_shared<QCPatch>(list); });
+  }
+  struct Case {
+    const char* name;
+    Names nodes;
+    P own, expected;
+  };
+  const Case cases[] = {
+      {"plain", {"Plain", "Plain"}, {}, traits(false, false)},
+      {"timed", {"Plain", "Timed"}, {}, traits(true, false)},
+      {"of older nodes", {"Plain", "Older"}, {}, traits(true, true)},
+      {"lowered", {"Stateful", "Plain"}, traits(false, false), traits(false, true)},
+      {"raised", {"Plain"}, traits(true, false), traits(true, false)},
+      {"nested", {"plain", "raised", "lowered"}, {}, traits(true, true)},
+  };
+  for (const Case& each : cases) {
+    P file = composition(each.name, each.nodes), attributes = each.own;
+    attributes.set("name", text(each.name));
+    file.set("attributes", attributes);
+    load(*manager, file, std::string(each.name) + ".qtz");
+  }
+  for (const Case& each : cases) {
+    SCOPED_TRACE(each.name);
+    const auto made = manager->nodeInstanceWithName(each.name);
+    const P* listed = manager->nodeAttributesWithName(each.name);
+    ASSERT_TRUE(made && listed);
+    for (const char* const key : {"dependsOnTime", "keepsState"}) {
+      EXPECT_EQ(*made->attributes().find(key), *each.expected.find(key)) << key;
+      EXPECT_EQ(*listed->find(key), *each.expected.find(key)) << key;
+      EXPECT_EQ(made->declaresFalse(key), !each.expected.find(key)->boolValue()) << key;
+    }
+  }
+}
+
 TEST(Composition, NamesTheNodeThatFailedAndItselfAfterItsFile) {
   std::string reason;
   EXPECT_FALSE(instanceOf("Throws")->executeAtTime(0, &reason));

@@ -2,6 +2,7 @@
 #include "Registry/VRTProtocols.h"
 
 #include "Platform/QuartzComposer/QCPatch.h"
+#include "Registry/VRTExecutionTraits.h"
 #include "Tests/Support/Lists.h"
 
 namespace {
@@ -59,6 +60,21 @@ TEST(Protocols, MissingAndMalformedEntriesGiveNull) {
     const QCPatch plain(attributes);
     EXPECT_FALSE(isVortoFilter(plain));
     EXPECT_EQ(filterInputImagePort(plain), nullptr);
+  }
+}
+
+TEST(ExecutionTraits, OnlyADeclaredFalseIsFalse) {
+  using P = PropertyList;
+  for (const P& value : {P::boolean(true), P::integer(0), text("false"), P()}) {
+    const QCPatch patch(dict({{"dependsOnTime", value}, {"keepsState", P::boolean(false)}}));
+    EXPECT_TRUE(dependsOnTime(patch)) << value.typeName();
+    EXPECT_FALSE(keepsState(patch));
+    const QCPatch other(dict({{"dependsOnTime", P::boolean(false)}, {"keepsState", value}}));
+    EXPECT_FALSE(dependsOnTime(other));
+    EXPECT_TRUE(keepsState(other)) << value.typeName();
+  }
+  for (const P& attributes : {P(), P::array(), attributesOfKind("filter")}) {
+    EXPECT_TRUE(dependsOnTime(QCPatch(attributes)) && keepsState(QCPatch(attributes))) << "it declares nothing";
   }
 }
 

@@ -109,6 +109,9 @@ class Reader {
     }
     entry(*attributes, "\"attributes\"", "description", Type::String, "string");
     entry(*attributes, "\"attributes\"", "protocols", Type::Dictionary, "dictionary");
+    for (const char* const key : {"dependsOnTime", "keepsState"}) {
+      entry(*attributes, "\"attributes\"", key, Type::Boolean, "boolean");
+    }
     composition_.attributes = *attributes;
   }
 

@@ -7,6 +7,7 @@
 #include "Platform/QuartzComposer/QCCompositionPatch.h"
 #include "Platform/QuartzComposer/QCNodeTable.h"
 
+#include <algorithm>
 #include <exception>
 #include <functional>
 #include <optional>
@@ -42,6 +43,9 @@ void checkMatch(const QCPort& from, const QCPort& to, const std::string& what) {
   }
 }
 
+// What a composition is as soon as one of its nodes is, or does not say that it is not.
+constexpr const char* kInheritedAttributes[] = {"dependsOnTime", "keepsState"};
+
 // Collects what an instance consists of: the nodes, their values, the connections, the published ports. Every method
 // throws a QCCompositionRefusal on what does not fit.
 class Builder {
@@ -50,6 +54,7 @@ class Builder {
   Builder(const QCComposition& composition, NodeMaker makeNode)
       : composition_(composition), makeNode_(std::move(makeNode)) {}
   QCCompositionPatch::Parts build();
+  PropertyList attributes() const;  // of the composition and what its nodes bring along; after build()
 
  private:
   void makeNodes();
@@ -84,6 +89,18 @@ QCCompositionPatch::Parts Builder::build() {
     publishOutput(published);
   }
   return std::move(parts_);
+}
+
+PropertyList Builder::attributes() const {
+  PropertyList attributes = composition_.attributes;
+  for (const char* const key : kInheritedAttributes) {
+    const PropertyList* own = attributes.find(key);
+    const bool isAny = (own && own->boolValue()) || std::any_of(nodes_.begin(), nodes_.end(), [&](const auto& node) {
+                         return !node->declaresFalse(key);
+                       });
+    attributes.set(key, PropertyList::boolean(isAny));
+  }
+  return attributes;
 }
 
 void Builder::makeNodes() {
@@ -236,7 +253,8 @@ std::shared_ptr<QCPatch> QCPatchWithComposition(const QCComposition& composition
                                                 std::string* reason) {
   return built(reason, [&] {
     Builder builder(composition, [&](const std::string& name) { return manager.nodeInstanceWithName(name); });
-    return std::make_shared<QCCompositionPatch>(composition.attributes, builder.build());
+    QCCompositionPatch::Parts parts = builder.build();
+    return std::make_shared<QCCompositionPatch>(builder.attributes(), std::move(parts));
   });
 }
 
@@ -251,6 +269,6 @@ std::shared_ptr<QCPatch> QCShellOfComposition(const QCComposition& composition, 
     parts.inputLinks.clear();
     parts.outputLinks.clear();
     parts.steps.clear();
-    return std::make_shared<QCCompositionPatch>(composition.attributes, std::move(parts));
+    return std::make_shared<QCCompositionPatch>(builder.attributes(), std::move(parts));
   });
 }

@@ -126,8 +126,8 @@ struct QCCompositionQueue::Attempt {
       }
       return patch;
     };
-    table.add({composition->name, composition->attributes, factory, composition->path, composition, extent,
-               std::move(shell)});
+    table.add(
+        {composition->name, shell->attributes(), factory, composition->path, composition, extent, std::move(shell)});
     candidate.outcome = Outcome::Added;
   }
 

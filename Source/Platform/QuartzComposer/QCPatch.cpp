@@ -43,6 +43,11 @@ QCPatch::~QCPatch() {
   }
 }
 
+bool QCPatch::declaresFalse(std::string_view attribute) const {
+  const PropertyList* value = attributes_.find(attribute);
+  return value && value->type() == PropertyList::Type::Boolean && !value->boolValue();
+}
+
 QCPatch::Place QCPatch::placeOf(std::string_view key) const {
   if (!byKey_.empty()) {
     const auto found = byKey_.find(key);

@@ -15,8 +15,9 @@
 
 // A node: attributes, input and output ports, and what it does with them at a time.
 //
-// Attributes are a dictionary: "name", "description", and "protocols", which says what kinds of effect the patch is.
-// A node that was registered with attributes makes its instances with the same ones.
+// Attributes are a dictionary: "name", "description", "protocols", which says what kinds of effect the patch is, and
+// the booleans "dependsOnTime" and "keepsState", which a composition takes over from its nodes. A node that was
+// registered with attributes makes its instances with the same ones.
 class TARN_EXPORT QCPatch : public NSObject {
  public:
   using Ports = std::vector<std::shared_ptr<QCPort>>;
@@ -27,6 +28,7 @@ class TARN_EXPORT QCPatch : public NSObject {
   std::string className() const override { return "QCPatch"; }
 
   const PropertyList& attributes() const { return attributes_; }
+  bool declaresFalse(std::string_view attribute) const;  // that it is there, a boolean, and false
   const Ports& inputPorts() const { return inputs_; }
   const Ports& outputPorts() const { return outputs_; }
   // Null when there is none. Owned by the patch.

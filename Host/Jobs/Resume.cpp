@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Host/Jobs/Resume.h"
+
+#include "Host/Files/FileFormat.h"
+#include "Host/Files/ImageFileLoader.h"
+#include "Host/Messages/Failure.h"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <optional>
+
+namespace host {
+namespace {
+
+// A file's bytes, of which only those are read that are looked at; empty where there is no regular file.
+class MappedFile {
+ public:
+  explicit MappedFile(const std::string& path) {
+    const int descriptor = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+    if (descriptor < 0) return;
+    struct stat status;
+    if (::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_size > 0) {
+      size_ = static_cast<std::size_t>(status.st_size);
+      memory_ = ::mmap(nullptr, size_, PROT_READ, MAP_PRIVATE, descriptor, 0);
+    }
+    ::close(descriptor);
+  }
+  ~MappedFile() {
+    if (memory_ != MAP_FAILED) ::munmap(memory_, size_);
+  }
+  MappedFile(const MappedFile&) = delete;
+  MappedFile& operator=(const MappedFile&) = delete;
+
+  std::span<const std::uint8_t> bytes() const {
+    if (memory_ == MAP_FAILED) return {};
+    return {static_cast<const std::uint8_t*>(memory_), size_};
+  }
+
+ private:
+  void* memory_ = MAP_FAILED;
+  std::size_t size_ = 0;
+};
+
+}  // namespace
+
+bool isPictureThere(const std::string& path, FileFormat format) {
+  const MappedFile file(path);
+  if (file.bytes().empty()) return false;
+  const auto found = formatOfBytes(file.bytes());
+  const bool isUsual = format == FileFormat::Png || format == FileFormat::Jpeg || format == FileFormat::Tiff ||
+                       format == FileFormat::Exr;
+  if (isUsual ? found != format : found.has_value()) return false;
+  bool isOtherKind = false;
+  const ReadRequest request{file.bytes(), "", std::filesystem::path(path).extension().string()};
+  return imageFileModule(format).open(request, &isOtherKind, nullptr) != nullptr;
+}
+
+std::vector<std::uint64_t> missingFrames(const RenderPlan& plan, const std::vector<std::uint64_t>& frames,
+                                         const FramePattern& output, FileFormat format) {
+  std::vector<std::uint64_t> missing;
+  for (const std::uint64_t frame : frames) {
+    if (!isPictureThere(output.path(plan.frame(frame).number), format)) missing.push_back(frame);
+  }
+  return missing;
+}
+
+}  // namespace host

@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Host/Rendering/FrameRendering.h"
+
+#include "Host/Clips/ClipInfo.h"
+#include "Host/Rendering/Parameters.h"
+
+#include <utility>
+
+namespace host {
+namespace {
+
+// What the files of the inputs have together.
+Channels channelsOf(const InputPictures& pictures) {
+  bool gray = !pictures.infos.empty();
+  bool alpha = pictures.infos.empty();
+  for (const auto& info : pictures.infos) {
+    gray = gray && isGray(info->channels);
+    alpha = alpha || hasAlpha(info->channels);
+  }
+  if (gray) return alpha ? Channels::GrayAlpha : Channels::Gray;
+  return alpha ? Channels::RGBA : Channels::RGB;
+}
+
+}  // namespace
+
+FrameRendering::FrameRendering(const RenderSetup& setup)
+    : setup_(setup),
+      effect_(setup.effect, setup.inputs.size(), setup.framing, setup.depth),
+      inputs_(setup.inputs, setup.depth, setup.layout, setup.colors) {
+  setParameters(effect_, setup.values, setup.states);
+}
+
+void FrameRendering::begin(const PlannedFrame& first, ClipFrames* clips, const OutputDescription& output) {
+  clips_ = clips;
+  std::vector<std::string> paths;
+  std::vector<PictureInfo> infos;
+  for (std::size_t i = 0; i < inputs_.count(); ++i) {
+    paths.push_back(inputs_.fileAt(i, first));
+    const bool isClip = inputs_.kind(i) == Inputs::Kind::Clip;
+    infos.push_back(isClip ? clips->info(i).picture : readPictureInfo(paths.back()));
+  }
+  std::vector<const PictureInfo*> known;
+  for (const PictureInfo& info : infos) known.push_back(&info);
+  inputs_.begin(paths, known);
+  if (const auto depth = inputs_.depth(); depth && setup_.alpha != OutputAlpha::Gray) {
+    inputs_.colors().expectOutput(output.format(*depth), *depth, setup_.channels, output.name);
+  }
+}
+
+OutputPicture FrameRendering::render(const PlannedFrame& frame, const OutputDescription& output) {
+  const InputPictures pictures = inputs_.picturesAt(frame, clips_);
+  effect_.connect(pictures);
+  BitmapRef result = effect_.result(frame.time);
+  if (setup_.layout) result = throughLayout(result, *setup_.layout, "the result");
+  OutputPicture picture;
+  picture.bitmap = outputConverted(result, setup_.alpha);
+  picture.depth = effect_.depthOf(*picture.bitmap);
+  const std::optional<Channels> told = setup_.channels ? setup_.channels : output.channels;
+  picture.channels = told ? *told : keptChannels(*picture.bitmap, channelsOf(pictures));
+  picture.areChannelsTold = told.has_value();
+  if (!pictures.infos.empty()) picture.metadata = pictures.infos[0]->metadata;
+  if (setup_.alpha == OutputAlpha::Gray) {
+    picture.metadata.color = {};  // alpha is no color
+  } else {
+    inputs_.colors().toOutput(picture, output.format(picture.depth), output.name);
+  }
+  return picture;
+}
+
+}  // namespace host
