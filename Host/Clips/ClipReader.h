@@ -7,7 +7,7 @@
 
 #include <chrono>
 #include <cstdint>
-#include <memory>
+#include <deque>
 #include <string>
 
 namespace host {
@@ -20,7 +20,8 @@ bool isClip(const std::string& path);
 // Decoding goes on while the caller does other things.
 class ClipReader {
  public:
-  // Frames go into slots of `slots`, which outlive the reader. `patience`: how long one frame may take to be decoded.
+  // Frames go into slots of `slots`, which outlive the reader. `patience`: how long one frame may take to be decoded,
+  // and how long the file may be looked through without going on.
   // Throws Failure naming the file when it is no clip that can be read.
   ClipReader(const std::string& path, FrameSlots& slots, std::chrono::seconds patience);
 
@@ -43,10 +44,14 @@ class ClipReader {
   Frame frame();
 
  private:
+  Bytes received(const std::string& what);
+
   std::string path_;
+  FrameSlots* slots_;
   std::chrono::seconds patience_;
   mutable ChildProcess process_;
   ClipInfo info_;
+  std::deque<Frame> wanted_;
 };
 
 }  // namespace host

@@ -200,6 +200,9 @@ RenderTiming::RenderTiming(const RenderOptions& options, EffectKind kind, const 
                          inputs, wanted);
   }
   if (output == OutputKind::Clip) audio_ = audioOf(options, inputs, played, clips);
+  if (output == OutputKind::Clip && options.timing.chunk > 0) {
+    refuse("--chunk: a clip is written as a whole; render its frames into a sequence");
+  }
   part_ = chunkOf(options, plan_->count());
 }
 

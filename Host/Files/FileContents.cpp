@@ -74,6 +74,8 @@ FileContents FileContents::ofFile(const std::string& path) {
   FileContents contents;
   try {
     if (path == "-") {
+      // Memory that is given for it (only there are seals) can be read again.
+      if (fcntl(STDIN_FILENO, F_GET_SEALS) >= 0) lseek(STDIN_FILENO, 0, SEEK_SET);
       contents.readToEnd(STDIN_FILENO, 0);
       return contents;
     }
