@@ -92,21 +92,25 @@ TEST_F(Jobs, GiveWhatOneProcessGives) {
     Words words;
     int exitCode;
     std::size_t files;
+    std::size_t lines;  // that are said
   } cases[] = {
-      {{"Levels", "--input", "@/in.%d.png", "--set", "levels.gamma=1.2", "--output", "@/out/o.%02d.png"}, 0, 8},
-      {{"Levels", "--input", "@/in.%d.png", "--output", "@/out/o.%d.exr", "--frames", "2-7x4", "--chunk", "2"}, 0, 2},
-      {{"Dissolve", "--input", "@/in.%d.png", "@/still.png", "--output", "@/out/o.%d.tif"}, 0, 8},
-      {{"Over", "--input", "@/in.%d.png", "-", "--output", "@/out/o.%d.png"}, 0, 8},
-      {{"Levels", "--input", "@/in.%d.png", "--output", "-", "--format", "y4m"}, 0, 0},
-      {{"Levels", "--input", "@/in.%d.png", "--output", "-", "--format", "raw"}, 0, 0},
-      {{"Levels", "--input", "@/in.%d.png", "--output", "-", "--format", "png"}, 0, 0},
-      {{"Levels", "--input", "@/tag.%d.tif", "--output", "@/out/o.%d.png", "--verbose"}, 0, 8},
-      {{"Levels", "--input", "@/light.%d.exr", "--output", "@/out/o.%d.png", "--verbose"}, 0, 8},
-      {{"Levels", "--input", "@/sizes.%d.png", "--output", "-", "--format", "y4m"}, 4, 0},
-      {{"Frames", "--frames", "0-7", "--rate", "1", "--output", "@/out/o.%d.png"}, 0, 8},
-      {{"Counted Frames", "--frames", "0-7", "--output", "@/out/o.%d.png"}, 0, 8},
+      {{"Levels", "--input", "@/in.%d.png", "--set", "levels.gamma=1.2", "--output", "@/out/o.%02d.png"}, 0, 8, 0},
+      {{"Levels", "--input", "@/in.%d.png", "--output", "@/out/o.%d.exr", "--frames", "2-7x4", "--chunk", "2"},
+       0,
+       2,
+       1},
+      {{"Dissolve", "--input", "@/in.%d.png", "@/still.png", "--output", "@/out/o.%d.tif"}, 0, 8, 0},
+      {{"Over", "--input", "@/in.%d.png", "-", "--output", "@/out/o.%d.png"}, 0, 8, 0},
+      {{"Levels", "--input", "@/in.%d.png", "--output", "-", "--format", "y4m"}, 0, 0, 0},
+      {{"Levels", "--input", "@/in.%d.png", "--output", "-", "--format", "raw"}, 0, 0, 0},
+      {{"Levels", "--input", "@/in.%d.png", "--output", "-", "--format", "png"}, 0, 0, 0},
+      {{"Levels", "--input", "@/tag.%d.tif", "--output", "@/out/o.%d.png", "--verbose"}, 0, 8, 3},
+      {{"Levels", "--input", "@/light.%d.exr", "--output", "@/out/o.%d.png", "--verbose"}, 0, 8, 2},
+      {{"Levels", "--input", "@/sizes.%d.png", "--output", "-", "--format", "y4m"}, 4, 0, 1},
+      {{"Frames", "--frames", "0-7", "--rate", "1", "--output", "@/out/o.%d.png"}, 0, 8, 0},
+      {{"Counted Frames", "--frames", "0-7", "--output", "@/out/o.%d.png"}, 0, 8, 0},
   };
-  for (const auto& [words, exitCode, fileCount] : cases) {
+  for (const auto& [words, exitCode, fileCount, lines] : cases) {
     std::map<std::string, std::string> expected;
     ProgramRun alone;
     for (const char* const jobs : {"1", "2", "3"}) {
@@ -126,9 +130,7 @@ TEST_F(Jobs, GiveWhatOneProcessGives) {
       EXPECT_EQ(result.err, alone.err) << what;
       EXPECT_TRUE(files("out") == expected) << what;
     }
-    EXPECT_EQ(alone.err.empty(), words[2].find("tag.") == std::string::npos && words[2].find("light") == std::string::npos &&
-                                     exitCode == 0)
-        << alone.err;
+    EXPECT_EQ(static_cast<std::size_t>(std::ranges::count(alone.err, '\n')), lines) << alone.err;
   }
 }
 
@@ -178,8 +180,7 @@ TEST_F(Jobs, AFullDiskIsToldOnce) {
 
 TEST_F(Jobs, AProcessThatDiesIsStartedAgainOnce) {
   const auto words = [&](const std::string& trouble, const std::string& effect = "Frames") {
-    return Words{effect, "--frames", "0-7",      "--rate", "1",
-                 "--set", "trouble=" + trouble, "--output", "@/out/o.%d.png"};
+    return Words{effect, "--frames", "0-7", "--rate", "1", "--set", "trouble=" + trouble, "--output", "@/out/o.%d.png"};
   };
   const auto whole = filesOf(words("none"), "1");
   writeFile(at("marker"), "");
@@ -200,7 +201,7 @@ TEST_F(Jobs, AProcessThatDiesIsStartedAgainOnce) {
 // The signal comes to one process, or as from a terminal to all of them.
 TEST_F(Jobs, SignalsEndAllProcessesAndLeaveWholeFiles) {
   const std::string program = (fs::read_symlink("/proc/self/exe").parent_path() / "vorto").string();
-  const Words words{"Frames",   "--frames", "0-39", "--rate", "25", "--set", "trouble=pids " + at("pids"),
+  const Words words{"Frames",   "--frames",      "0-39", "--rate", "25", "--set", "trouble=pids " + at("pids"),
                     "--output", "@/out/o.%d.png"};
   const auto whole = filesOf(words, "3");
   ASSERT_EQ(whole.size(), 40u);

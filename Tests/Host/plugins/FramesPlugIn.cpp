@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Generators for tests of many frames. Both give one gray pixel.
-//   Frames          gray 10 times the time, and what "trouble" says: "once FILE" dies at time 3 while there is that file,
+//   Frames          gray 10 times the time, and what "trouble" says: "once FILE" dies at time 3 while there is that
+//   file,
 //                   which it removes, "always" dies there always, "pids FILE" adds the process to a file and takes its
 //                   time, "grow" gives one pixel more each time
 //   Counted Frames  gray 10 times how often the instance was executed before
