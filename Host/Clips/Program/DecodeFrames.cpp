@@ -46,8 +46,7 @@ void FrameDecoder::openCodec() {
   const AVCodecParameters& parameters = *stream().codecpar;
   const AVCodec* decoder = decoderOf(stream());
   if (!decoder) {
-    throw Failure(ExitCode::Input,
-                  std::string("nothing decodes its codec, ") + avcodec_get_name(parameters.codec_id));
+    throw Failure(ExitCode::Input, std::string("nothing decodes its codec, ") + avcodec_get_name(parameters.codec_id));
   }
   codec_.reset(avcodec_alloc_context3(decoder));
   if (!codec_ || avcodec_parameters_to_context(codec_.get(), &parameters) < 0) throw std::bad_alloc();
@@ -69,7 +68,8 @@ void FrameDecoder::begin(const std::function<void()>& goesOn) {
   index_.times.erase(index_.times.begin(), index_.times.begin() + first);
   last_.place -= first;
   if (first > 0) {
-    const std::string cut = "its first " + (first > 1 ? std::to_string(first) + " frames" : "frame") + " cannot be decoded";
+    const std::string cut =
+        "its first " + (first > 1 ? std::to_string(first) + " frames" : "frame") + " cannot be decoded";
     index_.remark = cut + (index_.remark.empty() ? "" : "; " + index_.remark);
   }
 }

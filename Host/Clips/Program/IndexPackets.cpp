@@ -145,8 +145,8 @@ std::string secondsText(double seconds) {
 
 // What a file that was cut says is more than it holds. A file may state the time of its longest stream.
 std::string remarkOn(const Gathered& gathered, const AVFormatContext& input, double frame) {
-  const bool isStated = isUsable(input.duration) && input.duration > 0 &&
-                        input.duration_estimation_method == AVFMT_DURATION_FROM_STREAM;
+  const bool isStated =
+      isUsable(input.duration) && input.duration > 0 && input.duration_estimation_method == AVFMT_DURATION_FROM_STREAM;
   const double stated = isStated ? static_cast<double>(input.duration) / AV_TIME_BASE : 0;
   if (stated > gathered.lastSecond + std::max(2.5 * frame, 0.1)) {
     return "it ends early: it states " + secondsText(stated) + " s and holds " + secondsText(gathered.lastSecond);
@@ -166,8 +166,7 @@ PacketIndex indexPackets(AVFormatContext& input, AVStream& stream, const std::fu
   if (gathered.frames == 0) {
     throw Failure(ExitCode::Input, gathered.error == AVERROR_EOF ? "it holds no frame" : avErrorText(gathered.error));
   }
-  const bool isCounted =
-      gathered.shown.size() < gathered.frames || (gathered.withoutTime > 0 && !comesInOrder(stream));
+  const bool isCounted = gathered.shown.size() < gathered.frames || (gathered.withoutTime > 0 && !comesInOrder(stream));
   const double frame = 1 / av_q2d(nominalRate(stream));
   const std::string remark = remarkOn(gathered, input, frame);
   const std::int64_t stated = gathered.end;

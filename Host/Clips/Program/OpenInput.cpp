@@ -16,7 +16,8 @@ namespace {
 
 // Of the kinds that the library knows those that are whole clips in one file: no playlists, devices or pictures.
 constexpr const char* kKinds =
-    "mov,matroska,avi,mxf,mpegts,mpeg,mpegvideo,ogg,flv,nut,ivf,yuv4mpegpipe,dv,h264,hevc,m4v,h263,obu,av1,vc1,asf,rm,gxf,"
+    "mov,matroska,avi,mxf,mpegts,mpeg,mpegvideo,ogg,flv,nut,ivf,yuv4mpegpipe,dv,h264,hevc,m4v,h263,obu,av1,vc1,asf,rm,"
+    "gxf,"
     "wtv,dirac,dnxhd,mjpeg,mjpeg_2000,cavsvideo,nsv,rl2,roq,smk,bink,flic,film_cpk";
 
 [[noreturn]] void refuse(const std::string& reason) {

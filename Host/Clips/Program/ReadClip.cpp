@@ -37,7 +37,8 @@ Clip::Clip(const std::string& path, const std::function<void()>& goesOn) : decod
   target_ = {kind.sample, hasAlpha(kind.channels), orientationOf(decoder_.stream())};
   const std::uint64_t bytes = std::uint64_t{4} * bytesPerSample(kind.sample) * first.width * first.height;
   if (bytes >= std::uint64_t{1} << 32) {
-    throw Failure(ExitCode::Input, "its frames of " + sizeText(width_, height_) + " pixels are more than a bitmap can hold");
+    throw Failure(ExitCode::Input,
+                  "its frames of " + sizeText(width_, height_) + " pixels are more than a bitmap can hold");
   }
   info_ = describedClip(decoder_, first);
 }
@@ -50,8 +51,7 @@ bool Clip::read(std::size_t place, FrameSlots& slots, std::size_t slot) {
                                        sizeText(width_, height_));
   }
   const PictureInfo& picture = info_.picture;
-  std::byte* pixels =
-      slots.fill(slot, {picture.width, picture.height, picture.sample, Channels::RGBA, picture.alpha});
+  std::byte* pixels = slots.fill(slot, {picture.width, picture.height, picture.sample, Channels::RGBA, picture.alpha});
   pixels_.read(frame, target_, pixels);
   return decoded.isDamaged;
 }

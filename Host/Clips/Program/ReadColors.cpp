@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Clips/Program/ReadColors.h"
 
-
 #include <algorithm>
 #include <array>
 
@@ -82,7 +81,8 @@ std::string matrixRemark(const AVFrame& frame) {
                        codingOf(frame).matrix == frame.colorspace;
   if (isKnown || isRgb(*av_pix_fmt_desc_get(static_cast<AVPixelFormat>(frame.format)))) return "";
   const char* name = av_color_space_name(frame.colorspace);
-  return std::string("its matrix, ") + (name ? name : "a reserved one") + ", is not known; it is read as if it stated none";
+  return std::string("its matrix, ") + (name ? name : "a reserved one") +
+         ", is not known; it is read as if it stated none";
 }
 
 }  // namespace host

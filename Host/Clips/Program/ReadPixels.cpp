@@ -167,10 +167,15 @@ void PixelReader::prepareScaler(const Conversion& conversion) {
 
   scaler_.reset(sws_alloc_context());
   if (!scaler_) throw std::bad_alloc();
-  const std::pair<const char*, int> options[] = {
-      {"srcw", conversion.width},        {"srch", conversion.height}, {"dstw", conversion.width},
-      {"dsth", conversion.height},       {"src_format", conversion.format}, {"dst_format", made},
-      {"sws_flags", kExact},             {"src_range", conversion.coding.isFullRange ? 1 : 0}, {"dst_range", 1}};
+  const std::pair<const char*, int> options[] = {{"srcw", conversion.width},
+                                                 {"srch", conversion.height},
+                                                 {"dstw", conversion.width},
+                                                 {"dsth", conversion.height},
+                                                 {"src_format", conversion.format},
+                                                 {"dst_format", made},
+                                                 {"sws_flags", kExact},
+                                                 {"src_range", conversion.coding.isFullRange ? 1 : 0},
+                                                 {"dst_range", 1}};
   for (const auto& [name, value] : options) av_opt_set_int(scaler_.get(), name, value, 0);
   const LoggedError logged;
   if (const int error = sws_init_context(scaler_.get(), nullptr, nullptr); error < 0) {
@@ -184,7 +189,8 @@ void PixelReader::prepareScaler(const Conversion& conversion) {
 
 void PixelReader::sourcesOfYuv(const AVFrame& frame, const PixelTarget& target) {
   prepareScaler({frame.format, frame.width, frame.height, codingOf(frame), target.sample});
-  const int lines = sws_scale(scaler_.get(), frame.data, frame.linesize, 0, frame.height, planes_->data, planes_->linesize);
+  const int lines =
+      sws_scale(scaler_.get(), frame.data, frame.linesize, 0, frame.height, planes_->data, planes_->linesize);
   if (lines != frame.height) throw Failure(ExitCode::Input, "its pixels cannot be converted");
   const AVPixFmtDescriptor& made = layoutOf(*planes_);
   const int wanted = bitsOf(target.sample);

@@ -11,8 +11,8 @@ namespace host {
 struct SampleSource {
   const std::uint8_t* data = nullptr;  // of the first row; null: every sample is full
   std::ptrdiff_t rowBytes = 0;
-  int step = 1;          // bytes from one sample to the next
-  int bytes = 1;         // that hold a sample: 1, 2 or 4
+  int step = 1;            // bytes from one sample to the next
+  int bytes = 1;           // that hold a sample: 1, 2 or 4
   bool isSwapped = false;  // in the other byte order
   int shift = 0;
   std::vector<std::uint16_t> values;  // of every sample below the size, which is a power of two; empty: as it is

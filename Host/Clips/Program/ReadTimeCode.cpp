@@ -26,8 +26,8 @@ std::optional<TimeCode> packedTimeCode(const std::string& text, double rate) {
   std::array<unsigned, 4> parts{};
   char separator = 0;
   int size = 0;
-  const int found = std::sscanf(text.c_str(), "%2u:%2u:%2u%c%2u%n", &parts[0], &parts[1], &parts[2], &separator,
-                                &parts[3], &size);
+  const int found =
+      std::sscanf(text.c_str(), "%2u:%2u:%2u%c%2u%n", &parts[0], &parts[1], &parts[2], &separator, &parts[3], &size);
   if (found != 5 || static_cast<std::size_t>(size) != text.size()) return std::nullopt;
   if (parts[0] > 23 || parts[1] > 59 || parts[2] > 59 || (separator != ':' && separator != ';' && separator != '.')) {
     return std::nullopt;
