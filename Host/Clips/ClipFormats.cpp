@@ -201,16 +201,18 @@ int nearestBits(const std::vector<int>& held, int wanted) {
 
 }  // namespace
 
-const ClipContainer* clipContainerOf(const std::string& path) {
-  std::string extension = std::filesystem::path(path).extension().string();
-  if (extension.empty()) return nullptr;
-  extension.erase(0, 1);
+const ClipContainer* clipContainerNamed(std::string extension) {
   for (char& c : extension) {
     if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
   }
   const auto found = std::ranges::find_if(
       kContainers, [&](const ClipContainer& container) { return isOneOf(extension, container.extensions); });
   return found == kContainers.end() ? nullptr : &*found;
+}
+
+const ClipContainer* clipContainerOf(const std::string& path) {
+  const std::string extension = std::filesystem::path(path).extension().string();
+  return extension.empty() ? nullptr : clipContainerNamed(extension.substr(1));
 }
 
 const ClipCodec& clipCodecIn(const ClipContainer& container, const std::string& name) {

@@ -71,6 +71,7 @@ struct ClipContainer {
 
 // Nothing where the extension, in any case, is none of a clip.
 const ClipContainer* clipContainerOf(const std::string& path);
+const ClipContainer* clipContainerNamed(std::string extension);  // without a dot
 
 // The codec of that name in a container, its usual one for an empty name. Throws Failure for one that nobody knows, and
 // for one that the container cannot hold, with those that it can.

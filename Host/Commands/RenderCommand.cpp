@@ -71,7 +71,7 @@ Output outputOf(const RenderOptions& options) {
   output.job.isVerbose = options.isVerbose;
   if (outputKindOf(options) == OutputKind::Clip) {
     output.job.clip = clipTargetOf(options);
-    const ClipContainer& container = *clipContainerOf("." + output.job.clip.container);
+    const ClipContainer& container = *clipContainerNamed(output.job.clip.container);
     const ClipSettings& settings = output.job.clip.settings;
     checkClipSettings(clipCodecIn(container, settings.codec), settings);
     output.job.clipHoldsAlpha = holdsAlpha(container, settings);

@@ -165,7 +165,7 @@ ChunkedFrames parsedChunkedFrames(const std::string& text) {
 OutputKind outputKindOf(const RenderOptions& options) {
   if (options.output == "-") return OutputKind::Stream;
   const std::string& format = options.encoding.format;
-  if (clipContainerOf(format.empty() ? options.output : "." + format)) return OutputKind::Clip;
+  if (format.empty() ? clipContainerOf(options.output) : clipContainerNamed(format)) return OutputKind::Clip;
   return framePattern(options.output) ? OutputKind::Sequence : OutputKind::Picture;
 }
 

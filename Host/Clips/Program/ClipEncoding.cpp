@@ -20,7 +20,7 @@ std::optional<AudioPackets> audioOf(const ClipTarget& target, const ClipContaine
 }  // namespace
 
 const ClipContainer& containerOf(const ClipTarget& target) {
-  const ClipContainer* container = clipContainerOf("clip." + target.container);
+  const ClipContainer* container = clipContainerNamed(target.container);
   if (!container) throw Failure(ExitCode::Usage, "cannot write " + target.path + ": no clip has that extension");
   return *container;
 }
