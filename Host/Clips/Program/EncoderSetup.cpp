@@ -85,7 +85,9 @@ Encoder encoderOf(const ClipCodec& codec, const ClipTarget& target, const ClipSt
   }
   if (name == "prores") return {"prores_ks", {{"profile", proresProfile(storage, quality)}}};
   if (name == "dnxhr") return {"dnxhd", {{"profile", dnxhrProfile(storage, quality)}}};
-  if (name == "ffv1") return {"ffv1", {{"level", "3"}, {"g", "1"}}};
+  // Large frames in more parts, for the processors of many to have one each.
+  const bool isLarge = target.kind.width >= 1280 && target.kind.height >= 720;
+  if (name == "ffv1") return {"ffv1", {{"level", "3"}, {"g", "1"}, {"slices", isLarge ? "16" : "4"}}};
   return {"png", {{"pred", "mixed"}}};
 }
 

@@ -144,6 +144,9 @@ TEST(WriteBytes, AreTheSameEveryTime) {
       file.assign(std::istreambuf_iterator<char>(stream), {});
     }
     EXPECT_FALSE(files[0].empty());
+    if (extension == std::string("mp4")) {
+      EXPECT_LT(files[0].find("moov"), files[0].find("mdat")) << "players need the end of the file first";
+    }
     EXPECT_TRUE(files[0] == files[1]) << codec;
   }
 }
