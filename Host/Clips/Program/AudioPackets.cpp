@@ -59,6 +59,11 @@ AudioPackets::AudioPackets(const ClipAudio& audio, const ClipContainer& containe
   chooseTracks(container);
   findBounds();
   read();
+  const Packet* first = packet();
+  const bool isLate = first && first->packet->pts > std::max<std::int64_t>(2 * first->packet->duration, first->unit.den / 10);
+  if (isLate && container.name == std::string_view("AVI")) {
+    refuse("its audio begins after its video, which AVI cannot say: give --no-audio to leave it out");
+  }
 }
 
 void AudioPackets::refuse(const std::string& reason) const {

@@ -62,11 +62,12 @@ AVStream& ClipMuxer::newStream() {
 void ClipMuxer::addVideo(const AVCodecContext& encoder) {
   AVStream& stream = newStream();
   check(avcodec_parameters_from_context(stream.codecpar, &encoder));
-  // Players of Apple's kind want what decoders need first in the header, and a name that says so.
-  const bool isMp4 = context_->oformat->codec_tag && wantsHeader() && std::string(context_->oformat->name) != "avi";
-  if (encoder.codec_id == AV_CODEC_ID_HEVC && isMp4) stream.codecpar->codec_tag = MKTAG('h', 'v', 'c', '1');
-  const bool isAvi = std::string(context_->oformat->name) == "avi";
-  stream.time_base = isAvi ? encoder.time_base : avRational(target_.timeBase);
+  const std::string muxer = context_->oformat->name;
+  // Some players know this one of the two names alone.
+  if (encoder.codec_id == AV_CODEC_ID_HEVC && (muxer == "mp4" || muxer == "mov")) {
+    stream.codecpar->codec_tag = MKTAG('h', 'v', 'c', '1');
+  }
+  stream.time_base = muxer == "avi" ? encoder.time_base : avRational(target_.timeBase);
   stream.avg_frame_rate = encoder.framerate;
   stream.r_frame_rate = encoder.framerate;
   stream.sample_aspect_ratio = encoder.sample_aspect_ratio;
