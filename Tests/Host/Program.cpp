@@ -63,7 +63,7 @@ ProgramRun vorto(const Words& arguments, const RunOptions& options) {
       const rlimit limit{options.fileSizeLimit, options.fileSizeLimit};
       setrlimit(RLIMIT_FSIZE, &limit);
     }
-    dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
+    dup2(open(options.input.c_str(), O_RDONLY), STDIN_FILENO);
     execve(wordPointers[0], wordPointers.data(), variablePointers.data());
     return 127;
   });

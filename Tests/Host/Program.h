@@ -16,6 +16,7 @@ struct ProgramRun {
 struct RunOptions {
   std::vector<std::string> environment;  // "NAME=value", added to the bare one
   unsigned long fileSizeLimit = 0;       // bytes; 0 for none
+  std::string input = "/dev/null";       // a file on the standard input
 };
 
 using Words = std::vector<std::string>;
