@@ -58,7 +58,9 @@ void gather(const AVPacket& packet, AVCodecID codec, Gathered* gathered) {
   if (packet.duration > 0 && packet.duration < kLargestTime) {
     gathered->end = std::max(gathered->end, time + packet.duration);
   }
-  if ((packet.flags & AV_PKT_FLAG_KEY) != 0) gathered->keys.push_back({time, packet.dts});
+  if ((packet.flags & AV_PKT_FLAG_KEY) != 0) {
+    gathered->keys.push_back({time, isUsable(packet.dts) ? packet.dts : AV_NOPTS_VALUE});
+  }
 }
 
 void noteEnd(const AVPacket& packet, const AVFormatContext& input, Gathered* gathered) {
