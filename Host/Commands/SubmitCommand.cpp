@@ -77,9 +77,10 @@ Chunks chunksOf(const RenderOptions& options, const RenderOutlook& outlook) {
   chunks.size = told.value_or(static_cast<std::uint32_t>(std::max<std::uint64_t>(kUsualChunk, fewest)));
   if (!outlook.keepsState) return chunks;
   if (told && chunks.count() > 1) {
-    refuse("--frames " + frames + ": the effect \"" + options.effect +
-           "\" keeps a state from frame to frame, or does not say that it keeps none; its frames are one chunk: leave x" +
-           std::to_string(*told) + " out");
+    refuse(
+        "--frames " + frames + ": the effect \"" + options.effect +
+        "\" keeps a state from frame to frame, or does not say that it keeps none; its frames are one chunk: leave x" +
+        std::to_string(*told) + " out");
   }
   chunks.size = static_cast<std::uint32_t>(outlook.frames);
   return chunks;
@@ -103,7 +104,8 @@ void checkClipForFarm(const RenderOptions& options, const RenderOutlook& outlook
   if (!outlook.isEven) refuse("the frames of the first clip come unevenly: give a rate with --fps");
   if (parsedFrameRate(numberText(valueOf(outlook.rate))) != outlook.rate) {
     refuse("the first clip has " + std::to_string(outlook.rate.numerator) + "/" +
-           std::to_string(outlook.rate.denominator) + " frames per second, which --rate cannot say: give a rate with --fps");
+           std::to_string(outlook.rate.denominator) +
+           " frames per second, which --rate cannot say: give a rate with --fps");
   }
 }
 
@@ -185,7 +187,8 @@ BatchJob framesJob(const Submission& submission) {
                  "A task runs without Slurm as well: SLURM_ARRAY_TASK_ID=1 sh " + job.name + ".sh"};
   RenderWords words;
   for (const GivenOption& option : submission.render.given) {
-    const bool isOfClip = submission.isClip() && (isOneOf(option.name, kEncoding) || isOneOf(option.name, kNotOfFrames));
+    const bool isOfClip =
+        submission.isClip() && (isOneOf(option.name, kEncoding) || isOneOf(option.name, kNotOfFrames));
     if (!isOfClip && !isOneOf(option.name, kNotOfTasks)) words.add(option);
   }
   if (submission.isClip()) words.add("--output", submission.framesPattern());
@@ -238,7 +241,8 @@ void tellHowToFollow(const Submission& submission, const std::string& number, co
                      const BatchJob& frames) {
   const std::string jobs = clipNumber.empty() ? number : number + "," + clipNumber;
   const std::string cancelled = clipNumber.empty() ? number : number + " " + clipNumber;
-  printText("  see      squeue --jobs=" + jobs + "\n  cancel   scancel " + cancelled + "\n  after    sacct --jobs=" + jobs + " --format=JobID,State,ExitCode,NodeList,Elapsed\n  logs     " +
+  printText("  see      squeue --jobs=" + jobs + "\n  cancel   scancel " + cancelled +
+            "\n  after    sacct --jobs=" + jobs + " --format=JobID,State,ExitCode,NodeList,Elapsed\n  logs     " +
             printable(submission.logs) + "/" + number + "_*.log\n  again    sbatch --array=K " +
             printable(shellWord(submission.script(frames.name))) + "\n");
 }

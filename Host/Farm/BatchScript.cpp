@@ -22,7 +22,8 @@ std::string directives(const BatchJob& job) {
   std::string text;
   for (const std::string& option : options) {
     if (!option.starts_with("-")) {
-      throw Failure(ExitCode::Usage, "--slurm " + option + ": give an option of sbatch, as in --slurm=--partition=NAME");
+      throw Failure(ExitCode::Usage,
+                    "--slurm " + option + ": give an option of sbatch, as in --slurm=--partition=NAME");
     }
     text += "#SBATCH " + batchWord(option) + "\n";
   }
@@ -47,10 +48,12 @@ std::string batchScript(const BatchJob& job) {
   std::string text = "#!/bin/sh\n" + directives(job) + "\n";
   for (const std::string& line : job.remarks) text += "# " + printable(line) + "\n";
   text += "set -u\n";
-  if (job.tasks > 0) text += ": \"${SLURM_ARRAY_TASK_ID:?is the number of the task, 1 to " + std::to_string(job.tasks) + "}\"\n";
+  if (job.tasks > 0)
+    text += ": \"${SLURM_ARRAY_TASK_ID:?is the number of the task, 1 to " + std::to_string(job.tasks) + "}\"\n";
   text += "cd " + shellWord(job.folder) + " || exit 1\n";
   for (const auto& [name, value] : job.environment) text += "export " + name + "=" + shellWord(value) + "\n";
-  text += "echo \"== $(date '+%F %T') $(hostname)" + std::string(job.tasks > 0 ? ", task $SLURM_ARRAY_TASK_ID" : "") +
+  text += "echo \"== $(date '+%F %T') ${SLURMD_NODENAME:-$(hostname)}" +
+          std::string(job.tasks > 0 ? ", task $SLURM_ARRAY_TASK_ID" : "") +
           "\"\n\nleft=" + std::to_string(job.retries) + "\nwhile :; do\n" + commandText(job.words) + " && break\n";
   text += "  code=$?\n  case $code in " + std::string(kFinalCodes) + ") exit \"$code\" ;; esac\n";
   text += "  [ \"$left\" -gt 0 ] || exit \"$code\"\n  echo \"== exit code $code; once more\"\n";

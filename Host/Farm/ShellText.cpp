@@ -7,8 +7,7 @@
 namespace host {
 namespace {
 
-constexpr const char* kPlain =
-    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_-./,:=@%+";
+constexpr const char* kPlain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_-./,:=@%+";
 
 bool isPlain(const std::string& text) {
   return !text.empty() && text.find_first_not_of(kPlain) == std::string::npos;

@@ -85,8 +85,7 @@ Gathered gatherAll(AVFormatContext& input, const AVStream& stream, const std::fu
 
 void sortTimes(std::vector<std::int64_t>* times) {
   std::ranges::sort(*times);
-  const auto [first, last] = std::ranges::unique(*times);
-  times->erase(first, last);
+  times->erase(std::unique(times->begin(), times->end()), times->end());
 }
 
 // Of a codec whose frames come in the order in which they are shown the decoding times do as well.

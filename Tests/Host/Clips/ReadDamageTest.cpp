@@ -83,7 +83,8 @@ TEST(Clips, AnotherSizeInBetweenIsRefusedForItsFrames) {
   const TemporaryFolder folder;
   runFfmpeg("-f lavfi -i testsrc2=s=64x48:r=24:d=0.25 -c:v mjpeg " + folder.path("a.mjpeg"));
   runFfmpeg("-f lavfi -i testsrc2=s=80x48:r=24:d=0.25 -c:v mjpeg " + folder.path("b.mjpeg"));
-  const std::string clip = folder.write("c.mjpeg", contentsOf(folder.path("a.mjpeg")) + contentsOf(folder.path("b.mjpeg")));
+  const std::string clip =
+      folder.write("c.mjpeg", contentsOf(folder.path("a.mjpeg")) + contentsOf(folder.path("b.mjpeg")));
   ReadClip read(clip);
   ASSERT_EQ(read.count(), 12u);
   read.frame(5);

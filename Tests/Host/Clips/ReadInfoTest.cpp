@@ -51,8 +51,9 @@ TEST(ClipInfo, SaysWhatTheFileSays) {
     runFfmpeg(kChart + options + " " + folder.path(name));
     return ReadClip(folder.path(name)).info();
   };
-  const auto timed = made("time.mov", "-f lavfi -i sine=d=0.5 -c:v prores_ks -profile:v 4444 -r 30000/1001 "
-                                      "-timecode '01:02:03;04' -vf setsar=4/3");
+  const auto timed = made("time.mov",
+                          "-f lavfi -i sine=d=0.5 -c:v prores_ks -profile:v 4444 -r 30000/1001 "
+                          "-timecode '01:02:03;04' -vf setsar=4/3");
   EXPECT_EQ(timed.codec, "ProRes 4444");
   EXPECT_EQ(timed.rate, (host::Rational{30000, 1001}));
   EXPECT_EQ(timed.picture.metadata.frameRate, timed.rate);
@@ -77,9 +78,10 @@ TEST(ClipInfo, SaysWhatTheFileSays) {
 TEST(ClipInfo, KnowsUnevenTimes) {
   const TemporaryFolder folder;
   const std::string clip = folder.path("clip.mp4");
-  runFfmpeg("-f lavfi -i testsrc2=s=64x48:r=10:d=1 -vf \"settb=1/1000,setpts='100*N+250*gt(N,4)+90*gt(N,7)'\" "
-            "-fps_mode passthrough -enc_time_base 1/1000 -video_track_timescale 1000 -c:v libx264 -bf 2 " +
-            clip);
+  runFfmpeg(
+      "-f lavfi -i testsrc2=s=64x48:r=10:d=1 -vf \"settb=1/1000,setpts='100*N+250*gt(N,4)+90*gt(N,7)'\" "
+      "-fps_mode passthrough -enc_time_base 1/1000 -video_track_timescale 1000 -c:v libx264 -bf 2 " +
+      clip);
   ReadClip read(clip);
   ASSERT_EQ(read.count(), 10u);
   EXPECT_TRUE(read.info().isUneven);
@@ -138,7 +140,11 @@ TEST(IsClip, LooksAtBytesBeforeNames) {
                            "a.flv", "a.mxf", "a.nut", "a.y4m", "a.ivf", "a.h264", "a.wmv"}) {
     const std::string clip = folder.path(name);
     const std::string name_ = name;
-    runFfmpeg(kChart + (name_ == "a.webm" || name_ == "a.ivf" ? "-c:v libvpx " : name_ == "a.mxf" ? "-c:v mpeg2video -r 25 " : "-pix_fmt yuv420p ") + clip);
+    runFfmpeg(kChart +
+              (name_ == "a.webm" || name_ == "a.ivf" ? "-c:v libvpx "
+               : name_ == "a.mxf"                    ? "-c:v mpeg2video -r 25 "
+                                                     : "-pix_fmt yuv420p ") +
+              clip);
     EXPECT_TRUE(host::isClip(clip)) << name;
     const bool needsName = name_ == "a.h264";
     std::filesystem::rename(clip, folder.path("unnamed"));
@@ -149,10 +155,14 @@ TEST(IsClip, LooksAtBytesBeforeNames) {
   runFfmpeg(kChart + folder.path("a.gif"));
   for (const char* name : {"a.png", "a.gif"}) {
     EXPECT_FALSE(host::isClip(folder.path(name)));
-    std::filesystem::copy_file(folder.path(name), folder.path("a.mp4"), std::filesystem::copy_options::overwrite_existing);
+    std::filesystem::copy_file(folder.path(name), folder.path("a.mp4"),
+                               std::filesystem::copy_options::overwrite_existing);
     EXPECT_FALSE(host::isClip(folder.path("a.mp4"))) << name;
   }
-  EXPECT_FALSE(host::isClip(folder.write("a.heic", std::string("\0\0\0\x18" "ftypheic", 12) + std::string(400, ' '))));
+  EXPECT_FALSE(host::isClip(folder.write("a.heic", std::string("\0\0\0\x18"
+                                                               "ftypheic",
+                                                               12) +
+                                                       std::string(400, ' '))));
   EXPECT_FALSE(host::isClip(folder.write("a.txt", "text")));
   EXPECT_FALSE(host::isClip(folder.path("none.mp4")));
   EXPECT_FALSE(host::isClip(folder.path()));

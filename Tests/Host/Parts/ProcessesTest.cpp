@@ -77,7 +77,8 @@ TEST(Messages, ThoseThatEndEarlyAreRefused) {
   }
   const Bytes result = messageOf(someResult());
   for (std::size_t size = 0; size < result.size(); ++size) {
-    EXPECT_THROW(takeResult(Bytes(result.begin(), result.begin() + static_cast<std::ptrdiff_t>(size))), Failure) << size;
+    EXPECT_THROW(takeResult(Bytes(result.begin(), result.begin() + static_cast<std::ptrdiff_t>(size))), Failure)
+        << size;
   }
 }
 
@@ -142,13 +143,13 @@ TEST(FrameSlots, AreNotBelievedWhatCannotBe) {
     slots.fill(0, kind);
     EXPECT_EQ(::pwrite(slots.descriptors()[0], &value, sizeof value, static_cast<off_t>(at)), 4);
   };
-  for (const auto& [at, value] : std::initializer_list<std::pair<std::size_t, std::uint32_t>>{
-           {offsetof(FrameKind, width), 3},
-           {offsetof(FrameKind, width), 0},
-           {offsetof(FrameKind, height), 0x80000000},
-           {offsetof(FrameKind, sample), 17},
-           {offsetof(FrameKind, channels), 17},
-           {offsetof(FrameKind, alpha), 17}}) {
+  for (const auto& [at, value] :
+       std::initializer_list<std::pair<std::size_t, std::uint32_t>>{{offsetof(FrameKind, width), 3},
+                                                                    {offsetof(FrameKind, width), 0},
+                                                                    {offsetof(FrameKind, height), 0x80000000},
+                                                                    {offsetof(FrameKind, sample), 17},
+                                                                    {offsetof(FrameKind, channels), 17},
+                                                                    {offsetof(FrameKind, alpha), 17}}) {
     changed(at, value);
     EXPECT_THROW(slots.kind(0), Failure) << at << ": " << value;
   }
