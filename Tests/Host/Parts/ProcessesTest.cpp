@@ -77,7 +77,8 @@ TEST(Messages, ThoseThatEndEarlyAreRefused) {
   }
   const Bytes result = messageOf(someResult());
   for (std::size_t size = 0; size < result.size(); ++size) {
-    EXPECT_THROW(takeResult(Bytes(result.begin(), result.begin() + static_cast<std::ptrdiff_t>(size))), Failure) << size;
+    EXPECT_THROW(takeResult(Bytes(result.begin(), result.begin() + static_cast<std::ptrdiff_t>(size))), Failure)
+        << size;
   }
 }
 
@@ -142,13 +143,13 @@ TEST(FrameSlots, AreNotBelievedWhatCannotBe) {
     slots.fill(0, kind);
     EXPECT_EQ(::pwrite(slots.descriptors()[0], &value, sizeof value, static_cast<off_t>(at)), 4);
   };
-  for (const auto& [at, value] : std::initializer_list<std::pair<std::size_t, std::uint32_t>>{
-           {offsetof(FrameKind, width), 3},
-           {offsetof(FrameKind, width), 0},
-           {offsetof(FrameKind, height), 0x80000000},
-           {offsetof(FrameKind, sample), 17},
-           {offsetof(FrameKind, channels), 17},
-           {offsetof(FrameKind, alpha), 17}}) {
+  for (const auto& [at, value] :
+       std::initializer_list<std::pair<std::size_t, std::uint32_t>>{{offsetof(FrameKind, width), 3},
+                                                                    {offsetof(FrameKind, width), 0},
+                                                                    {offsetof(FrameKind, height), 0x80000000},
+                                                                    {offsetof(FrameKind, sample), 17},
+                                                                    {offsetof(FrameKind, channels), 17},
+                                                                    {offsetof(FrameKind, alpha), 17}}) {
     changed(at, value);
     EXPECT_THROW(slots.kind(0), Failure) << at << ": " << value;
   }
@@ -163,7 +164,7 @@ TEST(ChildProcess, TellsHowItEnded) {
   EXPECT_EQ(shell("kill -SEGV $$").cause(), "signal 11 (Segmentation fault)");
   EXPECT_EQ(shell("exec sleep 1000").ending(), "it did not end");
   EXPECT_EQ(ChildProcess("/no/such/program", {}, {}).ending(), "it ended with exit code 127");
-  ChildProcess stubborn = shell("trap '' TERM; echo >&3; while :; do sleep 1000; done");
+  ChildProcess stubborn = shell("trap '' TERM; echo >&3; exec sleep 1000");
   Bytes start(1);
   ASSERT_EQ(::read(stubborn.socket().descriptor(), start.data(), 1), 1);
   stubborn.stop();
