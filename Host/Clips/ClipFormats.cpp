@@ -66,7 +66,7 @@ const std::array<ClipCodec, 8>& codecs() {
        "420 422 444",
        kNumbers12,
        "8",
-       {30, 63, 15},
+       {30, 63, 19},
        true,
        1,
        1,

@@ -30,10 +30,10 @@ struct ClipLayout {
 // What a quality means to an encoder: from the value for 1 to that for 100 in equal steps.
 //
 //   codec   what                              usual  100   75   50   25    1
-//   h264    constant rate factor (0-51)          18    8   18   28   38   48
-//   hevc    constant rate factor (0-51)          20   10   20   30   40   50
+//   h264    constant rate factor (0-51)          18    8   18   28   39   48
+//   hevc    constant rate factor (0-51)          20   10   20   30   41   50
 //   vp9     constant quality (0-63)              24   12   24   36   48   60
-//   av1     constant rate factor (0-63)          30   15   30   45   59   63
+//   av1     constant rate factor (0-63)          30   19   30   41   52   63
 //   prores  422: Proxy to 25, LT to 50, Standard to 75, above and usually HQ; 444: 4444 to 90 and usually, above 4444
 //   XQ dnxhr   8 bits: LB to 33, SQ to 66, above and usually HQ; 10 bits HQX; 444 has one quality ffv1, png  lose
 //   nothing, and have none

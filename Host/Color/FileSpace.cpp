@@ -20,11 +20,20 @@ void addRemark(std::string& remark, const std::string& text) {
   remark += (remark.empty() ? "" : "; ") + text;
 }
 
-// Table 2 of ITU-T H.273, of those that stand for primaries with a name above.
+constexpr Chromaticity kD65{0.3127, 0.3290};
+
+// Table 2 of ITU-T H.273.
 std::optional<Primaries> primariesOfCode(std::uint8_t code) {
   switch (code) {
     case 1:
       return factsOf(KnownSpace::SRgb).primaries;
+    case 4:  // BT.470, system M, with white C
+      return Primaries{{0.67, 0.33}, {0.21, 0.71}, {0.14, 0.08}, {0.310, 0.316}};
+    case 5:  // BT.601 of 625 lines
+      return Primaries{{0.64, 0.33}, {0.29, 0.60}, {0.15, 0.06}, kD65};
+    case 6:  // BT.601 of 525 lines
+    case 7:  // SMPTE ST 240
+      return Primaries{{0.630, 0.340}, {0.310, 0.595}, {0.155, 0.070}, kD65};
     case 9:
       return factsOf(KnownSpace::Rec2020).primaries;
     case 11:  // P3 with the white of cinemas
@@ -41,6 +50,8 @@ std::optional<TransferCurve> curveOfCode(std::uint8_t code) {
   switch (code) {
     case 1:
     case 6:
+    case 7:
+    case 11:
     case 14:
     case 15:
       return TransferCurve{TransferCurve::Kind::Power, 2.4};
@@ -133,7 +144,8 @@ std::optional<ColorSpace> spaceOfTag(const ColorTag& tag, bool isLinear, bool ha
   std::optional<ColorSpace> space;
   if (tag.codePoints) {
     space = spaceOfCodePoints(*tag.codePoints);
-    if (!space) addRemark(remark, "its cICP chunk is not used: it states a space that is not known here");
+    if (!space)
+      addRemark(remark, "its color code points (cICP) are not used: they state a space that is not known here");
   }
   if (!space && !tag.iccProfile.empty()) space = spaceOfProfile(tag.iccProfile, remark);
   if (!space && tag.sRGBIntent) space = knownSpace(KnownSpace::SRgb, Origin::Tagged);

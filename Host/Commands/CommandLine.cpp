@@ -5,6 +5,7 @@
 #include "Host/Commands/RenderCommand.h"
 #include "Host/Commands/SheetCommand.h"
 #include "Host/Commands/StateCommand.h"
+#include "Host/Commands/SubmitCommand.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Messages/Signals.h"
 #include "Host/Messages/StandardOutput.h"
@@ -110,6 +111,22 @@ Examples:
   vorto inspect "Gradient Map" --input in.%04d.exr
   vorto inspect --state gradient=sunset.plist --screenshot gradient.png --scale 2 --appearance dark)";
 
+constexpr const char* kSubmitFooter = R"(
+The frames are rendered in an array of tasks, each a chunk: --frames 1-96x8 makes twelve tasks of eight frames; without x
+there are ten in a task. Times are those of all frames together, and the files are those that vorto render alone would
+write. Frames that are there already stay, so that a task which is run again goes on where it was. An effect that keeps a
+state from frame to frame is one task.
+
+A clip is assembled by a second job from frames beside it, in OUTPUT.frames, which are removed when it is whole.
+
+All machines need the same vorto, effects and files under the same paths. The scripts are kept beside the logs; a task
+that failed is run again by sbatch --array=K SCRIPT.
+
+Examples:
+  vorto submit -- render Levels --input in.%04d.exr --frames 1-96x8 --output out.%04d.exr
+  vorto submit --slurm=--partition=render --slurm=--cpus-per-task=8 -- render Noise --frames 0-999x50 --output n.mov
+  vorto submit --dry-run -- render Dissolve --input a.%04d.png b.%04d.png --output mix.%04d.png)";
+
 // Ranges let it pass: it compares with nothing.
 std::string refuseNaN(const std::string& text) {
   return std::isnan(std::strtod(text.c_str(), nullptr)) ? "Value " + text + " is no number" : "";
@@ -214,6 +231,7 @@ void addClip(CLI::App& command, ClipOptions& options) {
       .add_option("--audio", options.audio,
                   "A file whose audio goes into the clip; default: the first clip's, untouched")
       ->type_name("FILE");
+  command.add_option("--audio-start", options.audioStart, "From when on its audio is taken")->type_name("[H:[M:]]S");
   command.add_flag("--no-audio", options.isSilent, "Leave the audio out");
   command.add_option("--patience", options.patience, "Seconds that decoding one frame of a clip may take; default 60")
       ->type_name("S")
@@ -339,12 +357,34 @@ void addInspect(CLI::App& app, InspectOptions& options) {
       ->type_name("N");
 }
 
+void addSubmit(CLI::App& app, SubmitOptions& options) {
+  CLI::App* command = app.add_subcommand("submit", "Have a sequence or clip rendered by a farm, through Slurm");
+  command->footer(kSubmitFooter);
+  command
+      ->add_option(
+          "--slurm", options.slurm,
+          "An option of sbatch, as in --slurm=--partition=NAME; may be repeated, and prevails over vorto's own")
+      ->type_name("OPTION")
+      ->allow_extra_args(false);
+  command->add_option("--retries", options.retries, "How often a task tries again before it fails; default 2")
+      ->type_name("N")
+      ->check(CLI::Range(0, 100));
+  command->add_option("--logs", options.logs, "Where scripts and logs go; default: logs beside the output")
+      ->type_name("FOLDER");
+  command->add_option("--after", options.after, "Begin when this job has succeeded; several: 17:18")->type_name("JOB");
+  command->add_flag("--dry-run", options.isDryRun, "Print the scripts, and change nothing");
+  command->add_option("command", options.command, "render and its arguments, behind --")
+      ->required()
+      ->type_name("-- render ...");
+}
+
 struct Options {
   EffectsOptions effects;
   RenderOptions render;
   StateOptions state;
   SheetOptions sheet;
   InspectOptions inspect;
+  SubmitOptions submit;
 };
 
 void addCommands(CLI::App& app, Options& options) {
@@ -357,6 +397,28 @@ void addCommands(CLI::App& app, Options& options) {
   addState(app, options.state);
   addSheet(app, options.sheet);
   addInspect(app, options.inspect);
+  addSubmit(app, options.submit);
+}
+
+// "render" and its arguments. Throws Failure for what render would not take.
+RenderCommandLine parsedRender(const std::vector<std::string>& arguments) {
+  if (arguments.empty() || arguments[0] != "render") {
+    throw Failure(ExitCode::Usage, "behind -- stands a render command, as in vorto submit -- render EFFECT ...");
+  }
+  CLI::App app;
+  RenderCommandLine parsed;
+  addRender(app, parsed.options);
+  try {
+    app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+  } catch (const CLI::ParseError& error) {
+    throw Failure(ExitCode::Usage, std::string(error.what()) + " (vorto render --help tells more)");
+  }
+  for (const CLI::Option* option : app.get_subcommand("render")->get_options()) {
+    if (option->count() == 0 || option->get_lnames().empty()) continue;
+    const bool isFlag = option->get_expected_max() == 0;
+    parsed.given.push_back({"--" + option->get_lnames()[0], isFlag ? std::vector<std::string>() : option->results()});
+  }
+  return parsed;
 }
 
 void runCommand(const CLI::App& app, const Options& options, const InspectAction& inspect) {
@@ -368,6 +430,8 @@ void runCommand(const CLI::App& app, const Options& options, const InspectAction
     runState(options.state);
   } else if (app.got_subcommand("inspect")) {
     inspect(options.inspect);
+  } else if (app.got_subcommand("submit")) {
+    runSubmit(options.submit, parsedRender(options.submit.command));
   } else {
     runSheet(options.sheet);
   }

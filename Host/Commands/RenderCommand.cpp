@@ -16,6 +16,7 @@
 #include "Host/Messages/Remark.h"
 #include "Host/Rendering/Effects.h"
 #include "Host/Rendering/FrameRendering.h"
+#include "Host/Rendering/FrameTimes.h"
 #include "Registry/VRTExecutionTraits.h"
 
 #include <algorithm>
@@ -168,7 +169,47 @@ void renderBesides(const RenderOptions& options, const RenderTiming& timing, Job
   renderInJobs(run);
 }
 
+// Whether frames come at the plan's rate, one like another.
+bool isEven(const RenderPlan& plan) {
+  const double units = 1 / (valueOf(plan.rate()) * valueOf(plan.timeBase()));
+  const std::int64_t first = plan.frame(0).shown;
+  for (std::uint64_t index = 1; index < plan.count(); ++index) {
+    const auto expected = static_cast<double>(first) + units * static_cast<double>(index);
+    if (std::abs(static_cast<double>(plan.frame(index).shown) - expected) > std::max(1.0, units / 4)) return false;
+  }
+  return true;
+}
+
 }  // namespace
+
+RenderOutlook renderOutlook(const RenderOptions& options) {
+  checkTime(options.time);
+  if (options.timing.rate) checkRate(*options.timing.rate);
+  const RenderSetup setup = setupOf(options);
+  const Output output = outputOf(options);
+  loadEffects();
+  FrameRendering rendering(setup);
+  OpenClips clips(setup.inputs.size());
+  openClips(clips, options, rendering.inputs(), 1);
+  const RenderTiming timing(options, rendering.effect().kind(), rendering.inputs(), clips.infos());
+  const RenderPlan& plan = timing.plan();
+  if (output.job.isClip()) {
+    ClipTarget target = output.job.clip;
+    target.audio = timing.audio();
+    ClipWriter::checkAudio(target);
+  }
+  RenderOutlook outlook;
+  outlook.output = outputKindOf(options);
+  outlook.keepsState = keepsState(rendering.effect().patch());
+  outlook.readsStandardInput = readsStandardInput(options);
+  outlook.hasClip = rendering.inputs().haveClip();
+  outlook.frames = plan.count();
+  outlook.firstNumber = plan.frame(0).number;
+  outlook.rate = plan.rate();
+  outlook.isEven = isEven(plan);
+  outlook.audio = timing.audio();
+  return outlook;
+}
 
 void runRender(const RenderOptions& options) {
   if (options.isWorker) {

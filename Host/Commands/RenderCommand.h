@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include "Host/Clips/ClipWriter.h"
 #include "Host/Commands/OptionValues.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -26,9 +28,10 @@ struct ClipOptions {
   std::string codec;
   std::string speed;
   std::string sampling;
-  std::string audio;      // a file whose audio is taken instead of the first clip's
-  bool isSilent = false;  // without audio
-  double patience = 60;   // seconds that a frame may take to be decoded
+  std::string audio;       // a file whose audio is taken instead of the first clip's
+  std::string audioStart;  // seconds, or M:S, H:M:S, of that file
+  bool isSilent = false;   // without audio
+  double patience = 60;    // seconds that a frame may take to be decoded
 };
 
 struct RenderOptions {
@@ -53,6 +56,26 @@ struct RenderOptions {
   bool isWorker = false;                 // of another that runs with the same options
   std::vector<std::string> commandLine;  // as the program was started, without its name
 };
+
+// What is written: one picture, pictures with the frame's number in their name, pictures one after another on the
+// standard output, or a clip.
+enum class OutputKind { Picture, Sequence, Stream, Clip };
+
+// What is known of a run before anything is rendered.
+struct RenderOutlook {
+  OutputKind output = OutputKind::Picture;
+  bool keepsState = false;  // the effect
+  bool readsStandardInput = false;
+  bool hasClip = false;  // among the inputs
+  std::uint64_t frames = 1;
+  std::uint32_t firstNumber = 0;  // of the output's names; the others follow it
+  Rational rate;                  // frames per second
+  bool isEven = true;             // frames come at that rate
+  std::optional<ClipAudio> audio;
+};
+
+// Looks through a command line as runRender() does, and throws what that would.
+RenderOutlook renderOutlook(const RenderOptions& options);
 
 // Renders a picture, one for every frame of a sequence, or a clip, and writes it. What can be checked is checked before
 // the first frame is rendered.

@@ -126,6 +126,7 @@ std::optional<ClipAudio> audioOf(const RenderOptions& options, const Inputs& inp
     audio.start = plan->startSeconds();
     audio.duration = plan->durationSeconds();
   }
+  audio.start += secondsOption("--audio-start", options.clip.audioStart).value_or(0);
   if (options.timing.isRetimed) {
     refuse("--retime changes the duration, and the audio of " + audio.path + " does not: give --no-audio");
   }

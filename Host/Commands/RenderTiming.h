@@ -28,9 +28,6 @@ struct PlanPart {
   std::uint64_t count = 0;
 };
 
-// What is written: one picture, pictures with the frame's number in their name, pictures one after another on the
-// standard output, or a clip.
-enum class OutputKind { Picture, Sequence, Stream, Clip };
 OutputKind outputKindOf(const RenderOptions& options);  // throws Failure for a format that nobody knows
 
 // The time of a run, from the options and what the inputs are.

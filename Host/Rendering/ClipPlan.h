@@ -23,13 +23,13 @@ struct PlayedInput {
 // What the user says of time.
 struct ClipWishes {
   EffectKind kind = EffectKind::Filter;
-  std::optional<double> time;
-  std::optional<Rational> fps;           // of the result
-  bool isRetimed = false;                // with fps: the same frames at that rate, instead of the same duration
-  std::optional<Rational> sequenceRate;  // else the leading clip's
-  std::optional<double> start;           // seconds from the start of all
-  std::optional<double> duration;        // seconds
-  std::optional<FrameRange> frames;      // of the whole, counted from 0; not with start and duration
+  std::optional<double> time = std::nullopt;
+  std::optional<Rational> fps = std::nullopt;  // of the result
+  bool isRetimed = false;                      // with fps: the same frames at that rate, instead of the same duration
+  std::optional<Rational> sequenceRate = std::nullopt;  // else the leading clip's
+  std::optional<double> start = std::nullopt;           // seconds from the start of all
+  std::optional<double> duration = std::nullopt;        // seconds
+  std::optional<FrameRange> frames = std::nullopt;      // of the whole, counted from 0; not with start and duration
   WhenShort whenShort = WhenShort::Hold;
 };
 

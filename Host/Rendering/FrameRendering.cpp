@@ -64,6 +64,7 @@ OutputPicture FrameRendering::render(const PlannedFrame& frame, const OutputDesc
   } else {
     inputs_.colors().toOutput(picture, output.format(picture.depth), output.name);
   }
+  picture.isConverted = picture.isConverted || inputs_.areHeldWider();
   return picture;
 }
 

@@ -71,6 +71,9 @@ void Inputs::begin(const std::vector<std::string>& paths, const std::vector<cons
   if (!depth_) {
     for (const PictureInfo* info : infos) depth_ = depth_ ? commonDepth(*depth_, info->depth) : info->depth;
   }
+  for (std::size_t i = 0; i < infos.size(); ++i) {
+    areHeldWider_ = areHeldWider_ || (sources_[i].isClip && infos[i]->alpha == AlphaKind::Straight);
+  }
   hasBegun_ = true;
 }
 
@@ -135,7 +138,7 @@ InputPictures Inputs::picturesAt(const PlannedFrame& frame, ClipFrames* clips) {
 
 // A layout has its own.
 SampleType Inputs::workingSample(bool needsFloat) const {
-  return needsFloat && !layout_ ? SampleType::Float : sampleTypeOf(*depth_);
+  return (needsFloat || areHeldWider_) && !layout_ ? SampleType::Float : sampleTypeOf(*depth_);
 }
 
 // Floats are needed as long as a frame is converted beside it.

@@ -52,6 +52,10 @@ class Inputs {
   // were before. Throws Failure when colors cannot be converted.
   void begin(const std::vector<std::string>& paths, const std::vector<const PictureInfo*>& infos);
 
+  // Whether pictures are held in floats because clips have alpha that is straight: premultiplied in the bits of a clip
+  // colors would lose most of what they are under a small alpha, and neutral effects would change them.
+  bool areHeldWider() const { return areHeldWider_; }
+
   // Of what is made of the pictures; nothing before it is decided, and where there are no inputs.
   std::optional<Depth> depth() const { return depth_; }
 
@@ -85,6 +89,7 @@ class Inputs {
 
   std::vector<Source> sources_;
   bool hasBegun_ = false;
+  bool areHeldWider_ = false;
   std::optional<Depth> depth_;
   std::optional<Layout> layout_;
   ColorFlow colors_;

@@ -20,9 +20,9 @@ class SequencePlan : public RenderPlan {
  public:
   struct Wishes {
     EffectKind kind = EffectKind::Filter;
-    double framesPerSecond = 25;  // that the effect's times are counted with
-    Rational rate{25, 1};         // the same as files state it
-    std::optional<double> time;   // for the effect, of all frames
+    double framesPerSecond = 25;                // that the effect's times are counted with
+    Rational rate{25, 1};                       // the same as files state it
+    std::optional<double> time = std::nullopt;  // for the effect, of all frames
   };
   // `sources`, by input: the frames that there are; nothing of stills. Where the wanted one comes before them the first
   // is shown, where it comes after them what `whenShort` says.

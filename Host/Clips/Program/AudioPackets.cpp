@@ -3,6 +3,7 @@
 
 #include "Host/Clips/Program/AvErrors.h"
 #include "Host/Clips/Program/ClipMuxer.h"
+#include "Host/Clips/Program/OpenInput.h"
 #include "Host/Messages/Failure.h"
 
 #include <algorithm>
@@ -46,6 +47,11 @@ std::int64_t firstFrameTime(const AVFormatContext& input) {
 
 }  // namespace
 
+int opusPadding(const AVCodecParameters& codec) {
+  if (codec.codec_id != AV_CODEC_ID_OPUS || codec.extradata_size < 12) return 0;
+  return codec.extradata[10] + 256 * codec.extradata[11];
+}
+
 AudioPackets::AudioPackets(const ClipAudio& audio, const ClipContainer& container)
     : audio_(audio),
       hasEditLists_(container.name == std::string_view("MP4") || container.name == std::string_view("QuickTime")) {
@@ -53,6 +59,11 @@ AudioPackets::AudioPackets(const ClipAudio& audio, const ClipContainer& containe
   chooseTracks(container);
   findBounds();
   read();
+  const Packet* first = packet();
+  const bool isLate = first && first->packet->pts > std::max<std::int64_t>(2 * first->packet->duration, first->unit.den / 10);
+  if (isLate && container.name == std::string_view("AVI")) {
+    refuse("its audio begins after its video, which AVI cannot say: give --no-audio to leave it out");
+  }
 }
 
 void AudioPackets::refuse(const std::string& reason) const {
@@ -60,15 +71,11 @@ void AudioPackets::refuse(const std::string& reason) const {
 }
 
 void AudioPackets::open() {
-  AVDictionary* options = nullptr;
-  av_dict_set(&options, "protocol_whitelist", "file", 0);
-  AVFormatContext* context = nullptr;
-  const LoggedError logged;
-  const int error = avformat_open_input(&context, ("file:" + audio_.path).c_str(), nullptr, &options);
-  av_dict_free(&options);
-  if (error < 0) refuse("its audio cannot be read: " + logged.reason(error));
-  input_.reset(context);
-  if (avformat_find_stream_info(context, nullptr) < 0) refuse("its audio cannot be read");
+  try {
+    input_ = openInput(audio_.path, Wanted::Audio);
+  } catch (const Failure& failure) {
+    refuse(std::string("its audio cannot be read: ") + failure.what());
+  }
 }
 
 void AudioPackets::chooseTracks(const ClipContainer& container) {
@@ -99,7 +106,8 @@ void AudioPackets::findBounds() {
     const double rate = track.unit.den;
     track.start = std::llround(start * rate);
     track.end = audio_.duration ? std::llround(*audio_.duration * rate) : kForever;
-    track.earliest = hasEditLists_ ? 0 : -track.stream->codecpar->initial_padding;
+    track.earliest = hasEditLists_ ? 0 : -opusPadding(*track.stream->codecpar);
+    track.grain = av_rescale_q_rnd(1, track.stream->time_base, track.unit, AV_ROUND_UP);
   }
   // Tracks lie beside each other, though not exactly.
   const auto early = static_cast<std::int64_t>((start - 2) * AV_TIME_BASE);
@@ -142,6 +150,8 @@ void AudioPackets::add(AvPacket packet, std::size_t index) {
     track.isOver = true;
     return;
   }
+  const std::int64_t early = track.earliest - packet->pts;
+  if (early > 0 && early < track.grain) packet->pts = packet->dts = track.earliest;
   if (packet->pts < track.earliest) {
     if (hasEditLists_) track.before = std::move(packet);
     return;

@@ -10,6 +10,9 @@
 
 namespace host {
 
+// How many samples a decoder of Opus leaves out at first; 0 of other codecs.
+int opusPadding(const AVCodecParameters& codec);
+
 // The audio of a file, packet by packet as it is there, from a moment on that becomes 0.
 class AudioPackets {
  public:
@@ -35,6 +38,7 @@ class AudioPackets {
     std::int64_t start = 0;              // in units of the file's own time
     std::int64_t end = 0;                // relative to the start; not included
     std::int64_t earliest = 0;           // of times of packets, relative to the start
+    std::int64_t grain = 0;              // how exact its times are
     std::int64_t last = AV_NOPTS_VALUE;  // what av_rescale_delta() keeps
     AvPacket before;                     // the last packet in front of `earliest`, where it may be kept
     bool isOver = false;

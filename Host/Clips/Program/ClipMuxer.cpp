@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Clips/Program/ClipMuxer.h"
 
+#include "Host/Clips/Program/AudioPackets.h"
 #include "Host/Clips/Program/AvErrors.h"
 #include "Host/Clips/Program/EncoderSetup.h"
 #include "Host/Messages/Failure.h"
@@ -43,6 +44,8 @@ ClipMuxer::ClipMuxer(const ClipTarget& target, const ClipContainer& container) :
   context_.reset(context);
   // No dates, versions or random numbers in the file.
   context->flags |= AVFMT_FLAG_BITEXACT;
+  // What comes before 0 decoders leave out.
+  context->avoid_negative_ts = 0;
   file_.connect(*context);
 }
 
@@ -59,11 +62,12 @@ AVStream& ClipMuxer::newStream() {
 void ClipMuxer::addVideo(const AVCodecContext& encoder) {
   AVStream& stream = newStream();
   check(avcodec_parameters_from_context(stream.codecpar, &encoder));
-  // Players of Apple's kind want what decoders need first in the header, and a name that says so.
-  const bool isMp4 = context_->oformat->codec_tag && wantsHeader() && std::string(context_->oformat->name) != "avi";
-  if (encoder.codec_id == AV_CODEC_ID_HEVC && isMp4) stream.codecpar->codec_tag = MKTAG('h', 'v', 'c', '1');
-  const bool isAvi = std::string(context_->oformat->name) == "avi";
-  stream.time_base = isAvi ? encoder.time_base : avRational(target_.timeBase);
+  const std::string muxer = context_->oformat->name;
+  // Some players know this one of the two names alone.
+  if (encoder.codec_id == AV_CODEC_ID_HEVC && (muxer == "mp4" || muxer == "mov")) {
+    stream.codecpar->codec_tag = MKTAG('h', 'v', 'c', '1');
+  }
+  stream.time_base = muxer == "avi" ? encoder.time_base : avRational(target_.timeBase);
   stream.avg_frame_rate = encoder.framerate;
   stream.r_frame_rate = encoder.framerate;
   stream.sample_aspect_ratio = encoder.sample_aspect_ratio;
@@ -77,6 +81,7 @@ void ClipMuxer::addAudio(const AVStream& source) {
   AVStream& stream = newStream();
   check(avcodec_parameters_copy(stream.codecpar, source.codecpar));
   stream.codecpar->codec_tag = 0;
+  stream.codecpar->initial_padding = opusPadding(*source.codecpar);
   stream.time_base = source.time_base;
   stream.disposition = source.disposition;
   for (const char* key : {"language", "title"}) {
@@ -95,7 +100,16 @@ void ClipMuxer::begin() {
   check(error, error < 0 ? logged.reason(error) : "");
 }
 
+// In Matroska times of Opus begin with what decoders leave out, which readers take off; its muxer leaves that to us.
+std::int64_t ClipMuxer::delayOf(const AVCodecParameters& codec) const {
+  const std::string name = context_->oformat->name;
+  return name == "matroska" || name == "webm" ? opusPadding(codec) : 0;
+}
+
 void ClipMuxer::write(AVPacket& packet, int stream, AVRational unit) {
+  const std::int64_t delay = delayOf(*context_->streams[stream]->codecpar);
+  packet.pts += delay;
+  packet.dts += delay;
   packet.stream_index = stream;
   av_packet_rescale_ts(&packet, unit, context_->streams[stream]->time_base);
   const LoggedError logged;

@@ -32,6 +32,7 @@ class ClipMuxer {
  private:
   void check(int error, const std::string& logged = "");
   AVStream& newStream();
+  std::int64_t delayOf(const AVCodecParameters& codec) const;
 
   const ClipTarget& target_;
   MuxFile file_;

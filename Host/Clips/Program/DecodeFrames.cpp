@@ -216,14 +216,21 @@ bool FrameDecoder::decodeUpTo(std::int64_t place) {
   return last_.place == place;
 }
 
+// Whether decoding from a key packet on begins with its frame, or one that is shown before it. It does not where the
+// picture is refreshed little by little.
+bool FrameDecoder::startsWith(const KeyPacket& key) {
+  if (!seekTo(key) || !decodeNext()) return false;
+  const std::int64_t time = index_.times[next_.place];
+  const AVPictureType type = next_.frame->pict_type;
+  return time < key.time || (time == key.time && type != AV_PICTURE_TYPE_P && type != AV_PICTURE_TYPE_B);
+}
+
 bool FrameDecoder::seekAndDecode(std::int64_t place) {
   auto key = std::ranges::upper_bound(index_.keys, index_.times[place], {}, &KeyPacket::time);
   // Where the nearest key frame does not lead there whole, one before it may.
   for (int tries = 0; tries < 3 && key != index_.keys.begin(); ++tries) {
     --key;
-    if (!seekTo(*key)) continue;
-    const bool isThere = decodeUpTo(place);
-    if (isThere && !last_.isDamaged) return true;
+    if (startsWith(*key) && decodeUpTo(place) && !last_.isDamaged) return true;
   }
   rewind();
   return decodeUpTo(place);

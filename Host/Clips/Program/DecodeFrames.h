@@ -51,6 +51,7 @@ class FrameDecoder {
   std::int64_t placeOf(const AVFrame& frame);
   bool isNear(std::int64_t place) const;
   bool decodeUpTo(std::int64_t place);
+  bool startsWith(const KeyPacket& key);
   bool seekAndDecode(std::int64_t place);
   std::int64_t firstPlace();
 

@@ -85,7 +85,12 @@ Encoder encoderOf(const ClipCodec& codec, const ClipTarget& target, const ClipSt
   }
   if (name == "prores") return {"prores_ks", {{"profile", proresProfile(storage, quality)}}};
   if (name == "dnxhr") return {"dnxhd", {{"profile", dnxhrProfile(storage, quality)}}};
-  if (name == "ffv1") return {"ffv1", {{"level", "3"}, {"g", "1"}}};
+  if (name == "ffv1") {
+    Options options = {{"level", "3"}, {"g", "1"}};
+    // More parts of large frames, so that many processors have one each.
+    if (target.kind.width >= 1280 && target.kind.height >= 720) options["slices"] = "16";
+    return {"ffv1", options};
+  }
   return {"png", {{"pred", "mixed"}}};
 }
 

@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 namespace host {
 namespace {
@@ -84,8 +85,7 @@ Gathered gatherAll(AVFormatContext& input, const AVStream& stream, const std::fu
 
 void sortTimes(std::vector<std::int64_t>* times) {
   std::ranges::sort(*times);
-  const auto [first, last] = std::ranges::unique(*times);
-  times->erase(first, last);
+  times->erase(std::unique(times->begin(), times->end()), times->end());
 }
 
 // Of a codec whose frames come in the order in which they are shown the decoding times do as well.
@@ -143,11 +143,20 @@ std::string secondsText(double seconds) {
   return result;
 }
 
-// What a file that was cut says is more than it holds. A file may state the time of its longest stream.
-std::string remarkOn(const Gathered& gathered, const AVFormatContext& input, double frame) {
+// How long a file says that it is, in seconds; 0 when it does not. That may be the time of its longest stream.
+double statedSeconds(const AVFormatContext& input, const AVStream& stream, double frame) {
+  // The library corrects the length of an AVI by what is there, not the count of its frames.
+  const bool isAvi = std::strcmp(input.iformat->name, "avi") == 0;
+  const double counted = isAvi ? static_cast<double>(stream.nb_frames) * frame : 0;
   const bool isStated =
       isUsable(input.duration) && input.duration > 0 && input.duration_estimation_method == AVFMT_DURATION_FROM_STREAM;
-  const double stated = isStated ? static_cast<double>(input.duration) / AV_TIME_BASE : 0;
+  return std::max(counted, isStated ? static_cast<double>(input.duration) / AV_TIME_BASE : 0);
+}
+
+// What a file that was cut says is more than it holds.
+std::string remarkOn(const Gathered& gathered, const AVFormatContext& input, const AVStream& stream) {
+  const double frame = 1 / av_q2d(nominalRate(stream));
+  const double stated = statedSeconds(input, stream, frame);
   if (stated > gathered.lastSecond + std::max(2.5 * frame, 0.1)) {
     return "it ends early: it states " + secondsText(stated) + " s and holds " + secondsText(gathered.lastSecond);
   }
@@ -167,8 +176,7 @@ PacketIndex indexPackets(AVFormatContext& input, AVStream& stream, const std::fu
     throw Failure(ExitCode::Input, gathered.error == AVERROR_EOF ? "it holds no frame" : avErrorText(gathered.error));
   }
   const bool isCounted = gathered.shown.size() < gathered.frames || (gathered.withoutTime > 0 && !comesInOrder(stream));
-  const double frame = 1 / av_q2d(nominalRate(stream));
-  const std::string remark = remarkOn(gathered, input, frame);
+  const std::string remark = remarkOn(gathered, input, stream);
   const std::int64_t stated = gathered.end;
   PacketIndex index = isCounted ? counted(std::move(gathered), stream) : timed(std::move(gathered), stream);
   index.end = endOf(index, stream, stated);

@@ -19,6 +19,8 @@ constexpr const char* kKinds =
     "mov,matroska,avi,mxf,mpegts,mpeg,mpegvideo,ogg,flv,nut,ivf,yuv4mpegpipe,dv,h264,hevc,m4v,h263,obu,av1,vc1,asf,rm,"
     "gxf,"
     "wtv,dirac,dnxhd,mjpeg,mjpeg_2000,cavsvideo,nsv,rl2,roq,smk,bink,flic,film_cpk";
+// And those that hold audio alone.
+constexpr const char* kAudioKinds = "wav,w64,aiff,caf,mp3,aac,ac3,eac3,flac";
 
 [[noreturn]] void refuse(const std::string& reason) {
   throw Failure(ExitCode::Input, reason);
@@ -30,18 +32,20 @@ int refuseFile(AVFormatContext* /*context*/, AVIOContext** /*file*/, const char*
 }
 
 // The kind of a file by its bytes and, for kinds that these do not tell, its name.
-const AVInputFormat* kindOf(AVIOContext* file, const std::string& path) {
+const AVInputFormat* kindOf(AVIOContext* file, const std::string& path, Wanted wanted) {
   const AVInputFormat* kind = nullptr;
   const LoggedError logged;
   const int error = av_probe_input_buffer2(file, &kind, path.c_str(), nullptr, 0, 0);
   if (error < 0 && error != AVERROR_INVALIDDATA) refuse(logged.reason(error));
-  if (error < 0 || !av_match_list(kind->name, kKinds, ',')) refuse("it is no clip of a kind that can be read");
+  const bool isKnown = error >= 0 && (av_match_list(kind->name, kKinds, ',') ||
+                                      (wanted == Wanted::Audio && av_match_list(kind->name, kAudioKinds, ',')));
+  if (!isKnown) refuse("it is no clip of a kind that can be read");
   return kind;
 }
 
 }  // namespace
 
-AvInput openInput(const std::string& path) {
+AvInput openInput(const std::string& path, Wanted wanted) {
   AVIOContext* file = nullptr;
   AVDictionary* options = nullptr;
   av_dict_set(&options, "protocol_whitelist", "file", 0);
@@ -57,7 +61,7 @@ AvInput openInput(const std::string& path) {
   input->pb = file;
   input->flags |= AVFMT_FLAG_CUSTOM_IO;
   input->io_open = refuseFile;
-  const AVInputFormat* kind = kindOf(file, path);
+  const AVInputFormat* kind = kindOf(file, path, wanted);
 
   const LoggedError logged;
   AVFormatContext* opened = input.release();  // freed where opening fails, but for the file

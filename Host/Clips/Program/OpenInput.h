@@ -7,8 +7,10 @@
 
 namespace host {
 
-// A file of one of the kinds that hold clips, with what its streams are. Nothing but this file is opened, whatever it
-// names. Throws Failure, whose message is only the reason.
-AvInput openInput(const std::string& path);
+enum class Wanted { Clip, Audio };
+
+// A file of one of the kinds that hold clips, with what its streams are. For audio it may hold nothing else.
+// Nothing but this file is opened, whatever it names. Throws Failure, whose message is only the reason.
+AvInput openInput(const std::string& path, Wanted wanted = Wanted::Clip);
 
 }  // namespace host

@@ -3,6 +3,20 @@
 
 #include "Host/Messages/Failure.h"
 
+namespace {
+
+// Packed samples of red, green and blue get full ones of alpha.
+std::string withAlpha(const std::string& packed, std::size_t sampleBytes) {
+  std::string result;
+  for (std::size_t i = 0; i < packed.size(); i += 3 * sampleBytes) {
+    result.append(packed, i, 3 * sampleBytes);
+    result.append(sampleBytes, '\xFF');
+  }
+  return result;
+}
+
+}  // namespace
+
 void runFfmpeg(const std::string& words) {
   const TemporaryFolder folder;
   const std::string said = folder.path("said");
@@ -15,6 +29,13 @@ std::string decodedByFfmpeg(const std::string& clip, const std::string& options,
   runFfmpeg("-i " + clip + " " + options + " -fps_mode passthrough -f rawvideo -pix_fmt " + format + " " +
             folder.path("raw"));
   return contentsOf(folder.path("raw"));
+}
+
+// Through planes, as the exact conversion goes only to these; the packing that follows changes nothing.
+std::string convertedByFfmpeg(const std::string& clip, const std::string& options, bool isDeep) {
+  const std::string filter = "-vf scale=flags=bicubic+accurate_rnd+full_chroma_int+full_chroma_inp:" + options +
+                             ",format=" + (isDeep ? "gbrp16le" : "gbrp");
+  return withAlpha(decodedByFfmpeg(clip, filter, isDeep ? "rgb48le" : "rgb24"), isDeep ? 2 : 1);
 }
 
 std::string contentsOf(const std::string& path) {

@@ -12,6 +12,9 @@ void runFfmpeg(const std::string& words);
 // What ffmpeg decodes of a clip with these options, as packed frames of the format.
 std::string decodedByFfmpeg(const std::string& clip, const std::string& options, const std::string& format);
 
+// The same as RGBA of 8 or 16 bits, converted exactly; the options are of ffmpeg's scaling filter.
+std::string convertedByFfmpeg(const std::string& clip, const std::string& options, bool isDeep);
+
 std::string contentsOf(const std::string& path);
 
 // A clip that is read frame by frame, in one slot.

@@ -40,7 +40,6 @@ TEST_P(WriteFormats, HoldAllFramesTheirTimesAndColors) {
   EXPECT_EQ(found.at("r_frame_rate"), "25/1");
   EXPECT_EQ(found.at("avg_frame_rate"), "25/1");
   EXPECT_EQ(found.value("start_time", "0.000000"), "0.000000");
-  printf("%s\n", found.dump().c_str());
 }
 
 INSTANTIATE_TEST_SUITE_P(

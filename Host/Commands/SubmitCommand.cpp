@@ -1,0 +1,288 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Host/Commands/SubmitCommand.h"
+
+#include "Host/Commands/RenderTiming.h"
+#include "Host/Farm/BatchScript.h"
+#include "Host/Farm/ShellText.h"
+#include "Host/Farm/Slurm.h"
+#include "Host/Files/FrameFiles.h"
+#include "Host/Files/OutputFile.h"
+#include "Host/Messages/Failure.h"
+#include "Host/Messages/Json.h"
+#include "Host/Messages/Remark.h"
+#include "Host/Messages/StandardOutput.h"
+#include "Host/Messages/Utf8.h"
+#include "Host/Rendering/FrameTimes.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <utility>
+
+namespace host {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::uint32_t kUsualChunk = 10;
+constexpr std::uint64_t kMostTasks = 1000;  // in an array, as Slurm comes
+constexpr const char* kFrameName = "frame.%08d.png";
+
+// Options that say how a clip is encoded: of its frames none, of its assembly all.
+constexpr const char* kEncoding[] = {"--codec", "--speed", "--sampling", "--quality", "--no-audio", "--verbose"};
+// Those that are of no use to tasks, or that these have of their own.
+constexpr const char* kNotOfTasks[] = {"--frames", "--chunk", "--jobs", "--resume"};
+constexpr const char* kNotOfFrames[] = {"--output", "--format", "--audio", "--audio-start"};
+
+[[noreturn]] void refuse(const std::string& message) {
+  throw Failure(ExitCode::Usage, message);
+}
+
+std::string wholePath(const std::string& path) {
+  std::error_code error;
+  const fs::path whole = fs::absolute(path, error);
+  return error ? path : whole.lexically_normal().string();
+}
+
+std::string thisProgram() {
+  std::error_code error;
+  const fs::path program = fs::read_symlink("/proc/self/exe", error);
+  if (error) throw Failure(ExitCode::Unexpected, "cannot find where this program is: " + error.message());
+  return program.string();
+}
+
+std::string counted(std::uint64_t count, const std::string& what) {
+  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
+
+template <std::size_t count>
+bool isOneOf(const std::string& name, const char* const (&names)[count]) {
+  return std::any_of(std::begin(names), std::end(names), [&](const char* one) { return name == one; });
+}
+
+// How the frames are dealt out.
+struct Chunks {
+  std::uint64_t frames = 0;
+  std::uint32_t first = 0;  // its number
+  std::uint32_t size = 1;
+  std::uint64_t count() const { return (frames + size - 1) / size; }
+  std::string range() const { return std::to_string(first) + "-" + std::to_string(first + frames - 1); }
+};
+
+Chunks chunksOf(const RenderOptions& options, const RenderOutlook& outlook) {
+  Chunks chunks{outlook.frames, outlook.firstNumber, kUsualChunk};
+  const std::string& frames = options.timing.frames;
+  const auto told = frames.empty() ? std::nullopt : parsedChunkedFrames(frames).chunk;
+  const std::uint64_t fewest = (outlook.frames + kMostTasks - 1) / kMostTasks;
+  chunks.size = told.value_or(static_cast<std::uint32_t>(std::max<std::uint64_t>(kUsualChunk, fewest)));
+  if (!outlook.keepsState) return chunks;
+  if (told && chunks.count() > 1) {
+    refuse(
+        "--frames " + frames + ": the effect \"" + options.effect +
+        "\" keeps a state from frame to frame, or does not say that it keeps none; its frames are one chunk: leave x" +
+        std::to_string(*told) + " out");
+  }
+  chunks.size = static_cast<std::uint32_t>(outlook.frames);
+  return chunks;
+}
+
+void checkForFarm(const RenderOptions& options, const RenderOutlook& outlook) {
+  if (outlook.output == OutputKind::Picture || outlook.output == OutputKind::Stream) {
+    refuse("--output " + options.output + ": a farm renders a sequence, as in out.%04d.png, or a clip");
+  }
+  if (outlook.readsStandardInput) refuse("the standard input cannot be read on a farm");
+  if (options.timing.chunk > 0) refuse("--chunk: the tasks of the farm are the chunks");
+  if (!options.timing.start.empty() || !options.timing.duration.empty()) {
+    refuse("--start and --duration: say it in frames, --frames " + std::to_string(outlook.firstNumber) + "-" +
+           std::to_string(outlook.firstNumber + outlook.frames - 1));
+  }
+}
+
+// A clip is assembled from its frames, which come one like another.
+void checkClipForFarm(const RenderOptions& options, const RenderOutlook& outlook) {
+  if (!outlook.hasClip && !options.timing.fps.empty()) refuse("--fps of sequences: say how they play with --rate");
+  if (!outlook.isEven) refuse("the frames of the first clip come unevenly: give a rate with --fps");
+  if (parsedFrameRate(numberText(valueOf(outlook.rate))) != outlook.rate) {
+    refuse("the first clip has " + std::to_string(outlook.rate.numerator) + "/" +
+           std::to_string(outlook.rate.denominator) +
+           " frames per second, which --rate cannot say: give a rate with --fps");
+  }
+}
+
+// The words of a render command: its options, with those that it is given besides, and the effect behind them.
+class RenderWords {
+ public:
+  RenderWords() : words_{shellWord(thisProgram()), "render"} {}
+  void add(const GivenOption& option) {
+    if (option.values.empty()) addRaw(option.name);
+    for (const std::string& value : option.values) add(option.name, value);
+  }
+  void add(const std::string& name, const std::string& value) {
+    words_.push_back(value.empty() ? name + " ''" : name + "=" + shellWord(value));
+  }
+  void addRaw(const std::string& word) { words_.push_back(word); }
+  std::vector<std::string> of(const std::string& effect) {
+    words_.insert(words_.end(), {"--", shellWord(effect)});
+    return std::move(words_);
+  }
+
+ private:
+  std::vector<std::string> words_;
+};
+
+// What jobs of a submission have in common.
+BatchJob newJob(const SubmitOptions& options, const std::string& logs, const std::string& name) {
+  BatchJob job;
+  job.name = name;
+  job.options = options.slurm;
+  job.retries = options.retries;
+  job.folder = fs::current_path().string();
+  for (const char* const variable : {"VORTO_PLUGIN_PATH", "OCIO"}) {
+    if (const char* value = std::getenv(variable)) job.environment.emplace_back(variable, value);
+  }
+  job.log = batchFileName(logs) + "/";
+  return job;
+}
+
+std::string pluralFrames(std::uint32_t size) {
+  return size == 1 ? "one in each task" : std::to_string(size) + " in each task";
+}
+
+// Of the frames those whose files are there: tasks go on behind them.
+void tellOfFrames(const std::string& output, const Chunks& chunks) {
+  const auto pattern = framePattern(output);
+  std::uint64_t there = 0;
+  std::error_code error;
+  for (std::uint64_t i = 0; i < chunks.frames; ++i) {
+    there += fs::exists(pattern->path(static_cast<std::uint32_t>(chunks.first + i)), error) ? 1 : 0;
+  }
+  if (there > 0) {
+    remark(std::to_string(there) + " of " + counted(chunks.frames, "frame") + (there == 1 ? " is" : " are") +
+           " there already and stay; remove what is to be rendered anew");
+  }
+}
+
+struct Submission {
+  const SubmitOptions& options;
+  const RenderCommandLine& render;
+  const RenderOutlook& outlook;
+  Chunks chunks;
+  std::string logs;
+  std::string name;
+
+  bool isClip() const { return outlook.output == OutputKind::Clip; }
+  std::string framesFolder() const { return wholePath(render.options.output) + ".frames"; }
+  std::string framesPattern() const { return framesFolder() + "/" + kFrameName; }
+  std::string script(const std::string& job) const { return logs + "/" + job + ".sh"; }
+};
+
+BatchJob framesJob(const Submission& submission) {
+  const Chunks& chunks = submission.chunks;
+  BatchJob job = newJob(submission.options, submission.logs, submission.name);
+  job.after = submission.options.after;
+  job.tasks = chunks.count();
+  job.log += "%A_%a.log";
+  job.remarks = {"Frames " + chunks.range() + " of " + submission.render.options.effect + ", " +
+                     pluralFrames(chunks.size) + "; made by vorto submit.",
+                 "A task runs without Slurm as well: SLURM_ARRAY_TASK_ID=1 sh " + job.name + ".sh"};
+  RenderWords words;
+  for (const GivenOption& option : submission.render.given) {
+    const bool isOfClip =
+        submission.isClip() && (isOneOf(option.name, kEncoding) || isOneOf(option.name, kNotOfFrames));
+    if (!isOfClip && !isOneOf(option.name, kNotOfTasks)) words.add(option);
+  }
+  if (submission.isClip()) words.add("--output", submission.framesPattern());
+  words.add("--frames", chunks.range() + "x" + std::to_string(chunks.size));
+  words.addRaw("--chunk=\"$SLURM_ARRAY_TASK_ID\"");
+  if (!submission.outlook.keepsState) words.addRaw("--resume");
+  words.addRaw("--jobs=\"${SLURM_CPUS_PER_TASK:-1}\"");
+  job.words = words.of(submission.render.options.effect);
+  return job;
+}
+
+// Levels leave a picture as it is unless they are set.
+BatchJob clipJob(const Submission& submission) {
+  BatchJob job = newJob(submission.options, submission.logs, submission.name + "-clip");
+  job.log += "%j.log";
+  std::erase_if(job.options, [](const std::string& option) { return option.starts_with("--array"); });
+  job.remarks = {"The clip of the frames that " + submission.name + ".sh renders; made by vorto submit."};
+  RenderWords words;
+  words.add("--input", submission.framesPattern());
+  words.add("--output", submission.render.options.output);
+  words.add("--rate", numberText(valueOf(submission.outlook.rate)));
+  for (const GivenOption& option : submission.render.given) {
+    if (isOneOf(option.name, kEncoding) || option.name == "--format") words.add(option);
+  }
+  if (const auto& audio = submission.outlook.audio) {
+    words.add("--audio", audio->path);
+    if (audio->start > 0) words.add("--audio-start", numberText(audio->start));
+  }
+  words.addRaw("--jobs=\"${SLURM_CPUS_PER_TASK:-1}\"");
+  job.words = words.of("Levels");
+  const std::string folder = shellWord(submission.framesFolder());
+  job.cleanup = {"rm -f " + folder + "/frame.*.png", "rmdir " + folder};
+  return job;
+}
+
+void makeFolder(const std::string& folder) {
+  std::error_code error;
+  fs::create_directories(folder, error);
+  if (error) throw Failure(ExitCode::Output, "cannot make the folder " + folder + ": " + error.message());
+}
+
+std::string submit(const Submission& submission, const BatchJob& job, const std::string& after) {
+  const std::string script = batchScript(job);
+  const std::string path = submission.script(job.name);
+  replaceFile(path, {reinterpret_cast<const std::uint8_t*>(script.data()), script.size()});
+  return submitScript(path, after);
+}
+
+void tellHowToFollow(const Submission& submission, const std::string& number, const std::string& clipNumber,
+                     const BatchJob& frames) {
+  const std::string jobs = clipNumber.empty() ? number : number + "," + clipNumber;
+  const std::string cancelled = clipNumber.empty() ? number : number + " " + clipNumber;
+  printText("  see      squeue --jobs=" + jobs + "\n  cancel   scancel " + cancelled +
+            "\n  after    sacct --jobs=" + jobs + " --format=JobID,State,ExitCode,NodeList,Elapsed\n  logs     " +
+            printable(submission.logs) + "/" + number + "_*.log\n  again    sbatch --array=K " +
+            printable(shellWord(submission.script(frames.name))) + "\n");
+}
+
+}  // namespace
+
+void runSubmit(const SubmitOptions& options, const RenderCommandLine& render) {
+  if (options.after.find_first_not_of("0123456789:") != std::string::npos) {
+    refuse("--after " + options.after + ": give the number of a job, or several, as in 17:18");
+  }
+  const RenderOutlook outlook = renderOutlook(render.options);
+  checkForFarm(render.options, outlook);
+  if (outlook.output == OutputKind::Clip) checkClipForFarm(render.options, outlook);
+  const fs::path output = wholePath(render.options.output);
+  Submission submission{options, render, outlook, chunksOf(render.options, outlook), "", ""};
+  submission.logs = wholePath(options.logs.empty() ? (output.parent_path() / "logs").string() : options.logs);
+  const auto pattern = framePattern(submission.isClip() ? submission.framesPattern() : render.options.output);
+  const fs::path named = submission.isClip() ? output : fs::path(pattern->before);
+  submission.name = batchName(submission.isClip() ? named.stem().string() : named.filename().string());
+
+  const BatchJob frames = framesJob(submission);
+  const BatchJob clip = submission.isClip() ? clipJob(submission) : BatchJob();
+  const std::string scripts[] = {batchScript(frames), submission.isClip() ? batchScript(clip) : ""};
+  if (options.isDryRun) {
+    printText(scripts[0]);
+    if (submission.isClip()) printText("\n# Behind it, sbatch --dependency=afterok:JOB:\n" + scripts[1]);
+    return;
+  }
+  tellOfFrames(submission.isClip() ? submission.framesPattern() : render.options.output, submission.chunks);
+  makeFolder(submission.logs);
+  if (submission.isClip()) makeFolder(submission.framesFolder());
+  const std::string number = submit(submission, frames, "");
+  std::string clipNumber;
+  printText("Job " + number + ": frames " + submission.chunks.range() + " in " +
+            counted(submission.chunks.count(), "task") + "\n");
+  if (submission.isClip()) {
+    clipNumber = submit(submission, clip, number);
+    printText("Job " + clipNumber + ": " + printable(render.options.output) + " of them\n");
+  }
+  tellHowToFollow(submission, number, clipNumber, frames);
+}
+
+}  // namespace host

@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Tests/Host/Clips/ClipFiles.h"
+
+// Which frames a clip has, when they are shown, and that each is the same however it is come to.
+
+namespace {
+
+const std::string kChart = "-f lavfi -i testsrc2=s=64x64:r=24:d=2,noise=alls=30:allf=t -pix_fmt yuv420p ";
+
+}  // namespace
+
+TEST(ClipFrames, AreTheSameInAnyOrder) {
+  const TemporaryFolder folder;
+  const struct {
+    const char *name, *options;
+  } rows[] = {
+      {"b.mp4", "-c:v libx264 -g 12 -bf 3"},
+      {"open.mkv", "-c:v libx264 -x264-params open-gop=1:keyint=12:bframes=3"},
+      {"open.ts", "-c:v libx264 -x264-params open-gop=1:keyint=12:bframes=3"},
+      {"refresh.ts", "-c:v libx264 -x264-params intra-refresh=1:keyint=12:bframes=0"},
+      {"hevc.mp4", "-c:v libx265 -x265-params log-level=none:keyint=12:open-gop=1 -tag:v hvc1"},
+      {"mpeg2.mpg", "-c:v mpeg2video -g 12 -bf 2 -q:v 3"},
+      {"mpeg4.avi", "-c:v mpeg4 -g 12 -bf 2 -q:v 3"},
+      {"h264.avi", "-c:v libx264 -g 12 -bf 3"},
+      {"raw.h264", "-c:v libx264 -g 12 -bf 3"},
+      {"vp9.webm", "-c:v libvpx-vp9 -g 12 -auto-alt-ref 1 -lag-in-frames 16 -b:v 100k"},
+      {"vp8.webm", "-c:v libvpx -g 12 -auto-alt-ref 1 -lag-in-frames 16 -b:v 100k"},
+      {"av1.mkv", "-c:v libsvtav1 -g 12 -preset 12"},
+      {"prores.mov", "-c:v prores_ks"},
+      {"ffv1.mkv", "-c:v ffv1 -g 6"},
+      {"chart.y4m", ""},
+      {"dnx.mxf", "-s 1920x1080 -c:v dnxhd -b:v 36M -pix_fmt yuv422p -t 0.25"},
+      {"theora.ogv", "-c:v libtheora -g 12 -q:v 5"},
+      {"chart.flv", "-c:v flv -g 12"},
+      {"chart.nut", "-c:v mjpeg -pix_fmt yuvj420p"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    const std::string clip = folder.path(row.name);
+    runFfmpeg(kChart + row.options + " " + clip);
+    ReadClip sequential(clip);
+    const auto count = static_cast<std::uint32_t>(sequential.count());
+    EXPECT_EQ(count, std::string(row.name) == "dnx.mxf" ? 6u : 48u);
+    EXPECT_FALSE(sequential.info().isUneven);
+    EXPECT_EQ(sequential.info().rate, (host::Rational{24, 1}));
+    EXPECT_NEAR(sequential.info().duration(), count / 24.0, 0.021);
+    EXPECT_EQ(sequential.info().remark, "");
+    const std::string range = std::string(row.options).find("yuvj") == std::string::npos ? "tv" : "pc";
+    const std::string expected =
+        convertedByFfmpeg(clip, "in_range=" + range, sequential.info().picture.sample == host::SampleType::UInt16);
+    std::vector<std::string> frames;
+    std::vector<std::uint32_t> wrong;
+    for (std::uint32_t i = 0; i < count; ++i) {
+      frames.push_back(sequential.frame(i));
+      if (expected.compare(i * frames[i].size(), frames[i].size(), frames[i]) != 0) wrong.push_back(i);
+    }
+    EXPECT_EQ(wrong, std::vector<std::uint32_t>());
+    EXPECT_EQ(sequential.damaged, wrong);
+    ReadClip jumping(clip);
+    std::uint32_t at = 0;
+    for (int i = 0; i < 16; ++i, at = (at + 29) % count) {
+      EXPECT_TRUE(jumping.frame(at) == frames[at]) << at;
+    }
+    for (std::uint32_t back = count - 1; back > count - 5; --back) {
+      EXPECT_TRUE(jumping.frame(back) == frames[back]) << back;
+    }
+    EXPECT_TRUE(jumping.damaged.empty());
+  }
+}

@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Audio goes from clip to clip as it is, and stays in sync.
+#include "Host/Messages/Failure.h"
+#include "WriteSupport.h"
+
+namespace {
+
+using namespace clips;
+
+struct Packet {
+  double time = 0;
+  double duration = 0;
+  std::string hash;
+};
+
+std::vector<Packet> packetsOf(const std::string& path, const std::string& stream) {
+  std::vector<Packet> packets;
+  const auto found = probe(path, "-show_packets -show_data_hash md5 -select_streams " + stream);
+  for (const auto& packet : found.at("packets")) {
+    packets.push_back({std::stod(packet.at("pts_time").get<std::string>()),
+                       std::stod(packet.at("duration_time").get<std::string>()), packet.at("data_hash")});
+  }
+  return packets;
+}
+
+// Three seconds of video and audio.
+void makeSource(const std::string& path, const std::string& arguments) {
+  run("ffmpeg -v error -f lavfi -i testsrc2=s=64x48:r=25:d=3 -f lavfi -i sine=440:d=3:r=48000 " + arguments + " '" +
+      path + "'");
+}
+
+struct Copied {
+  const char* name;
+  const char* source;     // its name
+  const char* arguments;  // of ffmpeg: how it is made
+  const char* target;     // its extension
+  double start;
+  double duration;   // 0: to the end of the video
+  double inSync;     // how exact times are, in seconds
+  bool isUntouched;  // else packets lose a header that only the source's kind of file needs
+};
+
+class WriteAudio : public testing::TestWithParam<Copied> {};
+
+// All packets that begin within the video, and nothing else; where the file can say that it is not heard, the one
+// before.
+TEST_P(WriteAudio, IsCopiedInSync) {
+  const Copied& copied = GetParam();
+  const Folder folder;
+  const std::string source = folder / copied.source;
+  makeSource(source, copied.arguments);
+  host::ClipTarget target = targetFor(folder / ("out." + std::string(copied.target)));
+  target.audio = host::ClipAudio{source, copied.start, std::nullopt};
+  if (copied.duration > 0) target.audio->duration = copied.duration;
+  host::ClipWriter::checkAudio(target);
+  std::vector<std::int64_t> times(26);
+  std::iota(times.begin(), times.end(), 0);
+  write(target, times);
+
+  EXPECT_EQ(packetsOf(target.path, "v:0").at(0).time, 0);
+  const double start = packetsOf(source, "v:0").at(0).time + copied.start;
+  const double end = copied.duration > 0 ? copied.duration : 1;
+  const bool hasEditLists = std::string(copied.target) == "mp4" || std::string(copied.target) == "mov";
+  std::vector<Packet> expected;
+  for (Packet packet : packetsOf(source, "a:0")) {
+    packet.time -= start;
+    const double earliest = hasEditLists ? -packet.duration : std::string(copied.target) == "webm" ? -0.0075 : -0.0005;
+    if (packet.time > earliest - 0.0006 && packet.time < end) expected.push_back(packet);
+  }
+  const std::vector<Packet> found = packetsOf(target.path, "a:0");
+  ASSERT_EQ(found.size(), expected.size());
+  for (std::size_t i = 0; i < found.size(); ++i) {
+    EXPECT_NEAR(found[i].time, expected[i].time, copied.inSync) << i;
+    EXPECT_EQ(found[i].hash == expected[i].hash, copied.isUntouched) << i;
+  }
+  EXPECT_EQ(run("ffmpeg -v error -i '" + target.path + "' -f null - 2>&1"), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, WriteAudio,
+    testing::Values(Copied{"aac", "in.mp4", "-c:a aac", "mp4", 0, 0, 0.0001, true},
+                    Copied{"aac_cut", "in.mp4", "-c:a aac", "mp4", 0.52, 0.4, 0.0001, true},
+                    Copied{"aac_to_matroska", "in.mp4", "-c:a aac", "mkv", 0, 0, 0.0006, true},
+                    Copied{"aac_of_matroska_cut", "in.mkv", "-c:a aac", "mp4", 2.2, 0, 0.0006, true},
+                    Copied{"aac_of_a_stream", "in.ts", "-c:a aac", "mp4", 0.52, 0, 0.0006, false},
+                    Copied{"opus", "in.webm", "-c:v libvpx-vp9 -c:a libopus", "webm", 0, 0, 0.0011, true},
+                    Copied{"opus_cut", "in.webm", "-c:v libvpx-vp9 -c:a libopus", "webm", 2.2, 0, 0.0011, true},
+                    Copied{"opus_to_mp4", "in.webm", "-c:v libvpx-vp9 -c:a libopus", "mp4", 0, 0, 0.0011, true},
+                    Copied{"pcm", "in.mov", "-c:a pcm_s16le", "mov", 0.52, 0, 0.0001, true},
+                    Copied{"pcm_to_avi", "in.mov", "-c:a pcm_s16le", "avi", 0.52, 0, 0.0214, true},
+                    Copied{"mp3_to_avi", "in.mkv", "-c:a libmp3lame", "avi", 0.52, 0, 0.0241, true}),
+    [](const auto& each) { return each.param.name; });
+
+// Every track, with its language, and what is only audio.
+TEST(WriteAudioTracks, AllOfThemWithWhatIsSaidOfThem) {
+  const Folder folder;
+  const std::string source = folder / "in.mkv";
+  makeSource(source,
+             "-map 0 -map 1 -map 1 -c:a flac -metadata:s:a:0 language=deu -metadata:s:a:1 language=fra "
+             "-disposition:a:1 default+comment -disposition:a:0 0");
+  host::ClipTarget target = targetFor(folder / "out.mkv");
+  target.audio = host::ClipAudio{source, 0, std::nullopt};
+  write(target);
+  const auto found = probe(target.path, "-show_streams -select_streams a").at("streams");
+  ASSERT_EQ(found.size(), 2u);
+  EXPECT_EQ(found[0].at("tags").at("language"), "deu");
+  EXPECT_EQ(found[1].at("tags").at("language"), "fra");
+  EXPECT_EQ(found[0].at("disposition").at("default"), 0);
+  EXPECT_EQ(found[1].at("disposition").at("default"), 1);
+  EXPECT_EQ(found[1].at("disposition").at("comment"), 1);
+
+  run("ffmpeg -v error -f lavfi -i sine=440:d=3:r=48000 '" + (folder / "alone.wav") + "'");
+  target.path = folder / "alone.mkv";
+  target.audio->path = folder / "alone.wav";
+  write(target);
+  EXPECT_EQ(packetsOf(target.path, "a:0").at(0).time, 0);
+}
+
+TEST(WriteAudioTracks, WhatCannotGoIntoTheFileIsToldBeforehand) {
+  const Folder folder;
+  const std::string source = folder / "in.mp4";
+  makeSource(source, "-c:a aac");
+  run("ffmpeg -v error -f lavfi -i testsrc2=s=64x48:r=25:d=1 '" + (folder / "silent.mp4") + "'");
+  std::ofstream(folder / "text.mp4") << "no clip at all";
+  const auto failure = [&](const std::string& extension, const std::string& audio) -> std::string {
+    host::ClipTarget target = targetFor(folder / ("out." + extension));
+    target.audio = host::ClipAudio{audio, 0, std::nullopt};
+    try {
+      host::ClipWriter::checkAudio(target);
+    } catch (const host::Failure& each) {
+      return each.what();
+    }
+    return "";
+  };
+  EXPECT_EQ(failure("mp4", source), "");
+  EXPECT_EQ(failure("webm", source), source + ": WebM does not hold its AAC audio: give --no-audio to leave it out");
+  EXPECT_EQ(failure("avi", source), source + ": AVI does not hold its AAC audio: give --no-audio to leave it out");
+  EXPECT_EQ(failure("mp4", folder / "silent.mp4"), (folder / "silent.mp4") + ": it has no audio");
+  EXPECT_NE(failure("mp4", folder / "text.mp4").find("text.mp4: its audio cannot be read"), std::string::npos);
+  EXPECT_NE(failure("mp4", folder / "none.mp4").find("No such file or directory"), std::string::npos);
+}
+
+}  // namespace
