@@ -164,7 +164,7 @@ TEST(ChildProcess, TellsHowItEnded) {
   EXPECT_EQ(shell("kill -SEGV $$").cause(), "signal 11 (Segmentation fault)");
   EXPECT_EQ(shell("exec sleep 1000").ending(), "it did not end");
   EXPECT_EQ(ChildProcess("/no/such/program", {}, {}).ending(), "it ended with exit code 127");
-  ChildProcess stubborn = shell("trap '' TERM; echo >&3; while :; do sleep 1000; done");
+  ChildProcess stubborn = shell("trap '' TERM; echo >&3; exec sleep 1000");
   Bytes start(1);
   ASSERT_EQ(::read(stubborn.socket().descriptor(), start.data(), 1), 1);
   stubborn.stop();
