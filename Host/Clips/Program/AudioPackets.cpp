@@ -60,7 +60,8 @@ AudioPackets::AudioPackets(const ClipAudio& audio, const ClipContainer& containe
   findBounds();
   read();
   const Packet* first = packet();
-  const bool isLate = first && first->packet->pts > std::max<std::int64_t>(2 * first->packet->duration, first->unit.den / 10);
+  const bool isLate =
+      first && first->packet->pts > std::max<std::int64_t>(2 * first->packet->duration, first->unit.den / 10);
   if (isLate && container.name == std::string_view("AVI")) {
     refuse("its audio begins after its video, which AVI cannot say: give --no-audio to leave it out");
   }

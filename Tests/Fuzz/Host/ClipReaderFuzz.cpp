@@ -35,8 +35,8 @@ void readFrames(host::Clip& clip, host::FrameSlots& slots) {
     try {
       clip.read(place, slots, 0);
       const host::PictureInfo& picture = clip.info().picture;
-      check(slots.kind(0) == host::FrameKind{picture.width, picture.height, picture.sample, host::Channels::RGBA,
-                                             picture.alpha},
+      check(slots.kind(0) ==
+                host::FrameKind{picture.width, picture.height, picture.sample, host::Channels::RGBA, picture.alpha},
             "frames are of the kind that was said");
     } catch (const host::Failure& failure) {
       check(*failure.what() != 0, "a frame that is not read has a reason");
