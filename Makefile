@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: BSD-3-Clause
 # The front door. Each target installs what it needs, builds, and runs; see README.md.
-.PHONY: all demo test bench bench-jobs asan asan-foreign-bytes tsan fuzz install package format tidy clean
+.PHONY: all demo farm test bench bench-jobs asan asan-foreign-bytes tsan fuzz install package format tidy clean
 PREFIX ?= /usr/local
 
 all:
@@ -10,6 +10,11 @@ all:
 
 demo: all
 	@scripts/demo build/release out
+
+# A farm of two nodes on this machine, of which one dies: rendered there and here, compared. Needs root.
+farm: all
+	@scripts/install-dependencies slurm-wlm munge
+	@scripts/farm build/release
 
 test: all
 	@scripts/check-format

@@ -169,6 +169,19 @@ void renderBesides(const RenderOptions& options, const RenderTiming& timing, Job
   renderInJobs(run);
 }
 
+// What clips say, without their frames.
+class ClipHeaders : public ClipFrames {
+ public:
+  explicit ClipHeaders(const OpenClips& clips) : infos_(clips.infos()) {}
+  const ClipInfo& info(std::size_t input) override { return *infos_[input]; }
+  FilePicture frame(std::size_t, std::uint32_t) override {
+    throw Failure(ExitCode::Unexpected, "a frame is read where only what clips say is known");
+  }
+
+ private:
+  const std::vector<const ClipInfo*> infos_;
+};
+
 // Whether frames come at the plan's rate, one like another.
 bool isEven(const RenderPlan& plan) {
   const double units = 1 / (valueOf(plan.rate()) * valueOf(plan.timeBase()));
@@ -199,9 +212,14 @@ RenderOutlook renderOutlook(const RenderOptions& options) {
     ClipWriter::checkAudio(target);
   }
   RenderOutlook outlook;
+  outlook.readsStandardInput = readsStandardInput(options);
+  if (!timing.isSingle() && !outlook.readsStandardInput) {
+    ClipHeaders headers(clips);
+    rendering.begin(plan.frame(0), &headers, output.job.description());
+    outlook.outputSpace = rendering.inputs().colors().outputSpace();
+  }
   outlook.output = outputKindOf(options);
   outlook.keepsState = keepsState(rendering.effect().patch());
-  outlook.readsStandardInput = readsStandardInput(options);
   outlook.hasClip = rendering.inputs().haveClip();
   outlook.frames = plan.count();
   outlook.firstNumber = plan.frame(0).number;

@@ -72,6 +72,7 @@ struct RenderOutlook {
   Rational rate;                  // frames per second
   bool isEven = true;             // frames come at that rate
   std::optional<ClipAudio> audio;
+  std::optional<ColorSpace> outputSpace;  // where the inputs decide it
 };
 
 // Looks through a command line as runRender() does, and throws what that would.

@@ -176,6 +176,14 @@ struct Submission {
   std::string script(const std::string& job) const { return logs + "/" + job + ".sh"; }
 };
 
+// That its frames are to be in, too, so that they are converted once; empty where they keep what their inputs state.
+std::string spaceOfClip(const Submission& submission) {
+  const std::string& told = submission.render.options.colors.output;
+  const auto& space = submission.outlook.outputSpace;
+  if (!submission.isClip() || !told.empty()) return told;
+  return space && space->kind == ColorSpace::Kind::Known ? spaceText(*space) : "";
+}
+
 BatchJob framesJob(const Submission& submission) {
   const Chunks& chunks = submission.chunks;
   BatchJob job = newJob(submission.options, submission.logs, submission.name);
@@ -186,12 +194,16 @@ BatchJob framesJob(const Submission& submission) {
                      pluralFrames(chunks.size) + "; made by vorto submit.",
                  "A task runs without Slurm as well: SLURM_ARRAY_TASK_ID=1 sh " + job.name + ".sh"};
   RenderWords words;
+  const RenderOptions& render = submission.render.options;
   for (const GivenOption& option : submission.render.given) {
     const bool isOfClip =
         submission.isClip() && (isOneOf(option.name, kEncoding) || isOneOf(option.name, kNotOfFrames));
     if (!isOfClip && !isOneOf(option.name, kNotOfTasks)) words.add(option);
   }
   if (submission.isClip()) words.add("--output", submission.framesPattern());
+  if (const std::string space = spaceOfClip(submission); !space.empty() && render.colors.output.empty()) {
+    words.add("--output-space", space);
+  }
   words.add("--frames", chunks.range() + "x" + std::to_string(chunks.size));
   words.addRaw("--chunk=\"$SLURM_ARRAY_TASK_ID\"");
   if (!submission.outlook.keepsState) words.addRaw("--resume");
@@ -213,6 +225,7 @@ BatchJob clipJob(const Submission& submission) {
   for (const GivenOption& option : submission.render.given) {
     if (isOneOf(option.name, kEncoding) || option.name == "--format") words.add(option);
   }
+  if (const std::string space = spaceOfClip(submission); !space.empty()) words.add("--output-space", space);
   if (const auto& audio = submission.outlook.audio) {
     words.add("--audio", audio->path);
     if (audio->start > 0) words.add("--audio-start", numberText(audio->start));

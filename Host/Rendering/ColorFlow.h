@@ -63,6 +63,9 @@ class ColorFlow {
   // What pixels lie outside of that the file's integers cannot hold: the space's name, empty where they are no colors.
   std::string clippedSpace() const;
 
+  // Of what is written, once that is decided; nothing before.
+  std::optional<ColorSpace> outputSpace() const { return output_ ? std::optional(outputPlan_.space) : std::nullopt; }
+
  private:
   // An input, and what it counts as where its space is found to be of no use.
   struct Met {

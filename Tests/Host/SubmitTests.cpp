@@ -1,0 +1,212 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "Tests/Host/Program.h"
+#include "Tests/Host/TestImages.h"
+
+#include <gtest/gtest.h>
+
+// What vorto submit gives to a farm. Scripts are run by sh; sbatch is a script of the test's own.
+
+namespace {
+
+namespace fs = std::filesystem;
+
+TestImage grayPixel(double value) {
+  return flatImage(1, 1, {value, value, value, 255});
+}
+
+// Pictures in.1.tif, ... in a folder, each of its number's gray.
+void writeFrames(const std::string& folder, int count) {
+  fs::create_directories(folder);
+  for (int frame = 1; frame <= count; ++frame) {
+    writeTiff(folder + "/in." + std::to_string(frame) + ".tif", grayPixel(frame));
+  }
+}
+
+// The script of a task that nothing but sh runs.
+int runTask(const std::string& script, int task) {
+  const std::string command = "SLURM_ARRAY_TASK_ID=" + std::to_string(task) + " sh " + script + " >/dev/null 2>&1";
+  const int status = std::system(command.c_str());
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+std::string dryScript(const Words& arguments, const Words& before = {}, const RunOptions& options = {}) {
+  Words words{"submit", "--dry-run"};
+  words.insert(words.end(), before.begin(), before.end());
+  words.insert(words.end(), {"--", "render"});
+  words.insert(words.end(), arguments.begin(), arguments.end());
+  return vortoSucceeds(words, options).out;
+}
+
+}  // namespace
+
+TEST(Submit, ScriptsHoldWhateverNamesThereAre) {
+  const TemporaryFolder folder;
+  const std::string names[] = {"plain",         "two words", "it's",    "\"quoted\"",  "a\nb",   "-lead",
+                               "$HOME `id` \\", "#1; ls",    "*a [a-z]", "\xC3\xA9\x01", "~user", "a\\nb"};
+  for (const std::string& name : names) {
+    SCOPED_TRACE(name);
+    const std::string frames = folder.path(name + "/" + name);
+    writeFrames(frames, 3);
+    const std::string script = folder.write("script.sh", dryScript({"Levels", "--input", frames + "/in.%d.tif", "--set",
+                                                                    "levels.gamma=1", "--output", frames + "/" + name +
+                                                                                                      ".%d.tif",
+                                                                    "--frames", "1-3x2"},
+                                                                   {"--retries", "0", "--logs", folder.path("logs")}));
+    EXPECT_EQ(runTask(script, 2), 0);
+    EXPECT_FALSE(fs::exists(frames + "/" + name + ".2.tif")) << "of the other task";
+    ASSERT_EQ(runTask(script, 1), 0);
+    for (int frame = 1; frame <= 3; ++frame) {
+      EXPECT_EQ(readTiff(frames + "/" + name + "." + std::to_string(frame) + ".tif").pixel(0, 0)[0], frame);
+    }
+  }
+}
+
+TEST(Submit, DealsFramesOut) {
+  const TemporaryFolder folder;
+  writeFrames(folder.path(), 23);
+  const struct {
+    Words frames;
+    const char *array, *chunks;
+  } cases[] = {
+      {{}, "--array=1-3\n", " --frames=1-23x10 "},
+      {{"--frames", "2-9"}, "--array=1-1\n", " --frames=2-9x10 "},
+      {{"--frames=1-23x23"}, "--array=1-1\n", " --frames=1-23x23 "},
+      {{"--frames=1-23x22"}, "--array=1-2\n", " --frames=1-23x22 "},
+      {{"--frames=3x1"}, "--array=1-1\n", " --frames=3-3x1 "},
+      {{"--frames", "1-8x3", "--jobs", "7", "--resume"}, "--array=1-3\n", " --frames=1-8x3 "},
+  };
+  for (const auto& each : cases) {
+    Words words{"Levels", "-i", folder.path("in.%d.tif"), "-o", folder.path("out.%d.tif")};
+    words.insert(words.end(), each.frames.begin(), each.frames.end());
+    const std::string script = dryScript(words);
+    EXPECT_NE(script.find(each.array), std::string::npos) << script;
+    EXPECT_NE(script.find(each.chunks), std::string::npos) << script;
+    EXPECT_NE(script.find(" --resume "), std::string::npos);
+    EXPECT_EQ(script.find("--jobs=7"), std::string::npos) << "tasks have the cores that Slurm gives them";
+  }
+  const std::string many = dryScript({"Noise", "--frames", "0-99999", "--output", folder.path("n.%d.png")});
+  EXPECT_NE(many.find("--array=1-1000\n"), std::string::npos) << "no more tasks than arrays have";
+}
+
+TEST(Submit, CarriesTheEnvironmentAndTheUsersOptions) {
+  const TemporaryFolder folder;
+  const std::string script = dryScript(
+      {"Noise", "--frames", "1-2", "--output", folder.path("n.%d.png")},
+      {"--slurm=--partition=render", "--slurm", "--comment=a \"b\" \\", "--after", "17:18", "--logs", folder.path("50%")},
+      {{"VORTO_PLUGIN_PATH=/it's", "OCIO=", "HOMELESS=1"}, 0});
+  for (const char* const line :
+       {"\n#SBATCH --partition=render\n", "\n#SBATCH \"--comment=a \\\"b\\\" \\\\\"\n", "\n#SBATCH --requeue\n",
+        "\n#SBATCH --dependency=afterok:17:18\n", "/50%%/%A_%a.log\n", "\n#SBATCH --job-name=n\n",
+        "\nexport VORTO_PLUGIN_PATH='/it'\\''s'\n", "\nexport OCIO=''\n"}) {
+    EXPECT_NE(script.find(line), std::string::npos) << line << script;
+  }
+  EXPECT_EQ(script.find("HOMELESS"), std::string::npos);
+  EXPECT_EQ(script.find("\n\n#SBATCH"), std::string::npos) << "sbatch reads no further than the first other line";
+  EXPECT_FALSE(fs::exists(folder.path("50%")));
+}
+
+TEST(Submit, TasksTryAgainUnlessItIsOfNoUse) {
+  const TemporaryFolder folder;
+  const std::string output = folder.path("n.%d.png");
+  const std::string tries = folder.path("tries");
+  const std::string script = dryScript({"Noise", "--frames", "1-2", "--output", output}, {"--retries", "2"});
+  const std::size_t program = script.find("  /"), end = script.find(' ', program + 2);
+  const struct {
+    int code, runs;
+  } cases[] = {{0, 1}, {2, 1}, {143, 1}, {3, 3}, {139, 3}};
+  for (const auto& [code, runs] : cases) {
+    writeFile(tries, "");
+    std::string changed = script;  // another program in the place of vorto
+    changed.replace(program, end - program,
+                    "  sh -c 'echo x >>" + tries + "; exit " + std::to_string(code) + "' vorto");
+    EXPECT_EQ(runTask(folder.write("script.sh", changed), 1), code);
+    EXPECT_EQ(readFile(tries).size(), 2u * static_cast<unsigned>(runs)) << code;
+  }
+}
+
+TEST(Submit, GivesScriptsToSlurmOneBehindTheOther) {
+  const TemporaryFolder folder;
+  const std::string sbatch = folder.write("bin/sbatch", "#!/bin/sh\necho \"$@\" >>" + folder.path("given") +
+                                                            "\necho \"$((16 + $(wc -l <" + folder.path("given") +
+                                                            ")));cluster\"\n");
+  fs::permissions(sbatch, fs::perms::owner_all);
+  const RunOptions options{{"PATH=" + folder.path("bin") + ":/usr/bin:/bin"}, 0};
+  const ProgramRun run = vortoSucceeds({"submit", "--logs", folder.path("logs/deep"), "--", "render", "Noise", "--size",
+                                        "16x16", "--frames", "4-9x4", "--output", folder.path("a clip.mkv"), "--codec",
+                                        "ffv1"},
+                                       options);
+  const std::string scripts = folder.path("logs/deep/a-clip");
+  EXPECT_EQ(readFile(folder.path("given")), "--parsable " + scripts + ".sh\n--parsable --dependency=afterok:17 " +
+                                                scripts + "-clip.sh\n");
+  EXPECT_EQ(run.out.substr(0, run.out.find("\n  see")),
+            "Job 17: frames 4-9 in 2 tasks\nJob 18: " + folder.path("a clip.mkv") + " of them");
+  EXPECT_NE(run.out.find("scancel 17 18\n"), std::string::npos);
+  for (int task = 1; task <= 2; ++task) EXPECT_EQ(runTask(scripts + ".sh", task), 0);
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder.path("a clip.mkv.frames")), {}), 6);
+  EXPECT_EQ(runTask(scripts + "-clip.sh", 0), 0);
+  EXPECT_FALSE(fs::exists(folder.path("a clip.mkv.frames"))) << "its frames are in it";
+  vortoSucceeds({"render", "Levels", "--input", folder.path("a clip.mkv"), "--output", folder.path("f.%d.png")});
+  vortoSucceeds({"render", "Noise", "--size", "16x16", "--output", folder.path("noise.png")});
+  for (int frame = 0; frame < 6; ++frame) {
+    EXPECT_EQ(readImage(folder.path("f." + std::to_string(frame) + ".png")).samples,
+              opaque(readImage(folder.path("noise.png"))).samples);
+  }
+
+  writeFile(sbatch, "#!/bin/sh\necho 'no such partition' >&2\nexit 1\n");
+  const Words words{"submit", "--logs", folder.path(), "--", "render", "Noise", "--frames", "1", "--output",
+                    folder.path("n.%d.png")};
+  const ProgramRun refused = vorto(words, options);
+  EXPECT_EQ(refused.exitCode, 1);
+  EXPECT_EQ(refused.err.find("no such partition\nvorto: cannot submit the job: sbatch did not take "), 0u);
+  const ProgramRun without = vorto(words, {{"PATH=" + folder.path()}, 0});
+  EXPECT_EQ(without.exitCode, 1);
+  EXPECT_NE(without.err.find("there is no sbatch here; --dry-run"), std::string::npos) << without.err;
+}
+
+TEST(Submit, RefusesWhatAFarmCannotRender) {
+  const TemporaryFolder folder;
+  writeFrames(folder.path(), 3);
+  const std::string contents = folder.path("PlugIns/Frames.plugin/Contents/");
+  fs::create_directories(contents + "Linux");
+  fs::copy_file(fs::read_symlink("/proc/self/exe").parent_path().string() + "/../test-plugins/Frames.so",
+                contents + "Linux/Frames");
+  writeFile(contents + "Info.plist",
+            "<plist version=\"1.0\"><dict><key>CFBundleIdentifier</key><string>org.vorto.test</string>"
+            "<key>CFBundleExecutable</key><string>Frames</string></dict></plist>\n");
+  const RunOptions options{{"VORTO_PLUGIN_PATH=" + folder.path("PlugIns")}, 0};
+  const std::string in = folder.path("in.%d.tif"), out = folder.path("o.%d.tif");
+  const struct {
+    Words words;
+    int code;
+    const char* reason;
+  } cases[] = {
+      {{"--", "effects"}, 2, "behind -- stands a render command"},
+      {{"--", "render", "Levels", "--inptu", in, "--output", out}, 2, "vorto render --help"},
+      {{"--", "render", "Lovels", "--input", in, "--output", out}, 2, "there is no effect \"Lovels\""},
+      {{"--", "render", "Levels", "--input", in, "--output", out, "--set", "gama=2"}, 2, "gama"},
+      {{"--", "render", "Levels", "--input", in, "--output", out, "--frames", "2-9"}, 3, "in.4.tif"},
+      {{"--", "render", "Levels", "--input", folder.path("in.1.tif"), "--output", folder.path("o.tif")}, 2,
+       "a farm renders a sequence"},
+      {{"--", "render", "Levels", "--input", in, "--output", "-", "--format", "png"}, 2, "a farm renders a sequence"},
+      {{"--", "render", "Over", "--input", in, "-", "--output", out}, 2, "standard input"},
+      {{"--", "render", "Levels", "--input", in, "--output", out, "--frames", "1-3x2", "--chunk", "1"}, 2, "--chunk"},
+      {{"--", "render", "Levels", "--input", in, "--output", folder.path("o.mkv"), "--codec", "vp8"}, 2, "vp8"},
+      {{"--", "render", "Counted Frames", "--frames", "1-3x2", "--output", out}, 2, "leave x2 out"},
+      {{"--slurm", "partition=a", "--", "render", "Levels", "--input", in, "--output", out}, 2, "an option of sbatch"},
+      {{"--slurm", "--comment=a\nb", "--", "render", "Levels", "--input", in, "--output", out}, 2, "line break"},
+      {{"--logs", "a\\b", "--", "render", "Levels", "--input", in, "--output", out}, 2, "backslash"},
+      {{"--after", "me", "--", "render", "Levels", "--input", in, "--output", out}, 2, "--after me"},
+  };
+  for (const auto& each : cases) {
+    Words words{"submit", "--dry-run"};
+    words.insert(words.end(), each.words.begin(), each.words.end());
+    const ProgramRun run = vorto(words, options);
+    EXPECT_EQ(run.exitCode, each.code) << each.reason << ": " << run.err;
+    EXPECT_NE(run.err.find(each.reason), std::string::npos) << run.err;
+    EXPECT_EQ(run.out, "");
+  }
+  const std::string script =
+      dryScript({"Counted Frames", "--frames", "1-300", "--output", out}, {}, options);
+  EXPECT_NE(script.find("--array=1-1\n"), std::string::npos);
+  EXPECT_EQ(script.find("--resume"), std::string::npos) << "its frames need those before them";
+}
