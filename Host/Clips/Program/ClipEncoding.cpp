@@ -5,6 +5,7 @@
 #include "Host/Clips/Program/EncoderSetup.h"
 #include "Host/Messages/Failure.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <utility>
@@ -82,8 +83,8 @@ void ClipEncoding::send(const AVFrame* frame) {
 // may be due before the first frame is shown.
 std::int64_t ClipEncoding::timeOf(std::int64_t frame) const {
   if (frame >= 0) return times_.at(static_cast<std::size_t>(frame));
-  const AVRational unit = avRational(target_.timeBase);
-  return av_rescale_q_rnd(frame, encoder_->time_base, unit, static_cast<AVRounding>(AV_ROUND_DOWN));
+  const std::int64_t step = av_rescale_q(1, encoder_->time_base, avRational(target_.timeBase));
+  return frame * std::max<std::int64_t>(step, 1);
 }
 
 // A packet's duration is known once the next frame's time is.

@@ -17,8 +17,7 @@ struct YuvKind {
 };
 
 // Packed RGB, of bytes or of 16 bits, that becomes planes, row by row. Computed in floats, every value rounded once:
-// within 0.51 steps of the definition at up to 12 bits, 0.6 at 16. What a processor's instructions are makes no
-// difference.
+// within 0.51 steps of the definition. Which instructions the processor has makes no difference.
 class YuvRows {
  public:
   // `samples` a pixel, 3 or 4 of which the last is alpha; `bytes` each, 1 or 2.

@@ -9,8 +9,6 @@ struct Stored {
   int bits;
   int primaries;
   double kr, kb;  // of the matrix that goes with them
-  double luma;    // the largest error, in steps of the stored depth
-  double chroma;
 };
 
 std::string nameOf(const testing::TestParamInfo<Stored>& info) {
@@ -77,17 +75,16 @@ TEST_P(WriteColors, AreWhatTheDefinitionSays) {
       }
     }
   }
-  EXPECT_LE(luma, stored.luma);
-  EXPECT_LE(chroma, stored.chroma);
+  EXPECT_LE(luma, 0.51);
+  EXPECT_LE(chroma, 0.51);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    All, WriteColors,
-    testing::Values(Stored{"444", 8, 1, 0.2126, 0.0722, 0.51, 0.51}, Stored{"422", 8, 1, 0.2126, 0.0722, 0.51, 0.51},
-                    Stored{"420", 8, 1, 0.2126, 0.0722, 0.51, 0.51}, Stored{"420", 8, 6, 0.299, 0.114, 0.51, 0.51},
-                    Stored{"420", 8, 5, 0.299, 0.114, 0.51, 0.51}, Stored{"444", 10, 1, 0.2126, 0.0722, 0.51, 0.51},
-                    Stored{"422", 10, 1, 0.2126, 0.0722, 0.51, 0.51}, Stored{"420", 10, 9, 0.2627, 0.0593, 0.51, 0.51},
-                    Stored{"444", 12, 1, 0.2126, 0.0722, 0.51, 0.51}, Stored{"444", 16, 1, 0.2126, 0.0722, 0.6, 0.6}),
-    nameOf);
+INSTANTIATE_TEST_SUITE_P(All, WriteColors,
+                         testing::Values(Stored{"444", 8, 1, 0.2126, 0.0722}, Stored{"422", 8, 1, 0.2126, 0.0722},
+                                         Stored{"420", 8, 1, 0.2126, 0.0722}, Stored{"420", 8, 6, 0.299, 0.114},
+                                         Stored{"420", 8, 5, 0.299, 0.114}, Stored{"444", 10, 1, 0.2126, 0.0722},
+                                         Stored{"422", 10, 1, 0.2126, 0.0722}, Stored{"420", 10, 9, 0.2627, 0.0593},
+                                         Stored{"444", 12, 1, 0.2126, 0.0722}, Stored{"444", 16, 1, 0.2126, 0.0722}),
+                         nameOf);
 
 }  // namespace

@@ -79,20 +79,6 @@ TEST(WriteTimes, StayUneven) {
   }
 }
 
-TEST(WriteTimes, RatesThatAreNoWholeNumbersAreExact) {
-  for (const char* name : {"out.mp4", "out.mov", "out.mkv", "out.avi"}) {
-    const TemporaryFolder folder;
-    host::ClipTarget target = targetFor(folder.path(name));
-    target.rate = {30000, 1001};
-    target.timeBase = {1001, 30000};
-    write(target);
-    const nlohmann::json found = video(target.path);
-    EXPECT_EQ(found.at("r_frame_rate"), "30000/1001") << name;
-    EXPECT_EQ(found.at("avg_frame_rate"), "30000/1001") << name;
-    EXPECT_EQ(found.at("nb_read_frames"), "12") << name;
-  }
-}
-
 TEST(WriteMetadata, IsInTheClip) {
   const TemporaryFolder folder;
   for (const char* name : {"out.mov", "out.mp4", "out.mkv"}) {

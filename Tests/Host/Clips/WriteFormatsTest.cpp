@@ -28,6 +28,8 @@ TEST_P(WriteFormats, HoldAllFramesTheirTimesAndColors) {
   const std::string path = folder.path(std::string("out.") + written.extension);
   host::ClipTarget target = targetFor(path, written.codec, written.bits, written.hasAlpha);
   target.settings.sampling = written.sampling;
+  target.rate = {30000, 1001};
+  target.timeBase = {1001, 30000};
   write(target);
   const nlohmann::json found = video(path);
   EXPECT_EQ(found.at("codec_name"), written.name);
@@ -35,8 +37,8 @@ TEST_P(WriteFormats, HoldAllFramesTheirTimesAndColors) {
   EXPECT_EQ(found.at("nb_read_frames"), "12");
   EXPECT_EQ(found.at("width"), target.kind.width);
   EXPECT_EQ(found.at("height"), target.kind.height);
-  EXPECT_EQ(found.at("r_frame_rate"), "25/1");
-  EXPECT_EQ(found.at("avg_frame_rate"), "25/1");
+  EXPECT_EQ(found.at("r_frame_rate"), "30000/1001");
+  EXPECT_EQ(found.at("avg_frame_rate"), "30000/1001");
   EXPECT_EQ(found.value("start_time", "0.000000"), "0.000000");
 }
 
