@@ -174,8 +174,8 @@ TEST(ChildProcess, TellsHowItEnded) {
 TEST(ChildProcess, HasWhatItWasGivenAndNothingElse) {
   FrameSlots slots(2);
   slots.put(1, Bytes{'x'});
-  ChildProcess listing = shell("ls /proc/$$/fd >&3", slots.descriptors());
-  EXPECT_EQ(said(listing), "0\n1\n2\n3\n4\n5\n");
+  ChildProcess listing = shell("exec ls /proc/self/fd >&3", slots.descriptors());
+  EXPECT_EQ(said(listing), "0\n1\n2\n3\n4\n5\n6\n") << "the last one is the folder that is listed";
   ChildProcess reading = shell("cat >&3");
   EXPECT_EQ(said(reading), "") << "an empty standard input";
   const int input = slots.descriptors()[1];
