@@ -48,7 +48,7 @@ bench:
 	@cmake --build --preset bench
 	@scripts/bench build/bench
 
-# Whole commands beside those of other programs: processor time and memory.
+# Whole commands beside those of other programs: processor time and memory. Sequences with one process and with two.
 bench-jobs: all
 	@scripts/install-dependencies ffmpeg imagemagick openimageio-tools
 	@cmake --preset bench --log-level=WARNING

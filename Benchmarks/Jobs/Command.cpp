@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <sstream>
 
 namespace {
@@ -27,6 +28,7 @@ double secondsOf(const timeval& time) {
 }  // namespace
 
 Cost runCommand(const std::string& folder, const std::vector<std::string>& words) {
+  const auto start = std::chrono::steady_clock::now();
   const pid_t child = fork();
   if (child == 0) becomeProgram(folder, words);
   int status = 0;
@@ -35,6 +37,7 @@ Cost runCommand(const std::string& folder, const std::vector<std::string>& words
   Cost cost;
   cost.succeeded = WIFEXITED(status) && WEXITSTATUS(status) == 0;
   cost.seconds = secondsOf(usage.ru_utime) + secondsOf(usage.ru_stime);
+  cost.wallSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   cost.mebibytes = static_cast<double>(usage.ru_maxrss) / 1024;
   return cost;
 }

@@ -7,8 +7,9 @@
 // What a whole command cost, with the processes that it started and waited for.
 struct Cost {
   bool succeeded = false;
-  double seconds = 0;    // of processor time, of the program and the system for it
-  double mebibytes = 0;  // most memory at once
+  double seconds = 0;      // of processor time, of the program and the system for it
+  double wallSeconds = 0;  // from its start to its end
+  double mebibytes = 0;    // most memory at once
 };
 
 // Runs a program, found by PATH, in a folder, with its outputs thrown away.

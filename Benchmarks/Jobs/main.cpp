@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Whole commands beside those of other programs for the same job, with their usual settings, one thread each: processor
-// time and most memory, the median of several runs in turns, and how large the file became.
+// time and most memory, the median of several runs in turns, and how large the file became. Then long sequences with
+// one process and with two: the time on the clock.
 //
 //   jobs VORTO PHOTO FOLDER [ROUNDS]
 //
@@ -112,6 +113,14 @@ constexpr const char* kInputs[] = {
     "oiiotool over.png --colorconvert sRGB linear -d half --compression zip -o over.exr",
     "convert -size 1x256 gradient:white-black -rotate 90 map.png",
     "convert large.png -resize 1920x1080! PNG24:frame.1.png",
+    "oiiotool frame.1.png --ch R,G,B,A=1 --colorconvert sRGB linear -d half --compression zip -o frame.1.exr",
+};
+
+// Of 96 frames that are one file under many names.
+constexpr int kFrames = 96;
+constexpr Program kSequences[] = {
+    {"Levels, 96 frames of 1080p PNG", "render Levels -i many.%d.png --set levels.gamma=1.2 -o o.%d.png"},
+    {"Levels, 96 frames of 1080p half EXR", "render Levels -i many.%d.exr --set levels.gamma=1.2 -o o.%d.exr"},
 };
 
 std::string replaced(std::string text, const std::string& what, const std::string& by) {
@@ -130,6 +139,13 @@ bool makeInputs(const std::string& photo, const std::string& folder) {
   for (int frame = 2; frame <= 12; ++frame) {
     fs::copy_file(folder + "/frame.1.png", folder + "/frame." + std::to_string(frame) + ".png",
                   fs::copy_options::overwrite_existing);
+  }
+  for (const char* extension : {".png", ".exr"}) {
+    for (int frame = 1; frame <= kFrames; ++frame) {
+      const std::string path = folder + "/many." + std::to_string(frame) + extension;
+      fs::remove(path);
+      fs::create_hard_link(folder + "/frame.1" + extension, path);
+    }
   }
   return true;
 }
@@ -173,6 +189,27 @@ void measure(const Job& job, const std::string& vorto, const std::string& folder
       runs.bytes = fs::file_size(folder + "/" + job.output);
     }
   }
+}
+
+// Whether it could be measured.
+bool printSequence(const Program& sequence, const std::string& vorto, const std::string& folder, int rounds) {
+  std::vector<double> seconds[2];
+  bool succeeded = true;
+  for (int round = 0; round < rounds; ++round) {
+    for (int jobs = 1; jobs <= 2; ++jobs) {
+      std::vector<std::string> words = wordsOf(sequence.command);
+      words.insert(words.begin(), vorto);
+      words.insert(words.end(), {"--jobs", std::to_string(jobs)});
+      const Cost cost = runCommand(folder, words);
+      succeeded = succeeded && cost.succeeded;
+      seconds[jobs - 1].push_back(cost.wallSeconds);
+    }
+  }
+  const double one = median(seconds[0]);
+  const double two = median(seconds[1]);
+  std::printf("%s\n  --jobs 1  %7.2f s\n  --jobs 2  %7.2f s   %.2f times as fast%s\n", sequence.name, one, two,
+              one / two, succeeded ? "" : ", failed");
+  return succeeded;
 }
 
 void print(const Job& job, const std::map<std::string, Runs>& results) {
@@ -222,6 +259,9 @@ int main(int argc, char** argv) {
     print(job, results);
     complete = complete && results.contains("vorto");
     std::fflush(stdout);
+  }
+  for (const Program& sequence : kSequences) {
+    complete = printSequence(sequence, vorto, folder, std::max(rounds, 1)) && complete;
   }
   return complete ? 0 : 1;
 }

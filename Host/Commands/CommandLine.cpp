@@ -446,6 +446,7 @@ int report(const std::string& message, ExitCode code) {
 }  // namespace
 
 int runProgram(int argc, char** argv, const InspectAction& inspect) {
+  occupyStandardDescriptors();
   prepareForSignals();
   try {
     CLI::App app("Lists and renders image effects, and looks into their saved parameters.");

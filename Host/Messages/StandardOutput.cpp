@@ -3,11 +3,21 @@
 
 #include "Host/Messages/Failure.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 
 namespace host {
+
+void occupyStandardDescriptors() {
+  for (const int number : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (::fcntl(number, F_GETFD) >= 0) continue;
+    ::open("/dev/null", number == STDIN_FILENO ? O_WRONLY : O_RDONLY);  // gets the lowest number that is free: this one
+  }
+}
 
 void printText(const std::string& text) {
   std::fwrite(text.data(), 1, text.size(), stdout);

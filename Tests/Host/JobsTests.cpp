@@ -198,47 +198,53 @@ TEST_F(Jobs, AProcessThatDiesIsStartedAgainOnce) {
   for (const auto& [name, bytes] : rendered) EXPECT_TRUE(whole.at(name) == bytes) << name;
 }
 
-// The signal comes to one process, or as from a terminal to all of them.
+// The signal comes to one process, or as from a terminal to all of them. Of a clip nothing is left.
 TEST_F(Jobs, SignalsEndAllProcessesAndLeaveWholeFiles) {
   const std::string program = (fs::read_symlink("/proc/self/exe").parent_path() / "vorto").string();
-  const Words words{"Frames",   "--frames",      "0-39", "--rate", "25", "--set", "trouble=pids " + at("pids"),
-                    "--output", "@/out/o.%d.png"};
+  const std::string trouble = "trouble=pids " + at("pids");
+  const Words words{"Frames", "--frames", "0-39", "--set", trouble, "--output", "@/out/o.%d.png"};
   const auto whole = filesOf(words, "3");
   ASSERT_EQ(whole.size(), 40u);
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-    for (const bool toAll : {false, true}) {
-      fs::remove_all(at("out"));
-      fs::create_directory(at("out"));
-      int ends[2];
-      ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
-      const pid_t process = fork();
-      if (process == 0) {
-        setpgid(0, 0);
-        dup2(ends[1], STDERR_FILENO);
-        setenv("VORTO_PLUGIN_PATH", at("plugins").c_str(), 1);
-        execl(program.c_str(), "vorto", "render", "Frames", "--frames", "0-39", "--set",
-              ("trouble=pids " + at("pids")).c_str(), "--output", at("out/o.%d.png").c_str(), "--jobs", "3", nullptr);
-        _exit(127);
-      }
-      setpgid(process, process);
-      close(ends[1]);
-      for (int turn = 0; turn < 500 && files("out").empty(); ++turn) usleep(10000);
-      kill(toAll ? -process : process, signal);
-      int status = 0;
-      waitpid(process, &status, 0);
-      EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == signal) << signal << " " << status;
-      // All that could have written to standard error are gone, and have written nothing.
-      pollfd waiting{ends[0], POLLIN, 0};
-      EXPECT_EQ(poll(&waiting, 1, 0), 1) << signal;
-      char byte;
-      EXPECT_EQ(read(ends[0], &byte, 1), 0) << signal;
-      close(ends[0]);
-      const auto rendered = files("out");
-      EXPECT_LT(rendered.size(), 40u);
-      for (const auto& [name, bytes] : rendered) {
-        ASSERT_TRUE(whole.contains(name)) << name;
-        EXPECT_TRUE(whole.at(name) == bytes) << name;
-      }
+  const struct {
+    int signal;
+    bool isToAll;
+    const char* output;
+  } cases[] = {{SIGINT, true, "o.mkv"},     {SIGINT, false, "o.mkv"},     {SIGTERM, false, "o.mkv"},
+               {SIGHUP, true, "o.mkv"},     {SIGTERM, false, "o.%d.png"}, {SIGHUP, true, "o.%d.png"},
+               {SIGINT, false, "o.%d.png"}, {SIGINT, true, "o.%d.png"}};
+  for (const auto& [signal, isToAll, output] : cases) {
+    fs::remove(at("pids"));
+    fs::remove_all(at("out"));
+    fs::create_directory(at("out"));
+    int ends[2];
+    ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
+    const pid_t process = fork();
+    if (process == 0) {
+      setpgid(0, 0);
+      dup2(ends[1], STDERR_FILENO);
+      setenv("VORTO_PLUGIN_PATH", at("plugins").c_str(), 1);
+      execl(program.c_str(), "vorto", "render", "Frames", "--frames", "0-39", "--set", trouble.c_str(), "--output",
+            at(std::string("out/") + output).c_str(), "--codec", "ffv1", "--jobs", "3", nullptr);
+      _exit(127);
+    }
+    setpgid(process, process);
+    close(ends[1]);
+    for (int turn = 0; turn < 1000 && readFile(at("pids")).size() < 30; ++turn) usleep(5000);
+    kill(isToAll ? -process : process, signal);
+    int status = 0;
+    waitpid(process, &status, 0);
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == signal) << signal << " " << status;
+    // All that could have written to standard error are gone, and have written nothing.
+    pollfd waiting{ends[0], POLLIN, 0};
+    EXPECT_EQ(poll(&waiting, 1, 0), 1) << signal << output;
+    char byte;
+    EXPECT_EQ(read(ends[0], &byte, 1), 0) << signal << output;
+    close(ends[0]);
+    const auto rendered = files("out");
+    EXPECT_LT(rendered.size(), 40u);
+    for (const auto& [name, bytes] : rendered) {
+      ASSERT_TRUE(whole.contains(name)) << name;
+      EXPECT_TRUE(whole.at(name) == bytes) << name;
     }
   }
   const std::string there = std::to_string(files("out").size());
@@ -246,6 +252,30 @@ TEST_F(Jobs, SignalsEndAllProcessesAndLeaveWholeFiles) {
   resumed.push_back("--resume");
   EXPECT_EQ(run(resumed, "2").err, "vorto: " + there + " of 40 frames are there already\n");
   EXPECT_TRUE(files("out") == whole);
+}
+
+// What cannot go into a clip, or dies, leaves the old one.
+TEST_F(Jobs, AClipIsWrittenAsAWholeOrNotAtAll) {
+  fs::create_directory(at("out"));
+  writeFile(at("out/o.mkv"), "old");
+  const struct {
+    const char* trouble;
+    int exitCode;
+    std::string said;
+  } cases[] = {
+      {"grow", 4,
+       "vorto: cannot write " + at("out/o.mkv") +
+           ": frame 1 has 2 x 1 pixels, the first one 1 x 1, and the frames of a clip have one size: --size "
+           "gives it\n"},
+      {"always", 5, "vorto: frame 3: the process that rendered it was ended twice: signal 11 (Segmentation fault)\n"}};
+  for (const auto& [trouble, exitCode, said] : cases) {
+    const ProgramRun result = run({"Frames", "--frames", "0-7", "--rate", "1", "--set",
+                                   std::string("trouble=") + trouble, "--codec", "ffv1", "--output", "@/out/o.mkv"},
+                                  "2");
+    EXPECT_EQ(result.exitCode, exitCode) << trouble;
+    EXPECT_EQ(result.err, said);
+    EXPECT_EQ(files("out"), (std::map<std::string, std::string>{{"o.mkv", "old"}})) << trouble;
+  }
 }
 
 TEST_F(Jobs, ResumeRendersWhatIsMissing) {
@@ -291,4 +321,19 @@ TEST_F(Jobs, AReaderWhoHasHadEnoughEndsThemQuietly) {
   EXPECT_NE(fgets(text, sizeof text, pipe), nullptr);
   pclose(pipe);
   EXPECT_STREQ(text, "141\n");
+}
+
+// Descriptors that it opens do not take the numbers of those that it was started without.
+TEST_F(Jobs, NeedNoStandardStreams) {
+  const std::string program = (fs::read_symlink("/proc/self/exe").parent_path() / "vorto").string();
+  const Words words{"Levels", "--input", "@/light.%d.exr", "--output", "@/out/o.%d.png"};
+  const auto whole = filesOf(words, "1");
+  for (const char* const jobs : {"1", "2"}) {
+    fs::remove_all(at("out"));
+    fs::create_directory(at("out"));
+    const std::string command = "'" + program + "' render Levels --input '" + at("light.%d.exr") + "' --output '" +
+                                at("out/o.%d.png") + "' --jobs " + jobs + " <&- >&- 2>&-";
+    EXPECT_EQ(std::system(command.c_str()), 0) << jobs;
+    EXPECT_TRUE(files("out") == whole) << jobs;
+  }
 }
