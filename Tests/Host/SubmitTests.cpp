@@ -41,17 +41,16 @@ std::string dryScript(const Words& arguments, const Words& before = {}, const Ru
 
 TEST(Submit, ScriptsHoldWhateverNamesThereAre) {
   const TemporaryFolder folder;
-  const std::string names[] = {"plain",         "two words", "it's",    "\"quoted\"",  "a\nb",   "-lead",
+  const std::string names[] = {"plain",         "two words", "it's",     "\"quoted\"",   "a\nb",  "-lead",
                                "$HOME `id` \\", "#1; ls",    "*a [a-z]", "\xC3\xA9\x01", "~user", "a\\nb"};
   for (const std::string& name : names) {
     SCOPED_TRACE(name);
     const std::string frames = folder.path(name + "/" + name);
     writeFrames(frames, 3);
-    const std::string script = folder.write("script.sh", dryScript({"Levels", "--input", frames + "/in.%d.tif", "--set",
-                                                                    "levels.gamma=1", "--output", frames + "/" + name +
-                                                                                                      ".%d.tif",
-                                                                    "--frames", "1-3x2"},
-                                                                   {"--retries", "0", "--logs", folder.path("logs")}));
+    const std::string script =
+        folder.write("script.sh", dryScript({"Levels", "--input", frames + "/in.%d.tif", "--set", "levels.gamma=1",
+                                             "--output", frames + "/" + name + ".%d.tif", "--frames", "1-3x2"},
+                                            {"--retries", "0", "--logs", folder.path("logs")}));
     EXPECT_EQ(runTask(script, 2), 0);
     EXPECT_FALSE(fs::exists(frames + "/" + name + ".2.tif")) << "of the other task";
     ASSERT_EQ(runTask(script, 1), 0);
@@ -90,10 +89,10 @@ TEST(Submit, DealsFramesOut) {
 
 TEST(Submit, CarriesTheEnvironmentAndTheUsersOptions) {
   const TemporaryFolder folder;
-  const std::string script = dryScript(
-      {"Noise", "--frames", "1-2", "--output", folder.path("n.%d.png")},
-      {"--slurm=--partition=render", "--slurm", "--comment=a \"b\" \\", "--after", "17:18", "--logs", folder.path("50%")},
-      {{"VORTO_PLUGIN_PATH=/it's", "OCIO=", "HOMELESS=1"}, 0});
+  const std::string script = dryScript({"Noise", "--frames", "1-2", "--output", folder.path("n.%d.png")},
+                                       {"--slurm=--partition=render", "--slurm", "--comment=a \"b\" \\", "--after",
+                                        "17:18", "--logs", folder.path("50%")},
+                                       {{"VORTO_PLUGIN_PATH=/it's", "OCIO=", "HOMELESS=1"}, 0});
   for (const char* const line :
        {"\n#SBATCH --partition=render\n", "\n#SBATCH \"--comment=a \\\"b\\\" \\\\\"\n", "\n#SBATCH --requeue\n",
         "\n#SBATCH --dependency=afterok:17:18\n", "/50%%/%A_%a.log\n", "\n#SBATCH --job-name=n\n",
@@ -111,9 +110,7 @@ TEST(Submit, TasksTryAgainUnlessItIsOfNoUse) {
   const std::string tries = folder.path("tries");
   const std::string script = dryScript({"Noise", "--frames", "1-2", "--output", output}, {"--retries", "2"});
   const std::size_t program = script.find("  /"), end = script.find(' ', program + 2);
-  const struct {
-    int code, runs;
-  } cases[] = {{0, 1}, {2, 1}, {143, 1}, {3, 3}, {139, 3}};
+  const struct { int code, runs; } cases[] = {{0, 1}, {2, 1}, {143, 1}, {3, 3}, {139, 3}};
   for (const auto& [code, runs] : cases) {
     writeFile(tries, "");
     std::string changed = script;  // another program in the place of vorto
@@ -126,18 +123,18 @@ TEST(Submit, TasksTryAgainUnlessItIsOfNoUse) {
 
 TEST(Submit, GivesScriptsToSlurmOneBehindTheOther) {
   const TemporaryFolder folder;
-  const std::string sbatch = folder.write("bin/sbatch", "#!/bin/sh\necho \"$@\" >>" + folder.path("given") +
-                                                            "\necho \"$((16 + $(wc -l <" + folder.path("given") +
-                                                            ")));cluster\"\n");
+  const std::string sbatch =
+      folder.write("bin/sbatch", "#!/bin/sh\necho \"$@\" >>" + folder.path("given") + "\necho \"$((16 + $(wc -l <" +
+                                     folder.path("given") + ")));cluster\"\n");
   fs::permissions(sbatch, fs::perms::owner_all);
   const RunOptions options{{"PATH=" + folder.path("bin") + ":/usr/bin:/bin"}, 0};
-  const ProgramRun run = vortoSucceeds({"submit", "--logs", folder.path("logs/deep"), "--", "render", "Noise", "--size",
-                                        "16x16", "--frames", "4-9x4", "--output", folder.path("a clip.mkv"), "--codec",
-                                        "ffv1"},
-                                       options);
+  const ProgramRun run =
+      vortoSucceeds({"submit", "--logs", folder.path("logs/deep"), "--", "render", "Noise", "--size", "16x16",
+                     "--frames", "4-9x4", "--output", folder.path("a clip.mkv"), "--codec", "ffv1"},
+                    options);
   const std::string scripts = folder.path("logs/deep/a-clip");
-  EXPECT_EQ(readFile(folder.path("given")), "--parsable " + scripts + ".sh\n--parsable --dependency=afterok:17 " +
-                                                scripts + "-clip.sh\n");
+  EXPECT_EQ(readFile(folder.path("given")),
+            "--parsable " + scripts + ".sh\n--parsable --dependency=afterok:17 " + scripts + "-clip.sh\n");
   EXPECT_EQ(run.out.substr(0, run.out.find("\n  see")),
             "Job 17: frames 4-9 in 2 tasks\nJob 18: " + folder.path("a clip.mkv") + " of them");
   EXPECT_NE(run.out.find("scancel 17 18\n"), std::string::npos);
@@ -153,8 +150,8 @@ TEST(Submit, GivesScriptsToSlurmOneBehindTheOther) {
   }
 
   writeFile(sbatch, "#!/bin/sh\necho 'no such partition' >&2\nexit 1\n");
-  const Words words{"submit", "--logs", folder.path(), "--", "render", "Noise", "--frames", "1", "--output",
-                    folder.path("n.%d.png")};
+  const Words words{"submit", "--logs",   folder.path(), "--",       "render",
+                    "Noise",  "--frames", "1",           "--output", folder.path("n.%d.png")};
   const ProgramRun refused = vorto(words, options);
   EXPECT_EQ(refused.exitCode, 1);
   EXPECT_EQ(refused.err.find("no such partition\nvorto: cannot submit the job: sbatch did not take "), 0u);
@@ -185,7 +182,8 @@ TEST(Submit, RefusesWhatAFarmCannotRender) {
       {{"--", "render", "Lovels", "--input", in, "--output", out}, 2, "there is no effect \"Lovels\""},
       {{"--", "render", "Levels", "--input", in, "--output", out, "--set", "gama=2"}, 2, "gama"},
       {{"--", "render", "Levels", "--input", in, "--output", out, "--frames", "2-9"}, 3, "in.4.tif"},
-      {{"--", "render", "Levels", "--input", folder.path("in.1.tif"), "--output", folder.path("o.tif")}, 2,
+      {{"--", "render", "Levels", "--input", folder.path("in.1.tif"), "--output", folder.path("o.tif")},
+       2,
        "a farm renders a sequence"},
       {{"--", "render", "Levels", "--input", in, "--output", "-", "--format", "png"}, 2, "a farm renders a sequence"},
       {{"--", "render", "Over", "--input", in, "-", "--output", out}, 2, "standard input"},
@@ -205,8 +203,7 @@ TEST(Submit, RefusesWhatAFarmCannotRender) {
     EXPECT_NE(run.err.find(each.reason), std::string::npos) << run.err;
     EXPECT_EQ(run.out, "");
   }
-  const std::string script =
-      dryScript({"Counted Frames", "--frames", "1-300", "--output", out}, {}, options);
+  const std::string script = dryScript({"Counted Frames", "--frames", "1-300", "--output", out}, {}, options);
   EXPECT_NE(script.find("--array=1-1\n"), std::string::npos);
   EXPECT_EQ(script.find("--resume"), std::string::npos) << "its frames need those before them";
 }
