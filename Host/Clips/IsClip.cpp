@@ -19,7 +19,7 @@ namespace {
 using namespace std::string_view_literals;
 
 // As much of a file as tells its kind: three packets of a transport stream with time stamps.
-constexpr std::size_t kStart = 3 * 192;
+constexpr std::size_t kStart = std::size_t{3} * 192;
 
 // Nothing for what is no regular file or cannot be opened.
 std::optional<Bytes> startOf(const std::string& path) {

@@ -174,7 +174,7 @@ TEST_F(Jobs, AFullDiskIsToldOnce) {
   const ProgramRun result = run(words, "3");
   EXPECT_EQ(result.exitCode, 4);
   EXPECT_EQ(result.err, alone.err);
-  EXPECT_NE(result.err.find("o.1.png: cannot write: File too large"), std::string::npos) << result.err;
+  EXPECT_NE(result.err.find("o.1.png: cannot write"), std::string::npos) << result.err;  // itself cut by the limit
   EXPECT_TRUE(files("out").empty());
 }
 

@@ -30,6 +30,7 @@ struct Gathered {
   std::vector<std::int64_t> decoded;  // decoding times
   std::vector<KeyPacket> keys;
   std::size_t frames = 0;
+  bool isJoined = false;         // times begin again, as of files that were put one behind another
   std::size_t withoutTime = 0;   // frames that do not say when they are shown
   std::int64_t end = INT64_MIN;  // of the frame that is shown last, where packets say how long theirs is
   double lastSecond = 0;         // at which a packet of any stream is over
@@ -47,18 +48,25 @@ bool isHidden(const AVPacket& packet, AVCodecID codec) {
   return (flags & 4) == 0 && (flags & 1) == 0;
 }
 
-void gather(const AVPacket& packet, AVCodecID codec, Gathered* gathered) {
-  if ((packet.flags & AV_PKT_FLAG_DISCARD) != 0 || isHidden(packet, codec)) return;
+void gather(const AVPacket& packet, const AVStream& stream, Gathered* gathered) {
+  if ((packet.flags & AV_PKT_FLAG_DISCARD) != 0 || isHidden(packet, stream.codecpar->codec_id)) return;
+  const std::int64_t second = av_rescale_q(1, {1, 1}, stream.time_base);
   ++gathered->frames;
   if (!isUsable(packet.pts)) ++gathered->withoutTime;
   const std::int64_t time = frameTime(packet);
-  if (isUsable(packet.dts)) gathered->decoded.push_back(packet.dts);
+  if (isUsable(packet.dts)) {
+    const bool isFirst = gathered->decoded.empty();
+    if (!isFirst && packet.dts < gathered->decoded.back() - second) gathered->isJoined = true;
+    gathered->decoded.push_back(packet.dts);
+  }
   if (!isUsable(time)) return;
   gathered->shown.push_back(time);
   if (packet.duration > 0 && packet.duration < kLargestTime) {
     gathered->end = std::max(gathered->end, time + packet.duration);
   }
-  if ((packet.flags & AV_PKT_FLAG_KEY) != 0) gathered->keys.push_back({time, packet.dts});
+  if ((packet.flags & AV_PKT_FLAG_KEY) != 0) {
+    gathered->keys.push_back({time, isUsable(packet.dts) ? packet.dts : AV_NOPTS_VALUE});
+  }
 }
 
 void noteEnd(const AVPacket& packet, const AVFormatContext& input, Gathered* gathered) {
@@ -75,7 +83,7 @@ Gathered gatherAll(AVFormatContext& input, const AVStream& stream, const std::fu
   const AvPacket packet = newPacket();
   while ((gathered.error = av_read_frame(&input, packet.get())) >= 0) {
     noteEnd(*packet, input, &gathered);
-    if (packet->stream_index == stream.index) gather(*packet, stream.codecpar->codec_id, &gathered);
+    if (packet->stream_index == stream.index) gather(*packet, stream, &gathered);
     av_packet_unref(packet.get());
     if (gathered.frames > kMostFrames) throw Failure(ExitCode::Input, "it has more frames than can be counted");
     goesOn();
@@ -107,7 +115,7 @@ PacketIndex counted(Gathered&& gathered, const AVStream& stream) {
   index.timeBase = stream.time_base;
   index.times = std::move(gathered.decoded);
   sortTimes(&index.times);
-  if (index.times.size() == gathered.frames) return index;
+  if (index.times.size() == gathered.frames && !gathered.isJoined) return index;
   index.timeBase = av_inv_q(nominalRate(stream));
   index.times.resize(gathered.frames);
   for (std::size_t i = 0; i < index.times.size(); ++i) index.times[i] = static_cast<std::int64_t>(i);
@@ -175,7 +183,8 @@ PacketIndex indexPackets(AVFormatContext& input, AVStream& stream, const std::fu
   if (gathered.frames == 0) {
     throw Failure(ExitCode::Input, gathered.error == AVERROR_EOF ? "it holds no frame" : avErrorText(gathered.error));
   }
-  const bool isCounted = gathered.shown.size() < gathered.frames || (gathered.withoutTime > 0 && !comesInOrder(stream));
+  const bool lacksTimes = gathered.shown.size() < gathered.frames;
+  const bool isCounted = gathered.isJoined || lacksTimes || (gathered.withoutTime > 0 && !comesInOrder(stream));
   const std::string remark = remarkOn(gathered, input, stream);
   const std::int64_t stated = gathered.end;
   PacketIndex index = isCounted ? counted(std::move(gathered), stream) : timed(std::move(gathered), stream);

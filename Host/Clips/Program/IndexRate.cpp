@@ -22,10 +22,10 @@ bool holds(const std::vector<std::int64_t>& times, AVRational timeBase, AVRation
 }
 
 AVRational averageRate(const std::vector<std::int64_t>& times, AVRational timeBase) {
-  AVRational rate;
-  const auto frames = static_cast<std::int64_t>(times.size() - 1);
-  av_reduce(&rate.num, &rate.den, frames * timeBase.den, (times.back() - times.front()) * timeBase.num, 1 << 30);
-  return rate;
+  AVRational perUnit;
+  av_reduce(&perUnit.num, &perUnit.den, static_cast<std::int64_t>(times.size() - 1), times.back() - times.front(),
+            1 << 30);
+  return av_div_q(perUnit, timeBase);
 }
 
 // The rate of broadcasts and cinemas beside another one.

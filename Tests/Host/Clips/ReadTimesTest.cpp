@@ -67,3 +67,35 @@ TEST(ClipFrames, AreTheSameInAnyOrder) {
     EXPECT_TRUE(jumping.damaged.empty());
   }
 }
+
+// Clips that begin in the middle of what belongs together, or begin again.
+TEST(ClipFrames, OfCutAndJoinedFilesAreThoseThatCanBeDecoded) {
+  const TemporaryFolder folder;
+  const std::string whole = folder.path("whole.ts");
+  runFfmpeg(kChart + "-c:v libx264 -x264-params open-gop=1:keyint=12:bframes=3 " + whole);
+  const std::string bytes = contentsOf(whole);
+  folder.write("cut.ts", bytes.substr(bytes.size() / 3 / 188 * 188));
+  folder.write("joined.ts", bytes + bytes);
+  runFfmpeg("-ss 0.7 -i " + whole + " -c copy " + folder.path("copied.mp4"));
+  runFfmpeg(kChart + "-c:v libx265 -x265-params log-level=none:keyint=12:open-gop=1 " + folder.path("hevc.ts"));
+  const std::string hevc = contentsOf(folder.path("hevc.ts"));
+  folder.write("cut-hevc.ts", hevc.substr(hevc.size() / 3 / 188 * 188));
+  for (const char* name : {"cut.ts", "joined.ts", "copied.mp4", "cut-hevc.ts"}) {
+    SCOPED_TRACE(name);
+    ReadClip read(folder.path(name));
+    const std::string found = read.all();
+    const std::string expected = convertedByFfmpeg(folder.path(name), "in_range=tv", false);
+    const std::size_t frame = std::size_t{64} * 64 * 4;
+    // What ffmpeg makes of frames before the first that is whole, with gray for what they refer to, is left out.
+    const bool hasMadeUpOnes = std::string(name) == "cut-hevc.ts";
+    EXPECT_EQ(read.count() < expected.size() / frame, hasMadeUpOnes) << read.info().remark;
+    EXPECT_GE(read.count(), 24u);
+    EXPECT_EQ(read.info().remark.find("its first ") == 0, std::string(name).starts_with("cut")) << read.info().remark;
+    EXPECT_TRUE(expected.ends_with(found)) << found.size() / frame;
+    EXPECT_TRUE(read.damaged.empty()) << read.damaged.size();
+    ReadClip jumping(folder.path(name));
+    for (const std::size_t place : {read.count() - 1, read.count() / 3, read.count() / 2}) {
+      EXPECT_TRUE(jumping.frame(static_cast<std::uint32_t>(place)) == found.substr(place * frame, frame)) << place;
+    }
+  }
+}

@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Audio goes from clip to clip as it is, and stays in sync.
-#include "Host/Messages/Failure.h"
-#include "WriteSupport.h"
+#include "Tests/Host/Clips/WriteSupport.h"
 
 namespace {
-
-using namespace clips;
 
 struct Packet {
   double time = 0;
@@ -25,8 +22,7 @@ std::vector<Packet> packetsOf(const std::string& path, const std::string& stream
 
 // Three seconds of video and audio.
 void makeSource(const std::string& path, const std::string& arguments) {
-  run("ffmpeg -v error -f lavfi -i testsrc2=s=64x48:r=25:d=3 -f lavfi -i sine=440:d=3:r=48000 " + arguments + " '" +
-      path + "'");
+  runFfmpeg("-f lavfi -i testsrc2=s=64x48:r=25:d=3 -f lavfi -i sine=440:d=3:r=48000 " + arguments + " " + path);
 }
 
 struct Copied {
@@ -46,10 +42,10 @@ class WriteAudio : public testing::TestWithParam<Copied> {};
 // before.
 TEST_P(WriteAudio, IsCopiedInSync) {
   const Copied& copied = GetParam();
-  const Folder folder;
-  const std::string source = folder / copied.source;
+  const TemporaryFolder folder;
+  const std::string source = folder.path(copied.source);
   makeSource(source, copied.arguments);
-  host::ClipTarget target = targetFor(folder / ("out." + std::string(copied.target)));
+  host::ClipTarget target = targetFor(folder.path("out." + std::string(copied.target)));
   target.audio = host::ClipAudio{source, copied.start, std::nullopt};
   if (copied.duration > 0) target.audio->duration = copied.duration;
   host::ClipWriter::checkAudio(target);
@@ -73,7 +69,7 @@ TEST_P(WriteAudio, IsCopiedInSync) {
     EXPECT_NEAR(found[i].time, expected[i].time, copied.inSync) << i;
     EXPECT_EQ(found[i].hash == expected[i].hash, copied.isUntouched) << i;
   }
-  EXPECT_EQ(run("ffmpeg -v error -i '" + target.path + "' -f null - 2>&1"), "");
+  runFfmpeg("-i " + target.path + " -f null -");
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -93,12 +89,12 @@ INSTANTIATE_TEST_SUITE_P(
 
 // Every track, with its language, and what is only audio.
 TEST(WriteAudioTracks, AllOfThemWithWhatIsSaidOfThem) {
-  const Folder folder;
-  const std::string source = folder / "in.mkv";
+  const TemporaryFolder folder;
+  const std::string source = folder.path("in.mkv");
   makeSource(source,
              "-map 0 -map 1 -map 1 -c:a flac -metadata:s:a:0 language=deu -metadata:s:a:1 language=fra "
              "-disposition:a:1 default+comment -disposition:a:0 0");
-  host::ClipTarget target = targetFor(folder / "out.mkv");
+  host::ClipTarget target = targetFor(folder.path("out.mkv"));
   target.audio = host::ClipAudio{source, 0, std::nullopt};
   write(target);
   const auto found = probe(target.path, "-show_streams -select_streams a").at("streams");
@@ -109,35 +105,30 @@ TEST(WriteAudioTracks, AllOfThemWithWhatIsSaidOfThem) {
   EXPECT_EQ(found[1].at("disposition").at("default"), 1);
   EXPECT_EQ(found[1].at("disposition").at("comment"), 1);
 
-  run("ffmpeg -v error -f lavfi -i sine=440:d=3:r=48000 '" + (folder / "alone.wav") + "'");
-  target.path = folder / "alone.mkv";
-  target.audio->path = folder / "alone.wav";
+  runFfmpeg("-f lavfi -i sine=440:d=3:r=48000 " + folder.path("alone.wav"));
+  target.path = folder.path("alone.mkv");
+  target.audio->path = folder.path("alone.wav");
   write(target);
   EXPECT_EQ(packetsOf(target.path, "a:0").at(0).time, 0);
 }
 
 TEST(WriteAudioTracks, WhatCannotGoIntoTheFileIsToldBeforehand) {
-  const Folder folder;
-  const std::string source = folder / "in.mp4";
+  const TemporaryFolder folder;
+  const std::string source = folder.path("in.mp4");
   makeSource(source, "-c:a aac");
-  run("ffmpeg -v error -f lavfi -i testsrc2=s=64x48:r=25:d=1 '" + (folder / "silent.mp4") + "'");
-  std::ofstream(folder / "text.mp4") << "no clip at all";
-  const auto failure = [&](const std::string& extension, const std::string& audio) -> std::string {
-    host::ClipTarget target = targetFor(folder / ("out." + extension));
+  runFfmpeg("-f lavfi -i testsrc2=s=64x48:r=25:d=1 " + folder.path("silent.mp4"));
+  folder.write("text.mp4", "no clip at all");
+  const auto failure = [&](const std::string& extension, const std::string& audio) {
+    host::ClipTarget target = targetFor(folder.path("out." + extension));
     target.audio = host::ClipAudio{audio, 0, std::nullopt};
-    try {
-      host::ClipWriter::checkAudio(target);
-    } catch (const host::Failure& each) {
-      return each.what();
-    }
-    return "";
+    return failureOf([&] { host::ClipWriter::checkAudio(target); });
   };
   EXPECT_EQ(failure("mp4", source), "");
   EXPECT_EQ(failure("webm", source), source + ": WebM does not hold its AAC audio: give --no-audio to leave it out");
   EXPECT_EQ(failure("avi", source), source + ": AVI does not hold its AAC audio: give --no-audio to leave it out");
-  EXPECT_EQ(failure("mp4", folder / "silent.mp4"), (folder / "silent.mp4") + ": it has no audio");
-  EXPECT_NE(failure("mp4", folder / "text.mp4").find("text.mp4: its audio cannot be read"), std::string::npos);
-  EXPECT_NE(failure("mp4", folder / "none.mp4").find("No such file or directory"), std::string::npos);
+  EXPECT_EQ(failure("mp4", folder.path("silent.mp4")), folder.path("silent.mp4") + ": it has no audio");
+  EXPECT_NE(failure("mp4", folder.path("text.mp4")).find("text.mp4: its audio cannot be read"), std::string::npos);
+  EXPECT_NE(failure("mp4", folder.path("none.mp4")).find("No such file or directory"), std::string::npos);
 }
 
 }  // namespace

@@ -1,90 +1,54 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // What cannot be written is said in one line that names the file, and leaves the old one as it was.
 #include "Host/Messages/Failure.h"
-#include "WriteSupport.h"
+#include "Tests/Host/Clips/WriteSupport.h"
 
 #include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <csignal>
 
 namespace {
 
-using namespace clips;
-
-std::string contents(const std::string& path) {
-  std::ifstream stream(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), {}};
-}
+// The old file's place, and what is in its folder.
+class Target {
+ public:
+  explicit Target(const std::string& name) : target(targetFor(folder.write(name, "the old one"))) {}
+  void expectUntouched() const {
+    EXPECT_EQ(contentsOf(target.path), "the old one") << target.path;
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 1) << target.path;
+  }
+  std::string failure(const std::vector<std::int64_t>& times = {}) const {
+    return failureOf([&] { write(target, times); });
+  }
+  const TemporaryFolder folder;
+  host::ClipTarget target;
+};
 
 TEST(WriteFailures, SettingsThatDoNotFitSayWhatWould) {
-  struct Case {
-    const char* name;
-    const char* codec;
-    std::uint32_t width, height;
-    bool hasAlpha;
-    host::ClipSettings settings;
-    const char* message;
+  const auto refusal = [](const char* name, const host::ClipSettings& settings, std::uint32_t width = 64,
+                          std::uint32_t height = 48, bool hasAlpha = false) {
+    return failureOf(
+        [&] { clipStorage(*host::clipContainerOf(name), settings, frameKind(width, height, 8, hasAlpha), 8); });
   };
-  const Folder folder;
-  for (const Case& each : {
-           Case{"out.webm", "h264", 64, 48, false, {}, "WebM does not hold h264: it takes vp9 or av1"},
-           Case{"out.mp4", "prores", 64, 48, false, {}, "MP4 does not hold prores: it takes h264, hevc, av1 or vp9"},
-           Case{"out.mp4",
-                "mpeg9",
-                64,
-                48,
-                false,
-                {},
-                "--codec mpeg9: give h264, hevc, vp9, av1, prores, dnxhr, ffv1 or png"},
-           Case{"out.mov", "prores", 64, 48, false, {"", "fast", "", -1}, "--speed fast: prores knows none"},
-           Case{"out.webm",
-                "vp9",
-                64,
-                48,
-                false,
-                {"", "fast", "", -1},
-                "--speed fast: vp9 takes 8, 7, 6, 5, 4, 3, 2, 1 or 0"},
-           Case{"out.mp4", "h264", 64, 48, false, {"", "", "rgb", -1}, "--sampling rgb: h264 takes 420, 422 or 444"},
-           Case{"out.mp4", "h264", 64, 48, false, {"", "", "", 101}, "--quality 101: give 1 to 100"},
-           Case{"out.mkv", "ffv1", 64, 48, false, {"", "", "", 90}, "--quality 90: ffv1 loses nothing, and knows none"},
-           Case{"out.mp4", "h264", 64, 48, true, {}, "H.264 in MP4 holds no alpha"},
-           Case{"out.mp4", "vp9", 64, 48, true, {}, "VP9 in MP4 holds no alpha"},
-           Case{"out.mov", "prores", 64, 48, true, {"", "", "422", -1}, "ProRes with --sampling 422 holds no alpha"},
-           Case{
-               "out.mp4",
-               "h264",
-               65,
-               47,
-               false,
-               {},
-               "H.264 with --sampling 420 takes frames of an even width and height, and these are 65 x 47: give --size "
-               "66x48 or --sampling 444"},
-           Case{
-               "out.mp4",
-               "h264",
-               64,
-               47,
-               false,
-               {},
-               "H.264 with --sampling 420 takes frames of an even width and height, and these are 64 x 47: give --size "
-               "64x48 or --sampling 422 or --sampling 444"},
-           Case{"out.mov",
-                "dnxhr",
-                64,
-                48,
-                false,
-                {},
-                "DNxHR takes frames of 256 x 120 pixels and more, and these are 64 x 48"},
-       }) {
-    host::ClipTarget target = targetFor(folder / each.name, each.codec, 8, each.hasAlpha);
-    target.kind = kindOf(each.width, each.height, 8, each.hasAlpha);
-    target.settings = each.settings;
-    target.settings.codec = each.codec;
-    EXPECT_EQ(failureOf(target), each.message);
-  }
-  EXPECT_TRUE(folder.names().empty());
+  EXPECT_EQ(refusal("out.webm", {"h264", "", "", -1}), "WebM does not hold h264: it takes vp9 or av1");
+  EXPECT_EQ(refusal("out.mp4", {"mpeg9", "", "", -1}),
+            "--codec mpeg9: give h264, hevc, vp9, av1, prores, dnxhr, ffv1 or png");
+  EXPECT_EQ(refusal("out.mov", {"prores", "fast", "", -1}), "--speed fast: prores knows none");
+  EXPECT_EQ(refusal("OUT.WEBM", {"", "fast", "", -1}), "--speed fast: vp9 takes 8, 7, 6, 5, 4, 3, 2, 1 or 0");
+  EXPECT_EQ(refusal("out.mp4", {"h264", "", "rgb", -1}), "--sampling rgb: h264 takes 420, 422 or 444");
+  EXPECT_EQ(refusal("out.mp4", {"h264", "", "", 101}), "--quality 101: give 1 to 100");
+  EXPECT_EQ(refusal("out.mkv", {"ffv1", "", "", 90}), "--quality 90: ffv1 loses nothing, and knows none");
+  EXPECT_EQ(refusal("out.mp4", {}, 64, 48, true), "H.264 in MP4 holds no alpha");
+  EXPECT_EQ(refusal("out.mp4", {"vp9", "", "", -1}, 64, 48, true), "VP9 in MP4 holds no alpha");
+  EXPECT_EQ(refusal("out.mov", {"", "", "422", -1}, 64, 48, true), "ProRes with --sampling 422 holds no alpha");
+  EXPECT_EQ(refusal("out.mp4", {}, 65, 47),
+            "H.264 with --sampling 420 takes frames of an even width and height, and these are 65 x 47: give --size "
+            "66x48 or --sampling 444");
+  EXPECT_EQ(refusal("out.mp4", {"", "", "422", -1}, 65, 47),
+            "H.264 with --sampling 422 takes frames of an even width, and these are 65 x 47: give --size 66x47 or "
+            "--sampling 444");
+  EXPECT_EQ(refusal("out.mov", {"dnxhr", "", "", -1}),
+            "DNxHR takes frames of 256 x 120 pixels and more, and these are 64 x 48");
 }
 
 // Odd sizes where the codec takes them: all of the picture is there.
@@ -93,12 +57,12 @@ TEST(WriteFailures, OddSizesAreNotCropped) {
        {std::tuple("out.mp4", "h264", "444"), std::tuple("out.mp4", "hevc", "444"), std::tuple("out.webm", "vp9", ""),
         std::tuple("out.mp4", "av1", ""), std::tuple("out.mov", "prores", ""), std::tuple("out.mkv", "ffv1", "420"),
         std::tuple("out.mov", "dnxhr", "")}) {
-    const Folder folder;
-    host::ClipTarget target = targetFor(folder / name, codec);
+    const TemporaryFolder folder;
+    host::ClipTarget target = targetFor(folder.path(name), codec);
     target.settings.sampling = sampling;
     target.kind.width += 1;
-    target.kind.height -= codec == std::string("dnxhr") ? -3 : 1;
-    EXPECT_EQ(failureOf(target, {0, 1, 2, 3}), "");
+    target.kind.height += 3;
+    write(target, {0, 1, 2, 3});
     const nlohmann::json found = video(target.path);
     EXPECT_EQ(found.at("width"), target.kind.width) << codec;
     EXPECT_EQ(found.at("height"), target.kind.height) << codec;
@@ -106,105 +70,74 @@ TEST(WriteFailures, OddSizesAreNotCropped) {
   }
 }
 
-TEST(WriteFailures, TimesThatCannotBe) {
-  const Folder folder;
-  host::ClipTarget target = targetFor(folder / "out.avi");
-  EXPECT_EQ(failureOf(target, {0, 1, 3, 4}),
-            "cannot write " + target.path +
+TEST(WriteFailures, TimesAndPlacesThatCannotBe) {
+  const Target avi("out.avi");
+  EXPECT_EQ(avi.failure({0, 1, 3, 4}),
+            "cannot write " + avi.target.path +
                 ": AVI holds frames at one rate alone, and these come unevenly: give a .mkv or .mov");
-  target = targetFor(folder / "out.mp4");
-  EXPECT_NE(failureOf(target, {0, 1, 1, 4}).find("a frame comes before the one that it follows"), std::string::npos);
-  EXPECT_NE(failureOf(target, {0, 1, 1}).find("it ends before its last frame"), std::string::npos);
-  EXPECT_TRUE(folder.names().empty());
-}
-
-TEST(WriteFailures, FilesThatCannotBeWritten) {
-  const Folder folder;
-  host::ClipTarget target = targetFor(folder / "none/out.mp4");
-  EXPECT_EQ(failureOf(target), "cannot write " + target.path + ": there is no folder " + (folder / "none"));
-  std::filesystem::create_directory(folder / "out.mp4");
-  target.path = folder / "out.mp4";
-  EXPECT_EQ(failureOf(target), "cannot write " + target.path + ": it is a folder");
+  avi.expectUntouched();
+  Target mp4("out.mp4");
+  EXPECT_NE(mp4.failure({0, 1, 1, 4}).find("a frame comes before the one that it follows"), std::string::npos);
+  EXPECT_NE(mp4.failure({0, 1, 1}).find("it ends before its last frame"), std::string::npos);
+  mp4.expectUntouched();
+  mp4.target.path = mp4.folder.path("none/out.mp4");
+  EXPECT_EQ(mp4.failure(), "cannot write " + mp4.target.path + ": there is no folder " + mp4.folder.path("none"));
+  mp4.target.path = mp4.folder.path();
+  EXPECT_EQ(mp4.failure(), "cannot write " + mp4.target.path + ": it is a folder");
 }
 
 // In a process of its own, as the limit holds for those that it starts too.
 TEST(WriteFailures, AFullDiskLeavesTheOldFile) {
-  const Folder folder;
   for (const char* name : {"out.mkv", "out.mp4", "out.mov", "out.avi"}) {
-    host::ClipTarget target = targetFor(folder / name);
-    target.kind = kindOf(32, 32, 8, false);
-    if (host::clipContainerOf(name)->codecs[0] == 'h') target.settings.quality = 100;
-    std::ofstream(target.path) << "the old one";
-    const pid_t child = fork();
-    if (child == 0) {
+    Target full(name);
+    full.target.kind = frameKind(32, 32, 8, false);
+    if (host::clipContainerOf(name)->codecs[0] == 'h') full.target.settings.quality = 100;
+    const ChildResult child = RunInChild([&] {
       std::signal(SIGXFSZ, SIG_IGN);
       const rlimit limit{3500, 3500};  // a frame's memory is below
       setrlimit(RLIMIT_FSIZE, &limit);
-      const std::string message = failureOf(target);
-      _exit(message == "cannot write " + target.path + ": cannot write: File too large" ? 0 : 1);
-    }
-    int status = 1;
-    waitpid(child, &status, 0);
-    EXPECT_EQ(status, 0) << name;
-    EXPECT_EQ(contents(target.path), "the old one") << name;
+      std::printf("%s", full.failure().c_str());
+      return 0;
+    });
+    EXPECT_EQ(child.output, "cannot write " + full.target.path + ": cannot write: File too large");
+    full.expectUntouched();
   }
-  EXPECT_EQ(folder.names().size(), 4u);
 }
 
 // The process that this one has started last.
 pid_t lastChild() {
   const std::string self = std::to_string(getpid());
-  std::istringstream children(contents("/proc/" + self + "/task/" + self + "/children"));
+  std::istringstream children(contentsOf("/proc/" + self + "/task/" + self + "/children"));
   pid_t last = 0;
   for (pid_t child = 0; children >> child;) last = child;
   EXPECT_GT(last, 0);
   return last;
 }
 
-TEST(WriteFailures, AProcessThatDiesIsTold) {
-  const Folder folder;
-  const host::ClipTarget target = targetFor(folder / "out.mp4");
-  std::ofstream(target.path) << "the old one";
+TEST(WriteFailures, AProcessThatDiesIsToldAndOneThatIsGivenUpLeavesNothing) {
+  const Target old("out.mp4");
+  using Step = std::function<void(host::ClipWriter&)>;
   const std::string expected =
-      "cannot write " + target.path + ": the process that writes it failed: it was ended by signal 9 (Killed)";
-  const auto failure = [&](const std::function<void(host::ClipWriter&, host::FrameSlots&)>& step) -> std::string {
-    host::FrameSlots slots(2);
-    host::ClipWriter writer(target, slots);
-    const Frame frame = chart(target.kind, 0);
-    std::memcpy(slots.fill(0, target.kind), frame.data(), frame.size());
-    writer.write(0, 0);
-    EXPECT_EQ(writer.written(), 0u);
-    kill(lastChild(), SIGKILL);
-    try {
-      step(writer, slots);
-    } catch (const host::Failure& each) {
-      EXPECT_EQ(each.code, host::ExitCode::Output);
-      return each.what();
-    }
-    return "";
-  };
-  EXPECT_EQ(failure([](host::ClipWriter& writer, host::FrameSlots&) { writer.written(); }), expected);
-  EXPECT_EQ(failure([](host::ClipWriter& writer, host::FrameSlots&) { writer.finish(1); }), expected);
-  EXPECT_EQ(failure([](host::ClipWriter& writer, host::FrameSlots&) {
-              for (int i = 1; i < 1000000; ++i) writer.write(0, i);
-            }),
-            expected);
-  EXPECT_EQ(contents(target.path), "the old one");
-  EXPECT_EQ(folder.names().size(), 1u);
-}
-
-TEST(WriteFailures, AWriterThatIsGivenUpLeavesNothing) {
-  const Folder folder;
-  const host::ClipTarget target = targetFor(folder / "out.mkv");
-  {
+      "cannot write " + old.target.path + ": the process that writes it failed: it was ended by signal 9 (Killed)";
+  const auto failure = [&](bool isKilled, const Step& step) {
     host::FrameSlots slots(1);
-    host::ClipWriter writer(target, slots);
-    const Frame frame = chart(target.kind, 0);
-    std::memcpy(slots.fill(0, target.kind), frame.data(), frame.size());
+    host::ClipWriter writer(old.target, slots);
+    const std::string frame = chart(old.target.kind, 0);
+    std::memcpy(slots.fill(0, old.target.kind), frame.data(), frame.size());
     writer.write(0, 0);
     EXPECT_EQ(writer.written(), 0u);
-  }
-  EXPECT_TRUE(folder.names().empty());
+    if (isKilled) kill(lastChild(), SIGKILL);
+    return failureOf([&] { step(writer); });
+  };
+  EXPECT_EQ(failure(true, [](host::ClipWriter& writer) { writer.written(); }), expected);
+  EXPECT_EQ(failure(true, [](host::ClipWriter& writer) { writer.finish(1); }), expected);
+  EXPECT_EQ(failure(true,
+                    [](host::ClipWriter& writer) {
+                      for (int i = 1; i < 1000000; ++i) writer.write(0, i);
+                    }),
+            expected);
+  EXPECT_EQ(failure(false, [](host::ClipWriter&) {}), "");
+  old.expectUntouched();
 }
 
 }  // namespace

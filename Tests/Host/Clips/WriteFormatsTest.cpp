@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // What other programs find in clips of every container and codec.
-#include "WriteSupport.h"
+#include "Tests/Host/Clips/WriteSupport.h"
 
 namespace {
-
-using namespace clips;
 
 struct Written {
   const char* extension;
@@ -26,8 +24,8 @@ class WriteFormats : public testing::TestWithParam<Written> {};
 
 TEST_P(WriteFormats, HoldAllFramesTheirTimesAndColors) {
   const Written& written = GetParam();
-  const Folder folder;
-  const std::string path = folder / (std::string("out.") + written.extension);
+  const TemporaryFolder folder;
+  const std::string path = folder.path(std::string("out.") + written.extension);
   host::ClipTarget target = targetFor(path, written.codec, written.bits, written.hasAlpha);
   target.settings.sampling = written.sampling;
   write(target);
