@@ -200,7 +200,10 @@ BatchJob framesJob(const Submission& submission) {
         submission.isClip() && (isOneOf(option.name, kEncoding) || isOneOf(option.name, kNotOfFrames));
     if (!isOfClip && !isOneOf(option.name, kNotOfTasks)) words.add(option);
   }
-  if (submission.isClip()) words.add("--output", submission.framesPattern());
+  if (submission.isClip()) {
+    job.preparation = {"mkdir -p " + shellWord(submission.framesFolder())};
+    words.add("--output", submission.framesPattern());
+  }
   if (const std::string space = spaceOfClip(submission); !space.empty() && render.colors.output.empty()) {
     words.add("--output-space", space);
   }
@@ -286,7 +289,6 @@ void runSubmit(const SubmitOptions& options, const RenderCommandLine& render) {
   }
   tellOfFrames(submission.isClip() ? submission.framesPattern() : render.options.output, submission.chunks);
   makeFolder(submission.logs);
-  if (submission.isClip()) makeFolder(submission.framesFolder());
   const std::string number = submit(submission, frames, "");
   std::string clipNumber;
   printText("Job " + number + ": frames " + submission.chunks.range() + " in " +

@@ -52,6 +52,7 @@ std::string batchScript(const BatchJob& job) {
     text += ": \"${SLURM_ARRAY_TASK_ID:?is the number of the task, 1 to " + std::to_string(job.tasks) + "}\"\n";
   text += "cd " + shellWord(job.folder) + " || exit 1\n";
   for (const auto& [name, value] : job.environment) text += "export " + name + "=" + shellWord(value) + "\n";
+  for (const std::string& command : job.preparation) text += command + " || exit 1\n";
   text += "echo \"== $(date '+%F %T') ${SLURMD_NODENAME:-$(hostname)}" +
           std::string(job.tasks > 0 ? ", task $SLURM_ARRAY_TASK_ID" : "") +
           "\"\n\nleft=" + std::to_string(job.retries) + "\nwhile :; do\n" + commandText(job.words) + " && break\n";

@@ -41,6 +41,7 @@ std::string printed(std::vector<std::string> arguments) {
   ::posix_spawn_file_actions_init(&actions);
   ::posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
   std::vector<char*> words;
+  words.reserve(arguments.size() + 1);
   for (std::string& argument : arguments) words.push_back(argument.data());
   words.push_back(nullptr);
   pid_t child = 0;
@@ -64,7 +65,7 @@ std::string submitScript(const std::string& path, const std::string& after) {
   if (!after.empty()) arguments.push_back("--dependency=afterok:" + after);
   arguments.push_back(path);
   const std::string text = printed(arguments);
-  const std::string number = text.substr(0, text.find_first_of(";\n"));  // "17" or "17;cluster"
+  std::string number = text.substr(0, text.find_first_of(";\n"));  // "17" or "17;cluster"
   if (number.empty() || number.find_first_not_of("0123456789") != std::string::npos) {
     refuse("sbatch did not take " + printable(path));
   }

@@ -160,6 +160,31 @@ TEST(Submit, GivesScriptsToSlurmOneBehindTheOther) {
   EXPECT_NE(without.err.find("there is no sbatch here; --dry-run"), std::string::npos) << without.err;
 }
 
+TEST(Submit, PartOfAClipHasItsOwnSound) {
+  const TemporaryFolder folder;
+  const std::string clip = folder.path("in.mp4"), direct = folder.path("direct.mkv"), farm = folder.path("farm.mkv");
+  const auto md5 = [](const std::string& path) {  // of pictures and of packets of sound
+    const std::string sum = path + ".md5";
+    const std::string read = "ffmpeg -v error -y -i " + path;
+    const std::string both = read + " -map 0:v -f md5 " + sum + " && " + read + " -map 0:a -c copy -f md5 " + sum + "a";
+    EXPECT_EQ(std::system(both.c_str()), 0);
+    return readFile(sum) + readFile(sum + "a");
+  };
+  const std::string make =
+      "ffmpeg -v error -f lavfi -i testsrc=size=64x48:rate=30000/1001 -f lavfi -i sine=frequency=440 "
+      "-t 1 -c:v mjpeg -c:a aac " +
+      clip;
+  ASSERT_EQ(std::system(make.c_str()), 0);
+  vortoSucceeds({"render", "Levels", "--input", clip, "--frames", "10-19", "--output", direct, "--codec", "ffv1"});
+  const std::string scripts =
+      dryScript({"Levels", "--input", clip, "--frames", "10-19x6", "--output", farm, "--codec", "ffv1"});
+  const std::size_t second = scripts.find("#!/bin/sh", 1);
+  const std::string frames = folder.write("frames.sh", scripts.substr(0, second));
+  for (int task = 1; task <= 2; ++task) EXPECT_EQ(runTask(frames, task), 0);
+  EXPECT_EQ(runTask(folder.write("clip.sh", scripts.substr(second)), 0), 0);
+  EXPECT_EQ(md5(farm), md5(direct));
+}
+
 TEST(Submit, RefusesWhatAFarmCannotRender) {
   const TemporaryFolder folder;
   writeFrames(folder.path(), 3);
