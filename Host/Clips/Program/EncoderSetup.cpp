@@ -110,7 +110,7 @@ AVPixelFormat pixelFormatOf(const ClipCodec& codec, const ClipStorage& storage) 
 
 // Where a decoder finds the chroma samples, of those that say.
 AVChromaLocation chromaLocation(const ClipStorage& storage) {
-  return storage.sampling == "420" ? AVCHROMA_LOC_LEFT : AVCHROMA_LOC_UNSPECIFIED;
+  return storage.sampling == "420" ? AVCHROMA_LOC_CENTER : AVCHROMA_LOC_UNSPECIFIED;
 }
 
 void describe(AVCodecContext& context, const ClipTarget& target, const ClipStorage& storage,

@@ -14,7 +14,7 @@
 namespace host {
 namespace {
 
-// In front of each plane there is room for what is repeated at its edge.
+// Behind each plane there is room for what is repeated at its edge.
 constexpr std::size_t kEdge = 16;
 
 template <class Sample, std::size_t kSamples>
@@ -64,11 +64,9 @@ VORTO_WIDE void add(float* __restrict sum, const float* __restrict values, std::
   for (std::size_t x = 0; x < width; ++x) sum[x] += values[x];
 }
 
-// Weights 1 2 1 around every second value; `values` has one before the first and one behind the last.
+// The mean of two at a time; `values` has one behind the last.
 VORTO_WIDE void halve(const float* __restrict values, std::size_t width, float* __restrict result) {
-  for (std::size_t x = 0; x < width; ++x) {
-    result[x] = values[2 * x] * 0.5f + (values[2 * x - 1] + values[2 * x + 1]) * 0.25f;
-  }
+  for (std::size_t x = 0; x < width; ++x) result[x] = (values[2 * x] + values[2 * x + 1]) * 0.5f;
 }
 
 void weighRow(const float* red, const float* green, const float* blue, const float* weights, std::size_t width,
@@ -129,7 +127,6 @@ void YuvRows::chroma(void* cb, void* cr) {
     float* sum = plane(3 + i) + kEdge;
     sums[i] = sum;
     if (!kind_.isHalfWide) continue;
-    sum[-1] = sum[0];
     sum[width_] = sum[width_ - 1];
     float* half = plane(6 + i) + kEdge;
     halve(sum, (width_ + 1) / 2, half);

@@ -11,9 +11,11 @@ namespace host {
 struct YuvKind {
   double red = 0.2126;
   double blue = 0.0722;
-  int bits = 8;             // of the result, 8 to 16: in bytes at 8, else in the low bits of 16
-  bool isHalfWide = false;  // chroma has half the columns, each where the left one of two stands, weighted 1 2 1
-  bool isHalfHigh = false;  // and half the rows, each between two; edges are repeated
+  int bits = 8;  // of the result, 8 to 16: in bytes at 8, else in the low bits of 16
+  // Chroma has half the columns, each between two, and half the rows; edges are repeated. So it is read again: other
+  // places would move colors by half a pixel each time that a clip is read and written.
+  bool isHalfWide = false;
+  bool isHalfHigh = false;
 };
 
 // Packed RGB, of bytes or of 16 bits, that becomes planes, row by row. Computed in floats, every value rounded once:

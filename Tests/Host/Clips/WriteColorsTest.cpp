@@ -56,7 +56,7 @@ TEST_P(WriteColors, AreWhatTheDefinitionSays) {
   for (int y = 0; y < height; ++y) {
     for (int x = 0; x < width; ++x) luma = std::max(luma, std::abs(foundAt(y * width + x) - exactAt(x, y)[0]));
   }
-  // Chroma stands with the left one of two columns, and between two rows.
+  // Chroma stands between two columns, and between two rows.
   double chroma = 0;
   const int chromaWidth = isHalfWide ? width / 2 : width;
   const int chromaHeight = isHalfHigh ? height / 2 : height;
@@ -68,7 +68,7 @@ TEST_P(WriteColors, AreWhatTheDefinitionSays) {
         for (int row = 0; row < (isHalfHigh ? 2 : 1); ++row) {
           const int from = isHalfHigh ? 2 * y + row : y;
           const auto at = [&](int column) { return exactAt(column, from)[static_cast<std::size_t>(plane)]; };
-          expected += isHalfWide ? (at(2 * x - 1) + 2 * at(2 * x) + at(2 * x + 1)) / 4 : at(x);
+          expected += isHalfWide ? (at(2 * x) + at(2 * x + 1)) / 2 : at(x);
         }
         if (isHalfHigh) expected /= 2;
         chroma = std::max(chroma, std::abs(foundAt(start + y * chromaWidth + x) - expected));
