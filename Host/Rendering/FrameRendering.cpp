@@ -57,7 +57,7 @@ OutputPicture FrameRendering::render(const PlannedFrame& frame, const OutputDesc
   picture.depth = effect_.depthOf(*picture.bitmap);
   const std::optional<Channels> told = setup_.channels ? setup_.channels : output.channels;
   picture.channels = told ? *told : keptChannels(*picture.bitmap, channelsOf(pictures));
-  picture.areChannelsTold = told.has_value();
+  picture.areChannelsTold = setup_.channels.has_value();
   if (!pictures.infos.empty()) picture.metadata = pictures.infos[0]->metadata;
   if (setup_.alpha == OutputAlpha::Gray) {
     picture.metadata.color = {};  // alpha is no color
