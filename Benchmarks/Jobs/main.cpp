@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Whole commands beside those of other programs for the same job, with their usual settings, one thread each: processor
-// time and most memory, the median of several runs in turns, and how large the file became. Then long sequences with
-// one process and with two: the time on the clock.
+// Whole commands beside those of other programs for the same job, with their usual settings, one thread each but
+// for clips: processor time and most memory, the median of several runs in turns, and how large the file became. Then
+// long sequences with one process and with two: the time on the clock.
 //
 //   jobs VORTO PHOTO FOLDER [ROUNDS]
 //
@@ -74,7 +74,7 @@ constexpr Job kJobs[] = {
       {"convert", "large.png over.png -composite @"}}},
     {"Levels, 12 frames of 1080p PNG",
      "o.12.png",
-     {{"vorto", "render Levels -i frame.%d.png --frames 1-12 --set levels.gamma=1.2 -o o.%d.png"},
+     {{"vorto", "render Levels -i frame.%d.png --frames 1-12 --jobs 1 --set levels.gamma=1.2 -o o.%d.png"},
       {"ffmpeg",
        "-start_number 1 -i frame.%d.png -vf lutrgb=r=gammaval(0.8333):g=gammaval(0.8333):b=gammaval(0.8333) o.%d.png"},
       {"oiiotool", "--frames 1-12 frame.%d.png --powc 0.8333 -o o.%d.png"},
@@ -98,6 +98,25 @@ constexpr Job kJobs[] = {
       {"ffmpeg", nullptr},
       {"oiiotool", "over.exr large.exr --over -d half --compression zip -o @"},
       {"convert", nullptr}}},
+    {"Levels, 50 frames of 1080p H.264",
+     "o.mp4",
+     {{"vorto", "render Levels -i clip.mp4 --set levels.gamma=1.2 -o @"},
+      {"ffmpeg",
+       "-i clip.mp4 -vf lutrgb=r=gammaval(0.8333):g=gammaval(0.8333):b=gammaval(0.8333) -c:v libx264 -preset medium "
+       "-crf "
+       "18 -pix_fmt yuv420p -c:a copy @"}}},
+    {"Gradient Map, 50 frames of 1080p H.264",
+     "o.mp4",
+     {{"vorto", "render Gradient_Map -i clip.mp4 -o @"},
+      {"ffmpeg",
+       "-i clip.mp4 -vf format=gray,format=gbrp,pseudocolor=preset=magma -c:v libx264 -preset medium -crf 18 -pix_fmt "
+       "yuv420p -c:a copy @"}}},
+    {"Levels, 50 frames of 1080p ProRes",
+     "o.mov",
+     {{"vorto", "render Levels -i clip.mov --set levels.gamma=1.2 -o @"},
+      {"ffmpeg",
+       "-i clip.mov -vf format=gbrp16,lutrgb=r=gammaval(0.8333):g=gammaval(0.8333):b=gammaval(0.8333) -c:v prores_ks "
+       "-profile:v 3 -pix_fmt yuv422p10 @"}}},
 };
 
 // What makes the inputs; $ is the photograph.
@@ -113,6 +132,9 @@ constexpr const char* kInputs[] = {
     "oiiotool over.png --colorconvert sRGB linear -d half --compression zip -o over.exr",
     "convert -size 1x256 gradient:white-black -rotate 90 map.png",
     "convert large.png -resize 1920x1080! PNG24:frame.1.png",
+    "ffmpeg -v error -y -loop 1 -framerate 25 -t 2 -i large.png -f lavfi -t 2 -i sine=frequency=440 -vf "
+    "crop=1920:1080:x=20*n:y=10*n -c:v libx264 -crf 18 -pix_fmt yuv420p -c:a aac clip.mp4",
+    "ffmpeg -v error -y -i clip.mp4 -an -c:v prores_ks -profile:v 3 -pix_fmt yuv422p10 clip.mov",
     "oiiotool frame.1.png --ch R,G,B,A=1 --colorconvert sRGB linear -d half --compression zip -o frame.1.exr",
 };
 
@@ -150,7 +172,7 @@ bool makeInputs(const std::string& photo, const std::string& folder) {
   return true;
 }
 
-// One thread, and nothing asked.
+// One thread, and nothing asked. Codecs of clips have the threads that they take, in both programs.
 std::vector<std::string> commandOf(const Program& program, const Job& job, const std::string& vorto) {
   const std::string line = replaced(program.command, "@", job.output);
   std::vector<std::string> words = wordsOf(line);
@@ -158,10 +180,12 @@ std::vector<std::string> commandOf(const Program& program, const Job& job, const
   const std::string name = program.name;
   std::vector<std::string> start = {name};
   if (name == "vorto") start = {vorto};
-  if (name == "ffmpeg") start = {name, "-y", "-threads", "1", "-filter_threads", "1", "-v", "error"};
+  const bool isOfClips = line.find("clip.") != std::string::npos;
+  if (name == "ffmpeg") start = {name, "-y", "-v", "error"};
+  if (name == "ffmpeg" && !isOfClips) start.insert(start.end(), {"-threads", "1", "-filter_threads", "1"});
   if (name == "oiiotool") start = {name, "--threads", "1"};
   words.insert(words.begin(), start.begin(), start.end());
-  if (name == "ffmpeg") words.insert(words.end() - 1, {"-threads", "1"});
+  if (name == "ffmpeg" && !isOfClips) words.insert(words.end() - 1, {"-threads", "1"});
   return words;
 }
 
