@@ -246,6 +246,7 @@ void print(const Job& job, const std::map<std::string, Runs>& results) {
     bestMemory = std::min(bestMemory, runs.mebibytes);
   }
   for (const Program& program : job.programs) {
+    if (!program.name) continue;
     const auto found = results.find(program.name);
     if (found == results.end()) {
       std::printf("  %-9s %s\n", program.name, program.command ? "failed" : "-");
