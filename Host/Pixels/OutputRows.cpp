@@ -6,6 +6,7 @@
 #include "TarnCore/TCPixelLayout.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <limits>
 #include <type_traits>
@@ -73,6 +74,31 @@ Sample grayOf(const Sample* pixel) {
 }
 
 template <class Sample>
+void packColors(const Sample* from, std::size_t pixels, Sample* to) {
+  for (std::size_t i = 0; i < pixels; ++i) {
+    for (std::size_t c = 0; c < 3; ++c) to[3 * i + c] = from[4 * i + c];
+  }
+}
+
+// Four pixels at a time, which become three words: several times as fast as byte after byte.
+template <>
+void packColors(const std::uint8_t* from, std::size_t pixels, std::uint8_t* to) {
+  static_assert(std::endian::native == std::endian::little);
+  const auto put = [](std::uint8_t* place, std::uint32_t word) { std::memcpy(place, &word, sizeof word); };
+  const std::size_t fours = pixels / 4;
+  for (std::size_t i = 0; i < fours; ++i) {
+    std::uint32_t pixel[4];
+    std::memcpy(pixel, from + 16 * i, sizeof pixel);
+    put(to + 12 * i, (pixel[0] & 0xFFFFFFu) | pixel[1] << 24);
+    put(to + 12 * i + 4, (pixel[1] >> 8 & 0xFFFFu) | pixel[2] << 16);
+    put(to + 12 * i + 8, (pixel[2] >> 16 & 0xFFu) | pixel[3] << 8);
+  }
+  for (std::size_t i = 4 * fours; i < pixels; ++i) {
+    for (std::size_t c = 0; c < 3; ++c) to[3 * i + c] = from[4 * i + c];
+  }
+}
+
+template <class Sample>
 void packRow(const Sample* from, std::size_t pixels, Channels channels, Sample* to) {
   switch (channels) {
     case Channels::Gray:
@@ -85,9 +111,7 @@ void packRow(const Sample* from, std::size_t pixels, Channels channels, Sample* 
       }
       break;
     case Channels::RGB:
-      for (std::size_t i = 0; i < pixels; ++i) {
-        for (std::size_t c = 0; c < 3; ++c) to[3 * i + c] = from[4 * i + c];
-      }
+      packColors(from, pixels, to);
       break;
     case Channels::RGBA:
       std::memcpy(to, from, 4 * pixels * sizeof(Sample));
