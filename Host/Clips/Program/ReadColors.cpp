@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 
 namespace host {
 namespace {
@@ -14,6 +15,15 @@ bool isFullRangeKind(int format) {
   constexpr std::array kKinds = {AV_PIX_FMT_YUVJ420P, AV_PIX_FMT_YUVJ422P, AV_PIX_FMT_YUVJ444P, AV_PIX_FMT_YUVJ440P,
                                  AV_PIX_FMT_YUVJ411P};
   return std::ranges::find(kKinds, format) != kKinds.end();
+}
+
+// What a file states, which may be none of the values that the library has names for.
+template <class Enum>
+int codeOf(const Enum& stated) {
+  static_assert(sizeof(Enum) == sizeof(int));
+  int code = 0;
+  std::memcpy(&code, &stated, sizeof code);
+  return code;
 }
 
 bool isStated(int code) {
@@ -49,8 +59,8 @@ bool isRgb(const AVPixFmtDescriptor& layout) {
 }
 
 YuvCoding codingOf(const AVFrame& frame) {
-  const bool isFull = frame.color_range == AVCOL_RANGE_JPEG || isFullRangeKind(frame.format);
-  switch (frame.colorspace) {
+  const bool isFull = codeOf(frame.color_range) == AVCOL_RANGE_JPEG || isFullRangeKind(frame.format);
+  switch (codeOf(frame.colorspace)) {
     case AVCOL_SPC_BT709:
     case AVCOL_SPC_FCC:
     case AVCOL_SPC_BT470BG:
@@ -67,20 +77,22 @@ YuvCoding codingOf(const AVFrame& frame) {
 
 std::optional<CodePoints> codePointsOf(const AVFrame& frame) {
   const bool isRgbFrame = isRgb(*av_pix_fmt_desc_get(static_cast<AVPixelFormat>(frame.format)));
-  const bool hasPrimaries = isStated(frame.color_primaries);
-  const bool hasTransfer = isStated(frame.color_trc);
+  const bool hasPrimaries = isStated(codeOf(frame.color_primaries));
+  const bool hasTransfer = isStated(codeOf(frame.color_trc));
   if (isRgbFrame && !hasPrimaries && !hasTransfer) return std::nullopt;
-  const int primaries = hasPrimaries ? frame.color_primaries : isRgbFrame ? AVCOL_PRI_BT709 : usualPrimaries(frame);
+  const int primaries = hasPrimaries ? codeOf(frame.color_primaries)
+                        : isRgbFrame ? AVCOL_PRI_BT709
+                                     : usualPrimaries(frame);
   const int usualTransfer = isRgbFrame ? AVCOL_TRC_IEC61966_2_1 : AVCOL_TRC_BT709;
-  const int transfer = hasTransfer ? frame.color_trc : usualTransfer;
+  const int transfer = hasTransfer ? codeOf(frame.color_trc) : usualTransfer;
   return CodePoints{static_cast<std::uint8_t>(primaries), static_cast<std::uint8_t>(transfer), 0, true};
 }
 
 std::string matrixRemark(const AVFrame& frame) {
-  const bool isKnown = !isStated(frame.colorspace) || frame.colorspace == AVCOL_SPC_BT2020_CL ||
-                       codingOf(frame).matrix == frame.colorspace;
+  const int code = codeOf(frame.colorspace);
+  const bool isKnown = !isStated(code) || code == AVCOL_SPC_BT2020_CL || codingOf(frame).matrix == code;
   if (isKnown || isRgb(*av_pix_fmt_desc_get(static_cast<AVPixelFormat>(frame.format)))) return "";
-  const char* name = av_color_space_name(frame.colorspace);
+  const char* name = code < AVCOL_SPC_NB ? av_color_space_name(static_cast<AVColorSpace>(code)) : nullptr;
   return std::string("its matrix, ") + (name ? name : "a reserved one") +
          ", is not known; it is read as if it stated none";
 }
