@@ -220,6 +220,7 @@ std::vector<Coordinator::Watched> Coordinator::watched() {
 void Coordinator::wait() {
   const std::vector<Watched> all = watched();
   std::vector<pollfd> polls;
+  polls.reserve(all.size());
   for (const Watched& each : all) polls.push_back(each.poll);
   const int found = ::poll(polls.data(), polls.size(), kSilence);
   if (found < 0 && errno != EINTR) throw Failure(ExitCode::Unexpected, "cannot wait for the processes that render");

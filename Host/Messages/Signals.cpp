@@ -35,7 +35,7 @@ bool areChildrenGone() {
 
 bool areChildrenGoneAfter(int milliseconds) {
   constexpr int step = 5;
-  constexpr timespec pause{0, step * 1000000};
+  constexpr timespec pause{0, step * 1000000L};
   for (int waited = 0; !areChildrenGone(); waited += step) {
     if (waited > milliseconds) return false;
     ::nanosleep(&pause, nullptr);

@@ -165,7 +165,7 @@ std::string ChildProcess::cause() {
 
 std::string helperProgram(const std::string& name) {
   for (const std::string& folder : libraryFolders()) {
-    const std::string path = folder + "/" + name;
+    std::string path = folder + "/" + name;
     if (::access(path.c_str(), X_OK) == 0) return path;
   }
   throw Failure(ExitCode::Unexpected, "the program " + name + " is not installed");

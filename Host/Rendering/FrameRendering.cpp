@@ -40,6 +40,7 @@ void FrameRendering::begin(const PlannedFrame& first, ClipFrames* clips, const O
     infos.push_back(isClip ? clips->info(i).picture : readPictureInfo(paths.back()));
   }
   std::vector<const PictureInfo*> known;
+  known.reserve(infos.size());
   for (const PictureInfo& info : infos) known.push_back(&info);
   inputs_.begin(paths, known);
   if (const auto depth = inputs_.depth(); depth && setup_.alpha != OutputAlpha::Gray) {

@@ -56,7 +56,7 @@ EncodeFrames::EncodeFrames(const FrameKind& kind, const AVCodecContext& context,
   const int size = av_image_get_buffer_size(format_, context.width, context.height, kAlignment);
   if (size < 0) throw Failure(ExitCode::Output, "frames of that size cannot be written to a clip");
   // Encoders may read a little behind the last row.
-  pool_ = av_buffer_pool_init(static_cast<std::size_t>(size) + 4 * kAlignment, nullptr);
+  pool_ = av_buffer_pool_init(static_cast<std::size_t>(size) + std::size_t{4} * kAlignment, nullptr);
   if (!pool_) throw std::bad_alloc();
   const AVPixFmtDescriptor& description = *av_pix_fmt_desc_get(format_);
   if ((description.flags & AV_PIX_FMT_FLAG_RGB) != 0) return;
