@@ -18,6 +18,7 @@ enum class WriterOrder : std::uint8_t {
 
 enum class WriterReport : std::uint8_t {
   Ready,     // after CheckAudio and Open
+  Working,   // goes on: nothing else
   Written,   // slot: its frame has been taken
   Finished,  // the file is complete and in its place
   Failed,    // exit code, message: the last one

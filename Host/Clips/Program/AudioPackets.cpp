@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <filesystem>
 #include <limits>
 #include <string_view>
 #include <utility>
@@ -72,6 +73,11 @@ void AudioPackets::refuse(const std::string& reason) const {
 }
 
 void AudioPackets::open() {
+  std::error_code ignored;
+  const std::filesystem::file_status status = std::filesystem::status(audio_.path, ignored);
+  if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
+    refuse("its audio cannot be read: it is no regular file");
+  }
   try {
     input_ = openInput(audio_.path, Wanted::Audio);
   } catch (const Failure& failure) {

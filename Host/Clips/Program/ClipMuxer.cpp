@@ -38,7 +38,8 @@ const char* muxerName(const ClipContainer& container) {
   return name == "WebM" ? "webm" : "avi";
 }
 
-ClipMuxer::ClipMuxer(const ClipTarget& target, const ClipContainer& container) : target_(target), file_(target.path) {
+ClipMuxer::ClipMuxer(const ClipTarget& target, const ClipContainer& container, const std::function<void()>& goesOn)
+    : target_(target), file_(target.path, goesOn) {
   AVFormatContext* context = nullptr;
   check(avformat_alloc_output_context2(&context, nullptr, muxerName(container), nullptr));
   context_.reset(context);

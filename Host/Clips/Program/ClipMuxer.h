@@ -5,6 +5,8 @@
 #include "Host/Clips/Program/AvObjects.h"
 #include "Host/Clips/Program/MuxFile.h"
 
+#include <functional>
+
 namespace host {
 
 // The library's name of the muxer of a container's files.
@@ -13,8 +15,8 @@ const char* muxerName(const ClipContainer& container);
 // Puts packets into a file. All of it throws Failure naming the file.
 class ClipMuxer {
  public:
-  // Opens the file; the target outlives it.
-  ClipMuxer(const ClipTarget& target, const ClipContainer& container);
+  // Opens the file; the target outlives it. `goesOn` is called for each part of the file that is written or read.
+  ClipMuxer(const ClipTarget& target, const ClipContainer& container, const std::function<void()>& goesOn);
 
   bool wantsHeader() const;  // encoders put what decoders need first into the file's header
 

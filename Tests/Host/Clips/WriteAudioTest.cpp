@@ -2,6 +2,8 @@
 // Audio goes from clip to clip as it is, and stays in sync.
 #include "Tests/Host/Clips/WriteSupport.h"
 
+#include <sys/stat.h>
+
 namespace {
 
 struct Packet {
@@ -48,7 +50,7 @@ TEST_P(WriteAudio, IsCopiedInSync) {
   host::ClipTarget target = targetFor(folder.path("out." + std::string(copied.target)));
   target.audio = host::ClipAudio{source, copied.start, std::nullopt};
   if (copied.duration > 0) target.audio->duration = copied.duration;
-  host::ClipWriter::checkAudio(target);
+  host::ClipWriter::checkAudio(target, kPatience);
   std::vector<std::int64_t> times(26);
   std::iota(times.begin(), times.end(), 0);
   write(target, times);
@@ -118,16 +120,19 @@ TEST(WriteAudioTracks, WhatCannotGoIntoTheFileIsToldBeforehand) {
   makeSource(source, "-c:a aac");
   runFfmpeg("-f lavfi -i testsrc2=s=64x48:r=25:d=1 " + folder.path("silent.mp4"));
   folder.write("text.mp4", "no clip at all");
+  ASSERT_EQ(mkfifo(folder.path("pipe.wav").c_str(), 0600), 0);
   const auto failure = [&](const std::string& extension, const std::string& audio) {
     host::ClipTarget target = targetFor(folder.path("out." + extension));
     target.audio = host::ClipAudio{audio, 0, std::nullopt};
-    return failureOf([&] { host::ClipWriter::checkAudio(target); });
+    return failureOf([&] { host::ClipWriter::checkAudio(target, kPatience); });
   };
   EXPECT_EQ(failure("mp4", source), "");
   EXPECT_EQ(failure("webm", source), source + ": WebM does not hold its AAC audio: give --no-audio to leave it out");
   EXPECT_EQ(failure("avi", source), source + ": AVI does not hold its AAC audio: give --no-audio to leave it out");
   EXPECT_EQ(failure("mp4", folder.path("silent.mp4")), folder.path("silent.mp4") + ": it has no audio");
   EXPECT_NE(failure("mp4", folder.path("text.mp4")).find("text.mp4: its audio cannot be read"), std::string::npos);
+  EXPECT_EQ(failure("mp4", folder.path("pipe.wav")),
+            folder.path("pipe.wav") + ": its audio cannot be read: it is no regular file");
   EXPECT_NE(failure("mp4", folder.path("none.mp4")).find("No such file or directory"), std::string::npos);
 }
 
