@@ -3,6 +3,7 @@
 
 #include "Host/Clips/WriterMessages.h"
 #include "Host/Messages/Failure.h"
+#include "Host/Messages/Remark.h"
 
 #include <csignal>
 
@@ -40,6 +41,7 @@ struct Report {
   Bytes bytes;
   WriterReport kind = WriterReport::Ready;
   std::size_t slot = 0;
+  std::string remark;
 };
 
 Report nextReport(const std::string& path, ChildProcess& process, std::chrono::seconds patience) {
@@ -55,6 +57,7 @@ Report nextReport(const std::string& path, ChildProcess& process, std::chrono::s
     throw Failure(code, reader.text());
   }
   if (report.kind == WriterReport::Written) report.slot = reader.value<std::uint64_t>();
+  if (report.kind == WriterReport::Finished) report.remark = reader.text();
   return report;
 }
 
@@ -106,8 +109,11 @@ void ClipWriter::finish(std::int64_t end) {
   MessageWriter message = order(WriterOrder::Finish);
   message.value(end);
   send(path_, process_, patience_, message);
-  while (nextReport(path_, process_, patience_).kind != WriterReport::Finished) {
-  }
+  Report report;
+  do {
+    report = nextReport(path_, process_, patience_);
+  } while (report.kind != WriterReport::Finished);
+  if (!report.remark.empty()) remark(report.remark);
 }
 
 }  // namespace host

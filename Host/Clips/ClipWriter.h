@@ -58,7 +58,7 @@ class ClipWriter {
   std::size_t written();
 
   // After all frames were written, at least one: `end` is the time at which the last one is over. Slots that written()
-  // has not returned are free afterwards. Throws Failure.
+  // has not returned are free afterwards. Remarks on audio that is not all there. Throws Failure.
   void finish(std::int64_t end);
 
  private:

@@ -111,7 +111,7 @@ void ClipEncoding::muxAudio(std::int64_t until) {
   for (;;) {
     AudioPackets::Packet* next = audio_->packet();
     if (!next || av_compare_ts(next->packet->dts, next->unit, until, unit) >= 0) return;
-    muxer_.write(*next->packet, static_cast<int>(next->track) + 1, next->unit);
+    if (!muxer_.writeForeign(*next->packet, static_cast<int>(next->track) + 1, next->unit)) audio_->leaveOut();
     audio_->next();
   }
 }

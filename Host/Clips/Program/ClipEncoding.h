@@ -28,6 +28,8 @@ class ClipEncoding {
   void encode(AvFrame frame, std::int64_t time);
   // No more frames come: the file is complete.
   void finish(std::int64_t end);
+  // What the user should know of a finished file; empty when all is well.
+  std::string remark() const { return audio_ ? audio_->remark() : ""; }
 
  private:
   [[noreturn]] void refuse(const std::string& reason) const;

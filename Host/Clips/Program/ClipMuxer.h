@@ -27,11 +27,14 @@ class ClipMuxer {
 
   // A packet of a stream, its times in a unit, in the order of decoding times over all streams.
   void write(AVPacket& packet, int stream, AVRational unit);
+  // The same for a packet that may be damaged: false when it is, and is not in the file.
+  bool writeForeign(AVPacket& packet, int stream, AVRational unit);
 
   // Completes the file, which then is in its place.
   void finish();
 
  private:
+  int put(AVPacket& packet, int stream, AVRational unit);
   void check(int error, const std::string& logged = "");
   AVStream& newStream();
   std::int64_t delayOf(const AVCodecParameters& codec) const;

@@ -29,7 +29,9 @@ void writeClip(MessageSocket& socket, MessageReader& opening) {
     MessageReader message(bytes);
     if (message.value<WriterOrder>() == WriterOrder::Finish) {
       clip.finish(message.value<std::int64_t>());
-      socket.send(report(WriterReport::Finished).message());
+      MessageWriter finished = report(WriterReport::Finished);
+      finished.text(clip.remark());
+      socket.send(finished.message());
       return;
     }
     const auto slot = message.value<std::uint64_t>();
