@@ -6,6 +6,7 @@
 #include "Host/Processes/ChildProcess.h"
 #include "Host/Processes/FrameSlots.h"
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -37,14 +38,16 @@ struct ClipTarget {
 class ClipWriter {
  public:
   // Throws Failure naming the file when such a clip cannot be written. Frames come from `slots`, which outlive it.
-  ClipWriter(const ClipTarget& target, FrameSlots& slots);
+  // `patience`: how long the process may go on without a frame encoded, or a part of the file written; all of it throws
+  // Failure after that.
+  ClipWriter(const ClipTarget& target, FrameSlots& slots, std::chrono::seconds patience);
   ClipWriter(ClipWriter&& other) noexcept = default;
   ClipWriter& operator=(ClipWriter&& other) = delete;
   ~ClipWriter();
 
   // Throws Failure before any work is done when the audio cannot go into such a file, or cannot be read. Of the target
   // only path, container, settings' codec and audio count.
-  static void checkAudio(const ClipTarget& target);
+  static void checkAudio(const ClipTarget& target, std::chrono::seconds patience);
 
   // The frame in a slot, of the target's kind, shown from `time` on, which ascends; the slot must stay as it is until
   // written() has returned it. Does not wait for the frame to be taken. Throws Failure naming the file.
@@ -55,11 +58,12 @@ class ClipWriter {
   std::size_t written();
 
   // After all frames were written, at least one: `end` is the time at which the last one is over. Slots that written()
-  // has not returned are free afterwards. Throws Failure.
+  // has not returned are free afterwards. Remarks on audio that is not all there. Throws Failure.
   void finish(std::int64_t end);
 
  private:
   std::string path_;
+  std::chrono::seconds patience_;
   mutable ChildProcess process_;
 };
 

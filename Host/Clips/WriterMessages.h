@@ -18,8 +18,9 @@ enum class WriterOrder : std::uint8_t {
 
 enum class WriterReport : std::uint8_t {
   Ready,     // after CheckAudio and Open
+  Working,   // goes on: nothing else
   Written,   // slot: its frame has been taken
-  Finished,  // the file is complete and in its place
+  Finished,  // the file is complete and in its place: a remark, empty for none
   Failed,    // exit code, message: the last one
 };
 

@@ -233,7 +233,9 @@ void addClip(CLI::App& command, ClipOptions& options) {
       ->type_name("FILE");
   command.add_option("--audio-start", options.audioStart, "From when on its audio is taken")->type_name("[H:[M:]]S");
   command.add_flag("--no-audio", options.isSilent, "Leave the audio out");
-  command.add_option("--patience", options.patience, "Seconds that decoding one frame of a clip may take; default 60")
+  command
+      .add_option("--patience", options.patience,
+                  "Seconds that decoding or encoding one frame of a clip may take; default 60")
       ->type_name("S")
       ->check(CLI::Range(0.1, 86400.0))
       ->check(refuseNaN);

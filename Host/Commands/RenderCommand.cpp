@@ -60,6 +60,10 @@ ClipTarget clipTargetOf(const RenderOptions& options) {
   return target;
 }
 
+std::chrono::seconds patienceOf(const RenderOptions& options) {
+  return std::chrono::seconds(static_cast<std::int64_t>(std::ceil(options.clip.patience)));
+}
+
 // What is written, and the pictures' sink where it is pictures.
 struct Output {
   std::unique_ptr<PictureSink> sink;
@@ -69,6 +73,7 @@ struct Output {
 Output outputOf(const RenderOptions& options) {
   Output output;
   output.job.isVerbose = options.isVerbose;
+  output.job.patience = patienceOf(options);
   if (outputKindOf(options) == OutputKind::Clip) {
     output.job.clip = clipTargetOf(options);
     const ClipContainer& container = *clipContainerNamed(output.job.clip.container);
@@ -97,7 +102,7 @@ unsigned jobsFor(const RenderOptions& options, bool keepsState) {
 }
 
 void openClips(OpenClips& clips, const RenderOptions& options, const Inputs& inputs, unsigned jobs) {
-  const std::chrono::seconds patience(static_cast<std::int64_t>(std::ceil(options.clip.patience)));
+  const std::chrono::seconds patience = patienceOf(options);
   for (std::size_t i = 0; i < inputs.count(); ++i) {
     if (inputs.kind(i) == Inputs::Kind::Clip) clips.open(i, inputs.path(i), slotsOfClip(jobs), patience);
   }
@@ -162,7 +167,7 @@ void renderBesides(const RenderOptions& options, const RenderTiming& timing, Job
     run.output.clip.rate = plan.rate();
     run.output.clip.timeBase = plan.timeBase();
     run.output.clip.audio = timing.audio();
-    ClipWriter::checkAudio(run.output.clip);
+    ClipWriter::checkAudio(run.output.clip, run.output.patience);
     const std::uint64_t end = part.first + part.count;
     run.end = end < plan.count() ? plan.frame(end).shown : plan.end();
   }
@@ -209,7 +214,7 @@ RenderOutlook renderOutlook(const RenderOptions& options) {
   if (output.job.isClip()) {
     ClipTarget target = output.job.clip;
     target.audio = timing.audio();
-    ClipWriter::checkAudio(target);
+    ClipWriter::checkAudio(target, output.job.patience);
   }
   RenderOutlook outlook;
   outlook.readsStandardInput = readsStandardInput(options);

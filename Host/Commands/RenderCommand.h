@@ -31,7 +31,7 @@ struct ClipOptions {
   std::string audio;       // a file whose audio is taken instead of the first clip's
   std::string audioStart;  // seconds, or M:S, H:M:S, of that file
   bool isSilent = false;   // without audio
-  double patience = 60;    // seconds that a frame may take to be decoded
+  double patience = 60;    // seconds that a frame may take to be decoded or encoded
 };
 
 struct RenderOptions {

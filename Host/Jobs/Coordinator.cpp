@@ -27,7 +27,8 @@ namespace {
 // A worker has one frame in work and the next one waiting.
 constexpr std::size_t kTasksOfWorker = 2;
 
-// A reader that keeps silent is waited for by itself, with its own patience, when nothing else goes on for so long.
+// A reader or writer of clips that keeps silent is waited for by itself, with its own patience, when nothing else goes
+// on for so long.
 constexpr int kSilence = 1000;  // milliseconds
 
 std::size_t slotsForResults(const JobRun& run) {
@@ -230,11 +231,13 @@ void Coordinator::wait() {
   }
 }
 
-// Workers take as long as their effect does. While none works, a clip is what all wait for.
+// Workers take as long as their effect does. While none works, a clip is what all wait for: the one that is written
+// first, as it needs nothing else to go on.
 void Coordinator::waitForSilentClips() {
   const bool isAnyAtWork =
       std::ranges::any_of(workers_, [](const WorkerProcess& worker) { return worker.taskCount() > 0; });
-  if (isAnyAtWork || output_.descriptor() >= 0) return;
+  if (isAnyAtWork) return;
+  if (output_.descriptor() >= 0) return output_.takeBack();
   for (std::size_t i = 0; i < run_.clips->inputs(); ++i) {
     if (clips_.isAwaited(i)) return clips_.take(i);
   }

@@ -5,14 +5,16 @@
 #include "Host/Files/PictureSink.h"
 #include "Host/Rendering/FrameRendering.h"
 
+#include <chrono>
 #include <optional>
 
 namespace host {
 
 // What a run writes: pictures, or a clip. The coordinator and its workers have the same.
 struct JobOutput {
-  PictureSink* sink = nullptr;  // for pictures; null for a clip
-  ClipTarget clip;              // without what its first frame says: kind, bits, metadata
+  PictureSink* sink = nullptr;        // for pictures; null for a clip
+  ClipTarget clip;                    // without what its first frame says: kind, bits, metadata
+  std::chrono::seconds patience{60};  // with the process that writes the clip
   bool clipHoldsAlpha = false;
   bool isVerbose = false;
 

@@ -54,7 +54,7 @@ void ResultOutput::beginClip(const StoredFrame& stored, const FrameKind& kind) {
   target.kind = kind;
   target.bits = stored.depth == Depth::Bits8 ? 8 : 16;
   target.metadata = stored.metadata;
-  writer_.emplace(target, slots_);
+  writer_.emplace(target, slots_, output_.patience);
   kind_ = kind;
 }
 

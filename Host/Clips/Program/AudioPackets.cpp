@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <filesystem>
 #include <limits>
 #include <string_view>
 #include <utility>
@@ -72,6 +73,11 @@ void AudioPackets::refuse(const std::string& reason) const {
 }
 
 void AudioPackets::open() {
+  std::error_code ignored;
+  const std::filesystem::file_status status = std::filesystem::status(audio_.path, ignored);
+  if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
+    refuse("its audio cannot be read: it is no regular file");
+  }
   try {
     input_ = openInput(audio_.path, Wanted::Audio);
   } catch (const Failure& failure) {
@@ -129,18 +135,37 @@ void AudioPackets::read() {
     AvPacket packet = newPacket();
     const int error = av_read_frame(input_.get(), packet.get());
     isAtEnd_ = error < 0 || isOver();
-    if (error < 0 && error != AVERROR_EOF) refuse("its audio cannot be read: " + avErrorText(error));
+    if (error < 0 && error != AVERROR_EOF) endAt(avErrorText(error));
     if (isAtEnd_) return;
     const auto track = std::ranges::find(tracks_, input_->streams[packet->stream_index], &Track::stream);
     if (track != tracks_.end()) add(std::move(packet), static_cast<std::size_t>(track - tracks_.begin()));
   }
 }
 
+// What has been read before is there.
+void AudioPackets::endAt(const std::string& fault) {
+  if (!hasPackets_) refuse("its audio cannot be read: " + fault);
+  fault_ = fault;
+}
+
+std::string AudioPackets::remark() const {
+  std::string text;
+  if (damaged_ > 0) {
+    text = std::to_string(damaged_) + (damaged_ == 1 ? " packet of its audio is" : " packets of its audio are") +
+           " damaged and left out";
+  }
+  if (!fault_.empty()) text += (text.empty() ? "" : "; ") + ("its audio cannot be read to its end: " + fault_);
+  return text.empty() ? "" : audio_.path + ": " + text;
+}
+
 void AudioPackets::add(AvPacket packet, std::size_t index) {
   Track& track = tracks_[index];
   const AVRational from = track.stream->time_base;
   const std::int64_t time = packet->pts != AV_NOPTS_VALUE ? packet->pts : packet->dts;
-  if (time == AV_NOPTS_VALUE) refuse("its audio cannot be copied: packets have no times");
+  const bool isTimed = time != AV_NOPTS_VALUE;
+  if (!isTimed && !hasPackets_) refuse("its audio cannot be copied: packets have no times");
+  hasPackets_ = true;
+  if (!isTimed || (packet->flags & AV_PKT_FLAG_CORRUPT) != 0) return leaveOut();
   // The file's unit may be coarser than a sample: packets that follow each other keep doing so.
   const auto samples = static_cast<int>(av_rescale_q(packet->duration, from, track.unit));
   const std::int64_t placed = samples > 0 ? av_rescale_delta(from, time, track.unit, samples, &track.last, track.unit)

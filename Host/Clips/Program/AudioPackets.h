@@ -4,6 +4,7 @@
 #include "Host/Clips/ClipWriter.h"
 #include "Host/Clips/Program/AvObjects.h"
 
+#include <cstdint>
 #include <deque>
 #include <string>
 #include <vector>
@@ -29,7 +30,12 @@ class AudioPackets {
   };
   // The next packet; null after the last. It stays until next().
   Packet* packet() { return ready_.empty() ? nullptr : &ready_.front(); }
-  void next();  // throws Failure
+  void next();
+
+  // The packet that was taken last is damaged and cannot be copied.
+  void leaveOut() { ++damaged_; }
+  // What of the audio is missing, naming its file; empty when nothing is.
+  std::string remark() const;
 
  private:
   struct Track {
@@ -49,6 +55,7 @@ class AudioPackets {
   void chooseTracks(const ClipContainer& container);
   void findBounds();
   void read();
+  void endAt(const std::string& fault);
   void add(AvPacket packet, std::size_t index);
   bool isOver() const;
 
@@ -58,6 +65,9 @@ class AudioPackets {
   std::vector<Track> tracks_;
   std::deque<Packet> ready_;
   bool isAtEnd_ = false;
+  bool hasPackets_ = false;
+  std::uint64_t damaged_ = 0;  // packets that are left out
+  std::string fault_;          // why it ends early
 };
 
 }  // namespace host

@@ -26,13 +26,14 @@ const ClipContainer& containerOf(const ClipTarget& target) {
   return *container;
 }
 
-ClipEncoding::ClipEncoding(const ClipTarget& target)
-    : target_(target),
+ClipEncoding::ClipEncoding(const ClipTarget& target, const std::function<void()>& goesOn)
+    : goesOn_(goesOn),
+      target_(target),
       container_(containerOf(target)),
       storage_(clipStorage(container_, target.settings, target.kind, target.bits)),
       colors_(encodeColors(target.metadata.color, storage_)),
       audio_(audioOf(target, container_)),
-      muxer_(target_, container_),
+      muxer_(target_, container_, goesOn_),
       encoder_(openEncoder(target_, container_, storage_, colors_, muxer_.wantsHeader())),
       frames_(target.kind, *encoder_, colors_) {
   muxer_.addVideo(*encoder_);
@@ -74,6 +75,7 @@ void ClipEncoding::send(const AVFrame* frame) {
   while (error >= 0) {
     AvPacket packet = newPacket();
     error = avcodec_receive_packet(encoder_.get(), packet.get());
+    goesOn_();
     if (error >= 0) packets_.push_back(std::move(packet));
   }
   if (error != AVERROR(EAGAIN) && error != AVERROR_EOF) refuse(logged.reason(error));
@@ -109,7 +111,7 @@ void ClipEncoding::muxAudio(std::int64_t until) {
   for (;;) {
     AudioPackets::Packet* next = audio_->packet();
     if (!next || av_compare_ts(next->packet->dts, next->unit, until, unit) >= 0) return;
-    muxer_.write(*next->packet, static_cast<int>(next->track) + 1, next->unit);
+    if (!muxer_.writeForeign(*next->packet, static_cast<int>(next->track) + 1, next->unit)) audio_->leaveOut();
     audio_->next();
   }
 }

@@ -7,6 +7,7 @@
 #include "Host/Clips/Program/EncodeFrames.h"
 
 #include <deque>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -18,7 +19,8 @@ const ClipContainer& containerOf(const ClipTarget& target);
 // A clip while it is written. All of it throws Failure naming the file.
 class ClipEncoding {
  public:
-  explicit ClipEncoding(const ClipTarget& target);
+  // `goesOn` is called for each packet that is encoded, and while the file is completed.
+  ClipEncoding(const ClipTarget& target, const std::function<void()>& goesOn);
 
   // Makes a frame of a slot's pixels; they are not needed any more afterwards.
   AvFrame frame(const FrameKind& kind, const std::byte* pixels);
@@ -26,6 +28,8 @@ class ClipEncoding {
   void encode(AvFrame frame, std::int64_t time);
   // No more frames come: the file is complete.
   void finish(std::int64_t end);
+  // What the user should know of a finished file; empty when all is well.
+  std::string remark() const { return audio_ ? audio_->remark() : ""; }
 
  private:
   [[noreturn]] void refuse(const std::string& reason) const;
@@ -35,6 +39,7 @@ class ClipEncoding {
   void muxReady();
   void muxAudio(std::int64_t until);
 
+  std::function<void()> goesOn_;
   ClipTarget target_;
   const ClipContainer& container_;
   ClipStorage storage_;

@@ -38,7 +38,8 @@ const char* muxerName(const ClipContainer& container) {
   return name == "WebM" ? "webm" : "avi";
 }
 
-ClipMuxer::ClipMuxer(const ClipTarget& target, const ClipContainer& container) : target_(target), file_(target.path) {
+ClipMuxer::ClipMuxer(const ClipTarget& target, const ClipContainer& container, const std::function<void()>& goesOn)
+    : target_(target), file_(target.path, goesOn) {
   AVFormatContext* context = nullptr;
   check(avformat_alloc_output_context2(&context, nullptr, muxerName(container), nullptr));
   context_.reset(context);
@@ -106,16 +107,32 @@ std::int64_t ClipMuxer::delayOf(const AVCodecParameters& codec) const {
   return name == "matroska" || name == "webm" ? opusPadding(codec) : 0;
 }
 
-void ClipMuxer::write(AVPacket& packet, int stream, AVRational unit) {
+int ClipMuxer::put(AVPacket& packet, int stream, AVRational unit) {
   const std::int64_t delay = delayOf(*context_->streams[stream]->codecpar);
   packet.pts += delay;
   packet.dts += delay;
   packet.stream_index = stream;
   av_packet_rescale_ts(&packet, unit, context_->streams[stream]->time_base);
+  return av_write_frame(context_.get(), &packet);
+}
+
+void ClipMuxer::write(AVPacket& packet, int stream, AVRational unit) {
   const LoggedError logged;
-  const int error = av_write_frame(context_.get(), &packet);
+  const int error = put(packet, stream, unit);
   check(error, error < 0 ? logged.reason(error) : "");
   check(context_->pb->error);
+}
+
+// Muxers parse audio to rewrite its headers, and take no time twice.
+bool ClipMuxer::writeForeign(AVPacket& packet, int stream, AVRational unit) {
+  const int error = put(packet, stream, unit);
+  check(context_->pb->error);
+  if (error == AVERROR_INVALIDDATA || error == AVERROR(EINVAL)) {
+    check(0);
+    return false;
+  }
+  check(error);
+  return true;
 }
 
 void ClipMuxer::finish() {

@@ -5,6 +5,8 @@
 #include "Host/Clips/Program/AvObjects.h"
 #include "Host/Clips/Program/MuxFile.h"
 
+#include <functional>
+
 namespace host {
 
 // The library's name of the muxer of a container's files.
@@ -13,8 +15,8 @@ const char* muxerName(const ClipContainer& container);
 // Puts packets into a file. All of it throws Failure naming the file.
 class ClipMuxer {
  public:
-  // Opens the file; the target outlives it.
-  ClipMuxer(const ClipTarget& target, const ClipContainer& container);
+  // Opens the file; the target outlives it. `goesOn` is called for each part of the file that is written or read.
+  ClipMuxer(const ClipTarget& target, const ClipContainer& container, const std::function<void()>& goesOn);
 
   bool wantsHeader() const;  // encoders put what decoders need first into the file's header
 
@@ -25,11 +27,14 @@ class ClipMuxer {
 
   // A packet of a stream, its times in a unit, in the order of decoding times over all streams.
   void write(AVPacket& packet, int stream, AVRational unit);
+  // The same for a packet that may be damaged: false when it is, and is not in the file.
+  bool writeForeign(AVPacket& packet, int stream, AVRational unit);
 
   // Completes the file, which then is in its place.
   void finish();
 
  private:
+  int put(AVPacket& packet, int stream, AVRational unit);
   void check(int error, const std::string& logged = "");
   AVStream& newStream();
   std::int64_t delayOf(const AVCodecParameters& codec) const;

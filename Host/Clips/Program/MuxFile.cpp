@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <new>
+#include <utility>
 
 namespace host {
 namespace {
@@ -12,7 +13,7 @@ constexpr int kBufferBytes = 1 << 20;
 
 }  // namespace
 
-MuxFile::MuxFile(const std::string& path) : file_(path) {
+MuxFile::MuxFile(const std::string& path, std::function<void()> goesOn) : file_(path), goesOn_(std::move(goesOn)) {
   writing_.file = this;
   reading_.file = this;
   if (!open(writing_, true)) throw std::bad_alloc();
@@ -62,6 +63,7 @@ int MuxFile::closeAgain(AVFormatContext* muxer, AVIOContext* /*context*/) {
 
 int MuxFile::read(void* opaque, std::uint8_t* bytes, int size) {
   auto* cursor = static_cast<Cursor*>(opaque);
+  cursor->file->goesOn_();
   const std::size_t count =
       cursor->file->file_.read(static_cast<std::uint64_t>(cursor->position), {bytes, static_cast<std::size_t>(size)});
   if (count == 0) return AVERROR_EOF;
@@ -72,6 +74,7 @@ int MuxFile::read(void* opaque, std::uint8_t* bytes, int size) {
 int MuxFile::write(void* opaque, std::uint8_t* bytes, int size) {
   auto* cursor = static_cast<Cursor*>(opaque);
   MuxFile& file = *cursor->file;
+  file.goesOn_();
   if (!file.file_.write(static_cast<std::uint64_t>(cursor->position), {bytes, static_cast<std::size_t>(size)})) {
     return AVERROR(EIO);
   }

@@ -4,12 +4,15 @@
 #include "Host/Clips/Program/AvObjects.h"
 #include "Host/Files/OutputFile.h"
 
+#include <functional>
+
 namespace host {
 
 // The file that a muxer writes: beside the target, and in its place only once it is complete.
 class MuxFile {
  public:
-  explicit MuxFile(const std::string& path);  // throws Failure when there can be no such file
+  // `goesOn` is called for each part that is written or read. Throws Failure when there can be no such file.
+  MuxFile(const std::string& path, std::function<void()> goesOn);
   ~MuxFile();
   MuxFile(const MuxFile&) = delete;
   MuxFile& operator=(const MuxFile&) = delete;
@@ -37,6 +40,7 @@ class MuxFile {
   static void close(Cursor& cursor);
 
   OutputFile file_;
+  std::function<void()> goesOn_;
   std::int64_t size_ = 0;
   Cursor writing_;
   Cursor reading_;

@@ -1,19 +1,16 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Clips/Program/Commands.h"
 #include "Host/Clips/Program/ReadClip.h"
+#include "Host/Clips/Program/SignOfLife.h"
 #include "Host/Clips/ReaderMessages.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Processes/ChildProcess.h"
 
-#include <chrono>
 #include <memory>
 #include <string>
 
 namespace host {
 namespace {
-
-using Clock = std::chrono::steady_clock;
-constexpr auto kSignOfLife = std::chrono::milliseconds(500);
 
 MessageWriter started(ReaderMessage kind) {
   MessageWriter message;
@@ -23,14 +20,9 @@ MessageWriter started(ReaderMessage kind) {
 
 // The clip, or null when the other end has been told why there is none.
 std::unique_ptr<Clip> openedClip(const std::string& path, MessageSocket& socket) {
-  Clock::time_point last = Clock::now();
-  const auto goesOn = [&] {
-    if (Clock::now() - last < kSignOfLife) return;
-    last = Clock::now();
-    socket.send(started(ReaderMessage::Working).message());
-  };
+  SignOfLife life(socket, started(ReaderMessage::Working));
   try {
-    auto clip = std::make_unique<Clip>(path, goesOn);
+    auto clip = std::make_unique<Clip>(path, [&] { life.goesOn(); });
     MessageWriter message = started(ReaderMessage::Info);
     put(message, clip->info());
     socket.send(message.message());

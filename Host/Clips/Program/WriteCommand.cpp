@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Clips/Program/ClipEncoding.h"
 #include "Host/Clips/Program/Commands.h"
+#include "Host/Clips/Program/SignOfLife.h"
 #include "Host/Clips/WriterMessages.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Messages/Signals.h"
@@ -21,13 +22,16 @@ MessageWriter report(WriterReport kind) {
 void writeClip(MessageSocket& socket, MessageReader& opening) {
   const ClipTarget target = takeClipTarget(opening);
   FrameSlots slots(kFirstInherited, opening.value<std::uint64_t>());
-  ClipEncoding clip(target);
+  SignOfLife life(socket, report(WriterReport::Working));
+  ClipEncoding clip(target, [&] { life.goesOn(); });
   socket.send(report(WriterReport::Ready).message());
   for (Bytes bytes; socket.receive(&bytes);) {
     MessageReader message(bytes);
     if (message.value<WriterOrder>() == WriterOrder::Finish) {
       clip.finish(message.value<std::int64_t>());
-      socket.send(report(WriterReport::Finished).message());
+      MessageWriter finished = report(WriterReport::Finished);
+      finished.text(clip.remark());
+      socket.send(finished.message());
       return;
     }
     const auto slot = message.value<std::uint64_t>();

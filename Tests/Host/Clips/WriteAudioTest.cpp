@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Audio goes from clip to clip as it is, and stays in sync.
+#include "Host/Messages/Remark.h"
 #include "Tests/Host/Clips/WriteSupport.h"
+
+#include <sys/stat.h>
 
 namespace {
 
@@ -48,7 +51,7 @@ TEST_P(WriteAudio, IsCopiedInSync) {
   host::ClipTarget target = targetFor(folder.path("out." + std::string(copied.target)));
   target.audio = host::ClipAudio{source, copied.start, std::nullopt};
   if (copied.duration > 0) target.audio->duration = copied.duration;
-  host::ClipWriter::checkAudio(target);
+  host::ClipWriter::checkAudio(target, kPatience);
   std::vector<std::int64_t> times(26);
   std::iota(times.begin(), times.end(), 0);
   write(target, times);
@@ -118,17 +121,53 @@ TEST(WriteAudioTracks, WhatCannotGoIntoTheFileIsToldBeforehand) {
   makeSource(source, "-c:a aac");
   runFfmpeg("-f lavfi -i testsrc2=s=64x48:r=25:d=1 " + folder.path("silent.mp4"));
   folder.write("text.mp4", "no clip at all");
+  ASSERT_EQ(mkfifo(folder.path("pipe.wav").c_str(), 0600), 0);
   const auto failure = [&](const std::string& extension, const std::string& audio) {
     host::ClipTarget target = targetFor(folder.path("out." + extension));
     target.audio = host::ClipAudio{audio, 0, std::nullopt};
-    return failureOf([&] { host::ClipWriter::checkAudio(target); });
+    return failureOf([&] { host::ClipWriter::checkAudio(target, kPatience); });
   };
   EXPECT_EQ(failure("mp4", source), "");
   EXPECT_EQ(failure("webm", source), source + ": WebM does not hold its AAC audio: give --no-audio to leave it out");
   EXPECT_EQ(failure("avi", source), source + ": AVI does not hold its AAC audio: give --no-audio to leave it out");
   EXPECT_EQ(failure("mp4", folder.path("silent.mp4")), folder.path("silent.mp4") + ": it has no audio");
   EXPECT_NE(failure("mp4", folder.path("text.mp4")).find("text.mp4: its audio cannot be read"), std::string::npos);
+  EXPECT_EQ(failure("mp4", folder.path("pipe.wav")),
+            folder.path("pipe.wav") + ": its audio cannot be read: it is no regular file");
   EXPECT_NE(failure("mp4", folder.path("none.mp4")).find("No such file or directory"), std::string::npos);
+}
+
+// A broadcast that was received badly: what came through is there, and the rest is told of by the source's name.
+TEST(WriteAudioTracks, DamagedPacketsAreLeftOut) {
+  const TemporaryFolder folder;
+  const std::string source = folder.path("in.ts");
+  makeSource(source, "-c:a aac");
+  std::string bytes = contentsOf(source);
+  // Every seventh packet of the stream of audio, none of the first ones.
+  int audio = 0;
+  std::string kept;
+  for (std::size_t at = 0; at + 188 <= bytes.size(); at += 188) {
+    const bool isAudio = (bytes[at + 1] & 0x1f) == 1 && static_cast<unsigned char>(bytes[at + 2]) == 1;
+    if (isAudio && ++audio > 20 && audio % 7 == 0) continue;
+    kept += bytes.substr(at, 188);
+  }
+  ASSERT_GT(audio, 50);
+  folder.write("in.ts", kept);
+  for (const char* name : {"out.mkv", "out.mp4"}) {
+    host::ClipTarget target = targetFor(folder.path(name));
+    target.audio = host::ClipAudio{source, 0, std::nullopt};
+    std::vector<std::int64_t> times(71);
+    std::iota(times.begin(), times.end(), 0);
+    std::string said;
+    {
+      const host::RemarksRedirected redirected([&](const host::Remark& remark) { said += remark.text; });
+      write(target, times);
+    }
+    EXPECT_EQ(said.find(source + ": "), 0u) << said;
+    EXPECT_NE(said.find(" packets of its audio are damaged and left out"), std::string::npos) << said;
+    EXPECT_EQ(video(target.path).at("nb_read_frames"), "70");
+    EXPECT_GT(packetsOf(target.path, "a:0").size(), 30u);
+  }
 }
 
 }  // namespace

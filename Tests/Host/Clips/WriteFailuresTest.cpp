@@ -114,29 +114,33 @@ pid_t lastChild() {
   return last;
 }
 
-TEST(WriteFailures, AProcessThatDiesIsToldAndOneThatIsGivenUpLeavesNothing) {
+TEST(WriteFailures, AProcessThatDiesOrHangsIsToldAndOneThatIsGivenUpLeavesNothing) {
   const Target old("out.mp4");
   using Step = std::function<void(host::ClipWriter&)>;
   const std::string expected =
       "cannot write " + old.target.path + ": the process that writes it failed: it was ended by signal 9 (Killed)";
-  const auto failure = [&](bool isKilled, const Step& step) {
+  const auto failure = [&](int signal, const Step& step) {
     host::FrameSlots slots(1);
-    host::ClipWriter writer(old.target, slots);
+    host::ClipWriter writer(old.target, slots, std::chrono::seconds(1));
     const std::string frame = chart(old.target.kind, 0);
     std::memcpy(slots.fill(0, old.target.kind), frame.data(), frame.size());
     writer.write(0, 0);
     EXPECT_EQ(writer.written(), 0u);
-    if (isKilled) kill(lastChild(), SIGKILL);
+    if (signal != 0) kill(lastChild(), signal);
     return failureOf([&] { step(writer); });
   };
-  EXPECT_EQ(failure(true, [](host::ClipWriter& writer) { writer.written(); }), expected);
-  EXPECT_EQ(failure(true, [](host::ClipWriter& writer) { writer.finish(1); }), expected);
-  EXPECT_EQ(failure(true,
+  EXPECT_EQ(failure(SIGKILL, [](host::ClipWriter& writer) { writer.written(); }), expected);
+  EXPECT_EQ(failure(SIGKILL, [](host::ClipWriter& writer) { writer.finish(1); }), expected);
+  EXPECT_EQ(failure(SIGKILL,
                     [](host::ClipWriter& writer) {
                       for (int i = 1; i < 1000000; ++i) writer.write(0, i);
                     }),
             expected);
-  EXPECT_EQ(failure(false, [](host::ClipWriter&) {}), "");
+  const std::string hanging =
+      "cannot write " + old.target.path + ": the process that writes it has made no progress in 1 s";
+  EXPECT_EQ(failure(SIGSTOP, [](host::ClipWriter& writer) { writer.written(); }), hanging);
+  EXPECT_EQ(failure(SIGSTOP, [](host::ClipWriter& writer) { writer.finish(1); }), hanging);
+  EXPECT_EQ(failure(0, [](host::ClipWriter&) {}), "");
   old.expectUntouched();
 }
 

@@ -56,7 +56,7 @@ void write(const host::ClipTarget& target, std::vector<std::int64_t> times) {
     std::iota(times.begin(), times.end(), 0);
   }
   host::FrameSlots slots(2);
-  host::ClipWriter writer(target, slots);
+  host::ClipWriter writer(target, slots, kPatience);
   for (std::size_t i = 0; i + 1 < times.size(); ++i) {
     const std::size_t slot = i % slots.count();
     if (i >= slots.count() && writer.written() != slot) FAIL() << "slots come back in another order";

@@ -17,6 +17,8 @@ double sampleAt(const std::string& samples, std::size_t place, bool isDeep);
 // Frames of 64 x 48 at 25 frames a second.
 host::ClipTarget targetFor(const std::string& path, const std::string& codec = "", int bits = 8, bool hasAlpha = false);
 
+inline constexpr std::chrono::seconds kPatience(60);
+
 // Frames of the chart, shown at `times` with the end behind; a dozen, one unit of time each, without.
 void write(const host::ClipTarget& target, std::vector<std::int64_t> times = {});
 // What an action says when it fails; empty when it does not.
