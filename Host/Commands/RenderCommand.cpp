@@ -24,7 +24,6 @@
 #include <cmath>
 #include <filesystem>
 #include <memory>
-#include <numeric>
 #include <optional>
 #include <utility>
 
@@ -120,32 +119,36 @@ void checkResumable(const RenderOptions& options, bool keepsState) {
   }
 }
 
+void checkPart(const RenderOptions& options, const RenderTiming& timing, bool keepsState) {
+  if (!keepsState || timing.part().count == timing.plan().count()) return;
+  throw Failure(ExitCode::Usage, "--chunk " + std::to_string(options.timing.chunk) + ": the effect \"" +
+                                     options.effect +
+                                     "\" keeps a state from frame to frame, or does not say that it keeps none: a "
+                                     "chunk cannot be rendered without the frames before it");
+}
+
 // Of the plan's frames those that are to be rendered.
-std::vector<std::uint64_t> framesToRender(const RenderOptions& options, const RenderTiming& timing,
-                                          const Output& output) {
+FrameList framesToRender(const RenderOptions& options, const RenderTiming& timing, const Output& output) {
   const PlanPart part = timing.part();
-  std::vector<std::uint64_t> frames(part.count);
-  std::iota(frames.begin(), frames.end(), part.first);
+  const FrameList frames(part.first, part.count);
   if (!options.isResumed) return frames;
-  std::vector<std::uint64_t> missing =
+  FrameList missing =
       missingFrames(timing.plan(), frames, *framePattern(options.output), output.sink->format(Depth::Bits8));
-  remark(std::to_string(frames.size() - missing.size()) + " of " + std::to_string(frames.size()) +
-         (frames.size() == 1 ? " frame is" : " frames are") + " there already");
+  remark(std::to_string(frames.count() - missing.count()) + " of " + std::to_string(frames.count()) +
+         (frames.count() == 1 ? " frame is" : " frames are") + " there already");
   return missing;
 }
 
 // In this process, one after another.
-void renderHere(FrameRendering& rendering, const RenderTiming& timing, const std::vector<std::uint64_t>& frames,
-                const Output& output) {
+void renderHere(FrameRendering& rendering, const RenderTiming& timing, const FrameList& frames, const Output& output) {
   const OutputDescription description = output.job.description();
   if (!timing.isSingle()) {
     rendering.begin(timing.plan().frame(0), nullptr, description);
     rewindSharedInput();
   }
-  Progress progress(frames.size());
-  std::uint64_t done = 0;
-  for (const std::uint64_t index : frames) {
-    const PlannedFrame frame = timing.plan().frame(index);
+  Progress progress(frames.count());
+  for (std::uint64_t done = 0; done < frames.count();) {
+    const PlannedFrame frame = timing.plan().frame(frames[done]);
     output.sink->write(rendering.render(frame, description), frame.number);
     progress.finished(++done);
   }
@@ -187,17 +190,6 @@ class ClipHeaders : public ClipFrames {
   const std::vector<const ClipInfo*> infos_;
 };
 
-// Whether frames come at the plan's rate, one like another.
-bool isEven(const RenderPlan& plan) {
-  const double units = 1 / (valueOf(plan.rate()) * valueOf(plan.timeBase()));
-  const std::int64_t first = plan.frame(0).shown;
-  for (std::uint64_t index = 1; index < plan.count(); ++index) {
-    const auto expected = static_cast<double>(first) + units * static_cast<double>(index);
-    if (std::abs(static_cast<double>(plan.frame(index).shown) - expected) > std::max(1.0, units / 4)) return false;
-  }
-  return true;
-}
-
 }  // namespace
 
 RenderOutlook renderOutlook(const RenderOptions& options) {
@@ -229,7 +221,7 @@ RenderOutlook renderOutlook(const RenderOptions& options) {
   outlook.frames = plan.count();
   outlook.firstNumber = plan.frame(0).number;
   outlook.rate = plan.rate();
-  outlook.isEven = isEven(plan);
+  outlook.isEven = plan.isEven();
   outlook.audio = timing.audio();
   return outlook;
 }
@@ -257,9 +249,10 @@ void runRender(const RenderOptions& options) {
   OpenClips clips(setup.inputs.size());
   openClips(clips, options, rendering.inputs(), jobs);
   const RenderTiming timing(options, rendering.effect().kind(), rendering.inputs(), clips.infos());
-  const std::vector<std::uint64_t> frames = framesToRender(options, timing, output);
-  if (frames.empty()) return;
-  const auto workers = static_cast<unsigned>(std::min<std::uint64_t>(jobs, frames.size()));
+  checkPart(options, timing, hasState);
+  const FrameList frames = framesToRender(options, timing, output);
+  if (frames.isEmpty()) return;
+  const auto workers = static_cast<unsigned>(std::min<std::uint64_t>(jobs, frames.count()));
   if (workers == 1 && output.sink && !rendering.inputs().haveClip()) {
     renderHere(rendering, timing, frames, output);
     return;

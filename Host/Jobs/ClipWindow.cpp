@@ -9,7 +9,7 @@
 
 namespace host {
 
-ClipWindow::ClipWindow(OpenClips& clips, const RenderPlan& plan, const std::vector<std::uint64_t>& frames)
+ClipWindow::ClipWindow(OpenClips& clips, const RenderPlan& plan, const FrameList& frames)
     : clips_(clips), plan_(plan), frames_(frames), inputs_(clips.inputs()) {
   std::uint32_t slots = 0;
   for (std::size_t i = 0; i < inputs_.size(); ++i) {

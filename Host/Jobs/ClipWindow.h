@@ -3,6 +3,7 @@
 
 #include "Host/Clips/OpenClips.h"
 #include "Host/Jobs/Task.h"
+#include "Host/Rendering/FrameList.h"
 #include "Host/Rendering/RenderPlan.h"
 
 #include <cstddef>
@@ -19,7 +20,7 @@ namespace host {
 class ClipWindow {
  public:
   // `frames`: which ones of the plan. All of them outlive it.
-  ClipWindow(OpenClips& clips, const RenderPlan& plan, const std::vector<std::uint64_t>& frames);
+  ClipWindow(OpenClips& clips, const RenderPlan& plan, const FrameList& frames);
 
   // Wants what comes next, of frames below `end`.
   void wantAhead(std::uint64_t end);
@@ -68,7 +69,7 @@ class ClipWindow {
 
   OpenClips& clips_;
   const RenderPlan& plan_;
-  const std::vector<std::uint64_t>& frames_;
+  const FrameList& frames_;
   std::vector<Input> inputs_;
   std::map<std::uint64_t, std::vector<std::size_t>> held_;  // frame: its slots by input
   std::uint64_t next_ = 0;                                  // to be wanted

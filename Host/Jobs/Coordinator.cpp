@@ -61,7 +61,7 @@ class Coordinator {
     std::function<void()> react;
   };
 
-  std::uint64_t count() const { return run_.frames.size(); }
+  std::uint64_t count() const { return run_.frames.count(); }
   PlannedFrame frame(std::uint64_t number) const { return run_.plan->frame(run_.frames[number]); }
   bool isOver() const { return used_ == end_; }
 
@@ -102,7 +102,7 @@ Coordinator::Coordinator(const JobRun& run)
       output_(run.output, resultSlots_),
       clips_(*run.clips, *run.plan, run.frames),
       ahead_(kTasksOfWorker * run.workers + slotsOfClip(run.workers)),
-      end_(run.frames.size()) {
+      end_(run.frames.count()) {
   for (std::size_t i = 0; i < run.clips->inputs(); ++i) {
     if (const FrameSlots* const slots = run.clips->slots(i)) {
       const std::vector<int> own = slots->descriptors();
@@ -162,8 +162,7 @@ bool Coordinator::giveTask(WorkerProcess& worker) {
 void Coordinator::takeResult(WorkerProcess& worker) {
   auto result = worker.result();
   if (!result) return;
-  const auto found = std::ranges::lower_bound(run_.frames, result->index);
-  const auto number = static_cast<std::uint64_t>(found - run_.frames.begin());
+  const std::uint64_t number = run_.frames.placeOf(result->index);
   clips_.release(number);
   if (result->failure) takeFailure(number, *result->failure);
   const auto slot = slots_.find(number);

@@ -4,6 +4,7 @@
 #include "Host/Clips/OpenClips.h"
 #include "Host/Jobs/JobOutput.h"
 #include "Host/Jobs/SharedInput.h"
+#include "Host/Rendering/FrameList.h"
 #include "Host/Rendering/RenderPlan.h"
 
 #include <cstdint>
@@ -15,7 +16,7 @@ namespace host {
 // A run whose frames are rendered by other processes.
 struct JobRun {
   const RenderPlan* plan = nullptr;
-  std::vector<std::uint64_t> frames;   // which ones of the plan, ascending; not empty
+  FrameList frames;                    // which ones of the plan; not empty
   unsigned workers = 1;                // at least 1
   bool keepsState = false;             // the effect: one worker renders all frames, one after another
   std::vector<std::string> arguments;  // of this program, to become a worker for the same run

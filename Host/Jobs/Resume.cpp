@@ -59,11 +59,11 @@ bool isPictureThere(const std::string& path, FileFormat format) {
   return imageFileModule(format).open(request, &isOtherKind, nullptr) != nullptr;
 }
 
-std::vector<std::uint64_t> missingFrames(const RenderPlan& plan, const std::vector<std::uint64_t>& frames,
-                                         const FramePattern& output, FileFormat format) {
-  std::vector<std::uint64_t> missing;
-  for (const std::uint64_t frame : frames) {
-    if (!isPictureThere(output.path(plan.frame(frame).number), format)) missing.push_back(frame);
+FrameList missingFrames(const RenderPlan& plan, const FrameList& frames, const FramePattern& output,
+                        FileFormat format) {
+  FrameList missing;
+  for (std::uint64_t i = 0; i < frames.count(); ++i) {
+    if (!isPictureThere(output.path(plan.frame(frames[i]).number), format)) missing.append(frames[i]);
   }
   return missing;
 }

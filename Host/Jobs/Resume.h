@@ -3,11 +3,10 @@
 
 #include "Host/Files/FrameFiles.h"
 #include "Host/ImageFiles/FileFormat.h"
+#include "Host/Rendering/FrameList.h"
 #include "Host/Rendering/RenderPlan.h"
 
-#include <cstdint>
 #include <string>
-#include <vector>
 
 namespace host {
 
@@ -16,7 +15,6 @@ namespace host {
 bool isPictureThere(const std::string& path, FileFormat format);
 
 // Of frames of a plan those whose files are missing.
-std::vector<std::uint64_t> missingFrames(const RenderPlan& plan, const std::vector<std::uint64_t>& frames,
-                                         const FramePattern& output, FileFormat format);
+FrameList missingFrames(const RenderPlan& plan, const FrameList& frames, const FramePattern& output, FileFormat format);
 
 }  // namespace host

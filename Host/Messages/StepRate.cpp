@@ -13,6 +13,7 @@ constexpr std::chrono::seconds kWindow{5};
 }  // namespace
 
 void StepRate::note(std::uint64_t steps, Clock::time_point time) {
+  if (!noted_.empty() && steps == noted_.back().steps) return;
   noted_.push_back({steps, time});
   while (noted_.size() > 2 && noted_[1].time + kWindow <= time) noted_.pop_front();
 }

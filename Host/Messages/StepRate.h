@@ -13,7 +13,7 @@ class StepRate {
  public:
   using Clock = std::chrono::steady_clock;
 
-  // So many steps are done. Times ascend.
+  // So many steps are done. Times ascend. What is no more than before says nothing.
   void note(std::uint64_t steps, Clock::time_point time);
   // In a second; 0 as long as nothing can be said.
   double perSecond() const;

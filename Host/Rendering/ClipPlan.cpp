@@ -149,6 +149,18 @@ std::uint32_t ClipPlan::sourceOf(const PlayedInput& input, double at) const {
   return input.sequence->first + static_cast<std::uint32_t>(std::clamp(nearest, 0.0, last));
 }
 
+// Behind the leader's own frames they go on at its rate.
+bool ClipPlan::isEven() const {
+  if (timeBase_ == unitOfRate(rate_)) return true;
+  const double units = 1 / (valueOf(rate_) * valueOf(timeBase_));
+  const std::uint64_t last = std::min<std::uint64_t>(last_, inputs_[leader_].clip->times.size());
+  for (std::uint64_t frame = first_ + 1; frame <= last; ++frame) {
+    const double expected = units * static_cast<double>(frame - first_);
+    if (std::abs(static_cast<double>(shown(frame) - shown(first_)) - expected) > std::max(1.0, units / 4)) return false;
+  }
+  return true;
+}
+
 PlannedFrame ClipPlan::frame(std::uint64_t index) const {
   const std::uint64_t whole = first_ + index;
   PlannedFrame result;

@@ -46,6 +46,7 @@ class ClipPlan : public RenderPlan {
   Rational rate() const override { return rate_; }
   Rational timeBase() const override { return timeBase_; }
   std::int64_t end() const override { return shown(last_ + 1) - shown(first_); }
+  bool isEven() const override;
 
   // Of the first frame and of all, in the time of the inputs.
   double startSeconds() const { return seconds(first_); }

@@ -28,6 +28,7 @@ class RenderPlan {
   virtual Rational rate() const = 0;                          // frames per second
   virtual Rational timeBase() const = 0;                      // seconds in a unit of PlannedFrame::shown
   virtual std::int64_t end() const = 0;                       // when the last frame is over
+  virtual bool isEven() const = 0;                            // frames come at that rate, one like another
 };
 
 }  // namespace host

@@ -34,6 +34,7 @@ class SequencePlan : public RenderPlan {
   Rational rate() const override { return wishes_.rate; }
   Rational timeBase() const override;
   std::int64_t end() const override { return static_cast<std::int64_t>(count()); }
+  bool isEven() const override { return true; }
 
  private:
   FrameRange frames_;

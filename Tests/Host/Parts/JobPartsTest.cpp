@@ -23,11 +23,17 @@ TEST(Resume, ChoosesFramesWhoseFilesAreMissing) {
   std::filesystem::resize_file(at(7), 20);                 // only the start of the header
   std::filesystem::create_directory(at(9));
   const SequencePlan plan({2, 10}, {}, {});
-  std::vector<std::uint64_t> all(plan.count());
-  for (std::size_t i = 0; i < all.size(); ++i) all[i] = i;
   const FramePattern pattern{folder.path("f."), ".png", 1};
-  EXPECT_EQ(missingFrames(plan, all, pattern, FileFormat::Png), (std::vector<std::uint64_t>{1, 3, 4, 5, 7, 8}));
-  EXPECT_EQ(missingFrames(plan, {0, 1, 2}, pattern, FileFormat::Png), (std::vector<std::uint64_t>{1}));
+  const FrameList missing = missingFrames(plan, {0, plan.count()}, pattern, FileFormat::Png);
+  const std::uint64_t expected[] = {1, 3, 4, 5, 7, 8};
+  ASSERT_EQ(missing.count(), std::size(expected));
+  for (std::uint64_t i = 0; i < missing.count(); ++i) {
+    EXPECT_EQ(missing[i], expected[i]);
+    EXPECT_EQ(missing.placeOf(expected[i]), i);
+  }
+  const FrameList part = missingFrames(plan, {4, 2}, pattern, FileFormat::Png);
+  ASSERT_EQ(part.count(), 2u);
+  EXPECT_EQ(part[1], 5u);
   for (const auto& [name, format] : std::initializer_list<std::pair<const char*, FileFormat>>{
            {"x.jpg", FileFormat::Jpeg}, {"x.exr", FileFormat::Exr}, {"x.tga", FileFormat::Targa}}) {
     EXPECT_FALSE(isPictureThere(folder.path(name), format)) << name;
@@ -49,6 +55,10 @@ TEST(Progress, TellsTheRateOfTheLastSeconds) {
   // Half as fast from then on: after some seconds nothing else counts.
   for (int i = 1; i <= 100; ++i) rate.note(static_cast<std::uint64_t>(10 + i), start + milliseconds(1000 + 200 * i));
   EXPECT_DOUBLE_EQ(rate.perSecond(), 5);
+  // That a slow one is not yet done says nothing.
+  StepRate slow;
+  for (int i = 0; i <= 300; ++i) slow.note(static_cast<std::uint64_t>(i / 100), start + milliseconds(100 * i));
+  EXPECT_DOUBLE_EQ(slow.perSecond(), 0.1);
 
   EXPECT_EQ(rateText(0, 10), "");
   EXPECT_EQ(rateText(12.34, 518), "12.3 frames/s, 0:42 left");

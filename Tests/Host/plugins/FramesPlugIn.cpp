@@ -2,8 +2,8 @@
 // Generators for tests of many frames. Both give one gray pixel.
 //   Frames          gray 10 times the time, and what "trouble" says: "once FILE" dies at time 3 while there is that
 //   file,
-//                   which it removes, "always" dies there always, "pids FILE" adds the process to a file and takes its
-//                   time, "grow" gives one pixel more each time
+//                   which it removes, "always" dies there always, "pids FILE" adds the process to a file and
+//                   waits from the tenth frame on while there is FILE.hold, "grow" gives one pixel more each time
 //   Counted Frames  gray 10 times how often the instance was executed before
 #include "Platform/QuartzComposer/GFNodeManager.h"
 #include "Platform/QuartzComposer/QCPatch.h"
@@ -59,7 +59,7 @@ class FramesPatch : public QCPatch {
     if (trouble.starts_with("once ") && time == 3 && ::unlink(file.c_str()) == 0) die();
     if (trouble.starts_with("pids ")) {
       std::ofstream(file, std::ios::app) << std::to_string(::getpid()) + "\n";
-      ::usleep(20000);
+      while (time > 0.38 && ::access((file + ".hold").c_str(), F_OK) == 0) ::usleep(1000);
     }
     putGray(*output_, 10 * time, trouble == "grow" ? 1 + static_cast<std::uint32_t>(time) : 1);
     return true;
