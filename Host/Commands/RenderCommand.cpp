@@ -224,7 +224,7 @@ RenderOutlook renderOutlook(const RenderOptions& options) {
   outlook.frames = plan.count();
   outlook.firstNumber = plan.frame(0).number;
   outlook.rate = plan.rate();
-  outlook.isEven = isEven(plan);
+  outlook.isEven = !outlook.hasClip || isEven(plan);
   outlook.audio = timing.audio();
   return outlook;
 }
