@@ -13,8 +13,11 @@
 #include "Host/Messages/StandardOutput.h"
 #include "Host/Messages/Utf8.h"
 #include "Host/Rendering/FrameTimes.h"
+#include "TarnCore/TCHash128.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <utility>
@@ -121,6 +124,7 @@ class RenderWords {
     words_.push_back(value.empty() ? name + " ''" : name + "=" + shellWord(value));
   }
   void addRaw(const std::string& word) { words_.push_back(word); }
+  const std::vector<std::string>& words() const { return words_; }
   std::vector<std::string> of(const std::string& effect) {
     words_.insert(words_.end(), {"--", shellWord(effect)});
     return std::move(words_);
@@ -169,9 +173,10 @@ struct Submission {
   Chunks chunks;
   std::string logs;
   std::string name;
+  std::string mark;  // of a clip's frames
 
   bool isClip() const { return outlook.output == OutputKind::Clip; }
-  std::string framesFolder() const { return wholePath(render.options.output) + ".frames"; }
+  std::string framesFolder() const { return wholePath(render.options.output) + ".frames-" + mark; }
   std::string framesPattern() const { return framesFolder() + "/" + kFrameName; }
   std::string script(const std::string& job) const { return logs + "/" + job + ".sh"; }
 };
@@ -184,6 +189,33 @@ std::string spaceOfClip(const Submission& submission) {
   return space && space->kind == ColorSpace::Kind::Known ? spaceText(*space) : "";
 }
 
+// What makes the pictures as they are: no names of theirs, and not how they are dealt out.
+RenderWords wordsOfPictures(const Submission& submission) {
+  RenderWords words;
+  for (const GivenOption& option : submission.render.given) {
+    const bool isOfClip =
+        submission.isClip() && (isOneOf(option.name, kEncoding) || isOneOf(option.name, kNotOfFrames));
+    if (!isOfClip && !isOneOf(option.name, kNotOfTasks)) words.add(option);
+  }
+  const std::string space = spaceOfClip(submission);
+  if (!space.empty() && submission.render.options.colors.output.empty()) words.add("--output-space", space);
+  return words;
+}
+
+// Eight letters that tell these frames from those that another command line makes, elsewhere or of other effects.
+std::string markOfFrames(const Submission& submission) {
+  const BatchJob job = newJob(submission.options, submission.logs, submission.name);
+  std::string text =
+      submission.chunks.range() + " " + shellWord(submission.render.options.effect) + " " + shellWord(job.folder);
+  for (const auto& [name, value] : job.environment) text += " " + name + "=" + shellWord(value);
+  const RenderWords pictures = wordsOfPictures(submission);
+  for (const std::string& word : pictures.words()) text += " " + word;
+  const VortoHash128 hash(reinterpret_cast<const unsigned char*>(text.data()), static_cast<std::uint32_t>(text.size()));
+  std::array<char, 9> mark{};
+  std::snprintf(mark.data(), mark.size(), "%08x", static_cast<unsigned>(hash.words[0]));
+  return mark.data();
+}
+
 BatchJob framesJob(const Submission& submission) {
   const Chunks& chunks = submission.chunks;
   BatchJob job = newJob(submission.options, submission.logs, submission.name);
@@ -193,19 +225,10 @@ BatchJob framesJob(const Submission& submission) {
   job.remarks = {"Frames " + chunks.range() + " of " + submission.render.options.effect + ", " +
                      pluralFrames(chunks.size) + "; made by vorto submit.",
                  "A task runs without Slurm as well: SLURM_ARRAY_TASK_ID=1 sh " + job.name + ".sh"};
-  RenderWords words;
-  const RenderOptions& render = submission.render.options;
-  for (const GivenOption& option : submission.render.given) {
-    const bool isOfClip =
-        submission.isClip() && (isOneOf(option.name, kEncoding) || isOneOf(option.name, kNotOfFrames));
-    if (!isOfClip && !isOneOf(option.name, kNotOfTasks)) words.add(option);
-  }
+  RenderWords words = wordsOfPictures(submission);
   if (submission.isClip()) {
     job.preparation = {"mkdir -p " + shellWord(submission.framesFolder())};
     words.add("--output", submission.framesPattern());
-  }
-  if (const std::string space = spaceOfClip(submission); !space.empty() && render.colors.output.empty()) {
-    words.add("--output-space", space);
   }
   words.add("--frames", chunks.range() + "x" + std::to_string(chunks.size));
   words.addRaw("--chunk=\"$SLURM_ARRAY_TASK_ID\"");
@@ -223,6 +246,7 @@ BatchJob clipJob(const Submission& submission) {
   job.remarks = {"The clip of the frames that " + submission.name + ".sh renders; made by vorto submit."};
   RenderWords words;
   words.add("--input", submission.framesPattern());
+  words.add("--frames", submission.chunks.range());
   words.add("--output", submission.render.options.output);
   words.add("--rate", numberText(valueOf(submission.outlook.rate)));
   for (const GivenOption& option : submission.render.given) {
@@ -273,8 +297,9 @@ void runSubmit(const SubmitOptions& options, const RenderCommandLine& render) {
   checkForFarm(render.options, outlook);
   if (outlook.output == OutputKind::Clip) checkClipForFarm(render.options, outlook);
   const fs::path output = wholePath(render.options.output);
-  Submission submission{options, render, outlook, chunksOf(render.options, outlook), "", ""};
+  Submission submission{options, render, outlook, chunksOf(render.options, outlook), "", "", ""};
   submission.logs = wholePath(options.logs.empty() ? (output.parent_path() / "logs").string() : options.logs);
+  if (submission.isClip()) submission.mark = markOfFrames(submission);
   const auto pattern = framePattern(submission.isClip() ? submission.framesPattern() : render.options.output);
   const fs::path named = submission.isClip() ? output : fs::path(pattern->before);
   submission.name = batchName(submission.isClip() ? named.stem().string() : named.filename().string());

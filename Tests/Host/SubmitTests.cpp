@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+
 // What vorto submit gives to a farm. Scripts are run by sh; sbatch is a script of the test's own.
 
 namespace {
@@ -20,6 +22,25 @@ void writeFrames(const std::string& folder, int count) {
   for (int frame = 1; frame <= count; ++frame) {
     writeTiff(folder + "/in." + std::to_string(frame) + ".tif", grayPixel(frame));
   }
+}
+
+// With the tests' own effects, of which "Frames" gives every frame a gray of its own.
+RunOptions withFrames(const TemporaryFolder& folder) {
+  const std::string contents = folder.path("PlugIns/Frames.plugin/Contents/");
+  fs::create_directories(contents + "Linux");
+  fs::copy_file(fs::read_symlink("/proc/self/exe").parent_path().string() + "/../test-plugins/Frames.so",
+                contents + "Linux/Frames");
+  writeFile(contents + "Info.plist",
+            "<plist version=\"1.0\"><dict><key>CFBundleIdentifier</key><string>org.vorto.test</string>"
+            "<key>CFBundleExecutable</key><string>Frames</string></dict></plist>\n");
+  return {{"VORTO_PLUGIN_PATH=" + folder.path("PlugIns")}, 0};
+}
+
+// The folder in which the script of a task renders frames of a clip.
+std::string folderOfFrames(const std::string& script) {
+  const std::string text = readFile(script);
+  const std::size_t begin = text.find("mkdir -p '") + 10;
+  return text.substr(begin, text.find("' ", begin) - begin);
 }
 
 // The script of a task that nothing but sh runs.
@@ -127,11 +148,22 @@ TEST(Submit, GivesScriptsToSlurmOneBehindTheOther) {
       folder.write("bin/sbatch", "#!/bin/sh\necho \"$@\" >>" + folder.path("given") + "\necho \"$((16 + $(wc -l <" +
                                      folder.path("given") + ")));cluster\"\n");
   fs::permissions(sbatch, fs::perms::owner_all);
-  const RunOptions options{{"PATH=" + folder.path("bin") + ":/usr/bin:/bin"}, 0};
-  const ProgramRun run =
-      vortoSucceeds({"submit", "--logs", folder.path("logs/deep"), "--", "render", "Noise", "--size", "16x16",
-                     "--frames", "4-9x4", "--output", folder.path("a clip.mkv"), "--codec", "ffv1"},
-                    options);
+  RunOptions options = withFrames(folder);
+  options.environment.push_back("PATH=" + folder.path("bin") + ":/usr/bin:/bin");
+  Words render{"Frames",
+               "--size",
+               "16x16",
+               "--rate",
+               "2",
+               "--codec",
+               "ffv1",
+               "--frames",
+               "4-9x4",
+               "--output",
+               folder.path("a clip.mkv")};
+  Words words{"submit", "--logs", folder.path("logs/deep"), "--", "render"};
+  words.insert(words.end(), render.begin(), render.end());
+  const ProgramRun run = vortoSucceeds(words, options);
   const std::string scripts = folder.path("logs/deep/a-clip");
   EXPECT_EQ(readFile(folder.path("given")),
             "--parsable " + scripts + ".sh\n--parsable --dependency=afterok:17 " + scripts + "-clip.sh\n");
@@ -139,25 +171,54 @@ TEST(Submit, GivesScriptsToSlurmOneBehindTheOther) {
             "Job 17: frames 4-9 in 2 tasks\nJob 18: " + folder.path("a clip.mkv") + " of them");
   EXPECT_NE(run.out.find("scancel 17 18\n"), std::string::npos);
   for (int task = 1; task <= 2; ++task) EXPECT_EQ(runTask(scripts + ".sh", task), 0);
-  EXPECT_EQ(std::distance(fs::directory_iterator(folder.path("a clip.mkv.frames")), {}), 6);
+  const std::string frames = folderOfFrames(scripts + ".sh");
+  EXPECT_EQ(frames.find(folder.path("a clip.mkv.frames-")), 0u);
+  EXPECT_EQ(std::distance(fs::directory_iterator(frames), {}), 6);
+  for (const char* const other : {"00000003", "00000010"}) {
+    fs::copy_file(frames + "/frame.00000009.png", frames + "/frame." + other + ".png");
+  }
   EXPECT_EQ(runTask(scripts + "-clip.sh", 0), 0);
-  EXPECT_FALSE(fs::exists(folder.path("a clip.mkv.frames"))) << "its frames are in it";
-  vortoSucceeds({"render", "Levels", "--input", folder.path("a clip.mkv"), "--output", folder.path("f.%d.png")});
-  vortoSucceeds({"render", "Noise", "--size", "16x16", "--output", folder.path("noise.png")});
+  EXPECT_FALSE(fs::exists(frames)) << "its frames are in it";
+  render.insert(render.begin(), "render");
+  render.back() = folder.path("direct.mkv");
+  vortoSucceeds(render, options);
+  std::set<std::string> pictures;
+  for (const std::string name : {"a clip", "direct"}) {
+    passThrough(folder.path(name + ".mkv"), folder.path(name + ".%d.ppm"));
+    EXPECT_FALSE(fs::exists(folder.path(name + ".6.ppm")));
+  }
   for (int frame = 0; frame < 6; ++frame) {
-    EXPECT_EQ(readImage(folder.path("f." + std::to_string(frame) + ".png")).samples,
-              opaque(readImage(folder.path("noise.png"))).samples);
+    const std::string number = "." + std::to_string(frame) + ".ppm";
+    EXPECT_EQ(readFile(folder.path("a clip" + number)), readFile(folder.path("direct" + number))) << frame;
+    EXPECT_TRUE(pictures.insert(readFile(folder.path("a clip" + number))).second) << "each has a gray of its own";
   }
 
   writeFile(sbatch, "#!/bin/sh\necho 'no such partition' >&2\nexit 1\n");
-  const Words words{"submit", "--logs",   folder.path(), "--",       "render",
-                    "Noise",  "--frames", "1",           "--output", folder.path("n.%d.png")};
+  words = {"submit", "--logs",   folder.path(), "--",       "render",
+           "Noise",  "--frames", "1",           "--output", folder.path("n.%d.png")};
   const ProgramRun refused = vorto(words, options);
   EXPECT_EQ(refused.exitCode, 1);
   EXPECT_EQ(refused.err.find("no such partition\nvorto: cannot submit the job: sbatch did not take "), 0u);
   const ProgramRun without = vorto(words, {{"PATH=" + folder.path()}, 0});
   EXPECT_EQ(without.exitCode, 1);
   EXPECT_NE(without.err.find("there is no sbatch here; --dry-run"), std::string::npos) << without.err;
+}
+
+TEST(Submit, ClipsOfOtherParametersHaveOtherFrames) {
+  const TemporaryFolder folder;
+  const auto framesOf = [&](const Words& more, const Words& before = {}) {
+    Words words{"Noise", "--size", "8x8", "--output", folder.path("it's.mkv")};
+    words.insert(words.end(), more.begin(), more.end());
+    return folderOfFrames(folder.write("script.sh", dryScript(words, before)));
+  };
+  std::set<std::string> folders;
+  const std::string usual = framesOf({"--frames", "1-4"});
+  for (const Words& words : {Words{"--frames", "1-4"}, Words{"--frames", "1-5"},
+                             Words{"--frames", "1-4", "--time", "2"}, Words{"--frames", "1-4", "--depth", "16"}}) {
+    EXPECT_TRUE(folders.insert(framesOf(words)).second) << words.back();
+  }
+  EXPECT_EQ(framesOf({"--frames", "1-4x2", "--codec", "ffv1", "--jobs", "1"}, {"--retries", "7"}), usual)
+      << "the same pictures";
 }
 
 TEST(Submit, PartOfAClipHasItsOwnSound) {
@@ -188,14 +249,7 @@ TEST(Submit, PartOfAClipHasItsOwnSound) {
 TEST(Submit, RefusesWhatAFarmCannotRender) {
   const TemporaryFolder folder;
   writeFrames(folder.path(), 3);
-  const std::string contents = folder.path("PlugIns/Frames.plugin/Contents/");
-  fs::create_directories(contents + "Linux");
-  fs::copy_file(fs::read_symlink("/proc/self/exe").parent_path().string() + "/../test-plugins/Frames.so",
-                contents + "Linux/Frames");
-  writeFile(contents + "Info.plist",
-            "<plist version=\"1.0\"><dict><key>CFBundleIdentifier</key><string>org.vorto.test</string>"
-            "<key>CFBundleExecutable</key><string>Frames</string></dict></plist>\n");
-  const RunOptions options{{"VORTO_PLUGIN_PATH=" + folder.path("PlugIns")}, 0};
+  const RunOptions options = withFrames(folder);
   const std::string in = folder.path("in.%d.tif"), out = folder.path("o.%d.tif");
   const struct {
     Words words;
