@@ -11,7 +11,8 @@ all:
 demo: all
 	@scripts/demo build/release out
 
-# A farm of two nodes on this machine, of which one dies: rendered there and here, compared. Needs root.
+# A farm of two nodes on this machine, of which one dies: rendered there and here, compared. Needs root. The packages bring
+# Slurm's and munge's own services onto the machine, and those of them that can start do; the script leaves them alone.
 farm: all
 	@scripts/install-dependencies slurm-wlm munge
 	@scripts/farm build/release

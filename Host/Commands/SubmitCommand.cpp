@@ -5,8 +5,10 @@
 #include "Host/Farm/BatchScript.h"
 #include "Host/Farm/ShellText.h"
 #include "Host/Farm/Slurm.h"
+#include "Host/Files/FileFormat.h"
 #include "Host/Files/FrameFiles.h"
 #include "Host/Files/OutputFile.h"
+#include "Host/Jobs/Resume.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Messages/Json.h"
 #include "Host/Messages/Remark.h"
@@ -20,6 +22,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <string_view>
 #include <utility>
 
 namespace host {
@@ -153,13 +157,10 @@ std::string pluralFrames(std::uint32_t size) {
 }
 
 // Of the frames those whose files are there: tasks go on behind them.
-void tellOfFrames(const std::string& output, const Chunks& chunks) {
-  const auto pattern = framePattern(output);
-  std::uint64_t there = 0;
-  std::error_code error;
-  for (std::uint64_t i = 0; i < chunks.frames; ++i) {
-    there += fs::exists(pattern->path(static_cast<std::uint32_t>(chunks.first + i)), error) ? 1 : 0;
-  }
+void tellOfFrames(const FramePattern& pattern, const Chunks& chunks, FileFormat format) {
+  const FrameRange range{chunks.first, static_cast<std::uint32_t>(chunks.first + chunks.frames - 1)};
+  const auto isThere = [&](std::uint32_t frame) { return isPictureThere(pattern.path(frame), format); };
+  const auto there = std::ranges::count_if(framesThere(pattern, range), isThere);
   if (there > 0) {
     remark(std::to_string(there) + " of " + counted(chunks.frames, "frame") + (there == 1 ? " is" : " are") +
            " there already and stay; remove what is to be rendered anew");
@@ -180,6 +181,12 @@ struct Submission {
   std::string framesPattern() const { return framesFolder() + "/" + kFrameName; }
   std::string script(const std::string& job) const { return logs + "/" + job + ".sh"; }
 };
+
+FileFormat formatOfFrames(const Submission& submission) {
+  if (submission.isClip()) return FileFormat::Png;
+  const std::string& told = submission.render.options.encoding.format;
+  return told.empty() ? fileFormatOf(submission.render.options.output) : fileFormatNamed(told);
+}
 
 // That its frames are to be in, too, so that they are converted once; empty where they keep what their inputs state.
 std::string spaceOfClip(const Submission& submission) {
@@ -238,11 +245,19 @@ BatchJob framesJob(const Submission& submission) {
   return job;
 }
 
+// --array in all the spellings that getopt_long takes: the beginning of its name, -a, and that behind other flags.
+bool isArray(const std::string& option) {
+  const std::string name = option.substr(0, option.find_first_of("= "));
+  if (name.starts_with("--")) return name.size() > 3 && std::string_view("--array").starts_with(name);
+  const std::size_t letter = name.find_first_not_of("-HIOQWhksvV");
+  return letter != std::string::npos && name[letter] == 'a';
+}
+
 // Levels leave a picture as it is unless they are set.
 BatchJob clipJob(const Submission& submission) {
   BatchJob job = newJob(submission.options, submission.logs, submission.name + "-clip");
   job.log += "%j.log";
-  std::erase_if(job.options, [](const std::string& option) { return option.starts_with("--array"); });
+  std::erase_if(job.options, isArray);
   job.remarks = {"The clip of the frames that " + submission.name + ".sh renders; made by vorto submit."};
   RenderWords words;
   words.add("--input", submission.framesPattern());
@@ -260,7 +275,8 @@ BatchJob clipJob(const Submission& submission) {
   words.addRaw("--jobs=\"${SLURM_CPUS_PER_TASK:-1}\"");
   job.words = words.of("Levels");
   const std::string folder = shellWord(submission.framesFolder());
-  job.cleanup = {"rm -f " + folder + "/frame.*.png", "rmdir " + folder};
+  job.cleanup = {"find " + folder + " -maxdepth 1 -type f '(' -name 'frame.*.png' -o -name '.write-*' ')' -delete",
+                 "rmdir " + folder};
   return job;
 }
 
@@ -270,11 +286,48 @@ void makeFolder(const std::string& folder) {
   if (error) throw Failure(ExitCode::Output, "cannot make the folder " + folder + ": " + error.message());
 }
 
-std::string submit(const Submission& submission, const BatchJob& job, const std::string& after) {
+// Whether a script may have that name: there is no file, or this script.
+bool isFreeFor(const std::string& path, const std::string& script) {
+  std::error_code error;
+  if (!fs::exists(path, error)) return true;
+  if (!fs::is_regular_file(path, error) || fs::file_size(path, error) != script.size()) return false;
+  std::string there(script.size(), 0);
+  std::ifstream(path, std::ios::binary).read(there.data(), static_cast<std::streamsize>(there.size()));
+  return there == script;
+}
+
+// Of the frames, and of the clip, with a number in their names where those of another submission are there: its tasks
+// may have to be run again.
+std::vector<BatchJob> jobsOf(Submission& submission) {
+  const std::string name = submission.name;
+  for (unsigned number = 2;; ++number) {
+    std::vector<BatchJob> jobs{framesJob(submission)};
+    if (submission.isClip()) jobs.push_back(clipJob(submission));
+    const auto isFree = [&](const BatchJob& job) { return isFreeFor(submission.script(job.name), batchScript(job)); };
+    if (std::ranges::all_of(jobs, isFree)) return jobs;
+    submission.name = name + "-" + std::to_string(number);
+  }
+}
+
+void writeScript(const Submission& submission, const BatchJob& job) {
   const std::string script = batchScript(job);
-  const std::string path = submission.script(job.name);
-  replaceFile(path, {reinterpret_cast<const std::uint8_t*>(script.data()), script.size()});
-  return submitScript(path, after);
+  replaceFile(submission.script(job.name), {reinterpret_cast<const std::uint8_t*>(script.data()), script.size()});
+}
+
+std::string submitClip(const Submission& submission, const BatchJob& job, const std::string& after) {
+  try {
+    return submitScript(submission.script(job.name), after);
+  } catch (const Failure& failure) {
+    throw Failure(failure.code,
+                  failure.what() + ("; job " + after + ", which renders the frames, is in the queue: scancel " + after +
+                                    " takes it out"));
+  }
+}
+
+// "in.exr" of "in.%04d.exr"
+std::string nameWithoutNumber(const FramePattern& pattern) {
+  const std::string before = fs::path(pattern.before).filename().string();
+  return before + pattern.after.substr(before.ends_with('.') && pattern.after.starts_with('.') ? 1 : 0);
 }
 
 void tellHowToFollow(const Submission& submission, const std::string& number, const std::string& clipNumber,
@@ -301,28 +354,26 @@ void runSubmit(const SubmitOptions& options, const RenderCommandLine& render) {
   submission.logs = wholePath(options.logs.empty() ? (output.parent_path() / "logs").string() : options.logs);
   if (submission.isClip()) submission.mark = markOfFrames(submission);
   const auto pattern = framePattern(submission.isClip() ? submission.framesPattern() : render.options.output);
-  const fs::path named = submission.isClip() ? output : fs::path(pattern->before);
-  submission.name = batchName(submission.isClip() ? named.stem().string() : named.filename().string());
+  submission.name = batchName(submission.isClip() ? output.filename().string() : nameWithoutNumber(*pattern));
 
-  const BatchJob frames = framesJob(submission);
-  const BatchJob clip = submission.isClip() ? clipJob(submission) : BatchJob();
-  const std::string scripts[] = {batchScript(frames), submission.isClip() ? batchScript(clip) : ""};
+  const std::vector<BatchJob> jobs = jobsOf(submission);
   if (options.isDryRun) {
-    printText(scripts[0]);
-    if (submission.isClip()) printText("\n# Behind it, sbatch --dependency=afterok:JOB:\n" + scripts[1]);
+    printText(batchScript(jobs[0]));
+    if (submission.isClip()) printText("\n# Behind it, sbatch --dependency=afterok:JOB:\n" + batchScript(jobs[1]));
     return;
   }
-  tellOfFrames(submission.isClip() ? submission.framesPattern() : render.options.output, submission.chunks);
+  if (!outlook.keepsState) tellOfFrames(*pattern, submission.chunks, formatOfFrames(submission));
   makeFolder(submission.logs);
-  const std::string number = submit(submission, frames, "");
+  for (const BatchJob& job : jobs) writeScript(submission, job);
+  const std::string number = submitScript(submission.script(jobs[0].name), "");
   std::string clipNumber;
   printText("Job " + number + ": frames " + submission.chunks.range() + " in " +
             counted(submission.chunks.count(), "task") + "\n");
   if (submission.isClip()) {
-    clipNumber = submit(submission, clip, number);
+    clipNumber = submitClip(submission, jobs[1], number);
     printText("Job " + clipNumber + ": " + printable(render.options.output) + " of them\n");
   }
-  tellHowToFollow(submission, number, clipNumber, frames);
+  tellHowToFollow(submission, number, clipNumber, jobs[0]);
 }
 
 }  // namespace host

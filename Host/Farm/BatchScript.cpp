@@ -60,6 +60,7 @@ std::string batchScript(const BatchJob& job) {
   text += "  [ \"$left\" -gt 0 ] || exit \"$code\"\n  echo \"== exit code $code; once more\"\n";
   text += "  left=$((left - 1))\ndone\n";
   for (const std::string& command : job.cleanup) text += command + "\n";
+  if (!job.cleanup.empty()) text += "exit 0\n";
   return text;
 }
 

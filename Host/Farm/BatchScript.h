@@ -21,7 +21,7 @@ struct BatchJob {
   std::vector<std::string> preparation;  // commands before it, each of which must succeed
   std::vector<std::string> words;        // of the command, as sh reads them
   unsigned retries = 0;                  // how often a task tries again before it fails
-  std::vector<std::string> cleanup;      // commands behind a success
+  std::vector<std::string> cleanup;      // commands behind a success, which stays one if they fail
 };
 
 // A script for sbatch, which sh runs. Throws Failure for what such a script cannot hold.

@@ -62,7 +62,7 @@ std::string printed(std::vector<std::string> arguments) {
 
 std::string submitScript(const std::string& path, const std::string& after) {
   std::vector<std::string> arguments{"sbatch", "--parsable"};
-  if (!after.empty()) arguments.push_back("--dependency=afterok:" + after);
+  if (!after.empty()) arguments.insert(arguments.end(), {"--dependency=afterok:" + after, "--kill-on-invalid-dep=yes"});
   arguments.push_back(path);
   const std::string text = printed(arguments);
   std::string number = text.substr(0, text.find_first_of(";\n"));  // "17" or "17;cluster"

@@ -56,6 +56,17 @@ std::optional<std::uint32_t> frameOfName(const FramePattern& pattern, const std:
   return frame && asWritten ? frame : std::nullopt;
 }
 
+// The frames that are there, as their files' names say, in no order.
+std::vector<std::uint32_t> framesOfFolder(const FramePattern& pattern, std::error_code& error) {
+  const fs::path parent = fs::path(pattern.before).parent_path();
+  const fs::path folder = parent.empty() ? fs::path(".") : parent;
+  std::vector<std::uint32_t> frames;
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
+    if (const auto frame = frameOfName(pattern, entry->path().filename().string())) frames.push_back(*frame);
+  }
+  return frames;
+}
+
 std::string nameOf(const FramePattern& pattern) {
   return pattern.before + (pattern.digits > 1 ? "%0" + std::to_string(pattern.digits) + "d" : "%d") + pattern.after;
 }
@@ -92,19 +103,19 @@ FrameRange parsedFrameRange(const std::string& text) {
 }
 
 FrameRange existingFrames(const FramePattern& pattern) {
-  const fs::path parent = fs::path(pattern.before).parent_path();
-  const fs::path folder = parent.empty() ? fs::path(".") : parent;
   std::error_code error;
-  std::optional<FrameRange> range;
-  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
-    const auto frame = frameOfName(pattern, entry->path().filename().string());
-    if (!frame) continue;
-    range =
-        range ? FrameRange{std::min(range->first, *frame), std::max(range->last, *frame)} : FrameRange{*frame, *frame};
-  }
+  const std::vector<std::uint32_t> frames = framesOfFolder(pattern, error);
   if (error) throw Failure(ExitCode::Input, "cannot read " + nameOf(pattern) + ": " + error.message());
-  if (!range) throw Failure(ExitCode::Input, "cannot read " + nameOf(pattern) + ": there is no such frame");
-  return *range;
+  if (frames.empty()) throw Failure(ExitCode::Input, "cannot read " + nameOf(pattern) + ": there is no such frame");
+  const auto [first, last] = std::ranges::minmax(frames);
+  return {first, last};
+}
+
+std::vector<std::uint32_t> framesThere(const FramePattern& pattern, const FrameRange& range) {
+  std::error_code error;
+  std::vector<std::uint32_t> frames = framesOfFolder(pattern, error);
+  std::erase_if(frames, [&](std::uint32_t frame) { return frame < range.first || frame > range.last; });
+  return frames;
 }
 
 void checkFramesExist(const FramePattern& pattern, const FrameRange& range) {

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace host {
 
@@ -30,6 +31,9 @@ FrameRange parsedFrameRange(const std::string& text);
 
 // From the lowest to the highest frame that is there. Throws Failure when there is none.
 FrameRange existingFrames(const FramePattern& pattern);
+
+// Of a range those that have a file, in no order; none where the folder cannot be read.
+std::vector<std::uint32_t> framesThere(const FramePattern& pattern, const FrameRange& range);
 
 // Throws Failure naming the first frame of the range that is missing.
 void checkFramesExist(const FramePattern& pattern, const FrameRange& range);

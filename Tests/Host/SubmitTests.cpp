@@ -116,7 +116,7 @@ TEST(Submit, CarriesTheEnvironmentAndTheUsersOptions) {
                                        {{"VORTO_PLUGIN_PATH=/it's", "OCIO=", "HOMELESS=1"}, 0});
   for (const char* const line :
        {"\n#SBATCH --partition=render\n", "\n#SBATCH \"--comment=a \\\"b\\\" \\\\\"\n", "\n#SBATCH --requeue\n",
-        "\n#SBATCH --dependency=afterok:17:18\n", "/50%%/%A_%a.log\n", "\n#SBATCH --job-name=n\n",
+        "\n#SBATCH --dependency=afterok:17:18\n", "/50%%/%A_%a.log\n", "\n#SBATCH --job-name=n.png\n",
         "\nexport VORTO_PLUGIN_PATH='/it'\\''s'\n", "\nexport OCIO=''\n"}) {
     EXPECT_NE(script.find(line), std::string::npos) << line << script;
   }
@@ -164,9 +164,10 @@ TEST(Submit, GivesScriptsToSlurmOneBehindTheOther) {
   Words words{"submit", "--logs", folder.path("logs/deep"), "--", "render"};
   words.insert(words.end(), render.begin(), render.end());
   const ProgramRun run = vortoSucceeds(words, options);
-  const std::string scripts = folder.path("logs/deep/a-clip");
-  EXPECT_EQ(readFile(folder.path("given")),
-            "--parsable " + scripts + ".sh\n--parsable --dependency=afterok:17 " + scripts + "-clip.sh\n");
+  const std::string scripts = folder.path("logs/deep/a-clip.mkv");
+  EXPECT_EQ(readFile(folder.path("given")), "--parsable " + scripts +
+                                                ".sh\n--parsable --dependency=afterok:17 --kill-on-invalid-dep=yes " +
+                                                scripts + "-clip.sh\n");
   EXPECT_EQ(run.out.substr(0, run.out.find("\n  see")),
             "Job 17: frames 4-9 in 2 tasks\nJob 18: " + folder.path("a clip.mkv") + " of them");
   EXPECT_NE(run.out.find("scancel 17 18\n"), std::string::npos);
@@ -174,6 +175,7 @@ TEST(Submit, GivesScriptsToSlurmOneBehindTheOther) {
   const std::string frames = folderOfFrames(scripts + ".sh");
   EXPECT_EQ(frames.find(folder.path("a clip.mkv.frames-")), 0u);
   EXPECT_EQ(std::distance(fs::directory_iterator(frames), {}), 6);
+  writeFile(frames + "/.write-a1B2c3", "what a node wrote when it died");
   for (const char* const other : {"00000003", "00000010"}) {
     fs::copy_file(frames + "/frame.00000009.png", frames + "/frame." + other + ".png");
   }
@@ -192,6 +194,16 @@ TEST(Submit, GivesScriptsToSlurmOneBehindTheOther) {
     EXPECT_EQ(readFile(folder.path("a clip" + number)), readFile(folder.path("direct" + number))) << frame;
     EXPECT_TRUE(pictures.insert(readFile(folder.path("a clip" + number))).second) << "each has a gray of its own";
   }
+  for (int task = 1; task <= 2; ++task) EXPECT_EQ(runTask(scripts + ".sh", task), 0);
+  writeFile(frames + "/other", "");
+  EXPECT_EQ(runTask(scripts + "-clip.sh", 0), 0) << "the clip is there, whatever else is";
+  EXPECT_EQ(std::distance(fs::directory_iterator(frames), {}), 1);
+
+  writeFile(sbatch, "#!/bin/sh\ncase $* in *-clip.sh) exit 1 ;; esac\necho 17\n");
+  const ProgramRun half = vorto(words, options);
+  EXPECT_EQ(half.exitCode, 1);
+  EXPECT_NE(half.err.find("-clip.sh; job 17, which renders the frames, is in the queue: scancel 17 "),
+            std::string::npos);
 
   writeFile(sbatch, "#!/bin/sh\necho 'no such partition' >&2\nexit 1\n");
   words = {"submit", "--logs",   folder.path(), "--",       "render",
@@ -202,6 +214,60 @@ TEST(Submit, GivesScriptsToSlurmOneBehindTheOther) {
   const ProgramRun without = vorto(words, {{"PATH=" + folder.path()}, 0});
   EXPECT_EQ(without.exitCode, 1);
   EXPECT_NE(without.err.find("there is no sbatch here; --dry-run"), std::string::npos) << without.err;
+}
+
+TEST(Submit, TellsOfFramesThatStayAndKeepsOtherScripts) {
+  const TemporaryFolder folder;
+  fs::permissions(folder.write("bin/sbatch", "#!/bin/sh\necho 17\n"), fs::perms::owner_all);
+  RunOptions options = withFrames(folder);
+  options.environment.push_back("PATH=" + folder.path("bin"));
+  for (const char* const number : {"1", "2", "99"})
+    writePng(folder.path(std::string("s.") + number + ".png"), grayPixel(7));
+  folder.write("s.3.png", "no picture");
+  folder.write("s.04.png", "of another name");
+  const struct {
+    Words words;
+    const char *remark, *script;
+  } cases[] = {
+      {{"Noise", "--frames", "2-5", "--output", "s.%d.png"}, "1 of 4 frames is there already", "s.png"},
+      {{"Noise", "--frames", "2-5", "--output", "s.%d.png"}, "1 of 4 frames is there already", "s.png"},
+      {{"Noise", "--frames", "0-4294967295x4294967", "--output", "s.%d.png"}, "3 of 4294967296 frames are", "s.png-2"},
+      {{"Noise", "--frames", "2-6", "--output", "s.%d.png"}, "1 of 5 frames is there already", "s.png-3"},
+      {{"Noise", "--frames", "2-5", "--output", "s.%d.tif"}, "", "s.tif"},
+      {{"Counted Frames", "--frames", "2-5", "--output", "s.%d.png"}, "", "s.png-4"},
+  };
+  for (const auto& each : cases) {
+    Words words{"submit", "--logs", folder.path("logs"), "--", "render"};
+    words.insert(words.end(), each.words.begin(), each.words.end());
+    words.back() = folder.path(words.back());
+    const ProgramRun run = vorto(words, options);
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+    if (*each.remark) {
+      EXPECT_NE(run.err.find(each.remark), std::string::npos) << run.err;
+    } else {
+      EXPECT_EQ(run.err, "") << each.script;
+    }
+    EXPECT_NE(run.out.find(folder.path("logs/") + each.script + ".sh\n"), std::string::npos) << run.out;
+    EXPECT_NE(readFile(folder.path("logs/") + each.script + ".sh").find("--frames=" + each.words[2].substr(0, 3)),
+              std::string::npos);
+  }
+}
+
+TEST(Submit, ClipsAreNoArrays) {
+  const TemporaryFolder folder;
+  const struct {
+    const char* option;
+    bool isArray;
+  } cases[] = {{"--array=1-2%1", true}, {"--array 1-2", true},   {"--arr=1-2", true},      {"-a1-2", true},
+               {"-a 1-2", true},        {"-Ha1-2", true},        {"--account=a", false},   {"-Aa", false},
+               {"-H", false},           {"--comment=-a", false}, {"--acctg-freq=1", false}};
+  for (const auto& [option, isArray] : cases) {
+    const std::string scripts =
+        dryScript({"Noise", "--frames", "1-4", "--output", folder.path("n.mkv")}, {"--slurm=" + std::string(option)});
+    const std::size_t clip = scripts.find("#!/bin/sh", 1), found = scripts.find(option);
+    EXPECT_LT(found, clip) << option;
+    EXPECT_EQ(scripts.find(option, clip) == std::string::npos, isArray) << option;
+  }
 }
 
 TEST(Submit, ClipsOfOtherParametersHaveOtherFrames) {
