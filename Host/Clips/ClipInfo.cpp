@@ -5,6 +5,7 @@
 #include "Host/Messages/Failure.h"
 
 #include <algorithm>
+#include <cmath>
 #include <functional>
 
 namespace host {
@@ -23,7 +24,8 @@ bool isSaneSize(const PictureInfo& picture) {
 bool isSane(const ClipInfo& info) {
   const PictureInfo& picture = info.picture;
   return isSaneSize(picture) && info.rate.numerator > 0 && info.timeBase.numerator > 0 && !info.times.empty() &&
-         std::ranges::is_sorted(info.times, std::less_equal<>()) && info.end > info.times.back();
+         std::ranges::is_sorted(info.times, std::less_equal<>()) && info.end > info.times.back() &&
+         std::isfinite(info.delay);
 }
 
 void put(MessageWriter& message, const PictureInfo& picture) {
@@ -72,6 +74,7 @@ void put(MessageWriter& message, const ClipInfo& info) {
   put(message, info.timeBase);
   message.bytes({reinterpret_cast<const std::uint8_t*>(info.times.data()), info.times.size() * sizeof info.times[0]});
   message.value(info.end);
+  message.value(info.delay);
   message.value(static_cast<std::uint8_t>(info.isUneven));
   message.value(static_cast<std::uint8_t>(info.hasAudio));
   message.text(info.codec);
@@ -88,6 +91,7 @@ ClipInfo takeClipInfo(MessageReader& message) {
   info.times.resize(times.size() / sizeof info.times[0]);
   if (!info.times.empty()) std::memcpy(info.times.data(), times.data(), info.times.size() * sizeof info.times[0]);
   info.end = message.value<std::int64_t>();
+  info.delay = message.value<double>();
   info.isUneven = message.value<std::uint8_t>() != 0;
   info.hasAudio = message.value<std::uint8_t>() != 0;
   info.codec = message.text();

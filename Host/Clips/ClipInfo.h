@@ -22,7 +22,9 @@ struct ClipInfo {
   Rational timeBase;  // seconds in a unit of the following
   std::vector<std::int64_t> times;  // of each frame, ascending, no two equal; not empty; the first need not be 0
   std::int64_t end = 0;             // of the last frame
-  bool isUneven = false;            // frames do not come at one rate
+  // Seconds from where the file says that its video begins to times[0]: other than 0 where frames cannot be decoded.
+  double delay = 0;
+  bool isUneven = false;  // frames do not come at one rate
 
   bool hasAudio = false;
   std::string codec;     // as people know it: "H.264", "ProRes 4444"

@@ -13,7 +13,7 @@
 namespace host {
 
 // Whether a file is a clip and none of the pictures that the host reads itself: by its first bytes, and for kinds that
-// these do not tell by its extension. False for one that cannot be opened.
+// these do not tell, or where it cannot be read, by its extension.
 bool isClip(const std::string& path);
 
 // A clip that a process of its own decodes (vorto-clips), so that a fault in a codec ends that one and not the host.

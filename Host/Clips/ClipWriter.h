@@ -13,7 +13,8 @@
 
 namespace host {
 
-// Whose audio goes into a clip as it is: packets from `start` on, for `duration`, in seconds of that file's frames.
+// Whose audio goes into a clip as it is: packets from `start` on, for `duration`, in seconds from where that
+// file says that its video begins.
 struct ClipAudio {
   std::string path;
   double start = 0;

@@ -78,25 +78,32 @@ bool isPictureByBytes(const Bytes& bytes, std::string_view text) {
          startsWith(text, "RIFF"sv);
 }
 
-bool hasExtensionOfClip(const std::string& path) {
+std::string extensionOf(const std::string& path) {
+  std::string extension = std::filesystem::path(path).extension().string();
+  std::ranges::transform(extension, extension.begin(), [](char c) { return c >= 'A' && c <= 'Z' ? char(c + 32) : c; });
+  return extension;
+}
+
+bool isExtensionOfClip(const std::string& extension) {
   constexpr std::array kExtensions = {
       ".mp4"sv,  ".m4v"sv,  ".mov"sv, ".qt"sv,   ".mkv"sv,   ".webm"sv, ".avi"sv, ".mxf"sv, ".ts"sv,
       ".m2ts"sv, ".mts"sv,  ".mpg"sv, ".mpeg"sv, ".m1v"sv,   ".m2v"sv,  ".vob"sv, ".ogv"sv, ".flv"sv,
       ".nut"sv,  ".ivf"sv,  ".y4m"sv, ".dv"sv,   ".dif"sv,   ".h264"sv, ".264"sv, ".avc"sv, ".h265"sv,
       ".265"sv,  ".hevc"sv, ".obu"sv, ".vc1"sv,  ".mjpeg"sv, ".mjpg"sv, ".wmv"sv, ".asf"sv, ".3gp"sv,
       ".3g2"sv,  ".gxf"sv,  ".wtv"sv, ".rm"sv,   ".rmvb"sv,  ".drc"sv,  ".divx"sv};
-  std::string extension = std::filesystem::path(path).extension().string();
-  std::ranges::transform(extension, extension.begin(), [](char c) { return c >= 'A' && c <= 'Z' ? char(c + 32) : c; });
   return std::ranges::find(kExtensions, extension) != kExtensions.end();
 }
 
 }  // namespace
 
 bool isClip(const std::string& path) {
+  const std::string extension = extensionOf(path);
+  // Pictures one behind another begin as one does.
+  if (extension == ".mjpeg" || extension == ".mjpg") return true;
   const auto start = startOf(path);
-  if (!start) return false;
+  if (!start) return isExtensionOfClip(extension);
   const std::string_view bytes(reinterpret_cast<const char*>(start->data()), start->size());
-  return isClipByBytes(bytes) || (hasExtensionOfClip(path) && !isPictureByBytes(*start, bytes));
+  return isClipByBytes(bytes) || (isExtensionOfClip(extension) && !isPictureByBytes(*start, bytes));
 }
 
 }  // namespace host

@@ -121,9 +121,10 @@ std::optional<ClipAudio> audioOf(const RenderOptions& options, const Inputs& inp
   if (audio.path.empty()) {
     if (first == clips.end()) return std::nullopt;
     audio.path = inputs.path(static_cast<std::size_t>(first - clips.begin()));
+    audio.start = (*first)->delay;
   }
   if (plan) {
-    audio.start = plan->startSeconds();
+    audio.start += plan->startSeconds();
     audio.duration = plan->durationSeconds();
   }
   audio.start += secondsOption("--audio-start", options.clip.audioStart).value_or(0);

@@ -35,7 +35,8 @@ std::string codecTitle(AVCodecID codec) {
   return name;
 }
 
-// When the first frame is shown, in microseconds.
+}  // namespace
+
 std::int64_t firstFrameTime(const AVFormatContext& input) {
   for (unsigned i = 0; i < input.nb_streams; ++i) {
     const AVStream& stream = *input.streams[i];
@@ -45,8 +46,6 @@ std::int64_t firstFrameTime(const AVFormatContext& input) {
   }
   return 0;
 }
-
-}  // namespace
 
 int opusPadding(const AVCodecParameters& codec) {
   if (codec.codec_id != AV_CODEC_ID_OPUS || codec.extradata_size < 12) return 0;

@@ -11,6 +11,9 @@
 
 namespace host {
 
+// When a file says that its first frame is shown, in microseconds; 0 where it does not.
+std::int64_t firstFrameTime(const AVFormatContext& input);
+
 // How many samples a decoder of Opus leaves out at first; 0 of other codecs.
 int opusPadding(const AVCodecParameters& codec);
 

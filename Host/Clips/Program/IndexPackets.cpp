@@ -49,11 +49,16 @@ bool isHidden(const AVPacket& packet, AVCodecID codec) {
 }
 
 void gather(const AVPacket& packet, const AVStream& stream, Gathered* gathered) {
-  if ((packet.flags & AV_PKT_FLAG_DISCARD) != 0 || isHidden(packet, stream.codecpar->codec_id)) return;
+  if (isHidden(packet, stream.codecpar->codec_id)) return;
+  const std::int64_t time = frameTime(packet);
+  // Decoding can also start with a frame that is not shown, as in front of where an edit list begins.
+  if (isUsable(time) && (packet.flags & AV_PKT_FLAG_KEY) != 0) {
+    gathered->keys.push_back({time, isUsable(packet.dts) ? packet.dts : AV_NOPTS_VALUE});
+  }
+  if ((packet.flags & AV_PKT_FLAG_DISCARD) != 0) return;
   const std::int64_t second = av_rescale_q(1, {1, 1}, stream.time_base);
   ++gathered->frames;
   if (!isUsable(packet.pts)) ++gathered->withoutTime;
-  const std::int64_t time = frameTime(packet);
   if (isUsable(packet.dts)) {
     const bool isFirst = gathered->decoded.empty();
     if (!isFirst && packet.dts < gathered->decoded.back() - second) gathered->isJoined = true;
@@ -63,9 +68,6 @@ void gather(const AVPacket& packet, const AVStream& stream, Gathered* gathered) 
   gathered->shown.push_back(time);
   if (packet.duration > 0 && packet.duration < kLargestTime) {
     gathered->end = std::max(gathered->end, time + packet.duration);
-  }
-  if ((packet.flags & AV_PKT_FLAG_KEY) != 0) {
-    gathered->keys.push_back({time, isUsable(packet.dts) ? packet.dts : AV_NOPTS_VALUE});
   }
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Clips/Program/IndexRate.h"
 
+#include <algorithm>
 #include <cmath>
 #include <optional>
 
@@ -11,12 +12,13 @@ bool isRate(AVRational rate) {
   return rate.num > 0 && rate.den > 0 && av_q2d(rate) < 100000;
 }
 
-// Whether every frame stands within a unit of its place.
+// Whether every frame stands within a unit of its place, or a quarter of what a frame lasts where units are long.
 bool holds(const std::vector<std::int64_t>& times, AVRational timeBase, AVRational rate) {
   const double step = 1 / (av_q2d(rate) * av_q2d(timeBase));
+  const double tolerance = std::min(1.01, step / 4);
   for (std::size_t i = 0; i < times.size(); ++i) {
     const double place = static_cast<double>(times[i] - times[0]);
-    if (std::abs(place - static_cast<double>(i) * step) > 1.01) return false;
+    if (std::abs(place - static_cast<double>(i) * step) > tolerance) return false;
   }
   return true;
 }

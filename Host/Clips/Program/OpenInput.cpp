@@ -9,7 +9,9 @@ extern "C" {
 }
 
 #include <cerrno>
+#include <filesystem>
 #include <new>
+#include <system_error>
 
 namespace host {
 namespace {
@@ -31,6 +33,13 @@ int refuseFile(AVFormatContext* /*context*/, AVIOContext** /*file*/, const char*
   return AVERROR(EPERM);
 }
 
+// A pipe and such, where opening would wait for who writes it. What is not there fails to open.
+bool isOtherThanFile(const std::string& path) {
+  std::error_code error;
+  const std::filesystem::file_status status = std::filesystem::status(path, error);
+  return std::filesystem::exists(status) && !std::filesystem::is_regular_file(status);
+}
+
 // The kind of a file by its bytes and, for kinds that these do not tell, its name.
 const AVInputFormat* kindOf(AVIOContext* file, const std::string& path, Wanted wanted) {
   const AVInputFormat* kind = nullptr;
@@ -46,6 +55,7 @@ const AVInputFormat* kindOf(AVIOContext* file, const std::string& path, Wanted w
 }  // namespace
 
 AvInput openInput(const std::string& path, Wanted wanted) {
+  if (isOtherThanFile(path)) refuse("it is no regular file");
   AVIOContext* file = nullptr;
   AVDictionary* options = nullptr;
   av_dict_set(&options, "protocol_whitelist", "file", 0);

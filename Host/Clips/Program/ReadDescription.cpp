@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Clips/Program/ReadDescription.h"
 
+#include "Host/Clips/Program/AudioPackets.h"
 #include "Host/Clips/Program/IndexRate.h"
 #include "Host/Clips/Program/ReadColors.h"
 #include "Host/Clips/Program/ReadOrientation.h"
@@ -63,6 +64,14 @@ std::optional<double> pixelAspect(const FrameDecoder& decoder, const AVFrame& fi
   return av_q2d(aspect);
 }
 
+// Audio lies beside what the file says, of which the first frames may be left out.
+double delayOf(const FrameDecoder& decoder) {
+  const PacketIndex& index = decoder.index();
+  if (index.isCounted) return 0;
+  const std::int64_t first = av_rescale_q(index.times.front(), index.timeBase, AV_TIME_BASE_Q);
+  return static_cast<double>(first - firstFrameTime(decoder.input())) / AV_TIME_BASE;
+}
+
 PictureInfo describedPicture(const FrameDecoder& decoder, const AVFrame& first) {
   const PixelKind kind = pixelKindOf(first);
   const bool isTurned = rowsBecomeColumns(orientationOf(decoder.stream()));
@@ -92,6 +101,7 @@ ClipInfo describedClip(const FrameDecoder& decoder, const AVFrame& first) {
   info.timeBase = rational(index.timeBase);
   info.times = index.times;
   info.end = index.end;
+  info.delay = delayOf(decoder);
   info.hasAudio = hasStream(decoder.input(), AVMEDIA_TYPE_AUDIO);
   info.codec = codecName(*stream.codecpar);
   info.sampling = av_get_pix_fmt_name(static_cast<AVPixelFormat>(first.format));

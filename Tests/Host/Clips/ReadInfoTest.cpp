@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Tests/Host/Clips/ClipFiles.h"
 
+#include <sys/stat.h>
+
 // What is said about a clip before its frames are read.
 
 namespace {
@@ -90,6 +92,14 @@ TEST(ClipInfo, KnowsUnevenTimes) {
   }
   EXPECT_TRUE(read.all() == convertedByFfmpeg(clip, "in_range=tv", false));
 
+  // A frame that is missing is, also where units are as long as a frame.
+  for (const char* scale : {"25", "90000", "1000"}) {
+    const std::string dropped = folder.path("dropped.mp4");
+    runFfmpeg("-f lavfi -i testsrc2=s=64x48:r=25:d=1 -vf \"select='not(eq(n,12))'\" -fps_mode passthrough " +
+              ("-c:v mpeg4 -video_track_timescale " + std::string(scale)) + " " + dropped);
+    EXPECT_TRUE(ReadClip(dropped).info().isUneven) << scale;
+  }
+
   // Milliseconds cannot say thirds of them: that is no unevenness.
   const std::string rounded = folder.path("clip.mkv");
   runFfmpeg("-f lavfi -i testsrc2=s=64x48:r=24000/1001:d=2 -c:v mpeg4 " + rounded);
@@ -164,6 +174,12 @@ TEST(IsClip, LooksAtBytesBeforeNames) {
                                                                12) +
                                                        std::string(400, ' '))));
   EXPECT_FALSE(host::isClip(folder.write("a.txt", "text")));
-  EXPECT_FALSE(host::isClip(folder.path("none.mp4")));
+  // What cannot be read is refused by the reader, with the reason.
+  EXPECT_TRUE(host::isClip(folder.path("none.mp4")));
+  ASSERT_EQ(mkfifo(folder.path("pipe.mp4").c_str(), 0600), 0);
+  EXPECT_TRUE(host::isClip(folder.path("pipe.mp4")));
+  EXPECT_TRUE(failureOf(folder.path("pipe.mp4")).ends_with("pipe.mp4: it is no regular file"));
+  runFfmpeg(kChart + "-c:v mjpeg " + folder.path("a.mjpeg"));
+  EXPECT_TRUE(host::isClip(folder.path("a.mjpeg")));
   EXPECT_FALSE(host::isClip(folder.path()));
 }

@@ -80,7 +80,10 @@ TEST(ClipFrames, OfCutAndJoinedFilesAreThoseThatCanBeDecoded) {
   runFfmpeg(kChart + "-c:v libx265 -x265-params log-level=none:keyint=12:open-gop=1 " + folder.path("hevc.ts"));
   const std::string hevc = contentsOf(folder.path("hevc.ts"));
   folder.write("cut-hevc.ts", hevc.substr(hevc.size() / 3 / 188 * 188));
-  for (const char* name : {"cut.ts", "joined.ts", "copied.mp4", "cut-hevc.ts"}) {
+  // An edit list leaves out what is in front of the cut, the key frame among it.
+  runFfmpeg(kChart + "-c:v libx264 -g 24 -bf 3 " + folder.path("whole.mp4"));
+  runFfmpeg("-ss 0.7 -i " + folder.path("whole.mp4") + " -c copy " + folder.path("edited.mp4"));
+  for (const char* name : {"cut.ts", "joined.ts", "copied.mp4", "edited.mp4", "cut-hevc.ts"}) {
     SCOPED_TRACE(name);
     ReadClip read(folder.path(name));
     const std::string found = read.all();
@@ -91,6 +94,7 @@ TEST(ClipFrames, OfCutAndJoinedFilesAreThoseThatCanBeDecoded) {
     EXPECT_EQ(read.count() < expected.size() / frame, hasMadeUpOnes) << read.info().remark;
     EXPECT_GE(read.count(), 24u);
     EXPECT_EQ(read.info().remark.find("its first ") == 0, std::string(name).starts_with("cut")) << read.info().remark;
+    EXPECT_EQ(read.info().delay > 0, std::string(name).starts_with("cut")) << read.info().delay;
     EXPECT_TRUE(expected.ends_with(found)) << found.size() / frame;
     EXPECT_TRUE(read.damaged.empty()) << read.damaged.size();
     ReadClip jumping(folder.path(name));
