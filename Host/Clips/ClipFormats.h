@@ -27,6 +27,7 @@ struct ClipLayout {
   std::uint32_t heightStep = 1;  // and heights
 };
 
+// clang-format off
 // What a quality means to an encoder: from the value for 1 to that for 100 in equal steps.
 //
 //   codec   what                              usual  100   75   50   25    1
@@ -34,9 +35,13 @@ struct ClipLayout {
 //   hevc    constant rate factor (0-51)          20   10   20   30   41   50
 //   vp9     constant quality (0-63)              24   12   24   36   48   60
 //   av1     constant rate factor (0-63)          30   19   30   41   52   63
-//   prores  422: Proxy to 25, LT to 50, Standard to 75, above and usually HQ; 444: 4444 to 90 and usually, above 4444
-//   XQ dnxhr   8 bits: LB to 33, SQ to 66, above and usually HQ; 10 bits HQX; 444 has one quality ffv1, png  lose
-//   nothing, and have none
+//   prores  422: Proxy to 25, LT to 50, Standard to 75, above and usually HQ
+//           444: 4444 to 90 and usually, above 4444 XQ
+//   dnxhr   8 bits: LB to 33, SQ to 66, above and usually HQ
+//           10 bits: HQX; 444: one quality
+//   ffv1    loses nothing, and has none
+//   png     loses nothing, and has none
+// clang-format on
 struct ClipQuality {
   int usual = -1;
   double worst = 0;  // for 1

@@ -2,6 +2,7 @@
 #include "Host/Clips/ClipReader.h"
 
 #include "Host/Clips/ReaderMessages.h"
+#include "Host/Clips/SecondsText.h"
 #include "Host/Messages/Failure.h"
 
 #include <utility>
@@ -11,10 +12,6 @@ namespace {
 
 [[noreturn]] void refuse(const std::string& path, const std::string& reason) {
   throw Failure(ExitCode::Input, "cannot read " + path + ": " + reason);
-}
-
-std::string secondsText(std::chrono::seconds time) {
-  return std::to_string(time.count()) + " s";
 }
 
 std::string deathText(ChildProcess& process) {
@@ -51,7 +48,8 @@ Bytes ClipReader::received(const std::string& what) {
         refuse(path_, (what.empty() ? "" : what + ": ") + deathText(process_));
       case MessageSocket::Received::Nothing:
         process_.stop();
-        refuse(path_, (what.empty() ? "opening it" : what) + " took longer than " + secondsText(patience_));
+        refuse(path_, (what.empty() ? "opening it" : what) + " took longer than " +
+                          secondsText(static_cast<double>(patience_.count())) + " s");
     }
   } while (MessageReader(message).value<ReaderMessage>() == ReaderMessage::Working);
   return message;

@@ -43,7 +43,10 @@ std::optional<ColorTag> inheritedTag(const ColorSpace& space, const ColorSpace& 
                                      const std::vector<ColorInput>& inputs, const ColorOutput& output) {
   if (inputs.empty()) return std::nullopt;
   const ColorInput& first = inputs[0];
-  const bool isTagged = working.kind == Kind::Raw || first.space.origin == Origin::Tagged;
+  // Players know code points that are not known here.
+  const bool isForeignToUs = output.format == FileFormat::Clip && first.tag.codePoints;
+  const bool isTagged = working.kind == Kind::Raw || first.space.origin == Origin::Tagged ||
+                        (isForeignToUs && first.space.origin == Origin::Assumed);
   return isTagged && isSpaceOfFirst(space, working, inputs)
              ? keptTag(first.tag, first.space, output.format, output.isGray)
              : std::nullopt;

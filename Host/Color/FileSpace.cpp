@@ -144,8 +144,7 @@ std::optional<ColorSpace> spaceOfTag(const ColorTag& tag, bool isLinear, bool ha
   std::optional<ColorSpace> space;
   if (tag.codePoints) {
     space = spaceOfCodePoints(*tag.codePoints);
-    if (!space)
-      addRemark(remark, "its color code points (cICP) are not used: they state a space that is not known here");
+    if (!space) addRemark(remark, "its color code points are not used: they state a space that is not known here");
   }
   if (!space && !tag.iccProfile.empty()) space = spaceOfProfile(tag.iccProfile, remark);
   if (!space && tag.sRGBIntent) space = knownSpace(KnownSpace::SRgb, Origin::Tagged);

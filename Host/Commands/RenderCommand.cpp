@@ -161,15 +161,38 @@ std::vector<std::string> workerArguments(const RenderOptions& options) {
   return arguments;
 }
 
+// An output that holds one rate alone takes frames only within a unit of their places.
+void checkTimesHeld(const ClipTarget& target, const RenderTiming& timing) {
+  const RenderPlan& plan = timing.plan();
+  const ClipContainer& container = *clipContainerNamed(target.container);
+  if (container.holdsUneven || plan.timeBase() == unitOfRate(plan.rate())) return;
+  const double units = 1 / (valueOf(plan.rate()) * valueOf(plan.timeBase()));
+  const PlanPart part = timing.part();
+  const std::int64_t first = plan.frame(part.first).shown;
+  for (std::uint64_t i = 1; i < part.count; ++i) {
+    const auto since = static_cast<double>(plan.frame(part.first + i).shown - first);
+    if (std::abs(since - units * static_cast<double>(i)) < 1) continue;
+    throw Failure(ExitCode::Usage, "cannot write " + target.path + ": " + container.name +
+                                       " holds frames at one rate alone, and these come unevenly: --fps makes them "
+                                       "even, a .mkv or .mov keeps their times");
+  }
+}
+
+bool isRateOfClips(const OpenClips& clips, const Rational& rate) {
+  return std::ranges::all_of(clips.infos(), [&](const ClipInfo* info) { return !info || info->rate == rate; });
+}
+
 void renderBesides(const RenderOptions& options, const RenderTiming& timing, JobRun run) {
   run.plan = &timing.plan();
   run.arguments = workerArguments(options);
   if (run.output.isClip()) {
     const PlanPart part = timing.part();
     const RenderPlan& plan = timing.plan();
+    checkTimesHeld(run.output.clip, timing);
     run.output.clip.rate = plan.rate();
     run.output.clip.timeBase = plan.timeBase();
     run.output.clip.audio = timing.audio();
+    run.output.keepsTimeCode = options.timing.fps.empty() || isRateOfClips(*run.clips, plan.rate());
     ClipWriter::checkAudio(run.output.clip, run.output.patience);
     const std::uint64_t end = part.first + part.count;
     run.end = end < plan.count() ? plan.frame(end).shown : plan.end();
@@ -206,6 +229,7 @@ RenderOutlook renderOutlook(const RenderOptions& options) {
   if (output.job.isClip()) {
     ClipTarget target = output.job.clip;
     target.audio = timing.audio();
+    checkTimesHeld(target, timing);
     ClipWriter::checkAudio(target, output.job.patience);
   }
   RenderOutlook outlook;

@@ -25,7 +25,9 @@ namespace {
 std::optional<Rational> rateOption(const char* option, const std::string& text) {
   if (text.empty()) return std::nullopt;
   const auto rate = parsedFrameRate(text);
-  if (!rate) refuse(std::string(option) + " " + text + ": give frames per second, as in 25, 29.97 or 30000/1001");
+  if (!rate)
+    refuse(std::string(option) + " " + text +
+           ": give 0.001 to 1000000 frames per second, as in 25, 29.97 or 30000/1001");
   return rate;
 }
 

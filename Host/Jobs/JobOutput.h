@@ -15,6 +15,7 @@ struct JobOutput {
   PictureSink* sink = nullptr;        // for pictures; null for a clip
   ClipTarget clip;                    // without what its first frame says: kind, bits, metadata
   std::chrono::seconds patience{60};  // with the process that writes the clip
+  bool keepsTimeCode = true;          // the clip's frames are those of the input that leads, one by one at their rate
   bool clipHoldsAlpha = false;
   bool isVerbose = false;
 

@@ -2,6 +2,7 @@
 #include "Host/Jobs/ResultOutput.h"
 
 #include "Host/Messages/Failure.h"
+#include "Host/Messages/Remark.h"
 
 #include <string>
 
@@ -54,6 +55,10 @@ void ResultOutput::beginClip(const StoredFrame& stored, const FrameKind& kind) {
   target.kind = kind;
   target.bits = stored.depth == Depth::Bits8 ? 8 : 16;
   target.metadata = stored.metadata;
+  if (!output_.keepsTimeCode && target.metadata.timeCode) {
+    target.metadata.timeCode.reset();
+    if (output_.isVerbose) remark(target.path + ": the time code is left out: it counts frames of another rate");
+  }
   writer_.emplace(target, slots_, output_.patience);
   kind_ = kind;
 }

@@ -160,7 +160,7 @@ std::string ChildProcess::ending() {
 }
 
 std::string ChildProcess::cause() {
-  return waitForEnd() ? causeOf(status_) : "no answer";
+  return waitForEnd() ? causeOf(status_) : "silence";
 }
 
 std::string helperProgram(const std::string& name) {

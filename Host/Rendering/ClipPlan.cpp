@@ -6,7 +6,9 @@
 #include "Host/Rendering/FrameTimes.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstdio>
 #include <utility>
 
 namespace host {
@@ -18,6 +20,9 @@ constexpr double kSameTime = 1e-6;
 bool isMoving(const PlayedInput& input) {
   return input.clip || input.sequence;
 }
+
+// More than two weeks have at 25 in a second.
+constexpr double kMostFrames = 1 << 25;
 
 // The first clip, else the first sequence.
 std::size_t leaderOf(const std::vector<PlayedInput>& inputs) {
@@ -56,6 +61,7 @@ ClipPlan::ClipPlan(std::vector<PlayedInput> inputs, const ClipWishes& wishes)
 
   const double duration = wholeDuration();
   std::uint64_t whole = framesOf(leader);
+  checkLength(duration);
   if (!followsLeader()) {
     whole = static_cast<std::uint64_t>(std::max(std::llround(duration * valueOf(rate_)), 1LL));
   } else if (duration > durationOf(leader) + kSameTime) {
@@ -64,6 +70,22 @@ ClipPlan::ClipPlan(std::vector<PlayedInput> inputs, const ClipWishes& wishes)
     whole = std::max<std::uint64_t>(firstNotBefore(duration, whole), 1);
   }
   choose(whole);
+}
+
+// One wild time stamp makes a clip last for centuries.
+void ClipPlan::checkLength(double duration) const {
+  const double beyond = std::max(duration - durationOf(inputs_[leader_]), 0.0);
+  const double frames = followsLeader()
+                            ? static_cast<double>(framesOf(inputs_[leader_])) + beyond * valueOf(leaderRate_)
+                            : duration * valueOf(rate_);
+  if (frames <= kMostFrames) return;
+  const auto isLongEnough = [&](const PlayedInput& input) { return isMoving(input) && durationOf(input) >= duration; };
+  const auto longest = std::ranges::find_if(inputs_, isLongEnough);
+  const std::string path = longest == inputs_.end() ? inputs_[leader_].path : longest->path;
+  std::array<char, 96> text{};
+  std::snprintf(text.data(), text.size(), ": it lasts %.6g s, which are %.6g frames; a run has at most %.0f", duration,
+                frames, kMostFrames);
+  throw Failure(ExitCode::Input, "cannot render " + path + text.data());
 }
 
 void ClipPlan::choose(std::uint64_t whole) {

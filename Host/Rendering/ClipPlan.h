@@ -38,7 +38,7 @@ struct ClipWishes {
 // the frame that is nearest in time, the earlier of two.
 class ClipPlan : public RenderPlan {
  public:
-  // Throws Failure when nothing is left of start, duration and frames.
+  // Throws Failure when nothing is left of start, duration and frames, and for more than 2^25 frames in all.
   ClipPlan(std::vector<PlayedInput> inputs, const ClipWishes& wishes);
 
   std::uint64_t count() const override { return last_ - first_ + 1; }
@@ -56,6 +56,7 @@ class ClipPlan : public RenderPlan {
   std::uint64_t framesOf(const PlayedInput& input) const;
   double durationOf(const PlayedInput& input) const;
   double wholeDuration() const;
+  void checkLength(double duration) const;
   void choose(std::uint64_t whole);
   double seconds(std::uint64_t frame) const;      // of a frame of the whole, in the inputs' time
   std::int64_t shown(std::uint64_t frame) const;  // the same in units of the result's

@@ -21,7 +21,7 @@ std::optional<double> parsedDecimal(std::string_view text) {
 std::optional<Rational> reduced(double numerator, double denominator) {
   constexpr double most = 2e9;
   if (!(numerator >= 1 && numerator <= most && denominator >= 1 && denominator <= most)) return std::nullopt;
-  if (numerator / denominator > 1e6) return std::nullopt;
+  if (numerator / denominator > 1e6 || numerator / denominator < 1e-3) return std::nullopt;
   const auto above = static_cast<std::int32_t>(numerator);
   const auto below = static_cast<std::uint32_t>(denominator);
   const std::uint32_t common = std::gcd(static_cast<std::uint32_t>(above), below);
@@ -30,8 +30,10 @@ std::optional<Rational> reduced(double numerator, double denominator) {
 
 std::optional<Rational> fractionOf(double rate) {
   if (std::abs(rate - std::round(rate)) < 1e-9) return reduced(std::round(rate), 1);
-  const double ofNtsc = rate * 1.001;
-  if (std::abs(ofNtsc - std::round(ofNtsc)) < 0.005) return reduced(std::round(ofNtsc) * 1000, 1001);
+  const double whole = std::round(rate * 1.001);
+  const bool isOfNtsc = whole >= 15 && std::abs(rate * 1.001 / whole - 1) < 2e-4;
+  if (isOfNtsc) return reduced(whole * 1000, 1001);
+  if (rate < 1e-3) return std::nullopt;
   return reduced(std::round(rate * 1000), 1000);
 }
 

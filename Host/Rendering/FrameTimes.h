@@ -20,7 +20,7 @@ inline Rational unitOfRate(const Rational& rate) {
 }
 
 // Frames per second as a fraction: N/D as it is, whole numbers, rates of NTSC (23.976, 23.98, 29.97, 59.94: N x 1000 /
-// 1001), else to the thousandth. Nothing for what is no number above 0, or above a million.
+// 1001), else to the thousandth. Nothing for what is no number from 0.001 to a million.
 std::optional<Rational> parsedFrameRate(const std::string& text);
 
 // Seconds of "12.5", "1:02.5", "1:00:00". Nothing for anything else.

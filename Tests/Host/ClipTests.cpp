@@ -175,6 +175,10 @@ TEST_F(Clips, UnevenTimesStay) {
   const std::string times = probed(at("uneven.mkv"), "v", "frame=best_effort_timestamp_time");
   EXPECT_EQ(probed(at("out.mkv"), "v", "frame=best_effort_timestamp_time"), times);
   vortoSucceeds(render("Levels", {at("uneven.mkv")}, at("even.mkv"), {"--fps", "25"}));
+  const ProgramRun refused = vorto(render("Levels", {at("uneven.mkv")}, at("out.avi")));
+  EXPECT_EQ(refused.exitCode, 2);
+  EXPECT_NE(refused.err.find("--fps makes them even"), std::string::npos) << refused.err;
+  vortoSucceeds(render("Levels", {at("uneven.mkv")}, at("out.avi"), {"--fps", "25"}));
   EXPECT_EQ(frameCount(at("even.mkv")), "50");
 }
 

@@ -21,7 +21,8 @@ constexpr std::int64_t kForever = std::numeric_limits<std::int64_t>::max();
 
 // What muxers take that players do not, or write without being able to tell its times.
 bool isHeld(const ClipContainer& container, AVCodecID codec) {
-  constexpr std::array kInAvi = {AV_CODEC_ID_PCM_S16LE, AV_CODEC_ID_PCM_U8, AV_CODEC_ID_MP3, AV_CODEC_ID_AC3};
+  constexpr std::array kInAvi = {AV_CODEC_ID_PCM_S16LE, AV_CODEC_ID_PCM_S24LE, AV_CODEC_ID_PCM_U8,
+                                 AV_CODEC_ID_MP2,       AV_CODEC_ID_MP3,       AV_CODEC_ID_AC3};
   if (container.name == std::string_view("AVI")) return std::ranges::count(kInAvi, codec) > 0;
   const AVOutputFormat* format = av_guess_format(muxerName(container), nullptr, nullptr);
   return format && avformat_query_codec(format, codec, FF_COMPLIANCE_NORMAL) == 1;

@@ -4,32 +4,12 @@
 #include "Host/Clips/Program/AudioPackets.h"
 #include "Host/Clips/Program/AvErrors.h"
 #include "Host/Clips/Program/EncoderSetup.h"
+#include "Host/Clips/TimeCodes.h"
 #include "Host/Messages/Failure.h"
 
-#include <array>
-#include <cstdio>
 #include <new>
 
 namespace host {
-namespace {
-
-// Two digits, coded in binary.
-int digits(std::uint32_t packed, int shift, std::uint32_t tensMask) {
-  return static_cast<int>((packed >> shift & 0xf) + 10 * (packed >> (shift + 4) & tensMask));
-}
-
-// "01:02:03:04", with a semicolon where frames are dropped.
-std::string timeCodeText(const TimeCode& code) {
-  const std::uint32_t packed = code.timeAndFlags;
-  const bool dropsFrames = (packed >> 6 & 1) != 0;
-  std::array<char, 32> text;
-  std::snprintf(text.data(), text.size(), "%02d:%02d:%02d%c%02d", digits(packed, 24, 3), digits(packed, 16, 7),
-                digits(packed, 8, 7), dropsFrames ? ';' : ':', digits(packed, 0, 3));
-  return text.data();
-}
-
-}  // namespace
-
 const char* muxerName(const ClipContainer& container) {
   const std::string name = container.name;
   if (name == "MP4") return "mp4";
@@ -74,7 +54,8 @@ void ClipMuxer::addVideo(const AVCodecContext& encoder) {
   stream.sample_aspect_ratio = encoder.sample_aspect_ratio;
   stream.disposition = AV_DISPOSITION_DEFAULT;
   if (target_.metadata.timeCode) {
-    av_dict_set(&stream.metadata, "timecode", timeCodeText(*target_.metadata.timeCode).c_str(), 0);
+    av_dict_set(&stream.metadata, "timecode",
+                timeCodeText(*target_.metadata.timeCode, av_q2d(avRational(target_.rate))).c_str(), 0);
   }
 }
 

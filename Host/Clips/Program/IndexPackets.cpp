@@ -2,12 +2,11 @@
 #include "Host/Clips/Program/IndexPackets.h"
 
 #include "Host/Clips/Program/AvErrors.h"
+#include "Host/Clips/SecondsText.h"
 #include "Host/Messages/Failure.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
@@ -142,15 +141,6 @@ std::int64_t endOf(const PacketIndex& index, const AVStream& stream, std::int64_
   const double frames = static_cast<double>(times.size() - 1);
   const double average = frames > 0 ? static_cast<double>(times.back() - times.front()) / frames : nominal;
   return times.back() + std::max<std::int64_t>(1, std::llround(std::min(average, 1e15)));
-}
-
-std::string secondsText(double seconds) {
-  std::array<char, 40> text{};
-  std::snprintf(text.data(), text.size(), "%.2f", seconds);
-  std::string result = text.data();
-  while (result.back() == '0') result.pop_back();
-  if (result.back() == '.') result.pop_back();
-  return result;
 }
 
 // How long a file says that it is, in seconds; 0 when it does not. That may be the time of its longest stream.

@@ -88,6 +88,8 @@ ColorInput input(const std::string& word) {
   if (word == "house") made.space = host::namedSpace("House Log", false, false, Origin::Told);
   if (word == "raw" || word == "data") made.space = host::rawSpace(word == "raw" ? Origin::Told : Origin::Tagged);
   if (word == "chunks") made.tag.sRGBIntent = 1;
+  if (word == "log") made = known(KnownSpace::SRgb, Origin::Assumed);
+  if (word == "log") made.tag.codePoints = host::CodePoints{1, 10, 0, true};
   if (word == "aces") made.tag.primaries = made.space.primaries;
   if (word == "wide" || word == "icc" || word == "raw" || word == "data")
     made.tag.iccProfile = profileBytes(wideProfile());
@@ -156,17 +158,17 @@ TEST(FileSpace, IsWhatTheFileSays) {
       {"codes of 525 lines", codes(6, 6), Depth::Bits8, "gamma 2.4", ""},
       {"codes of 625 lines", codes(5, 1), Depth::Bits8, "gamma 2.4", ""},
       {"codes of the first color", codes(4, 4), Depth::Bits8, "gamma 2.2", ""},
-      {"codes of nobody", codes(3, 1), Depth::Bits8, "assumed sRGB", "cICP"},
+      {"codes of nobody", codes(3, 1), Depth::Bits8, "assumed sRGB", "code points"},
       {"codes before all", [&](ColorTag& tag) { codes(1, 1)(tag), profile(wideBytes)(tag), tag.sRGBIntent = 0; },
        Depth::Bits8, "Rec.709 (BT.1886)", ""},
       {"HDR falls to the profile", [&](ColorTag& tag) { codes(9, 16)(tag), profile(wideBytes)(tag); }, Depth::Bits16,
-       "profile Wide", "cICP"},
+       "profile Wide", "code points"},
       {"PQ", codes(9, 16), Depth::Bits16, "PQ", ""},
       {"HLG with what others know", [&](ColorTag& tag) { codes(9, 18)(tag), tag.sRGBIntent = 0; }, Depth::Bits16,
-       "sRGB", "cICP"},
-      {"PQ of no RGB", codes(9, 16, 9), Depth::Bits16, "assumed sRGB", "cICP"},
-      {"no RGB", codes(1, 13, 1), Depth::Bits8, "assumed sRGB", "cICP"},
-      {"narrow range", codes(1, 13, 0, false), Depth::Bits8, "assumed sRGB", "cICP"},
+       "sRGB", "code points"},
+      {"PQ of no RGB", codes(9, 16, 9), Depth::Bits16, "assumed sRGB", "code points"},
+      {"no RGB", codes(1, 13, 1), Depth::Bits8, "assumed sRGB", "code points"},
+      {"narrow range", codes(1, 13, 0, false), Depth::Bits8, "assumed sRGB", "code points"},
       {"profile before sRGB", [&](ColorTag& tag) { profile(wideBytes)(tag), tag.sRGBIntent = 1, tag.gamma = 1; },
        Depth::Bits8, "profile Wide", ""},
       {"a profile of sRGB", profile(profileBytes(sRgbProfile)), Depth::Bits8, "sRGB", ""},
@@ -271,6 +273,10 @@ TEST(ColorPlan, FilesHoldWhatTheirReadersExpect) {
       {"icc", "", "", Heif, false, "sRGB", ""},
       {"aces", "", "", Hdr, true, "to assumed Linear Rec.709", ""},
       {"aces", "", "", Exr, true, "ACEScg", "primaries"},
+      {"log", "", "", FileFormat::Clip, false, "assumed sRGB", "cICP"},
+      {"log", "", "toldP3", FileFormat::Clip, false, "to Display P3", "cICP"},
+      {"plain", "", "", FileFormat::Clip, false, "assumed sRGB", ""},
+      {"log", "", "", Png, false, "assumed sRGB", ""},
       {"plain", "toldAces", "", Exr, true, "ACEScg", "primaries lin_ap1_scene"},
       {"plain", "toldAces", "", Png, false, "to assumed sRGB", "sRGB gAMA primaries"},
       {"plain", "", "toldP3", Png, false, "to Display P3", "cICP new profile"},

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Clips/ClipInfo.h"
+#include "Host/Clips/TimeCodes.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Rendering/ClipPlan.h"
 #include "Host/Rendering/FrameTimes.h"
@@ -121,6 +122,25 @@ TEST(ClipPlan, PartsCountFromTheWhole) {
   }
 }
 
+TEST(ClipPlan, WildTimesAreRefused) {
+  const ClipInfo even = evenClip(4, {25, 1});
+  const std::int64_t wild = std::int64_t{1} << 50;
+  const ClipInfo clip = unevenClip({0, 40, wild}, wild + 40);
+  const auto refusal = [](const std::vector<PlayedInput>& inputs, const ClipWishes& wishes) {
+    try {
+      const ClipPlan plan(inputs, wishes);
+      return std::to_string(plan.count());
+    } catch (const Failure& failure) {
+      return std::string(failure.what());
+    }
+  };
+  const PlayedInput far{"far.mkv", &clip, std::nullopt};
+  const std::string said = "cannot render far.mkv: it lasts 1.1259e+12 s, which are ";
+  EXPECT_EQ(refusal({far}, {.fps = Rational{25, 1}}), said + "2.81475e+13 frames; a run has at most 33554432");
+  EXPECT_EQ(refusal({playing(even), far}, {}).rfind(said, 0), 0u);
+  EXPECT_EQ(refusal({far}, {}), "3");
+}
+
 TEST(SequencePlan, SourcesHoldAndLoopByNumber) {
   const FrameRange frames{1, 6};
   const std::vector<std::optional<FrameRange>> sources{FrameRange{1, 6}, FrameRange{2, 4}, std::nullopt};
@@ -150,6 +170,15 @@ TEST(FrameTimes, RatesAndTimesAsPeopleWriteThem) {
                {"1/0", std::nullopt},
                {"", std::nullopt},
                {"1e3", std::nullopt},
+               {"1.001", Rational{1001, 1000}},
+               {"14.99", Rational{1499, 100}},
+               {"14.985", Rational{15000, 1001}},
+               {"59.94", Rational{60000, 1001}},
+               {"119.88", Rational{120000, 1001}},
+               {"24.5", Rational{49, 2}},
+               {"0.003", Rational{3, 1000}},
+               {"0.0009", std::nullopt},
+               {"1/2000", std::nullopt},
                {"2000000", std::nullopt}};
   for (const auto& [text, rate] : rates) EXPECT_EQ(parsedFrameRate(text), rate) << text;
   const struct {
@@ -159,6 +188,31 @@ TEST(FrameTimes, RatesAndTimesAsPeopleWriteThem) {
                {"1:60", std::nullopt}, {"1.5:00", std::nullopt}, {"1:0:0:0", std::nullopt}, {"-1", std::nullopt},
                {":5", std::nullopt}};
   for (const auto& [text, seconds] : times) EXPECT_EQ(parsedSeconds(text), seconds) << text;
+}
+
+TEST(TimeCodes, CountFramesWithDropsAndPairs) {
+  const double ntsc = 30000.0 / 1001;
+  const struct {
+    const char* text;
+    double rate;
+    std::uint64_t frames;
+    const char* later;
+  } rows[] = {{"01:00:00:00", 25, 0, "01:00:00:00"},       {"01:00:00:20", 25, 5, "01:00:01:00"},
+              {"23:59:59:24", 25, 1, "00:00:00:00"},       {"01:00:00:40", 50, 0, "01:00:00:40"},
+              {"01:00:00:41", 50, 0, "01:00:00:41"},       {"01:00:00:41", 50, 9, "01:00:01:00"},
+              {"00:00:59;29", ntsc, 1, "00:01:00;02"},     {"00:00:00;00", ntsc, 1800, "00:01:00;02"},
+              {"00:09:59;29", ntsc, 1, "00:10:00;00"},     {"00:00:00;00", ntsc, 17981, "00:09:59;29"},
+              {"00:00:00;00", ntsc, 17982, "00:10:00;00"}, {"00:00:00;00", ntsc, 107892, "01:00:00;00"},
+              {"23:59:59;29", ntsc, 1, "00:00:00;00"},     {"00:00:59:29", ntsc, 1, "00:01:00:00"},
+              {"00:00:59;59", 2 * ntsc, 1, "00:01:00;04"}};
+  for (const auto& row : rows) {
+    const auto code = packedTimeCode(row.text, row.rate);
+    ASSERT_TRUE(code) << row.text;
+    EXPECT_EQ(timeCodeText(*code, row.rate), row.text);
+    const auto later = advancedTimeCode(*code, row.rate, row.frames);
+    ASSERT_TRUE(later) << row.text;
+    EXPECT_EQ(timeCodeText(*later, row.rate), row.later) << row.text << " and " << row.frames;
+  }
 }
 
 }  // namespace
