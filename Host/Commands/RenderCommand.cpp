@@ -7,9 +7,9 @@
 #include "Host/Files/OutputFile.h"
 #include "Host/Files/PictureSink.h"
 #include "Host/Files/PictureWriting.h"
+#include "Host/Files/StandardInput.h"
 #include "Host/Jobs/Coordinator.h"
 #include "Host/Jobs/Resume.h"
-#include "Host/Jobs/SharedInput.h"
 #include "Host/Jobs/Worker.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Messages/Progress.h"
@@ -18,6 +18,8 @@
 #include "Host/Rendering/FrameRendering.h"
 #include "Host/Rendering/FrameTimes.h"
 #include "Registry/VRTExecutionTraits.h"
+
+#include <sys/resource.h>
 
 #include <algorithm>
 #include <chrono>
@@ -89,10 +91,22 @@ Output outputOf(const RenderOptions& options) {
   return output;
 }
 
-// A process beside this one would find it read.
-bool readsStandardInput(const RenderOptions& options) {
-  const auto isDash = [](const std::string& value) { return value.ends_with("=-"); };
-  return std::ranges::count(options.inputs, "-") > 0 || std::ranges::any_of(options.values, isDash);
+bool takesStandardInput(const RenderOptions& options) {
+  return std::ranges::count(options.inputs, "-") > 0;
+}
+
+// The first path that other processes would not find; empty without one.
+std::string ownDescriptorIn(const RenderOptions& options) {
+  for (const std::string& path : options.inputs) {
+    if (isOwnDescriptor(path)) return path;
+  }
+  for (const auto* const assignments : {&options.values, &options.states}) {
+    for (const std::string& text : *assignments) {
+      const std::string path = text.substr(text.find('=') + 1);
+      if (isOwnDescriptor(path)) return path;
+    }
+  }
+  return "";
 }
 
 unsigned jobsFor(const RenderOptions& options, bool keepsState) {
@@ -119,6 +133,12 @@ void checkResumable(const RenderOptions& options, bool keepsState) {
   }
 }
 
+// Memory that processes share counts as a file.
+bool areFilesLimited() {
+  rlimit limit{};
+  return ::getrlimit(RLIMIT_FSIZE, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY;
+}
+
 void checkPart(const RenderOptions& options, const RenderTiming& timing, bool keepsState) {
   if (!keepsState || timing.part().count == timing.plan().count()) return;
   throw Failure(ExitCode::Usage, "--chunk " + std::to_string(options.timing.chunk) + ": the effect \"" +
@@ -132,8 +152,8 @@ FrameList framesToRender(const RenderOptions& options, const RenderTiming& timin
   const PlanPart part = timing.part();
   const FrameList frames(part.first, part.count);
   if (!options.isResumed) return frames;
-  FrameList missing =
-      missingFrames(timing.plan(), frames, *framePattern(options.output), output.sink->format(Depth::Bits8));
+  FrameList missing = missingFrames(timing.plan(), frames, *framePattern(options.output),
+                                    output.sink->format(Depth::Bits8), parsedFraming(options.framing).size);
   remark(std::to_string(frames.count() - missing.count()) + " of " + std::to_string(frames.count()) +
          (frames.count() == 1 ? " frame is" : " frames are") + " there already");
   return missing;
@@ -142,10 +162,7 @@ FrameList framesToRender(const RenderOptions& options, const RenderTiming& timin
 // In this process, one after another.
 void renderHere(FrameRendering& rendering, const RenderTiming& timing, const FrameList& frames, const Output& output) {
   const OutputDescription description = output.job.description();
-  if (!timing.isSingle()) {
-    rendering.begin(timing.plan().frame(0), nullptr, description);
-    rewindSharedInput();
-  }
+  if (!timing.isSingle()) rendering.begin(timing.plan().frame(0), nullptr, description);
   Progress progress(frames.count());
   for (std::uint64_t done = 0; done < frames.count();) {
     const PlannedFrame frame = timing.plan().frame(frames[done]);
@@ -233,7 +250,7 @@ RenderOutlook renderOutlook(const RenderOptions& options) {
     ClipWriter::checkAudio(target, output.job.patience);
   }
   RenderOutlook outlook;
-  outlook.readsStandardInput = readsStandardInput(options);
+  outlook.readsStandardInput = takesStandardInput(options) || wasStandardInputRead();
   if (!timing.isSingle() && !outlook.readsStandardInput) {
     ClipHeaders headers(clips);
     rendering.begin(plan.frame(0), &headers, output.job.description());
@@ -262,31 +279,40 @@ void runRender(const RenderOptions& options) {
   if (options.timing.rate) checkRate(*options.timing.rate);
   const RenderSetup setup = setupOf(options);
   const Output output = outputOf(options);
-  std::optional<SharedInput> input;
-  if (outputKindOf(options) != OutputKind::Picture && readsStandardInput(options)) input.emplace();
+  if (outputKindOf(options) != OutputKind::Picture) keepStandardInputWhenRead();
 
   loadEffects();
   FrameRendering rendering(setup);
   const bool hasState = keepsState(rendering.effect().patch());
   if (options.isResumed) checkResumable(options, hasState);
-  const unsigned jobs = jobsFor(options, hasState);
+  std::size_t clipCount = 0;
+  for (std::size_t i = 0; i < rendering.inputs().count(); ++i) {
+    if (rendering.inputs().kind(i) == Inputs::Kind::Clip) ++clipCount;
+  }
+  const unsigned jobs = workersThatFit(jobsFor(options, hasState), clipCount, output.job.usesSlots());
   OpenClips clips(setup.inputs.size());
   openClips(clips, options, rendering.inputs(), jobs);
   const RenderTiming timing(options, rendering.effect().kind(), rendering.inputs(), clips.infos());
   checkPart(options, timing, hasState);
   const FrameList frames = framesToRender(options, timing, output);
   if (frames.isEmpty()) return;
-  const auto workers = static_cast<unsigned>(std::min<std::uint64_t>(jobs, frames.count()));
-  if (workers == 1 && output.sink && !rendering.inputs().haveClip()) {
+  const bool canBeHere = output.sink && !rendering.inputs().haveClip();
+  const std::string own = ownDescriptorIn(options);
+  if (!own.empty() && !canBeHere) {
+    throw Failure(ExitCode::Usage, own + " is open in this process alone, and clips take others: give the file itself");
+  }
+  const bool mustBeHere = canBeHere && (!own.empty() || (output.job.usesSlots() && areFilesLimited()));
+  const auto workers = static_cast<unsigned>(std::min<std::uint64_t>(mustBeHere ? 1 : jobs, frames.count()));
+  if (workers == 1 && canBeHere) {
     renderHere(rendering, timing, frames, output);
     return;
   }
+  if (takesStandardInput(options)) keepStandardInput();
   JobRun run;
   run.frames = frames;
   run.workers = workers;
   run.keepsState = hasState;
   run.clips = &clips;
-  run.input = input ? &*input : nullptr;
   run.output = output.job;
   renderBesides(options, timing, std::move(run));
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Files/FileContents.h"
 
+#include "Host/Files/StandardInput.h"
 #include "Host/Messages/Failure.h"
 
 #include <fcntl.h>
@@ -13,8 +14,6 @@
 
 namespace host {
 namespace {
-
-constexpr std::uint64_t kLargestFile = std::uint64_t{1} << 34;
 
 class Descriptor {
  public:
@@ -74,8 +73,7 @@ FileContents FileContents::ofFile(const std::string& path) {
   FileContents contents;
   try {
     if (path == "-") {
-      // Memory that is given for it (only there are seals) can be read again.
-      if (fcntl(STDIN_FILENO, F_GET_SEALS) >= 0) lseek(STDIN_FILENO, 0, SEEK_SET);
+      beginStandardInput();
       contents.readToEnd(STDIN_FILENO, 0);
       return contents;
     }

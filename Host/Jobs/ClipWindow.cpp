@@ -75,7 +75,7 @@ void ClipWindow::take(std::size_t input) {
     if (!isExpected) {
       throw Failure(ExitCode::Unexpected, "cannot read " + clips_.reader(input)->path() + ": a frame came unwanted");
     }
-    if (frame.isDamaged && from.damaged++ == 0) from.firstDamaged = frame.frame;
+    from.slots[frame.slot].isDamaged = frame.isDamaged;
     from.slots[frame.slot].isThere = true;
     from.awaited.pop_front();
   } catch (const Failure& failure) {
@@ -122,14 +122,31 @@ void ClipWindow::release(std::uint64_t frame) {
   held_.erase(found);
 }
 
+ClipWindow::Damage ClipWindow::damageIn(std::uint64_t frame) const {
+  Damage damage(inputs_.size());
+  const auto found = held_.find(frame);
+  for (std::size_t i = 0; found != held_.end() && i < inputs_.size(); ++i) {
+    if (!inputs_[i].isClip()) continue;
+    const Slot& slot = inputs_[i].slots[found->second[i]];
+    if (slot.isThere && slot.isDamaged) damage[i] = slot.frame;
+  }
+  return damage;
+}
+
+void ClipWindow::noteDamage(const Damage& damage) {
+  for (std::size_t i = 0; i < damage.size(); ++i) {
+    if (damage[i]) inputs_[i].damaged.insert(*damage[i]);
+  }
+}
+
 void ClipWindow::tellOfDamage() const {
   for (std::size_t i = 0; i < inputs_.size(); ++i) {
     const Input& input = inputs_[i];
-    if (input.damaged == 0) continue;
-    const bool isOne = input.damaged == 1;
+    if (input.damaged.empty()) continue;
+    const bool isOne = input.damaged.size() == 1;
     remark(clips_.reader(i)->path() + ": " +
-           (isOne ? "frame " : std::to_string(input.damaged) + " frames from frame ") +
-           std::to_string(input.firstDamaged) + (isOne ? " is damaged: " : " on are damaged: ") +
+           (isOne ? "frame " : std::to_string(input.damaged.size()) + " frames from frame ") +
+           std::to_string(*input.damaged.begin()) + (isOne ? " is damaged: " : " on are damaged: ") +
            "what could be decoded of " + (isOne ? "it" : "them") + " is shown, or the frame before");
   }
 }

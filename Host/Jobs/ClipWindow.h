@@ -11,6 +11,7 @@
 #include <deque>
 #include <map>
 #include <optional>
+#include <set>
 #include <vector>
 
 namespace host {
@@ -43,21 +44,25 @@ class ClipWindow {
   };
   const std::optional<Broken>& broken() const { return broken_; }
 
-  // Says which clips had damaged frames, so far.
+  // The damaged frames of clips that a frame shows, by input, before it is released; and that it has been used. Says
+  // which ones those that were used show.
+  using Damage = std::vector<std::optional<std::uint32_t>>;
+  Damage damageIn(std::uint64_t frame) const;
+  void noteDamage(const Damage& damage);
   void tellOfDamage() const;
 
  private:
   struct Slot {
     std::optional<std::uint32_t> frame;  // of the clip
     bool isThere = false;
+    bool isDamaged = false;
     unsigned users = 0;
   };
   struct Input {
     std::uint32_t firstSlot = 0;  // among those of all clips
     std::vector<Slot> slots;
     std::deque<std::size_t> awaited;  // slots, in the order in which they come
-    std::uint64_t damaged = 0;
-    std::uint32_t firstDamaged = 0;
+    std::set<std::uint32_t> damaged;  // of its frames that were used
     bool isClip() const { return !slots.empty(); }
   };
   // Where a frame is, or may come; nothing while all slots are in use.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Jobs/Coordinator.h"
 
+#include "Host/Files/StandardInput.h"
 #include "Host/Jobs/ClipWindow.h"
 #include "Host/Jobs/ResultOutput.h"
 #include "Host/Jobs/WorkerProcess.h"
@@ -31,8 +32,8 @@ constexpr std::size_t kTasksOfWorker = 2;
 // on for so long.
 constexpr int kSilence = 1000;  // milliseconds
 
-std::size_t slotsForResults(const JobRun& run) {
-  return run.output.usesSlots() ? kTasksOfWorker * run.workers + 2 : 0;
+std::size_t slotsForResults(unsigned workers, bool usesSlots) {
+  return usesSlots ? kTasksOfWorker * workers + 2 : 0;
 }
 
 WorkerHello helloOf(const JobRun& run, std::size_t slots) {
@@ -42,6 +43,7 @@ WorkerHello helloOf(const JobRun& run, std::size_t slots) {
     hello.clips.push_back(info ? std::make_shared<const ClipInfo>(*info) : nullptr);
   }
   hello.first = run.plan->frame(0);
+  hello.isInputKept = isStandardInputKept();
   return hello;
 }
 
@@ -55,6 +57,7 @@ class Coordinator {
   struct Done {
     FrameResult result;
     std::size_t slot = 0;
+    ClipWindow::Damage damage;
   };
   struct Watched {
     pollfd poll;
@@ -65,6 +68,7 @@ class Coordinator {
   PlannedFrame frame(std::uint64_t number) const { return run_.plan->frame(run_.frames[number]); }
   bool isOver() const { return used_ == end_; }
 
+  void renderAll();
   void giveTasks();
   bool giveTask(WorkerProcess& worker);
   void takeResult(WorkerProcess& worker);
@@ -98,7 +102,7 @@ class Coordinator {
 
 Coordinator::Coordinator(const JobRun& run)
     : run_(run),
-      resultSlots_(slotsForResults(run)),
+      resultSlots_(slotsForResults(run.workers, run.output.usesSlots())),
       output_(run.output, resultSlots_),
       clips_(*run.clips, *run.plan, run.frames),
       ahead_(kTasksOfWorker * run.workers + slotsOfClip(run.workers)),
@@ -113,11 +117,22 @@ Coordinator::Coordinator(const JobRun& run)
   start_.slots.insert(start_.slots.end(), results.begin(), results.end());
   start_.hello = helloOf(run, start_.slots.size());
   start_.arguments = run.arguments;
-  start_.standardInput = [input = run.input] { return input ? input->opened() : -1; };
+  start_.standardInput = openedStandardInput;
   for (unsigned i = 0; i < run.workers; ++i) workers_.emplace_back(start_, !run.keepsState).start();
 }
 
 void Coordinator::render() {
+  try {
+    renderAll();
+  } catch (const Failure&) {
+    clips_.tellOfDamage();
+    throw;
+  }
+  clips_.tellOfDamage();
+  tellOfClipping(clippedPixels_, clippedSpace_);
+}
+
+void Coordinator::renderAll() {
   Progress progress(count());
   while (!isOver()) {
     clips_.wantAhead(std::min(end_, given_ + ahead_));
@@ -163,10 +178,11 @@ void Coordinator::takeResult(WorkerProcess& worker) {
   auto result = worker.result();
   if (!result) return;
   const std::uint64_t number = run_.frames.placeOf(result->index);
+  ClipWindow::Damage damage = clips_.damageIn(number);
   clips_.release(number);
   if (result->failure) takeFailure(number, *result->failure);
   const auto slot = slots_.find(number);
-  done_[number] = {std::move(*result), slot == slots_.end() ? 0 : slot->second};
+  done_[number] = {std::move(*result), slot == slots_.end() ? 0 : slot->second, std::move(damage)};
 }
 
 // The first one in order ends the run. What comes behind it is not begun any more.
@@ -193,6 +209,7 @@ void Coordinator::useResults() {
 
 void Coordinator::use(std::uint64_t number, const Done& done) {
   say(done.result.remarks);
+  clips_.noteDamage(done.damage);
   clippedPixels_ += done.result.clippedPixels;
   if (clippedSpace_.empty()) clippedSpace_ = done.result.clippedSpace;
   output_.use(frame(number), done.result.stored, done.slot);
@@ -247,14 +264,23 @@ void Coordinator::finish() {
   for (WorkerProcess& worker : workers_) worker.tellEnd();
   output_.finish(run_.end);
   for (WorkerProcess& worker : workers_) worker.waitForEnd();
-  clips_.tellOfDamage();
-  tellOfClipping(clippedPixels_, clippedSpace_);
 }
 
 }  // namespace
 
 std::size_t slotsOfClip(unsigned workers) {
   return std::size_t{workers} + 2;
+}
+
+// A child has those of slots twice until it is its program.
+unsigned workersThatFit(unsigned workers, std::size_t clips, bool usesSlots) {
+  constexpr std::size_t others = 24;  // streams, modules, files that are read and written
+  const std::size_t most = mostDescriptors();
+  const auto needed = [&](unsigned count) {
+    return others + count + 2 * (clips * slotsOfClip(count) + slotsForResults(count, usesSlots));
+  };
+  while (workers > 1 && needed(workers) > most) --workers;
+  return workers;
 }
 
 void renderInJobs(const JobRun& run) {

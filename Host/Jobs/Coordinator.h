@@ -3,7 +3,6 @@
 
 #include "Host/Clips/OpenClips.h"
 #include "Host/Jobs/JobOutput.h"
-#include "Host/Jobs/SharedInput.h"
 #include "Host/Rendering/FrameList.h"
 #include "Host/Rendering/RenderPlan.h"
 
@@ -21,13 +20,15 @@ struct JobRun {
   bool keepsState = false;             // the effect: one worker renders all frames, one after another
   std::vector<std::string> arguments;  // of this program, to become a worker for the same run
   OpenClips* clips = nullptr;          // with as many slots as slotsOfClip() says
-  const SharedInput* input = nullptr;  // null where nobody reads the standard input
   JobOutput output;
   std::int64_t end = 0;  // of a clip: when the last frame is over
 };
 
 // How many frames of a clip are decoded ahead.
 std::size_t slotsOfClip(unsigned workers);
+
+// Of that many workers those whose slots find descriptors, at least one; `clips`: how many clips are read.
+unsigned workersThatFit(unsigned workers, std::size_t clips, bool usesSlots);
 
 // Renders the frames: what is printed, written into a clip and remarked comes in their order, as from one process. The
 // first frame in order that fails ends it: the ones before have been written, others may have been, none in part.

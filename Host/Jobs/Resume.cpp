@@ -3,6 +3,7 @@
 
 #include "Host/Files/FileFormat.h"
 #include "Host/Files/ImageFileLoader.h"
+#include "Host/Files/PictureReading.h"
 #include "Host/Messages/Failure.h"
 
 #include <fcntl.h>
@@ -10,8 +11,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <optional>
+#include <string_view>
 
 namespace host {
 namespace {
@@ -45,25 +48,49 @@ class MappedFile {
   std::size_t size_ = 0;
 };
 
+// Their headers say where all of the pixels lie.
+bool isKnownByHeaders(FileFormat format) {
+  return format == FileFormat::Png || format == FileFormat::Tiff || format == FileFormat::Exr;
+}
+
+// What of such a file is missing its decoder takes for black; but its last bytes are a mark.
+bool endsAsTarga(std::span<const std::uint8_t> file) {
+  constexpr std::string_view mark("TRUEVISION-XFILE.\0", 18);
+  return file.size() >= mark.size() && std::equal(mark.rbegin(), mark.rend(), file.rbegin(),
+                                                  [](char a, std::uint8_t b) { return a == static_cast<char>(b); });
+}
+
+bool isDecodable(const ReadRequest& request) {
+  try {
+    decodedPicture(request, "");
+    return true;
+  } catch (const Failure&) {
+    return false;
+  }
+}
+
 }  // namespace
 
-bool isPictureThere(const std::string& path, FileFormat format) {
+bool isPictureThere(const std::string& path, FileFormat format, std::optional<PictureSize> size) {
   const MappedFile file(path);
   if (file.bytes().empty()) return false;
   const auto found = formatOfBytes(file.bytes());
-  const bool isUsual = format == FileFormat::Png || format == FileFormat::Jpeg || format == FileFormat::Tiff ||
-                       format == FileFormat::Exr;
+  const bool isUsual = isKnownByHeaders(format) || format == FileFormat::Jpeg;
   if (isUsual ? found != format : found.has_value()) return false;
   bool isOtherKind = false;
   const ReadRequest request{file.bytes(), "", std::filesystem::path(path).extension().string()};
-  return imageFileModule(format).open(request, &isOtherKind, nullptr) != nullptr;
+  const auto reader = imageFileModule(format).open(request, &isOtherKind, nullptr);
+  if (!reader) return false;
+  if (size && (reader->info().width != size->width || reader->info().height != size->height)) return false;
+  if (format == FileFormat::Targa && !endsAsTarga(file.bytes())) return false;
+  return isKnownByHeaders(format) || isDecodable(request);
 }
 
-FrameList missingFrames(const RenderPlan& plan, const FrameList& frames, const FramePattern& output,
-                        FileFormat format) {
+FrameList missingFrames(const RenderPlan& plan, const FrameList& frames, const FramePattern& output, FileFormat format,
+                        std::optional<PictureSize> size) {
   FrameList missing;
   for (std::uint64_t i = 0; i < frames.count(); ++i) {
-    if (!isPictureThere(output.path(plan.frame(frames[i]).number), format)) missing.append(frames[i]);
+    if (!isPictureThere(output.path(plan.frame(frames[i]).number), format, size)) missing.append(frames[i]);
   }
   return missing;
 }

@@ -70,6 +70,7 @@ void put(MessageWriter& message, const WorkerHello& hello) {
     if (clip) put(message, *clip);
   }
   put(message, hello.first);
+  message.value<std::uint8_t>(hello.isInputKept);
 }
 
 WorkerHello takeHello(MessageReader& message) {
@@ -80,6 +81,7 @@ WorkerHello takeHello(MessageReader& message) {
     return takeFlag(from) ? std::make_shared<const ClipInfo>(takeClipInfo(from)) : nullptr;
   });
   hello.first = takePlannedFrame(message);
+  hello.isInputKept = takeFlag(message);
   return hello;
 }
 

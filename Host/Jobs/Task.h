@@ -25,6 +25,7 @@ struct WorkerHello {
   std::uint32_t slots = 0;                             // that the worker was given
   std::vector<std::shared_ptr<const ClipInfo>> clips;  // by input; null where one is no clip
   PlannedFrame first;                                  // of the plan, which decides for all
+  bool isInputKept = false;                            // the standard input, which was given to the worker
 };
 
 // A frame to render.

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Jobs/Worker.h"
 
+#include "Host/Files/StandardInput.h"
 #include "Host/Jobs/FrameOutput.h"
-#include "Host/Jobs/SharedInput.h"
 #include "Host/Jobs/SlotClips.h"
 #include "Host/Jobs/Task.h"
 #include "Host/Messages/Failure.h"
@@ -78,7 +78,6 @@ class Worker {
     clips_ = std::make_unique<SlotClips>(hello.clips, parts_->setup.inputs, slots_);
     const RemarksRedirected remarks([&](Remark remark) { firstRemarks_.push_back(std::move(remark)); });
     rendering_->begin(hello.first, clips_.get(), parts_->output.description());
-    rewindSharedInput();
   }
 
   void render(const FrameTask& task, FrameResult* result) {
@@ -117,6 +116,7 @@ void runWorker(const std::function<WorkerParts()>& prepare) {
   const WorkerOrder first = takeOrder(message);
   const auto* const hello = std::get_if<WorkerHello>(&first);
   if (!hello) return;
+  if (hello->isInputKept) standardInputIsKept();
   Worker worker(prepare, *hello);
   while (coordinator.receive(&message)) {
     const WorkerOrder order = takeOrder(message);

@@ -36,7 +36,7 @@ void WorkerProcess::start() {
 
 // One that is gone is found to be so when its results are waited for.
 void WorkerProcess::give(const FrameTask& task) {
-  tasks_.push_back({task});
+  tasks_.push_back({task, 0, ""});
   if (process_) {
     process_->socket().send(messageOf(task));
   } else {
@@ -59,17 +59,24 @@ std::optional<FrameResult> WorkerProcess::result() {
   if (tasks_.empty() || tasks_.front().task.frame.index != result.index) {
     throw Failure(ExitCode::Unexpected, "a process that renders gave a frame that nobody wanted");
   }
+  if (const Task& task = tasks_.front(); task.deaths > 0) {
+    const std::string text = "frame " + std::to_string(task.task.frame.number) + ": the process that rendered it " +
+                             task.death + " and started again";
+    result.remarks.insert(result.remarks.begin(), {text, text});
+  }
   tasks_.pop_front();
   return result;
 }
 
 std::optional<FrameResult> WorkerProcess::mourn() {
   const std::string cause = process_->cause();
+  const std::string ending = process_->ending();
   process_.reset();
   if (tasks_.empty()) return std::nullopt;
   Task& task = tasks_.front();
   ++task.deaths;
   if (isRetrying_ && task.deaths == 1) {
+    task.death = ending.substr(ending.find(' ') + 1);  // without "it"
     start();
     return std::nullopt;
   }

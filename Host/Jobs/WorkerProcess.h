@@ -44,6 +44,7 @@ class WorkerProcess {
   struct Task {
     FrameTask task;
     unsigned deaths = 0;
+    std::string death = "";  // of the first process that had it
   };
   std::optional<FrameResult> mourn();
 

@@ -7,6 +7,7 @@
 
 #include <fcntl.h>
 #include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -49,15 +50,22 @@ class SignalsHeld {
 // Between fork and exec nothing but system calls. Descriptors are copied above those that they are to have first, as
 // one may stand where another belongs.
 [[noreturn]] void becomeProgram(const char* program, char* const* arguments, std::vector<int>& given, int input,
-                                pid_t parent, const SignalsHeld& signals) {
+                                pid_t parent, const SignalsHeld& signals, int failure) {
+  const auto fail = [&] {
+    const int cause = errno;
+    (void)!::write(failure, &cause, sizeof cause);
+    ::_exit(127);
+  };
   signals.letGoInChild();
   ::prctl(PR_SET_PDEATHSIG, SIGTERM);
   if (::getppid() != parent) ::_exit(127);
   const int free = kChildSocket + static_cast<int>(given.size());
+  failure = ::fcntl(failure, F_DUPFD_CLOEXEC, free);
+  if (failure < 0) ::_exit(127);
   const int source = input >= 0 ? ::fcntl(input, F_DUPFD_CLOEXEC, free) : ::open("/dev/null", O_RDONLY | O_CLOEXEC);
   for (int& descriptor : given) {
     descriptor = ::fcntl(descriptor, F_DUPFD_CLOEXEC, free);
-    if (descriptor < 0) ::_exit(127);
+    if (descriptor < 0) fail();
   }
   // Of two equal numbers nothing would be copied, and the descriptor closed with the others.
   if (source == STDIN_FILENO) ::fcntl(source, F_SETFD, 0);
@@ -65,9 +73,10 @@ class SignalsHeld {
   for (std::size_t i = 0; i < given.size(); ++i) {
     isInPlace = isInPlace && ::dup2(given[i], kChildSocket + static_cast<int>(i)) >= 0;
   }
-  if (!isInPlace) ::_exit(127);
-  ::close_range(static_cast<unsigned>(free), ~0u, 0);
+  if (!isInPlace) fail();
+  ::close_range(static_cast<unsigned>(free), ~0u, CLOSE_RANGE_CLOEXEC);
   ::execv(program, arguments);
+  fail();
   ::_exit(127);
 }
 
@@ -92,6 +101,11 @@ ChildProcess::ChildProcess(const std::string& program, const std::vector<std::st
   socket_ = MessageSocket(ends[0]);
   const MessageSocket other(ends[1]);
 
+  std::array<int, 2> failure;
+  if (::pipe2(failure.data(), O_CLOEXEC) != 0) refuse();
+  const MessageSocket failureEnd(failure[0]);  // closes it
+  MessageSocket childsFailureEnd(failure[1]);
+
   std::vector<std::string> words = arguments;
   words.insert(words.begin(), program);
   std::vector<char*> pointers;
@@ -104,8 +118,25 @@ ChildProcess::ChildProcess(const std::string& program, const std::vector<std::st
   const SignalsHeld signals;
   id_ = ::fork();
   if (id_ < 0) refuse();
-  if (id_ == 0) becomeProgram(program.c_str(), pointers.data(), given, input, parent, signals);
+  if (id_ == 0) becomeProgram(program.c_str(), pointers.data(), given, input, parent, signals, failure[1]);
+  childsFailureEnd = MessageSocket();
+  int cause = 0;  // why it is no program; nothing comes once it is one
+  ssize_t size;
+  while ((size = ::read(failure[0], &cause, sizeof cause)) < 0 && errno == EINTR) {
+  }
+  if (size == sizeof cause) {
+    ::waitpid(std::exchange(id_, -1), nullptr, 0);
+    errno = cause;
+    refuse();
+  }
   endWithThisProgram(id_);
+}
+
+std::size_t mostDescriptors() {
+  rlimit limit{};
+  if (::getrlimit(RLIMIT_NOFILE, &limit) != 0) return 1024;
+  const rlim_t former = std::exchange(limit.rlim_cur, limit.rlim_max);
+  return static_cast<std::size_t>(::setrlimit(RLIMIT_NOFILE, &limit) == 0 ? limit.rlim_max : former);
 }
 
 ChildProcess::ChildProcess(ChildProcess&& other) noexcept

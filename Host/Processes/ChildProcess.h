@@ -49,6 +49,9 @@ class ChildProcess {
   int status_ = 0;  // as waitpid() gives it
 };
 
+// How many descriptors this process, and those that it starts, may have open: raised to as many as it may raise it to.
+std::size_t mostDescriptors();
+
 // A program that is installed beside the libraries, by its name. Throws Failure when it is not there.
 std::string helperProgram(const std::string& name);
 

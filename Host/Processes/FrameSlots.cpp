@@ -88,6 +88,10 @@ std::byte* FrameSlots::grown(std::size_t index, std::size_t size) {
     do {
       errno = ::posix_fallocate(slot.descriptor, 0, static_cast<off_t>(size));
     } while (errno == EINTR);
+    if (errno == EFBIG) {
+      throw Failure(ExitCode::Unexpected, "memory for frames could not be had: " + std::to_string(size) +
+                                              " bytes are more than the limit for the size of files (ulimit -f)");
+    }
     if (errno != 0) refuse("had");
   }
   return mapped(slot, size);

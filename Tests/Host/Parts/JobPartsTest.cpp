@@ -14,7 +14,7 @@ using namespace host;
 TEST(Resume, ChoosesFramesWhoseFilesAreMissing) {
   const TemporaryFolder folder;
   const auto at = [&](int frame) { return folder.path("f." + std::to_string(frame) + ".png"); };
-  const OutputPicture picture{newBitmap(3, 2, VortoPixelFormat::RGBA8, "a picture"), Depth::Bits8, Channels::RGB, {}};
+  const OutputPicture picture{newBitmap(60, 40, VortoPixelFormat::RGBA8, "a picture"), Depth::Bits8, Channels::RGB, {}};
   for (const int frame : {2, 4, 7, 8}) writePicture(at(frame), picture);
   folder.write("f.3.png", "");
   folder.write("f.5.png", "no picture");
@@ -34,12 +34,30 @@ TEST(Resume, ChoosesFramesWhoseFilesAreMissing) {
   const FrameList part = missingFrames(plan, {4, 2}, pattern, FileFormat::Png);
   ASSERT_EQ(part.count(), 2u);
   EXPECT_EQ(part[1], 5u);
-  for (const auto& [name, format] : std::initializer_list<std::pair<const char*, FileFormat>>{
-           {"x.jpg", FileFormat::Jpeg}, {"x.exr", FileFormat::Exr}, {"x.tga", FileFormat::Targa}}) {
+  for (const auto& [name, format] :
+       std::initializer_list<std::pair<const char*, FileFormat>>{{"x.png", FileFormat::Png},
+                                                                 {"x.jpg", FileFormat::Jpeg},
+                                                                 {"x.tif", FileFormat::Tiff},
+                                                                 {"x.exr", FileFormat::Exr},
+                                                                 {"x.tga", FileFormat::Targa},
+                                                                 {"x.dpx", FileFormat::Dpx},
+                                                                 {"x.bmp", FileFormat::Bmp},
+                                                                 {"x.hdr", FileFormat::Hdr},
+                                                                 {"x.webp", FileFormat::WebP},
+                                                                 {"x.jp2", FileFormat::Jpeg2000},
+                                                                 {"x.ppm", FileFormat::Ppm},
+                                                                 {"x.pfm", FileFormat::Pfm}}) {
     EXPECT_FALSE(isPictureThere(folder.path(name), format)) << name;
     writePicture(folder.path(name), picture);
     EXPECT_TRUE(isPictureThere(folder.path(name), format)) << name;
-    EXPECT_FALSE(isPictureThere(at(2), format)) << name;
+    EXPECT_TRUE(isPictureThere(folder.path(name), format, PictureSize{60, 40})) << name;
+    EXPECT_FALSE(isPictureThere(folder.path(name), format, PictureSize{40, 60})) << name;
+    EXPECT_EQ(isPictureThere(at(2), format), format == FileFormat::Png) << name;
+    const auto size = std::filesystem::file_size(folder.path(name));
+    for (const auto cut : {size - size / 8, size / 2}) {
+      std::filesystem::resize_file(folder.path(name), cut);
+      EXPECT_FALSE(isPictureThere(folder.path(name), format)) << name << " of " << cut << " in " << size;
+    }
   }
 }
 

@@ -163,7 +163,6 @@ TEST(ChildProcess, TellsHowItEnded) {
   EXPECT_EQ(shell("kill -SEGV $$").ending(), "it was ended by signal 11 (Segmentation fault)");
   EXPECT_EQ(shell("kill -SEGV $$").cause(), "signal 11 (Segmentation fault)");
   EXPECT_EQ(shell("exec sleep 1000").ending(), "it did not end");
-  EXPECT_EQ(ChildProcess("/no/such/program", {}, {}).ending(), "it ended with exit code 127");
   ChildProcess stubborn = shell("trap '' TERM; echo >&3; exec sleep 1000");
   Bytes start(1);
   ASSERT_EQ(::read(stubborn.socket().descriptor(), start.data(), 1), 1);
@@ -187,4 +186,15 @@ TEST(ChildProcess, HasWhatItWasGivenAndNothingElse) {
   ::lseek(input, 64, SEEK_SET);
   ChildProcess given = shell("cat >&3", {}, input);
   EXPECT_EQ(said(given), "given");
+}
+
+TEST(ChildProcess, WhatIsNoProgramSaysWhy) {
+  const std::ptrdiff_t before = openDescriptors();
+  try {
+    const ChildProcess child("/no/such/program", {}, {});
+    ADD_FAILURE();
+  } catch (const Failure& failure) {
+    EXPECT_STREQ(failure.what(), "/no/such/program could not be started: No such file or directory");
+  }
+  EXPECT_EQ(openDescriptors(), before);
 }
