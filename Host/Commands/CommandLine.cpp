@@ -117,7 +117,7 @@ there are ten in a task. Times are those of all frames together, and the files a
 write. Frames that are there already stay, so that a task which is run again goes on where it was. An effect that keeps a
 state from frame to frame is one task.
 
-A clip is assembled by a second job from frames beside it, in OUTPUT.frames, which are removed when it is whole.
+A clip is assembled by a second job from frames beside it, in OUTPUT.frames-XXXXXXXX, which are removed when it is whole.
 
 All machines need the same vorto, effects and files under the same paths. The scripts are kept beside the logs; a task
 that failed is run again by sbatch --array=K SCRIPT.
