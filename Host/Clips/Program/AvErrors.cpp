@@ -16,9 +16,18 @@ namespace {
 // Codecs log on threads of their own, which keep nothing.
 thread_local bool isKept = false;
 thread_local std::array<char, 200> kept;
+thread_local bool isFileDamaged = false;
 
-void log(void* /*object*/, int level, const char* format, va_list values) {
-  if (level > AV_LOG_ERROR || !isKept || kept[0] != 0) return;
+bool isOfDemuxer(void* object) {
+  const AVClass* kind = object ? *static_cast<AVClass**>(object) : nullptr;
+  if (!kind) return false;
+  return (kind->get_category ? kind->get_category(object) : kind->category) == AV_CLASS_CATEGORY_DEMUXER;
+}
+
+void log(void* object, int level, const char* format, va_list values) {
+  if (level > AV_LOG_ERROR || !isKept) return;
+  isFileDamaged = isFileDamaged || isOfDemuxer(object);
+  if (kept[0] != 0) return;
   std::vsnprintf(kept.data(), kept.size(), format, values);
 }
 
@@ -30,11 +39,16 @@ void silenceLibraries() {
 
 LoggedError::LoggedError() {
   kept[0] = 0;
+  isFileDamaged = false;
   isKept = true;
 }
 
 LoggedError::~LoggedError() {
   isKept = false;
+}
+
+bool LoggedError::isOfFile() const {
+  return isFileDamaged;
 }
 
 std::string LoggedError::reason(int error) const {

@@ -16,6 +16,9 @@ class LoggedError {
   LoggedError& operator=(const LoggedError&) = delete;
   ~LoggedError();
 
+  // Whether what reads a file, and not a codec, has logged one: something of the file is damaged.
+  bool isOfFile() const;
+
   // What an error code means, with what was logged: "Invalid data found when processing input (moov atom not found)".
   std::string reason(int error) const;
 };

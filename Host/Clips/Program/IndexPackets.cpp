@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
 
 namespace host {
 namespace {
@@ -29,11 +30,12 @@ struct Gathered {
   std::vector<std::int64_t> decoded;  // decoding times
   std::vector<KeyPacket> keys;
   std::size_t frames = 0;
-  bool isJoined = false;         // times begin again, as of files that were put one behind another
-  std::size_t withoutTime = 0;   // frames that do not say when they are shown
-  std::int64_t end = INT64_MIN;  // of the frame that is shown last, where packets say how long theirs is
-  double lastSecond = 0;         // at which a packet of any stream is over
-  int error = 0;                 // which ended reading
+  bool isJoined = false;            // times begin again, as of files that were put one behind another
+  std::size_t withoutTime = 0;      // frames that do not say when they are shown
+  std::int64_t end = INT64_MIN;     // of the frame that is shown last, where packets say how long theirs is
+  double lastSecond = 0;            // at which a packet of any stream is over
+  std::optional<double> damagedAt;  // the second before which something of the file could not be read, first
+  int error = 0;                    // which ended reading
 };
 
 // VP8 and VP9 know frames that are only decoded, for others to refer to.
@@ -81,9 +83,12 @@ void noteEnd(const AVPacket& packet, const AVFormatContext& input, Gathered* gat
 
 Gathered gatherAll(AVFormatContext& input, const AVStream& stream, const std::function<void()>& goesOn) {
   Gathered gathered;
+  const LoggedError logged;
   const AvPacket packet = newPacket();
   while ((gathered.error = av_read_frame(&input, packet.get())) >= 0) {
     noteEnd(*packet, input, &gathered);
+    const bool isDamaged = (packet->flags & AV_PKT_FLAG_CORRUPT) != 0 || logged.isOfFile();
+    if (isDamaged && !gathered.damagedAt) gathered.damagedAt = gathered.lastSecond;
     if (packet->stream_index == stream.index) gather(*packet, stream, &gathered);
     av_packet_unref(packet.get());
     if (gathered.frames > kMostFrames) throw Failure(ExitCode::Input, "it has more frames than can be counted");
@@ -160,8 +165,9 @@ std::string remarkOn(const Gathered& gathered, const AVFormatContext& input, con
   if (stated > gathered.lastSecond + std::max(2.5 * frame, 0.1)) {
     return "it ends early: it states " + secondsText(stated) + " s and holds " + secondsText(gathered.lastSecond);
   }
-  if (gathered.error == AVERROR_EOF) return "";
-  return "it cannot be read to its end: " + avErrorText(gathered.error);
+  if (gathered.error != AVERROR_EOF) return "it cannot be read to its end: " + avErrorText(gathered.error);
+  if (!gathered.damagedAt) return "";
+  return "parts of it are damaged, the first before " + secondsText(*gathered.damagedAt) + " s";
 }
 
 }  // namespace

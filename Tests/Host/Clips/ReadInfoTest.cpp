@@ -138,6 +138,12 @@ TEST(ClipInfo, AnEndThatIsMissingIsSaid) {
     EXPECT_LE(read.damaged.size(), 1u);
     read.all();
   }
+  // So is a hole in the middle.
+  const std::string matroska = folder.path("whole-clip.mkv");
+  std::string holed = contentsOf(matroska);
+  std::fill_n(holed.begin() + static_cast<std::ptrdiff_t>(holed.size() / 2), 1000, '\0');
+  const std::string remark = ReadClip(folder.write("holed.mkv", holed)).info().remark;
+  EXPECT_EQ(remark.find("parts of it are damaged, the first before "), 0u) << remark;
   // Sound that lasts longer than the pictures is no missing end.
   const std::string longer = folder.path("longer.mkv");
   runFfmpeg(kChart + "-f lavfi -i sine=d=3 -c:v mpeg4 " + longer);
