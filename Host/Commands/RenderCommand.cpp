@@ -102,7 +102,7 @@ std::string ownDescriptorIn(const RenderOptions& options) {
   }
   for (const auto* const assignments : {&options.values, &options.states}) {
     for (const std::string& text : *assignments) {
-      const std::string path = text.substr(text.find('=') + 1);
+      std::string path = text.substr(text.find('=') + 1);
       if (isOwnDescriptor(path)) return path;
     }
   }
@@ -150,7 +150,7 @@ void checkPart(const RenderOptions& options, const RenderTiming& timing, bool ke
 // Of the plan's frames those that are to be rendered.
 FrameList framesToRender(const RenderOptions& options, const RenderTiming& timing, const Output& output) {
   const PlanPart part = timing.part();
-  const FrameList frames(part.first, part.count);
+  FrameList frames(part.first, part.count);
   if (!options.isResumed) return frames;
   FrameList missing = missingFrames(timing.plan(), frames, *framePattern(options.output),
                                     output.sink->format(Depth::Bits8), parsedFraming(options.framing).size);
