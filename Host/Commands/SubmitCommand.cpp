@@ -2,9 +2,6 @@
 #include "Host/Commands/SubmitCommand.h"
 
 #include "Host/Commands/RenderTiming.h"
-#include "Host/Farm/BatchScript.h"
-#include "Host/Farm/ShellText.h"
-#include "Host/Farm/Slurm.h"
 #include "Host/Files/FileFormat.h"
 #include "Host/Files/FrameFiles.h"
 #include "Host/Files/OutputFile.h"
@@ -15,6 +12,9 @@
 #include "Host/Messages/StandardOutput.h"
 #include "Host/Messages/Utf8.h"
 #include "Host/Rendering/FrameTimes.h"
+#include "Host/Submission/BatchScript.h"
+#include "Host/Submission/ShellText.h"
+#include "Host/Submission/Slurm.h"
 #include "TarnCore/TCHash128.h"
 
 #include <algorithm>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "Host/Farm/BatchScript.h"
+#include "Host/Submission/BatchScript.h"
 
-#include "Host/Farm/ShellText.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Messages/Utf8.h"
+#include "Host/Submission/ShellText.h"
 
 namespace host {
 namespace {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-#include "Host/Farm/ShellText.h"
+#include "Host/Submission/ShellText.h"
 
 #include "Host/Messages/Failure.h"
 #include "Host/Messages/Utf8.h"
