@@ -12,6 +12,7 @@ namespace host {
 struct InspectOptions {
   std::string effect;  // empty to edit one state file alone
   std::vector<std::string> inputs;
+  std::vector<std::string> files;   // to open as a double click does, without an effect
   std::vector<std::string> values;  // "port=value"
   std::vector<std::string> states;  // "port=FILE"; without an effect one, "kind=FILE"
   FramingOptions framing;

@@ -8,6 +8,7 @@
 #include <QAction>
 #include <QFileDialog>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QWidget>
 #include <algorithm>
 #include <exception>
@@ -32,6 +33,10 @@ DocumentActions::DocumentActions(ParameterDocument& document, MessageBar& messag
                            .interactionStarted =
                                [this](QCPort& port) {
                                  if (ParameterDocument::hasStateFile(port)) active_ = &port;
+                               },
+                           .interactionsChanged =
+                               [this] {
+                                 if (told_.held) told_.held(document_.history().isInteracting());
                                },
                            .historyChanged = [this] { updateActions(); }}) {
   const auto& ports = document.parameters();
@@ -118,9 +123,12 @@ bool DocumentActions::mayClose() {
   if (unsaved.empty()) return true;
   QStringList names;
   for (const QCPort* port : unsaved) names.append(QString::fromStdString(port->name()));
-  QMessageBox box(QMessageBox::Question, "Vorto", "Save the changes to " + names.join(", ") + "?",
+  QMessageBox box(QMessageBox::Question, "Vorto", windowText("Save the changes to %1?").arg(names.join(", ")),
                   QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, &window_);
-  box.setInformativeText("Without saving they are lost.");
+  box.setInformativeText(windowText("Without saving they are lost."));
+  box.button(QMessageBox::Save)->setText(windowText("Save"));
+  box.button(QMessageBox::Discard)->setText(windowText("Discard"));
+  box.button(QMessageBox::Cancel)->setText(windowText("Cancel"));
   const int chosen = box.exec();
   if (chosen != QMessageBox::Save) return chosen == QMessageBox::Discard;
   for (QCPort* port : unsaved) save(*port);

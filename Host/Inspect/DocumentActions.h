@@ -22,6 +22,7 @@ class DocumentActions : public QObject {
   struct Told {
     std::function<void(QCPort& port)> valueChanged;
     std::function<void(QCPort& port)> loaded;  // the value is another file's: editors read it anew
+    std::function<void(bool held)> held = {};  // a hand drags, or a picker is open; and no longer
     std::function<void()> changed;             // what is modified, what can be undone, which file it is
   };
   DocumentActions(ParameterDocument& document, MessageBar& messages, QWidget& window, Told told);

@@ -32,6 +32,7 @@ void EditRecorder::watch(QCPort& port) {
   observations_.push_back(center.addObserver(kVortoStartInteraction, &port, [this, &port](const NSNotification&) {
     document_.history().startInteraction(&port);
     told_.interactionStarted(port);
+    told_.interactionsChanged();
   }));
   observations_.push_back(
       center.addObserver(kVortoEndInteraction, &port, [this, &port](const NSNotification&) { endInteraction(&port); }));
@@ -40,14 +41,17 @@ void EditRecorder::watch(QCPort& port) {
 // One picker is open at a time, wherever.
 void EditRecorder::watchPickers() {
   auto& center = NSNotificationCenter::defaultCenter();
-  observations_.push_back(center.addObserver(
-      kVRTColorPickerDidOpen, nullptr, [this](const NSNotification&) { document_.history().startInteraction(this); }));
+  observations_.push_back(center.addObserver(kVRTColorPickerDidOpen, nullptr, [this](const NSNotification&) {
+    document_.history().startInteraction(this);
+    told_.interactionsChanged();
+  }));
   observations_.push_back(
       center.addObserver(kVRTColorPickerDidClose, nullptr, [this](const NSNotification&) { endInteraction(this); }));
 }
 
 void EditRecorder::endInteraction(const void* source) {
   document_.history().endInteraction(source);
+  told_.interactionsChanged();
   commit_.request();
 }
 

@@ -22,6 +22,7 @@ class EditRecorder : public QObject {
   struct Told {
     std::function<void(QCPort& port)> valueChanged;
     std::function<void(QCPort& port)> interactionStarted;
+    std::function<void()> interactionsChanged;  // whether any runs
     std::function<void()> historyChanged;
   };
   EditRecorder(ParameterDocument& document, Told told);

@@ -4,6 +4,8 @@
 #include "Host/Inspect/Appearance.h"
 #include "Host/Inspect/WindowText.h"
 
+#include <QApplication>
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QToolButton>
@@ -11,12 +13,7 @@
 namespace host {
 
 MessageBar::MessageBar(QWidget* parent) : QWidget(parent), label_(new QLabel(this)) {
-  const InspectorColors colors = inspectorColors(palette());
-  QPalette own = palette();
-  own.setColor(QPalette::Window, colors.errorGround);
-  for (const auto role : {QPalette::WindowText, QPalette::ButtonText, QPalette::Text})
-    own.setColor(role, colors.errorText);
-  setPalette(own);
+  takeColors();
   setAutoFillBackground(true);
 
   label_->setWordWrap(true);
@@ -33,6 +30,20 @@ MessageBar::MessageBar(QWidget* parent) : QWidget(parent), label_(new QLabel(thi
   row->addWidget(label_, 1);
   row->addWidget(close, 0, Qt::AlignTop);
   hide();
+}
+
+void MessageBar::takeColors() {
+  const InspectorColors colors = inspectorColors(QApplication::palette());
+  QPalette own = QApplication::palette();
+  own.setColor(QPalette::Window, colors.errorGround);
+  for (const auto role : {QPalette::WindowText, QPalette::ButtonText, QPalette::Text})
+    own.setColor(role, colors.errorText);
+  setPalette(own);
+}
+
+void MessageBar::changeEvent(QEvent* event) {
+  QWidget::changeEvent(event);
+  if (event->type() == QEvent::ApplicationPaletteChange) takeColors();
 }
 
 void MessageBar::show(const QString& text) {

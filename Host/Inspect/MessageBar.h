@@ -15,7 +15,12 @@ class MessageBar : public QWidget {
   void clear();
   QString text() const;
 
+ protected:
+  void changeEvent(QEvent* event) override;
+
  private:
+  void takeColors();
+
   QLabel* label_;
 };
 

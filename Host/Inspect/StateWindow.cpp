@@ -20,12 +20,13 @@ constexpr int kMargin = 20;
 
 }  // namespace
 
-StateWindow::StateWindow(ParameterDocument& document) : messages_(new MessageBar(this)) {
-  actions_ = new DocumentActions(document, *messages_, *this,
+StateWindow::StateWindow(std::unique_ptr<ParameterDocument> document)
+    : document_(std::move(document)), messages_(new MessageBar(this)) {
+  actions_ = new DocumentActions(*document_, *messages_, *this,
                                  {.valueChanged = [](QCPort&) {},
                                   .loaded = [this](QCPort&) { section_->slot().refresh(); },
                                   .changed = [this] { updateTitle(); }});
-  section_ = new ParameterSection(*document.parameters().front(), *actions_, ParameterSection::Folding::None, this);
+  section_ = new ParameterSection(*document_->parameters().front(), *actions_, ParameterSection::Folding::None, this);
   section_->setFixedWidth(inspectorMetrics::kContentWidth);
   auto* inner = new QVBoxLayout;
   inner->setContentsMargins(kMargin - inspectorMetrics::kLeftInset, kMargin - 6,

@@ -4,6 +4,7 @@
 #include "Host/Inspect/ParameterDocument.h"
 
 #include <QWidget>
+#include <memory>
 
 namespace host {
 
@@ -14,7 +15,7 @@ class ParameterSection;
 // One state file's editor, alone on a window.
 class StateWindow : public QWidget {
  public:
-  explicit StateWindow(ParameterDocument& document);
+  explicit StateWindow(std::unique_ptr<ParameterDocument> document);
 
   DocumentActions& actions() { return *actions_; }
   MessageBar& messages() { return *messages_; }
@@ -28,6 +29,7 @@ class StateWindow : public QWidget {
  private:
   void updateTitle();
 
+  const std::unique_ptr<ParameterDocument> document_;
   MessageBar* messages_;
   DocumentActions* actions_ = nullptr;
   ParameterSection* section_ = nullptr;
