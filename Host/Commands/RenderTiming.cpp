@@ -177,9 +177,6 @@ RenderTiming::RenderTiming(const RenderOptions& options, EffectKind kind, const 
   const OutputKind output = outputKindOf(options);
   const auto frames = framesOption(options);
   const bool isMoving = inputs.areSequence() || inputs.haveClip() || frames;
-  if (output == OutputKind::Picture && isMoving) {
-    refuse("the output of a sequence needs the frame's number in its name, as in out.%04d.png");
-  }
   if (isMoving || output == OutputKind::Sequence || output == OutputKind::Clip) {
     if (!isMoving) refuse("--output " + options.output + " is a sequence: give its frames with --frames A-B");
   }
@@ -208,6 +205,9 @@ RenderTiming::RenderTiming(const RenderOptions& options, EffectKind kind, const 
     refuse("--chunk: a clip is written as a whole; render its frames into a sequence");
   }
   part_ = chunkOf(options, plan_->count());
+  if (output == OutputKind::Picture && part_.count > 1) {
+    refuse("the output of a sequence needs the frame's number in its name, as in out.%04d.png");
+  }
 }
 
 }  // namespace host

@@ -1,139 +1,338 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Inspect/EffectWindow.h"
 
-#include "Host/Inspect/Appearance.h"
+#include "Host/Inspect/ActivityPanel.h"
 #include "Host/Inspect/DocumentActions.h"
 #include "Host/Inspect/Drops.h"
+#include "Host/Inspect/EditorSlot.h"
+#include "Host/Inspect/EffectWindowActions.h"
+#include "Host/Inspect/FileRole.h"
+#include "Host/Inspect/InputList.h"
+#include "Host/Inspect/InspectorApplication.h"
 #include "Host/Inspect/InspectorColumn.h"
 #include "Host/Inspect/MessageBar.h"
-#include "Host/Inspect/PreviewView.h"
-#include "Host/Inspect/TransportBar.h"
+#include "Host/Inspect/ParameterSection.h"
 #include "Host/Inspect/WindowText.h"
-#include "TarnCore/TCBitmap.h"
+#include "Host/Messages/Failure.h"
+#include "Host/Playback/TimelineBar.h"
+#include "Host/Viewer/Viewer.h"
+#include "Host/Viewer/ViewerBar.h"
 
-#include <QAction>
-#include <QCloseEvent>
+#include <QApplication>
 #include <QDropEvent>
-#include <QFileDialog>
-#include <QHBoxLayout>
+#include <QElapsedTimer>
+#include <QFileInfo>
 #include <QKeyEvent>
-#include <QMenuBar>
+#include <QToolButton>
 #include <QVBoxLayout>
+#include <algorithm>
+#include <utility>
 
 namespace host {
 namespace {
 
-QString pictureText(const VortoBitmap& bitmap, double zoom) {
-  const QString depth =
-      bitmap.bitsPerChannel == 32 ? windowText("float") : windowText("%1-bit").arg(bitmap.bitsPerChannel);
-  return QStringLiteral("%1 \u00d7 %2   %3   %4 %")
-      .arg(bitmap.width)
-      .arg(bitmap.height)
-      .arg(depth)
-      .arg(zoom * 100, 0, 'f', 0);
+QString fileName(const std::string& path) {
+  return QFileInfo(QString::fromStdString(path)).fileName();
 }
 
 }  // namespace
 
-EffectWindow::EffectWindow(EffectSession& session)
-    : session_(session),
-      render_([this] { render(); }),
-      preview_(new PreviewView(this)),
-      messages_(new MessageBar(this)) {
-  transport_ = new TransportBar(
-      session.timeline(), session.position(), [this](std::uint64_t position) { return goTo(position); }, this);
-  actions_ = new DocumentActions(session.document(), *messages_, *this,
-                                 {.valueChanged = [this](QCPort&) { render_.request(); },
-                                  .loaded = [this](QCPort& port) { column_->loaded(port); },
-                                  .changed = [this] { updateTitle(); }});
-  column_ = new InspectorColumn(
-      *actions_, {QString::fromStdString(session.name()), QString::fromStdString(session.description())}, this);
-  preview_->setShown([this] {
-    if (session_.result()) transport_->setPictureText(pictureText(*session_.result(), preview_->zoom()));
-  });
+EffectWindow::EffectWindow(const InspectOptions& options, InspectorApplication& application)
+    : application_(application),
+      inputs_(options.inputs),
+      give_([this] { giveParameters(); }),
+      viewer_(new Viewer(this)),
+      viewerBar_(new ViewerBar(*viewer_, this)),
+      messages_(new MessageBar(this)),
+      activity_(new ActivityPanel(this)),
+      timeline_(new TimelineBar(player_, this)),
+      activityButton_(new QToolButton(this)) {
   layOut();
-  addMenus();
+  connectPlayer();
+  connectViewer();
+  restoreChoices();
+  makeActions();
+  openSession(options);
   setAcceptDrops(true);
-  updateTitle();
-  resize(1120, 700);
-  preview_->setFocusPolicy(Qt::ClickFocus);
-  preview_->setFocus();
+  viewer_->setFocus();
+}
+
+EffectWindow::~EffectWindow() {
+  closeSession();
 }
 
 void EffectWindow::layOut() {
   auto* center = new QWidget(this);
   auto* left = new QVBoxLayout;
   left->setSpacing(0);
-  left->addWidget(preview_, 1);
+  left->addWidget(viewerBar_);
+  left->addWidget(viewer_, 1);
   left->addWidget(messages_);
-  left->addWidget(transport_);
+  left->addWidget(activity_);
+  left->addWidget(timeline_);
+  activity_->hide();
+  auto* right = new QWidget(center);
+  columnPlace_ = new QVBoxLayout(right);
+  columnPlace_->setContentsMargins(0, 0, 0, 0);
   auto* row = new QHBoxLayout(center);
   row->setContentsMargins(0, 0, 0, 0);
   row->setSpacing(0);
   row->addLayout(left, 1);
-  row->addWidget(column_);
+  row->addWidget(right);
   setCentralWidget(center);
+
+  activityButton_->setAutoRaise(true);
+  activityButton_->setCheckable(true);
+  activityButton_->hide();
+  QObject::connect(activityButton_, &QToolButton::toggled, activity_, &QWidget::setVisible);
+  activity_->setChanged([this] { showActivity(); });
+  timeline_->addInfoWidget(activityButton_);
 }
 
-void EffectWindow::addMenus() {
-  auto* savePictureAction = new QAction(windowText("Save Picture\u2026"), this);
-  savePictureAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_E));
-  QObject::connect(savePictureAction, &QAction::triggered, this, [this] { savePicture(); });
-  QMenu* file = menuBar()->addMenu(windowText("&File"));
-  file->addActions({actions_->openAction, actions_->saveAction, actions_->saveAsAction});
-  file->addSeparator();
-  file->addAction(savePictureAction);
-  file->addSeparator();
-  file->addAction(actions_->quitAction);
-  QMenu* edit = menuBar()->addMenu(windowText("&Edit"));
-  edit->addActions({actions_->undoAction, actions_->redoAction});
-  edit->addSeparator();
-  edit->addAction(actions_->resetAction);
+// What belongs to an effect.
+
+void EffectWindow::openSession(const InspectOptions& options) {
+  auto session = std::make_unique<EffectSession>(options);  // throws before anything has changed
+  closeSession();
+  session_ = std::move(session);
+  options_ = options;
+  roles_ = inputRolesFor(session_->patch(), options.inputs.size());
+  actions_ = new DocumentActions(session_->document(), *messages_, *this,
+                                 {.valueChanged = [this](QCPort&) { valueChanged(); },
+                                  .loaded = [this](QCPort& port) { column_->loaded(port); },
+                                  .held =
+                                      [this](bool held) {
+                                        if (engine_) engine_->setHeld(held);
+                                        player_.setHeld(held);
+                                      },
+                                  .changed = [this] { updateTitle(); }});
+  fillColumn();
+  buildMenus();
+  startEngine();
+  application_.preferences().setText("lastEffect", QString::fromStdString(session_->name()));
+  updateTitle();
 }
 
-bool EffectWindow::goTo(std::uint64_t position) {
-  if (!actions_->tried([&] { session_.goTo(position); })) return false;
-  render_.cancel();  // what is pending is done here
-  return render();
+void EffectWindow::closeSession() {
+  give_.cancel();
+  engine_ = nullptr;
+  player_.pause();
+  delete std::exchange(column_, nullptr);
+  delete std::exchange(actions_, nullptr);
+  session_.reset();
 }
 
-bool EffectWindow::render() {
-  ++renderCount_;
-  return actions_->tried([this] { preview_->setPicture(session_.render()); });
+void EffectWindow::fillColumn() {
+  column_ = new InspectorColumn(
+      *actions_, {QString::fromStdString(session_->name()), QString::fromStdString(session_->description())}, this);
+  inputList_ = nullptr;
+  if (!roles_.names.isEmpty()) {
+    inputList_ = new InputList(roles_.names, {.wanted = [this](std::size_t input) { openDialog(input, false); },
+                                              .dropped =
+                                                  [this](std::size_t input, const QString& path) {
+                                                    take({path}, input);
+                                                  }});
+    column_->setInputs(inputList_);
+  }
+  columnPlace_->addWidget(column_);
 }
 
-void EffectWindow::savePicture() {
-  const QString path =
-      QFileDialog::getSaveFileName(this, windowText("Save Picture"), QString::fromStdString(session_.name()) + ".png",
-                                   windowText("Pictures (*.png *.jpg *.jpeg *.tif *.tiff *.exr)"));
-  if (path.isEmpty()) return;
-  if (render_.isPending()) renderNow();
-  actions_->tried([&] { session_.savePicture(path.toStdString()); });
+void EffectWindow::startEngine() {
+  QStringList shown;
+  for (const std::string& path : inputs_) shown.append(QString::fromStdString(path));
+  if (inputList_) inputList_->setPaths(shown);
+  const auto needed = static_cast<std::size_t>(roles_.names.size());
+  std::vector<std::string> given(inputs_.begin(), inputs_.begin() + static_cast<std::ptrdiff_t>(
+                                                                       std::min(needed, inputs_.size())));
+  const bool isComplete =
+      given.size() == needed && std::ranges::none_of(given, [](const std::string& path) { return path.empty(); });
+  options_.inputs = std::move(given);
+  player_.pause();
+  player_.setTimes(PlaybackTimes());
+  viewer_->setPicture(nullptr);
+  if (!isComplete) {
+    session_->closeEngine();
+    engine_ = nullptr;
+    viewer_->setNotice({.kind = ViewerNotice::Kind::Hint, .text = windowText("Open or drop a picture")});
+    updateInfo();
+    return;
+  }
+  viewer_->setNotice({});
+  engine_ = &session_->openEngine(
+      options_, {.opened = [this](const PreviewOpened& opened) { player_.setTimes(timesOf(opened)); player_.goTo(opened.start); updateTitle(); },
+                 .refused = [this](const PreviewFailure& failure) { showFailure(failure, true); },
+                 .pictured = [this](const PreviewPictureRef& picture) { pictured(picture); },
+                 .counted = [this](const TCHistogram& input, const TCHistogram& result) { column_->setCounts(input, result); },
+                 .failed = [this](const PreviewFailure& failure) { showFailure(failure, false); },
+                 .busyChanged = [this](const PreviewBusy& busy) { showBusy(busy); },
+                 .aheadReady = [this](std::uint64_t frame, const PreviewPictureRef& picture) {
+                   player_.deliver(frame, engine_->fingerprint(), picture);
+                 },
+                 .aheadFailed = [this](std::uint64_t frame, const PreviewFailure& failure) {
+                   player_.deliverFailure(frame, engine_->fingerprint(), QString::fromStdString(failure.text));
+                 },
+                 .remarked = [this](const std::string& text) { activity_->addFailure(windowText("Remark"), QString::fromStdString(text)); }});
+  engine_->setViewSize(viewer_->pictureSizeOnScreen());
+}
+
+void EffectWindow::connectPlayer() {
+  player_.listen(*this, {.showFrame = [this](std::uint64_t, const PreviewPictureRef& picture) { viewer_->setPicture(picture); },
+                         .positionChanged = [this] { positionChanged(); },
+                         .stateChanged = [this] { positionChanged(); },
+                         .remark = [this](const QString& text) { activity_->addFailure(windowText("Playback"), text); }});
+}
+
+void EffectWindow::connectViewer() {
+  viewer_->setChanged([this] {
+    if (engine_) engine_->setViewSize(viewer_->pictureSizeOnScreen());
+    updateInfo();
+  });
+  viewer_->setFullScreenWanted([this](bool on) { setFullScreen(on); });
+}
+
+// Values and pictures.
+
+void EffectWindow::valueChanged() {
+  give_.request();
+}
+
+void EffectWindow::giveParameters() {
+  if (!engine_) return;
+  engine_->setParameters(session_->document().parameters());
+  player_.parametersChanged();
+}
+
+void EffectWindow::pictured(const PreviewPictureRef& picture) {
+  viewer_->setNotice({});
+  if (!player_.isPlaying()) viewer_->setPicture(picture);
+  if (picture->isFull) player_.deliver(picture->frame, engine_->fingerprint(), picture);
+  updateInfo();
+}
+
+// While it plays the player orders what it needs.
+void EffectWindow::positionChanged() {
+  if (engine_ && !player_.isPlaying() && engine_->frame() != player_.position()) engine_->goTo(player_.position());
+}
+
+void EffectWindow::showBusy(const PreviewBusy& busy) {
+  if (!busy.isBusy) {
+    if (viewer_->notice().kind == ViewerNotice::Kind::Busy) viewer_->setNotice({});
+    return;
+  }
+  const QString text = busy.phase == PreviewPhase::Rendering ? windowText("Rendering\u2026")
+                       : busy.phase == PreviewPhase::Reading ? windowText("Reading\u2026")
+                                                             : windowText("Starting\u2026");
+  viewer_->setNotice({.kind = ViewerNotice::Kind::Busy, .text = text, .elapsed = busy.elapsed, .cancel = [this] {
+                        if (engine_) engine_->cancel();
+                      }});
+}
+
+void EffectWindow::showFailure(const PreviewFailure& failure, bool isRefusal) {
+  const QString text = QString::fromStdString(failure.text);
+  const bool isCanceled = failure.cause == PreviewFailure::Cause::Cancelled;
+  viewer_->setNotice({.kind = ViewerNotice::Kind::Failed, .text = isCanceled ? windowText("Canceled") : text});
+  if (!isCanceled) activity_->addFailure(isRefusal ? windowText("Cannot be opened") : windowText("Cannot be rendered"), text);
+}
+
+bool EffectWindow::waitForPicture(int milliseconds) {
+  if (give_.isPending()) give_.runNow();
+  QElapsedTimer waited;
+  waited.start();
+  const auto isDone = [this] { return !engine_ || (engine_->isSettled() && !give_.isPending() && viewer_->isSettled()); };
+  while (!isDone() && !waited.hasExpired(milliseconds)) {
+    QApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);
+  }
+  return isDone();
+}
+
+void EffectWindow::showActivity() {
+  const QString summary = activity_->summary();
+  activityButton_->setText(summary);
+  activityButton_->setAccessibleName(windowText("Activity") + ": " + summary);
+  activityButton_->setVisible(!summary.isEmpty());
+  if (summary.isEmpty()) activityButton_->setChecked(false);
+  if (isClosing_) closeWhenJobsEnded();
 }
 
 void EffectWindow::updateTitle() {
   if (column_) column_->updateTitles();
-  const QString names = QString::fromStdString(session_.inputNames());
-  setWindowTitle((names.isEmpty() ? QString() : names + " \u2013 ") + QString::fromStdString(session_.name()));
+  QStringList names;
+  for (const std::string& path : options_.inputs) names.append(fileName(path));
+  setWindowTitle((names.isEmpty() ? QString() : names.join(", ") + " \u2013 ") + QString::fromStdString(session_->name()));
 }
 
-void EffectWindow::closeEvent(QCloseEvent* event) {
-  event->setAccepted(actions_->mayClose());
+void EffectWindow::updateInfo() {
+  const PreviewPictureRef& picture = viewer_->picture();
+  if (!picture) return timeline_->setInfo({});
+  const QString depth = picture->depth == Depth::Float  ? windowText("float")
+                        : picture->depth == Depth::Half ? windowText("half")
+                                                        : windowText("%1-bit").arg(picture->depth == Depth::Bits16 ? 16 : 8);
+  timeline_->setInfo(QStringLiteral("%1 \u00d7 %2   %3   %4 %")
+                         .arg(picture->size.width)
+                         .arg(picture->size.height)
+                         .arg(depth)
+                         .arg(viewer_->zoom() * 100, 0, 'f', 0));
 }
 
-// Space comes here from widgets that have no use for it: buttons press themselves, lists open, fields take it as text.
-void EffectWindow::keyPressEvent(QKeyEvent* event) {
-  if (event->key() != Qt::Key_Space || event->modifiers() != Qt::NoModifier) return QMainWindow::keyPressEvent(event);
-  if (!event->isAutoRepeat()) transport_->togglePlaying();
+// Inputs and effects.
+
+void EffectWindow::chooseEffect(const std::string& name) {
+  if (!actions_->mayClose()) return;
+  InspectOptions options = options_;
+  options.effect = name;
+  options.inputs = inputs_;
+  options.values.clear();
+  options.states.clear();
+  const std::map<std::string, std::optional<PropertyList>> kept = session_->parameterStates();
+  actions_->tried([&] {
+    options.inputs.resize(std::min(options.inputs.size(), EffectSession::inputCountOf(name, inputs_.size())));
+    openSession(options);
+    session_->setParameterStates(kept);
+  });
+}
+
+void EffectWindow::setInput(std::size_t input, const std::string& path) {
+  if (inputs_.size() <= input) inputs_.resize(input + 1);
+  inputs_[input] = path;
+  options_.frames.clear();
+  application_.preferences().noteFile(QString::fromStdString(path));
+  startEngine();
+  updateTitle();
+}
+
+void EffectWindow::take(const QStringList& paths, std::size_t input) {
+  for (const QString& path : paths) {
+    const std::string name = path.toStdString();
+    if (fileRoleOf(name) == FileRole::State) {
+      actions_->load(name, actions_->activePort());
+      application_.preferences().noteFile(path);
+    } else if (input < static_cast<std::size_t>(roles_.names.size())) {
+      setInput(input++, name);
+    } else {
+      messages_->show(windowText("%1 takes no more pictures.").arg(QString::fromStdString(session_->name())));
+    }
+  }
 }
 
 void EffectWindow::dragEnterEvent(QDragEnterEvent* event) {
-  if (!droppedFile(*event->mimeData()).empty()) event->acceptProposedAction();
+  if (!droppedFiles(*event->mimeData()).isEmpty()) event->acceptProposedAction();
 }
 
 void EffectWindow::dropEvent(QDropEvent* event) {
   event->acceptProposedAction();
-  actions_->load(droppedFile(*event->mimeData()), actions_->activePort());
+  take(droppedFiles(*event->mimeData()));
+}
+
+// Space comes here from widgets that have no use for it: buttons press themselves, lists open, fields take it as text.
+void EffectWindow::keyPressEvent(QKeyEvent* event) {
+  if (event->key() == Qt::Key_Escape && isFullScreen()) return setFullScreen(false);
+  if (event->key() != Qt::Key_Space || event->modifiers() != Qt::NoModifier) return QMainWindow::keyPressEvent(event);
+  if (!event->isAutoRepeat()) player_.togglePlaying();
+}
+
+void EffectWindow::changeEvent(QEvent* event) {
+  QMainWindow::changeEvent(event);
+  if (event->type() == QEvent::WindowStateChange) showFullScreenParts();
 }
 
 }  // namespace host

@@ -1,56 +1,139 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include "Host/Commands/InspectOptions.h"
 #include "Host/Inspect/CoalescedCall.h"
 #include "Host/Inspect/EffectSession.h"
+#include "Host/Inspect/EngineFrames.h"
+#include "Host/Inspect/InputRoles.h"
+#include "Host/Inspect/ShortcutPage.h"
+#include "Host/Playback/Player.h"
 
+#include <QEventLoopLocker>
 #include <QMainWindow>
+#include <QPointer>
+#include <memory>
+#include <optional>
+
+class QToolButton;
+class QVBoxLayout;
 
 namespace host {
 
+class ActivityPanel;
 class DocumentActions;
+class InputList;
+class InspectorApplication;
 class InspectorColumn;
 class MessageBar;
-class PreviewView;
-class TransportBar;
+class TimelineBar;
+class Viewer;
 
-// An effect's full inspector: the preview, which is rendered again after every change, and the column of parameters.
-// Rendering is coalesced: while it takes its time any number of changes make one more.
+// An effect's full inspector: the picture, which is rendered again after every change, time, and the column of inputs
+// and parameters. Nothing here waits for a picture: processes beside it read and render (PreviewEngine).
+//
+// Viewer, player and the parts of the window stay as long as it does; what belongs to an effect is made anew when
+// another one is chosen.
 class EffectWindow : public QMainWindow {
  public:
-  explicit EffectWindow(EffectSession& session);
+  // Throws Failure for an effect that is not there and parameters that do not fit it. `application` outlives it.
+  EffectWindow(const InspectOptions& options, InspectorApplication& application);
+  ~EffectWindow() override;
 
-  // The preview as it would be once all that is pending was done.
-  void renderNow() { render_.runNow(); }
-  const PreviewView& preview() const { return *preview_; }
+  EffectSession& session() { return *session_; }
+  Viewer& viewer() { return *viewer_; }
+  Player& player() { return player_; }
+  TimelineBar& timeline() { return *timeline_; }
   MessageBar& messages() { return *messages_; }
-  TransportBar& transport() { return *transport_; }
+  ActivityPanel& activity() { return *activity_; }
   InspectorColumn& column() { return *column_; }
   DocumentActions& actions() { return *actions_; }
-  int renderCount() const { return renderCount_; }
+  const InspectOptions& options() const { return options_; }
+
+  // Another effect, with its first values; the inputs stay, those that it does not take too, for the next one.
+  // Parameters of the same kind and name keep their values. What cannot be is shown, and nothing changes.
+  void chooseEffect(const std::string& name);
+  // A picture, pattern or clip in the place of an input. Those that nobody sees are kept too.
+  void setInput(std::size_t input, const std::string& path);
+  // What was dropped or opened: a state goes to its parameter, the first picture to `input`, others to those after it.
+  void take(const QStringList& paths, std::size_t input = 0);
+
+  // Until the newest full picture is there, or it failed; events are handled. False after so many milliseconds.
+  bool waitForPicture(int milliseconds);
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dropEvent(QDropEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
+  void changeEvent(QEvent* event) override;
 
  private:
+  // What a window shows of one effect.
+  void openSession(const InspectOptions& options);
+  void closeSession();
+  void startEngine();
+  void connectPlayer();
+  void connectViewer();
   void layOut();
-  void addMenus();
-  bool goTo(std::uint64_t position);
-  bool render();
-  void savePicture();
-  void updateTitle();
+  void makeActions();
+  void buildMenus();
+  void fillColumn();
+  void restoreChoices();
+  void rememberChoices();
 
-  EffectSession& session_;
-  CoalescedCall render_;
-  PreviewView* preview_;
+  void valueChanged();
+  void giveParameters();
+  void pictured(const PreviewPictureRef& picture);
+  void positionChanged();
+  void showBusy(const PreviewBusy& busy);
+  void showFailure(const PreviewFailure& failure, bool isRefusal);
+  void showActivity();
+  void updateTitle();
+  void updateInfo();
+
+  void openDialog(std::size_t input, bool asSequence);
+  void savePicture();
+  void saveFrame(const QString& path);
+  void exportFrames();
+  void startJob(const QString& output, QStringList arguments);
+  void closeWhenJobsEnded();
+  void setFullScreen(bool on);
+  void showFullScreenParts();
+  void showShortcuts();
+  void fillRecent(QMenu& menu);
+  void fillEffects(QMenu& menu);
+  void fillWindows(QMenu& menu);
+  void fillAppearance(QMenu& menu);
+
+  InspectorApplication& application_;
+  InspectOptions options_;  // of the effect that is shown, with the inputs that it takes
+  std::vector<std::string> inputs_;  // all that were opened, by place
+  InputRoles roles_;
+
+  PreviewEngine* engine_ = nullptr;  // the session's; null while inputs are missing
+  EngineFrames frames_{engine_};
+  Player player_{frames_};
+  std::unique_ptr<EffectSession> session_;
+  CoalescedCall give_;
+
+  Viewer* viewer_;
+  QWidget* viewerBar_;
   MessageBar* messages_;
-  TransportBar* transport_ = nullptr;
-  DocumentActions* actions_ = nullptr;
+  ActivityPanel* activity_;
+  TimelineBar* timeline_;
+  QToolButton* activityButton_;
+  QVBoxLayout* columnPlace_ = nullptr;
   InspectorColumn* column_ = nullptr;
-  int renderCount_ = 0;
+  InputList* inputList_ = nullptr;
+  DocumentActions* actions_ = nullptr;
+
+  struct Actions;
+  std::unique_ptr<Actions> own_;
+  QList<ShortcutGroup> shortcuts_;
+  QPointer<QWidget> shortcutPage_;
+  std::optional<QEventLoopLocker> jobsKeepRunning_;
+  bool isClosing_ = false;
 };
 
 }  // namespace host

@@ -130,8 +130,8 @@ void ExportDialog::setOutput(const QString& path) {
 void ExportDialog::browse() {
   const QString path = QFileDialog::getSaveFileName(
       this, windowText("Export"), output_->text(),
-      windowText("Clips (*.mp4 *.mov *.mkv *.webm *.avi);;Pictures (*.png *.jpg *.jpeg *.tif *.tiff *.exr);;All files "
-                 "(*)"),
+      windowText("Clips") + " (*.mp4 *.mov *.mkv *.webm *.avi);;" + windowText("Pictures") +
+          " (*.png *.jpg *.jpeg *.tif *.tiff *.exr);;" + windowText("All files") + " (*)",
       nullptr, QFileDialog::DontConfirmOverwrite);
   if (!path.isEmpty()) setOutput(path);
 }

@@ -8,6 +8,7 @@
 #include "Host/Inspect/ParameterSection.h"
 #include "Host/Inspect/ValueEditors.h"
 #include "Host/Rendering/PortKinds.h"
+#include "HistogramEditor/VRTHistogramEditor.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -46,22 +47,23 @@ InspectorColumn::InspectorColumn(DocumentActions& actions, const Heading& headin
   setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   setFixedWidth(kContentWidth + 2 * kSideMargin);
   content_->setMinimumWidth(kContentWidth + kSideMargin);
-  auto* column = new QVBoxLayout(content_);
-  column->setContentsMargins(kSideMargin, 18, 0, 18);
-  column->setSpacing(10);
-  addHeading(*column, heading);
+  column_ = new QVBoxLayout(content_);
+  column_->setContentsMargins(kSideMargin, 18, 0, 18);
+  column_->setSpacing(10);
+  addHeading(*column_, heading);
+  belowHeading_ = column_->count();
   bool afterSection = true;
   for (QCPort* port : actions.document().parameters()) {
     const bool isSection = bringsEditor(*port);
-    if (isSection || afterSection) addRule(*column);
+    if (isSection || afterSection) addRule(*column_);
     if (isSection) {
-      addSection(*column, *port, actions);
+      addSection(*column_, *port, actions);
     } else {
-      addRow(*column, *port);
+      addRow(*column_, *port);
     }
     afterSection = isSection;
   }
-  column->addStretch(1);
+  column_->addStretch(1);
   setWidget(content_);
   setWidgetResizable(true);
 }
@@ -122,6 +124,22 @@ ParameterSection* InspectorColumn::section(const QCPort& port) const {
     if (&section->port() == &port) return section;
   }
   return nullptr;
+}
+
+void InspectorColumn::setInputs(QWidget* inputs) {
+  inputs->setFixedWidth(kContentWidth);
+  column_->insertWidget(belowHeading_, inputs);
+}
+
+void InspectorColumn::setCounts(const TCHistogram& input, const TCHistogram& result) {
+  const auto inputCounts = std::make_shared<const TCHistogram>(input);
+  const auto resultCounts = std::make_shared<const TCHistogram>(result);
+  for (ParameterSection* section : sections_) {
+    auto* editor = dynamic_cast<VRTHistogramEditor*>(section->slot().editor());
+    if (!editor) continue;
+    editor->setCounts(VRTHistogramSide::Input, inputCounts);
+    editor->setCounts(VRTHistogramSide::Result, resultCounts);
+  }
 }
 
 void InspectorColumn::loaded(QCPort& port) {

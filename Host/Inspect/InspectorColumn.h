@@ -7,6 +7,7 @@
 class QCPort;
 class QLabel;
 class QVBoxLayout;
+struct TCHistogram;
 
 namespace host {
 
@@ -23,6 +24,9 @@ class InspectorColumn : public QScrollArea {
   };
   InspectorColumn(DocumentActions& actions, const Heading& heading, QWidget* parent = nullptr);
 
+  void setInputs(QWidget* inputs);  // below the heading; belongs to the column then
+  // Of the picture on view, for editors that show them.
+  void setCounts(const TCHistogram& input, const TCHistogram& result);
   void loaded(QCPort& port);  // another file's value
   void updateTitles();
   ParameterSection* section(const QCPort& port) const;  // null for a port that has a row
@@ -34,6 +38,8 @@ class InspectorColumn : public QScrollArea {
   void addRule(QVBoxLayout& column);
 
   QWidget* content_;
+  QVBoxLayout* column_;
+  int belowHeading_ = 0;  // the place in the column
   std::vector<ParameterSection*> sections_;
 };
 
