@@ -331,8 +331,9 @@ void addInspect(CLI::App& app, InspectOptions& options) {
       ->type_name("EFFECT");
   command->add_option("-i,--input", options.inputs, "The effect's pictures or sequences, as for render")
       ->type_name("FILE");
-  command->add_option("--open", options.files,
-                      "Without an effect: states, each in a window, and pictures and clips, for the effect of last time")
+  command
+      ->add_option("--open", options.files,
+                   "Without an effect: states, each in a window, and pictures and clips, for the effect of last time")
       ->type_name("FILE");
   command->add_option("--set", options.values, "Set a port, as for render; may be repeated")
       ->type_name("PORT=VALUE")

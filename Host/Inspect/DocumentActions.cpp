@@ -44,7 +44,7 @@ DocumentActions::DocumentActions(ParameterDocument& document, MessageBar& messag
                                   [](const QCPort* port) { return ParameterDocument::hasStateFile(*port); });
   active_ = first == ports.end() ? nullptr : *first;
 
-  openAction = addAction("Open State\u2026", QKeySequence::Open, [this] { open(active_); });
+  openAction = addAction("Open State\u2026", QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_O), [this] { open(active_); });
   saveAction = addAction("Save State", QKeySequence::Save, [this] { save(*active_); });
   saveAsAction =
       addAction("Save State As\u2026", QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S), [this] { saveAs(*active_); });

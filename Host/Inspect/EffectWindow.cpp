@@ -127,11 +127,9 @@ void EffectWindow::fillColumn() {
       *actions_, {QString::fromStdString(session_->name()), QString::fromStdString(session_->description())}, this);
   inputList_ = nullptr;
   if (!roles_.names.isEmpty()) {
-    inputList_ = new InputList(roles_.names, {.wanted = [this](std::size_t input) { openDialog(input, false); },
-                                              .dropped =
-                                                  [this](std::size_t input, const QString& path) {
-                                                    take({path}, input);
-                                                  }});
+    inputList_ = new InputList(roles_.names,
+                               {.wanted = [this](std::size_t input) { openDialog(input, false); },
+                                .dropped = [this](std::size_t input, const QString& path) { take({path}, input); }});
     column_->setInputs(inputList_);
   }
   columnPlace_->addWidget(column_);
@@ -142,8 +140,8 @@ void EffectWindow::startEngine() {
   for (const std::string& path : inputs_) shown.append(QString::fromStdString(path));
   if (inputList_) inputList_->setPaths(shown);
   const auto needed = static_cast<std::size_t>(roles_.names.size());
-  std::vector<std::string> given(inputs_.begin(), inputs_.begin() + static_cast<std::ptrdiff_t>(
-                                                                       std::min(needed, inputs_.size())));
+  std::vector<std::string> given(inputs_.begin(),
+                                 inputs_.begin() + static_cast<std::ptrdiff_t>(std::min(needed, inputs_.size())));
   const bool isComplete =
       given.size() == needed && std::ranges::none_of(given, [](const std::string& path) { return path.empty(); });
   options_.inputs = std::move(given);
@@ -159,27 +157,38 @@ void EffectWindow::startEngine() {
   }
   viewer_->setNotice({});
   engine_ = &session_->openEngine(
-      options_, {.opened = [this](const PreviewOpened& opened) { player_.setTimes(timesOf(opened)); player_.goTo(opened.start); updateTitle(); },
-                 .refused = [this](const PreviewFailure& failure) { showFailure(failure, true); },
-                 .pictured = [this](const PreviewPictureRef& picture) { pictured(picture); },
-                 .counted = [this](const TCHistogram& input, const TCHistogram& result) { column_->setCounts(input, result); },
-                 .failed = [this](const PreviewFailure& failure) { showFailure(failure, false); },
-                 .busyChanged = [this](const PreviewBusy& busy) { showBusy(busy); },
-                 .aheadReady = [this](std::uint64_t frame, const PreviewPictureRef& picture) {
-                   player_.deliver(frame, engine_->fingerprint(), picture);
-                 },
-                 .aheadFailed = [this](std::uint64_t frame, const PreviewFailure& failure) {
-                   player_.deliverFailure(frame, engine_->fingerprint(), QString::fromStdString(failure.text));
-                 },
-                 .remarked = [this](const std::string& text) { activity_->addFailure(windowText("Remark"), QString::fromStdString(text)); }});
+      options_,
+      {.opened =
+           [this](const PreviewOpened& opened) {
+             player_.setTimes(timesOf(opened));
+             player_.goTo(opened.start);
+             updateTitle();
+           },
+       .refused = [this](const PreviewFailure& failure) { showFailure(failure, true); },
+       .pictured = [this](const PreviewPictureRef& picture) { pictured(picture); },
+       .counted = [this](const TCHistogram& input, const TCHistogram& result) { column_->setCounts(input, result); },
+       .failed = [this](const PreviewFailure& failure) { showFailure(failure, false); },
+       .busyChanged = [this](const PreviewBusy& busy) { showBusy(busy); },
+       .aheadReady = [this](
+                         std::uint64_t frame,
+                         const PreviewPictureRef& picture) { player_.deliver(frame, engine_->fingerprint(), picture); },
+       .aheadFailed =
+           [this](std::uint64_t frame, const PreviewFailure& failure) {
+             player_.deliverFailure(frame, engine_->fingerprint(), QString::fromStdString(failure.text));
+           },
+       .remarked =
+           [this](const std::string& text) {
+             activity_->addFailure(windowText("Remark"), QString::fromStdString(text));
+           }});
   engine_->setViewSize(viewer_->pictureSizeOnScreen());
 }
 
 void EffectWindow::connectPlayer() {
-  player_.listen(*this, {.showFrame = [this](std::uint64_t, const PreviewPictureRef& picture) { viewer_->setPicture(picture); },
-                         .positionChanged = [this] { positionChanged(); },
-                         .stateChanged = [this] { positionChanged(); },
-                         .remark = [this](const QString& text) { activity_->addFailure(windowText("Playback"), text); }});
+  player_.listen(
+      *this, {.showFrame = [this](std::uint64_t, const PreviewPictureRef& picture) { viewer_->setPicture(picture); },
+              .positionChanged = [this] { positionChanged(); },
+              .stateChanged = [this] { positionChanged(); },
+              .remark = [this](const QString& text) { activity_->addFailure(windowText("Playback"), text); }});
 }
 
 void EffectWindow::connectViewer() {
@@ -231,14 +240,17 @@ void EffectWindow::showFailure(const PreviewFailure& failure, bool isRefusal) {
   const QString text = QString::fromStdString(failure.text);
   const bool isCanceled = failure.cause == PreviewFailure::Cause::Cancelled;
   viewer_->setNotice({.kind = ViewerNotice::Kind::Failed, .text = isCanceled ? windowText("Canceled") : text});
-  if (!isCanceled) activity_->addFailure(isRefusal ? windowText("Cannot be opened") : windowText("Cannot be rendered"), text);
+  if (!isCanceled)
+    activity_->addFailure(isRefusal ? windowText("Cannot be opened") : windowText("Cannot be rendered"), text);
 }
 
 bool EffectWindow::waitForPicture(int milliseconds) {
   if (give_.isPending()) give_.runNow();
   QElapsedTimer waited;
   waited.start();
-  const auto isDone = [this] { return !engine_ || (engine_->isSettled() && !give_.isPending() && viewer_->isSettled()); };
+  const auto isDone = [this] {
+    return !engine_ || (engine_->isSettled() && !give_.isPending() && viewer_->isSettled());
+  };
   while (!isDone() && !waited.hasExpired(milliseconds)) {
     QApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);
   }
@@ -258,15 +270,17 @@ void EffectWindow::updateTitle() {
   if (column_) column_->updateTitles();
   QStringList names;
   for (const std::string& path : options_.inputs) names.append(fileName(path));
-  setWindowTitle((names.isEmpty() ? QString() : names.join(", ") + " \u2013 ") + QString::fromStdString(session_->name()));
+  setWindowTitle((names.isEmpty() ? QString() : names.join(", ") + " \u2013 ") +
+                 QString::fromStdString(session_->name()));
 }
 
 void EffectWindow::updateInfo() {
   const PreviewPictureRef& picture = viewer_->picture();
   if (!picture) return timeline_->setInfo({});
-  const QString depth = picture->depth == Depth::Float  ? windowText("float")
-                        : picture->depth == Depth::Half ? windowText("half")
-                                                        : windowText("%1-bit").arg(picture->depth == Depth::Bits16 ? 16 : 8);
+  const QString depth = picture->depth == Depth::Float ? windowText("float")
+                        : picture->depth == Depth::Half
+                            ? windowText("half")
+                            : windowText("%1-bit").arg(picture->depth == Depth::Bits16 ? 16 : 8);
   timeline_->setInfo(QStringLiteral("%1 \u00d7 %2   %3   %4 %")
                          .arg(picture->size.width)
                          .arg(picture->size.height)

@@ -107,7 +107,7 @@ class EffectWindow : public QMainWindow {
   void fillAppearance(QMenu& menu);
 
   InspectorApplication& application_;
-  InspectOptions options_;  // of the effect that is shown, with the inputs that it takes
+  InspectOptions options_;           // of the effect that is shown, with the inputs that it takes
   std::vector<std::string> inputs_;  // all that were opened, by place
   InputRoles roles_;
 

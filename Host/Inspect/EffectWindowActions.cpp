@@ -73,7 +73,8 @@ void EffectWindow::makeActions() {
                                      [this] { exportFrames(); });
   own.close = newWindowAction(*this, "Close Window", QKeySequence(Qt::CTRL | Qt::Key_W), [this] { close(); });
   own.chooseEffect = newWindowAction(*this, "Choose Effect\u2026", QKeySequence(Qt::CTRL | Qt::Key_K), [this] {
-    auto* chooser = new EffectChooser(session_->name(), [this](const std::string& name) { chooseEffect(name); }, this);
+    auto* chooser = new EffectChooser(
+        session_->name(), [this](const std::string& name) { chooseEffect(name); }, this);
     chooser->show();
   });
   own.showInspector = newWindowAction(*this, "Show Parameters", QKeySequence(Qt::CTRL | Qt::Key_I), [this] {
@@ -87,10 +88,12 @@ void EffectWindow::makeActions() {
     if (engine_) engine_->cancel();
   });
   own.renderAgain = newWindowAction(*this, "Render Again", QKeySequence::Refresh, [this] { startEngine(); });
-  own.fullScreen = newWindowAction(*this, "Full Screen", QKeySequence(Qt::Key_F11), [this] { setFullScreen(!isFullScreen()); });
+  own.fullScreen =
+      newWindowAction(*this, "Full Screen", QKeySequence(Qt::Key_F11), [this] { setFullScreen(!isFullScreen()); });
   own.shortcuts = newWindowAction(*this, "Keyboard Shortcuts", QKeySequence(Qt::Key_F1), [this] { showShortcuts(); });
   own.about = newWindowAction(*this, "About Vorto", {}, [this] {
-    QMessageBox::about(this, "Vorto", windowText("Vorto %1\nEffects and their parameters, rendered live.").arg(VORTO_VERSION));
+    QMessageBox::about(this, "Vorto",
+                       windowText("Vorto %1\nEffects and their parameters, rendered live.").arg(VORTO_VERSION));
   });
 }
 
@@ -104,15 +107,16 @@ void EffectWindow::buildMenus() {
                          {actions_->openAction, actions_->saveAction, actions_->saveAsAction},
                          {own.savePicture, own.exportFrames},
                          {own.close, actions_->quitAction}});
-  shortcuts_ += addMenu(*this, windowText("&Edit"),
-                        {{actions_->undoAction, actions_->redoAction}, {actions_->resetAction}});
+  shortcuts_ +=
+      addMenu(*this, windowText("&Edit"), {{actions_->undoAction, actions_->redoAction}, {actions_->resetAction}});
   shortcuts_ += addMenu(*this, windowText("E&ffect"),
                         {{own.chooseEffect, newSubMenu(*this, "Effects", [this](QMenu& menu) { fillEffects(menu); })},
                          {own.renderAgain, own.cancelRender}});
-  shortcuts_ += addMenu(*this, windowText("&View"),
-                        viewer_->actionGroups() +
-                            QList<QList<QAction*>>{{own.fullScreen, own.showInspector, own.showActivity},
-                                                   {newSubMenu(*this, "Appearance", [this](QMenu& menu) { fillAppearance(menu); })}});
+  shortcuts_ += addMenu(
+      *this, windowText("&View"),
+      viewer_->actionGroups() +
+          QList<QList<QAction*>>{{own.fullScreen, own.showInspector, own.showActivity},
+                                 {newSubMenu(*this, "Appearance", [this](QMenu& menu) { fillAppearance(menu); })}});
   shortcuts_ += addMenu(*this, windowText("&Playback"), timeline_->actionGroups());
   addMenu(*this, windowText("&Window"), {{newSubMenu(*this, "Windows", [this](QMenu& menu) { fillWindows(menu); })}});
   shortcuts_ += addMenu(*this, windowText("&Help"), {{own.shortcuts, own.about}});
@@ -183,9 +187,9 @@ void EffectWindow::fillAppearance(QMenu& menu) {
 
 void EffectWindow::openDialog(std::size_t input, bool asSequence) {
   const QString folder = application_.preferences().text("openFolder");
-  const QStringList paths = QFileDialog::getOpenFileNames(
-      this, asSequence ? windowText("Open a picture of a sequence") : windowText("Open"), folder,
-      asSequence ? inputFilter() : openFilter());
+  const QStringList paths =
+      QFileDialog::getOpenFileNames(this, asSequence ? windowText("Open a picture of a sequence") : windowText("Open"),
+                                    folder, asSequence ? inputFilter() : openFilter());
   if (paths.isEmpty()) return;
   application_.preferences().setText("openFolder", QFileInfo(paths[0]).absolutePath());
   if (!asSequence) return take(paths, input);
@@ -200,9 +204,9 @@ void EffectWindow::openDialog(std::size_t input, bool asSequence) {
 void EffectWindow::savePicture() {
   if (!engine_) return messages_->show(windowText("There is no picture to save."));
   const QString folder = application_.preferences().text("saveFolder");
-  const QString path = QFileDialog::getSaveFileName(
-      this, windowText("Save Picture"), folder + '/' + QString::fromStdString(session_->name()) + ".png",
-      windowText("Pictures (*.png *.jpg *.jpeg *.tif *.tiff *.exr)"));
+  const QString path = QFileDialog::getSaveFileName(this, windowText("Save Picture"),
+                                                    folder + '/' + QString::fromStdString(session_->name()) + ".png",
+                                                    windowText("Pictures (*.png *.jpg *.jpeg *.tif *.tiff *.exr)"));
   if (path.isEmpty()) return;
   application_.preferences().setText("saveFolder", QFileInfo(path).absolutePath());
   saveFrame(path);
@@ -216,10 +220,13 @@ void EffectWindow::saveFrame(const QString& path) {
   const std::uint64_t frame = player_.position();
   QStringList arguments;
   if (opened->timing == PreviewOpened::Timing::Frames) {  // one of all, so that its time is that among all
-    arguments << "--frames" << QStringLiteral("%1-%2x1").arg(opened->firstNumber).arg(opened->firstNumber + opened->count - 1)
+    arguments << "--frames"
+              << QStringLiteral("%1-%2x1").arg(opened->firstNumber).arg(opened->firstNumber + opened->count - 1)
               << "--chunk" << QString::number(frame + 1);
   } else if (opened->timing == PreviewOpened::Timing::Steps) {
-    arguments << "--time" << QString::fromStdString(numberText(static_cast<double>(frame) / static_cast<double>(opened->count - 1)));
+    arguments << "--time"
+              << QString::fromStdString(
+                     numberText(static_cast<double>(frame) / static_cast<double>(opened->count - 1)));
   }
   startJob(path, arguments);
 }
@@ -235,7 +242,8 @@ void EffectWindow::exportFrames() {
     what.chosen = {{what.first + static_cast<std::uint32_t>(player_.inPoint()),
                     what.first + static_cast<std::uint32_t>(player_.outPoint())}};
   }
-  for (const PreviewInput& input : opened->inputs) what.hasAudio = what.hasAudio || (input.clip && input.clip->hasAudio);
+  for (const PreviewInput& input : opened->inputs)
+    what.hasAudio = what.hasAudio || (input.clip && input.clip->hasAudio);
   what.name = options_.inputs.empty() ? QString::fromStdString(session_->name()) : stemOf(options_.inputs[0]);
   what.name += '-' + QString::fromStdString(session_->name()).toLower().replace(' ', '-');
   auto* dialog = new ExportDialog(
@@ -251,7 +259,8 @@ void EffectWindow::exportFrames() {
 void EffectWindow::startJob(const QString& output, QStringList arguments) {
   actions_->tried([&] {
     auto files = std::make_unique<QTemporaryDir>();
-    if (!files->isValid()) throw Failure(ExitCode::Output, "cannot make a folder: " + files->errorString().toStdString());
+    if (!files->isValid())
+      throw Failure(ExitCode::Output, "cannot make a folder: " + files->errorString().toStdString());
     const QStringList all =
         renderArguments(options_, session_->patch(), session_->document(), files->path().toStdString()) + arguments;
     activity_->addJob(QFileInfo(output).fileName(), [&](std::function<void()> told) {
@@ -298,7 +307,8 @@ void EffectWindow::closeEvent(QCloseEvent* event) {
   event->ignore();
   if (isClosing_ || !actions_->mayClose()) return;
   if (const int running = activity_->runningJobs(); running > 0) {
-    QMessageBox box(QMessageBox::Question, "Vorto", windowText("An export is still running."), QMessageBox::Cancel, this);
+    QMessageBox box(QMessageBox::Question, "Vorto", windowText("An export is still running."), QMessageBox::Cancel,
+                    this);
     box.setInformativeText(windowText("Closing the window ends it; nothing unfinished is left."));
     box.button(QMessageBox::Cancel)->setText(windowText("Keep the Window"));
     QPushButton* stop = box.addButton(windowText("End the Export"), QMessageBox::DestructiveRole);

@@ -49,8 +49,9 @@ std::string effectForPictures(const Preferences& preferences) {
 
 }  // namespace
 
-InspectorApplication::InspectorApplication(const std::string& appearance)
-    : appearance_(appearanceNamed(appearance.empty() ? preferences_.text("appearance").toStdString() : appearance)) {
+InspectorApplication::InspectorApplication(const std::string& appearance, bool remembers)
+    : preferences_(remembers),
+      appearance_(appearanceNamed(appearance.empty() ? preferences_.text("appearance").toStdString() : appearance)) {
   desktop_ = std::make_unique<DesktopAppearance>([this] { applyNow(); });
   applyNow();
 }
@@ -61,8 +62,7 @@ InspectorApplication::~InspectorApplication() {
 }
 
 void InspectorApplication::applyNow() {
-  const bool isDark =
-      appearance_ == Appearance::Desktop ? desktop_->isDark() : appearance_ == Appearance::Dark;
+  const bool isDark = appearance_ == Appearance::Desktop ? desktop_->isDark() : appearance_ == Appearance::Dark;
   applyAppearance(*qApp, isDark ? "dark" : "light");
 }
 

@@ -23,8 +23,9 @@ class StateWindow;
 // are closed; the program ends with the last one.
 class InspectorApplication : public QObject {
  public:
-  // `appearance` is "light", "dark", "desktop", or empty for what was chosen last. The application object is there.
-  explicit InspectorApplication(const std::string& appearance);
+  // `appearance` is "light", "dark", "desktop", or empty for what was chosen last. With `remembers` choices are kept
+  // from run to run. The application object is there.
+  InspectorApplication(const std::string& appearance, bool remembers);
   ~InspectorApplication() override;
 
   Preferences& preferences() { return preferences_; }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Inspect/InspectorColumn.h"
 
+#include "HistogramEditor/VRTHistogramEditor.h"
 #include "Host/Inspect/Appearance.h"
 #include "Host/Inspect/DocumentActions.h"
 #include "Host/Inspect/EditorSlot.h"
@@ -8,7 +9,6 @@
 #include "Host/Inspect/ParameterSection.h"
 #include "Host/Inspect/ValueEditors.h"
 #include "Host/Rendering/PortKinds.h"
-#include "HistogramEditor/VRTHistogramEditor.h"
 
 #include <QHBoxLayout>
 #include <QLabel>

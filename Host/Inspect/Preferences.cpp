@@ -30,7 +30,8 @@ bool isThere(const QString& path) {
 
 }  // namespace
 
-Preferences::Preferences() : settings_(settingsFile(), QSettings::IniFormat) {}
+Preferences::Preferences(bool isKept)
+    : settings_(isKept ? settingsFile() : QStringLiteral("/dev/null"), QSettings::IniFormat) {}
 
 QStringList Preferences::recentFiles() const {
   QStringList files;

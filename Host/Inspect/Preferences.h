@@ -13,7 +13,7 @@ namespace host {
 // said of it. What stands there is checked by whoever takes it.
 class Preferences {
  public:
-  Preferences();
+  explicit Preferences(bool isKept = true);  // else for this run alone, everything as at first
 
   QString text(const QString& name) const { return settings_.value(name).toString(); }  // empty when there is none
   void setText(const QString& name, const QString& text) { settings_.setValue(name, text); }

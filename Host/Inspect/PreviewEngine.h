@@ -46,7 +46,7 @@ class PreviewEngine : public QObject {
  public:
   struct Told {
     std::function<void(const PreviewOpened& opened)> opened;
-    std::function<void(const PreviewFailure& failure)> refused;  // instead; there are no pictures
+    std::function<void(const PreviewFailure& failure)> refused;      // instead; there are no pictures
     std::function<void(const PreviewPictureRef& picture)> pictured;  // of the present frame; isFull or a quick one
     // Of the last full picture: its first input (zeros of generators), and itself.
     std::function<void(const TCHistogram& input, const TCHistogram& result)> counted;
@@ -97,7 +97,8 @@ class PreviewEngine : public QObject {
   void orderAhead(std::uint64_t frame);
   void dropAhead();
 
-  // Of decoded inputs that the processes keep altogether, for pictures that are rendered again; from the next open() on.
+  // Of decoded inputs that the processes keep altogether, for pictures that are rendered again; from the next open()
+  // on.
   void setInputBudget(std::uint64_t bytes);
 
  private:

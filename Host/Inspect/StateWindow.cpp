@@ -8,6 +8,7 @@
 #include "Host/Inspect/MessageBar.h"
 #include "Host/Inspect/ParameterSection.h"
 
+#include <QAction>
 #include <QCloseEvent>
 #include <QDropEvent>
 #include <QFileInfo>
@@ -26,6 +27,7 @@ StateWindow::StateWindow(std::unique_ptr<ParameterDocument> document)
                                  {.valueChanged = [](QCPort&) {},
                                   .loaded = [this](QCPort&) { section_->slot().refresh(); },
                                   .changed = [this] { updateTitle(); }});
+  actions_->openAction->setShortcuts({QKeySequence::Open, actions_->openAction->shortcut()});
   section_ = new ParameterSection(*document_->parameters().front(), *actions_, ParameterSection::Folding::None, this);
   section_->setFixedWidth(inspectorMetrics::kContentWidth);
   auto* inner = new QVBoxLayout;

@@ -27,7 +27,7 @@ class PreviewProcess {
   // believe, there is nothing more.
   std::optional<PreviewReport> next();
 
-  void kill();                                      // at once; next() gives PreviewDied
+  void kill();  // at once; next() gives PreviewDied
   bool hasEnded() { return process_.hasEnded(std::chrono::milliseconds(0)); }
   pid_t id() const { return process_.id(); }
 
