@@ -257,6 +257,11 @@ bool EffectWindow::waitForPicture(int milliseconds) {
   return isDone();
 }
 
+std::optional<PreviewFailure> EffectWindow::failure() const {
+  if (!engine_) return PreviewFailure{.code = ExitCode::Usage, .text = missingInputs()};
+  return engine_->refusal() ? engine_->refusal() : engine_->failure();
+}
+
 void EffectWindow::showActivity() {
   const QString summary = activity_->summary();
   activityButton_->setText(summary);

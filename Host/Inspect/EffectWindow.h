@@ -60,6 +60,7 @@ class EffectWindow : public QMainWindow {
 
   // Until the newest full picture is there, or it failed; events are handled. False after so many milliseconds.
   bool waitForPicture(int milliseconds);
+  std::optional<PreviewFailure> failure() const;  // why there is no picture of the present state
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;

@@ -38,15 +38,6 @@ InspectorApplication::Appearance appearanceNamed(const std::string& name) {
   return InspectorApplication::Appearance::Desktop;
 }
 
-// The effect that was looked at last, where it is still there and takes pictures.
-std::string effectForPictures(const Preferences& preferences) {
-  const std::string last = preferences.text("lastEffect").toStdString();
-  for (const EffectKind kind : {EffectKind::Filter, EffectKind::Transition, EffectKind::BlendMode}) {
-    if (std::ranges::count(effectNames(kind), last) > 0) return last;
-  }
-  return kUsualEffect;
-}
-
 }  // namespace
 
 InspectorApplication::InspectorApplication(const std::string& appearance, bool remembers)
@@ -73,6 +64,14 @@ void InspectorApplication::setAppearance(Appearance appearance) {
     if (each.appearance == appearance) preferences_.setText("appearance", each.name);
   }
   applyNow();
+}
+
+std::string InspectorApplication::usualEffect() const {
+  const std::string last = preferences_.text("lastEffect").toStdString();
+  for (const EffectKind kind : {EffectKind::Filter, EffectKind::Transition, EffectKind::BlendMode}) {
+    if (std::ranges::count(effectNames(kind), last) > 0) return last;
+  }
+  return kUsualEffect;
 }
 
 QList<QWidget*> InspectorApplication::windows() const {
@@ -119,7 +118,7 @@ void InspectorApplication::openFiles(const QStringList& paths) {
     }
   }
   if (!options.inputs.empty()) {
-    options.effect = effectForPictures(preferences_);
+    options.effect = usualEffect();
     openEffect(options).show();
   }
   if (reasons.empty()) return;

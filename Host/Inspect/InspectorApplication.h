@@ -38,6 +38,7 @@ class InspectorApplication : public QObject {
   // was looked at last. What fails is said in a window, or thrown where there would be none.
   void openFiles(const QStringList& paths);
 
+  std::string usualEffect() const;  // for pictures: that which was looked at last
   QList<QWidget*> windows() const;
 
   enum class Appearance { Desktop, Light, Dark };
