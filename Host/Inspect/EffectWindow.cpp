@@ -257,8 +257,17 @@ bool EffectWindow::waitForPicture(int milliseconds) {
   return isDone();
 }
 
+std::optional<PreviewFailure> EffectWindow::inputProblem() const {
+  try {
+    checkInputCount(session_->patch(), session_->name(), options_.inputs.size());
+    return std::nullopt;
+  } catch (const Failure& failure) {
+    return PreviewFailure{.code = failure.code, .text = failure.what()};
+  }
+}
+
 std::optional<PreviewFailure> EffectWindow::failure() const {
-  if (!engine_) return PreviewFailure{.code = ExitCode::Usage, .text = missingInputs()};
+  if (!engine_) return inputProblem();
   return engine_->refusal() ? engine_->refusal() : engine_->failure();
 }
 

@@ -90,6 +90,7 @@ class EffectWindow : public QMainWindow {
   void showBusy(const PreviewBusy& busy);
   void showFailure(const PreviewFailure& failure, bool isRefusal);
   void showActivity();
+  std::optional<PreviewFailure> inputProblem() const;
   void updateTitle();
   void updateInfo();
 

@@ -49,6 +49,20 @@ Depth depthOfSamples(SampleType sample) {
 
 }  // namespace
 
+void checkInputCount(const QCPatch& patch, const std::string& effect, std::size_t inputCount) {
+  std::string expected;
+  for (const EffectKind kind : effectKindsOf(patch)) {
+    if (effectRoles(patch, kind).inputs.size() == inputCount) return;
+    expected += (expected.empty() ? "" : "; ") + std::string(expectedInputs(kind));
+  }
+  if (expected.empty()) {
+    throw Failure(ExitCode::Effect,
+                  "the effect \"" + effect + "\" declares no protocols, which say what kind of effect it is");
+  }
+  throw Failure(ExitCode::Usage, "\"" + effect + "\" is " + expected + "; " + std::to_string(inputCount) +
+                                     (inputCount == 1 ? " was given" : " were given"));
+}
+
 EffectRendering::EffectRendering(const std::string& effect, std::size_t inputCount, const Framing& framing,
                                  std::optional<Depth> depth)
     : effect_(effect), framing_(framing), depth_(depth), patch_(makeEffect(effect)) {
@@ -61,19 +75,12 @@ EffectRendering::EffectRendering(const std::string& effect, std::size_t inputCou
 EffectRendering::~EffectRendering() = default;
 
 void EffectRendering::chooseKind(std::size_t inputCount) {
-  std::string expected;
+  checkInputCount(*patch_, effect_, inputCount);
   for (const EffectKind kind : effectKindsOf(*patch_)) {
     kind_ = kind;
     roles_ = effectRoles(*patch_, kind);
     if (roles_.inputs.size() == inputCount) return;
-    expected += (expected.empty() ? "" : "; ") + std::string(expectedInputs(kind));
   }
-  if (expected.empty()) {
-    throw Failure(ExitCode::Effect,
-                  "the effect \"" + effect_ + "\" declares no protocols, which say what kind of effect it is");
-  }
-  throw Failure(ExitCode::Usage, "\"" + effect_ + "\" is " + expected + "; " + std::to_string(inputCount) +
-                                     (inputCount == 1 ? " was given" : " were given"));
 }
 
 void EffectRendering::checkRoles() const {

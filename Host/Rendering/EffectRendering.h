@@ -13,6 +13,9 @@ namespace host {
 
 class InputWatch;
 
+// Throws Failure when none of an effect's kinds takes that many pictures, saying how many they take.
+void checkInputCount(const QCPatch& patch, const std::string& effect, std::size_t inputCount);
+
 // One effect that renders pictures, frame after frame.
 //
 // A size scales what a filter gives, and what blend modes and transitions are given; pictures of different sizes meet
