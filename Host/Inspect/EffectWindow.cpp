@@ -26,6 +26,7 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 namespace host {
@@ -33,6 +34,17 @@ namespace {
 
 QString fileName(const std::string& path) {
   return QFileInfo(QString::fromStdString(path)).fileName();
+}
+
+// What the whole picture takes on the screen, in its pixels, as far as it is seen.
+PictureSize sizeOnScreen(const Viewer& viewer) {
+  const QSizeF view = QSizeF(viewer.size()) * viewer.devicePixelRatioF();
+  PictureSize size{static_cast<std::uint32_t>(view.width()), static_cast<std::uint32_t>(view.height())};
+  if (!viewer.picture() || viewer.zoom() == 0) return size;
+  const auto limited = [&](std::uint32_t side, std::uint32_t most) {
+    return std::clamp<std::uint32_t>(static_cast<std::uint32_t>(side * viewer.zoom() + 0.5), 1, most);
+  };
+  return {limited(viewer.picture()->size.width, size.width), limited(viewer.picture()->size.height, size.height)};
 }
 
 }  // namespace
@@ -151,11 +163,11 @@ void EffectWindow::startEngine() {
   if (!isComplete) {
     session_->closeEngine();
     engine_ = nullptr;
-    viewer_->setNotice({.kind = ViewerNotice::Kind::Hint, .text = windowText("Open or drop a picture")});
+    viewer_->setNotice(windowText("Open or drop a picture"), Viewer::NoticeKind::Hint);
     updateInfo();
     return;
   }
-  viewer_->setNotice({});
+  viewer_->setNotice({}, Viewer::NoticeKind::None);
   engine_ = &session_->openEngine(
       options_,
       {.opened =
@@ -180,7 +192,7 @@ void EffectWindow::startEngine() {
            [this](const std::string& text) {
              activity_->addFailure(windowText("Remark"), QString::fromStdString(text));
            }});
-  engine_->setViewSize(viewer_->pictureSizeOnScreen());
+  engine_->setViewSize(sizeOnScreen(*viewer_));
 }
 
 void EffectWindow::connectPlayer() {
@@ -192,11 +204,12 @@ void EffectWindow::connectPlayer() {
 }
 
 void EffectWindow::connectViewer() {
-  viewer_->setChanged([this] {
-    if (engine_) engine_->setViewSize(viewer_->pictureSizeOnScreen());
+  viewer_->whenChanged(this, [this] {
+    if (engine_) engine_->setViewSize(sizeOnScreen(*viewer_));
     updateInfo();
   });
-  viewer_->setFullScreenWanted([this](bool on) { setFullScreen(on); });
+  viewer_->setFullScreenCall([this] { setFullScreen(!isFullScreen()); });
+  viewer_->setSpaceCall([this] { player_.togglePlaying(); });
 }
 
 // Values and pictures.
@@ -212,7 +225,7 @@ void EffectWindow::giveParameters() {
 }
 
 void EffectWindow::pictured(const PreviewPictureRef& picture) {
-  viewer_->setNotice({});
+  viewer_->setNotice({}, Viewer::NoticeKind::None);
   if (!player_.isPlaying()) viewer_->setPicture(picture);
   if (picture->isFull) player_.deliver(picture->frame, engine_->fingerprint(), picture);
   updateInfo();
@@ -225,21 +238,22 @@ void EffectWindow::positionChanged() {
 
 void EffectWindow::showBusy(const PreviewBusy& busy) {
   if (!busy.isBusy) {
-    if (viewer_->notice().kind == ViewerNotice::Kind::Busy) viewer_->setNotice({});
+    if (viewer_->notice() == Viewer::NoticeKind::Busy) viewer_->setNotice({}, Viewer::NoticeKind::None);
     return;
   }
   const QString text = busy.phase == PreviewPhase::Rendering ? windowText("Rendering\u2026")
                        : busy.phase == PreviewPhase::Reading ? windowText("Reading\u2026")
                                                              : windowText("Starting\u2026");
-  viewer_->setNotice({.kind = ViewerNotice::Kind::Busy, .text = text, .elapsed = busy.elapsed, .cancel = [this] {
-                        if (engine_) engine_->cancel();
-                      }});
+  const auto cancel = [this] {
+    if (engine_) engine_->cancel();
+  };
+  viewer_->setNotice(text, Viewer::NoticeKind::Busy, cancel, std::chrono::duration<double>(busy.elapsed).count());
 }
 
 void EffectWindow::showFailure(const PreviewFailure& failure, bool isRefusal) {
   const QString text = QString::fromStdString(failure.text);
   const bool isCanceled = failure.cause == PreviewFailure::Cause::Cancelled;
-  viewer_->setNotice({.kind = ViewerNotice::Kind::Failed, .text = isCanceled ? windowText("Canceled") : text});
+  viewer_->setNotice(isCanceled ? windowText("Canceled") : text, Viewer::NoticeKind::Failed);
   if (!isCanceled)
     activity_->addFailure(isRefusal ? windowText("Cannot be opened") : windowText("Cannot be rendered"), text);
 }
@@ -254,7 +268,9 @@ bool EffectWindow::waitForPicture(int milliseconds) {
   while (!isDone() && !waited.hasExpired(milliseconds)) {
     QApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);
   }
-  return isDone();
+  if (!isDone()) return false;
+  viewer_->showNow();
+  return true;
 }
 
 std::optional<PreviewFailure> EffectWindow::inputProblem() const {
