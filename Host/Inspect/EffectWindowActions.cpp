@@ -18,6 +18,7 @@
 #include "Host/Messages/Json.h"
 #include "Host/Playback/TimelineBar.h"
 #include "Host/Viewer/Viewer.h"
+#include "Host/Viewer/ViewerActions.h"
 
 #include <QActionGroup>
 #include <QCloseEvent>
@@ -88,8 +89,6 @@ void EffectWindow::makeActions() {
     if (engine_) engine_->cancel();
   });
   own.renderAgain = newWindowAction(*this, "Render Again", QKeySequence::Refresh, [this] { startEngine(); });
-  own.fullScreen =
-      newWindowAction(*this, "Full Screen", QKeySequence(Qt::Key_F11), [this] { setFullScreen(!isFullScreen()); });
   own.shortcuts = newWindowAction(*this, "Keyboard Shortcuts", QKeySequence(Qt::Key_F1), [this] { showShortcuts(); });
   own.about = newWindowAction(*this, "About Vorto", {}, [this] {
     QMessageBox::about(this, "Vorto",
@@ -112,12 +111,12 @@ void EffectWindow::buildMenus() {
   shortcuts_ += addMenu(*this, windowText("E&ffect"),
                         {{own.chooseEffect, newSubMenu(*this, "Effects", [this](QMenu& menu) { fillEffects(menu); })},
                          {own.renderAgain, own.cancelRender}});
-  shortcuts_ += addMenu(
-      *this, windowText("&View"),
-      viewer_->actionGroups() +
-          QList<QList<QAction*>>{{own.fullScreen, own.showInspector, own.showActivity},
-                                 {newSubMenu(*this, "Appearance", [this](QMenu& menu) { fillAppearance(menu); })}});
-  shortcuts_ += addMenu(*this, windowText("&Playback"), timeline_->actionGroups());
+  QList<QList<QAction*>> view;
+  for (const ViewerActions::Group& group : viewer_->viewerActions().groups()) view.append(group.actions);
+  view.append({own.showInspector, own.showActivity});
+  view.append({newSubMenu(*this, "Appearance", [this](QMenu& menu) { fillAppearance(menu); })});
+  shortcuts_ += addMenu(*this, windowText("&View"), view);
+  shortcuts_ += addMenu(*this, windowText("&Playback"), {timeline_->playbackActions().all()});
   addMenu(*this, windowText("&Window"), {{newSubMenu(*this, "Windows", [this](QMenu& menu) { fillWindows(menu); })}});
   shortcuts_ += addMenu(*this, windowText("&Help"), {{own.shortcuts, own.about}});
 }
@@ -290,14 +289,14 @@ void EffectWindow::restoreChoices() {
   const Preferences& preferences = application_.preferences();
   resize(1280, 800);
   restoreGeometry(preferences.bytes("window"));
-  viewer_->restoreChoices(preferences.text("viewer").toStdString());
+  viewer_->setSettings(settingsFromText(preferences.text("viewer").toStdString()));
   timeline_->restoreChoices(preferences.text("playback"));
 }
 
 void EffectWindow::rememberChoices() {
   Preferences& preferences = application_.preferences();
   if (!isFullScreen()) preferences.setBytes("window", saveGeometry());
-  preferences.setText("viewer", QString::fromStdString(viewer_->choices()));
+  preferences.setText("viewer", QString::fromStdString(settingsText(viewer_->settings())));
   preferences.setText("playback", timeline_->choices());
 }
 

@@ -20,7 +20,6 @@ struct EffectWindow::Actions {
   QAction* showActivity;
   QAction* cancelRender;
   QAction* renderAgain;
-  QAction* fullScreen;
   QAction* shortcuts;
   QAction* about;
 };
