@@ -2,10 +2,7 @@
 #include "Host/Inspect/EffectSession.h"
 
 #include "Host/Commands/OptionValues.h"
-#include "Host/Files/FileFormat.h"
-#include "Host/Files/PictureWriting.h"
-#include "Host/Messages/Failure.h"
-#include "Host/Messages/Utf8.h"
+#include "Host/Inspect/InputRoles.h"
 #include "Host/Rendering/Assignment.h"
 #include "Host/Rendering/Parameters.h"
 #include "Host/Rendering/PortKinds.h"
@@ -28,35 +25,27 @@ std::vector<QCPort*> parametersOf(EffectRendering& rendering) {
   return ports;
 }
 
-std::optional<FrameRange> framesOf(const InspectOptions& options, const Inputs& inputs) {
-  const auto wanted = options.frames.empty() ? std::nullopt : std::optional(parsedFrameRange(options.frames));
-  if (!inputs.areSequence() && !wanted) return std::nullopt;
-  return inputs.checkedFrames(wanted);
+std::size_t inputsOf(const std::string& effect, std::size_t available) {
+  return static_cast<std::size_t>(inputRolesFor(*makeEffect(effect), available).names.size());
+}
+
+std::string classOf(const QCPort& port) {
+  return portKindName(portKindOf(port));
 }
 
 }  // namespace
 
 EffectSession::EffectSession(const InspectOptions& options)
-    : rendering_(options.effect, options.inputs.size(), parsedFraming(options.framing), parsedDepth(options.depth)),
-      inputs_(options.inputs, parsedDepth(options.depth), {}, parsedColors(options.colors, options.inputs)),
-      fixedTime_(options.time) {
-  for (const std::string& path : options.inputs) {
-    inputNames_ += (inputNames_.empty() ? "" : ", ") + validUtf8(std::filesystem::path(path).filename().string());
+    : rendering_(options.effect, inputsOf(options.effect, options.inputs.size()), parsedFraming(options.framing),
+                 parsedDepth(options.depth)) {
+  std::vector<std::string> values;
+  for (const std::string& text : options.values) {
+    const QCPort* port = findInputPort(rendering_.patch(), valueAssignment(text).name);
+    const bool isPicture = port && takesPicture(*port, rendering_.roles());
+    (isPicture ? pictures_ : values).push_back(text);
   }
   document_ = std::make_unique<ParameterDocument>(parametersOf(rendering_));
-  readParameters(options);
-  if (const auto frames = framesOf(options, inputs_)) {
-    timeline_ = Timeline::ofSequence(rendering_.kind(), *frames, options.rate);
-  } else if (rendering_.roles().time) {
-    timeline_ = Timeline::ofTransition(options.rate);
-    const double time = std::clamp(options.time.value_or(0), 0.0, 1.0);
-    position_ = static_cast<std::uint64_t>(time * static_cast<double>(timeline_.count() - 1) + 0.5);
-  }
-  rendering_.connect(inputs_.picturesAt(timeline_.frameAt(position_)));
-}
-
-void EffectSession::readParameters(const InspectOptions& options) {
-  setParameters(rendering_, options.values, options.states);
+  setParameters(rendering_, values, options.states);
   for (const std::string& text : options.states) {
     const auto [port, path] = stateAssignment(text);
     document_->setFile(inputPortNamed(rendering_.patch(), name(), port), path);
@@ -69,25 +58,37 @@ std::string EffectSession::description() const {
   return text ? text->stringValue() : "";
 }
 
-void EffectSession::goTo(std::uint64_t position) {
-  const std::uint64_t valid = std::min(position, timeline_.count() - 1);
-  if (timeline_.isSequence()) rendering_.connect(inputs_.picturesAt(timeline_.frameAt(valid)));
-  if (!timeline_.isSequence() && valid != position_) fixedTime_.reset();
-  position_ = valid;
+PreviewEngine& EffectSession::openEngine(const InspectOptions& options, PreviewEngine::Told told) {
+  PreviewSetup setup;
+  setup.effect = name();
+  setup.inputs = options.inputs;
+  setup.pictures = pictures_;
+  setup.framing = parsedFraming(options.framing);
+  setup.depth = parsedDepth(options.depth);
+  setup.colors = parsedColors(options.colors, options.inputs);
+  setup.time = options.time;
+  if (!options.frames.empty()) setup.frames = parsedFrameRange(options.frames);
+  setup.rate = options.rate;
+  engine_.reset();
+  engine_ = std::make_unique<PreviewEngine>(std::move(told));
+  engine_->setParameters(document_->parameters());
+  engine_->open(setup);
+  return *engine_;
 }
 
-const BitmapRef& EffectSession::render() {
-  result_ = rendering_.result(fixedTime_.value_or(timeline_.timeAt(position_)));
-  return result_;
+EffectSession::KeptStates EffectSession::parameterStates() const {
+  KeptStates states;
+  for (const QCPort* port : document_->parameters()) states[port->key()] = {classOf(*port), port->stateValue()};
+  return states;
 }
 
-void EffectSession::savePicture(const std::string& path) {
-  if (!result_) throw Failure(ExitCode::Output, "cannot write " + path + ": there is no picture");
-  OutputPicture picture;
-  picture.bitmap = result_;
-  picture.depth = rendering_.depthOf(*result_);
-  inputs_.colors().toOutput(picture, fileFormatOf(path), path);
-  writePicture(path, picture);
+void EffectSession::setParameterStates(const KeptStates& states) {
+  for (QCPort* port : document_->parameters()) {
+    const auto kept = states.find(port->key());
+    if (kept == states.end() || kept->second.portClass != classOf(*port) || !kept->second.state) continue;
+    port->setStateValue(*kept->second.state, nullptr);
+  }
+  document_->forgetHistory();
 }
 
 }  // namespace host

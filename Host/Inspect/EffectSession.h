@@ -3,10 +3,10 @@
 
 #include "Host/Commands/InspectOptions.h"
 #include "Host/Inspect/ParameterDocument.h"
-#include "Host/Inspect/Timeline.h"
+#include "Host/Inspect/PreviewEngine.h"
 #include "Host/Rendering/EffectRendering.h"
-#include "Host/Rendering/Inputs.h"
 
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -14,37 +14,40 @@
 
 namespace host {
 
-// An effect with its pictures, at one position in time, whose parameters are edited. Everything throws Failure when it
-// cannot be done; the session stays usable.
+// An effect whose parameters are edited. Its patch is there for its ports and their editors, and is never executed:
+// processes beside this one render (PreviewEngine), and are given the parameters as states.
 class EffectSession {
  public:
+  // Of an effect of several kinds the one that fits the inputs that there are. Throws Failure for an effect that is not
+  // there, and for parameters that do not fit it.
   explicit EffectSession(const InspectOptions& options);
 
   const std::string& name() const { return rendering_.effect(); }
   std::string description() const;
-  const std::string& inputNames() const { return inputNames_; }  // the files' names without folders, "a.png, b.png"
+  QCPatch& patch() { return rendering_.patch(); }
+  EffectKind kind() const { return rendering_.kind(); }
   ParameterDocument& document() { return *document_; }
-  const Timeline& timeline() const { return timeline_; }
-  std::uint64_t position() const { return position_; }
 
-  // Feeds the pictures of that position into the effect; those who watch its image ports see them at once.
-  void goTo(std::uint64_t position);
-  // Runs the effect on them with its present parameters. The result is kept until the next.
-  const BitmapRef& render();
-  const BitmapRef& result() const { return result_; }
-  void savePicture(const std::string& path);
+  // Begins with the inputs of the options, as many as the effect takes, and the present parameters. The one before
+  // ends.
+  PreviewEngine& openEngine(const InspectOptions& options, PreviewEngine::Told told);
+  void closeEngine() { engine_.reset(); }
+
+  // What the parameters are now, by the keys of their ports; and those of another effect, as far as there are ports of
+  // the same key and kind.
+  struct KeptState {
+    std::string portClass;
+    std::optional<PropertyList> state;
+  };
+  using KeptStates = std::map<std::string, KeptState>;
+  KeptStates parameterStates() const;
+  void setParameterStates(const KeptStates& states);
 
  private:
-  void readParameters(const InspectOptions& options);
-
   EffectRendering rendering_;
-  Inputs inputs_;
-  std::string inputNames_;
-  Timeline timeline_;
-  std::uint64_t position_ = 0;
-  std::optional<double> fixedTime_;  // that of --time; for a transition until its slider moves
+  std::vector<std::string> pictures_;  // "port=FILE"
   std::unique_ptr<ParameterDocument> document_;
-  BitmapRef result_;
+  std::unique_ptr<PreviewEngine> engine_;
 };
 
 }  // namespace host

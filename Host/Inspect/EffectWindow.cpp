@@ -64,7 +64,7 @@ EffectWindow::EffectWindow(const InspectOptions& options, InspectorApplication& 
   connectViewer();
   restoreChoices();
   makeActions();
-  openSession(options);
+  openSession(options, {});
   setAcceptDrops(true);
   viewer_->setFocus();
 }
@@ -103,8 +103,9 @@ void EffectWindow::layOut() {
 
 // What belongs to an effect.
 
-void EffectWindow::openSession(const InspectOptions& options) {
+void EffectWindow::openSession(const InspectOptions& options, const EffectSession::KeptStates& kept) {
   auto session = std::make_unique<EffectSession>(options);  // throws before anything has changed
+  session->setParameterStates(kept);
   closeSession();
   session_ = std::move(session);
   options_ = options;
@@ -327,12 +328,8 @@ void EffectWindow::chooseEffect(const std::string& name) {
   options.inputs = inputs_;
   options.values.clear();
   options.states.clear();
-  const std::map<std::string, std::optional<PropertyList>> kept = session_->parameterStates();
-  actions_->tried([&] {
-    options.inputs.resize(std::min(options.inputs.size(), EffectSession::inputCountOf(name, inputs_.size())));
-    openSession(options);
-    session_->setParameterStates(kept);
-  });
+  const EffectSession::KeptStates kept = session_->parameterStates();
+  actions_->tried([&] { openSession(options, kept); });
 }
 
 void EffectWindow::setInput(std::size_t input, const std::string& path) {

@@ -71,7 +71,7 @@ class EffectWindow : public QMainWindow {
 
  private:
   // What a window shows of one effect.
-  void openSession(const InspectOptions& options);
+  void openSession(const InspectOptions& options, const EffectSession::KeptStates& kept);
   void closeSession();
   void startEngine();
   void connectPlayer();

@@ -41,7 +41,8 @@ class WindowPartsTest : public testing::Test {
   void write(const std::string& name, const std::string& text) { std::ofstream(at(name), std::ios::binary) << text; }
   std::vector<std::string> files() const {
     std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder.path())) names.push_back(entry.path().filename());
+    for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
+      names.push_back(entry.path().filename());
     std::sort(names.begin(), names.end());
     return names;
   }
@@ -71,7 +72,8 @@ TEST_F(WindowPartsTest, FilesAreStatesOrInputs) {
 }
 
 TEST_F(WindowPartsTest, SequencesAreFoundAroundAPicture) {
-  for (const char* name : {"a.0007.png", "a.0008.png", "v2-9.png", "v2-10.png", "alone3.png", "none.png"}) write(name, "");
+  for (const char* name : {"a.0007.png", "a.0008.png", "v2-9.png", "v2-10.png", "alone3.png", "none.png"})
+    write(name, "");
   EXPECT_EQ(host::sequenceAround(at("a.0007.png")), at("a.%04d.png"));
   EXPECT_EQ(host::sequenceAround(at("v2-9.png")), at("v2-%d.png"));
   EXPECT_EQ(host::sequenceAround(at("alone3.png")), std::nullopt);
@@ -121,7 +123,8 @@ TEST_F(WindowPartsTest, ExportsTellProgressAndLeaveNothingUnfinished) {
   };
   using State = host::RenderJob::State;
   const QStringList noise{"Noise", "--size", "64x48", "--frames"};
-  EXPECT_EQ(run(noise + QStringList{"0-5"}, "n.%d.png", false), std::tuple(State::Done, std::uint64_t{6}, std::string()));
+  EXPECT_EQ(run(noise + QStringList{"0-5"}, "n.%d.png", false),
+            std::tuple(State::Done, std::uint64_t{6}, std::string()));
   EXPECT_EQ(files().size(), 6u);
 
   const auto [failed, none, reason] = run({"Levels", "--input", "missing.png"}, "x.png", false);
@@ -174,19 +177,21 @@ TEST_F(WindowPartsTest, WhatIsExportedFollowsFromTheFileAndTheFrames) {
   for (const Row& row : rows) {
     QString output;
     QStringList arguments;
-    auto* dialog = new host::ExportDialog(row.what, QString::fromStdString(folder.path()),
-                                          [&](const QString& path, const QStringList& chosen) {
-                                            output = path;
-                                            arguments = chosen;
-                                          },
-                                          nullptr);
+    auto* dialog = new host::ExportDialog(
+        row.what, QString::fromStdString(folder.path()),
+        [&](const QString& path, const QStringList& chosen) {
+          output = path;
+          arguments = chosen;
+        },
+        nullptr);
     dialog->setOutput(QString::fromStdString(at(row.output)));
     dialog->accept();
     delete dialog;
     EXPECT_EQ(output, QString::fromStdString(folder.path()) + "/" + row.expectedOutput);
     EXPECT_EQ(arguments, row.expected) << row.output;
   }
-  host::ExportDialog dialog({.name = "a"}, {}, [](const QString&, const QStringList&) { ADD_FAILURE(); }, nullptr);
+  host::ExportDialog dialog(
+      {.name = "a"}, {}, [](const QString&, const QStringList&) { ADD_FAILURE(); }, nullptr);
   dialog.setAttribute(Qt::WA_DeleteOnClose, false);
   dialog.setOutput("picture.unknown");
   dialog.accept();
@@ -194,7 +199,8 @@ TEST_F(WindowPartsTest, WhatIsExportedFollowsFromTheFileAndTheFrames) {
 
 TEST_F(WindowPartsTest, ListsAreSearched) {
   std::string chosen;
-  auto* chooser = new host::EffectChooser("Levels", [&](const std::string& name) { chosen = name; }, nullptr);
+  auto* chooser = new host::EffectChooser(
+      "Levels", [&](const std::string& name) { chosen = name; }, nullptr);
   chooser->show();
   auto* field = chooser->findChild<QLineEdit*>();
   QTest::keyClicks(field, "grad map");
@@ -204,7 +210,8 @@ TEST_F(WindowPartsTest, ListsAreSearched) {
   QAction undo("&Undo");
   undo.setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Z));
   QAction without("Nothing");
-  auto* page = new host::ShortcutPage({{"Edit", {&undo, &without}, {}}, {"Stops", {}, {{"Del", "Remove it"}}}}, nullptr);
+  auto* page =
+      new host::ShortcutPage({{"Edit", {&undo, &without}, {}}, {"Stops", {}, {{"Del", "Remove it"}}}}, nullptr);
   auto* list = page->findChild<QTreeWidget*>();
   EXPECT_EQ(list->topLevelItem(0)->childCount(), 1);
   page->search("remove");
