@@ -16,9 +16,9 @@
 namespace host {
 
 // Pictures of frames in memory, by the parameters that they were rendered with, up to a budget. When that is exceeded,
-// pictures of other parameters than the present ones are thrown away first, those of the parameters that were not in use
-// for longest before others; then the frames that are played last from the playhead on. The one that is shown, that of
-// the playhead and the next one stay whatever the budget is.
+// pictures of other parameters than the present ones are thrown away first, those of the parameters that were not in
+// use for longest before others; then the frames that are played last from the playhead on. The one that is shown, that
+// of the playhead and the next one stay whatever the budget is.
 class FrameCache {
  public:
   FrameCache();

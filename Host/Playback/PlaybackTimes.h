@@ -33,9 +33,9 @@ class PlaybackTimes {
   const Rational& rate() const { return rate_; }
   double framesPerSecond() const;
 
-  double seconds(std::uint64_t frame) const;       // from the first frame on; of count() the end
-  std::uint64_t frameAt(double seconds) const;     // that is shown then, the first or last one beyond the ends
-  double stepSeconds(std::uint64_t frame) const;   // how long a frame is shown when all are played; above 0
+  double seconds(std::uint64_t frame) const;      // from the first frame on; of count() the end
+  std::uint64_t frameAt(double seconds) const;    // that is shown then, the first or last one beyond the ends
+  double stepSeconds(std::uint64_t frame) const;  // how long a frame is shown when all are played; above 0
 
   std::uint64_t firstNumber() const { return firstNumber_; }
   // Of frame 0: what the clip says, else 0 with drops at the rates that use them; nothing where time codes cannot count

@@ -10,11 +10,11 @@
 namespace host {
 namespace {
 
-constexpr double kTolerance = 1e-6;           // seconds
-constexpr double kLongestStall = 10;          // seconds; what lies beyond was no playing, but sleep
-constexpr double kFiguresEvery = 0.25;        // seconds
-constexpr int kCacheEvery = 100;              // milliseconds
-constexpr std::size_t kMostPassed = 256;      // frames that may still be shown late
+constexpr double kTolerance = 1e-6;             // seconds
+constexpr double kLongestStall = 10;            // seconds; what lies beyond was no playing, but sleep
+constexpr double kFiguresEvery = 0.25;          // seconds
+constexpr int kCacheEvery = 100;                // milliseconds
+constexpr std::size_t kMostPassed = 256;        // frames that may still be shown late
 constexpr std::uint64_t kMostStepsAhead = 256;  // that orders may need to come
 
 }  // namespace
@@ -400,8 +400,8 @@ void Player::advanceRealTime(double now) {
 
 // Whoever waits for a frame is woken by its delivery, and shows until then that it waits.
 void Player::scheduleTimer(double now) {
-  const bool waits = due_ <= now && mode_ == PlayMode::EveryFrame && !isUnpaced_ &&
-                     awaited() && !cache_.find(awaited()->frame);
+  const bool waits =
+      due_ <= now && mode_ == PlayMode::EveryFrame && !isUnpaced_ && awaited() && !cache_.find(awaited()->frame);
   const double seconds = waits ? kFiguresEvery : due_ - now;
   timer_.start(static_cast<int>(std::ceil(std::clamp(seconds, 0.0, 1000.0) * 1000 - 1e-3)));
 }

@@ -32,12 +32,12 @@ class Player {
 
   // What a player tells. Functions may be missing.
   struct Told {
-    std::function<void(std::uint64_t frame, const PreviewPictureRef& picture)> showFrame;
-    std::function<void()> positionChanged;
-    std::function<void()> stateChanged;  // playing, mode, range, looping, times
-    std::function<void()> figuresChanged;  // while playing, four times a second: rate reached, frames dropped
-    std::function<void()> cacheChanged;  // what it holds, or its budget; coalesced
-    std::function<void(const QString& text)> remark;
+    std::function<void(std::uint64_t frame, const PreviewPictureRef& picture)> showFrame = {};
+    std::function<void()> positionChanged = {};
+    std::function<void()> stateChanged = {};    // playing, mode, range, looping, times
+    std::function<void()> figuresChanged = {};  // while playing, four times a second: rate reached, frames dropped
+    std::function<void()> cacheChanged = {};    // what it holds, or its budget; coalesced
+    std::function<void(const QString& text)> remark = {};
   };
 
   // `source` outlives the player.
@@ -103,7 +103,7 @@ class Player {
   FrameSource& source() { return source_; }
 
   // Since playing began.
-  double reachedRate() const;                        // frames shown a second, over the last second
+  double reachedRate() const;                         // frames shown a second, over the last second
   std::uint64_t dropped() const { return dropped_; }  // left out, in real time
   std::uint64_t shownCount() const { return shownCount_; }
 
@@ -160,8 +160,8 @@ class Player {
   bool isUnpaced_ = false;
   bool readsAhead_ = true;
 
-  double due_ = 0;          // when the next place may be shown, or in real time has to be
-  bool isReached_ = false;  // every frame: that of the place was shown
+  double due_ = 0;                    // when the next place may be shown, or in real time has to be
+  bool isReached_ = false;            // every frame: that of the place was shown
   std::deque<std::uint64_t> passed_;  // real time: frames since the one that was shown, that of the place included
   std::uint64_t dropped_ = 0;
   std::uint64_t shownCount_ = 0;
