@@ -51,6 +51,28 @@ std::optional<TimeCode> packed(const Shown& shown, double rate, TimeCode flags) 
   return flags;
 }
 
+// How time codes count at a rate. Of 30 numbers in a second the first two are left out at the beginning of each minute
+// that is no multiple of ten, where frames are dropped.
+struct Counting {
+  std::uint64_t perSecond = 0;
+  std::uint64_t dropped = 0;  // in a minute
+  std::uint64_t perMinute() const { return 60 * perSecond - dropped; }
+  std::uint64_t perTenMinutes() const { return 10 * perMinute() + dropped; }
+};
+
+std::optional<Counting> countingOf(const TimeCode& code, double rate) {
+  if (!(rate >= 0.5 && rate <= 1000)) return std::nullopt;
+  const auto perSecond = static_cast<std::uint64_t>(std::llround(rate));
+  const bool isDropping = (code.timeAndFlags & kDropFrame) != 0 && perSecond % 30 == 0;
+  return Counting{perSecond, isDropping ? perSecond / 15 : 0};
+}
+
+std::uint64_t countOf(const Shown& shown, const Counting& counting) {
+  const std::uint64_t minutes = 60 * shown.hours + shown.minutes;
+  const std::uint64_t numbered = (60 * minutes + shown.seconds) * counting.perSecond + shown.frames;
+  return numbered - counting.dropped * (minutes - minutes / 10);
+}
+
 }  // namespace
 
 std::optional<TimeCode> packedTimeCode(const std::string& text, double rate) {
@@ -73,26 +95,28 @@ std::string timeCodeText(const TimeCode& code, double rate) {
   return text.data();
 }
 
-// Of 30 numbers in a second the first two are left out at the beginning of each minute that is no multiple of ten.
+std::optional<std::uint64_t> framesSinceMidnight(const TimeCode& code, double rate) {
+  const auto counting = countingOf(code, rate);
+  const Shown shown = shownBy(code, rate);
+  if (!counting || shown.frames >= counting->perSecond) return std::nullopt;
+  const bool isLeftOut = shown.seconds == 0 && shown.minutes % 10 != 0 && shown.frames < counting->dropped;
+  if (isLeftOut) return std::nullopt;
+  return countOf(shown, *counting);
+}
+
 std::optional<TimeCode> advancedTimeCode(const TimeCode& code, double rate, std::uint64_t frames) {
-  if (!(rate >= 0.5 && rate <= 1000)) return std::nullopt;
-  const auto perSecond = static_cast<std::uint64_t>(std::llround(rate));
-  const bool isDropping = (code.timeAndFlags & kDropFrame) != 0 && perSecond % 30 == 0;
-  const std::uint64_t dropped = isDropping ? perSecond / 15 : 0;
-  const std::uint64_t perMinute = 60 * perSecond - dropped;
-  const std::uint64_t perTenMinutes = 10 * perMinute + dropped;
-
+  const auto counting = countingOf(code, rate);
+  if (!counting) return std::nullopt;
+  const auto [perSecond, dropped] = *counting;
+  const std::uint64_t day = 144 * counting->perTenMinutes();
   Shown shown = shownBy(code, rate);
-  const std::uint64_t minutes = 60 * shown.hours + shown.minutes;
-  const std::uint64_t numbered = (60 * minutes + shown.seconds) * perSecond + shown.frames;
-  const std::uint64_t day = 144 * perTenMinutes;
-  std::uint64_t count = (numbered - dropped * (minutes - minutes / 10) + frames % day) % day;
+  std::uint64_t count = (countOf(shown, *counting) + frames % day) % day;
 
-  const std::uint64_t tens = count / perTenMinutes;
-  count %= perTenMinutes;
+  const std::uint64_t tens = count / counting->perTenMinutes();
+  count %= counting->perTenMinutes();
   // The first of ten minutes is whole.
-  const std::uint64_t single = count < dropped ? 0 : (count - dropped) / perMinute;
-  count += dropped * (9 * tens + single) + tens * perTenMinutes;
+  const std::uint64_t single = count < dropped ? 0 : (count - dropped) / counting->perMinute();
+  count += dropped * (9 * tens + single) + tens * counting->perTenMinutes();
   shown.frames = count % perSecond;
   shown.seconds = count / perSecond % 60;
   shown.minutes = count / (60 * perSecond) % 60;

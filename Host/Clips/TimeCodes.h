@@ -22,4 +22,8 @@ std::string timeCodeText(const TimeCode& code, double rate);
 // cannot be counted at the rate.
 std::optional<TimeCode> advancedTimeCode(const TimeCode& code, double rate, std::uint64_t frames);
 
+// How many frames lie before it since 00:00:00:00. Nothing for a number that is not counted at the rate, left out where
+// frames are dropped included.
+std::optional<std::uint64_t> framesSinceMidnight(const TimeCode& code, double rate);
+
 }  // namespace host

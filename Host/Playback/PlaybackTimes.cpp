@@ -13,8 +13,14 @@ namespace {
 
 constexpr std::uint64_t kTransitionSteps = 1000;
 constexpr double kTransitionSeconds = 2;
+<<<<<<< HEAD
 constexpr double kTolerance = 1e-9;     // of a frame
 constexpr double kShortestStep = 1e-4;  // seconds
+=======
+constexpr double kTolerance = 1e-9;       // of a frame
+constexpr double kShortestStep = 1e-4;    // seconds
+constexpr double kFastestCounted = 60.5;  // frames per second that time codes have numbers for
+>>>>>>> playback
 constexpr std::uint32_t kDropFrame = 1u << 6;
 
 Rational usable(const Rational& rate) {
@@ -75,10 +81,7 @@ std::optional<TimeCode> PlaybackTimes::firstTimeCode() const {
   const double rate = framesPerSecond();
   const bool isOfNtsc = rate_.denominator == 1001 && (rate_.numerator == 30000 || rate_.numerator == 60000);
   const TimeCode first = firstTimeCode_.value_or(TimeCode{isOfNtsc ? kDropFrame : 0, 0});
-  const auto inOneSecond = static_cast<std::uint64_t>(std::ceil(rate));
-  for (std::uint64_t frame = 0; frame <= inOneSecond && frame < 1000; ++frame) {
-    if (!advancedTimeCode(first, rate, frame)) return std::nullopt;
-  }
+  if (rate > kFastestCounted || !framesSinceMidnight(first, rate)) return std::nullopt;
   return first;
 }
 
