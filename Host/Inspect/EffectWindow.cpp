@@ -12,6 +12,7 @@
 #include "Host/Inspect/InspectorColumn.h"
 #include "Host/Inspect/MessageBar.h"
 #include "Host/Inspect/ParameterSection.h"
+#include "Host/Inspect/PreviewTimes.h"
 #include "Host/Inspect/WindowText.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Playback/TimelineBar.h"
@@ -23,6 +24,7 @@
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QToolButton>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -58,7 +60,8 @@ EffectWindow::EffectWindow(const InspectOptions& options, InspectorApplication& 
       messages_(new MessageBar(this)),
       activity_(new ActivityPanel(this)),
       timeline_(new TimelineBar(player_, this)),
-      activityButton_(new QToolButton(this)) {
+      activityButton_(new QToolButton(this)),
+      pictureText_(new QLabel(this)) {
   layOut();
   connectPlayer();
   connectViewer();
@@ -98,7 +101,13 @@ void EffectWindow::layOut() {
   activityButton_->hide();
   QObject::connect(activityButton_, &QToolButton::toggled, activity_, &QWidget::setVisible);
   activity_->setChanged([this] { showActivity(); });
-  timeline_->addInfoWidget(activityButton_);
+  auto* info = new QWidget(this);
+  auto* infoRow = new QHBoxLayout(info);
+  infoRow->setContentsMargins(0, 0, 0, 0);
+  infoRow->addWidget(activityButton_);
+  infoRow->addWidget(pictureText_);
+  pictureText_->setForegroundRole(QPalette::PlaceholderText);
+  timeline_->setInfo(info);
 }
 
 // What belongs to an effect.
@@ -173,7 +182,7 @@ void EffectWindow::startEngine() {
       options_,
       {.opened =
            [this](const PreviewOpened& opened) {
-             player_.setTimes(timesOf(opened));
+             player_.setTimes(playbackTimesOf(opened));
              player_.goTo(opened.start);
              updateTitle();
            },
@@ -307,12 +316,12 @@ void EffectWindow::updateTitle() {
 
 void EffectWindow::updateInfo() {
   const PreviewPictureRef& picture = viewer_->picture();
-  if (!picture) return timeline_->setInfo({});
+  if (!picture) return pictureText_->clear();
   const QString depth = picture->depth == Depth::Float ? windowText("float")
                         : picture->depth == Depth::Half
                             ? windowText("half")
                             : windowText("%1-bit").arg(picture->depth == Depth::Bits16 ? 16 : 8);
-  timeline_->setInfo(QStringLiteral("%1 \u00d7 %2   %3   %4 %")
+  pictureText_->setText(QStringLiteral("%1 \u00d7 %2   %3   %4 %")
                          .arg(picture->size.width)
                          .arg(picture->size.height)
                          .arg(depth)

@@ -15,6 +15,7 @@
 #include <memory>
 #include <optional>
 
+class QLabel;
 class QToolButton;
 class QVBoxLayout;
 
@@ -125,6 +126,7 @@ class EffectWindow : public QMainWindow {
   ActivityPanel* activity_;
   TimelineBar* timeline_;
   QToolButton* activityButton_;
+  QLabel* pictureText_;
   QVBoxLayout* columnPlace_ = nullptr;
   InspectorColumn* column_ = nullptr;
   InputList* inputList_ = nullptr;
