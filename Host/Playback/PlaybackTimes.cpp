@@ -13,14 +13,9 @@ namespace {
 
 constexpr std::uint64_t kTransitionSteps = 1000;
 constexpr double kTransitionSeconds = 2;
-<<<<<<< HEAD
-constexpr double kTolerance = 1e-9;     // of a frame
-constexpr double kShortestStep = 1e-4;  // seconds
-=======
 constexpr double kTolerance = 1e-9;       // of a frame
 constexpr double kShortestStep = 1e-4;    // seconds
 constexpr double kFastestCounted = 60.5;  // frames per second that time codes have numbers for
->>>>>>> playback
 constexpr std::uint32_t kDropFrame = 1u << 6;
 
 Rational usable(const Rational& rate) {

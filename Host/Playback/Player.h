@@ -32,21 +32,12 @@ class Player {
 
   // What a player tells. Functions may be missing.
   struct Told {
-<<<<<<< HEAD
-    std::function<void(std::uint64_t frame, const PreviewPictureRef& picture)> showFrame;
-    std::function<void()> positionChanged;
-    std::function<void()> stateChanged;    // playing, mode, range, looping, times
-    std::function<void()> figuresChanged;  // while playing, four times a second: rate reached, frames dropped
-    std::function<void()> cacheChanged;    // what it holds, or its budget; coalesced
-    std::function<void(const QString& text)> remark;
-=======
     std::function<void(std::uint64_t frame, const PreviewPictureRef& picture)> showFrame = {};
     std::function<void()> positionChanged = {};
     std::function<void()> stateChanged = {};    // playing, mode, range, looping, times
     std::function<void()> figuresChanged = {};  // while playing, four times a second: rate reached, frames dropped
     std::function<void()> cacheChanged = {};    // what it holds, or its budget; coalesced
     std::function<void(const QString& text)> remark = {};
->>>>>>> playback
   };
 
   // `source` outlives the player.
