@@ -10,6 +10,7 @@
 #include "Host/Inspect/InspectorApplication.h"
 #include "Host/Inspect/InspectorColumn.h"
 #include "Host/Inspect/MessageBar.h"
+#include "Host/Inspect/PlaybackChoices.h"
 #include "Host/Inspect/RenderArguments.h"
 #include "Host/Inspect/RenderJob.h"
 #include "Host/Inspect/WindowMenus.h"
@@ -290,14 +291,14 @@ void EffectWindow::restoreChoices() {
   resize(1280, 800);
   restoreGeometry(preferences.bytes("window"));
   viewer_->setSettings(settingsFromText(preferences.text("viewer").toStdString()));
-  timeline_->restoreChoices(preferences.text("playback"));
+  setPlaybackChoices(player_, preferences.text("playback"));
 }
 
 void EffectWindow::rememberChoices() {
   Preferences& preferences = application_.preferences();
   if (!isFullScreen()) preferences.setBytes("window", saveGeometry());
   preferences.setText("viewer", QString::fromStdString(settingsText(viewer_->settings())));
-  preferences.setText("playback", timeline_->choices());
+  preferences.setText("playback", playbackChoices(player_));
 }
 
 // Closing.
