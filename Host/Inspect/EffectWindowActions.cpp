@@ -17,6 +17,7 @@
 #include "Host/Inspect/WindowText.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Messages/Json.h"
+#include "Host/Playback/PlaybackActions.h"
 #include "Host/Playback/TimelineBar.h"
 #include "Host/Viewer/Viewer.h"
 #include "Host/Viewer/ViewerActions.h"
@@ -30,6 +31,7 @@
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QToolButton>
+#include <QVBoxLayout>
 #include <algorithm>
 #include <utility>
 
@@ -114,8 +116,8 @@ void EffectWindow::buildMenus() {
                          {own.renderAgain, own.cancelRender}});
   QList<QList<QAction*>> view;
   for (const ViewerActions::Group& group : viewer_->viewerActions().groups()) view.append(group.actions);
-  view.append({own.showInspector, own.showActivity});
-  view.append({newSubMenu(*this, "Appearance", [this](QMenu& menu) { fillAppearance(menu); })});
+  view.append(QList<QAction*>{own.showInspector, own.showActivity});
+  view.append(QList<QAction*>{newSubMenu(*this, "Appearance", [this](QMenu& menu) { fillAppearance(menu); })});
   shortcuts_ += addMenu(*this, windowText("&View"), view);
   shortcuts_ += addMenu(*this, windowText("&Playback"), {timeline_->playbackActions().all()});
   addMenu(*this, windowText("&Window"), {{newSubMenu(*this, "Windows", [this](QMenu& menu) { fillWindows(menu); })}});

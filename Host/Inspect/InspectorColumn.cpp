@@ -2,6 +2,7 @@
 #include "Host/Inspect/InspectorColumn.h"
 
 #include "HistogramEditor/VRTHistogramEditor.h"
+#include "TarnCore/TCHistogram.h"
 #include "Host/Inspect/Appearance.h"
 #include "Host/Inspect/DocumentActions.h"
 #include "Host/Inspect/EditorSlot.h"
