@@ -59,6 +59,11 @@ class EffectWindow : public QMainWindow {
   // What was dropped or opened: a state goes to its parameter, the first picture to `input`, others to those after it.
   void take(const QStringList& paths, std::size_t input = 0);
 
+  // Processes that write files while the window goes on: the frame that is looked at, in a picture; and any more of
+  // "vorto render" with the present effect, inputs and parameters.
+  void saveFrame(const QString& path);
+  void startJob(const QString& output, const QStringList& arguments);
+
   // Until the newest full picture is there, or it failed; events are handled. False after so many milliseconds.
   bool waitForPicture(int milliseconds);
   std::optional<PreviewFailure> failure() const;  // why there is no picture of the present state
@@ -97,9 +102,7 @@ class EffectWindow : public QMainWindow {
 
   void openDialog(std::size_t input, bool asSequence);
   void savePicture();
-  void saveFrame(const QString& path);
   void exportFrames();
-  void startJob(const QString& output, QStringList arguments);
   void closeWhenJobsEnded();
   void setFullScreen(bool on);
   void showFullScreenParts();

@@ -258,7 +258,7 @@ void EffectWindow::exportFrames() {
   dialog->open();
 }
 
-void EffectWindow::startJob(const QString& output, QStringList arguments) {
+void EffectWindow::startJob(const QString& output, const QStringList& arguments) {
   actions_->tried([&] {
     auto files = std::make_unique<QTemporaryDir>();
     if (!files->isValid())

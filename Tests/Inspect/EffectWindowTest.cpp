@@ -4,14 +4,16 @@
 #include "Channels/VRTChannelGradient.h"
 #include "Controls/VRTTransientColorPicker.h"
 #include "Editors/VRTEditors.h"
+#include "Host/Inspect/ActivityPanel.h"
 #include "Host/Inspect/DocumentActions.h"
 #include "Host/Inspect/EditorSlot.h"
+#include "Host/Inspect/InspectorApplication.h"
 #include "Host/Inspect/InspectorColumn.h"
 #include "Host/Inspect/MessageBar.h"
 #include "Host/Inspect/ParameterSection.h"
-#include "Host/Inspect/PreviewView.h"
-#include "Host/Inspect/TransportBar.h"
+#include "Host/Files/PictureReading.h"
 #include "Host/Messages/Failure.h"
+#include "Host/Viewer/Viewer.h"
 #include "Ports/VRTObjects.h"
 #include "TarnCore/TCBitmap.h"
 #include "Tests/Inspect/InspectFixture.h"
@@ -32,14 +34,17 @@
 #include <QTest>
 #include <QTimer>
 #include <QUrl>
+#include <cstring>
 #include <filesystem>
+#include <fstream>
 
 namespace {
 
-using inspect_test::CountingContext;
 using inspect_test::handleEvents;
 using inspect_test::optionsFor;
 using inspect_test::writeFlatPicture;
+
+constexpr int kPatience = 60000;
 
 class EffectWindowTest : public testing::Test {
  protected:
@@ -47,31 +52,46 @@ class EffectWindowTest : public testing::Test {
     readEnglishTexts();
     inspect_test::useEffects();
     VRTStartEditors();
-    VortoSetExecutionContextProvider([this](QCPatch&) { return &context; });
-  }
-  ~EffectWindowTest() override {
-    window.reset();
-    host::provideExecutionContext();
   }
   void openLevels() {
     writeFlatPicture(at("in.png"), 0);
     open(optionsFor("Levels", {at("in.png")}));
   }
   void open(const host::InspectOptions& options) {
-    session = std::make_unique<host::EffectSession>(options);
-    window = std::make_unique<host::EffectWindow>(*session);
-    window->renderNow();
+    window.reset();
+    window = std::make_unique<host::EffectWindow>(options, inspector);
     window->show();
-    handleEvents();
+    settle();
   }
-  QCPort& port(std::size_t index) { return *session->document().parameters().at(index); }
+  void settle() {
+    handleEvents();
+    EXPECT_TRUE(window->waitForPicture(kPatience));
+  }
+  QCPort& port(std::size_t index) { return *window->session().document().parameters().at(index); }
   std::string at(const std::string& name) const { return folder.path() + "/" + name; }
-  QRgb shown() const { return window->preview().picture().pixel(0, 0); }
+  QRgb shown() {
+    settle();
+    const host::PreviewPictureRef picture = window->viewer().picture();
+    if (!picture || !picture->result || window->failure()) return qRgba(1, 2, 3, 4);
+    const std::uint8_t* pixel = picture->result->data;
+    return qRgb(pixel[0], pixel[1], pixel[2]);
+  }
   // As the levels editor changes them: in place, all colors darker or brighter.
   void setBlackOut(double black) {
     port(0).willChangeValue();
     dynamic_cast<VRTHistogram&>(*port(0).rawValue()).setBlackOut(black, 0);
     port(0).didChangeValue();
+  }
+  void drop(const QStringList& names) {
+    QMimeData data;
+    QList<QUrl> urls;
+    for (const QString& name : names) urls.append(QUrl::fromLocalFile(QString::fromStdString(at(name.toStdString()))));
+    data.setUrls(urls);
+    QDragEnterEvent enter({10, 10}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(window.get(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent event({10, 10}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(window.get(), &event);
   }
   template <class Widget>
   Widget* editorOf(const QString& name) {
@@ -82,46 +102,27 @@ class EffectWindowTest : public testing::Test {
   }
 
   TemporaryFolder folder;
-  CountingContext context;
-  std::unique_ptr<host::EffectSession> session;
+  host::InspectorApplication inspector{"dark", false};
   std::unique_ptr<host::EffectWindow> window;
 };
 
 }  // namespace
-
-TEST_F(EffectWindowTest, RendersOnceHoweverManyChangesWait) {
-  openLevels();
-  EXPECT_EQ(shown(), qRgb(0, 0, 0));
-  const int before = window->renderCount();
-  const int counted = context.queried;
-  for (int i = 1; i <= 100; ++i) setBlackOut(i / 100.0);
-  handleEvents();
-  EXPECT_EQ(window->renderCount(), before + 1);
-  EXPECT_EQ(shown(), qRgb(255, 255, 255));
-  for (int i = 0; i < 10; ++i) {
-    setBlackOut(i / 10.0);
-    handleEvents();
-  }
-  EXPECT_EQ(window->renderCount(), before + 11);
-  EXPECT_EQ(context.queried, counted) << "the image that flows in is the same: nothing to count";
-}
 
 TEST_F(EffectWindowTest, UndoRedoAndResetRenderToo) {
   openLevels();
   const auto& actions = window->actions();
   EXPECT_FALSE(actions.undoAction->isEnabled());
   setBlackOut(1);
-  handleEvents();
+  EXPECT_EQ(shown(), qRgb(255, 255, 255));
   const std::pair<QAction*, int> steps[] = {
       {actions.undoAction, 0}, {actions.redoAction, 255}, {actions.resetAction, 0}, {actions.undoAction, 255}};
   for (const auto& [action, gray] : steps) {
     action->trigger();
-    handleEvents();
     EXPECT_EQ(shown(), qRgb(gray, gray, gray)) << action->text().toStdString();
   }
 }
 
-TEST_F(EffectWindowTest, PlaysASequenceAndTheHistogramFollows) {
+TEST_F(EffectWindowTest, PlaysASequenceAndGoesOnWithoutAFrame) {
   for (int frame = 3; frame <= 6; ++frame) {
     writeFlatPicture(at("in." + std::to_string(frame) + ".png"), static_cast<std::uint8_t>(frame * 10));
   }
@@ -129,60 +130,71 @@ TEST_F(EffectWindowTest, PlaysASequenceAndTheHistogramFollows) {
   options.rate = 1000;
   open(options);
   EXPECT_EQ(shown(), qRgb(30, 30, 30));
-  auto* slider = editorOf<QSlider>("Time");
-  ASSERT_NE(slider, nullptr);
-  EXPECT_EQ(slider->maximum(), 3);
-  const int counted = context.queried;
-  slider->setValue(2);
+  host::Player& player = window->player();
+  EXPECT_EQ(player.times().count(), 4u);
+  player.goTo(2);
   EXPECT_EQ(shown(), qRgb(50, 50, 50));
-  EXPECT_EQ(context.queried, counted + 1);
 
   QTest::keyClick(window.get(), Qt::Key_Space);
-  EXPECT_TRUE(window->transport().isPlaying());
-  const int before = window->renderCount();
-  const int countedBefore = context.queried;
-  const bool wentRound = QTest::qWaitFor([&] { return window->renderCount() >= before + 5; }, 20000);
+  EXPECT_TRUE(player.isPlaying());
+  EXPECT_TRUE(QTest::qWaitFor([&] { return player.shownCount() >= 9; }, kPatience));
   QTest::keyClick(window.get(), Qt::Key_Space);
-  EXPECT_TRUE(wentRound);
-  EXPECT_FALSE(window->transport().isPlaying());
-  EXPECT_EQ(context.queried - countedBefore, window->renderCount() - before) << "once a frame";
+  EXPECT_FALSE(player.isPlaying());
   auto* title = window->column().section(port(0))->findChild<QAbstractButton*>();
   for (const bool shown : {false, true}) {
     title->setFocus();
     QTest::keyClick(title, Qt::Key_Space);
     EXPECT_EQ(window->column().section(port(0))->slot().isVisible(), shown) << "a button presses itself";
-    EXPECT_FALSE(window->transport().isPlaying());
+    EXPECT_FALSE(player.isPlaying());
   }
 
-  window->column().section(port(0))->setFolded(true);
-  const int folded = context.queried;
-  slider->setValue(0);
-  slider->setValue(1);
-  EXPECT_EQ(context.queried, folded) << "an editor that nobody sees costs nothing";
-  EXPECT_EQ(shown(), qRgb(40, 40, 40));
-
   std::filesystem::remove(at("in.5.png"));
-  window->transport().setPlaying(true);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return !window->transport().isPlaying(); }, 20000));
-  EXPECT_TRUE(window->messages().isVisible());
-  EXPECT_TRUE(window->messages().text().contains("in.5.png")) << window->messages().text().toStdString();
-  slider->setValue(0);
-  EXPECT_FALSE(window->messages().isVisible());
+  setBlackOut(0.5);
+  player.goTo(2);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return window->activity().failures() > 0; }, kPatience));
+  EXPECT_EQ(window->viewer().notice(), host::Viewer::NoticeKind::Failed);
+  player.goTo(0);
+  setBlackOut(1);
+  EXPECT_EQ(shown(), qRgb(255, 255, 255));
+  EXPECT_EQ(window->viewer().notice(), host::Viewer::NoticeKind::None);
 }
 
-TEST_F(EffectWindowTest, TransitionsHaveATimeAndNeedTwoImages) {
+TEST_F(EffectWindowTest, WhatDoesNotFitIsRefusedAndWhatIsMissingIsWaitedFor) {
   writeFlatPicture(at("a.png"), 0);
   writeFlatPicture(at("b.png"), 200);
-  EXPECT_THROW(host::EffectSession(optionsFor("Levls", {at("a.png")})), host::Failure);
-  EXPECT_THROW(host::EffectSession(optionsFor("Levels", {at("none.png")})), host::Failure);
-  EXPECT_THROW(host::EffectSession(optionsFor("Dissolve", {at("a.png")})), host::Failure) << "it mixes two";
-  host::InspectOptions options = optionsFor("Dissolve", {at("a.png"), at("b.png")});
+  EXPECT_THROW(host::EffectWindow(optionsFor("Levls", {at("a.png")}), inspector), host::Failure);
+  open(optionsFor("Levels", {at("none.png")}));
+  ASSERT_TRUE(window->failure());
+  EXPECT_NE(window->failure()->text.find("none.png"), std::string::npos);
+  EXPECT_EQ(window->activity().failures(), 1);
+
+  host::InspectOptions options = optionsFor("Dissolve", {at("a.png")});
   options.time = 0.25;
   open(options);
+  EXPECT_EQ(window->viewer().notice(), host::Viewer::NoticeKind::Hint);
+  window->take({QString::fromStdString(at("b.png"))}, 1);
   EXPECT_EQ(shown(), qRgb(50, 50, 50));
-  auto* slider = editorOf<QSlider>("Time");
-  slider->setValue(slider->maximum());
+  window->player().goTo(window->player().times().last());
   EXPECT_EQ(shown(), qRgb(200, 200, 200));
+}
+
+TEST_F(EffectWindowTest, AnotherEffectKeepsInputsAndWhatItCallsTheSame) {
+  writeFlatPicture(at("a.png"), 100);
+  writeFlatPicture(at("b.png"), 200);
+  open(optionsFor("Dissolve", {at("a.png"), at("b.png")}));
+  window->player().goTo(500);
+  EXPECT_EQ(shown(), qRgb(150, 150, 150));
+  window->chooseEffect("Levels");
+  EXPECT_EQ(shown(), qRgb(100, 100, 100));
+  setBlackOut(1);
+  EXPECT_EQ(shown(), qRgb(255, 255, 255));
+  window->actions().undoAction->trigger();
+  window->chooseEffect("Dissolve");
+  window->player().goTo(1000);
+  EXPECT_EQ(shown(), qRgb(200, 200, 200)) << "the second input was kept";
+  window->chooseEffect("No Such Effect");
+  EXPECT_EQ(window->session().name(), "Dissolve");
+  EXPECT_TRUE(window->messages().isVisible());
 }
 
 TEST_F(EffectWindowTest, SpeaksThreeLanguages) {
@@ -202,7 +214,7 @@ TEST_F(EffectWindowTest, RowsShowAndChangeTheirPorts) {
   auto* depth = editorOf<QComboBox>("Depth");
   ASSERT_TRUE(cell && depth);
   const auto indexPort = [&](const std::string& key) -> QCIndexPort& {
-    const auto& all = session->document().parameters();
+    const auto& all = window->session().document().parameters();
     return dynamic_cast<QCIndexPort&>(**std::ranges::find(all, key, &QCPort::key));
   };
   auto& size = indexPort("inputCellSize");
@@ -216,8 +228,8 @@ TEST_F(EffectWindowTest, RowsShowAndChangeTheirPorts) {
   depth->setFocus();
   QTest::keyClick(depth, Qt::Key_Down);
   EXPECT_EQ(indexPort("inputDepth").indexValue(), 1u);
-  handleEvents();
-  EXPECT_EQ(session->result()->bitsPerChannel, 16u);
+  settle();
+  EXPECT_EQ(window->viewer().picture()->result->bitsPerChannel, 16u);
 
   auto* slider = editorOf<QSlider>("Cell Size");
   ASSERT_NE(slider, nullptr);
@@ -241,7 +253,7 @@ TEST_F(EffectWindowTest, WhateverPeopleDoToAGradientIsOneStep) {
   QCPort& gradient = *window->actions().activePort();
   auto* channel = dynamic_cast<VRTGradient&>(*gradient.rawValue()).kxChannelGradient();
   channel->rgbFolder.addSample(1, 0, 0, 0.25, 0.5, VRTGradientLinear);
-  session->document().forgetHistory();
+  window->session().document().forgetHistory();
   auto* gutter = window->findChild<QWidget*>("gradientGutterRGB");
   ASSERT_NE(gutter, nullptr);
   const QPoint stop(5, gutter->height() - 6);
@@ -331,31 +343,70 @@ TEST_F(EffectWindowTest, AsksBeforeUnsavedEditsAreLost) {
   EXPECT_TRUE(closes(QMessageBox::NoButton)) << "saved";
   setBlackOut(0.5);
   EXPECT_TRUE(closes(QMessageBox::Discard));
-  session->document().load(at("a.levels"), nullptr);
+  window->session().document().load(at("a.levels"), nullptr);
   EXPECT_EQ(dynamic_cast<VRTHistogram&>(*port(0).rawValue()).blackOutForChannel(0), 1);
 }
 
-TEST_F(EffectWindowTest, DroppedStatesAreLoadedAndOthersRefused) {
+TEST_F(EffectWindowTest, DroppedFilesGoWhereTheyBelong) {
   openLevels();
   setBlackOut(1);
-  session->document().save(port(0), at("white.levels"));
+  window->session().document().save(port(0), at("white.levels"));
   setBlackOut(0);
-  handleEvents();
-  const auto drop = [&](const std::string& path) {
-    QMimeData data;
-    data.setUrls({QUrl::fromLocalFile(QString::fromStdString(path))});
-    QDragEnterEvent enter({10, 10}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(window.get(), &enter);
-    EXPECT_TRUE(enter.isAccepted());
-    QDropEvent event({10, 10}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(window.get(), &event);
-    handleEvents();
-  };
-  drop(at("white.levels"));
+  EXPECT_EQ(shown(), qRgb(0, 0, 0));
+  drop({"white.levels"});
   EXPECT_EQ(shown(), qRgb(255, 255, 255));
   EXPECT_FALSE(window->messages().isVisible());
-  drop(at("in.png"));
-  EXPECT_TRUE(window->messages().isVisible());
-  EXPECT_TRUE(window->messages().text().contains("in.png"));
-  EXPECT_EQ(shown(), qRgb(255, 255, 255));
+  setBlackOut(0);
+  writeFlatPicture(at("gray.png"), 77);
+  drop({"gray.png"});
+  EXPECT_EQ(shown(), qRgb(77, 77, 77));
+  EXPECT_TRUE(window->windowTitle().contains("gray.png"));
+  drop({"gray.png", "in.png"});
+  EXPECT_TRUE(window->messages().text().contains("Levels")) << "it takes one";
+  std::ofstream(at("broken.levels")) << "nothing";
+  drop({"broken.levels"});
+  EXPECT_TRUE(window->messages().text().contains("broken.levels"));
+  EXPECT_EQ(shown(), qRgb(77, 77, 77));
+}
+
+// The file is that which vorto render writes: its depth and what it says come from the input.
+TEST_F(EffectWindowTest, SavedPicturesAndExportsAreRendersOfTheirOwn) {
+  const auto bitmap = host::newBitmap(5, 4, VortoPixelFormat::RGBA16, "picture");
+  for (std::size_t i = 0; i < std::size_t{5} * 4 * 4; ++i) {
+    const std::uint16_t value = i % 4 == 3 ? 65535 : static_cast<std::uint16_t>(i * 777);
+    std::memcpy(bitmap->data + i * 2, &value, 2);
+  }
+  for (int frame = 1; frame <= 3; ++frame) {
+    host::writePicture(at("in." + std::to_string(frame) + ".tif"), {bitmap, host::Depth::Bits16, host::Channels::RGB, {}});
+  }
+  open(optionsFor("Levels", {at("in.%d.tif")}));
+  setBlackOut(0.25);
+  window->player().goTo(1);
+  settle();
+  window->saveFrame(QString::fromStdString(at("saved.tif")));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return window->activity().runningJobs() == 0; }, kPatience));
+  EXPECT_EQ(window->activity().failures(), 0) << window->activity().summary().toStdString();
+  const host::BitmapRef saved = host::readImage(at("saved.tif"));
+  const host::BitmapRef shownNow = window->viewer().picture()->result;
+  ASSERT_EQ(saved->formatCode, shownNow->formatCode);
+  EXPECT_EQ(std::memcmp(saved->data, shownNow->data, std::size_t{5} * 4 * 8), 0);
+
+  // Closing in the middle of an export ends it, and leaves nothing.
+  auto* closing = window.release();
+  closing->setAttribute(Qt::WA_DeleteOnClose);
+  const QPointer<host::EffectWindow> alive(closing);
+  closing->startJob(QString::fromStdString(at("long.mkv")), {"--when-short", "loop", "--frames", "1-50000"});
+  QTimer attention;
+  attention.callOnTimeout([] {
+    auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+    for (QAbstractButton* button : box ? box->buttons() : QList<QAbstractButton*>()) {
+      if (box->buttonRole(button) == QMessageBox::DestructiveRole) button->click();
+    }
+  });
+  attention.start(1);
+  closing->close();
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !alive; }, kPatience));
+  for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
+    EXPECT_EQ(entry.path().string().find("long"), std::string::npos) << entry.path();
+  }
 }
