@@ -42,8 +42,8 @@ struct GivenInputs {
 struct RenderOrder {
   std::uint64_t id = 0;
   std::uint64_t frame = 0;
-  bool isAhead = false;            // may be dropped
-  std::optional<double> time;      // for the effect, instead of the frame's
+  bool isAhead = false;                 // may be dropped
+  std::optional<double> time;           // for the effect, instead of the frame's
   std::vector<ParameterState> changed;  // since the last order to this process
   std::optional<GivenInputs> given;
 };

@@ -36,14 +36,14 @@ struct PreviewOpened {
   EffectKind kind = EffectKind::Filter;
   bool keepsState = false;  // frames should be rendered one after another, by one process
   Timing timing = Timing::Still;
-  std::uint64_t count = 1;                   // of frames; they are named by 0 to count - 1
-  std::uint64_t start = 0;                   // the one to begin with
-  std::uint32_t firstNumber = 0;             // as people count: that of the first file; 0 where a clip leads
-  Rational rate{25, 1};                      // frames per second
-  Rational timeBase{1, 25};                  // seconds in a unit of the next two
-  std::int64_t end = 1;                      // when the last frame is over
-  std::optional<TimeCode> timeCode;          // of the first frame, where the first moving input states one
-  std::vector<std::int64_t> shown;           // when each frame begins, where they come unevenly; else empty
+  std::uint64_t count = 1;           // of frames; they are named by 0 to count - 1
+  std::uint64_t start = 0;           // the one to begin with
+  std::uint32_t firstNumber = 0;     // as people count: that of the first file; 0 where a clip leads
+  Rational rate{25, 1};              // frames per second
+  Rational timeBase{1, 25};          // seconds in a unit of the next two
+  std::int64_t end = 1;              // when the last frame is over
+  std::optional<TimeCode> timeCode;  // of the first frame, where the first moving input states one
+  std::vector<std::int64_t> shown;   // when each frame begins, where they come unevenly; else empty
   std::vector<PreviewInput> inputs;
   std::optional<Depth> depth;  // of what is made of the inputs; nothing of generators
   ColorSpace space;            // that the effect works in
@@ -69,9 +69,9 @@ struct PreviewInputs {
   double time = 0;  // for the effect
   std::vector<BitmapRef> bitmaps;
   Depth depth = Depth::Bits8;
-  PictureSize fullSize;      // of the first, unscaled
-  PictureSize resultSize;    // that results of these bitmaps have
-  PictureSize fullResult;    // that full results have, as far as it is known without rendering
+  PictureSize fullSize;    // of the first, unscaled
+  PictureSize resultSize;  // that results of these bitmaps have
+  PictureSize fullResult;  // that full results have, as far as it is known without rendering
   ColorSpace space;
 };
 
@@ -79,7 +79,7 @@ struct PreviewRendered {
   std::uint64_t id = 0;
   PreviewPicture picture;
   bool isAhead = false;
-  double reading = 0;  // milliseconds that it took to have the inputs
+  double reading = 0;    // milliseconds that it took to have the inputs
   double rendering = 0;  // and the result
 };
 
@@ -97,11 +97,15 @@ struct PreviewFailed {
   std::string text;
 };
 
+struct PreviewDropped {  // an order ahead, before it was begun
+  std::uint64_t id = 0;
+};
+
 struct PreviewDied {  // the last report of all
   std::string cause;  // "signal 11 (Segmentation fault)"
 };
 
 using PreviewReport = std::variant<PreviewOpened, PreviewRefused, PreviewProgress, PreviewInputs, PreviewRendered,
-                                   PreviewCounts, PreviewFailed, Remark, PreviewDied>;
+                                   PreviewCounts, PreviewFailed, PreviewDropped, Remark, PreviewDied>;
 
 }  // namespace host
