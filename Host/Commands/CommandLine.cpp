@@ -295,6 +295,7 @@ void addRender(CLI::App& app, RenderOptions& options) {
       ->check(CLI::Range(1, 1024));
   command->add_flag("--resume", options.isResumed, "Render only the frames of a sequence whose files are missing");
   command->add_flag("--verbose", options.isVerbose, "Say what a file does not keep");
+  command->add_flag("--tell-progress", options.tellsProgress)->group("");
   command->add_flag("--worker", options.isWorker)->group("");
 }
 
