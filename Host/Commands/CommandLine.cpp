@@ -11,6 +11,7 @@
 #include "Host/Messages/StandardOutput.h"
 #include "Host/Messages/Utf8.h"
 #include "Host/Pixels/Layouts.h"
+#include "Host/Preview/PreviewServer.h"
 
 #include <CLI/CLI.hpp>
 #include <cmath>
@@ -350,7 +351,8 @@ void addInspect(CLI::App& app, InspectOptions& options) {
   command->add_option("--depth", options.depth, "As for render")->type_name("DEPTH");
   command->add_option("--frames", options.frames, "The frames of a sequence; default: all that exist")
       ->type_name("A-B");
-  command->add_option("--rate", options.rate, "Frames per second of a sequence")->type_name("N")->default_str("25");
+  command->add_option("--rate", options.rate, "Frames per second of a sequence; default 25, or as the first clip")
+      ->type_name("N");
   command
       ->add_option("--screenshot", options.screenshot,
                    "Write a picture of the window (png, jpg, tif or exr) instead of showing it")
@@ -362,6 +364,10 @@ void addInspect(CLI::App& app, InspectOptions& options) {
       ->check(CLI::Range(0.5, 4.0))
       ->check(refuseNaN)
       ->type_name("N");
+}
+
+void addPreview(CLI::App& app) {
+  app.add_subcommand("preview", "How the inspector starts the processes that render its pictures")->group("");
 }
 
 void addSubmit(CLI::App& app, SubmitOptions& options) {
@@ -404,6 +410,7 @@ void addCommands(CLI::App& app, Options& options) {
   addState(app, options.state);
   addSheet(app, options.sheet);
   addInspect(app, options.inspect);
+  addPreview(app);
   addSubmit(app, options.submit);
 }
 
@@ -439,6 +446,8 @@ void runCommand(const CLI::App& app, const Options& options, const InspectAction
     inspect(options.inspect);
   } else if (app.got_subcommand("submit")) {
     runSubmit(options.submit, parsedRender(options.submit.command));
+  } else if (app.got_subcommand("preview")) {
+    runPreviewServer();
   } else {
     runSheet(options.sheet);
   }

@@ -1,15 +1,23 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Inspect/EffectSession.h"
 
-#include "Host/Commands/OptionValues.h"
 #include "Host/Inspect/InputRoles.h"
+
+#include "Host/Commands/OptionValues.h"
+#include "Host/Messages/Failure.h"
+#include "Host/Messages/Utf8.h"
 #include "Host/Rendering/Assignment.h"
 #include "Host/Rendering/Parameters.h"
 #include "Host/Rendering/PortKinds.h"
 #include "Platform/QuartzComposer/QCPatch.h"
 
-#include <algorithm>
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QTimer>
+
 #include <filesystem>
+#include <functional>
 #include <utility>
 
 namespace host {
@@ -25,27 +33,95 @@ std::vector<QCPort*> parametersOf(EffectRendering& rendering) {
   return ports;
 }
 
+// Those of "port=value" that are for pictures, or for all other ports.
+std::vector<std::string> valuesOf(EffectRendering& rendering, const std::vector<std::string>& values, bool ofPictures) {
+  std::vector<std::string> result;
+  for (const std::string& text : values) {
+    const QCPort* port = findInputPort(rendering.patch(), valueAssignment(text).name);
+    if ((port && takesPicture(*port, rendering.roles())) == ofPictures) result.push_back(text);
+  }
+  return result;
+}
+
 std::size_t inputsOf(const std::string& effect, std::size_t available) {
   return static_cast<std::size_t>(inputRolesFor(*makeEffect(effect), available).names.size());
 }
 
-std::string classOf(const QCPort& port) {
-  return portKindName(portKindOf(port));
+bool handledEventsUntil(const std::function<bool()>& isDone, int milliseconds) {
+  QElapsedTimer waited;
+  waited.start();
+  QTimer wake;
+  wake.start(std::chrono::milliseconds(10));
+  while (!isDone()) {
+    if (waited.hasExpired(milliseconds)) return false;
+    QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
+  }
+  return true;
 }
 
 }  // namespace
 
+PreviewSetup previewSetupOf(const InspectOptions& options) {
+  PreviewSetup setup;
+  setup.effect = options.effect;
+  setup.inputs = options.inputs;
+  setup.framing = parsedFraming(options.framing);
+  setup.depth = parsedDepth(options.depth);
+  setup.colors = parsedColors(options.colors, options.inputs);
+  setup.time = options.time;
+  setup.rate = options.rate;
+  if (!options.frames.empty()) setup.frames = parsedFrameRange(options.frames);
+  return setup;
+}
+
 EffectSession::EffectSession(const InspectOptions& options)
     : rendering_(options.effect, inputsOf(options.effect, options.inputs.size()), parsedFraming(options.framing),
-                 parsedDepth(options.depth)) {
-  std::vector<std::string> values;
-  for (const std::string& text : options.values) {
-    const QCPort* port = findInputPort(rendering_.patch(), valueAssignment(text).name);
-    const bool isPicture = port && takesPicture(*port, rendering_.roles());
-    (isPicture ? pictures_ : values).push_back(text);
-  }
+                 parsedDepth(options.depth)),
+      pictures_(valuesOf(rendering_, options.values, true)),
+      engine_({}) {
+  const bool isComplete = rendering_.roles().inputs.size() == options.inputs.size();
+  if (isComplete) openEngine(options);  // early: it goes on while the rest is done
   document_ = std::make_unique<ParameterDocument>(parametersOf(rendering_));
-  setParameters(rendering_, values, options.states);
+  readParameters(options);
+  if (isComplete) sendParameters();
+}
+
+void EffectSession::openEngine(const InspectOptions& options) {
+  PreviewSetup setup = previewSetupOf(options);
+  setup.pictures = pictures_;
+  engine_.open(setup);
+  isOpen_ = true;
+  inputNames_.clear();
+  for (const std::string& path : options.inputs) {
+    inputNames_ += (inputNames_.empty() ? "" : ", ") + validUtf8(std::filesystem::path(path).filename().string());
+  }
+}
+
+void EffectSession::openInputs(const InspectOptions& options) {
+  openEngine(options);
+  sendParameters();
+}
+
+EffectSession::KeptStates EffectSession::parameterStates() const {
+  KeptStates states;
+  for (const QCPort* port : document_->parameters()) {
+    states[port->key()] = {portKindName(portKindOf(*port)), port->stateValue()};
+  }
+  return states;
+}
+
+void EffectSession::setParameterStates(const KeptStates& states) {
+  for (QCPort* port : document_->parameters()) {
+    const auto kept = states.find(port->key());
+    if (kept == states.end() || kept->second.kind != portKindName(portKindOf(*port)) || !kept->second.state) continue;
+    port->setStateValue(*kept->second.state, nullptr);
+  }
+  document_->forgetHistory();
+  if (isOpen_) sendParameters();
+}
+
+void EffectSession::readParameters(const InspectOptions& options) {
+  setParameters(rendering_, valuesOf(rendering_, options.values, false), options.states);
   for (const std::string& text : options.states) {
     const auto [port, path] = stateAssignment(text);
     document_->setFile(inputPortNamed(rendering_.patch(), name(), port), path);
@@ -58,37 +134,16 @@ std::string EffectSession::description() const {
   return text ? text->stringValue() : "";
 }
 
-PreviewEngine& EffectSession::openEngine(const InspectOptions& options, PreviewEngine::Told told) {
-  PreviewSetup setup;
-  setup.effect = name();
-  setup.inputs = options.inputs;
-  setup.pictures = pictures_;
-  setup.framing = parsedFraming(options.framing);
-  setup.depth = parsedDepth(options.depth);
-  setup.colors = parsedColors(options.colors, options.inputs);
-  setup.time = options.time;
-  if (!options.frames.empty()) setup.frames = parsedFrameRange(options.frames);
-  setup.rate = options.rate;
-  engine_.reset();
-  engine_ = std::make_unique<PreviewEngine>(std::move(told));
-  engine_->setParameters(document_->parameters());
-  engine_->open(setup);
-  return *engine_;
+bool EffectSession::waitUntilOpened(int milliseconds) {
+  return handledEventsUntil([this] { return engine_.opened() || engine_.refusal(); }, milliseconds);
 }
 
-EffectSession::KeptStates EffectSession::parameterStates() const {
-  KeptStates states;
-  for (const QCPort* port : document_->parameters()) states[port->key()] = {classOf(*port), port->stateValue()};
-  return states;
+bool EffectSession::waitForPicture(int milliseconds) {
+  return handledEventsUntil([this] { return engine_.isSettled(); }, milliseconds);
 }
 
-void EffectSession::setParameterStates(const KeptStates& states) {
-  for (QCPort* port : document_->parameters()) {
-    const auto kept = states.find(port->key());
-    if (kept == states.end() || kept->second.portClass != classOf(*port) || !kept->second.state) continue;
-    port->setStateValue(*kept->second.state, nullptr);
-  }
-  document_->forgetHistory();
+void EffectSession::checkPicture() const {
+  if (const auto& failure = engine_.failure()) throw Failure(failure->code, failure->text);
 }
 
 }  // namespace host

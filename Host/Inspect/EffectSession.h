@@ -14,40 +14,61 @@
 
 namespace host {
 
-// An effect whose parameters are edited. Its patch is there for its ports and their editors, and is never executed:
-// processes beside this one render (PreviewEngine), and are given the parameters as states.
+// What the inspector's command line says of an effect and its pictures. Throws Failure for texts that do not fit.
+PreviewSetup previewSetupOf(const InspectOptions& options);
+
+// An effect whose parameters are edited, and the engine that renders it meanwhile. The effect's patch here is there for
+// its ports and their editors: it is never executed, and its image ports hold nothing.
 class EffectSession {
  public:
-  // Of an effect of several kinds the one that fits the inputs that there are. Throws Failure for an effect that is not
-  // there, and for parameters that do not fit it.
+  // Of an effect of several kinds the one that fits the inputs that there are. Where these are all that it takes it
+  // begins to open them, which goes on without anybody waiting. Throws Failure for what the command line cannot mean;
+  // the engine is told later what files cannot be.
   explicit EffectSession(const InspectOptions& options);
 
   const std::string& name() const { return rendering_.effect(); }
   std::string description() const;
+  const std::string& inputNames() const { return inputNames_; }  // the files' names without folders, "a.png, b.png"
+  ParameterDocument& document() { return *document_; }
   QCPatch& patch() { return rendering_.patch(); }
   EffectKind kind() const { return rendering_.kind(); }
-  ParameterDocument& document() { return *document_; }
+  PreviewEngine& engine() { return engine_; }
 
-  // Begins with the inputs of the options, as many as the effect takes, and the present parameters. The one before
-  // ends.
-  PreviewEngine& openEngine(const InspectOptions& options, PreviewEngine::Told told);
-  void closeEngine() { engine_.reset(); }
+  // Whether inputs were opened: otherwise the engine has nothing to do.
+  bool isOpen() const { return isOpen_; }
+  // Begins with other inputs, as many as the effect takes; the rest stays. Throws Failure as the constructor does.
+  void openInputs(const InspectOptions& options);
+
+  // Tells the engine the present values of the parameters.
+  void sendParameters() { engine_.setParameters(document_->parameters()); }
 
   // What the parameters are now, by the keys of their ports; and those of another effect, as far as there are ports of
   // the same key and kind.
   struct KeptState {
-    std::string portClass;
+    std::string kind;
     std::optional<PropertyList> state;
   };
   using KeptStates = std::map<std::string, KeptState>;
   KeptStates parameterStates() const;
   void setParameterStates(const KeptStates& states);
 
+  // For tests, screenshots and figures: handles events until the engine is opened or refuses to be; until it has
+  // rendered, counted or failed all that is wanted. False when that takes longer.
+  bool waitUntilOpened(int milliseconds);
+  bool waitForPicture(int milliseconds);
+  // Throws what there is instead of a picture, as `vorto render` would.
+  void checkPicture() const;
+
  private:
+  void openEngine(const InspectOptions& options);
+  void readParameters(const InspectOptions& options);
+
   EffectRendering rendering_;
   std::vector<std::string> pictures_;  // "port=FILE"
+  bool isOpen_ = false;
+  std::string inputNames_;
   std::unique_ptr<ParameterDocument> document_;
-  std::unique_ptr<PreviewEngine> engine_;
+  PreviewEngine engine_;
 };
 
 }  // namespace host

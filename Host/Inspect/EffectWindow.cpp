@@ -130,6 +130,7 @@ void EffectWindow::openSession(const InspectOptions& options, const EffectSessio
                                   .changed = [this] { updateTitle(); }});
   fillColumn();
   buildMenus();
+  listenToEngine();
   startEngine();
   application_.preferences().setText("lastEffect", QString::fromStdString(session_->name()));
   updateTitle();
@@ -170,39 +171,37 @@ void EffectWindow::startEngine() {
   player_.pause();
   player_.setTimes(PlaybackTimes());
   viewer_->setPicture(nullptr);
-  if (!isComplete) {
-    session_->closeEngine();
-    engine_ = nullptr;
+  engine_ = isComplete ? &session_->engine() : nullptr;
+  if (!engine_) {
     viewer_->setNotice(windowText("Open or drop a picture"), Viewer::NoticeKind::Hint);
-    updateInfo();
-    return;
+    return updateInfo();
   }
   viewer_->setNotice({}, Viewer::NoticeKind::None);
-  engine_ = &session_->openEngine(
-      options_,
-      {.opened =
-           [this](const PreviewOpened& opened) {
-             player_.setTimes(playbackTimesOf(opened));
-             player_.goTo(opened.start);
-             updateTitle();
-           },
-       .refused = [this](const PreviewFailure& failure) { showFailure(failure, true); },
-       .pictured = [this](const PreviewPictureRef& picture) { pictured(picture); },
-       .counted = [this](const TCHistogram& input, const TCHistogram& result) { column_->setCounts(input, result); },
-       .failed = [this](const PreviewFailure& failure) { showFailure(failure, false); },
-       .busyChanged = [this](const PreviewBusy& busy) { showBusy(busy); },
-       .aheadReady = [this](
-                         std::uint64_t frame,
-                         const PreviewPictureRef& picture) { player_.deliver(frame, engine_->fingerprint(), picture); },
-       .aheadFailed =
-           [this](std::uint64_t frame, const PreviewFailure& failure) {
-             player_.deliverFailure(frame, engine_->fingerprint(), QString::fromStdString(failure.text));
-           },
-       .remarked =
-           [this](const std::string& text) {
-             activity_->addFailure(windowText("Remark"), QString::fromStdString(text));
-           }});
+  session_->openInputs(options_);
   engine_->setViewSize(sizeOnScreen(*viewer_));
+}
+
+void EffectWindow::listenToEngine() {
+  PreviewEngine::Told told;
+  told.opened = [this](const PreviewOpened& opened) {
+    player_.setTimes(playbackTimesOf(opened));
+    player_.goTo(opened.start);
+  };
+  told.refused = [this](const PreviewFailure& failure) { showFailure(failure, true); };
+  told.pictured = [this](const PreviewPictureRef& picture) { pictured(picture); };
+  told.counted = [this](const TCHistogram& input, const TCHistogram& result) { column_->setCounts(input, result); };
+  told.failed = [this](const PreviewFailure& failure) { showFailure(failure, false); };
+  told.busyChanged = [this](const PreviewBusy& busy) { showBusy(busy); };
+  told.aheadReady = [this](std::uint64_t frame, const VortoHash128& fingerprint, const PreviewPictureRef& picture) {
+    player_.deliver(frame, fingerprint, picture);
+  };
+  told.aheadFailed = [this](std::uint64_t frame, const VortoHash128& fingerprint, const PreviewFailure& failure) {
+    player_.deliverFailure(frame, fingerprint, QString::fromStdString(failure.text));
+  };
+  told.remarked = [this](const std::string& text) {
+    activity_->addFailure(windowText("Remark"), QString::fromStdString(text));
+  };
+  session_->engine().addListener(std::move(told));
 }
 
 void EffectWindow::connectPlayer() {

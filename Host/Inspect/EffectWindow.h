@@ -79,6 +79,7 @@ class EffectWindow : public QMainWindow {
   // What a window shows of one effect.
   void openSession(const InspectOptions& options, const EffectSession::KeptStates& kept);
   void closeSession();
+  void listenToEngine();
   void startEngine();
   void connectPlayer();
   void connectViewer();

@@ -37,11 +37,13 @@ struct PreviewBusy {
 };
 
 // Renders an effect for a window, on its event thread, in processes of their own: nothing here waits for them. There is
-// a process for full pictures, one for quick ones, which renders small inputs that the other scaled, and for frames
-// ahead of effects that keep no state one more.
+// a process for full pictures, one for quick ones, which renders small inputs that the other scaled, and for sequences
+// and effects that keep no state one more that renders ahead.
 //
-// Of what is wanted the newest wins: while a render takes its time any number of changes make one more. Pictures that
-// were rendered from older states are dropped, except that during a drag each one that comes is shown.
+// Of what is wanted the newest wins: while a render takes its time any number of changes make one more. Of an older
+// state than the one that is shown nothing is shown any more.
+//
+// The functions that are told something may call the engine, but not destroy it.
 class PreviewEngine : public QObject {
  public:
   struct Told {
@@ -52,8 +54,11 @@ class PreviewEngine : public QObject {
     std::function<void(const TCHistogram& input, const TCHistogram& result)> counted;
     std::function<void(const PreviewFailure& failure)> failed;
     std::function<void(const PreviewBusy& busy)> busyChanged;
-    std::function<void(std::uint64_t frame, const PreviewPictureRef& picture)> aheadReady;
-    std::function<void(std::uint64_t frame, const PreviewFailure& failure)> aheadFailed;
+    // Of orderAhead(), in the state of that fingerprint.
+    std::function<void(std::uint64_t frame, const VortoHash128& fingerprint, const PreviewPictureRef& picture)>
+        aheadReady;
+    std::function<void(std::uint64_t frame, const VortoHash128& fingerprint, const PreviewFailure& failure)>
+        aheadFailed;
     std::function<void(const std::string& text)> remarked;  // one line that is no failure; each once
   };
   explicit PreviewEngine(Told told);
@@ -62,7 +67,8 @@ class PreviewEngine : public QObject {
   // Others may listen too; each is called after those before it. Functions may be empty.
   void addListener(Told told);
 
-  // Begins with an effect and its inputs; what was before is dropped. Reports opened() or refused() later.
+  // Begins with an effect and its inputs; what was before is dropped, the parameters too. Reports opened() or refused()
+  // later.
   void open(const PreviewSetup& setup);
   const PreviewSetup& setup() const;
   const std::optional<PreviewOpened>& opened() const;
@@ -74,9 +80,9 @@ class PreviewEngine : public QObject {
   void setHeld(bool held);
   // Of the picture on the screen; quick pictures fit it. Nothing is scaled before it is known.
   void setViewSize(const PictureSize& devicePixels);
-  void goTo(std::uint64_t frame);
+  void goTo(std::uint64_t frame);  // of a transition between stills: also away from the time that was wanted at first
   std::uint64_t frame() const;
-  void render();  // once more
+  void render();  // once more, also what failed
   // Ends what is going on: says so as a failure, and begins anew with the next change.
   void cancel();
 
@@ -91,11 +97,11 @@ class PreviewEngine : public QObject {
   // What a picture depends on beside its frame: effect, inputs and all states.
   const VortoHash128& fingerprint() const;
 
-  // Frames for playback, in the present state: rendered in the order in which they are wanted, when nothing is to be
-  // rendered for the present frame. A change of state drops those that have not come.
+  // Frames for playback, in the present state: rendered in the order in which they are wanted, as long as nothing is to
+  // be rendered for the present frame. One that is under way in that state is not begun again.
   std::size_t mostAhead() const;  // that are worth ordering at once
   void orderAhead(std::uint64_t frame);
-  void dropAhead();
+  void dropAhead();  // those that have not begun; the others may come
 
   // Of decoded inputs that the processes keep altogether, for pictures that are rendered again; from the next open()
   // on.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include "Host/Preview/PreviewMessages.h"
 #include "Host/Preview/PreviewOrder.h"
 #include "Host/Preview/PreviewReport.h"
 #include "Host/Processes/ChildProcess.h"
@@ -18,6 +19,7 @@ class PreviewProcess {
  public:
   explicit PreviewProcess(const PreviewHello& hello);  // throws Failure when it cannot be started
 
+  // What it does not take at once is kept. One that takes nothing any more is killed.
   void send(const PreviewOrder& order);
   bool wantsToWrite() const { return !unsent_.empty(); }
   void write();  // what was not taken yet, once descriptor() can be written
@@ -32,11 +34,10 @@ class PreviewProcess {
   pid_t id() const { return process_.id(); }
 
  private:
-  std::optional<PreviewReport> died(std::string cause);
-  PreviewReport completed(PreviewReport report);
-  BitmapRef takeBitmap();
+  std::optional<PreviewReport> died();
+  void complete(PreviewPicture* picture, const PictureParts& parts);
 
-  int entries_ = -1;
+  MessageSocket entries_;
   ChildProcess process_;
   std::deque<Bytes> unsent_;
   std::size_t unsentBytes_ = 0;

@@ -97,11 +97,15 @@ struct PreviewFailed {
   std::string text;
 };
 
+struct PreviewDropped {  // an order ahead, before it was begun
+  std::uint64_t id = 0;
+};
+
 struct PreviewDied {  // the last report of all
   std::string cause;  // "signal 11 (Segmentation fault)"
 };
 
 using PreviewReport = std::variant<PreviewOpened, PreviewRefused, PreviewProgress, PreviewInputs, PreviewRendered,
-                                   PreviewCounts, PreviewFailed, Remark, PreviewDied>;
+                                   PreviewCounts, PreviewFailed, PreviewDropped, Remark, PreviewDied>;
 
 }  // namespace host

@@ -22,7 +22,7 @@ struct PreviewSetup {
   ColorWishes colors;
   std::optional<double> time;        // for the effect: of all frames; of a transition between stills where it begins
   std::optional<FrameRange> frames;  // of sequences and clips; else all that there are
-  double rate = 25;                  // frames per second of sequences, above 0
+  std::optional<double> rate;        // frames per second of sequences, above 0; else 25, or the leading clip's
 };
 
 }  // namespace host
