@@ -131,7 +131,7 @@ void EffectWindow::openSession(const InspectOptions& options, const EffectSessio
   fillColumn();
   buildMenus();
   listenToEngine();
-  startEngine();
+  startEngine(false);
   application_.preferences().setText("lastEffect", QString::fromStdString(session_->name()));
   updateTitle();
 }
@@ -158,7 +158,7 @@ void EffectWindow::fillColumn() {
   columnPlace_->addWidget(column_);
 }
 
-void EffectWindow::startEngine() {
+void EffectWindow::startEngine(bool isAgain) {
   QStringList shown;
   for (const std::string& path : inputs_) shown.append(QString::fromStdString(path));
   if (inputList_) inputList_->setPaths(shown);
@@ -177,7 +177,7 @@ void EffectWindow::startEngine() {
     return updateInfo();
   }
   viewer_->setNotice({}, Viewer::NoticeKind::None);
-  session_->openInputs(options_);
+  if (!session_->isOpen() || isAgain) session_->openInputs(options_);
   engine_->setViewSize(sizeOnScreen(*viewer_));
 }
 
@@ -345,7 +345,7 @@ void EffectWindow::setInput(std::size_t input, const std::string& path) {
   inputs_[input] = path;
   options_.frames.clear();
   application_.preferences().noteFile(QString::fromStdString(path));
-  startEngine();
+  startEngine(true);
   updateTitle();
 }
 

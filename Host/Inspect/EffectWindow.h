@@ -80,7 +80,7 @@ class EffectWindow : public QMainWindow {
   void openSession(const InspectOptions& options, const EffectSession::KeptStates& kept);
   void closeSession();
   void listenToEngine();
-  void startEngine();
+  void startEngine(bool isAgain);  // that inputs are to be opened, also when they are
   void connectPlayer();
   void connectViewer();
   void layOut();

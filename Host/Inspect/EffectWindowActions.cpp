@@ -91,7 +91,7 @@ void EffectWindow::makeActions() {
   own.cancelRender = newWindowAction(*this, "Cancel Rendering", QKeySequence(Qt::CTRL | Qt::Key_Period), [this] {
     if (engine_) engine_->cancel();
   });
-  own.renderAgain = newWindowAction(*this, "Render Again", QKeySequence::Refresh, [this] { startEngine(); });
+  own.renderAgain = newWindowAction(*this, "Render Again", QKeySequence::Refresh, [this] { startEngine(true); });
   own.shortcuts = newWindowAction(*this, "Keyboard Shortcuts", QKeySequence(Qt::Key_F1), [this] { showShortcuts(); });
   own.about = newWindowAction(*this, "About Vorto", {}, [this] {
     QMessageBox::about(this, "Vorto",
