@@ -10,6 +10,9 @@ namespace host {
 // beside the program, for a helper that is installed among the libraries itself.
 std::vector<std::string> libraryFolders();
 
+// The folder share/vorto that is installed with the program or was built beside it; empty when there is none.
+std::string dataFolder();
+
 // The folder of plug-ins that is installed or was built beside the program; empty when there is none.
 std::string plugInFolderBesideProgram();
 

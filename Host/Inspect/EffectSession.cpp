@@ -6,6 +6,7 @@
 #include "Host/Files/PictureWriting.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Messages/Utf8.h"
+#include "Host/Presets/PresetReference.h"
 #include "Host/Rendering/Assignment.h"
 #include "Host/Rendering/Parameters.h"
 #include "Host/Rendering/PortKinds.h"
@@ -59,6 +60,7 @@ void EffectSession::readParameters(const InspectOptions& options) {
   setParameters(rendering_, options.values, options.states);
   for (const std::string& text : options.states) {
     const auto [port, path] = stateAssignment(text);
+    if (isPresetReference(path)) continue;  // which is not saved over
     document_->setFile(inputPortNamed(rendering_.patch(), name(), port), path);
   }
   document_->forgetHistory();
