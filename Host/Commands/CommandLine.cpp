@@ -78,6 +78,7 @@ keep a state from frame to frame have one.
 
 Examples:
   vorto render "Gradient Map" --input photo.png --state gradient=sunset.plist --output out.png
+  vorto render "Gradient Map" --input photo.png --state gradient=preset:Cyanotype --output out.png
   vorto render Dissolve --input a.png b.png --time 0.5 --size 1920x1080 --output mix.tif
   vorto render Levels --input in.%04d.exr --state levels=grade.plist --output out.%04d.exr
   vorto render "Gradient Map" --input clip.mov --start 0:10 --duration 5 --output graded.mp4 --quality 80
@@ -93,11 +94,16 @@ under present or older class names. It is also what --json prints; a gradient or
 a gradient of other programs: linear-gradient() of CSS, the stops of an SVG file, .ggr, or a .cpt palette. What these blend
 in other ways is met within 1/255 by added stops, which are counted on standard error.
 
+preset:NAME is a preset of that name: one that came with vorto, or one of your own, a file in the folder gradients or
+levels in $XDG_DATA_HOME/vorto/presets or ~/.local/share/vorto/presets. A file of that name is ./preset:NAME.
+
 --convert xml and --convert binary keep the form of the file (dictionary or archive; dictionary for a text) unless --form
 is given. --convert text writes what is read again as the same state; css, svg and ggr are for gradients.
 
 Examples:
   vorto state sunset.plist --json
+  vorto state --presets
+  vorto state preset:Cyanotype --convert css --output cyanotype.css
   vorto state sunset.ggr --convert xml --output sunset.plist
   vorto state sunset.plist --convert text --output sunset.txt)";
 
@@ -258,7 +264,10 @@ void addRender(CLI::App& app, RenderOptions& options) {
   command->add_option("--set", options.values, "Set a port; may be repeated")
       ->type_name("PORT=VALUE")
       ->allow_extra_args(false);
-  command->add_option("--state", options.states, "Set a gradient, levels or opaque port from a saved state")
+  command
+      ->add_option(
+          "--state", options.states,
+          "Set a gradient, levels or opaque port from a saved state, or preset:NAME (vorto state --presets lists them)")
       ->type_name("PORT=FILE")
       ->allow_extra_args(false);
   addFraming(*command, options.framing);
@@ -302,7 +311,8 @@ void addRender(CLI::App& app, RenderOptions& options) {
 void addState(CLI::App& app, StateOptions& options) {
   CLI::App* command = app.add_subcommand("state", "Print or convert a saved gradient, levels or opaque state");
   command->footer(kStateFooter);
-  command->add_option("file", options.file, "The state's file")->required()->type_name("FILE");
+  command->add_option("file", options.file, "The state's file, or preset:NAME")->type_name("FILE");
+  command->add_flag("--presets", options.presets, "List the gradients and levels that go by a name");
   command->add_flag("--json", options.json, "As JSON");
   command->add_option("--convert", options.convert, "Write it as xml or binary; as text; a gradient as css, svg or ggr")
       ->type_name("FORMAT")
@@ -342,7 +352,7 @@ void addInspect(CLI::App& app, InspectOptions& options) {
   command
       ->add_option("--state", options.states,
                    "Set a gradient, levels or opaque port from a saved state; without an effect, the kind of the state "
-                   "(gradient, levels, opaque) and its file")
+                   "(gradient, levels, opaque) and its file; preset:NAME as for render")
       ->type_name("PORT=FILE")
       ->allow_extra_args(false);
   addFraming(*command, options.framing);

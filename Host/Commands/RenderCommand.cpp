@@ -172,8 +172,24 @@ void renderHere(FrameRendering& rendering, const RenderTiming& timing, const Fra
   tellOfClipping(output.sink->clippedPixels(), rendering.inputs().colors().clippedSpace());
 }
 
-std::vector<std::string> workerArguments(const RenderOptions& options) {
+// The words that say the states, in their order.
+std::vector<std::string*> stateWords(std::vector<std::string>& words) {
+  std::vector<std::string*> found;
+  for (std::size_t i = 0; i < words.size() && words[i] != "--"; ++i) {
+    if (words[i].starts_with("--state=")) found.push_back(&words[i]);
+    if (words[i] == "--state" && i + 1 < words.size()) found.push_back(&words[++i]);
+  }
+  return found;
+}
+
+// Workers that start later are given the files of presets, not names that may mean others by then.
+std::vector<std::string> workerArguments(const RenderOptions& options, const std::vector<std::string>& states) {
   std::vector<std::string> arguments = options.commandLine;
+  const std::vector<std::string*> words = stateWords(arguments);
+  for (std::size_t i = 0; i < words.size() && words.size() == states.size(); ++i) {
+    const bool isJoined = words[i]->starts_with("--state=");
+    *words[i] = (isJoined ? "--state=" : "") + states[i];
+  }
   arguments.insert(arguments.begin() + 1, "--worker");  // behind "render": what follows -- is no option
   return arguments;
 }
@@ -201,7 +217,6 @@ bool isRateOfClips(const OpenClips& clips, const Rational& rate) {
 
 void renderBesides(const RenderOptions& options, const RenderTiming& timing, JobRun run) {
   run.plan = &timing.plan();
-  run.arguments = workerArguments(options);
   if (run.output.isClip()) {
     const PlanPart part = timing.part();
     const RenderPlan& plan = timing.plan();
@@ -264,6 +279,7 @@ RenderOutlook renderOutlook(const RenderOptions& options) {
   outlook.rate = plan.rate();
   outlook.isEven = plan.isEven();
   outlook.audio = timing.audio();
+  outlook.states = rendering.states();
   return outlook;
 }
 
@@ -313,6 +329,7 @@ void runRender(const RenderOptions& options) {
   run.frames = frames;
   run.workers = workers;
   run.keepsState = hasState;
+  run.arguments = workerArguments(options, rendering.states());
   run.clips = &clips;
   run.output = output.job;
   renderBesides(options, timing, std::move(run));

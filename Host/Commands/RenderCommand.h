@@ -73,6 +73,7 @@ struct RenderOutlook {
   Rational rate;                  // frames per second
   bool isEven = true;             // frames come at that rate
   std::optional<ClipAudio> audio;
+  std::vector<std::string> states;        // "port=FILE", with the files of the presets that were named
   std::optional<ColorSpace> outputSpace;  // where the inputs decide it
 };
 

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Commands/StateCommand.h"
 
+#include "Host/Commands/PresetList.h"
 #include "Host/Files/OutputFile.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Messages/Remark.h"
 #include "Host/Messages/StandardOutput.h"
+#include "Host/Presets/PresetReference.h"
 #include "Host/States/StateFile.h"
 #include "Host/States/StatePrinting.h"
 
@@ -20,6 +22,13 @@ std::optional<TextFormat> textFormatNamed(const std::string& name) {
 }
 
 void checkOptions(const StateOptions& options) {
+  if (options.presets == !options.file.empty()) {
+    throw Failure(ExitCode::Usage, options.presets ? "--presets lists them all: leave " + options.file + " out"
+                                                   : "file is required (vorto state --help tells more)");
+  }
+  if (options.presets && !(options.convert + options.output + options.form).empty()) {
+    throw Failure(ExitCode::Usage, "--presets lists them, and converts nothing");
+  }
   if (options.convert.empty() && (!options.output.empty() || !options.form.empty())) {
     throw Failure(ExitCode::Usage, "--output and --form belong to --convert");
   }
@@ -50,7 +59,8 @@ PropertyList::Bytes convertedAsWanted(const StateFile& file, const StateOptions&
 
 void runState(const StateOptions& options) {
   checkOptions(options);
-  const StateFile file = readStateFile(options.file);
+  if (options.presets) return printPresets(options.json);
+  const StateFile file = readStateOfText(options.file);
   for (const std::string& note : file.notes) remark(options.file + ": " + note);
   if (options.convert.empty()) {
     printText(options.json ? stateAsJson(file) : stateAsText(file));

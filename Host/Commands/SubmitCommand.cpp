@@ -202,7 +202,8 @@ RenderWords wordsOfPictures(const Submission& submission) {
   for (const GivenOption& option : submission.render.given) {
     const bool isOfClip =
         submission.isClip() && (isOneOf(option.name, kEncoding) || isOneOf(option.name, kNotOfFrames));
-    if (!isOfClip && !isOneOf(option.name, kNotOfTasks)) words.add(option);
+    if (isOfClip || isOneOf(option.name, kNotOfTasks)) continue;
+    words.add(option.name == "--state" ? GivenOption{option.name, submission.outlook.states} : option);
   }
   const std::string space = spaceOfClip(submission);
   if (!space.empty() && submission.render.options.colors.output.empty()) words.add("--output-space", space);

@@ -32,6 +32,17 @@ std::string hostProgram() {
   return "";
 }
 
+// Of a helper too, which is installed among the libraries.
+std::string dataFolder() {
+  const fs::path program = programFolder();
+  for (const fs::path& folder : {fs::path(VORTO_DATA_FROM_PROGRAM), fs::path(VORTO_DATA_FROM_LIBRARIES)}) {
+    const fs::path candidate = (program / folder).lexically_normal();
+    std::error_code error;
+    if (fs::is_directory(candidate, error)) return candidate.string();
+  }
+  return "";
+}
+
 std::string plugInFolderBesideProgram() {
   const fs::path program = programFolder();
   for (const fs::path& folder :

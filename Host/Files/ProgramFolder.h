@@ -12,6 +12,8 @@ std::vector<std::string> libraryFolders();
 
 // The path of the program vorto, of which this one may be a helper; empty when it is not there.
 std::string hostProgram();
+// The folder share/vorto that is installed with the program or was built beside it; empty when there is none.
+std::string dataFolder();
 
 // The folder of plug-ins that is installed or was built beside the program; empty when there is none.
 std::string plugInFolderBesideProgram();

@@ -6,6 +6,7 @@
 #include "Host/Commands/OptionValues.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Messages/Utf8.h"
+#include "Host/Presets/PresetReference.h"
 #include "Host/Rendering/Assignment.h"
 #include "Host/Rendering/Parameters.h"
 #include "Host/Rendering/PortKinds.h"
@@ -124,6 +125,7 @@ void EffectSession::readParameters(const InspectOptions& options) {
   setParameters(rendering_, valuesOf(rendering_, options.values, false), options.states);
   for (const std::string& text : options.states) {
     const auto [port, path] = stateAssignment(text);
+    if (isPresetReference(path)) continue;  // which is not saved over
     document_->setFile(inputPortNamed(rendering_.patch(), name(), port), path);
   }
   document_->forgetHistory();

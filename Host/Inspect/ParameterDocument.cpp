@@ -4,6 +4,7 @@
 #include "Host/Files/OutputFile.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Messages/Remark.h"
+#include "Host/Presets/PresetReference.h"
 #include "Host/Rendering/Assignment.h"
 #include "Host/Rendering/Parameters.h"
 #include "Host/Rendering/PortKinds.h"
@@ -137,7 +138,7 @@ std::vector<QCPort*> ParameterDocument::unsaved() const {
 }
 
 QCPort& ParameterDocument::load(const std::string& path, QCPort* preferred) {
-  const StateFile file = readStateFile(path, preferred ? stateKindOf(*preferred) : std::nullopt);
+  const StateFile file = readStateOfText(path, preferred ? stateKindOf(*preferred) : std::nullopt);
   const auto takes = [&](const QCPort* port) { return port && stateKindOf(*port) == file.kind; };
   const auto first = std::find_if(parameters_.begin(), parameters_.end(), takes);
   QCPort* port = takes(preferred) ? preferred : first != parameters_.end() ? *first : nullptr;
@@ -145,7 +146,7 @@ QCPort& ParameterDocument::load(const std::string& path, QCPort* preferred) {
   std::string reason;
   if (!port->setStateValue(file.state, &reason)) throw Failure(ExitCode::Input, "cannot read " + path + ": " + reason);
   for (const std::string& note : file.notes) remark(path + ": " + note);
-  saved_.at(indexOf(*port)) = savedAs(path, file, *port);
+  if (!isPresetReference(path)) saved_.at(indexOf(*port)) = savedAs(path, file, *port);
   return *port;
 }
 

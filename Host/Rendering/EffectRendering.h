@@ -32,6 +32,7 @@ class EffectRendering {
   EffectKind kind() const { return kind_; }
   const EffectRoles& roles() const { return roles_; }
   QCPatch& patch() { return *patch_; }
+  const QCPatch& patch() const { return *patch_; }
 
   void connect(const InputPictures& pictures);
   // Runs the effect: what it gave, in the size that was wanted. Where it cannot give anything else than the last time,

@@ -26,8 +26,9 @@ Channels channelsOf(const InputPictures& pictures) {
 FrameRendering::FrameRendering(const RenderSetup& setup)
     : setup_(setup),
       effect_(setup.effect, setup.inputs.size(), setup.framing, setup.depth),
+      states_(statesWithFiles(effect_, setup.states)),
       inputs_(setup.inputs, setup.depth, setup.layout, setup.colors) {
-  setParameters(effect_, setup.values, setup.states);
+  setParameters(effect_, setup.values, states_);
 }
 
 void FrameRendering::begin(const PlannedFrame& first, ClipFrames* clips, const OutputDescription& output) {

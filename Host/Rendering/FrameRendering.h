@@ -44,6 +44,7 @@ class FrameRendering {
 
   EffectRendering& effect() { return effect_; }
   Inputs& inputs() { return inputs_; }
+  const std::vector<std::string>& states() const { return states_; }  // "port=FILE", of presets their files
 
   // What the plan's first frame decides, which any process can find out; without it the first frame that is rendered
   // decides. `clips` outlives this, null where no input is a clip.
@@ -55,6 +56,7 @@ class FrameRendering {
  private:
   const RenderSetup setup_;
   EffectRendering effect_;
+  const std::vector<std::string> states_;
   Inputs inputs_;
   ClipFrames* clips_ = nullptr;
 };

@@ -5,6 +5,7 @@
 #include "Host/Messages/Failure.h"
 #include "Host/Messages/Remark.h"
 #include "Host/Pixels/Bitmaps.h"
+#include "Host/Presets/PresetReference.h"
 #include "Host/Rendering/Assignment.h"
 #include "Host/Rendering/EffectRendering.h"
 #include "Host/Rendering/PortKinds.h"
@@ -16,6 +17,14 @@
 
 namespace host {
 namespace {
+
+std::string fileOfState(const QCPort& port, const std::string& text) {
+  try {
+    return stateFileOfText(text, stateKindOf(port));
+  } catch (const Failure& failure) {
+    throw Failure(failure.code, port.key() + "=" + text + ": " + failure.what());
+  }
+}
 
 void setPortFromState(QCPort& port, const std::string& path) {
   const StateFile file = readStateFile(path, stateKindOf(port));
@@ -88,11 +97,22 @@ std::optional<StateKind> stateKindOf(const QCPort& port) {
   }
 }
 
+std::vector<std::string> statesWithFiles(const EffectRendering& rendering, const std::vector<std::string>& states) {
+  std::vector<std::string> resolved;
+  for (const std::string& text : states) {
+    const auto [name, path] = stateAssignment(text);
+    const QCPort& port = inputPortNamed(rendering.patch(), rendering.effect(), name);
+    resolved.push_back(name + "=" + fileOfState(port, path));
+  }
+  return resolved;
+}
+
 void setParameters(EffectRendering& rendering, const std::vector<std::string>& values,
                    const std::vector<std::string>& states) {
   for (const std::string& text : states) {
     const auto [name, path] = stateAssignment(text);
-    setPortFromState(inputPortNamed(rendering.patch(), rendering.effect(), name), path);
+    QCPort& port = inputPortNamed(rendering.patch(), rendering.effect(), name);
+    setPortFromState(port, fileOfState(port, path));
   }
   for (const std::string& text : values) {
     const auto [name, value] = valueAssignment(text);

@@ -21,9 +21,13 @@ std::optional<StateKind> stateKindOf(const QCPort& port);
 // without, and that is set like a value.
 bool takesPicture(const QCPort& port, const EffectRoles& roles);
 
-// Sets the effect's ports from "port=FILE" (a state file), then from "port=value", each in order; the value of a port
-// that takesPicture() is a file, and "port.part=value" sets one value of levels. What is to be said of a file that was
-// read goes to standard error. Throws Failure for the first that does not fit.
+// The same assignments with the files of the presets that they name (Host/Presets/PresetReference.h): what other
+// processes, at other times, are to be given. Throws Failure for unknown ports and presets.
+std::vector<std::string> statesWithFiles(const EffectRendering& rendering, const std::vector<std::string>& states);
+
+// Sets the effect's ports from "port=FILE" (a state file, or preset:NAME), then from "port=value", each in order; the
+// value of a port that takesPicture() is a file, and "port.part=value" sets one value of levels. What is to be said of
+// a file that was read goes to standard error. Throws Failure for the first that does not fit.
 void setParameters(EffectRendering& rendering, const std::vector<std::string>& values,
                    const std::vector<std::string>& states);
 

@@ -206,9 +206,8 @@ bool looksLikePalette(std::string_view text) {
     if (reader.atLineEnd()) return false;
     if (isOutside(first)) return true;
     TextReader number(first);
-    if (!number.nextIsNumber()) return false;
-    try {
-      return number.quantity("a number").unit.empty() && number.atEnd();
+    try {  // "/*" begins a comment, of other texts
+      return number.nextIsNumber() && number.quantity("a number").unit.empty() && number.atEnd();
     } catch (const TextFault&) {
       return false;
     }

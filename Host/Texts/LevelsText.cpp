@@ -99,6 +99,10 @@ void setLevelsValue(PropertyList& state, const std::string& key, std::string_vie
 }
 
 bool looksLikeLevels(std::string_view text) {
+  while (text.starts_with("/*") && text.find("*/", 2) != std::string_view::npos) {
+    text.remove_prefix(text.find("*/", 2) + 2);
+    text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
+  }
   const std::size_t equals = text.find('=');
   if (equals == std::string_view::npos || equals == 0) return false;
   return std::ranges::all_of(text.substr(0, equals), [](char c) {

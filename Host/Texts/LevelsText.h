@@ -22,7 +22,7 @@ std::string levelsKeyOfName(std::string_view name);
 // Sets what stands under a key. Throws TextFault at a place in the value.
 void setLevelsValue(PropertyList& state, const std::string& key, std::string_view value);
 
-bool looksLikeLevels(std::string_view text);  // an equals sign behind letters, dots and spaces
+bool looksLikeLevels(std::string_view text);  // comments, then an equals sign behind letters, dots and spaces
 
 // The defaults with these values. Throws TextFault.
 PropertyList levelsOfText(std::string_view text);
