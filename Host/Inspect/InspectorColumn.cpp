@@ -7,6 +7,8 @@
 #include "Host/Inspect/DocumentActions.h"
 #include "Host/Inspect/EditorSlot.h"
 #include "Host/Inspect/InspectorMetrics.h"
+#include "Host/Inspect/NumberEditor.h"
+#include "Host/Inspect/NumberField.h"
 #include "Host/Inspect/ParameterSection.h"
 #include "Host/Inspect/ValueEditors.h"
 #include "Host/Rendering/PortKinds.h"
@@ -101,6 +103,7 @@ void InspectorColumn::addRow(QVBoxLayout& column, QCPort& port) {
   layout->addWidget(label);
   QWidget* editor = makeValueEditor(port, row);
   label->setBuddy(editor);
+  if (auto* number = dynamic_cast<NumberEditor*>(editor)) number->field().addHandle(*label);
   layout->addWidget(editor, 1);
   column.addWidget(row);
 }

@@ -2,9 +2,9 @@
 #include "Host/Inspect/NumberEditor.h"
 
 #include "Controls/VRTInteractions.h"
+#include "Host/Inspect/NumberField.h"
 #include "Host/Inspect/WheelGuard.h"
 
-#include <QDoubleSpinBox>
 #include <QHBoxLayout>
 #include <QSignalBlocker>
 #include <QSlider>
@@ -25,19 +25,17 @@ int decimalsFor(const PortRange& range) {
   return span <= 10 ? 3 : span <= 1000 ? 1 : 0;
 }
 
-// Without the zeros at the end, which say nothing.
-class NumberBox : public QDoubleSpinBox {
- public:
-  using QDoubleSpinBox::QDoubleSpinBox;
-  QString textFromValue(double value) const override {
-    QString text = QDoubleSpinBox::textFromValue(value);
-    const QString point = locale().decimalPoint();
-    if (!text.contains(point)) return text;
-    while (text.endsWith('0')) text.chop(1);
-    if (text.endsWith(point)) text.chop(point.size());
-    return text;
-  }
-};
+NumberField::Numbers numbersOf(const PortRange& range, bool whole) {
+  NumberField::Numbers numbers;
+  numbers.minimum = range.minimum.value_or(whole ? 0 : std::numeric_limits<double>::lowest());
+  numbers.maximum =
+      range.maximum.value_or(whole ? std::numeric_limits<std::uint32_t>::max() : std::numeric_limits<double>::max());
+  const double span = numbers.maximum - numbers.minimum;
+  numbers.step = whole ? 1 : std::isfinite(span) ? std::clamp(span / 100, 0.01, 1.0) : 0.1;
+  numbers.decimals = decimalsFor(range);
+  numbers.isWhole = whole;
+  return numbers;
+}
 
 }  // namespace
 
@@ -46,23 +44,12 @@ NumberEditor::NumberEditor(QCPort& port, QWidget* parent)
       port_(port),
       range_(portRange(port)),
       whole_(portKindOf(port) == PortKind::Index),
-      box_(new NumberBox(this)),
+      field_(new NumberField(port, numbersOf(range_, whole_),
+                             {.changed = [this](double value) { give(value); }, .settled = {}, .refusal = {}}, this)),
       watch_(port, [this] { show(present()); }) {
-  const double lowest = whole_ ? 0 : std::numeric_limits<double>::lowest();
-  const double highest = whole_ ? std::numeric_limits<std::uint32_t>::max() : std::numeric_limits<double>::max();
-  box_->setDecimals(whole_ ? 0 : decimalsFor(range_));
-  box_->setRange(range_.minimum.value_or(lowest), range_.maximum.value_or(highest));
-  const double span = box_->maximum() - box_->minimum();
-  box_->setSingleStep(whole_ ? 1 : std::isfinite(span) ? std::clamp(span / 100, 0.01, 1.0) : 0.1);
-  box_->setButtonSymbols(QAbstractSpinBox::NoButtons);
-  box_->setKeyboardTracking(false);
-  box_->setAccelerated(true);
-  box_->setFixedWidth(kBoxWidth);
-  box_->setAlignment(Qt::AlignRight);
-  box_->setAccessibleName(QString::fromStdString(port.name()));
-  guardWheel(*box_);
-  QObject::connect(box_, &QDoubleSpinBox::valueChanged, this, [this](double value) { give(value); });
-
+  field_->setFixedWidth(kBoxWidth);
+  field_->setName(QString::fromStdString(port.name()));
+  const double span = field_->numbers().maximum - field_->numbers().minimum;
   auto* row = new QHBoxLayout(this);
   row->setContentsMargins(0, 0, 0, 0);
   row->setSpacing(8);
@@ -72,7 +59,8 @@ NumberEditor::NumberEditor(QCPort& port, QWidget* parent)
   } else {
     row->addStretch(1);
   }
-  row->addWidget(box_);
+  row->addWidget(field_);
+  setFocusProxy(field_);
   show(present());
 }
 
@@ -95,8 +83,7 @@ double NumberEditor::present() const {
 }
 
 void NumberEditor::show(double value) {
-  const QSignalBlocker quietBox(box_);
-  box_->setValue(value);
+  field_->setValue(value);
   if (!slider_) return;
   const QSignalBlocker quietSlider(slider_);
   const double part = (value - *range_.minimum) / (*range_.maximum - *range_.minimum);

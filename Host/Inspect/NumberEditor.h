@@ -6,15 +6,17 @@
 
 #include <QWidget>
 
-class QDoubleSpinBox;
 class QSlider;
 
 namespace host {
 
-// A number, or an index that has no menu: a box to type into, and a slider when the range is limited.
+class NumberField;
+
+// A number, or an index that has no menu: a field, and a slider when the range is limited.
 class NumberEditor : public QWidget {
  public:
   NumberEditor(QCPort& port, QWidget* parent);
+  NumberField& field() { return *field_; }
 
  private:
   void addSlider();
@@ -26,7 +28,7 @@ class NumberEditor : public QWidget {
   const PortRange range_;
   const bool whole_;
   QSlider* slider_ = nullptr;
-  QDoubleSpinBox* box_ = nullptr;
+  NumberField* field_ = nullptr;
   PortWatch watch_;
 };
 

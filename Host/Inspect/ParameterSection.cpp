@@ -2,11 +2,21 @@
 #include "Host/Inspect/ParameterSection.h"
 
 #include "Host/Inspect/DocumentActions.h"
+#include "Host/Inspect/Drops.h"
 #include "Host/Inspect/EditorSlot.h"
 #include "Host/Inspect/InspectorMetrics.h"
+#include "Host/Inspect/ParameterClipboard.h"
+#include "Host/Inspect/ParameterFields.h"
 #include "Host/Inspect/WindowText.h"
+#include "Host/Messages/Failure.h"
+#include "Host/Rendering/Parameters.h"
+#include "Host/Texts/NumberExpression.h"
 
 #include <QAbstractButton>
+#include <QAction>
+#include <QApplication>
+#include <QClipboard>
+#include <QContextMenuEvent>
 #include <QHBoxLayout>
 #include <QMenu>
 #include <QPainter>
@@ -59,6 +69,8 @@ ParameterSection::ParameterSection(QCPort& port, DocumentActions& actions, Foldi
       actions_(actions),
       title_(new FoldingTitle(folding == Folding::Possible, this)),
       menu_(new QToolButton(this)),
+      actionsMenu_(new QMenu(this)),
+      body_(new QVBoxLayout),
       slot_(new EditorSlot(port, this)) {
   QObject::connect(title_, &QAbstractButton::toggled, this, [this](bool on) { setFolded(!on); });
   addMenu();
@@ -73,7 +85,12 @@ ParameterSection::ParameterSection(QCPort& port, DocumentActions& actions, Foldi
   column->setContentsMargins(0, 0, 0, 0);
   column->setSpacing(6);
   column->addLayout(header);
-  column->addWidget(slot_, 0, Qt::AlignLeft);
+  column->addLayout(body_);
+  body_->setContentsMargins(0, 0, 0, 0);
+  body_->setSpacing(8);
+  body_->addWidget(slot_, 0, Qt::AlignLeft);
+  parts_.push_back(slot_);
+  addFields();
   setFolded(false);
   updateTitle();
 }
@@ -84,18 +101,100 @@ void ParameterSection::addMenu() {
   menu_->setPopupMode(QToolButton::InstantPopup);
   menu_->setStyleSheet("QToolButton::menu-indicator { image: none; }");
   menu_->setAccessibleName(windowText("%1 menu").arg(QString::fromStdString(port_.name())));
-  auto* menu = new QMenu(menu_);
-  menu->addAction(windowText("Open State\u2026"), this, [this] { actions_.open(&port_); });
-  menu->addAction(windowText("Save State"), this, [this] { actions_.save(port_); });
-  menu->addAction(windowText("Save State As\u2026"), this, [this] { actions_.saveAs(port_); });
-  menu->addSeparator();
-  menu->addAction(windowText("Reset"), this, [this] { actions_.reset(port_); });
-  menu_->setMenu(menu);
+  if (stateKindOf(port_)) {
+    addEdit("Copy", QKeySequence::Copy, &ParameterSection::copy);
+    if (stateKindOf(port_) == StateKind::Gradient) {
+      addEdit("Copy as CSS", QKeySequence(), &ParameterSection::copyAsCss);
+    }
+    addEdit("Paste", QKeySequence::Paste, &ParameterSection::paste);
+    actionsMenu_->addSeparator();
+  }
+  actionsMenu_->addAction(windowText("Open State\u2026"), this, [this] { actions_.open(&port_); });
+  actionsMenu_->addAction(windowText("Save State"), this, [this] { actions_.save(port_); });
+  actionsMenu_->addAction(windowText("Save State As\u2026"), this, [this] { actions_.saveAs(port_); });
+  actionsMenu_->addSeparator();
+  actionsMenu_->addAction(windowText("Reset"), this, [this] { actions_.reset(port_); });
+  menu_->setMenu(actionsMenu_);
+}
+
+// Its keys are for what has the keyboard in this section.
+QAction* ParameterSection::addEdit(const char* text, const QKeySequence& keys, void (ParameterSection::*done)()) {
+  QAction* action = actionsMenu_->addAction(windowText(text), this, [this, done] { (this->*done)(); });
+  action->setShortcut(keys);
+  action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+  addAction(action);
+  return action;
+}
+
+void ParameterSection::addFields() {
+  fields_ = makeParameterFields(
+      port_, slot_->editor(), [this](const QMimeData& mime) { return pasteIntoField(mime); }, this);
+  if (fields_) addPart(fields_);
+}
+
+void ParameterSection::addPart(QWidget* part) {
+  body_->addWidget(part, 0, Qt::AlignLeft);
+  parts_.push_back(part);
+  part->setVisible(!title_->isCheckable() || title_->isChecked());
 }
 
 void ParameterSection::setFolded(bool folded) {
   title_->setChecked(!folded);
-  slot_->setVisible(!folded);
+  for (QWidget* part : parts_) part->setVisible(!folded);
+}
+
+void ParameterSection::contextMenuEvent(QContextMenuEvent* event) {
+  actionsMenu_->popup(event->globalPos());
+}
+
+namespace {
+
+PropertyList stateToCopy(const QCPort& port) {
+  auto state = port.stateValue();
+  if (!state) throw Failure(ExitCode::Output, windowText("There is nothing to copy").toStdString());
+  return std::move(*state);
+}
+
+}  // namespace
+
+void ParameterSection::copy() {
+  actions_.tried([this] {
+    QApplication::clipboard()->setMimeData(mimeOfState(*stateKindOf(port_), stateToCopy(port_)).release());
+  });
+}
+
+void ParameterSection::copyAsCss() {
+  actions_.tried([this] {
+    QApplication::clipboard()->setMimeData(
+        mimeOfState(*stateKindOf(port_), stateToCopy(port_), StateNotation::Css).release());
+  });
+}
+
+void ParameterSection::paste() {
+  if (const QMimeData* mime = QApplication::clipboard()->mimeData()) paste(*mime);
+}
+
+void ParameterSection::paste(const QMimeData& mime) {
+  const auto color = colorOfMime(mime);
+  if (color && fields_ && fields_->takeColor(*color)) return;
+  if (const std::string file = droppedFile(mime); !file.empty()) return actions_.load(file, &port_);
+  actions_.tried([&] {
+    if (color) {
+      throw Failure(ExitCode::Usage,
+                    windowText("The clipboard holds a color; select a color stop to give it to").toStdString());
+    }
+    setEditedState(port_, stateOfMime(mime, *stateKindOf(port_)));
+  });
+}
+
+bool ParameterSection::pasteIntoField(const QMimeData& mime) {
+  const bool isState = mime.hasFormat(kStateMimeType) || !droppedFile(mime).empty() || mime.hasFormat(kColorMimeType);
+  if (!isState) {
+    if (valueOfExpression(mime.text().toStdString()).fault == ExpressionFault::None) return false;
+    if (!colorOfMime(mime) && !holdsState(mime, *stateKindOf(port_))) return false;
+  }
+  paste(mime);
+  return true;
 }
 
 void ParameterSection::updateTitle() {
@@ -105,6 +204,7 @@ void ParameterSection::updateTitle() {
   title_->updateGeometry();
   title_->setAccessibleName(modified ? windowText("%1, modified").arg(name) : name);
   const std::string& file = actions_.document().file(port_);
+  if (fields_) fields_->refresh();
   menu_->setToolTip(file.empty() ? windowText("State") : QString::fromStdString(file));
 }
 

@@ -9,6 +9,7 @@
 #include "GradientEditor/VRTGradientGutterGeometry.h"
 #include "GradientEditor/VRTGradientSuccession.h"
 #include "GradientEditor/VRTGradientView.h"
+#include "Platform/Foundation/NSNotificationCenter.h"
 #include "Ports/VRTObjects.h"
 
 #include <algorithm>
@@ -85,9 +86,12 @@ void VRTGradientEditor::endLostInteractions() {
 
 void VRTGradientEditor::observeValueForKeyPath(const std::string&, NSObject* object, const PropertyList&, void*) {
   if (object != _pGradientPort.get()) return;
+  const bool isReplaced = _pGradientPort->rawValue() != _shownValue;
   followValue();
   forgetForeignSelection();
+  const QPointer<VRTGradientEditor> self(this);
   update();
+  if (self && isReplaced) postSelection();
 }
 
 VRTChannelGradient* VRTGradientEditor::getGradientChannel() const {
@@ -102,12 +106,17 @@ void VRTGradientEditor::setEnabled(bool enabled) {
 void VRTGradientEditor::setSelectedSample(VRTChannelGradientSample* sample, bool middleSelected, bool doubleClick) {
   _selectedSampleRef = std::make_shared<VRTChannelRef>(sample);
   _middleSelected = middleSelected;
+  const QPointer<VRTGradientEditor> self(this);
   if (VRTGradientEditorDelegate* told = delegate()) {
-    const QPointer<VRTGradientEditor> self(this);
     told->setSelectedSample(sample, middleSelected, doubleClick);
     if (!self) return;
   }
   update();
+  if (self) postSelection();
+}
+
+void VRTGradientEditor::postSelection() const {
+  NSNotificationCenter::defaultCenter().postNotificationName(kVRTGradientSelectionDidChange, this);
 }
 
 VRTChannelGradientSample* VRTGradientEditor::getSelectedSample() const {

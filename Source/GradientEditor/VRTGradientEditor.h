@@ -19,6 +19,11 @@ class VRTGradientGutter;
 class VRTGradientView;
 class VRTTransientColorPicker;
 
+// Posted to the default notification center with the editor as the sender when another stop is selected, or its middle
+// point, or nothing: by people, by the host, and because the gradient was replaced. Whoever is told may destroy the
+// editor.
+inline constexpr const char* kVRTGradientSelectionDidChange = "VRTGradientSelectionDidChange";
+
 // The panel that edits the gradient of one port: a preview between a gutter of color stops (below) and one of opacity
 // stops (above), with buttons that spread and flop each. It keeps the selection and follows every change of the port's
 // value, also when another object takes its place: in an equal gradient a drag goes on. 75 points high, or 25, with
@@ -68,6 +73,7 @@ class TARN_EXPORT VRTGradientEditor : public NSTarnView, public NSKeyValueObserv
   void nameButtons();
   void followValue();
   void forgetForeignSelection();
+  void postSelection() const;
   void endLostInteractions();  // of the gutters, whose port or place goes
   void orderTabs();
   std::vector<QWidget*> optionalParts() const;  // those that need a gradient, in the order of the Tab key

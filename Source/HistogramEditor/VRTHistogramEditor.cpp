@@ -7,6 +7,7 @@
 #include "HistogramEditor/VRTHistogramGradientView.h"
 #include "HistogramEditor/VRTHistogramGutter.h"
 #include "HistogramEditor/VRTHistogramView.h"
+#include "Platform/Foundation/NSNotificationCenter.h"
 #include "Platform/TarnKit/TarnInterfaceFile.h"
 
 #include <utility>
@@ -47,24 +48,30 @@ VRTHistogramEditor::~VRTHistogramEditor() {
 
 void VRTHistogramEditor::loadInterfaceFile() {
   registerClasses();
-  NSPopUpButton* popUp = nullptr;
+  NSPopUpButton *popUp = nullptr, *sidePopUp = nullptr;
   VRTHistogramView* histogram = nullptr;
   VRTHistogramGradientView* gradient = nullptr;
   VRTHistogramGutterIn* gutterIn = nullptr;
   VRTHistogramGutterOut* gutterOut = nullptr;
   TarnInterfaceFile file;
   file.addOutlet("popUp", popUp);
+  file.addOutlet("sidePopUp", sidePopUp);
   file.addOutlet("histogramView", histogram);
   file.addOutlet("gradientView", gradient);
   file.addOutlet("gutterIn", gutterIn);
   file.addOutlet("gutterOut", gutterOut);
   file.addAction("setChannelValue:",
                  [this](QWidget* sender) { setChannelValue(dynamic_cast<NSPopUpButton*>(sender)); });
+  file.addAction("setSide:", [this](QWidget* sender) {
+    const auto* chosen = dynamic_cast<NSPopUpButton*>(sender);
+    if (chosen) setShownSide(chosen->indexOfSelectedItem() == 1 ? VRTHistogramSide::Result : VRTHistogramSide::Input);
+  });
 
   std::unique_ptr<NSTarnView> master = file.loadMasterView(VRTFrameworkBundleIdentifier, "TarnHistogramEditor");
   if (!master) return;
   _masterView = master.release();
   _popUp = popUp;
+  _sidePopUp = sidePopUp;
   _histogramView = histogram;
   _gradientView = gradient;
   _gutterIn = gutterIn;
@@ -78,10 +85,16 @@ void VRTHistogramEditor::awakeFromNib() {
     _popUp->setAccessibleName(VRTLocalizedText("Channel"));
     _popUp->setToolTip(_popUp->accessibleName());
   }
-  layOut();
+  if (_sidePopUp) {
+    _sidePopUp->setAccessibleName(VRTLocalizedText("Histogram of"));
+    _sidePopUp->setToolTip(VRTLocalizedText("Shows the histogram of what comes in or of what goes out"));
+  }
+  if (_histogramView) _histogramView->setSideChosen([this](VRTHistogramSide) { updateSidePopUp(); });
+  updateSidePopUp();
   QWidget* before = nullptr;
-  for (QWidget* part : {static_cast<QWidget*>(_popUp), static_cast<QWidget*>(_histogramView),
-                        static_cast<QWidget*>(_gutterIn), static_cast<QWidget*>(_gutterOut)}) {
+  for (QWidget* part :
+       {static_cast<QWidget*>(_popUp), static_cast<QWidget*>(_sidePopUp), static_cast<QWidget*>(_histogramView),
+        static_cast<QWidget*>(_gutterIn), static_cast<QWidget*>(_gutterOut)}) {
     if (before && part) QWidget::setTabOrder(before, part);
     if (part) before = part;
   }
@@ -95,8 +108,11 @@ void VRTHistogramEditor::setBounds(NSRect bounds) {
 void VRTHistogramEditor::layOut() {
   if (!_masterView) return;
   _masterView->setFrame(bounds());
-  const VRTHistogramEditorLayout layout(bounds().size);
+  const bool hasSides = _sidePopUp && _histogramView && _histogramView->hasCounts(VRTHistogramSide::Result);
+  const VRTHistogramEditorLayout layout(bounds().size, hasSides);
   if (_popUp) NSSetFrame(*_popUp, layout.popUp);
+  if (_sidePopUp) NSSetFrame(*_sidePopUp, layout.sidePopUp);
+  if (_sidePopUp) _sidePopUp->setVisible(hasSides);
   if (_histogramView) _histogramView->setFrame(layout.histogram);
   if (_gutterIn) _gutterIn->setFrame(layout.gutterIn);
   if (_gradientView) _gradientView->setFrame(layout.gradient);
@@ -150,6 +166,35 @@ void VRTHistogramEditor::setChannelValue(NSPopUpButton* sender) {
   if (_histogramView) _histogramView->update(true);
   if (_gutterIn) _gutterIn->update();
   if (_gutterOut) _gutterOut->update();
+  NSNotificationCenter::defaultCenter().postNotificationName(kVRTHistogramChannelDidChange, this);
+}
+
+void VRTHistogramEditor::setCounts(VRTHistogramSide side, std::shared_ptr<const TCHistogram> counts,
+                                   std::uint32_t bitsPerChannel) {
+  if (!_histogramView) return;
+  const bool hadResult = _histogramView->hasCounts(VRTHistogramSide::Result);
+  _histogramView->setCounts(side, std::move(counts), bitsPerChannel);
+  if (_histogramView->hasCounts(VRTHistogramSide::Result) != hadResult) updateSidePopUp();
+}
+
+void VRTHistogramEditor::setShownSide(VRTHistogramSide side) {
+  if (!_histogramView) return;
+  _histogramView->setShownSide(side);
+  updateSidePopUp();
+}
+
+VRTHistogramSide VRTHistogramEditor::shownSide() const {
+  return _histogramView ? _histogramView->shownSide() : VRTHistogramSide::Input;
+}
+
+// Its titles, what it shows, and whether it is there at all.
+void VRTHistogramEditor::updateSidePopUp() {
+  if (_sidePopUp) {
+    _sidePopUp->removeAllItems();
+    for (const char* title : {"Input", "Result"}) _sidePopUp->addItemWithTitle(VRTLocalizedText(title));
+    _sidePopUp->selectItemAtIndex(shownSide() == VRTHistogramSide::Result ? 1 : 0);
+  }
+  layOut();
 }
 
 QSize VRTHistogramEditor::minimumSizeHint() const {

@@ -2,14 +2,17 @@
 #pragma once
 
 #include "Controls/VRTPortReference.h"
+#include "HistogramEditor/VRTHistogramSide.h"
 #include "Platform/Foundation/NSKeyValueObserving.h"
 #include "Platform/TarnKit/NSPopUpButton.h"
 #include "Platform/TarnKit/NSTarnView.h"
 #include "Ports/VRTPorts.h"
 
 #include <QPointer>
+#include <cstdint>
 #include <memory>
 
+struct TCHistogram;
 class VRTChannelHistogram;
 class VRTHistogramGradientView;
 class VRTHistogramGutterIn;
@@ -23,8 +26,16 @@ class VRTHistogramView;
 // editor stays empty. A detached editor (setHistogramPort with null) observes nothing and costs nothing: hosts detach
 // editors that they hide. An editor may be destroyed at any time, by observers that it tells something too.
 //
-// The channel that is chosen belongs to the levels and is stored with them, but choosing it announces nothing. The
-// pop-up is set when a port is attached; it does not follow values that come later.
+// The histogram is that of the image on the input port, which the editor counts itself, unless the host counts
+// elsewhere and gives the counts. With those of the effect's result a second pop-up, beside the channels, chooses which
+// is shown.
+//
+// The channel that is chosen belongs to the levels and is stored with them, but choosing it changes
+// no value: observers of the port hear nothing, those of kVRTHistogramChannelDidChange do. The pop-up is set when a
+// port is attached; it does not follow values that come later. Posted to the default notification center with the
+// editor as the sender when people have chosen another channel.
+inline constexpr const char* kVRTHistogramChannelDidChange = "VRTHistogramChannelDidChange";
+
 class TARN_EXPORT VRTHistogramEditor : public NSTarnView, public NSKeyValueObserver {
  public:
   explicit VRTHistogramEditor(NSRect frame, QWidget* parent = nullptr);
@@ -37,6 +48,14 @@ class TARN_EXPORT VRTHistogramEditor : public NSTarnView, public NSKeyValueObser
   void update();                                     // repaints everything
   void setChannelValue(NSPopUpButton* sender);       // takes the chosen item as the channel
 
+  // Counts that the host made, which are kept until it gives others; null takes them back. As long as there are counts
+  // of the input, no image is counted here. The depth is that of the image, in bits per channel, 8, 16, or 32 for
+  // floats; it only says how the readout writes levels.
+  void setCounts(VRTHistogramSide side, std::shared_ptr<const TCHistogram> counts, std::uint32_t bitsPerChannel = 8);
+  // What is shown once there are counts of the result; the input at first.
+  void setShownSide(VRTHistogramSide side);
+  VRTHistogramSide shownSide() const;  // the input as long as there are none of the result
+
   void observeValueForKeyPath(const std::string& keyPath, NSObject* object, const PropertyList& change,
                               void* context) override;
   void setBounds(NSRect bounds) override;
@@ -48,10 +67,12 @@ class TARN_EXPORT VRTHistogramEditor : public NSTarnView, public NSKeyValueObser
   void awakeFromNib();
   void layOut();
   void rebuildPopUp();
+  void updateSidePopUp();
 
   VRTObjectReference<NSObject> _delegate;
   std::shared_ptr<VRTHistogramPort> _histogramPort;
   QPointer<NSPopUpButton> _popUp;
+  QPointer<NSPopUpButton> _sidePopUp;
   QPointer<NSTarnView> _masterView;
   QPointer<VRTHistogramView> _histogramView;
   QPointer<VRTHistogramGradientView> _gradientView;

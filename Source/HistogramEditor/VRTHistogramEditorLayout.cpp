@@ -2,6 +2,7 @@
 #include "HistogramEditor/VRTHistogramEditorLayout.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -13,7 +14,7 @@ constexpr double kPopUpGap = 5;
 
 }  // namespace
 
-VRTHistogramEditorLayout::VRTHistogramEditorLayout(NSSize panel) {
+VRTHistogramEditorLayout::VRTHistogramEditorLayout(NSSize panel, bool hasSides) {
   const double framedWidth = std::max(0.0, panel.width - 2 * kInset);
   double y = 0;
   const auto row = [&](double x, double width, double height) {
@@ -26,5 +27,7 @@ VRTHistogramEditorLayout::VRTHistogramEditorLayout(NSSize panel) {
   gutterIn = row(0, panel.width, kGutterHeight);
   histogram = row(kInset, framedWidth, std::max(0.0, panel.height - kPopUpHeight - kPopUpGap - y));
   y += kPopUpGap;
-  popUp = row(kInset, framedWidth, kPopUpHeight);
+  const double sideWidth = hasSides ? std::max(0.0, std::floor((framedWidth - kPopUpGap) / 2)) : 0;
+  sidePopUp = NSMakeRect(kInset + framedWidth - sideWidth, y, sideWidth, kPopUpHeight);
+  popUp = row(kInset, framedWidth - sideWidth - (hasSides ? kPopUpGap : 0), kPopUpHeight);
 }

@@ -6,6 +6,7 @@
 #include "Controls/VRTTheme.h"
 #include "Controls/VRTThemeStore.h"
 #include "HistogramEditor/VRTHistogramGutter.h"
+#include "HistogramEditor/VRTHistogramReadoutView.h"
 #include "Platform/QuartzComposer/QCPatch.h"
 #include "Platform/TarnKit/NSBezierPath.h"
 #include "Platform/TarnKit/TarnTheme.h"
@@ -32,10 +33,12 @@ TCHistogramImage describedImage(VortoExecutionContext& context, const QCImage& i
 }  // namespace
 
 VRTHistogramView::VRTHistogramView(NSRect frame, QWidget* parent) : NSTarnView(frame, parent) {
-  setFocusPolicy(Qt::TabFocus);  // for the menu key
+  setFocusPolicy(Qt::TabFocus);  // for the menu key and the readout
 }
 
-VRTHistogramView::~VRTHistogramView() = default;
+VRTHistogramView::~VRTHistogramView() {
+  delete readoutView_;
+}
 
 QCPort* VRTHistogramView::imageInputPort() const {
   const auto port = _pHistogramPort.lock();
@@ -65,6 +68,7 @@ void VRTHistogramView::observeValueForKeyPath(const std::string&, NSObject*, con
 }
 
 void VRTHistogramView::resampleInputImage() {
+  if (input_.counts) return;
   const auto* port = dynamic_cast<const QCImagePort*>(imageInputPort());
   const std::shared_ptr<QCImage> image = port ? port->imageValue() : nullptr;
   if (!image) return;
@@ -83,16 +87,56 @@ void VRTHistogramView::computeHistogramSamples(const QCImage& image) {
   if (!context) return;
   TCHistogramImage described = describedImage(*context, image);
   described.bitsPerChannel = static_cast<std::uint32_t>(pixelBytes) * 2;
+  bitsOfSamples_ = described.bitsPerChannel;
   TCCountHistogram(described, _samples);
+}
+
+void VRTHistogramView::setCounts(VRTHistogramSide side, std::shared_ptr<const TCHistogram> counts,
+                                 std::uint32_t bitsPerChannel) {
+  const bool isInput = side == VRTHistogramSide::Input;
+  (isInput ? input_ : result_) = {std::move(counts), bitsPerChannel};
+  if (isInput) resampleInputImage();
+  update(true);
+}
+
+VRTHistogramSide VRTHistogramView::shownSide() const {
+  return hasCounts(VRTHistogramSide::Result) ? chosenSide_ : VRTHistogramSide::Input;
+}
+
+void VRTHistogramView::setShownSide(VRTHistogramSide side) {
+  chosenSide_ = side;
+  update(true);
+}
+
+const TCHistogram& VRTHistogramView::shownHistogram() const {
+  const auto& counts = given(shownSide()).counts;
+  return counts ? *counts : _samples;
+}
+
+std::int32_t VRTHistogramView::selectedChannel() const {
+  const VRTChannelHistogram* channel = getHistogramChannel();
+  return channel ? channel->selectedChannel : 0;
+}
+
+std::uint32_t VRTHistogramView::shownBits() const {
+  const Given& shown = given(shownSide());
+  return shown.counts ? shown.bitsPerChannel : bitsOfSamples_;
+}
+
+const TCHistogram::Counts& VRTHistogramView::shownCounts() const {
+  return VRTHistogramCountsOfChannel(shownHistogram(), selectedChannel());
 }
 
 void VRTHistogramView::update(bool) {
   _histogramOutOfDate = true;
   setNeedsDisplay(true);
+  showReadout();
 }
 
 void VRTHistogramView::drawRect(NSRect) {
   drawHistogram(bounds());
+  drawClipping();
+  drawPointedLevel();
   if (hasFocus()) NSDrawFocusRing(bounds());
 }
 
@@ -119,9 +163,7 @@ void VRTHistogramView::allocateImage(NSSize size) {
 
 void VRTHistogramView::computeHistogramImage(NSSize) {
   if (!_pHistogram.representation) return;
-  const VRTChannelHistogram* channel = getHistogramChannel();
-  const std::int32_t selected = channel ? channel->selectedChannel : 0;
-  VRTPaintHistogram(*_pHistogram.representation, VRTHistogramCountsOfChannel(_samples, selected), histogramScale_);
+  VRTPaintHistogram(*_pHistogram.representation, shownCounts(), histogramScale_);
 }
 
 void VRTHistogramView::setHistogramScale(VRTHistogramScale scale) {
@@ -132,19 +174,31 @@ void VRTHistogramView::setHistogramScale(VRTHistogramScale scale) {
 
 QMenu* VRTHistogramView::menuForEvent(const NSEvent&) {
   auto* menu = new QMenu(this);
-  auto* choices = new QActionGroup(menu);
   const QPointer<VRTHistogramView> self(this);
-  const auto add = [&](const char* title, VRTHistogramScale scale) {
+  const auto add = [&](QActionGroup& choices, const char* title, bool isChosen, std::function<void()> choose) {
     QAction* choice = menu->addAction(VRTLocalizedText(title));
     choice->setCheckable(true);
-    choice->setChecked(scale == histogramScale_);
-    choices->addAction(choice);
-    QObject::connect(choice, &QAction::triggered, [self, scale] {
-      if (self) self->setHistogramScale(scale);
+    choice->setChecked(isChosen);
+    choices.addAction(choice);
+    QObject::connect(choice, &QAction::triggered, [self, choose = std::move(choose)] {
+      if (self) choose();
     });
   };
-  add("Linear", VRTHistogramScale::Linear);
-  add("Logarithmic", VRTHistogramScale::Logarithmic);
+  auto* scales = new QActionGroup(menu);
+  for (const auto& [title, scale] :
+       {std::pair{"Linear", VRTHistogramScale::Linear}, {"Logarithmic", VRTHistogramScale::Logarithmic}}) {
+    add(*scales, title, scale == histogramScale_, [this, chosen = scale] { setHistogramScale(chosen); });
+  }
+  if (!hasCounts(VRTHistogramSide::Result)) return menu;
+  menu->addSeparator();
+  auto* sides = new QActionGroup(menu);
+  for (const auto& [title, side] :
+       {std::pair{"Input", VRTHistogramSide::Input}, {"Result", VRTHistogramSide::Result}}) {
+    add(*sides, title, side == shownSide(), [this, chosen = side] {
+      setShownSide(chosen);
+      if (sideChosen_) sideChosen_(chosen);
+    });
+  }
   return menu;
 }
 

@@ -24,9 +24,9 @@
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
-#include <QDoubleSpinBox>
 #include <QDropEvent>
 #include <QFileDialog>
+#include <QLineEdit>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
@@ -210,7 +210,7 @@ TEST_F(EffectWindowTest, SpeaksThreeLanguages) {
 
 TEST_F(EffectWindowTest, RowsShowAndChangeTheirPorts) {
   open(optionsFor("Checkerboard"));
-  auto* cell = editorOf<QDoubleSpinBox>("Cell Size");
+  auto* cell = editorOf<QLineEdit>("Cell Size");
   auto* depth = editorOf<QComboBox>("Depth");
   ASSERT_TRUE(cell && depth);
   const auto indexPort = [&](const std::string& key) -> QCIndexPort& {
@@ -218,12 +218,15 @@ TEST_F(EffectWindowTest, RowsShowAndChangeTheirPorts) {
     return dynamic_cast<QCIndexPort&>(**std::ranges::find(all, key, &QCPort::key));
   };
   auto& size = indexPort("inputCellSize");
-  EXPECT_EQ(cell->value(), 8);
-  EXPECT_EQ(cell->maximum(), 4096);
+  EXPECT_EQ(cell->text(), "8");
   size.setIndexValue(12);
-  EXPECT_EQ(cell->value(), 12);
-  cell->setValue(20);
-  EXPECT_EQ(size.indexValue(), 20u);
+  EXPECT_EQ(cell->text(), "12");
+  for (const auto& [typed, number] : {std::pair{"5000", 4096u}, {"60 / 3", 20u}}) {
+    cell->selectAll();
+    QTest::keyClicks(cell, typed);
+    QTest::keyClick(cell, Qt::Key_Return);
+    EXPECT_EQ(size.indexValue(), number);
+  }
   ASSERT_EQ(depth->count(), 3);
   depth->setFocus();
   QTest::keyClick(depth, Qt::Key_Down);
