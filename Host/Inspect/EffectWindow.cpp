@@ -6,9 +6,9 @@
 #include "Host/Inspect/Drops.h"
 #include "Host/Inspect/InspectorColumn.h"
 #include "Host/Inspect/MessageBar.h"
-#include "Host/Inspect/PreviewView.h"
 #include "Host/Inspect/TransportBar.h"
 #include "Host/Inspect/WindowText.h"
+#include "Host/Viewer/Viewer.h"
 #include "TarnCore/TCBitmap.h"
 
 #include <QAction>
@@ -33,13 +33,17 @@ QString pictureText(const VortoBitmap& bitmap, double zoom) {
       .arg(zoom * 100, 0, 'f', 0);
 }
 
+PreviewPictureRef pictureOf(const BitmapRef& result) {
+  auto picture = std::make_shared<PreviewPicture>();
+  picture->result = result;
+  if (result) picture->size = {result->width, result->height};
+  return picture;
+}
+
 }  // namespace
 
 EffectWindow::EffectWindow(EffectSession& session)
-    : session_(session),
-      render_([this] { render(); }),
-      preview_(new PreviewView(this)),
-      messages_(new MessageBar(this)) {
+    : session_(session), render_([this] { render(); }), preview_(new Viewer(this)), messages_(new MessageBar(this)) {
   transport_ = new TransportBar(
       session.timeline(), session.position(), [this](std::uint64_t position) { return goTo(position); }, this);
   actions_ = new DocumentActions(session.document(), *messages_, *this,
@@ -48,7 +52,7 @@ EffectWindow::EffectWindow(EffectSession& session)
                                   .changed = [this] { updateTitle(); }});
   column_ = new InspectorColumn(
       *actions_, {QString::fromStdString(session.name()), QString::fromStdString(session.description())}, this);
-  preview_->setShown([this] {
+  preview_->whenChanged(this, [this] {
     if (session_.result()) transport_->setPictureText(pictureText(*session_.result(), preview_->zoom()));
   });
   layOut();
@@ -56,7 +60,7 @@ EffectWindow::EffectWindow(EffectSession& session)
   setAcceptDrops(true);
   updateTitle();
   resize(1120, 700);
-  preview_->setFocusPolicy(Qt::ClickFocus);
+  preview_->setSpaceCall([this] { transport_->togglePlaying(); });
   preview_->setFocus();
 }
 
@@ -99,7 +103,7 @@ bool EffectWindow::goTo(std::uint64_t position) {
 
 bool EffectWindow::render() {
   ++renderCount_;
-  return actions_->tried([this] { preview_->setPicture(session_.render()); });
+  return actions_->tried([this] { preview_->setPicture(pictureOf(session_.render())); });
 }
 
 void EffectWindow::savePicture() {

@@ -11,8 +11,8 @@ namespace host {
 class DocumentActions;
 class InspectorColumn;
 class MessageBar;
-class PreviewView;
 class TransportBar;
+class Viewer;
 
 // An effect's full inspector: the preview, which is rendered again after every change, and the column of parameters.
 // Rendering is coalesced: while it takes its time any number of changes make one more.
@@ -22,7 +22,7 @@ class EffectWindow : public QMainWindow {
 
   // The preview as it would be once all that is pending was done.
   void renderNow() { render_.runNow(); }
-  const PreviewView& preview() const { return *preview_; }
+  const Viewer& preview() const { return *preview_; }
   MessageBar& messages() { return *messages_; }
   TransportBar& transport() { return *transport_; }
   InspectorColumn& column() { return *column_; }
@@ -45,7 +45,7 @@ class EffectWindow : public QMainWindow {
 
   EffectSession& session_;
   CoalescedCall render_;
-  PreviewView* preview_;
+  Viewer* preview_;
   MessageBar* messages_;
   TransportBar* transport_ = nullptr;
   DocumentActions* actions_ = nullptr;

@@ -9,9 +9,9 @@
 #include "Host/Inspect/InspectorColumn.h"
 #include "Host/Inspect/MessageBar.h"
 #include "Host/Inspect/ParameterSection.h"
-#include "Host/Inspect/PreviewView.h"
 #include "Host/Inspect/TransportBar.h"
 #include "Host/Messages/Failure.h"
+#include "Host/Viewer/Viewer.h"
 #include "Ports/VRTObjects.h"
 #include "TarnCore/TCBitmap.h"
 #include "Tests/Inspect/InspectFixture.h"
@@ -66,7 +66,10 @@ class EffectWindowTest : public testing::Test {
   }
   QCPort& port(std::size_t index) { return *session->document().parameters().at(index); }
   std::string at(const std::string& name) const { return folder.path() + "/" + name; }
-  QRgb shown() const { return window->preview().picture().pixel(0, 0); }
+  QRgb shown() const {
+    const std::uint8_t* pixel = window->preview().picture()->result->data;
+    return qRgba(pixel[0], pixel[1], pixel[2], pixel[3]);
+  }
   // As the levels editor changes them: in place, all colors darker or brighter.
   void setBlackOut(double black) {
     port(0).willChangeValue();
