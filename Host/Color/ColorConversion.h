@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace host {
@@ -23,6 +24,7 @@ class ColorConversion : public RowColors {
   // Loads the module for color. Throws Failure when there is no way between the spaces.
   ColorConversion(const ColorSpace& from, const ColorSpace& to);
   ColorConversion(ColorModule& module, const ColorSpace& from, const ColorSpace& to);
+  explicit ColorConversion(std::unique_ptr<ColorTransform> transform) : transform_(std::move(transform)) {}
 
   // Source and target may be the same memory when both are floats.
   void convert(const std::byte* source, PixelFormat from, float* target, std::size_t pixels);

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <vector>
 
 // What the program and its module for color say to each other. The module holds the libraries, and is loaded when
 // something is to be converted. Nothing throws: a call that fails returns false or null and puts the cause in *reason
@@ -21,6 +22,13 @@ class ColorTransform {
   virtual void apply(float* rgba, std::size_t pixels) = 0;
 };
 
+// How a configuration shows pictures: on a display, in one of its views.
+struct DisplayView {
+  std::string display;
+  std::string view;
+  bool isUsual = false;  // the view that the configuration shows unless it is told otherwise
+};
+
 class ColorModule {
  public:
   virtual ~ColorModule() = default;
@@ -33,6 +41,13 @@ class ColorModule {
 
   virtual std::unique_ptr<ColorTransform> makeTransform(const ColorSpace& from, const ColorSpace& to,
                                                         std::string* reason) = 0;
+
+  // The views of the user's configuration, by displays, in its order; none without a configuration.
+  virtual bool listViews(std::vector<DisplayView>* views, std::string* reason) = 0;
+
+  // From a space to what the display takes in that view.
+  virtual std::unique_ptr<ColorTransform> makeViewTransform(const ColorSpace& from, const std::string& display,
+                                                            const std::string& view, std::string* reason) = 0;
 
   // The ICC profile of a known or described space: the same bytes each time.
   virtual bool makeProfile(const ColorSpace& space, Bytes* profile, std::string* reason) = 0;

@@ -6,6 +6,7 @@
 #include "Host/Messages/Failure.h"
 #include "Host/Pixels/Bitmaps.h"
 #include "Host/Rendering/ColorFlow.h"
+#include "Host/Viewer/Viewer.h"
 #include "TarnCore/TCBitmap.h"
 #include "TarnCore/TCPixelFormat.h"
 
@@ -48,6 +49,9 @@ BitmapRef bitmapOf(const QImage& image) {
 
 void writeScreenshot(QWidget& window, const std::string& path) {
   waitUntilShown(window);
+  for (QWidget* widget : window.findChildren<QWidget*>()) {
+    if (auto* viewer = dynamic_cast<Viewer*>(widget)) viewer->showNow();
+  }
   const QImage image = window.grab().toImage().convertToFormat(QImage::Format_RGBA8888_Premultiplied);
   OutputPicture picture{bitmapOf(image), Depth::Bits8, Channels::RGB, {}};
   ColorFlow({}).toOutput(picture, fileFormatOf(path), path);

@@ -10,6 +10,7 @@
 #include <optional>
 #include <stdexcept>
 #include <utility>
+#include <vector>
 
 namespace host {
 namespace {
@@ -83,6 +84,17 @@ class LibraryModule : public ColorModule {
     return transform;
   }
 
+  bool listViews(std::vector<DisplayView>* views, std::string* reason) override {
+    return succeeds(reason, [&] { *views = path_.empty() ? std::vector<DisplayView>() : configuration().views(); });
+  }
+
+  std::unique_ptr<ColorTransform> makeViewTransform(const ColorSpace& from, const std::string& display,
+                                                    const std::string& view, std::string* reason) override {
+    std::unique_ptr<ColorTransform> transform;
+    succeeds(reason, [&] { transform = transformToView(from, display, view); });
+    return transform;
+  }
+
   bool makeProfile(const ColorSpace& space, Bytes* profile, std::string* reason) override {
     return succeeds(reason, [&] { *profile = profileOf(space); });
   }
@@ -104,6 +116,15 @@ class LibraryModule : public ColorModule {
       return std::make_unique<Chain>(configuration().makeTransform(from, light), makeProfileTransform(light, to));
     }
     return std::make_unique<Chain>(makeProfileTransform(from, light), configuration().makeTransform(light, to));
+  }
+
+  std::unique_ptr<ColorTransform> transformToView(const ColorSpace& from, const std::string& display,
+                                                  const std::string& view) {
+    if (from.kind == Kind::Raw) throw std::invalid_argument("raw values are not converted");
+    if (hasName(from)) return configuration().makeViewTransform(from, display, view);
+    const ColorSpace light = knownSpace(KnownSpace::LinearRec709, ColorSpace::Origin::Assumed);
+    return std::make_unique<Chain>(makeProfileTransform(from, light),
+                                   configuration().makeViewTransform(light, display, view));
   }
 
   std::string path_;

@@ -133,4 +133,34 @@ std::unique_ptr<ColorTransform> Configuration::makeTransform(const ColorSpace& f
   }
 }
 
+std::vector<DisplayView> Configuration::views() const {
+  std::vector<DisplayView> views;
+  const std::string usual = config_->getDefaultDisplay();
+  for (int i = 0; i < config_->getNumDisplays(); ++i) {
+    const std::string display = config_->getDisplay(i);
+    const std::string usualView = config_->getDefaultView(display.c_str());
+    for (int j = 0; j < config_->getNumViews(display.c_str()); ++j) {
+      const std::string view = config_->getView(display.c_str(), j);
+      views.push_back({display, view, display == usual && view == usualView});
+    }
+  }
+  return views;
+}
+
+std::unique_ptr<ColorTransform> Configuration::makeViewTransform(const ColorSpace& from, const std::string& display,
+                                                                 const std::string& view) const {
+  const std::string fromName = nameOf(from);
+  try {
+    const auto transform = OCIO::DisplayViewTransform::Create();
+    transform->setSrc(fromName.c_str());
+    transform->setDisplay(display.c_str());
+    transform->setView(view.c_str());
+    return std::make_unique<ProcessorTransform>(config_->getProcessor(context_, transform, OCIO::TRANSFORM_DIR_FORWARD)
+                                                    ->getOptimizedCPUProcessor(OCIO::OPTIMIZATION_LOSSLESS));
+  } catch (const std::exception& error) {
+    throw std::runtime_error("the color configuration " + path_ + " (from $OCIO) cannot show \"" + fromName +
+                             "\" on \"" + display + "\" as \"" + view + "\": " + error.what());
+  }
+}
+
 }  // namespace host

@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace host {
 
@@ -23,6 +24,10 @@ class Configuration {
 
   // Throws std::runtime_error when there is no way between them.
   std::unique_ptr<ColorTransform> makeTransform(const ColorSpace& from, const ColorSpace& to) const;
+
+  std::vector<DisplayView> views() const;
+  std::unique_ptr<ColorTransform> makeViewTransform(const ColorSpace& from, const std::string& display,
+                                                    const std::string& view) const;
 
  private:
   OCIO_NAMESPACE::ConstCPUProcessorRcPtr processor(const std::string& from, const std::string& to) const;
