@@ -189,7 +189,10 @@ void EffectWindow::listenToEngine() {
   };
   told.refused = [this](const PreviewFailure& failure) { showFailure(failure, true); };
   told.pictured = [this](const PreviewPictureRef& picture) { pictured(picture); };
-  told.counted = [this](const TCHistogram& input, const TCHistogram& result) { column_->setCounts(input, result); };
+  told.counted = [this](const TCHistogram& input, const TCHistogram& result) {
+    const PreviewPictureRef& picture = viewer_->picture();
+    column_->setCounts(input, result, picture && picture->result ? picture->result->bitsPerChannel : 8);
+  };
   told.failed = [this](const PreviewFailure& failure) { showFailure(failure, false); };
   told.busyChanged = [this](const PreviewBusy& busy) { showBusy(busy); };
   told.aheadReady = [this](std::uint64_t frame, const VortoHash128& fingerprint, const PreviewPictureRef& picture) {

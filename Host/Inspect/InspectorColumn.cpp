@@ -135,14 +135,14 @@ void InspectorColumn::setInputs(QWidget* inputs) {
   column_->insertWidget(belowHeading_, inputs);
 }
 
-void InspectorColumn::setCounts(const TCHistogram& input, const TCHistogram& result) {
+void InspectorColumn::setCounts(const TCHistogram& input, const TCHistogram& result, std::uint32_t bits) {
   const auto inputCounts = std::make_shared<const TCHistogram>(input);
   const auto resultCounts = std::make_shared<const TCHistogram>(result);
   for (ParameterSection* section : sections_) {
     auto* editor = dynamic_cast<VRTHistogramEditor*>(section->slot().editor());
     if (!editor) continue;
-    editor->setCounts(VRTHistogramSide::Input, inputCounts);
-    editor->setCounts(VRTHistogramSide::Result, resultCounts);
+    editor->setCounts(VRTHistogramSide::Input, inputCounts, bits);
+    editor->setCounts(VRTHistogramSide::Result, resultCounts, bits);
   }
 }
 

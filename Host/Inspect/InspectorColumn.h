@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QScrollArea>
+#include <cstdint>
 #include <vector>
 
 class QCPort;
@@ -25,8 +26,8 @@ class InspectorColumn : public QScrollArea {
   InspectorColumn(DocumentActions& actions, const Heading& heading, QWidget* parent = nullptr);
 
   void setInputs(QWidget* inputs);  // below the heading; belongs to the column then
-  // Of the picture on view, for editors that show them.
-  void setCounts(const TCHistogram& input, const TCHistogram& result);
+  // Of the picture on view, for editors that show them; `bits` of its channels, 32 of floats.
+  void setCounts(const TCHistogram& input, const TCHistogram& result, std::uint32_t bits);
   void loaded(QCPort& port);  // another file's value
   void updateTitles();
   ParameterSection* section(const QCPort& port) const;  // null for a port that has a row

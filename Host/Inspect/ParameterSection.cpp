@@ -7,6 +7,7 @@
 #include "Host/Inspect/InspectorMetrics.h"
 #include "Host/Inspect/ParameterClipboard.h"
 #include "Host/Inspect/ParameterFields.h"
+#include "Host/Inspect/PresetPart.h"
 #include "Host/Inspect/WindowText.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Rendering/Parameters.h"
@@ -130,6 +131,8 @@ void ParameterSection::addFields() {
   fields_ = makeParameterFields(
       port_, slot_->editor(), [this](const QMimeData& mime) { return pasteIntoField(mime); }, this);
   if (fields_) addPart(fields_);
+  const auto kind = stateKindOf(port_);
+  if (kind && kind != StateKind::Opaque) addPart(new PresetPart(port_, *kind, this));
 }
 
 void ParameterSection::addPart(QWidget* part) {
