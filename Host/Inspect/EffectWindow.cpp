@@ -17,7 +17,7 @@
 #include "Host/Messages/Failure.h"
 #include "Host/Playback/TimelineBar.h"
 #include "Host/Viewer/Viewer.h"
-#include "Host/Viewer/ViewerBar.h"
+#include "TarnCore/TCBitmap.h"
 
 #include <QApplication>
 #include <QDropEvent>
@@ -56,7 +56,7 @@ EffectWindow::EffectWindow(const InspectOptions& options, InspectorApplication& 
       inputs_(options.inputs),
       give_([this] { giveParameters(); }),
       viewer_(new Viewer(this)),
-      viewerBar_(new ViewerBar(*viewer_, this)),
+      viewerBar_(new QWidget(this)),
       messages_(new MessageBar(this)),
       activity_(new ActivityPanel(this)),
       timeline_(new TimelineBar(player_, this)),
@@ -265,7 +265,11 @@ void EffectWindow::showBusy(const PreviewBusy& busy) {
 void EffectWindow::showFailure(const PreviewFailure& failure, bool isRefusal) {
   const QString text = QString::fromStdString(failure.text);
   const bool isCanceled = failure.cause == PreviewFailure::Cause::Cancelled;
-  viewer_->setNotice(isCanceled ? windowText("Canceled") : text, Viewer::NoticeKind::Failed);
+  const auto tryAgain = [this, isRefusal] {
+    if (isRefusal) return startEngine(true);
+    if (engine_) engine_->render();
+  };
+  viewer_->setNotice(isCanceled ? windowText("Canceled") : text, Viewer::NoticeKind::Failed, tryAgain);
   if (!isCanceled)
     activity_->addFailure(isRefusal ? windowText("Cannot be opened") : windowText("Cannot be rendered"), text);
 }
@@ -275,7 +279,7 @@ bool EffectWindow::waitForPicture(int milliseconds) {
   QElapsedTimer waited;
   waited.start();
   const auto isDone = [this] {
-    return !engine_ || (engine_->isSettled() && !give_.isPending() && viewer_->isSettled());
+    return !engine_ || (engine_->isSettled() && !give_.isPending());
   };
   while (!isDone() && !waited.hasExpired(milliseconds)) {
     QApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);

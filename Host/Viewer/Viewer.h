@@ -74,7 +74,7 @@ class Viewer : public QWidget {
   const std::optional<PixelReadout>& readout() const { return readout_; }
 
   // What is going on, on the picture: a render that takes its time, or why there is none. `seconds` have passed of it.
-  enum class NoticeKind { None, Busy, Failed };
+  enum class NoticeKind { None, Hint, Busy, Failed };
   void setNotice(const QString& text, NoticeKind kind, std::function<void()> cancel = {}, double seconds = 0);
   NoticeKind notice() const;
 
