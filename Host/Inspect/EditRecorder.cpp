@@ -32,7 +32,7 @@ void EditRecorder::watch(QCPort& port) {
   observations_.push_back(center.addObserver(kVortoStartInteraction, &port, [this, &port](const NSNotification&) {
     document_.history().startInteraction(&port);
     told_.interactionStarted(port);
-    told_.interactionsChanged();
+    tellInteractions();
   }));
   observations_.push_back(
       center.addObserver(kVortoEndInteraction, &port, [this, &port](const NSNotification&) { endInteraction(&port); }));
@@ -43,7 +43,7 @@ void EditRecorder::watchPickers() {
   auto& center = NSNotificationCenter::defaultCenter();
   observations_.push_back(center.addObserver(kVRTColorPickerDidOpen, nullptr, [this](const NSNotification&) {
     document_.history().startInteraction(this);
-    told_.interactionsChanged();
+    tellInteractions();
   }));
   observations_.push_back(
       center.addObserver(kVRTColorPickerDidClose, nullptr, [this](const NSNotification&) { endInteraction(this); }));
@@ -51,8 +51,12 @@ void EditRecorder::watchPickers() {
 
 void EditRecorder::endInteraction(const void* source) {
   document_.history().endInteraction(source);
-  told_.interactionsChanged();
+  tellInteractions();
   commit_.request();
+}
+
+void EditRecorder::tellInteractions() {
+  if (told_.interactionsChanged) told_.interactionsChanged();
 }
 
 // What was done before is a step of its own, however fast the next event comes.

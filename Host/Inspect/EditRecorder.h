@@ -22,7 +22,7 @@ class EditRecorder : public QObject {
   struct Told {
     std::function<void(QCPort& port)> valueChanged;
     std::function<void(QCPort& port)> interactionStarted;
-    std::function<void()> interactionsChanged;  // whether any runs
+    std::function<void()> interactionsChanged = {};  // whether any runs
     std::function<void()> historyChanged;
   };
   EditRecorder(ParameterDocument& document, Told told);
@@ -36,6 +36,7 @@ class EditRecorder : public QObject {
   void watch(QCPort& port);
   void watchPickers();
   void endInteraction(const void* source);
+  void tellInteractions();
   void tellOfDrop();
 
   ParameterDocument& document_;

@@ -344,7 +344,12 @@ void EffectWindow::chooseEffect(const std::string& name) {
   options.values.clear();
   options.states.clear();
   const EffectSession::KeptStates kept = session_->parameterStates();
-  actions_->tried([&] { openSession(options, kept); });
+  try {
+    openSession(options, kept);
+    messages_->clear();
+  } catch (const Failure& failure) {  // before anything has changed
+    messages_->show(QString::fromStdString(failure.what()));
+  }
 }
 
 void EffectWindow::setInput(std::size_t input, const std::string& path) {

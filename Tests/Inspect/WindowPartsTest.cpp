@@ -115,8 +115,10 @@ TEST_F(WindowPartsTest, ExportsTellProgressAndLeaveNothingUnfinished) {
   const auto run = [&](const QStringList& arguments, const std::string& output, bool cancels) {
     int ended = 0;
     host::RenderJob job(arguments, QString::fromStdString(at(output)), nullptr, {{}, [&] { ++ended; }});
-    if (cancels) EXPECT_TRUE(QTest::qWaitFor([&] { return job.done() > 0; }, 30000));
-    if (cancels) job.cancel();
+    if (cancels) {
+      EXPECT_TRUE(QTest::qWaitFor([&] { return job.done() > 0; }, 30000));
+      job.cancel();
+    }
     EXPECT_TRUE(QTest::qWaitFor([&] { return ended > 0; }, 60000));
     EXPECT_EQ(ended, 1);
     return std::tuple(job.state(), job.done(), job.message().toStdString());
