@@ -190,6 +190,7 @@ TEST_F(EffectWindowTest, AnotherEffectKeepsInputsAndWhatItCallsTheSame) {
   EXPECT_EQ(shown(), qRgb(255, 255, 255));
   window->actions().undoAction->trigger();
   window->chooseEffect("Dissolve");
+  settle();
   window->player().goTo(1000);
   EXPECT_EQ(shown(), qRgb(200, 200, 200)) << "the second input was kept";
   window->chooseEffect("No Such Effect");
