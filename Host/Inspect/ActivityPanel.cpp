@@ -183,9 +183,8 @@ void ActivityPanel::addFailure(const QString& title, const QString& text) {
 }
 
 int ActivityPanel::runningJobs() const {
-  return static_cast<int>(std::ranges::count_if(rows_, [](const ActivityRow* row) {
-    return row->job && row->job->state() == RenderJob::State::Running;
-  }));
+  return static_cast<int>(std::ranges::count_if(
+      rows_, [](const ActivityRow* row) { return row->job && row->job->state() == RenderJob::State::Running; }));
 }
 
 int ActivityPanel::failures() const {

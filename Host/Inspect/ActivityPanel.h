@@ -26,7 +26,8 @@ class ActivityPanel : public QScrollArea {
   QString summary() const;  // "2 exports running, 1 problem"; empty when there is nothing
 
   // The panel owns the job, which `start` makes of what it is to tell.
-  void addJob(const QString& title, const std::function<std::unique_ptr<class RenderJob>(std::function<void()> told)>& start);
+  void addJob(const QString& title,
+              const std::function<std::unique_ptr<class RenderJob>(std::function<void()> told)>& start);
   // A failure with the same text as the newest one is not added again.
   void addFailure(const QString& title, const QString& text);
 

@@ -14,7 +14,7 @@
 namespace host {
 namespace {
 
-constexpr int kPause = 10000;      // milliseconds
+constexpr int kPause = 10000;         // milliseconds
 constexpr unsigned kPrefersDark = 1;  // of "color-scheme"; 2 is light, 0 neither
 
 // One that is there: asking for another would start one.
@@ -45,9 +45,8 @@ DesktopAppearance::DesktopAppearance(std::function<void()> changed)
 }
 
 void DesktopAppearance::read() {
-  QDBusMessage message =
-      QDBusMessage::createMethodCall("org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop",
-                                     "org.freedesktop.portal.Settings", "Read");
+  QDBusMessage message = QDBusMessage::createMethodCall(
+      "org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop", "org.freedesktop.portal.Settings", "Read");
   message << QStringLiteral("org.freedesktop.appearance") << QStringLiteral("color-scheme");
   auto* answer = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(message), this);
   QObject::connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {

@@ -2,6 +2,8 @@
 #include "Host/Inspect/EffectSession.h"
 
 #include "Host/Commands/OptionValues.h"
+#include "Host/Files/FileFormat.h"
+#include "Host/Files/PictureWriting.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Messages/Utf8.h"
 #include "Host/Rendering/Assignment.h"
@@ -9,13 +11,8 @@
 #include "Host/Rendering/PortKinds.h"
 #include "Platform/QuartzComposer/QCPatch.h"
 
-#include <QCoreApplication>
-#include <QElapsedTimer>
-#include <QEventLoop>
-#include <QTimer>
-
+#include <algorithm>
 #include <filesystem>
-#include <functional>
 #include <utility>
 
 namespace host {
@@ -31,59 +28,35 @@ std::vector<QCPort*> parametersOf(EffectRendering& rendering) {
   return ports;
 }
 
-// Those of "port=value" that are for pictures, or for all other ports.
-std::vector<std::string> valuesOf(EffectRendering& rendering, const std::vector<std::string>& values, bool ofPictures) {
-  std::vector<std::string> result;
-  for (const std::string& text : values) {
-    const QCPort* port = findInputPort(rendering.patch(), valueAssignment(text).name);
-    if ((port && takesPicture(*port, rendering.roles())) == ofPictures) result.push_back(text);
-  }
-  return result;
-}
-
-bool handledEventsUntil(const std::function<bool()>& isDone, int milliseconds) {
-  QElapsedTimer waited;
-  waited.start();
-  QTimer wake;
-  wake.start(std::chrono::milliseconds(10));
-  while (!isDone()) {
-    if (waited.hasExpired(milliseconds)) return false;
-    QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
-  }
-  return true;
+std::optional<FrameRange> framesOf(const InspectOptions& options, const Inputs& inputs) {
+  const auto wanted = options.frames.empty() ? std::nullopt : std::optional(parsedFrameRange(options.frames));
+  if (!inputs.areSequence() && !wanted) return std::nullopt;
+  return inputs.checkedFrames(wanted);
 }
 
 }  // namespace
 
-PreviewSetup previewSetupOf(const InspectOptions& options) {
-  PreviewSetup setup;
-  setup.effect = options.effect;
-  setup.inputs = options.inputs;
-  setup.framing = parsedFraming(options.framing);
-  setup.depth = parsedDepth(options.depth);
-  setup.colors = parsedColors(options.colors, options.inputs);
-  setup.time = options.time;
-  setup.rate = options.rate;
-  if (!options.frames.empty()) setup.frames = parsedFrameRange(options.frames);
-  return setup;
-}
-
 EffectSession::EffectSession(const InspectOptions& options)
     : rendering_(options.effect, options.inputs.size(), parsedFraming(options.framing), parsedDepth(options.depth)),
-      engine_({}) {
-  PreviewSetup setup = previewSetupOf(options);
-  setup.pictures = valuesOf(rendering_, options.values, true);
-  engine_.open(setup);  // early: it goes on while the rest is done
+      inputs_(options.inputs, parsedDepth(options.depth), {}, parsedColors(options.colors, options.inputs)),
+      fixedTime_(options.time) {
   for (const std::string& path : options.inputs) {
     inputNames_ += (inputNames_.empty() ? "" : ", ") + validUtf8(std::filesystem::path(path).filename().string());
   }
   document_ = std::make_unique<ParameterDocument>(parametersOf(rendering_));
   readParameters(options);
-  sendParameters();
+  if (const auto frames = framesOf(options, inputs_)) {
+    timeline_ = Timeline::ofSequence(rendering_.kind(), *frames, options.rate);
+  } else if (rendering_.roles().time) {
+    timeline_ = Timeline::ofTransition(options.rate);
+    const double time = std::clamp(options.time.value_or(0), 0.0, 1.0);
+    position_ = static_cast<std::uint64_t>(time * static_cast<double>(timeline_.count() - 1) + 0.5);
+  }
+  rendering_.connect(inputs_.picturesAt(timeline_.frameAt(position_)));
 }
 
 void EffectSession::readParameters(const InspectOptions& options) {
-  setParameters(rendering_, valuesOf(rendering_, options.values, false), options.states);
+  setParameters(rendering_, options.values, options.states);
   for (const std::string& text : options.states) {
     const auto [port, path] = stateAssignment(text);
     document_->setFile(inputPortNamed(rendering_.patch(), name(), port), path);
@@ -96,16 +69,25 @@ std::string EffectSession::description() const {
   return text ? text->stringValue() : "";
 }
 
-bool EffectSession::waitUntilOpened(int milliseconds) {
-  return handledEventsUntil([this] { return engine_.opened() || engine_.refusal(); }, milliseconds);
+void EffectSession::goTo(std::uint64_t position) {
+  const std::uint64_t valid = std::min(position, timeline_.count() - 1);
+  if (timeline_.isSequence()) rendering_.connect(inputs_.picturesAt(timeline_.frameAt(valid)));
+  if (!timeline_.isSequence() && valid != position_) fixedTime_.reset();
+  position_ = valid;
 }
 
-bool EffectSession::waitForPicture(int milliseconds) {
-  return handledEventsUntil([this] { return engine_.isSettled(); }, milliseconds);
+const BitmapRef& EffectSession::render() {
+  result_ = rendering_.result(fixedTime_.value_or(timeline_.timeAt(position_)));
+  return result_;
 }
 
-void EffectSession::checkPicture() const {
-  if (const auto& failure = engine_.failure()) throw Failure(failure->code, failure->text);
+void EffectSession::savePicture(const std::string& path) {
+  if (!result_) throw Failure(ExitCode::Output, "cannot write " + path + ": there is no picture");
+  OutputPicture picture;
+  picture.bitmap = result_;
+  picture.depth = rendering_.depthOf(*result_);
+  inputs_.colors().toOutput(picture, fileFormatOf(path), path);
+  writePicture(path, picture);
 }
 
 }  // namespace host

@@ -83,11 +83,8 @@ ExportDialog::ExportDialog(const Exportable& what, const QString& folder,
   part_->setVisible(!what_.isOpenEnded && what_.chosen.has_value());
   count_->setVisible(what_.isOpenEnded);
 
-  const std::pair<const char*, const char*> depths[] = {{"As the inputs", ""},
-                                                        {"8 bits", "8"},
-                                                        {"16 bits", "16"},
-                                                        {"Half float", "half"},
-                                                        {"Float", "float"}};
+  const std::pair<const char*, const char*> depths[] = {
+      {"As the inputs", ""}, {"8 bits", "8"}, {"16 bits", "16"}, {"Half float", "half"}, {"Float", "float"}};
   for (const auto& [text, value] : depths) depth_->addItem(windowText(text), QString(value));
   quality_->setRange(kUsualQuality, 100);
   quality_->setValue(kUsualQuality);
@@ -173,9 +170,10 @@ void ExportDialog::outputChanged() {
     widget->setEnabled(container);
   }
   const QString reason = problem();
-  note_->setText(!reason.isEmpty()   ? reason
-                 : container         ? (what_.hasAudio ? windowText("The audio of the first clip goes with it.") : QString())
-                                     : windowText("Numbered pictures: %1").arg(QFileInfo(withNumber(output_->text())).fileName()));
+  note_->setText(!reason.isEmpty() ? reason
+                 : container
+                     ? (what_.hasAudio ? windowText("The audio of the first clip goes with it.") : QString())
+                     : windowText("Numbered pictures: %1").arg(QFileInfo(withNumber(output_->text())).fileName()));
   for (QAbstractButton* button : buttons_->buttons()) {
     if (buttons_->buttonRole(button) == QDialogButtonBox::AcceptRole) button->setEnabled(reason.isEmpty());
   }
@@ -184,7 +182,8 @@ void ExportDialog::outputChanged() {
 QStringList ExportDialog::arguments() const {
   QStringList result;
   if (what_.isOpenEnded) {
-    result << "--frames" << QStringLiteral("%1-%2").arg(what_.first).arg(what_.first + static_cast<unsigned>(count_->value()) - 1);
+    result << "--frames"
+           << QStringLiteral("%1-%2").arg(what_.first).arg(what_.first + static_cast<unsigned>(count_->value()) - 1);
   } else if (part_->isChecked() && what_.chosen) {
     result << "--frames" << QStringLiteral("%1-%2").arg(what_.chosen->first).arg(what_.chosen->second);
   }
@@ -198,8 +197,8 @@ void ExportDialog::accept() {
   if (!problem().isEmpty()) return;
   const QString output = isClipChosen() ? output_->text() : withNumber(output_->text());
   if (isClipChosen() && QFileInfo::exists(output)) {
-    QMessageBox box(QMessageBox::Question, windowTitle(),
-                    windowText("Replace %1?").arg(QFileInfo(output).fileName()), QMessageBox::Cancel, this);
+    QMessageBox box(QMessageBox::Question, windowTitle(), windowText("Replace %1?").arg(QFileInfo(output).fileName()),
+                    QMessageBox::Cancel, this);
     box.setInformativeText(windowText("The old file stays until the new one is whole."));
     box.button(QMessageBox::Cancel)->setText(windowText("Cancel"));
     QPushButton* replace = box.addButton(windowText("Replace"), QMessageBox::AcceptRole);

@@ -22,7 +22,8 @@ namespace host {
 struct Exportable {
   std::uint32_t first = 0;  // number of the first frame
   std::uint64_t count = 1;
-  std::optional<std::pair<std::uint32_t, std::uint32_t>> chosen;  // numbers of the in and out points, where they are set
+  std::optional<std::pair<std::uint32_t, std::uint32_t>>
+      chosen;                // numbers of the in and out points, where they are set
   bool isOpenEnded = false;  // there are as many frames as people want: a transition of stills, a generator
   bool hasAudio = false;
   QString name;  // suggested, without extension

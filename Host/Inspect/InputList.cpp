@@ -58,8 +58,8 @@ void InputList::setPaths(const QStringList& paths) {
     const QString path = paths.value(i);
     const QString name = path.isEmpty() ? windowText("Open\u2026") : QFileInfo(path).fileName();
     QToolButton* button = buttons_[i];
-    button->setText(button->fontMetrics().elidedText(name, Qt::ElideMiddle,
-                                                     inspectorMetrics::kContentWidth - kLabelWidth - 40));
+    button->setText(
+        button->fontMetrics().elidedText(name, Qt::ElideMiddle, inspectorMetrics::kContentWidth - kLabelWidth - 40));
     button->setToolTip(path.isEmpty() ? windowText("Open a picture, sequence or clip, or drop one here") : path);
     button->setAccessibleName(button->property("role").toString() + ": " + name);
   }

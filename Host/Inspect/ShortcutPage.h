@@ -14,7 +14,7 @@ namespace host {
 // What can be done with keys, in groups.
 struct ShortcutGroup {
   QString title;
-  QList<QAction*> actions;                 // those without keys are left out
+  QList<QAction*> actions;                  // those without keys are left out
   QList<std::pair<QString, QString>> more;  // what no action does: the keys, and what they do
 };
 
