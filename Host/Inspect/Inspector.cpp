@@ -5,6 +5,7 @@
 #include "Host/Commands/OptionValues.h"
 #include "Host/Files/FileFormat.h"
 #include "Host/Files/OutputFile.h"
+#include "Host/Inspect/Benchmark.h"
 #include "Host/Inspect/EffectWindow.h"
 #include "Host/Inspect/InspectorApplication.h"
 #include "Host/Inspect/Screenshot.h"
@@ -21,7 +22,7 @@ constexpr int kMostMilliseconds = 600000;  // until the picture of a screenshot 
 
 void checkOptions(const InspectOptions& options) {
   checkTime(options.time);
-  if (options.rate) checkRate(*options.rate);
+  checkRate(options.rate);
   const bool effectOptions = !options.inputs.empty() || !options.values.empty() || !options.framing.size.empty() ||
                              options.time || !options.depth.empty() || !options.frames.empty();
   if (options.effect.empty() && effectOptions) {
@@ -67,6 +68,7 @@ void openWindows(InspectorApplication& inspector, const InspectOptions& options)
 void runInspector(const InspectOptions& options, int argc, char** argv) {
   checkOptions(options);
   loadEffects();
+  if (options.isBenchmark) return runBenchmark(options, argc, argv);
   prepareWindowSystem(options);
   QApplication application(argc, argv);
   QApplication::setApplicationName("vorto");

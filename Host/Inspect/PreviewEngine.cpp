@@ -116,7 +116,7 @@ class PreviewEngine::Work {
   void takeAhead(PreviewReport& report, const PreviewTask& task);
   void takeInputs(PreviewInputs& inputs);
   void takeFailure(const PreviewTask& task, PreviewFailure failure);
-  void show(PreviewPictureRef picture, std::uint64_t serial);
+  void show(PreviewPictureRef picture, const PreviewTask& task);
   void mourn(PreviewLane& lane, const std::string& cause);
   PreviewFailure deathOf(const PreviewTask& task, const std::string& cause) const;
 
@@ -191,7 +191,6 @@ void PreviewEngine::Work::open(const PreviewSetup& wanted) {
   lastFull_.reset();
   inputs_.reset();
   failedInputs_.reset();
-  states_.clear();
   aheadWanted_.clear();
   remarks_.clear();
   startTime_.reset();
@@ -236,7 +235,7 @@ void PreviewEngine::Work::setParameters(const std::vector<QCPort*>& ports) {
   }
   if (states == states_) return;
   states_ = std::move(states);
-  change();
+  if (!setup.effect.empty()) change();  // else open() is still to come
 }
 
 // Something that pictures depend on is another.
@@ -345,7 +344,7 @@ bool PreviewEngine::Work::isFullWanted() const {
 bool PreviewEngine::Work::isQuickWorthwhile() const {
   if (setup.inputs.empty() || isCheap() || viewSize_.width == 0 || viewSize_.height == 0) return false;
   if (failedInputs_ == inputsKey()) return false;
-  const PictureSize full = inputs_ ? inputs_->fullResult
+  const PictureSize full = inputs_     ? inputs_->fullResult
                            : lastFull_ ? lastFull_->size
                                        : PictureSize{opened->inputs[0].info.width, opened->inputs[0].info.height};
   return full.width > 0 && full.height > 0 && quickSize(full, viewSize_) != full;
@@ -418,8 +417,9 @@ void PreviewEngine::Work::pumpQuick() {
 
 void PreviewEngine::Work::pumpAhead() {
   if (aheadWanted_.empty() || isFullWanted() || areInputsWanted()) return;
-  const bool isDivided = opened->timing == Timing::Frames && !opened->keepsState &&
-                         std::ranges::none_of(opened->inputs, [](const PreviewInput& input) { return input.clip != nullptr; });
+  const bool isDivided =
+      opened->timing == Timing::Frames && !opened->keepsState &&
+      std::ranges::none_of(opened->inputs, [](const PreviewInput& input) { return input.clip != nullptr; });
   if (isDivided && !ahead_.isRunning()) start(ahead_);
   while (!aheadWanted_.empty()) {
     PreviewLane* best = nullptr;
@@ -533,7 +533,7 @@ void PreviewEngine::Work::takeFull(PreviewRendered& rendered, const PreviewTask&
   if (task.serial == serial_) failure.reset();
   lastFull_ = std::make_shared<const PreviewPicture>(std::move(rendered.picture));
   countable_ = task.serial;
-  show(lastFull_, task.serial);
+  show(lastFull_, task);
 }
 
 void PreviewEngine::Work::takeQuick(PreviewRendered& rendered, const PreviewTask& task) {
@@ -556,16 +556,16 @@ void PreviewEngine::Work::takeQuick(PreviewRendered& rendered, const PreviewTask
   picture.isFull = false;
   picture.fileInfo = isOfLastFrame ? lastFull_->fileInfo : std::make_shared<const PictureInfo>(opened->inputs[0].info);
   if (isOfLastFrame) picture.fileBefore = lastFull_->fileBefore ? lastFull_->fileBefore : lastFull_->before;
-  show(std::make_shared<const PreviewPicture>(std::move(picture)), task.serial);
+  show(std::make_shared<const PreviewPicture>(std::move(picture)), task);
 }
 
 // Of one state a full picture takes the place of a quick one.
-void PreviewEngine::Work::show(PreviewPictureRef picture, std::uint64_t serial) {
-  const bool isNewer = serial > shownSerial_ || !shown || (serial == shownSerial_ && picture->isFull);
+void PreviewEngine::Work::show(PreviewPictureRef picture, const PreviewTask& task) {
+  const bool isNewer = task.serial > shownSerial_ || !shown || (task.serial == shownSerial_ && picture->isFull);
   if (!isNewer || (picture->frame != frame && !isHeld_)) return;
   shown = std::move(picture);
-  shownSerial_ = serial;
-  tell(&Told::pictured, PreviewPictureRef(shown));
+  shownSerial_ = task.serial;
+  tell(&Told::pictured, PreviewPictureRef(shown), task.fingerprint);
 }
 
 void PreviewEngine::Work::takeInputs(PreviewInputs& inputs) {

@@ -47,19 +47,21 @@ struct PreviewBusy {
 class PreviewEngine : public QObject {
  public:
   struct Told {
-    std::function<void(const PreviewOpened& opened)> opened;
-    std::function<void(const PreviewFailure& failure)> refused;      // instead; there are no pictures
-    std::function<void(const PreviewPictureRef& picture)> pictured;  // of the present frame; isFull or a quick one
+    std::function<void(const PreviewOpened& opened)> opened = {};
+    std::function<void(const PreviewFailure& failure)> refused = {};  // instead; there are no pictures
+    // Of the present frame, isFull or a quick one, in the state of that fingerprint: the present one, or during a drag
+    // an earlier one.
+    std::function<void(const PreviewPictureRef& picture, const VortoHash128& fingerprint)> pictured = {};
     // Of the last full picture: its first input (zeros of generators), and itself.
-    std::function<void(const TCHistogram& input, const TCHistogram& result)> counted;
-    std::function<void(const PreviewFailure& failure)> failed;
-    std::function<void(const PreviewBusy& busy)> busyChanged;
+    std::function<void(const TCHistogram& input, const TCHistogram& result)> counted = {};
+    std::function<void(const PreviewFailure& failure)> failed = {};
+    std::function<void(const PreviewBusy& busy)> busyChanged = {};
     // Of orderAhead(), in the state of that fingerprint.
     std::function<void(std::uint64_t frame, const VortoHash128& fingerprint, const PreviewPictureRef& picture)>
-        aheadReady;
+        aheadReady = {};
     std::function<void(std::uint64_t frame, const VortoHash128& fingerprint, const PreviewFailure& failure)>
-        aheadFailed;
-    std::function<void(const std::string& text)> remarked;  // one line that is no failure; each once
+        aheadFailed = {};
+    std::function<void(const std::string& text)> remarked = {};  // one line that is no failure; each once
   };
   explicit PreviewEngine(Told told);
   ~PreviewEngine() override;  // ends all processes, whatever they are at
@@ -67,8 +69,8 @@ class PreviewEngine : public QObject {
   // Others may listen too; each is called after those before it. Functions may be empty.
   void addListener(Told told);
 
-  // Begins with an effect and its inputs; what was before is dropped, the parameters too. Reports opened() or refused()
-  // later.
+  // Begins with an effect and its inputs, and the parameters that were set last; what was rendered before is dropped.
+  // Reports opened() or refused() later.
   void open(const PreviewSetup& setup);
   const PreviewSetup& setup() const;
   const std::optional<PreviewOpened>& opened() const;

@@ -39,9 +39,9 @@ struct PreviewTask {
   std::uint64_t id = 0;
   Kind kind = Kind::Full;
   std::uint64_t frame = 0;
-  std::uint64_t serial = 0;      // of the state that is rendered
-  VortoHash128 fingerprint;      // of the same
-  bool isForgotten = false;      // nobody wants it any more
+  std::uint64_t serial = 0;                     // of the state that is rendered
+  VortoHash128 fingerprint;                     // of the same
+  bool isForgotten = false;                     // nobody wants it any more
   std::shared_ptr<const PreviewInputs> inputs;  // of quick pictures
   PreviewPhase phase = PreviewPhase::Rendering;
   QElapsedTimer since;
@@ -92,7 +92,6 @@ class PreviewLane {
   std::deque<PreviewTask> tasks_;  // in the order in which they are done
   std::unordered_map<std::string, Bytes> states_;
   std::shared_ptr<const PreviewInputs> given_;
-
 };
 
 }  // namespace host

@@ -42,7 +42,8 @@ BitmapRef takePixels(MessageReader& message) {
   const auto height = message.value<std::uint32_t>();
   const std::span<const std::uint8_t> pixels = message.view();
   const VortoPixelLayout& layout = TCPixelLayoutOf(format);
-  const bool isWhole = layout.isExchanged && width > 0 && height > 0 && fitsBitmap(width, height, layout.bytesPerPixel()) &&
+  const bool isWhole = layout.isExchanged && width > 0 && height > 0 &&
+                       fitsBitmap(width, height, layout.bytesPerPixel()) &&
                        std::uint64_t{width} * height * layout.bytesPerPixel() == pixels.size();
   if (!isWhole) throw Failure(ExitCode::Unexpected, "a helper process sent a picture that is none");
   const MutableBitmapRef bitmap = newUnsetBitmap(width, height, format, "a picture");

@@ -85,8 +85,8 @@ bool PreviewFrames::has(std::uint64_t frame) const {
 
 PreviewFrames::Kept& PreviewFrames::keptAt(std::uint64_t index) {
   if (index >= plan_.frames->count()) {
-    throw Failure(ExitCode::Usage, "there is no frame " + std::to_string(index) + " of " +
-                                       std::to_string(plan_.frames->count()));
+    throw Failure(ExitCode::Usage,
+                  "there is no frame " + std::to_string(index) + " of " + std::to_string(plan_.frames->count()));
   }
   const PlannedFrame planned = plan_.frames->frame(index);
   if (const auto found = find(planned); found != kept_.end()) {

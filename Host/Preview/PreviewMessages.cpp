@@ -133,7 +133,8 @@ void putReport(MessageWriter& message, const PreviewOpened& opened, int, const P
     message.value(code.timeAndFlags);
     message.value(code.userData);
   });
-  message.bytes({reinterpret_cast<const std::uint8_t*>(opened.shown.data()), opened.shown.size() * sizeof(std::int64_t)});
+  message.bytes(
+      {reinterpret_cast<const std::uint8_t*>(opened.shown.data()), opened.shown.size() * sizeof(std::int64_t)});
   putList(message, opened.inputs, [&](const PreviewInput& input) { putInput(message, input); });
   putMaybe(message, opened.depth, [&](Depth depth) { message.value(depth); });
   put(message, opened.space);

@@ -32,7 +32,9 @@ ChildProcess started(MessageSocket* entries) {
   std::array<MessageSocket, 2> ends = connection();
   ::fcntl(ends[0].descriptor(), F_SETFL, O_NONBLOCK);
   *entries = std::move(ends[0]);
-  return {hostProgram(), {"preview"}, {ends[1].descriptor()}};
+  const std::string program = hostProgram();
+  if (program.empty()) throw Failure(ExitCode::Unexpected, "the program vorto is not installed beside this one");
+  return {program, {"preview"}, {ends[1].descriptor()}};
 }
 
 }  // namespace
