@@ -14,6 +14,7 @@
 #include <functional>
 #include <list>
 #include <map>
+#include <memory>
 #include <optional>
 #include <utility>
 
@@ -153,6 +154,7 @@ class Player {
 
   PlayPlace place_;
   std::optional<std::uint64_t> shown_;
+  std::weak_ptr<const PreviewPicture> seen_;  // the picture of it
   bool isPlaying_ = false;
   bool isScrubbing_ = false;
   bool playsAfterScrubbing_ = false;

@@ -21,7 +21,10 @@ namespace host {
 namespace {
 
 constexpr int kRowHeight = 40;
-constexpr int kLeastWidth = 320;
+constexpr int kLeastWidth = 260;
+constexpr int kLeftMargin = 12;
+constexpr int kRightMargin = 16;
+constexpr int kGap = 12;
 
 // To a hundredth for rates as "29.97", without zeros.
 QString rateText(double rate, int decimals) {
@@ -49,7 +52,8 @@ QString unitName(PositionUnit unit) {
 TimelineBar::TimelineBar(Player& player, QWidget* parent)
     : QWidget(parent),
       player_(player),
-      actions_(new PlaybackActions(player, [this] { field_->startTyping(); }, this)),
+      actions_(new PlaybackActions(
+          player, [this] { field_->startTyping(); }, this)),
       strip_(new TimelineStrip(player, this)),
       controls_(new QWidget(this)),
       picture_(new QLabel(this)) {
@@ -62,8 +66,8 @@ TimelineBar::TimelineBar(Player& player, QWidget* parent)
   inner->setSpacing(2);
   addControls(inner);
   auto* row = new QHBoxLayout;
-  row->setContentsMargins(12, 0, 16, 0);
-  row->setSpacing(12);
+  row->setContentsMargins(kLeftMargin, 0, kRightMargin, 0);
+  row->setSpacing(kGap);
   row->addWidget(controls_, 1);
   row->addStretch(0);
   row->addWidget(picture_);
@@ -104,11 +108,11 @@ QToolButton* TimelineBar::addTextButton(const QString& name) {
 }
 
 void TimelineBar::addControls(QHBoxLayout* row) {
-  addButton(actions_->goToIn, static_cast<int>(TransportGlyph::GoToIn));
+  goToIn_ = addButton(actions_->goToIn, static_cast<int>(TransportGlyph::GoToIn));
   addButton(actions_->stepBack, static_cast<int>(TransportGlyph::StepBack))->setAutoRepeat(true);
   play_ = addButton(actions_->play, static_cast<int>(TransportGlyph::Play));
   addButton(actions_->stepForward, static_cast<int>(TransportGlyph::StepForward))->setAutoRepeat(true);
-  addButton(actions_->goToOut, static_cast<int>(TransportGlyph::GoToOut));
+  goToOut_ = addButton(actions_->goToOut, static_cast<int>(TransportGlyph::GoToOut));
   row->addSpacing(10);
   field_ = new PositionField(player_, controls_);
   row->addWidget(field_);
@@ -127,6 +131,7 @@ void TimelineBar::addControls(QHBoxLayout* row) {
   figures_->setForegroundRole(QPalette::PlaceholderText);
   figures_->setAccessibleName(windowText("Rate"));
   row->addWidget(figures_);
+  row->addSpacing(kGap);
   row->addStretch(1);
   memory_ = new MemoryButton(player_, {actions_->readAhead, actions_->emptyCache}, controls_);
   row->addWidget(memory_);
@@ -185,7 +190,10 @@ void TimelineBar::follow() {
   const bool isAround = player_.looping() == Looping::Around;
   const bool isOnce = player_.looping() == Looping::Off;
   loop_->setGlyph(isAround ? TransportGlyph::Around : isOnce ? TransportGlyph::Once : TransportGlyph::BackAndForth);
-  loop_->setTexts((isAround ? actions_->loopAround : isOnce ? actions_->loopOff : actions_->loopBackAndForth)->text(),
+  loop_->setTexts((isAround ? actions_->loopAround
+                   : isOnce ? actions_->loopOff
+                            : actions_->loopBackAndForth)
+                      ->text(),
                   {});
   mode_->setText((player_.mode() == PlayMode::RealTime ? actions_->realTime : actions_->everyFrame)->text());
   mode_->setAccessibleName(mode_->text());
@@ -219,17 +227,15 @@ QSize TimelineBar::minimumSizeHint() const {
 
 // What a narrow window has no room for goes, the least important first.
 void TimelineBar::fit() {
-  QWidget* const optional[] = {unit_, figures_, memory_, info_};
   if (player_.times().count() < 2) return;
+  const QList<QWidget*> optional{memory_, unit_, figures_, info_, mode_, goToIn_, goToOut_, loop_};
   for (QWidget* widget : optional) widget->setVisible(widget != unit_ || !unit_->text().isEmpty());
   const auto isTooWide = [this] {
     controls_->layout()->invalidate();
-    controls_->layout()->activate();
-    layout()->invalidate();
-    return layout()->minimumSize().width() > width();
+    const int ofInfo = info_->isHidden() ? 0 : info_->minimumSizeHint().width() + kGap;
+    return controls_->layout()->minimumSize().width() + ofInfo + kLeftMargin + kRightMargin > width();
   };
-  for (QWidget* widget : {static_cast<QWidget*>(memory_), static_cast<QWidget*>(unit_),
-                          static_cast<QWidget*>(figures_), info_}) {
+  for (QWidget* widget : optional) {
     if (!isTooWide()) break;
     widget->setVisible(false);
   }
