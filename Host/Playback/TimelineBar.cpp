@@ -216,6 +216,10 @@ void TimelineBar::showFigures() {
                ? windowText("%1 of %2 fps, %3 dropped").arg(rateText(reached, 1), wanted).arg(player_.dropped())
                : windowText("%1 of %2 fps").arg(rateText(reached, 1), wanted);
   }
+  // As wide as it may become, so that nothing moves while it plays.
+  const char* longest = player_.mode() == PlayMode::RealTime ? "%1 of %2 fps, %3 dropped" : "%1 of %2 fps";
+  const QString widest = windowText(longest).replace("%3", "000").arg(rateText(88.8, 1), wanted);
+  figures_->setMinimumWidth(figures_->fontMetrics().horizontalAdvance(widest));
   if (text == figures_->text()) return;
   figures_->setText(text);
   fit();
@@ -228,16 +232,18 @@ QSize TimelineBar::minimumSizeHint() const {
 // What a narrow window has no room for goes, the least important first.
 void TimelineBar::fit() {
   if (player_.times().count() < 2) return;
-  const QList<QWidget*> optional{memory_, unit_, figures_, info_, mode_, goToIn_, goToOut_, loop_};
-  for (QWidget* widget : optional) widget->setVisible(widget != unit_ || !unit_->text().isEmpty());
-  const auto isTooWide = [this] {
-    controls_->layout()->invalidate();
-    const int ofInfo = info_->isHidden() ? 0 : info_->minimumSizeHint().width() + kGap;
-    return controls_->layout()->minimumSize().width() + ofInfo + kLeftMargin + kRightMargin > width();
-  };
-  for (QWidget* widget : optional) {
-    if (!isTooWide()) break;
-    widget->setVisible(false);
+  const QLayout& row = *controls_->layout();
+  int needed = kLeftMargin + kRightMargin + kGap + info_->sizeHint().width();
+  for (int i = 0; i < row.count(); ++i) {
+    QWidget* widget = row.itemAt(i)->widget();
+    needed += row.spacing() + (widget ? widget->sizeHint().expandedTo(widget->minimumSize()).width()
+                                      : row.itemAt(i)->sizeHint().width());
+  }
+  for (QWidget* widget : QList<QWidget*>{memory_, unit_, figures_, info_, mode_, goToIn_, goToOut_, loop_}) {
+    const bool isEmpty = widget == unit_ && unit_->text().isEmpty();
+    const bool isLeftOut = isEmpty || needed > width();
+    if (isLeftOut) needed -= widget->sizeHint().expandedTo(widget->minimumSize()).width() + row.spacing();
+    if (widget->isHidden() != isLeftOut) widget->setVisible(!isLeftOut);
   }
 }
 
