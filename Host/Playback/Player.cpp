@@ -216,7 +216,8 @@ void Player::startOver() {
   isReached_ = shown_ == place_.frame && cache_.find(place_.frame);
   passed_.clear();
   if (!isReached_) passed_.push_back(place_.frame);
-  due_ = isReached_ || mode_ == PlayMode::RealTime ? now + times_.stepSeconds(place_.frame) : now;
+  const bool waits = mode_ == PlayMode::RealTime || (isReached_ && !isUnpaced_);
+  due_ = waits ? now + times_.stepSeconds(place_.frame) : now;
 }
 
 void Player::stop() {

@@ -80,6 +80,7 @@ class Player {
   // played; what played goes on afterwards.
   void beginScrubbing();
   void endScrubbing();
+  bool isScrubbing() const { return isScrubbing_; }
 
   // What is played. A point beyond the other one takes that to the end of the run.
   std::uint64_t inPoint() const { return order_.first; }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Playback/Player.h"
 
+#include "Host/Inspect/PlaybackBenchmark.h"
 #include "Tests/Inspect/PlaybackFixture.h"
 
 using host::Looping;
@@ -311,4 +312,36 @@ TEST(Player, ScrubbingShowsFramesAsTheyComeAndGoesOnAfterwards) {
   playing.player.endScrubbing();
   EXPECT_TRUE(playing.player.isPlaying());
   EXPECT_EQ(playing.source.orders, (Frames{9, 1}));
+}
+
+TEST(PlaybackBenchmark, CountsTheFramesOfBothPasses) {
+  // Frames come once the events that wait were handled; the last one breaks.
+  struct Source : playback_test::FakeSource {
+    void order(std::uint64_t frame) override {
+      QTimer::singleShot(0, &context, [this, frame] {
+        ++rendered;
+        if (frame == 19) return player->deliverFailure(frame, fingerprint(), "broken");
+        player->deliver(frame, fingerprint(), newPicture(frame));
+      });
+    }
+    QObject context;
+    host::Player* player = nullptr;
+    int rendered = 0;
+  };
+  Source source;
+  host::PlaybackBenchmark benchmark(source, PlaybackTimes::even(20, {1, 1}));
+  source.player = &benchmark.player();
+  const auto result = benchmark.run(15, 60);
+  EXPECT_EQ(result.failure, "");
+  EXPECT_GE(result.first.frames, 15u);
+  EXPECT_LE(result.first.frames, 16u);
+  ASSERT_TRUE(result.cached);
+  EXPECT_GE(result.cached->frames, 14u);
+  const int rendered = source.rendered;
+  EXPECT_LE(rendered, 18) << "nothing twice but the first";
+  EXPECT_LT(result.cached->seconds, 10) << "not a second for each frame";
+
+  const auto broken = benchmark.run(20, 60);
+  EXPECT_EQ(broken.failure, "Frame 19: broken");
+  EXPECT_FALSE(broken.cached);
 }
