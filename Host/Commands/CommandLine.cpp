@@ -11,6 +11,7 @@
 #include "Host/Messages/StandardOutput.h"
 #include "Host/Messages/Utf8.h"
 #include "Host/Pixels/Layouts.h"
+#include "Host/Preview/PreviewServer.h"
 
 #include <CLI/CLI.hpp>
 #include <cmath>
@@ -294,6 +295,7 @@ void addRender(CLI::App& app, RenderOptions& options) {
       ->check(CLI::Range(1, 1024));
   command->add_flag("--resume", options.isResumed, "Render only the frames of a sequence whose files are missing");
   command->add_flag("--verbose", options.isVerbose, "Say what a file does not keep");
+  command->add_flag("--tell-progress", options.tellsProgress)->group("");
   command->add_flag("--worker", options.isWorker)->group("");
 }
 
@@ -350,6 +352,8 @@ void addInspect(CLI::App& app, InspectOptions& options) {
       ->add_option("--screenshot", options.screenshot,
                    "Write a picture of the window (png, jpg, tif or exr) instead of showing it")
       ->type_name("FILE");
+  command->add_flag("--benchmark", options.isBenchmark,
+                    "Print how long pictures take to come while parameters change; needs no display");
   command->add_option("--appearance", options.appearance, "light or dark; default: as the desktop")
       ->check(CLI::IsMember({"light", "dark"}))
       ->type_name("LOOK");
@@ -357,6 +361,10 @@ void addInspect(CLI::App& app, InspectOptions& options) {
       ->check(CLI::Range(0.5, 4.0))
       ->check(refuseNaN)
       ->type_name("N");
+}
+
+void addPreview(CLI::App& app) {
+  app.add_subcommand("preview", "How the inspector starts the processes that render its pictures")->group("");
 }
 
 void addSubmit(CLI::App& app, SubmitOptions& options) {
@@ -399,6 +407,7 @@ void addCommands(CLI::App& app, Options& options) {
   addState(app, options.state);
   addSheet(app, options.sheet);
   addInspect(app, options.inspect);
+  addPreview(app);
   addSubmit(app, options.submit);
 }
 
@@ -434,6 +443,8 @@ void runCommand(const CLI::App& app, const Options& options, const InspectAction
     inspect(options.inspect);
   } else if (app.got_subcommand("submit")) {
     runSubmit(options.submit, parsedRender(options.submit.command));
+  } else if (app.got_subcommand("preview")) {
+    runPreviewServer();
   } else {
     runSheet(options.sheet);
   }

@@ -21,6 +21,7 @@ struct InspectOptions {
   std::string frames;           // "A-B", or empty for the frames that exist
   double rate = 25;             // frames per second
   std::string screenshot;       // a picture of the window to write instead of showing it, or empty
+  bool isBenchmark = false;     // print how long pictures take, instead of showing them
   std::string appearance;       // "light", "dark", or empty for the desktop's
   std::optional<double> scale;  // device pixels per point, or none for the desktop's
 };

@@ -275,6 +275,7 @@ void runRender(const RenderOptions& options) {
       return WorkerParts{setupOf(options), output.job};
     });
   }
+  if (options.tellsProgress) Progress::tellInLines();
   checkTime(options.time);
   if (options.timing.rate) checkRate(*options.timing.rate);
   const RenderSetup setup = setupOf(options);

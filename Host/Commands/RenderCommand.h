@@ -53,6 +53,7 @@ struct RenderOptions {
   unsigned jobs = 0;  // processes that render; 0: one for each core where there are many frames
   bool isResumed = false;
   bool isVerbose = false;
+  bool tellsProgress = false;            // in lines, to a program that runs this one
   bool isWorker = false;                 // of another that runs with the same options
   std::vector<std::string> commandLine;  // as the program was started, without its name
 };

@@ -22,6 +22,16 @@ std::vector<std::string> libraryFolders() {
           (program / "../lib").lexically_normal().string(), program.string()};
 }
 
+std::string hostProgram() {
+  const fs::path folder = programFolder();
+  for (const fs::path& place : {fs::path("."), fs::path(VORTO_PROGRAMS_FROM_LIBRARIES)}) {
+    const fs::path candidate = (folder / place / "vorto").lexically_normal();
+    std::error_code error;
+    if (fs::is_regular_file(candidate, error)) return candidate.string();
+  }
+  return "";
+}
+
 std::string plugInFolderBesideProgram() {
   const fs::path program = programFolder();
   for (const fs::path& folder :

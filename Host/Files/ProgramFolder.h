@@ -10,6 +10,9 @@ namespace host {
 // beside the program, for a helper that is installed among the libraries itself.
 std::vector<std::string> libraryFolders();
 
+// The path of the program vorto, of which this one may be a helper; empty when it is not there.
+std::string hostProgram();
+
 // The folder of plug-ins that is installed or was built beside the program; empty when there is none.
 std::string plugInFolderBesideProgram();
 

@@ -6,6 +6,7 @@
 #include "Host/Files/FileFormat.h"
 #include "Host/Files/OutputFile.h"
 #include "Host/Inspect/Appearance.h"
+#include "Host/Inspect/Benchmark.h"
 #include "Host/Inspect/EffectSession.h"
 #include "Host/Inspect/EffectWindow.h"
 #include "Host/Inspect/Screenshot.h"
@@ -62,6 +63,7 @@ void inspectEffect(const InspectOptions& options) {
 void runInspector(const InspectOptions& options, int argc, char** argv) {
   checkOptions(options);
   loadEffects();
+  if (options.isBenchmark) return runBenchmark(options, argc, argv);
   prepareWindowSystem(options);
   QApplication application(argc, argv);
   QApplication::setApplicationName("vorto");

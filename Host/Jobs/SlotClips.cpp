@@ -22,20 +22,23 @@ std::shared_ptr<const PictureInfo> infoOf(const std::shared_ptr<const ClipInfo>&
 
 }  // namespace
 
-FilePicture SlotClips::frame(std::size_t input, std::uint32_t frame) {
-  const std::shared_ptr<const ClipInfo> clip = infos_.at(input);
+FilePicture pictureInSlot(const std::shared_ptr<const ClipInfo>& clip, const std::string& path, std::uint32_t frame,
+                          FrameSlots& slots, std::size_t slot) {
   const PictureInfo& info = clip->picture;
-  const std::size_t slot = places_.at(input);
-  const FrameKind kind = slots_.kind(slot);
+  const FrameKind kind = slots.kind(slot);
   if (kind != FrameKind{info.width, info.height, info.sample, Channels::RGBA, info.alpha}) {
-    throw Failure(ExitCode::Unexpected, "cannot read " + paths_[input] + ": frame " + std::to_string(frame) +
-                                            " is of another kind than the clip");
+    throw Failure(ExitCode::Unexpected,
+                  "cannot read " + path + ": frame " + std::to_string(frame) + " is of another kind than the clip");
   }
   FilePicture picture;
-  picture.bitmap = newUnsetBitmap(kind.width, kind.height, formatCodeOf(kind.sample), paths_[input]);
-  std::memcpy(picture.bitmap->data, slots_.pixels(slot), kind.bytes());
+  picture.bitmap = newUnsetBitmap(kind.width, kind.height, formatCodeOf(kind.sample), path);
+  std::memcpy(picture.bitmap->data, slots.pixels(slot), kind.bytes());
   picture.info = infoOf(clip, frame);
   return picture;
+}
+
+FilePicture SlotClips::frame(std::size_t input, std::uint32_t frame) {
+  return pictureInSlot(infos_.at(input), paths_[input], frame, slots_, places_.at(input));
 }
 
 }  // namespace host

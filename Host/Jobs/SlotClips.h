@@ -11,6 +11,10 @@
 
 namespace host {
 
+// The frame of a clip that lies in a slot, copied. Throws Failure, naming the file, where what lies there is none.
+FilePicture pictureInSlot(const std::shared_ptr<const ClipInfo>& clip, const std::string& path, std::uint32_t frame,
+                          FrameSlots& slots, std::size_t slot);
+
 // The clips of a worker: their frames lie in slots, which its tasks name.
 class SlotClips : public ClipFrames {
  public:

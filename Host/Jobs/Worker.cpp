@@ -6,12 +6,12 @@
 #include "Host/Jobs/SlotClips.h"
 #include "Host/Jobs/Task.h"
 #include "Host/Messages/Failure.h"
+#include "Host/Messages/StandardErrorSilenced.h"
 #include "Host/Processes/ChildProcess.h"
 #include "Host/Rendering/Effects.h"
 
 #include <fcntl.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
 #include <exception>
 #include <memory>
@@ -19,26 +19,6 @@
 
 namespace host {
 namespace {
-
-// Standard error leads nowhere as long as it lives, for those who write there themselves.
-class StandardErrorSilenced {
- public:
-  StandardErrorSilenced() : kept_(::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0)) {
-    const int nowhere = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
-    if (kept_ >= 0 && nowhere >= 0) ::dup2(nowhere, STDERR_FILENO);
-    if (nowhere >= 0) ::close(nowhere);
-  }
-  ~StandardErrorSilenced() {
-    if (kept_ < 0) return;
-    ::dup2(kept_, STDERR_FILENO);
-    ::close(kept_);
-  }
-  StandardErrorSilenced(const StandardErrorSilenced&) = delete;
-  StandardErrorSilenced& operator=(const StandardErrorSilenced&) = delete;
-
- private:
-  int kept_;
-};
 
 std::optional<FailureReport> failureOf(const std::function<void()>& work) {
   try {

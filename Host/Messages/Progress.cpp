@@ -13,6 +13,7 @@ constexpr std::uint64_t kBarWidth = 30;
 constexpr std::chrono::milliseconds kPause{100};
 
 const Progress* shown = nullptr;
+bool areLinesWanted = false;
 
 void erase() {
   std::fputs("\r\033[K", stderr);
@@ -20,9 +21,14 @@ void erase() {
 
 }  // namespace
 
-Progress::Progress(std::uint64_t steps) : steps_(steps), isShown_(steps > 1 && isatty(STDERR_FILENO) == 1) {
-  if (!isShown_) return;
-  shown = this;
+void Progress::tellInLines() {
+  areLinesWanted = true;
+}
+
+Progress::Progress(std::uint64_t steps)
+    : steps_(steps), isInLines_(areLinesWanted), isShown_(!isInLines_ && steps > 1 && isatty(STDERR_FILENO) == 1) {
+  if (!isShown_ && !isInLines_) return;
+  if (isShown_) shown = this;
   drawn_ = StepRate::Clock::now();
   rate_.note(0, drawn_);
   draw();
@@ -35,7 +41,7 @@ Progress::~Progress() {
 }
 
 void Progress::finished(std::uint64_t stepsSoFar) {
-  if (!isShown_) return;
+  if (!isShown_ && !isInLines_) return;
   const auto now = StepRate::Clock::now();
   done_ = stepsSoFar;
   rate_.note(stepsSoFar, now);
@@ -45,6 +51,11 @@ void Progress::finished(std::uint64_t stepsSoFar) {
 }
 
 void Progress::draw() const {
+  if (isInLines_) {
+    std::printf("%llu %llu\n", static_cast<unsigned long long>(done_), static_cast<unsigned long long>(steps_));
+    std::fflush(stdout);
+    return;
+  }
   const auto filled = static_cast<std::size_t>(kBarWidth * done_ / steps_);
   const std::string bar = std::string(filled, '#') + std::string(kBarWidth - filled, '.');
   const std::string rate = rateText(rate_.perSecond(), steps_ - done_);

@@ -9,12 +9,16 @@ namespace host {
 
 // A bar on standard error while many frames are rendered, when that is a terminal; nothing otherwise. With the rate of
 // the last seconds and the time that is left; drawn ten times a second at most, erased when it ends. One at a time.
+// For programs that run this one it can be lines on standard output instead, as often: how many steps are done, and of
+// how many, with a space between.
 class Progress {
  public:
   explicit Progress(std::uint64_t steps);
   ~Progress();
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
+
+  static void tellInLines();  // of all that begin from now on, also of those with one step
 
   void finished(std::uint64_t stepsSoFar);
 
@@ -31,7 +35,8 @@ class Progress {
   void draw() const;
 
   const std::uint64_t steps_;
-  const bool isShown_;
+  const bool isInLines_;
+  const bool isShown_;  // as a bar
   std::uint64_t done_ = 0;
   StepRate rate_;
   StepRate::Clock::time_point drawn_;

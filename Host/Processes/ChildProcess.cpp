@@ -153,7 +153,10 @@ ChildProcess::~ChildProcess() {
   stop();
 }
 
-// Whether it has ended, within that time.
+void ChildProcess::kill() {
+  if (id_ >= 0) ::kill(id_, SIGKILL);
+}
+
 bool ChildProcess::hasEnded(std::chrono::milliseconds patience) {
   const auto end = std::chrono::steady_clock::now() + patience;
   while (id_ >= 0) {
@@ -183,6 +186,11 @@ bool ChildProcess::waitForEnd() {
   if (hasEnded(std::chrono::seconds(1))) return true;
   stop();
   return false;
+}
+
+std::optional<std::string> ChildProcess::causeIfEnded() const {
+  if (id_ >= 0) return std::nullopt;
+  return causeOf(status_);
 }
 
 std::string ChildProcess::ending() {

@@ -6,6 +6,7 @@
 #include <sys/types.h>
 
 #include <chrono>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -35,13 +36,19 @@ class ChildProcess {
   // cannot.
   void stop();
 
+  // Ends it at once, without a chance to clear up, and does not wait until it has ended.
+  void kill();
+  // Whether it has ended, within that time.
+  bool hasEnded(std::chrono::milliseconds patience);
+
+  std::optional<std::string> causeIfEnded() const;  // cause() of one that hasEnded(); nothing of others
+
   // Waits for its end, a second at most before it is stopped: "it was ended by signal 11 (Segmentation fault)",
   // "it ended with exit code 1", "it did not end"; and the same without a sentence: "signal 11 (Segmentation fault)".
   std::string ending();
   std::string cause();
 
  private:
-  bool hasEnded(std::chrono::milliseconds patience);
   bool waitForEnd();
 
   pid_t id_ = -1;

@@ -77,10 +77,14 @@ std::string MessageReader::text() {
   return {reinterpret_cast<const char*>(begin), size};
 }
 
-Bytes MessageReader::bytes() {
+std::span<const std::uint8_t> MessageReader::view() {
   const auto size = value<std::uint64_t>();
-  const std::uint8_t* begin = taken(size);
-  return {begin, begin + size};
+  return {taken(size), size};
+}
+
+Bytes MessageReader::bytes() {
+  const std::span<const std::uint8_t> bytes = view();
+  return {bytes.begin(), bytes.end()};
 }
 
 MessageSocket::MessageSocket(MessageSocket&& other) noexcept
@@ -97,6 +101,13 @@ MessageSocket& MessageSocket::operator=(MessageSocket&& other) noexcept {
 
 MessageSocket::~MessageSocket() {
   if (descriptor_ >= 0) ::close(descriptor_);
+}
+
+Bytes MessageSocket::framed(std::span<const std::uint8_t> message) {
+  MessageWriter framed;
+  framed.value(static_cast<Length>(message.size()));
+  framed.append(message);
+  return framed.message();
 }
 
 bool MessageSocket::send(std::span<const std::uint8_t> message) {

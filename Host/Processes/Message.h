@@ -22,6 +22,7 @@ class MessageWriter {
   void value(Value value) { append(&value, sizeof value); }
   void text(std::string_view text);
   void bytes(std::span<const std::uint8_t> bytes);
+  void append(std::span<const std::uint8_t> bytes) { append(bytes.data(), bytes.size()); }  // without their number
   const Bytes& message() const { return message_; }
 
  private:
@@ -41,6 +42,7 @@ class MessageReader {
   }
   std::string text();
   Bytes bytes();
+  std::span<const std::uint8_t> view();  // the same without a copy
   bool isAtEnd() const { return rest_.empty(); }
 
  private:
@@ -59,6 +61,8 @@ class MessageSocket {
 
   int descriptor() const { return descriptor_; }  // readable when something can be received; -1: not connected
 
+  // How a message goes through: behind its length.
+  static Bytes framed(std::span<const std::uint8_t> message);
   // False when the other end is gone.
   bool send(std::span<const std::uint8_t> message);
 

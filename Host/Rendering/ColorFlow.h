@@ -49,6 +49,7 @@ class ColorFlow {
   // frame only what is new is said.
   void meet(const std::vector<std::string>& paths, const std::vector<const PictureInfo*>& infos);
 
+  const ColorSpace& workingSpace() const { return plan_.working; }               // once begun
   bool alwaysNeedsFloat() const { return plan_.needsFloat; }                     // whatever the depth
   bool needsFloat() const { return plan_.needsFloat || isAnyInputConverted(); }  // in the current frame
 

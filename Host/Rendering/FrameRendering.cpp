@@ -32,17 +32,7 @@ FrameRendering::FrameRendering(const RenderSetup& setup)
 
 void FrameRendering::begin(const PlannedFrame& first, ClipFrames* clips, const OutputDescription& output) {
   clips_ = clips;
-  std::vector<std::string> paths;
-  std::vector<PictureInfo> infos;
-  for (std::size_t i = 0; i < inputs_.count(); ++i) {
-    paths.push_back(inputs_.fileAt(i, first));
-    const bool isClip = inputs_.kind(i) == Inputs::Kind::Clip;
-    infos.push_back(isClip ? clips->info(i).picture : readPictureInfo(paths.back()));
-  }
-  std::vector<const PictureInfo*> known;
-  known.reserve(infos.size());
-  for (const PictureInfo& info : infos) known.push_back(&info);
-  inputs_.begin(paths, known);
+  inputs_.begin(first, clips);
   if (const auto depth = inputs_.depth(); depth && setup_.alpha != OutputAlpha::Gray) {
     inputs_.colors().expectOutput(output.format(*depth), *depth, setup_.channels, output.name);
   }

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Rendering/Inputs.h"
 
+#include "Host/Clips/ClipInfo.h"
 #include "Host/Clips/ClipReader.h"
 #include "Host/Files/FileFormat.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Pixels/Alpha.h"
+#include "TarnCore/TCBitmap.h"
 
 #include <algorithm>
 #include <utility>
@@ -77,6 +79,20 @@ void Inputs::begin(const std::vector<std::string>& paths, const std::vector<cons
   hasBegun_ = true;
 }
 
+std::vector<PictureInfo> Inputs::begin(const PlannedFrame& first, ClipFrames* clips) {
+  std::vector<std::string> paths;
+  std::vector<PictureInfo> infos;
+  for (std::size_t i = 0; i < count(); ++i) {
+    paths.push_back(fileAt(i, first));
+    infos.push_back(kind(i) == Kind::Clip ? clips->info(i).picture : readPictureInfo(paths.back()));
+  }
+  std::vector<const PictureInfo*> known;
+  known.reserve(infos.size());
+  for (const PictureInfo& info : infos) known.push_back(&info);
+  begin(paths, known);
+  return infos;
+}
+
 std::string Inputs::fileAt(std::size_t input, const PlannedFrame& frame) const {
   const Source& source = sources_[input];
   return source.pattern ? source.pattern->path(frame.sources[input]) : source.path;
@@ -87,6 +103,7 @@ FilePicture Inputs::readAt(std::size_t input, const PlannedFrame& frame, ClipFra
   Source& source = sources_[input];
   source.frame.reset();
   source.bitmap = nullptr;
+  source.fileBitmap = nullptr;
   if (!source.isClip) return readPicture(fileAt(input, frame));
   if (!clips) throw Failure(ExitCode::Usage, source.path + " is a clip: this takes pictures and sequences");
   return clips->frame(input, frame.sources[input]);
@@ -130,6 +147,7 @@ InputPictures Inputs::picturesAt(const PlannedFrame& frame, ClipFrames* clips) {
     }
     source.frame = frame.sources[i];
     pictures.bitmaps.push_back(source.isMoving() ? source.bitmap : stillOf(source));
+    pictures.fileBitmaps.push_back(source.fileBitmap);
     pictures.infos.push_back(source.info);
   }
   pictures.depth = depth_.value_or(Depth::Bits8);
@@ -150,16 +168,23 @@ BitmapRef Inputs::stillOf(Source& source) const {
 }
 
 BitmapRef Inputs::bitmapOf(std::size_t index, FilePicture file, const std::string& path, SampleType working) {
+  MutableBitmapRef kept = keepsFileBitmaps_ ? file.bitmap : nullptr;
   if (MutableBitmapRef converted = colors_.toWorking(index, file, path)) {
     file.bitmap = std::move(converted);
   } else if (file.info->alpha == AlphaKind::Straight) {
     // Premultiplied in fewer bits than they are worked on in, colors would lose most of what they are under a small
     // alpha.
-    if (bytesPerSample(working) > bytesPerSample(file.info->sample)) file.bitmap = inDepth(file.bitmap, working, path);
+    if (bytesPerSample(working) > bytesPerSample(file.info->sample)) {
+      file.bitmap = inDepth(file.bitmap, working, path);
+    } else if (kept && !isOpaque(*kept)) {
+      kept = std::make_shared<VortoBitmap>(*kept);
+    }
     premultiply(*file.bitmap);
   }
-  const BitmapRef bitmap = std::move(file.bitmap);
-  return layout_ ? throughLayout(bitmap, *layout_, path) : inDepth(bitmap, working, path);
+  BitmapRef bitmap = std::move(file.bitmap);
+  bitmap = layout_ ? throughLayout(bitmap, *layout_, path) : inDepth(bitmap, working, path);
+  sources_[index].fileBitmap = kept == bitmap ? nullptr : kept;
+  return bitmap;
 }
 
 }  // namespace host

@@ -18,6 +18,8 @@ namespace host {
 // Pictures of one working depth and one color space.
 struct InputPictures {
   std::vector<BitmapRef> bitmaps;
+  // With keepFileBitmaps(): as the files have them, unconverted, alpha as the infos say; null where the bitmap is that.
+  std::vector<BitmapRef> fileBitmaps;
   std::vector<std::shared_ptr<const PictureInfo>> infos;  // what their files say
   std::vector<std::string> paths;                         // the files that they came from
   Depth depth = Depth::Bits8;                             // of what is made of them, whatever they are held in
@@ -51,6 +53,12 @@ class Inputs {
   // Without it the first pictures decide. Afterwards the pictures of a frame follow from its own files, whatever frames
   // were before. Throws Failure when colors cannot be converted.
   void begin(const std::vector<std::string>& paths, const std::vector<const PictureInfo*>& infos);
+  // The same, by the plan's first frame: what its files say, without their pixels. Throws Failure for one that cannot
+  // be read, too.
+  std::vector<PictureInfo> begin(const PlannedFrame& first, ClipFrames* clips);
+
+  // From here on pictures have their files' own bitmaps too.
+  void keepFileBitmaps() { keepsFileBitmaps_ = true; }
 
   // Whether pictures are held in floats because clips have alpha that is straight: premultiplied in the bits of a clip
   // colors would lose most of what they are under a small alpha, and neutral effects would change them.
@@ -75,6 +83,7 @@ class Inputs {
     // What was read last; of a still, all there is, as frames have it that convert nothing.
     std::optional<std::uint32_t> frame;
     BitmapRef bitmap;
+    BitmapRef fileBitmap;
     SampleType sample = SampleType::UInt8;  // that it was wanted in
     BitmapRef stillAsFloat;                 // once a frame has needed it
     std::shared_ptr<const PictureInfo> info;
@@ -89,6 +98,7 @@ class Inputs {
 
   std::vector<Source> sources_;
   bool hasBegun_ = false;
+  bool keepsFileBitmaps_ = false;
   bool areHeldWider_ = false;
   std::optional<Depth> depth_;
   std::optional<Layout> layout_;
