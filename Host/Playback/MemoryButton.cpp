@@ -7,11 +7,15 @@
 #include <QActionGroup>
 #include <QLocale>
 #include <QMenu>
+#include <QPolygonF>
+#include <QStyleOptionToolButton>
+#include <QStylePainter>
 #include <cmath>
 
 namespace host {
 namespace {
 
+constexpr int kChevronPlace = 10;  // points for the arrow
 constexpr double kGigabyte = 1024.0 * 1024 * 1024;
 
 // To a tenth, without one that is 0.
@@ -40,7 +44,7 @@ MemoryButton::MemoryButton(Player& player, const QList<QAction*>& more, QWidget*
   addBudget(windowText("A quarter of all (%1 GB)").arg(gigabytes(usual)), usual);
   constexpr std::uint64_t gigabyte = 1ull << 30;
   for (std::uint64_t size = 1; size <= 256 && size * gigabyte < usual * 4; size *= 2) {
-    addBudget(QStringLiteral("%1 GB").arg(size), size * gigabyte);
+    addBudget(windowText("%1 GB").arg(size), size * gigabyte);
   }
   menu->addSeparator();
   menu->addActions(more);
@@ -52,7 +56,10 @@ void MemoryButton::addBudget(const QString& text, std::uint64_t bytes) {
   QAction* action = menu()->addAction(text);
   action->setCheckable(true);
   action->setData(QVariant::fromValue<qulonglong>(bytes));
-  QObject::connect(action, &QAction::triggered, this, [this, bytes] { player_.setBudget(bytes); follow(); });
+  QObject::connect(action, &QAction::triggered, this, [this, bytes] {
+    player_.setBudget(bytes);
+    follow();
+  });
 }
 
 void MemoryButton::follow() {
@@ -62,6 +69,27 @@ void MemoryButton::follow() {
   for (QAction* action : menu()->actions()) {
     if (action->data().isValid()) action->setChecked(action->data().toULongLong() == cache.budget());
   }
+}
+
+QSize MemoryButton::sizeHint() const {
+  return QToolButton::sizeHint() + QSize(kChevronPlace, 0);
+}
+
+// With an arrow beside the text, in the place of the style's below it.
+void MemoryButton::paintEvent(QPaintEvent*) {
+  QStylePainter painter(this);
+  QStyleOptionToolButton option;
+  initStyleOption(&option);
+  option.features &= ~QStyleOptionToolButton::HasMenu;
+  option.text.clear();
+  painter.drawComplexControl(QStyle::CC_ToolButton, option);
+  const QColor ink = palette().color(QPalette::WindowText);
+  painter.setPen(ink);
+  painter.drawText(rect().adjusted(0, 0, -kChevronPlace, 0), Qt::AlignCenter, text());
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(QPen(ink, 1.3, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+  const QPointF tip(width() - kChevronPlace, height() / 2.0 + 2);
+  painter.drawPolyline(QPolygonF({tip + QPointF(-3, -3), tip, tip + QPointF(3, -3)}));
 }
 
 }  // namespace host

@@ -16,6 +16,11 @@ class MemoryButton : public QToolButton {
   // `more` follow the budgets in the menu.
   MemoryButton(Player& player, const QList<QAction*>& more, QWidget* parent = nullptr);
 
+  QSize sizeHint() const override;
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+
  private:
   void addBudget(const QString& text, std::uint64_t bytes);
   void follow();

@@ -11,9 +11,8 @@ namespace host {
 PlaybackActions::PlaybackActions(Player& player, std::function<void()> typing, QObject* parent)
     : QObject(parent), player_(player) {
   play = add("Play", {}, [this] { player_.togglePlaying(); });
-  playBackward = add("Play Backward", Qt::SHIFT | Qt::Key_Space, [this] {
-    player_.isPlaying() && player_.isBackward() ? player_.pause() : player_.play(true);
-  });
+  playBackward = add("Play Backward", Qt::SHIFT | Qt::Key_Space,
+                     [this] { player_.isPlaying() && player_.isBackward() ? player_.pause() : player_.play(true); });
   addSeparator();
   addMoves(typing);
   addSeparator();

@@ -56,6 +56,7 @@ void Player::placeChanged() {
 
 void Player::show(std::uint64_t frame, const PreviewPictureRef& picture) {
   shown_ = frame;
+  seen_ = picture;
   cache_.setPlayhead(order_, place_, shown_);
   if (isPlaying_) {
     ++shownCount_;
@@ -68,7 +69,7 @@ void Player::showPosition() {
   const std::uint64_t frame = position();
   const PreviewPictureRef picture = cache_.find(frame);
   if (picture) {
-    show(frame, picture);
+    if (shown_ != frame || seen_.lock() != picture) show(frame, picture);
   } else {
     failed_.erase(frame);
     ordered_.emplace(frame, clock_());
@@ -215,7 +216,8 @@ void Player::startOver() {
   isReached_ = shown_ == place_.frame && cache_.find(place_.frame);
   passed_.clear();
   if (!isReached_) passed_.push_back(place_.frame);
-  due_ = isReached_ || mode_ == PlayMode::RealTime ? now + times_.stepSeconds(place_.frame) : now;
+  const bool waits = mode_ == PlayMode::RealTime || (isReached_ && !isUnpaced_);
+  due_ = waits ? now + times_.stepSeconds(place_.frame) : now;
 }
 
 void Player::stop() {
@@ -434,13 +436,15 @@ std::optional<std::uint64_t> Player::nextToOrder() const {
   if (!isPlaying_) order.looping = Looping::Off;
   if (!order.contains(position())) return std::nullopt;
   const std::uint64_t fitting = cache_.framesThatFit();
-  std::uint64_t most = stepsUntilOrdersCome() + order.steps();
+  std::uint64_t most = stepsUntilOrdersCome() + order.steps() + 1;
   if (fitting > 0) most = std::min(most, fitting);
   if (refused_) most = std::min(most, *refused_);
 
   std::optional<PlayPlace> place = place_;
   std::uint64_t steps = 0;
-  for (const std::uint64_t skipped = stepsUntilOrdersCome(); place && steps < skipped; ++steps) {
+  const bool isPast = isPlaying_ && (mode_ == PlayMode::RealTime ? passed_.empty() : isReached_);
+  const std::uint64_t skipped = std::max<std::uint64_t>(stepsUntilOrdersCome(), isPast ? 1 : 0);
+  for (; place && steps < skipped; ++steps) {
     place = order.next(*place);
   }
   while (place && steps < std::max<std::uint64_t>(most, 2)) {

@@ -14,6 +14,7 @@
 #include <functional>
 #include <list>
 #include <map>
+#include <memory>
 #include <optional>
 #include <utility>
 
@@ -79,6 +80,7 @@ class Player {
   // played; what played goes on afterwards.
   void beginScrubbing();
   void endScrubbing();
+  bool isScrubbing() const { return isScrubbing_; }
 
   // What is played. A point beyond the other one takes that to the end of the run.
   std::uint64_t inPoint() const { return order_.first; }
@@ -153,6 +155,7 @@ class Player {
 
   PlayPlace place_;
   std::optional<std::uint64_t> shown_;
+  std::weak_ptr<const PreviewPicture> seen_;  // the picture of it
   bool isPlaying_ = false;
   bool isScrubbing_ = false;
   bool playsAfterScrubbing_ = false;

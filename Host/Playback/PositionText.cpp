@@ -108,7 +108,8 @@ std::vector<PositionUnit> unitsOf(const PlaybackTimes& times) {
 
 QString positionText(const PlaybackTimes& times, std::uint64_t frame, PositionUnit unit) {
   if (unit == PositionUnit::Progress) {
-    return QString::number(std::floor(static_cast<double>(frame * 100) / static_cast<double>(times.last())) / 100, 'f', 2);
+    return QString::number(std::floor(static_cast<double>(frame * 100) / static_cast<double>(times.last())) / 100, 'f',
+                           2);
   }
   if (unit == PositionUnit::Seconds) return QString::number(times.seconds(frame), 'f', 2);
   if (unit == PositionUnit::TimeCode && times.firstTimeCode()) {

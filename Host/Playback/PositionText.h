@@ -14,7 +14,8 @@ namespace host {
 // others.
 enum class PositionUnit { Frames, TimeCode, Seconds, Progress };
 
-std::vector<PositionUnit> unitsOf(const PlaybackTimes& times);  // that a run can be counted in; the first is the usual one
+std::vector<PositionUnit> unitsOf(
+    const PlaybackTimes& times);  // that a run can be counted in; the first is the usual one
 
 // "101", "01:00:04:05", "4.20", "0.42".
 QString positionText(const PlaybackTimes& times, std::uint64_t frame, PositionUnit unit);
@@ -26,8 +27,8 @@ QString positionText(const PlaybackTimes& times, std::uint64_t frame, PositionUn
 std::optional<std::uint64_t> parsedPosition(const QString& text, const PlaybackTimes& times, std::uint64_t present,
                                             PositionUnit unit);
 
-// How many frames lie between midnight and the first one of a second of the day, as the time codes of the run count them;
-// 0 where it has none.
+// How many frames lie between midnight and the first one of a second of the day, as the time codes of the run count
+// them; 0 where it has none.
 std::uint64_t framesUntilClock(const PlaybackTimes& times, std::uint64_t second);
 
 }  // namespace host

@@ -21,7 +21,10 @@ namespace host {
 namespace {
 
 constexpr int kRowHeight = 40;
-constexpr int kLeastWidth = 320;
+constexpr int kLeastWidth = 260;
+constexpr int kLeftMargin = 12;
+constexpr int kRightMargin = 16;
+constexpr int kGap = 12;
 
 // To a hundredth for rates as "29.97", without zeros.
 QString rateText(double rate, int decimals) {
@@ -49,7 +52,8 @@ QString unitName(PositionUnit unit) {
 TimelineBar::TimelineBar(Player& player, QWidget* parent)
     : QWidget(parent),
       player_(player),
-      actions_(new PlaybackActions(player, [this] { field_->startTyping(); }, this)),
+      actions_(new PlaybackActions(
+          player, [this] { field_->startTyping(); }, this)),
       strip_(new TimelineStrip(player, this)),
       controls_(new QWidget(this)),
       picture_(new QLabel(this)) {
@@ -62,8 +66,8 @@ TimelineBar::TimelineBar(Player& player, QWidget* parent)
   inner->setSpacing(2);
   addControls(inner);
   auto* row = new QHBoxLayout;
-  row->setContentsMargins(12, 0, 16, 0);
-  row->setSpacing(12);
+  row->setContentsMargins(kLeftMargin, 0, kRightMargin, 0);
+  row->setSpacing(kGap);
   row->addWidget(controls_, 1);
   row->addStretch(0);
   row->addWidget(picture_);
@@ -104,11 +108,11 @@ QToolButton* TimelineBar::addTextButton(const QString& name) {
 }
 
 void TimelineBar::addControls(QHBoxLayout* row) {
-  addButton(actions_->goToIn, static_cast<int>(TransportGlyph::GoToIn));
+  goToIn_ = addButton(actions_->goToIn, static_cast<int>(TransportGlyph::GoToIn));
   addButton(actions_->stepBack, static_cast<int>(TransportGlyph::StepBack))->setAutoRepeat(true);
   play_ = addButton(actions_->play, static_cast<int>(TransportGlyph::Play));
   addButton(actions_->stepForward, static_cast<int>(TransportGlyph::StepForward))->setAutoRepeat(true);
-  addButton(actions_->goToOut, static_cast<int>(TransportGlyph::GoToOut));
+  goToOut_ = addButton(actions_->goToOut, static_cast<int>(TransportGlyph::GoToOut));
   row->addSpacing(10);
   field_ = new PositionField(player_, controls_);
   row->addWidget(field_);
@@ -127,6 +131,7 @@ void TimelineBar::addControls(QHBoxLayout* row) {
   figures_->setForegroundRole(QPalette::PlaceholderText);
   figures_->setAccessibleName(windowText("Rate"));
   row->addWidget(figures_);
+  row->addSpacing(kGap);
   row->addStretch(1);
   memory_ = new MemoryButton(player_, {actions_->readAhead, actions_->emptyCache}, controls_);
   row->addWidget(memory_);
@@ -185,7 +190,10 @@ void TimelineBar::follow() {
   const bool isAround = player_.looping() == Looping::Around;
   const bool isOnce = player_.looping() == Looping::Off;
   loop_->setGlyph(isAround ? TransportGlyph::Around : isOnce ? TransportGlyph::Once : TransportGlyph::BackAndForth);
-  loop_->setTexts((isAround ? actions_->loopAround : isOnce ? actions_->loopOff : actions_->loopBackAndForth)->text(),
+  loop_->setTexts((isAround ? actions_->loopAround
+                   : isOnce ? actions_->loopOff
+                            : actions_->loopBackAndForth)
+                      ->text(),
                   {});
   mode_->setText((player_.mode() == PlayMode::RealTime ? actions_->realTime : actions_->everyFrame)->text());
   mode_->setAccessibleName(mode_->text());
@@ -208,6 +216,10 @@ void TimelineBar::showFigures() {
                ? windowText("%1 of %2 fps, %3 dropped").arg(rateText(reached, 1), wanted).arg(player_.dropped())
                : windowText("%1 of %2 fps").arg(rateText(reached, 1), wanted);
   }
+  // As wide as it may become, so that nothing moves while it plays.
+  const char* longest = player_.mode() == PlayMode::RealTime ? "%1 of %2 fps, %3 dropped" : "%1 of %2 fps";
+  const QString widest = windowText(longest).replace("%3", "000").arg(rateText(88.8, 1), wanted);
+  figures_->setMinimumWidth(figures_->fontMetrics().horizontalAdvance(widest));
   if (text == figures_->text()) return;
   figures_->setText(text);
   fit();
@@ -219,19 +231,19 @@ QSize TimelineBar::minimumSizeHint() const {
 
 // What a narrow window has no room for goes, the least important first.
 void TimelineBar::fit() {
-  QWidget* const optional[] = {unit_, figures_, memory_, info_};
   if (player_.times().count() < 2) return;
-  for (QWidget* widget : optional) widget->setVisible(widget != unit_ || !unit_->text().isEmpty());
-  const auto isTooWide = [this] {
-    controls_->layout()->invalidate();
-    controls_->layout()->activate();
-    layout()->invalidate();
-    return layout()->minimumSize().width() > width();
-  };
-  for (QWidget* widget : {static_cast<QWidget*>(memory_), static_cast<QWidget*>(unit_),
-                          static_cast<QWidget*>(figures_), info_}) {
-    if (!isTooWide()) break;
-    widget->setVisible(false);
+  const QLayout& row = *controls_->layout();
+  int needed = kLeftMargin + kRightMargin + kGap + info_->sizeHint().width();
+  for (int i = 0; i < row.count(); ++i) {
+    QWidget* widget = row.itemAt(i)->widget();
+    needed += row.spacing() + (widget ? widget->sizeHint().expandedTo(widget->minimumSize()).width()
+                                      : row.itemAt(i)->sizeHint().width());
+  }
+  for (QWidget* widget : QList<QWidget*>{memory_, unit_, figures_, info_, mode_, goToIn_, goToOut_, loop_}) {
+    const bool isEmpty = widget == unit_ && unit_->text().isEmpty();
+    const bool isLeftOut = isEmpty || needed > width();
+    if (isLeftOut) needed -= widget->sizeHint().expandedTo(widget->minimumSize()).width() + row.spacing();
+    if (widget->isHidden() != isLeftOut) widget->setVisible(!isLeftOut);
   }
 }
 

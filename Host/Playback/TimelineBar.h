@@ -57,6 +57,7 @@ class TimelineBar : public QWidget {
   PlaybackActions* actions_;
   TimelineStrip* strip_;
   QWidget* controls_;  // all that a single picture has no use for, but for the strip
+  TransportButton *goToIn_ = nullptr, *goToOut_ = nullptr;
   TransportButton* play_ = nullptr;
   TransportButton* loop_ = nullptr;
   PositionField* field_ = nullptr;

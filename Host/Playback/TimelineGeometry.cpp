@@ -12,8 +12,8 @@ namespace {
 constexpr double kSide = 16;
 constexpr double kRulerHeight = 20;
 constexpr double kBottom = 6;
-constexpr double kReach = 6;        // of the points of a range
-constexpr double kLeastMinor = 5;   // points between short marks
+constexpr double kReach = 6;       // of the points of a range
+constexpr double kLeastMinor = 5;  // points between short marks
 constexpr std::size_t kMostTicks = 4096;
 
 // The smallest of 1, 2, 5, 10, ... that is at least that much.
@@ -154,8 +154,7 @@ class TickMaker {
     const std::uint64_t start = framesSinceMidnight(*times_.firstTimeCode(), rate).value_or(0);
     const std::uint64_t framesOfDay = framesUntilClock(times_, secondsOfDay - 1) + perSecond;
     const auto frameOf = [&](std::uint64_t clock) {
-      const std::uint64_t count =
-          framesUntilClock(times_, clock % secondsOfDay) + clock / secondsOfDay * framesOfDay;
+      const std::uint64_t count = framesUntilClock(times_, clock % secondsOfDay) + clock / secondsOfDay * framesOfDay;
       return static_cast<double>(count) - static_cast<double>(start);
     };
     // Where frames are dropped the clock is ahead of that, and marks before the first frame are left out.

@@ -38,7 +38,8 @@ struct TimelineTick {
   QString label;  // empty: a short one without
 };
 
-// Marks for a ruler of so many points on which labels are so far apart at least; ascending, at round numbers of the unit.
+// Marks for a ruler of so many points on which labels are so far apart at least; ascending, at round numbers of the
+// unit.
 std::vector<TimelineTick> timelineTicks(const PlaybackTimes& times, PositionUnit unit, double width, double apart);
 
 }  // namespace host

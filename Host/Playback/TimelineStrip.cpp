@@ -15,11 +15,12 @@ namespace host {
 namespace {
 
 constexpr int kHeight = 44;
-constexpr double kLabelGap = 28;       // points between labels of the ruler, at least
-constexpr double kLineHeight = 3;      // of what is in memory
-constexpr double kHeadHalf = 5;        // of the playhead
-constexpr double kFineFrames = 1;      // frames for a point of a fine drag
-constexpr double kLeastCell = 4;       // points of a cell that is shown
+constexpr double kLabelGap = 28;   // points between labels of the ruler, at least
+constexpr double kLineHeight = 3;  // of what is in memory
+constexpr double kHeadHalf = 5;    // of the playhead
+constexpr double kHeadRises = 5;   // above the track
+constexpr double kFineFrames = 1;  // frames for a point of a fine drag
+constexpr double kLeastCell = 4;   // points of a cell that is shown
 
 QColor mixed(const QColor& a, const QColor& b, float part) {
   return QColor::fromRgbF(a.redF() + (b.redF() - a.redF()) * part, a.greenF() + (b.greenF() - a.greenF()) * part,
@@ -127,7 +128,7 @@ void TimelineStrip::changeEvent(QEvent* event) {
 
 QRectF TimelineStrip::playheadRect(std::uint64_t frame) const {
   const TimelineGeometry geometry = geometryNow();
-  const double top = geometry.rulerBottom() - 9;
+  const double top = geometry.rulerBottom() - kHeadRises;
   return {geometry.center(frame) - kHeadHalf, top, 2 * kHeadHalf, geometry.track().bottom() + 2 - top};
 }
 

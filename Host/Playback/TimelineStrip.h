@@ -60,7 +60,7 @@ class TimelineStrip : public QAbstractSlider {
   std::optional<TimelineGeometry::Part> hovered_;
   double fineFrame_ = 0;  // of a fine drag
   double lastX_ = 0;
-  int turned_ = 0;      // of the wheel, less than a notch
+  int turned_ = 0;  // of the wheel, less than a notch
   bool isFollowing_ = false;
 };
 

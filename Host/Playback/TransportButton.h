@@ -5,7 +5,18 @@
 
 namespace host {
 
-enum class TransportGlyph { Play, PlayBackward, Pause, StepBack, StepForward, GoToIn, GoToOut, Once, Around, BackAndForth };
+enum class TransportGlyph {
+  Play,
+  PlayBackward,
+  Pause,
+  StepBack,
+  StepForward,
+  GoToIn,
+  GoToOut,
+  Once,
+  Around,
+  BackAndForth
+};
 
 // A flat button with a drawn sign. Its name for screen readers is its tool tip without the key.
 class TransportButton : public QAbstractButton {
