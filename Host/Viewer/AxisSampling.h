@@ -15,8 +15,8 @@ class AxisSampling {
   AxisSampling(int first, int count, int placed, double extent, std::uint32_t pixels);
 
   struct Taps {
-    std::uint32_t first = 0;      // of the picture's pixels
-    std::uint32_t count = 0;      // 1 or more
+    std::uint32_t first = 0;         // of the picture's pixels
+    std::uint32_t count = 0;         // 1 or more
     const float* weights = nullptr;  // of sum 1
   };
   Taps taps(int device) const;

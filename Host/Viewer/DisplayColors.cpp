@@ -86,9 +86,9 @@ void DisplayColors::findWay(const ColorSpace& space, const ColorLook& look, bool
     ColorSpace light = knownSpace(KnownSpace::LinearRec709, ColorSpace::Origin::Assumed);
     if (look.display.kind == DisplayChoice::Kind::View) {
       if (isInLight && !module().findSpace("scene_linear", &light, &reason)) throw Failure(ExitCode::Input, reason);
-      fromLight_ = way(module().makeViewTransform(isInLight ? light : space, look.display.display, look.display.view,
-                                                  &reason),
-                       reason);
+      fromLight_ =
+          way(module().makeViewTransform(isInLight ? light : space, look.display.display, look.display.view, &reason),
+              reason);
       text_ = spaceText(space) + kArrow + look.display.display + " / " + look.display.view;
     } else {
       const ColorSpace screen = knownSpace(KnownSpace::SRgb, ColorSpace::Origin::Assumed);
@@ -96,7 +96,8 @@ void DisplayColors::findWay(const ColorSpace& space, const ColorLook& look, bool
       if (needsConversion(from, screen)) fromLight_ = way(module().makeTransform(from, screen, &reason), reason);
       text_ = spaceText(space) + (needsConversion(space, screen) ? kArrow + spaceText(screen) : "");
     }
-    if (isInLight && needsConversion(space, light)) toLight_ = way(module().makeTransform(space, light, &reason), reason);
+    if (isInLight && needsConversion(space, light))
+      toLight_ = way(module().makeTransform(space, light, &reason), reason);
   } catch (const Failure& failure) {
     toLight_.reset();
     fromLight_.reset();
@@ -116,9 +117,9 @@ ColorConversion* DisplayColors::conversion(const ColorSpace& space, const ColorL
   }
   if (!isSameWay || look_ != look) {
     const bool isNeutral = !toLight_ && !fromLight_ && !isInLight && look.gamma == 1;
-    conversion_ = isNeutral ? nullptr
-                            : std::make_unique<ColorConversion>(
-                                  std::make_unique<LookTransform>(toLight_, fromLight_, look));
+    conversion_ = isNeutral
+                      ? nullptr
+                      : std::make_unique<ColorConversion>(std::make_unique<LookTransform>(toLight_, fromLight_, look));
     look_ = look;
   }
   return conversion_.get();

@@ -87,8 +87,8 @@ class ShownRows {
   bool plain(std::uint32_t y) {
     const bool isRepeated = seen_ != shown_.size();
     QRgb* const target = isRepeated ? picture_.data() : shown_.data();
-    const bool isCopied = isBytes_ && (!look_.colors || look_.channels == ChannelView::Alpha) &&
-                          look_.channels != ChannelView::Luminance;
+    const bool isCopied =
+        isBytes_ && (!look_.colors || look_.channels == ChannelView::Alpha) && look_.channels != ChannelView::Luminance;
     bool isOpaque = false;
     if (isCopied) {
       isOpaque = copyRow(level_, y, columns_.begin(), seen_, look_.channels, target);

@@ -102,7 +102,8 @@ bool copyRow(const VortoBitmap& bitmap, std::uint32_t y, std::uint32_t x, std::s
   }
   const int order[] = {layout.red, layout.green, layout.blue, layout.alpha};
   const int channel = order[static_cast<std::size_t>(channels) - static_cast<std::size_t>(ChannelView::Red)];
-  for (std::size_t i = 0; i < pixels; ++i) target[i] = 0xFF000000u | source[4 * i + static_cast<std::size_t>(channel)] * 0x010101u;
+  for (std::size_t i = 0; i < pixels; ++i)
+    target[i] = 0xFF000000u | source[4 * i + static_cast<std::size_t>(channel)] * 0x010101u;
   return true;
 }
 

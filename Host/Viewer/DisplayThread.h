@@ -29,7 +29,7 @@ struct DisplayFrame {
   QImage result, before;  // null where they were not wanted, or the picture has none
   std::string shownAs;    // as DisplayColors has it
   std::string reason;
-  std::string failure;    // why there is no image; empty when all went well
+  std::string failure;  // why there is no image; empty when all went well
 };
 
 // Makes the screen's pixels on a thread of its own, the newest order first: those that were overtaken before their turn

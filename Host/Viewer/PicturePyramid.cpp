@@ -40,7 +40,8 @@ void halve(const VortoBitmap& from, VortoBitmap& to, PictureSize full, unsigned 
   const auto* source = reinterpret_cast<const From*>(from.data);
   auto* target = reinterpret_cast<To*>(to.data);
   const std::size_t row = std::size_t{4} * from.width;
-  const std::uint32_t whole = from.width / 2 - (from.width % 2 == 0 && from.width > 1 ? 1 : 0);  // pairs before the last
+  const std::uint32_t whole =
+      from.width / 2 - (from.width % 2 == 0 && from.width > 1 ? 1 : 0);  // pairs before the last
   for (std::uint32_t y = 0; y < to.height; ++y) {
     const From* const upper = source + 2 * y * row;
     const From* const lower = 2 * y + 1 < from.height ? upper + row : upper;

@@ -44,8 +44,7 @@ std::optional<BitmapPixel> pixelAt(const BitmapRef& bitmap, PictureSize size, st
     const auto middle = (static_cast<double>(at) + 0.5) * to / from;
     return std::min(static_cast<std::size_t>(middle), std::size_t{to} - 1);
   };
-  const std::size_t index =
-      along(y, size.height, bitmap->height) * bitmap->width + along(x, size.width, bitmap->width);
+  const std::size_t index = along(y, size.height, bitmap->height) * bitmap->width + along(x, size.width, bitmap->width);
   switch (TCPixelLayoutOf(bitmap->formatCode).number) {
     case VortoPixelLayout::Number::Byte:
       return BitmapPixel{samplesOf<std::uint8_t>(*bitmap, index, isStraightened), Depth::Bits8};
@@ -61,7 +60,8 @@ PixelValues valuesOf(const BitmapPixel& pixel, Channels channels, AlphaKind alph
   values.depth = pixel.depth;
   values.alpha = alpha;
   const int colors = isGray(channels) ? 1 : 3;
-  for (int c = 0; c < colors; ++c) values.samples[static_cast<std::size_t>(c)] = pixel.samples[static_cast<std::size_t>(c)];
+  for (int c = 0; c < colors; ++c)
+    values.samples[static_cast<std::size_t>(c)] = pixel.samples[static_cast<std::size_t>(c)];
   values.count = colors;
   if (hasAlpha(channels)) values.samples[static_cast<std::size_t>(values.count++)] = pixel.samples[3];
   return values;

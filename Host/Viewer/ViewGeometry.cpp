@@ -35,8 +35,8 @@ QPointF middle(const ViewArea& view) {
 
 // Of Factor and Fill.
 QRect centeredPlace(const ViewArea& view, double factor, QPointF center) {
-  const QPointF corner = middle(view) - QPointF(center.x() * view.picture.width() * factor,
-                                                center.y() * view.picture.height() * factor);
+  const QPointF corner =
+      middle(view) - QPointF(center.x() * view.picture.width() * factor, center.y() * view.picture.height() * factor);
   return {QPoint(static_cast<int>(std::lround(corner.x())), static_cast<int>(std::lround(corner.y()))),
           QSize(scaledSide(view.picture.width(), factor), scaledSide(view.picture.height(), factor))};
 }
@@ -45,7 +45,8 @@ QRect centeredPlace(const ViewArea& view, double factor, QPointF center) {
 QPointF partAt(const ViewSettings& settings, const ViewArea& view, QPointF device) {
   if (settings.zoomMode == ZoomMode::Factor) {
     const QPointF offset = (device - middle(view)) / settings.zoom;
-    return {settings.centerX + offset.x() / view.picture.width(), settings.centerY + offset.y() / view.picture.height()};
+    return {settings.centerX + offset.x() / view.picture.width(),
+            settings.centerY + offset.y() / view.picture.height()};
   }
   const QPointF point = pictureAt(placeOf(settings, view), view.picture, device);
   return {point.x() / view.picture.width(), point.y() / view.picture.height()};
@@ -119,15 +120,16 @@ ViewSettings zoomedAt(const ViewSettings& settings, const ViewArea& view, double
   const double factor = std::clamp(zoom, ViewSettings::kLeastZoom, ViewSettings::kMostZoom);
   const QPointF offset = (device - middle(view)) / factor;
   const QPointF part = partAt(settings, view, device);
-  return withCenter(settings, factor, part - QPointF(offset.x() / view.picture.width(), offset.y() / view.picture.height()));
+  return withCenter(settings, factor,
+                    part - QPointF(offset.x() / view.picture.width(), offset.y() / view.picture.height()));
 }
 
 ViewSettings panned(const ViewSettings& settings, const ViewArea& view, QPointF device) {
   if (isEmpty(view)) return settings;
   const double zoom = zoomOf(settings, view);
   return withCenter(settings, zoom,
-                    partAt(settings, view, middle(view)) - QPointF(device.x() / zoom / view.picture.width(),
-                                                       device.y() / zoom / view.picture.height()));
+                    partAt(settings, view, middle(view)) -
+                        QPointF(device.x() / zoom / view.picture.width(), device.y() / zoom / view.picture.height()));
 }
 
 double steppedZoom(double zoom, bool isUp) {

@@ -8,8 +8,8 @@
 #include <QRectF>
 
 // Where pictures lie on the screen. Device pixels count from the upper left corner of the viewer, the picture's pixels
-// from its own: pixel (3, 5) covers 3 to 4 and 5 to 6. A picture covers whole device pixels, so that at whole zooms each
-// of its pixels does too. Fit leaves `margin` device pixels on every side.
+// from its own: pixel (3, 5) covers 3 to 4 and 5 to 6. A picture covers whole device pixels, so that at whole zooms
+// each of its pixels does too. Fit leaves `margin` device pixels on every side.
 namespace host {
 
 // Where a picture of a size is shown in an area of a size, both in device pixels: in the middle; made smaller to fit,

@@ -44,8 +44,8 @@ struct ViewSettings {
   static constexpr double kMostGamma = 10;
 
   ZoomMode zoomMode = ZoomMode::Fit;
-  double zoom = 1;                       // of Factor
-  double centerX = 0.5, centerY = 0.5;   // what of the picture is in the middle, in parts of its sides; of Factor
+  double zoom = 1;                      // of Factor
+  double centerX = 0.5, centerY = 0.5;  // what of the picture is in the middle, in parts of its sides; of Factor
   CompareMode compare = CompareMode::Result;
   SplitDirection splitDirection = SplitDirection::SideBySide;
   double split = 0.5;  // where before ends, in parts of the picture's side

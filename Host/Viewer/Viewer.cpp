@@ -80,8 +80,8 @@ QPointF Viewer::deviceOf(QPointF point) const {
 
 ViewArea Viewer::area() const {
   const double ratio = devicePixelRatioF();
-  const QSize size = picture_ ? QSize(static_cast<int>(picture_->size.width), static_cast<int>(picture_->size.height))
-                              : QSize();
+  const QSize size =
+      picture_ ? QSize(static_cast<int>(picture_->size.width), static_cast<int>(picture_->size.height)) : QSize();
   return {size, QSize(static_cast<int>(width() * ratio), static_cast<int>(height() * ratio)),
           static_cast<int>(kMargin * ratio)};
 }
@@ -161,8 +161,7 @@ void Viewer::order() {
   next.place = {place, place & QRect(QPoint(), view.area)};
   next.ground = ground();
   next.channels = settings_.channels;
-  next.colors = {settings_.display, settings_.exposure, settings_.gamma,
-                 settings_.channels == ChannelView::Luminance};
+  next.colors = {settings_.display, settings_.exposure, settings_.gamma, settings_.channels == ChannelView::Luminance};
   next.wantsResult = compare != CompareMode::Before;
   next.wantsBefore = compare != CompareMode::Result;
   if (isSameView(next, ordered_)) {

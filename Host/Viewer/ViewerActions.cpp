@@ -16,8 +16,7 @@ constexpr double kPanStep = 0.1;
 constexpr double kSplitStep = 0.02;
 
 void expose(ViewSettings& settings, double stops) {
-  settings.exposure =
-      std::clamp(settings.exposure + stops, -ViewSettings::kMostExposure, ViewSettings::kMostExposure);
+  settings.exposure = std::clamp(settings.exposure + stops, -ViewSettings::kMostExposure, ViewSettings::kMostExposure);
 }
 
 void addGamma(ViewSettings& settings, double step) {
@@ -97,8 +96,9 @@ void ViewerActions::addMoves() {
   };
   for (const Move& move : {Move{"Look Left", Qt::Key_Left, -1, 0}, Move{"Look Right", Qt::Key_Right, 1, 0},
                            Move{"Look Up", Qt::Key_Up, 0, -1}, Move{"Look Down", Qt::Key_Down, 0, 1}}) {
-    add(move.text, {move.key}, [this, move] { viewer_.pan(kPanStep * move.right, kPanStep * move.down); })
-        ->setShortcutContext(Qt::WidgetShortcut);
+    add(move.text, {move.key}, [this, move] {
+      viewer_.pan(kPanStep * move.right, kPanStep * move.down);
+    })->setShortcutContext(Qt::WidgetShortcut);
   }
 }
 
@@ -120,8 +120,8 @@ void ViewerActions::addCompare() {
   addChoice(
       "Split Above and Below", {Qt::SHIFT | Qt::Key_S},
       [](ViewSettings& settings) {
-        settings.splitDirection = settings.splitDirection == SplitDirection::Stacked ? SplitDirection::SideBySide
-                                                                                     : SplitDirection::Stacked;
+        settings.splitDirection =
+            settings.splitDirection == SplitDirection::Stacked ? SplitDirection::SideBySide : SplitDirection::Stacked;
       },
       [](const ViewSettings& settings) { return settings.splitDirection == SplitDirection::Stacked; });
   const auto moveSplit = [this](const char* text, const QList<QKeySequence>& keys, double step) {
@@ -147,9 +147,7 @@ void ViewerActions::addChannels() {
     const ChannelView view = channel.channels;
     addChoice(
         channel.text, {channel.key},
-        [view](ViewSettings& settings) {
-          settings.channels = settings.channels == view ? ChannelView::Color : view;
-        },
+        [view](ViewSettings& settings) { settings.channels = settings.channels == view ? ChannelView::Color : view; },
         [view](const ViewSettings& settings) { return settings.channels == view; });
   }
 }

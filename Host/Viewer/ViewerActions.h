@@ -16,8 +16,8 @@ namespace host {
 
 class Viewer;
 
-// What can be done with a viewer, by keys and in menus. Keys with letters work in the whole window, the arrows where the
-// viewer has the keyboard.
+// What can be done with a viewer, by keys and in menus. Keys with letters work in the whole window, the arrows where
+// the viewer has the keyboard.
 class ViewerActions : public QObject {
  public:
   explicit ViewerActions(Viewer& viewer);

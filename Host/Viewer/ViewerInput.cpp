@@ -11,10 +11,10 @@
 namespace host {
 namespace {
 
-constexpr int kSplitReach = 6;             // points around the line
-constexpr double kNotchesForDouble = 4;    // of a wheel
+constexpr int kSplitReach = 6;           // points around the line
+constexpr double kNotchesForDouble = 4;  // of a wheel
 constexpr double kUnitsOfNotch = 120;
-constexpr double kNearly = 0.02;           // by so much off 1, 2, 3, ... a zoom by wheel is that
+constexpr double kNearly = 0.02;  // by so much off 1, 2, 3, ... a zoom by wheel is that
 
 // Wheels pass through whole zooms, where pixels are sharp.
 double caught(double zoom) {

@@ -140,8 +140,8 @@ void Viewer::paintSplit(QPainter& painter, const QRect& place) const {
   painter.setFont(font);
   const double gap = 8 * ratio;
   const QPointF after = isBeside ? QPointF(line + gap, seen.top() + gap) : QPointF(seen.left() + gap, line + gap);
-  const QPointF before = isBeside ? QPointF(line - gap, seen.top() + gap)
-                                  : QPointF(seen.left() + gap, line - gap - 20 * ratio);
+  const QPointF before =
+      isBeside ? QPointF(line - gap, seen.top() + gap) : QPointF(seen.left() + gap, line - gap - 20 * ratio);
   painter.save();
   painter.setClipRect(seen);
   paintTag(painter, windowText("Before"), before, isBeside, ratio);

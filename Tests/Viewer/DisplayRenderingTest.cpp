@@ -129,8 +129,8 @@ Difference differenceOf(const QImage& a, const QImage& b) {
     for (int x = 0; x < a.width(); ++x) {
       const QRgb p = a.pixel(x, y);
       const QRgb q = b.pixel(x, y);
-      const int off = std::max({std::abs(qRed(p) - qRed(q)), std::abs(qGreen(p) - qGreen(q)),
-                                std::abs(qBlue(p) - qBlue(q))});
+      const int off =
+          std::max({std::abs(qRed(p) - qRed(q)), std::abs(qGreen(p) - qGreen(q)), std::abs(qBlue(p) - qBlue(q))});
       difference.most = std::max(difference.most, off);
       difference.part += off != 0 ? 1.0 / a.width() / a.height() : 0;
     }
@@ -140,8 +140,8 @@ Difference differenceOf(const QImage& a, const QImage& b) {
 
 QImage shown(const host::BitmapRef& bitmap, const DisplayPlace& place, const Case& wanted = {}) {
   static host::DisplayColors colors(host::newColorModule(""));
-  const ColorSpace space = host::knownSpace(wanted.isLinear ? KnownSpace::LinearRec709 : KnownSpace::SRgb,
-                                            ColorSpace::Origin::Told);
+  const ColorSpace space =
+      host::knownSpace(wanted.isLinear ? KnownSpace::LinearRec709 : KnownSpace::SRgb, ColorSpace::Origin::Told);
   const ColorLook look{{}, wanted.exposure, wanted.gamma, wanted.channels == ChannelView::Luminance};
   PicturePyramid pyramid(bitmap);
   return displayImage(pyramid, place, kCheckers, wanted.channels, colors.conversion(space, look));
@@ -156,9 +156,9 @@ TEST(DisplayImage, RoundsAndCuts) {
     PicturePyramid pyramid(bitmap);
     return displayImage(pyramid, {all, all}, {qRgb(0, 0, 0), qRgb(0, 0, 0), 1}, ChannelView::Color, nullptr);
   };
-  const QImage floats = bytes(newBitmap<float>(
-      5, 1, VortoPixelFormat::RGBAFloat,
-      {0.5f, 1, 0.001f, 1, 2, -1, nan, 1, 0.25f, 0.5f, 0.75f, 0.5f, 1, 1, 1, 0, 0, 0, 0, nan}));
+  const QImage floats =
+      bytes(newBitmap<float>(5, 1, VortoPixelFormat::RGBAFloat,
+                             {0.5f, 1, 0.001f, 1, 2, -1, nan, 1, 0.25f, 0.5f, 0.75f, 0.5f, 1, 1, 1, 0, 0, 0, 0, nan}));
   const QRgb expected[] = {qRgb(128, 255, 0), qRgb(255, 0, 0), qRgb(64, 128, 128), qRgb(0, 0, 0), qRgb(0, 0, 0)};
   for (int x = 0; x < 5; ++x) EXPECT_EQ(floats.pixel(x, 0), expected[x]) << x;
   const auto words = newBitmap<std::uint16_t>(1, 1, VortoPixelFormat::RGBA16, {128, 129, 65535, 65535});
@@ -171,13 +171,13 @@ TEST(DisplayImage, RoundsAndCuts) {
 TEST(DisplayImage, WithNothingToConvertBytesAreTheRoundedSamples) {
   for (const std::uint32_t layout : kLayouts) {
     const auto bitmap = noise(61, 43, layout);
-    for (const ChannelView channels : {ChannelView::Color, ChannelView::Red, ChannelView::Green, ChannelView::Blue,
-                                       ChannelView::Alpha}) {
+    for (const ChannelView channels :
+         {ChannelView::Color, ChannelView::Red, ChannelView::Green, ChannelView::Blue, ChannelView::Alpha}) {
       for (const DisplayPlace& place : {DisplayPlace{QRect(0, 0, 61, 43), QRect(0, 0, 61, 43)},
                                         DisplayPlace{QRect(-40, 7, 183, 129), QRect(0, 7, 100, 80)}}) {
         const Case wanted{.channels = channels};
-        const Difference off = differenceOf(shown(bitmap, place, wanted),
-                                            expectedImage(*bitmap, place, kCheckers, wanted));
+        const Difference off =
+            differenceOf(shown(bitmap, place, wanted), expectedImage(*bitmap, place, kCheckers, wanted));
         EXPECT_EQ(off.most, 0) << layout << ", channels " << static_cast<int>(channels) << ", " << place.place.width();
       }
     }

@@ -130,11 +130,12 @@ TEST(ViewSettings, AreKeptAsText) {
   settings.pixelGrid = false;
   EXPECT_EQ(host::settingsFromText(host::settingsText(settings)), settings);
   EXPECT_EQ(host::settingsText({}), "");
-  EXPECT_EQ(host::settingsFromText("zoom 1e9\nexposure nan\ngamma -4\nchannels mauve\nsplit\n\nnonsense here\nzoom 2x\n"),
-            [] {
-              ViewSettings limited;
-              limited.zoom = ViewSettings::kMostZoom;
-              limited.gamma = ViewSettings::kLeastGamma;
-              return limited;
-            }());
+  EXPECT_EQ(
+      host::settingsFromText("zoom 1e9\nexposure nan\ngamma -4\nchannels mauve\nsplit\n\nnonsense here\nzoom 2x\n"),
+      [] {
+        ViewSettings limited;
+        limited.zoom = ViewSettings::kMostZoom;
+        limited.gamma = ViewSettings::kLeastGamma;
+        return limited;
+      }());
 }

@@ -58,7 +58,8 @@ inline Color colorAt(const VortoBitmap& bitmap, std::uint32_t x, std::uint32_t y
 }
 
 // Premultiplied noise, a third of it opaque, a third transparent in parts; floats go below 0 and above 1.
-inline host::MutableBitmapRef noise(std::uint32_t width, std::uint32_t height, std::uint32_t format, unsigned seed = 1) {
+inline host::MutableBitmapRef noise(std::uint32_t width, std::uint32_t height, std::uint32_t format,
+                                    unsigned seed = 1) {
   host::MutableBitmapRef bitmap = newBitmap(width, height, format);
   const VortoPixelLayout& layout = TCPixelLayoutOf(format);
   const bool isFloat = layout.number == VortoPixelLayout::Number::Float;
