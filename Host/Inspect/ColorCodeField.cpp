@@ -16,7 +16,7 @@ ColorCodeField::ColorCodeField(Changed changed, QWidget* parent) : EntryField(pa
 
 void ColorCodeField::setColor(const std::optional<Rgb>& color) {
   color_ = color;
-  show();
+  showValue();
 }
 
 QString ColorCodeField::shownText() const {

@@ -118,7 +118,7 @@ bool EntryField::isTyping() const {
   return line_->isModified();
 }
 
-void EntryField::showAnew() {
+void EntryField::showValueAnew() {
   setFault({});
   line_->setText(shownText());
   line_->setModified(false);
@@ -127,9 +127,13 @@ void EntryField::showAnew() {
   if (line_->hasFocus()) line_->selectAll();
 }
 
-void EntryField::show() {
+void EntryField::forgetTyping() {
+  if (isTyping()) showValueAnew();
+}
+
+void EntryField::showValue() {
   if (isTyping()) return;
-  if (line_->text() != shownText()) showAnew();
+  if (line_->text() != shownText()) showValueAnew();
   updateToolTip();
 }
 
@@ -154,11 +158,11 @@ bool EntryField::keep(bool goesElsewhere) {
   const QString fault = take(typed);
   if (!self) return true;
   if (fault.isEmpty()) {
-    showAnew();
+    showValueAnew();
     return true;
   }
   if (goesElsewhere) {
-    showAnew();
+    showValueAnew();
   } else {
     setFault(fault);
     line_->selectAll();
@@ -174,14 +178,16 @@ bool EntryField::eventFilter(QObject* watched, QEvent* event) {
       if (static_cast<QFocusEvent*>(event)->reason() == Qt::MouseFocusReason) break;
       QMetaObject::invokeMethod(line_, &QLineEdit::selectAll, Qt::QueuedConnection);
       break;
-    case QEvent::FocusOut:
+    case QEvent::FocusOut: {
       update();
-      if (static_cast<QFocusEvent*>(event)->reason() != Qt::PopupFocusReason) {
-        const QPointer<EntryField> self(this);
-        keep(true);
-        if (!self) return true;
-      }
+      // Back from a menu or another window people go on typing.
+      const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
+      if (reason == Qt::PopupFocusReason || reason == Qt::ActiveWindowFocusReason) break;
+      const QPointer<EntryField> self(this);
+      keep(true);
+      if (!self) return true;
       break;
+    }
     case QEvent::ShortcutOverride:
     case QEvent::KeyPress:
       if (filterKey(*event)) return true;
@@ -222,7 +228,7 @@ bool EntryField::filterKey(QEvent& event) {
     }
     case Qt::Key_Escape:
       if (!isTyping() && fault_.isEmpty()) return false;
-      showAnew();
+      showValueAnew();
       return true;
     default:
       return false;

@@ -31,6 +31,7 @@ class EntryField : public QWidget {
   QString text() const;
   const QString& fault() const { return fault_; }  // why what was typed cannot be kept; empty when nothing is wrong
   QLineEdit& line() { return *line_; }
+  void forgetTyping();  // what is being typed is for something else
 
   QSize sizeHint() const override;
   QSize minimumSizeHint() const override;
@@ -41,8 +42,8 @@ class EntryField : public QWidget {
   virtual QString shownText() const = 0;  // what is there
   virtual QString help() const;           // for the tooltip, beside the name
 
-  void show();      // shown text and tooltip, unless something is being typed
-  void showAnew();  // in any case
+  void showValue();      // shown text and tooltip, unless something is being typed
+  void showValueAnew();  // in any case
   bool isTyping() const;
   // Takes what was typed, if anything. True when nothing is left to be mended, or the field has been destroyed.
   bool keep(bool goesElsewhere = false);

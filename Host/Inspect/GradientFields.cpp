@@ -303,8 +303,19 @@ void GradientFields::chooseColor() {
   }
 }
 
+void GradientFields::forgetTyping() {
+  for (EntryField* field :
+       {static_cast<EntryField*>(code_), static_cast<EntryField*>(components_[0]),
+        static_cast<EntryField*>(components_[1]), static_cast<EntryField*>(components_[2]),
+        static_cast<EntryField*>(opacity_), static_cast<EntryField*>(position_), static_cast<EntryField*>(middle_)}) {
+    field->forgetTyping();
+  }
+}
+
 void GradientFields::refresh() {
-  const VRTChannelGradientSample* shown = sample();
+  VRTChannelGradientSample* shown = sample();
+  const bool isAnother = shown_.getChannel() != shown;
+  shown_ = VRTChannelRef(shown);
   const auto* color = colorSample();
   const auto* opacity = opacitySample();
   const VRTChannelGradient* gradient = channel();
@@ -344,6 +355,7 @@ void GradientFields::refresh() {
   middle_->setValue(shown ? std::optional(shown->middle) : std::nullopt);
   interpolation_->setEnabled(hasNext);
   interpolation_->setInterpolation(shown ? std::optional(shown->interpolation) : std::nullopt);
+  if (isAnother) forgetTyping();
 }
 
 }  // namespace host

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include "Channels/VRTChannelRef.h"
 #include "Host/Inspect/NumberField.h"
 #include "Host/Inspect/ParameterFields.h"
 #include "Host/Inspect/PortWatch.h"
@@ -46,6 +47,7 @@ class GradientFields : public ParameterFields {
   NumberField* newNumber(const char* label, const char* name, NumberField::Numbers numbers, NumberField::Told told);
   NumberField* newComponent(const char* label, const char* name, std::size_t index);
   void orderTabs();
+  void forgetTyping();
 
   VRTChannelGradient* channel() const;
   VRTChannelGradientSample* sample() const;  // the selected one; null without editor
@@ -66,6 +68,7 @@ class GradientFields : public ParameterFields {
 
   VRTGradientPort& port_;
   QPointer<VRTGradientEditor> editor_;
+  VRTChannelRef shown_{nullptr};  // the stop that the fields are about
   const EntryField::Paste paste_;
   QLabel* title_ = nullptr;
   QAbstractButton* previous_ = nullptr;

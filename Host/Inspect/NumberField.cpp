@@ -67,6 +67,7 @@ QString faultText(const ExpressionValue& value, const std::string& text) {
 
 NumberField::NumberField(QCPort& port, const Numbers& numbers, Told told, QWidget* parent)
     : EntryField(parent), port_(port), numbers_(numbers), told_(std::move(told)) {
+  setFocusPolicy(Qt::TabFocus);  // a click gives it the keyboard when it is let go, a drag does not
   setCursor(Qt::SizeHorCursor);
   line().setCursor(Qt::SizeHorCursor);
   wheelRests_.setSingleShot(true);
@@ -82,7 +83,7 @@ NumberField::~NumberField() {
 
 void NumberField::setValue(std::optional<double> value) {
   value_ = value;
-  show();
+  showValue();
 }
 
 QString NumberField::textOf(double value) const {
@@ -133,7 +134,7 @@ QString NumberField::take(const QString& typed) {
 }
 
 bool NumberField::start(By by) {
-  if (interactsBy_ == by) return true;
+  if (interactsBy_ == by && !isLost_) return true;
   const QPointer<NumberField> self(this);
   end();
   if (!self) return false;
@@ -150,9 +151,19 @@ void NumberField::end() {
   if (hasChanged_ && told_.settled) told_.settled();
   if (!self || !isInteracting()) return;
   interactsBy_ = By::Nothing;
+  isLost_ = false;
   heldKeys_.clear();
   QCPort& port = port_;
   VRTPostEndInteraction(&port);
+}
+
+void NumberField::lose() {
+  letGo();
+  if (!isInteracting() || isLost_) return;
+  isLost_ = true;
+  QTimer::singleShot(0, this, [this] {
+    if (isLost_) end();
+  });
 }
 
 void NumberField::give(double value) {
@@ -160,7 +171,7 @@ void NumberField::give(double value) {
   hasChanged_ = true;
   const QPointer<NumberField> self(this);
   told_.changed(value);
-  if (self) showAnew();
+  if (self) showValueAnew();
 }
 
 void NumberField::stepBy(double steps) {
@@ -195,10 +206,13 @@ bool NumberField::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::FocusIn:
       line().setCursor(Qt::IBeamCursor);
       break;
-    case QEvent::FocusOut: {
+    case QEvent::FocusOut:
       line().setCursor(Qt::SizeHorCursor);
+      if (interactsBy_ == By::Keys || interactsBy_ == By::Wheel) lose();
+      break;
+    case QEvent::ShortcutOverride: {
       const QPointer<NumberField> self(this);
-      if (interactsBy_ == By::Keys || interactsBy_ == By::Wheel) end();
+      if (interactsBy_ == By::Wheel) end();  // before it is undone
       if (!self) return true;
       break;
     }
@@ -289,13 +303,13 @@ void NumberField::scrubTo(QPointF global, Qt::KeyboardModifiers modifiers) {
   const double points = global.x() - lastX_;
   if (!scrubs_) {
     if (std::abs(points) < kPointsBeforeScrub) return;
-    if (isTyping()) showAnew();
+    if (isTyping()) showValueAnew();
     if (!start(By::Mouse)) return;
     scrubs_ = true;
     scrubbed_ = *value_;
     line().grabKeyboard();  // for Escape
   }
-  if (interactsBy_ != By::Mouse) return;
+  if (interactsBy_ != By::Mouse || isLost_) return;
   lastX_ = global.x();
   // Back from beyond an end the value moves at once.
   scrubbed_ = std::clamp(scrubbed_ + points * kStepsOfPoint * numbers_.step * scaleOf(modifiers),
@@ -330,15 +344,12 @@ void NumberField::putBack() {
 
 void NumberField::hideEvent(QHideEvent* event) {
   EntryField::hideEvent(event);
-  letGo();
-  end();
+  lose();
 }
 
 void NumberField::changeEvent(QEvent* event) {
   EntryField::changeEvent(event);
-  if (event->type() != QEvent::EnabledChange || isEnabled()) return;
-  letGo();
-  end();
+  if (event->type() == QEvent::EnabledChange && !isEnabled()) lose();
 }
 
 }  // namespace host

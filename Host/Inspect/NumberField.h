@@ -66,6 +66,7 @@ class NumberField : public EntryField {
 
   bool start(By by);  // false when the field has been destroyed
   void end();
+  void lose();  // ends it when the events at hand have been handled: this is no place to tell others
   void give(double value);
   void stepBy(double steps);
   bool filterMouse(const QObject& watched, const QEvent& event);
@@ -83,6 +84,7 @@ class NumberField : public EntryField {
   std::optional<double> value_;
 
   By interactsBy_ = By::Nothing;
+  bool isLost_ = false;
   bool hasChanged_ = false;
   std::optional<double> before_;  // the interaction
   std::set<int> heldKeys_;

@@ -9,6 +9,7 @@
 
 #include <QMimeData>
 #include <algorithm>
+#include <cmath>
 
 namespace host {
 namespace {
@@ -34,6 +35,12 @@ QString kindText(StateKind kind) {
       break;
   }
   return windowText("opaque data");
+}
+
+// One that was made of a byte is that byte's again, to the last digit.
+double component(double value) {
+  const double level = std::round(value * 255);
+  return std::abs(value * 255 - level) < 1e-3 ? level / 255 : value;
 }
 
 QByteArray stateBytes(const QMimeData& data) {
@@ -106,7 +113,7 @@ std::optional<Rgb> colorOfMime(const QMimeData& data) {
   }
   if (data.hasColor()) {
     const auto color = qvariant_cast<QColor>(data.colorData());
-    if (color.isValid()) return Rgb{color.redF(), color.greenF(), color.blueF()};
+    if (color.isValid()) return Rgb{component(color.redF()), component(color.greenF()), component(color.blueF())};
   }
   return data.hasText() && !data.hasUrls() ? colorOfText(data.text()) : std::nullopt;
 }

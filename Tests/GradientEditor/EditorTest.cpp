@@ -208,3 +208,26 @@ TEST(Editor, KeepsItsPortAndForgetsSamplesThatLeave) {
   delete panel.editor;
   EXPECT_TRUE(port.expired());
 }
+
+TEST(Editor, TellsOfItsSelection) {
+  GradientScene panel;
+  std::vector<const VRTChannelGradientSample*> told;
+  std::function<void()> alsoDo;
+  const auto observation = NSNotificationCenter::defaultCenter().addObserver(
+      kVRTGradientSelectionDidChange, &panel.editorPart(), [&](const NSNotification&) {
+        told.push_back(panel.selected());
+        if (alsoDo) alsoDo();
+      });
+  panel.clickSample(2);
+  EXPECT_EQ(told, std::vector<const VRTChannelGradientSample*>{panel.sample(2)});
+  panel.port->setValue(GradientScene::gradientAt({0, 0.25, 0.6, 1}));
+  ASSERT_EQ(told.size(), 2u) << "the same stop of another gradient";
+  EXPECT_EQ(told.back(), panel.sample(2));
+  { const VRTPortChange change(panel.port); }
+  EXPECT_EQ(told.size(), 2u);
+  panel.click({panel.xOf(0.1), 5});
+  EXPECT_EQ(told.back(), nullptr);
+  alsoDo = [&] { delete panel.editor; };
+  panel.clickSample(1);
+  EXPECT_EQ(panel.editor, nullptr);
+}

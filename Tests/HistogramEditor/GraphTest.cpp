@@ -3,6 +3,7 @@
 #include "HistogramEditor/VRTHistogramEditorLayout.h"
 #include "HistogramEditor/VRTHistogramGraph.h"
 #include "HistogramEditor/VRTHistogramGutterGeometry.h"
+#include "HistogramEditor/VRTHistogramReadout.h"
 
 // Geometry and pixels, without views.
 
@@ -75,6 +76,10 @@ TEST(HistogramGutterGeometry, GammaIsAPlaceBetweenBlackAndWhite) {
 TEST(HistogramEditorLayout, TracksAlign) {
   for (const NSSize size : {NSSize{218, 137}, NSSize{400, 300}, NSSize{120, 100}}) {
     const VRTHistogramEditorLayout layout(size);
+    const VRTHistogramEditorLayout both(size, true);
+    EXPECT_TRUE(NSEqualSizes(both.histogram.size, layout.histogram.size));
+    EXPECT_LT(both.popUp.origin.x + both.popUp.size.width, both.sidePopUp.origin.x);
+    EXPECT_EQ(both.sidePopUp.origin.x + both.sidePopUp.size.width, layout.popUp.origin.x + layout.popUp.size.width);
     for (const NSRect gutter : {layout.gutterIn, layout.gutterOut}) {
       const VRTHistogramGutterGeometry geometry(NSMakeRect(0, 0, gutter.size.width, gutter.size.height));
       for (const NSRect framed : {layout.histogram, layout.gradient}) {
@@ -91,6 +96,60 @@ TEST(HistogramEditorLayout, TracksAlign) {
     }
     EXPECT_EQ(top, size.height);
   }
+}
+
+// The readout says which levels a bin holds by how they are counted.
+TEST(HistogramReadout, LevelsAreThoseThatAreCountedThere) {
+  const std::pair<std::uint32_t, int> depths[] = {{8, 255}, {16, 65535}};
+  for (const auto& [bits, most] : depths) {
+    std::map<std::size_t, std::pair<int, int>> levels;
+    for (int level = 0; level <= most; ++level) {
+      const auto byte = static_cast<std::uint8_t>(level);
+      const auto word = static_cast<std::uint16_t>(level);
+      const std::uint8_t bytes[4] = {byte, byte, byte, byte};
+      const std::uint16_t words[4] = {word, word, word, word};
+      TCHistogram counted;
+      const void* pixel = bits == 8 ? static_cast<const void*>(bytes) : words;
+      ASSERT_TRUE(TCCountHistogram({pixel, sizeof words, 1, 1, bits, true}, counted));
+      const auto bin = static_cast<std::size_t>(std::find(counted.red, counted.red + 256, 1u) - counted.red);
+      levels.try_emplace(bin, level, level).first->second.second = level;
+    }
+    EXPECT_EQ(levels.rbegin()->first, VRTHistogramLastBin);
+    for (const auto& [bin, range] : levels) {
+      const QString first = QString::number(range.first), last = QString::number(range.second);
+      const QString text = VRTHistogramLevelText(bin, bits);
+      EXPECT_TRUE(text.startsWith(first == last ? first + " (" : first + QChar(0x2013) + last + " ("))
+          << text.toStdString();
+    }
+  }
+  EXPECT_EQ(VRTHistogramLevelText(51, 32), "0.200");
+  EXPECT_EQ(VRTHistogramLevelText(254, 32), QString::fromUtf8("\u2265 1.000"));
+}
+
+TEST(HistogramReadout, SharesAreOfTheChannel) {
+  TCHistogram::Counts counts = {};
+  EXPECT_EQ(VRTHistogramReadoutAt(counts, 3).share, 0) << "of nothing";
+  counts[0] = 10;
+  counts[7] = 4000000000;
+  counts[8] = 3000000000;
+  counts[254] = 70;
+  const VRTHistogramReadout readout = VRTHistogramReadoutAt(counts, 7);
+  EXPECT_EQ(readout.count, 4000000000u);
+  EXPECT_NEAR(readout.share, 4 / 7.0, 1e-6);
+  EXPECT_EQ(VRTHistogramPercentText(readout.black), "< 0.01 %") << "more than nothing";
+  const std::pair<double, const char*> texts[] = {
+      {0, "0 %"}, {0.0084, "0.84 %"}, {0.5, "50.0 %"}, {0.99951, "100 %"}, {1, "100 %"}};
+  for (const auto& [share, text] : texts) EXPECT_EQ(VRTHistogramPercentText(share), text);
+  EXPECT_EQ(VRTHistogramReadoutAt(counts, 999).bin, VRTHistogramLastBin);
+
+  for (const double width : {208.0, 256.0, 1000.0}) {
+    for (std::size_t bin = 0; bin <= VRTHistogramLastBin; ++bin) {
+      EXPECT_EQ(VRTHistogramBinOfColumn(VRTHistogramColumnOfBin(bin, width), width), bin);
+    }
+    EXPECT_EQ(VRTHistogramBinOfColumn(-5, width), 0u);
+    EXPECT_EQ(VRTHistogramBinOfColumn(width + 5, width), VRTHistogramLastBin);
+  }
+  EXPECT_EQ(VRTHistogramBinOfColumn(1, 0), VRTHistogramLastBin);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include "HistogramEditor/VRTHistogramView.h"
 #include "Tests/Support/EnglishTexts.h"
 #include "Tests/Support/LevelsScene.h"
+#include "Tests/TarnKit/Pictures.h"
 
 // The whole panel.
 
@@ -109,6 +110,135 @@ TEST_F(HistogramEditor, HoldsItsPortUntilItIsDetachedButNotItsDelegate) {
   editor->grab();
   delete editor;
   EXPECT_TRUE(port.expired());
+}
+
+TEST_F(HistogramEditor, TellsWhoeverWantsToKnowWhichChannelIsChosen) {
+  int told = 0;
+  const auto observation = NSNotificationCenter::defaultCenter().addObserver(kVRTHistogramChannelDidChange, editor,
+                                                                             [&](const NSNotification&) { ++told; });
+  choose(2);
+  EXPECT_EQ(told, 1);
+  scene.levels->setValue(nullptr);
+  choose(3);
+  EXPECT_EQ(told, 1) << "without levels nothing is chosen";
+}
+
+// Counts of a host's own: all red in one bin.
+std::shared_ptr<const TCHistogram> countsAt(std::size_t bin) {
+  auto counts = std::make_shared<TCHistogram>();
+  counts->red[bin] = 30;
+  counts->red[0] = 10;
+  return counts;
+}
+
+TEST_F(HistogramEditor, HostsMayCountThemselves) {
+  const auto* view = scene.part<VRTHistogramView>();
+  const int reads = scene.context.reads;
+  editor->setCounts(VRTHistogramSide::Input, countsAt(100));
+  scene.image->setValue(imageOf({2, 2, 3, 4}, 4, 4));
+  editor->setHistogramPort(nullptr);
+  editor->setHistogramPort(scene.levels.get());
+  EXPECT_EQ(scene.context.reads, reads) << "nobody else counts";
+  EXPECT_EQ(view->shownHistogram().red[100], 30u);
+  editor->setCounts(VRTHistogramSide::Input, nullptr);
+  EXPECT_EQ(scene.context.reads, reads + 1) << "what has come meanwhile is counted";
+  EXPECT_EQ(view->shownHistogram().red[2], 16u);
+}
+
+TEST_F(HistogramEditor, ShowsTheResultWhereThereIsOne) {
+  auto* view = scene.part<VRTHistogramView>();
+  auto* sides = dynamic_cast<NSPopUpButton*>(scene.part("sidePopUp"));
+  ASSERT_NE(sides, nullptr);
+  const int whole = popUp->width();
+  EXPECT_FALSE(sides->isVisible());
+  editor->setShownSide(VRTHistogramSide::Result);
+  EXPECT_EQ(editor->shownSide(), VRTHistogramSide::Input) << "there is none yet";
+  editor->setCounts(VRTHistogramSide::Result, countsAt(200));
+  EXPECT_TRUE(sides->isVisible());
+  EXPECT_LT(popUp->width(), whole);
+  EXPECT_EQ(sides->currentText(), "Result");
+  EXPECT_EQ(view->shownHistogram().red[200], 30u);
+
+  sides->setCurrentIndex(0);
+  emit sides->activated(0);
+  EXPECT_EQ(editor->shownSide(), VRTHistogramSide::Input);
+  const std::unique_ptr<QMenu> menu(view->menuForEvent(NSEvent()));
+  QAction* result = menu->actions().back();
+  EXPECT_EQ(result->text(), "Result");
+  result->trigger();
+  EXPECT_TRUE(editor->shownSide() == VRTHistogramSide::Result && sides->currentIndex() == 1);
+
+  editor->setCounts(VRTHistogramSide::Result, nullptr);
+  EXPECT_FALSE(sides->isVisible());
+  EXPECT_EQ(popUp->width(), whole);
+  EXPECT_EQ(view->shownHistogram().red[10], 64u);
+}
+
+TEST_F(HistogramEditor, ReadsOutWhatIsPointedAt) {
+  auto* view = scene.part<VRTHistogramView>();
+  editor->setCounts(VRTHistogramSide::Input, countsAt(128), 16);
+  const auto readoutIsShown = [&] {
+    for (const QObject* child : popUp->parentWidget()->children()) {
+      const auto* widget = qobject_cast<const QWidget*>(child);
+      if (widget && widget->testAttribute(Qt::WA_TransparentForMouseEvents)) return widget->isVisible();
+    }
+    return false;
+  };
+  const QImage before = view->grab().toImage();
+  EXPECT_EQ(view->readoutText(), "");
+  QTest::mouseMove(scene.window->windowHandle(), view->mapTo(scene.window.get(), QPoint(2 + 104, 20)));
+  EXPECT_EQ(view->readoutText(), QString::fromUtf8("32768\u201333024 (0.502), 30 = 75.0 %, Black 25.0 %, White 0 %"));
+  EXPECT_TRUE(readoutIsShown());
+  const QImage after = view->grab().toImage();
+  int changedColumns = 0;
+  for (int x = 0; x < after.width(); ++x) {
+    changedColumns += after.copy(x, 0, 1, after.height()) != before.copy(x, 0, 1, after.height());
+  }
+  EXPECT_LE(changedColumns, 2 * view->devicePixelRatioF()) << "bars are not hidden";
+  QTest::mouseMove(scene.window->windowHandle(), {1, 1});
+  EXPECT_EQ(view->readoutText(), "");
+  EXPECT_FALSE(readoutIsShown());
+
+  scene.focus(view);
+  scene.key(Qt::Key_Home);
+  EXPECT_TRUE(view->readoutText().startsWith("0"));
+  scene.key(Qt::Key_Right);
+  scene.key(Qt::Key_Right, Qt::ShiftModifier);
+  EXPECT_EQ(view->readout()->bin, 11u);
+  scene.key(Qt::Key_End);
+  scene.key(Qt::Key_Up);
+  EXPECT_EQ(view->readout()->bin, 254u);
+  EXPECT_EQ(view->accessibilityElements().at(0).description, view->readoutText());
+  view->setAccessibilityValue(0, 128.4);
+  EXPECT_EQ(view->readout()->count, 30u);
+  editor->setCounts(VRTHistogramSide::Input, countsAt(7));
+  EXPECT_EQ(view->readout()->count, 0u) << "it follows the counts";
+  scene.key(Qt::Key_Escape);
+  EXPECT_FALSE(view->readout());
+}
+
+// In the frame, beside the bitmap.
+TEST_F(HistogramEditor, LightsTheEndWhereColorsAreClipped) {
+  auto* view = scene.part<VRTHistogramView>();
+  const auto ends = [&](std::size_t black, std::size_t white) {
+    auto counts = std::make_shared<TCHistogram>();
+    counts->red[100] = counts->alpha[100] = 1000;
+    counts->red[0] = counts->alpha[0] = static_cast<std::uint32_t>(black);
+    counts->red[254] = counts->alpha[254] = static_cast<std::uint32_t>(white);
+    editor->setCounts(VRTHistogramSide::Input, counts);
+    const QImage picture = pictureOf(*view);
+    const double ratio = view->devicePixelRatioF();
+    const auto isLit = [&](int x) {
+      const QRgb color = pixelAt(picture, ratio, x, 30);
+      return qRed(color) > qBlue(color) + 40;
+    };
+    return std::pair{isLit(1), isLit(view->width() - 2)};
+  };
+  EXPECT_EQ(ends(0, 0), std::pair(false, false));
+  EXPECT_EQ(ends(1, 0), std::pair(true, false));
+  EXPECT_EQ(ends(0, 50), std::pair(false, true));
+  choose(4);
+  EXPECT_EQ(ends(50, 50), std::pair(false, false)) << "an opaque picture is not clipped";
 }
 
 }  // namespace
