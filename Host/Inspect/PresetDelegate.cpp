@@ -10,6 +10,7 @@
 #include <QLineEdit>
 #include <QPainter>
 #include <QPainterPath>
+#include <QScrollBar>
 #include <algorithm>
 #include <cmath>
 #include <numbers>
@@ -75,8 +76,14 @@ QRect PresetDelegate::starRect(const QRect& cell) {
   return {name.right() + 1 - kStarSize, name.top() + (name.height() - kStarSize) / 2, kStarSize, kStarSize};
 }
 
+// As the view counts it, which keeps the place of a scroll bar of the style's width free.
+int PresetDelegate::contentWidth() const {
+  const int bar = view_.style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, view_.verticalScrollBar());
+  return view_.maximumViewportSize().width() - bar - 1;
+}
+
 QSize PresetDelegate::sizeHint(const QStyleOptionViewItem&, const QModelIndex& index) const {
-  const int width = view_.viewport()->width() - 1;
+  const int width = contentWidth();
   if (index.data(PresetModel::kHeadingRole).toBool()) return {std::max(1, width), kHeadingHeight};
   const int columns = std::max(1, width / kNarrowestCell);
   const int height = (kind_ == StateKind::Levels ? kLevelsHeight : kGradientHeight) + kNameHeight + 2 * kGap;

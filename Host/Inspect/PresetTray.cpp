@@ -161,8 +161,8 @@ QAction* PresetTray::addTrayAction(const char* text, const QKeySequence& key, st
 void PresetTray::makeActions() {
   menu_ = new QMenu(this);
   apply_ = addTrayAction("Apply", QKeySequence(), [this] { apply(view_->currentIndex()); });
-  favorite_ = addTrayAction("Favorite", Qt::CTRL | Qt::Key_D, [this] { toggleFavorite(view_->currentIndex()); });
-  favorite_->setCheckable(true);
+  favorite_ =
+      addTrayAction("Add to Favorites", Qt::CTRL | Qt::Key_D, [this] { toggleFavorite(view_->currentIndex()); });
   rename_ = addTrayAction("Rename", QKeySequence(), [this] { view_->edit(view_->currentIndex()); });
   delete_ = addTrayAction("Delete\u2026", QKeySequence(), [this] { askToDelete(); });
   // Keys of the cells alone: in the field they edit the text.
@@ -222,7 +222,7 @@ void PresetTray::updateActions() {
   const bool isUsers = entry && entry->preset.origin == PresetOrigin::User;
   for (QAction* action : {apply_, favorite_, reveal_}) action->setEnabled(entry != nullptr);
   for (QAction* action : {rename_, delete_}) action->setEnabled(isUsers);
-  favorite_->setChecked(entry && entry->isFavorite);
+  favorite_->setText(windowText(entry && entry->isFavorite ? "Remove from Favorites" : "Add to Favorites"));
 }
 
 void PresetTray::updateFoot() {

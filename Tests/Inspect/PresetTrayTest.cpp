@@ -146,7 +146,7 @@ TEST_F(PresetTrayTest, SearchesAndFilters) {
   clickStar("Noon");
   EXPECT_TRUE(applied.empty());
   view().setCurrentIndex(named("Loose"));
-  action("Favorite").trigger();
+  action("Add to Favorites").trigger();
   part<QComboBox>().setCurrentIndex(1);
   EXPECT_EQ(shown(), "My Presets: Loose Hours: Noon");
   clickStar("Noon");
