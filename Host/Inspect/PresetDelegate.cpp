@@ -99,9 +99,9 @@ const QPixmap& PresetDelegate::picture(const QModelIndex& index, QSize points) c
                           .arg(pixels.height())
                           .arg(view_.palette().color(QPalette::Window).rgb());
   if (const QPixmap* known = pictures_.object(key)) return *known;
-  const auto& model = *static_cast<const PresetModel*>(index.model());
-  auto* drawn =
-      new QPixmap(QPixmap::fromImage(pictureOfState(kind_, model.entry(index)->state, pixels, ratio, view_.palette())));
+  const PropertyList* const state = static_cast<const PresetModel*>(index.model())->state(index);
+  auto* drawn = new QPixmap(
+      QPixmap::fromImage(pictureOfState(kind_, state ? *state : PropertyList(), pixels, ratio, view_.palette())));
   drawn->setDevicePixelRatio(ratio);
   ++drawn_;
   pictures_.insert(key, drawn);
