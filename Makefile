@@ -62,6 +62,7 @@ fuzz:
 
 install: all
 	@cmake --install build/release --prefix "$(DESTDIR)$(PREFIX)"
+	@[ -n "$(DESTDIR)" ] || scripts/refresh-desktop "$(PREFIX)"
 
 package: all
 	@scripts/install-dependencies dpkg-dev file

@@ -65,6 +65,7 @@ int InspectorStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, 
 int InspectorStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                               QStyleHintReturn* data) const {
   if (hint == SH_Slider_AbsoluteSetButtons) return Qt::LeftButton;
+  if (hint == SH_EtchDisabledText) return 0;
   return QProxyStyle::styleHint(hint, option, widget, data);
 }
 

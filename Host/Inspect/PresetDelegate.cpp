@@ -10,6 +10,7 @@
 #include <QLineEdit>
 #include <QPainter>
 #include <QPainterPath>
+#include <QScrollBar>
 #include <algorithm>
 #include <cmath>
 #include <numbers>
@@ -75,8 +76,14 @@ QRect PresetDelegate::starRect(const QRect& cell) {
   return {name.right() + 1 - kStarSize, name.top() + (name.height() - kStarSize) / 2, kStarSize, kStarSize};
 }
 
+// As the view counts it, which keeps the place of a scroll bar of the style's width free.
+int PresetDelegate::contentWidth() const {
+  const int bar = view_.style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, view_.verticalScrollBar());
+  return view_.maximumViewportSize().width() - bar - 1;
+}
+
 QSize PresetDelegate::sizeHint(const QStyleOptionViewItem&, const QModelIndex& index) const {
-  const int width = view_.viewport()->width() - 1;
+  const int width = contentWidth();
   if (index.data(PresetModel::kHeadingRole).toBool()) return {std::max(1, width), kHeadingHeight};
   const int columns = std::max(1, width / kNarrowestCell);
   const int height = (kind_ == StateKind::Levels ? kLevelsHeight : kGradientHeight) + kNameHeight + 2 * kGap;
@@ -92,9 +99,9 @@ const QPixmap& PresetDelegate::picture(const QModelIndex& index, QSize points) c
                           .arg(pixels.height())
                           .arg(view_.palette().color(QPalette::Window).rgb());
   if (const QPixmap* known = pictures_.object(key)) return *known;
-  const auto& model = *static_cast<const PresetModel*>(index.model());
-  auto* drawn =
-      new QPixmap(QPixmap::fromImage(pictureOfState(kind_, model.entry(index)->state, pixels, ratio, view_.palette())));
+  const PropertyList* const state = static_cast<const PresetModel*>(index.model())->state(index);
+  auto* drawn = new QPixmap(
+      QPixmap::fromImage(pictureOfState(kind_, state ? *state : PropertyList(), pixels, ratio, view_.palette())));
   drawn->setDevicePixelRatio(ratio);
   ++drawn_;
   pictures_.insert(key, drawn);

@@ -30,6 +30,7 @@ class PresetDelegate : public QStyledItemDelegate {
   int drawnPictures() const { return drawn_; }
 
  private:
+  int contentWidth() const;
   void paintHeading(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const;
   void paintPicture(QPainter& painter, const QRect& place, const QStyleOptionViewItem& option,
                     const QModelIndex& index) const;

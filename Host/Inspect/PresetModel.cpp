@@ -2,19 +2,26 @@
 #include "Host/Inspect/PresetModel.h"
 
 #include "Host/Inspect/WindowText.h"
+#include "Host/Presets/FavoritePresets.h"
+#include "Host/Presets/PresetReference.h"
+#include "Host/Presets/PresetSearch.h"
 #include "Host/Texts/ParameterText.h"
+
+#include <sys/stat.h>
 
 #include <QMimeData>
 #include <QUrl>
 #include <algorithm>
-#include <map>
+#include <filesystem>
 #include <memory>
+#include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 namespace host {
 
 PresetModel::PresetModel(PresetFolders folders, StateKind kind, QObject* parent)
-    : QAbstractListModel(parent), folders_(std::move(folders)), kind_(kind) {
+    : QAbstractListModel(parent), presetFolders_(std::move(folders)), kind_(kind) {
   read();
 }
 
@@ -27,34 +34,84 @@ QString PresetModel::title(const Preset& preset) {
   return isShipped ? windowText(preset.name.c_str()) : QString::fromStdString(preset.name);
 }
 
+PresetModel::Stamp PresetModel::stampOf(const std::string& path) {
+  struct stat status;
+  if (::stat(path.c_str(), &status) != 0) return {};
+  return {status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec, status.st_ino};
+}
+
 void PresetModel::read() {
   beginResetModel();
-  PresetLibrary before = std::exchange(library_, readPresets(folders_, kind_));
-  std::map<std::string, std::pair<const PropertyList*, qulonglong>> pictures;
-  for (std::size_t i = 0; i < known_.size(); ++i) {
-    pictures[before.entries[i].preset.file] = {&before.entries[i].state, known_[i].picture};
+  std::vector<Item> before = std::exchange(items_, {});
+  PresetListing listing = listPresets(presetFolders_, kind_);
+  listingFaults_ = std::move(listing.faults);
+  const FavoritePresets favorites(presetFolders_);
+  for (Preset& preset : listing.presets) {
+    Item item;
+    item.stamp = stampOf(preset.file);
+    item.isFavorite = favorites.contains(preset);
+    item.preset = std::move(preset);
+    items_.push_back(std::move(item));
   }
-  known_.clear();
-  for (const PresetEntry& entry : library_.entries) {
-    const auto last = pictures.find(entry.preset.file);
-    const bool isSame = last != pictures.end() && *last->second.first == entry.state;
-    known_.push_back({"", isSame ? last->second.second : ++pictures_});
-  }
-  know();
+  takeOver(before);
+  collect();
   arrange();
   endResetModel();
 }
 
-void PresetModel::know() {
-  collections_.clear();
-  for (std::size_t i = 0; i < library_.entries.size(); ++i) {
-    const Preset& preset = library_.entries[i].preset;
-    const QString titles = title(preset) + ' ' + collectionTitle(preset.collection);
-    known_[i].folded = foldedForSearch(preset.name + ' ' + preset.collection + ' ' + titles.toStdString());
-    if (std::ranges::find(collections_, preset.collection) == collections_.end()) {
-      collections_.push_back(preset.collection);
+// What is known of files that are still the same.
+void PresetModel::takeOver(std::vector<Item>& before) {
+  std::unordered_map<std::string, Item*> known;
+  for (Item& item : before) known.emplace(item.preset.file, &item);
+  bad_ = 0;
+  read_ = 0;
+  for (Item& item : items_) {
+    const auto last = known.find(item.preset.file);
+    if (last != known.end() && last->second->stamp == item.stamp) {
+      const bool isFavorite = item.isFavorite;
+      item = std::move(*last->second);
+      item.isFavorite = isFavorite;
+    } else {
+      const QString titles = title(item.preset) + ' ' + collectionTitle(item.preset.collection);
+      item.folded = foldedForSearch(item.preset.name + ' ' + item.preset.collection + ' ' + titles.toStdString());
+      item.number = ++numbers_;
     }
+    if (item.content == Item::Bad) ++bad_;
   }
+}
+
+void PresetModel::collect() {
+  collections_.clear();
+  std::unordered_set<std::string> seen;
+  for (const Item& item : items_) {
+    if (seen.insert(item.preset.collection).second) collections_.push_back(item.preset.collection);
+  }
+}
+
+void PresetModel::readItem(Item& item) const {
+  if (item.content != Item::Unread) return;
+  try {
+    item.state = readPreset(item.preset).state;
+    item.content = Item::Good;
+  } catch (const std::exception& error) {
+    const QString message = QString::fromUtf8(error.what()),
+                  before = "cannot read " + QString::fromStdString(item.preset.file) + ": ";
+    item.reason = (message.startsWith(before) ? message.mid(before.size()) : message).toStdString();
+    item.content = Item::Bad;
+    ++bad_;
+  }
+}
+
+bool PresetModel::readSome(std::chrono::milliseconds time) {
+  const auto end = std::chrono::steady_clock::now() + time;
+  while (read_ < items_.size() && std::chrono::steady_clock::now() < end) readItem(items_[read_++]);
+  if (read_ < items_.size()) return true;
+  if (bad_ != arrangedBad_) {
+    beginResetModel();
+    arrange();
+    endResetModel();
+  }
+  return false;
 }
 
 void PresetModel::setChoice(Choice choice) {
@@ -66,12 +123,13 @@ void PresetModel::setChoice(Choice choice) {
 
 void PresetModel::arrange() {
   const PresetSearch search(choice_.words.toStdString());
-  std::map<std::string, std::vector<std::size_t>> chosen;
-  for (std::size_t i = 0; i < library_.entries.size(); ++i) {
-    const PresetEntry& entry = library_.entries[i];
-    const bool isChosen = (!choice_.favorites || entry.isFavorite) && search.matches(known_[i].folded) &&
-                          choice_.collection.value_or(entry.preset.collection) == entry.preset.collection;
-    if (isChosen) chosen[entry.preset.collection].push_back(i);
+  std::unordered_map<std::string, std::vector<std::size_t>> chosen;
+  for (std::size_t i = 0; i < items_.size(); ++i) {
+    const Item& item = items_[i];
+    const bool isChosen = item.content != Item::Bad && (!choice_.favorites || item.isFavorite) &&
+                          choice_.collection.value_or(item.preset.collection) == item.preset.collection &&
+                          search.matches(item.folded);
+    if (isChosen) chosen[item.preset.collection].push_back(i);
   }
   rows_.clear();
   for (const std::string& collection : collections_) {
@@ -80,22 +138,70 @@ void PresetModel::arrange() {
     rows_.push_back({collection, std::nullopt});
     for (const std::size_t i : found->second) rows_.push_back({collection, i});
   }
+  arrangedBad_ = bad_;
+}
+
+std::vector<PresetFault> PresetModel::faults() const {
+  std::vector<PresetFault> faults = listingFaults_;
+  for (const Item& item : items_) {
+    if (item.content == Item::Bad) faults.push_back({item.preset.file, item.reason});
+  }
+  return faults;
 }
 
 std::size_t PresetModel::shownCount() const {
-  return static_cast<std::size_t>(std::ranges::count_if(rows_, [](const Row& row) { return row.entry.has_value(); }));
+  return static_cast<std::size_t>(std::ranges::count_if(rows_, [](const Row& row) { return row.item.has_value(); }));
 }
 
-const PresetEntry* PresetModel::entry(const QModelIndex& index) const {
+QStringList PresetModel::folders() const {
+  std::unordered_set<std::string> seen;
+  QStringList folders;
+  for (const Item& item : items_) {
+    const std::string folder = std::filesystem::path(item.preset.file).parent_path().string();
+    const bool isNew = item.preset.origin == PresetOrigin::User && seen.insert(folder).second;
+    if (isNew) folders.append(QString::fromStdString(folder));
+  }
+  return folders;
+}
+
+const PresetModel::Item* PresetModel::item(const QModelIndex& index) const {
   if (!index.isValid() || index.model() != this) return nullptr;
   const Row& row = rows_[static_cast<std::size_t>(index.row())];
-  return row.entry ? &library_.entries[*row.entry] : nullptr;
+  return row.item ? &items_[*row.item] : nullptr;
+}
+
+const Preset* PresetModel::preset(const QModelIndex& index) const {
+  const Item* const found = item(index);
+  return found ? &found->preset : nullptr;
+}
+
+const PropertyList* PresetModel::state(const QModelIndex& index) const {
+  const Item* const found = item(index);
+  if (!found) return nullptr;
+  readItem(items_[*rows_[static_cast<std::size_t>(index.row())].item]);
+  return found->content == Item::Good ? &found->state : nullptr;
+}
+
+bool PresetModel::isFavorite(const QModelIndex& index) const {
+  const Item* const found = item(index);
+  return found && found->isFavorite;
+}
+
+void PresetModel::setFavorite(const QModelIndex& index, bool isFavorite) {
+  const Item* const found = item(index);
+  if (!found) return;
+  FavoritePresets(presetFolders_).set(found->preset, isFavorite);
+  items_[*rows_[static_cast<std::size_t>(index.row())].item].isFavorite = isFavorite;
+  if (choice_.favorites) {
+    setChoice(choice_);
+  } else {
+    emit dataChanged(index, index);
+  }
 }
 
 QModelIndex PresetModel::indexOf(const Preset& preset) const {
   for (std::size_t i = 0; i < rows_.size(); ++i) {
-    const auto& entry = rows_[i].entry;
-    if (entry && library_.entries[*entry].preset.file == preset.file) return index(static_cast<int>(i));
+    if (rows_[i].item && items_[*rows_[i].item].preset.file == preset.file) return index(static_cast<int>(i));
   }
   return {};
 }
@@ -106,41 +212,40 @@ int PresetModel::rowCount(const QModelIndex& parent) const {
 
 QVariant PresetModel::data(const QModelIndex& index, int role) const {
   if (!index.isValid()) return {};
-  const Row& row = rows_[static_cast<std::size_t>(index.row())];
-  if (role == kHeadingRole) return !row.entry;
-  if (!row.entry) return role == Qt::DisplayRole ? collectionTitle(row.collection) : QVariant();
-  const PresetEntry& entry = library_.entries[*row.entry];
+  const Item* const found = item(index);
+  if (role == kHeadingRole) return !found;
+  const QString collection = collectionTitle(rows_[static_cast<std::size_t>(index.row())].collection);
+  if (!found) return role == Qt::DisplayRole ? collection : QVariant();
   switch (role) {
     case Qt::DisplayRole:
     case Qt::EditRole:
-      return title(entry.preset);
+      return title(found->preset);
     case Qt::ToolTipRole:
-      return title(entry.preset) + '\n' + QString::fromStdString(entry.preset.file);
+      return title(found->preset) + '\n' + QString::fromStdString(found->preset.file);
     case Qt::AccessibleDescriptionRole:
-      return collectionTitle(row.collection) + (entry.isFavorite ? ", " + windowText("favorite") : QString());
+      return collection + (found->isFavorite ? ", " + windowText("favorite") : QString());
     case kFavoriteRole:
-      return entry.isFavorite;
+      return found->isFavorite;
     case kPictureRole:
-      return known_[*row.entry].picture;
+      return found->number;
     default:
       return {};
   }
 }
 
 bool PresetModel::setData(const QModelIndex& index, const QVariant& value, int role) {
-  const PresetEntry* const preset = entry(index);
-  if (!preset || role != Qt::EditRole || !renamed) return false;
-  const Preset before = preset->preset;  // reading makes the entries anew
-  renamed(before, value.toString());
+  const Preset* const before = preset(index);
+  if (!before || role != Qt::EditRole || !renamed) return false;
+  renamed(Preset(*before), value.toString());  // reading makes them anew
   return true;
 }
 
 Qt::ItemFlags PresetModel::flags(const QModelIndex& index) const {
-  const PresetEntry* const preset = entry(index);
-  if (!preset) return Qt::NoItemFlags;
+  const Preset* const found = preset(index);
+  if (!found) return Qt::NoItemFlags;
   const Qt::ItemFlags flags =
       Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsDragEnabled | Qt::ItemNeverHasChildren;
-  return preset->preset.origin == PresetOrigin::User ? flags | Qt::ItemIsEditable : flags;
+  return found->origin == PresetOrigin::User ? flags | Qt::ItemIsEditable : flags;
 }
 
 QStringList PresetModel::mimeTypes() const {
@@ -148,12 +253,12 @@ QStringList PresetModel::mimeTypes() const {
 }
 
 QMimeData* PresetModel::mimeData(const QModelIndexList& indexes) const {
-  const PresetEntry* const preset = indexes.isEmpty() ? nullptr : entry(indexes.front());
-  if (!preset) return nullptr;
+  const PropertyList* const found = indexes.isEmpty() ? nullptr : state(indexes.front());
+  if (!found) return nullptr;
   auto data = std::make_unique<QMimeData>();
-  data->setUrls({QUrl::fromLocalFile(QString::fromStdString(preset->preset.file))});
+  data->setUrls({QUrl::fromLocalFile(QString::fromStdString(preset(indexes.front())->file))});
   Notes notes;
-  const auto text = textOfParameter(kind_, preset->state, TextFormat::Text, notes, nullptr);
+  const auto text = textOfParameter(kind_, *found, TextFormat::Text, notes, nullptr);
   if (text) data->setText(QString::fromStdString(*text));
   return data.release();
 }

@@ -9,7 +9,6 @@
 #include "Host/Inspect/PresetView.h"
 #include "Host/Inspect/WindowText.h"
 #include "Host/Messages/Failure.h"
-#include "Host/Presets/FavoritePresets.h"
 #include "Host/Presets/PresetLibrary.h"
 #include "Host/Presets/PresetNames.h"
 
@@ -27,10 +26,12 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QToolButton>
 #include <QUrl>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <chrono>
 #include <exception>
 #include <utility>
 
@@ -38,7 +39,8 @@ namespace host {
 namespace {
 
 constexpr int kMostFaultsTold = 6;
-constexpr int kReadingDelay = 150;  // milliseconds
+constexpr int kReadingDelay = 150;              // milliseconds
+constexpr std::chrono::milliseconds kSlice(8);  // of reading, between events
 
 enum FilterItem { kAll, kFavorites, kFirstCollection };
 
@@ -111,9 +113,11 @@ PresetTray::PresetTray(StateKind kind, Callbacks callbacks, QWidget* parent, con
   QObject::connect(view_->selectionModel(), &QItemSelectionModel::currentChanged, this, [this] { updateActions(); });
   QObject::connect(view_, &QWidget::customContextMenuRequested, this,
                    [this](const QPoint& place) { showMenu(view_->viewport()->mapToGlobal(place)); });
+  QObject::connect(&slices_, &QTimer::timeout, this, [this] { readSome(); });
   fillFilter();
   updateChoice();
   followFolders();
+  slices_.start(0);
 }
 
 PresetTray::~PresetTray() = default;
@@ -161,8 +165,8 @@ QAction* PresetTray::addTrayAction(const char* text, const QKeySequence& key, st
 void PresetTray::makeActions() {
   menu_ = new QMenu(this);
   apply_ = addTrayAction("Apply", QKeySequence(), [this] { apply(view_->currentIndex()); });
-  favorite_ = addTrayAction("Favorite", Qt::CTRL | Qt::Key_D, [this] { toggleFavorite(view_->currentIndex()); });
-  favorite_->setCheckable(true);
+  favorite_ =
+      addTrayAction("Add to Favorites", Qt::CTRL | Qt::Key_D, [this] { toggleFavorite(view_->currentIndex()); });
   rename_ = addTrayAction("Rename", QKeySequence(), [this] { view_->edit(view_->currentIndex()); });
   delete_ = addTrayAction("Delete\u2026", QKeySequence(), [this] { askToDelete(); });
   // Keys of the cells alone: in the field they edit the text.
@@ -218,28 +222,57 @@ void PresetTray::updateChoice() {
 }
 
 void PresetTray::updateActions() {
-  const PresetEntry* const entry = model_->entry(view_->currentIndex());
-  const bool isUsers = entry && entry->preset.origin == PresetOrigin::User;
-  for (QAction* action : {apply_, favorite_, reveal_}) action->setEnabled(entry != nullptr);
+  const Preset* const preset = model_->preset(view_->currentIndex());
+  const bool isUsers = preset && preset->origin == PresetOrigin::User;
+  const bool isFavorite = model_->isFavorite(view_->currentIndex());
+  for (QAction* action : {apply_, favorite_, reveal_}) action->setEnabled(preset != nullptr);
   for (QAction* action : {rename_, delete_}) action->setEnabled(isUsers);
-  favorite_->setChecked(entry && entry->isFavorite);
+  favorite_->setText(windowText(isFavorite ? "Remove from Favorites" : "Add to Favorites"));
 }
 
 void PresetTray::updateFoot() {
   const auto shown = static_cast<int>(model_->shownCount()), all = static_cast<int>(model_->presetCount());
   foot_->setText(shown == all ? windowText("%1 presets").arg(all) : windowText("%1 of %2 presets").arg(shown).arg(all));
-  faults_->setVisible(!model_->faults().empty());
-  faults_->setText(windowText("%1 unreadable").arg(static_cast<int>(model_->faults().size())));
-  faults_->setToolTip(faultText(model_->faults()));
+  const std::vector<PresetFault> faults = model_->faults();
+  faults_->setVisible(!faults.empty());
+  faults_->setText(windowText("%1 unreadable").arg(static_cast<int>(faults.size())));
+  faults_->setToolTip(faultText(faults));
 }
 
 void PresetTray::refresh() {
-  const auto kept = selected();
-  model_->read();
-  fillFilter();
-  updateChoice();
-  if (kept) select(*kept);
+  keepingView([this] {
+    model_->read();
+    fillFilter();
+  });
+  updateActions();
+  updateFoot();
   followFolders();
+  slices_.start(0);
+}
+
+// What is in the files, a few at a time.
+void PresetTray::readSome() {
+  bool isMore = false;
+  keepingView([&] { isMore = model_->readSome(kSlice); });
+  if (isMore) return;
+  slices_.stop();
+  updateFoot();
+}
+
+// What is selected and seen stays so while the model's rows change.
+void PresetTray::keepingView(const std::function<void()>& change) {
+  const auto kept = selected();
+  const int place = view_->verticalScrollBar()->value();
+  bool isReset = false;
+  const auto heard = QObject::connect(model_, &QAbstractItemModel::modelReset, [&isReset] { isReset = true; });
+  change();
+  QObject::disconnect(heard);
+  if (!isReset) return;
+  view_->doItemsLayout();
+  if (const QModelIndex index = kept ? model_->indexOf(*kept) : QModelIndex(); index.isValid()) {
+    view_->selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
+  }
+  view_->verticalScrollBar()->setValue(place);
 }
 
 void PresetTray::followFolders() {
@@ -248,24 +281,22 @@ void PresetTray::followFolders() {
     const QString path = QString::fromStdString(folder.string());
     if (!folder.empty() && QFileInfo(path).isDir() && !folders.contains(path)) folders.append(path);
   };
-  const std::filesystem::path& user = model_->folders().user;
+  const std::filesystem::path& user = model_->presetFolders().user;
   add(user);
   if (!user.empty()) add(user / presetFolderName(kind_));
-  for (const Preset& preset : listPresets({{}, user}, kind_).presets) {
-    add(std::filesystem::path(preset.file).parent_path());
-  }
+  for (const QString& folder : model_->folders()) add(folder.toStdString());
   if (const QStringList last = watcher_->directories(); !last.isEmpty()) watcher_->removePaths(last);
   if (!folders.isEmpty()) watcher_->addPaths(folders);
 }
 
 void PresetTray::showEvent(QShowEvent* event) {
   QWidget::showEvent(event);
-  if (!event->spontaneous()) reading_.start();
+  if (!event->spontaneous() && std::exchange(wasShown_, true)) reading_.start();
 }
 
 std::optional<Preset> PresetTray::selected() const {
-  const PresetEntry* const entry = model_->entry(view_->currentIndex());
-  return entry ? std::optional(entry->preset) : std::nullopt;
+  const Preset* const preset = model_->preset(view_->currentIndex());
+  return preset ? std::optional(*preset) : std::nullopt;
 }
 
 void PresetTray::select(const Preset& preset) {
@@ -285,25 +316,22 @@ void PresetTray::attempt(const std::function<void()>& change) {
 }
 
 void PresetTray::apply(const QModelIndex& index) {
-  const PresetEntry* const entry = model_->entry(index);
-  if (!entry || !callbacks_.apply) return;
-  const PropertyList state = entry->state;  // the presets may be read anew meanwhile
+  const PropertyList* const known = model_->state(index);
+  if (!known || !callbacks_.apply) return;
+  const PropertyList state = *known;  // the presets may be read anew meanwhile
   attempt([&] { callbacks_.apply(state); });
 }
 
 void PresetTray::toggleFavorite(const QModelIndex& index) {
-  const PresetEntry* const entry = model_->entry(index);
-  if (!entry) return;
-  attempt([&] {
-    FavoritePresets(model_->folders()).set(entry->preset, !entry->isFavorite);
-    refresh();
-  });
+  if (!model_->preset(index)) return;
+  attempt([&] { keepingView([&] { model_->setFavorite(index, !model_->isFavorite(index)); }); });
   updateActions();
+  updateFoot();
 }
 
 void PresetTray::rename(const Preset& preset, const QString& name) {
   attempt([&] {
-    const Preset renamed = renamePreset(model_->folders(), preset, name.toStdString());
+    const Preset renamed = renamePreset(model_->presetFolders(), preset, name.toStdString());
     refresh();
     select(renamed);
   });
@@ -321,7 +349,7 @@ void PresetTray::askToDelete() {
   question->setAttribute(Qt::WA_DeleteOnClose);
   QObject::connect(yes, &QAbstractButton::clicked, this, [this, preset = *preset] {
     attempt([&] {
-      deletePreset(model_->folders(), preset);
+      deletePreset(model_->presetFolders(), preset);
       refresh();
     });
   });
@@ -335,7 +363,7 @@ void PresetTray::saveCurrent() {
     if (!name.isEmpty()) collections.append(name);
   }
   const auto isTaken = [this](const QString& name, const QString& collection) {
-    return userPresetNamed(model_->folders(), kind_, name.toStdString(), collection.toStdString()).has_value();
+    return userPresetNamed(model_->presetFolders(), kind_, name.toStdString(), collection.toStdString()).has_value();
   };
   auto* dialog = new PresetNameDialog(
       collections,
@@ -347,8 +375,8 @@ void PresetTray::savePresentAs(const QString& name, const QString& collection) {
   attempt([&] {
     const auto state = callbacks_.present ? callbacks_.present() : std::nullopt;
     if (!state) throw Failure(ExitCode::Usage, windowText("There is nothing to save.").toStdString());
-    const Preset saved =
-        savePreset(model_->folders(), kind_, name.toStdString(), collection.toStdString(), *state, SameName::Replaced);
+    const Preset saved = savePreset(model_->presetFolders(), kind_, name.toStdString(), collection.toStdString(),
+                                    *state, SameName::Replaced);
     search_->clear();
     filter_->setCurrentIndex(kAll);
     refresh();
@@ -381,7 +409,7 @@ void PresetTray::importFiles(const QStringList& paths) {
   std::vector<std::string> files;
   for (const QString& path : paths) files.push_back(path.toStdString());
   attempt([&] {
-    importer_ = std::make_unique<PresetImporter>(model_->folders(), files);
+    importer_ = std::make_unique<PresetImporter>(model_->presetFolders(), files);
     importing_.start(0);
   });
 }

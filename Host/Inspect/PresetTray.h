@@ -67,6 +67,8 @@ class PresetTray : public QWidget {
   void fillFilter();
   void updateActions();
   void updateFoot();
+  void readSome();
+  void keepingView(const std::function<void()>& change);
   void followFolders();
 
   std::optional<Preset> selected() const;
@@ -96,8 +98,10 @@ class PresetTray : public QWidget {
   MessageBar* messages_;
   QAction *apply_, *favorite_, *rename_, *delete_, *reveal_, *save_, *importFiles_, *importFolder_;
   QFileSystemWatcher* watcher_;
-  QTimer reading_;    // coalesces what is heard of the folders
-  QTimer importing_;  // the next file, as soon as events are handled
+  bool wasShown_ = false;  // before: what changed while it was hidden is read
+  QTimer reading_;         // coalesces what is heard of the folders
+  QTimer slices_;          // the next few files, as soon as events are handled
+  QTimer importing_;       // the next file, as soon as events are handled
   std::unique_ptr<PresetImporter> importer_;
 };
 

@@ -15,8 +15,8 @@ namespace {
 // A thin bar without buttons.
 constexpr const char* kQuietScrollBar =
     "QScrollBar { background: transparent; width: 10px; margin: 0; }"
-    "QScrollBar::handle { background: palette(mid); border-radius: 3px; min-height: 24px; margin: 2px; }"
-    "QScrollBar::handle:hover { background: palette(dark); }"
+    "QScrollBar::handle { background: rgba(128, 128, 132, 110); border-radius: 3px; min-height: 24px; margin: 2px; }"
+    "QScrollBar::handle:hover { background: rgba(128, 128, 132, 190); }"
     "QScrollBar::add-line, QScrollBar::sub-line { height: 0; }"
     "QScrollBar::add-page, QScrollBar::sub-page { background: transparent; }";
 

@@ -39,7 +39,7 @@ class Walk {
     std::error_code error;
     fs::directory_iterator files(folder, error);
     for (; !error && files != fs::directory_iterator(); files.increment(error)) {
-      if (!take(files->path(), collection, depth)) return;
+      if (!take(*files, collection, depth)) return;
     }
     if (error) listing_.faults.push_back({folder.string(), error.message()});
   }
@@ -51,7 +51,8 @@ class Walk {
     return ::stat(folder.c_str(), &status) == 0 && seen_.emplace(status.st_dev, status.st_ino).second;
   }
 
-  bool take(const fs::path& path, const std::string& collection, int depth) {
+  bool take(const fs::directory_entry& entry, const std::string& collection, int depth) {
+    const fs::path& path = entry.path();
     const std::string fileName = path.filename().string();
     if (isHidden(fileName)) return true;
     if (++count_ > kMostPresets) {
@@ -60,7 +61,7 @@ class Walk {
       return false;
     }
     std::error_code error;
-    if (fs::is_directory(path, error)) {
+    if (entry.is_directory(error)) {
       const std::string name = collectionNameOfFolder(fileName);
       if (depth < kMostCollectionDepth) enter(path, collection.empty() ? name : collection + "/" + name, depth + 1);
     } else {

@@ -146,7 +146,7 @@ TEST_F(PresetTrayTest, SearchesAndFilters) {
   clickStar("Noon");
   EXPECT_TRUE(applied.empty());
   view().setCurrentIndex(named("Loose"));
-  action("Favorite").trigger();
+  action("Add to Favorites").trigger();
   part<QComboBox>().setCurrentIndex(1);
   EXPECT_EQ(shown(), "My Presets: Loose Hours: Noon");
   clickStar("Noon");
@@ -227,6 +227,11 @@ TEST_F(PresetTrayTest, DrawsWhatIsSeenOnce) {
   tray().refresh();
   tray().grab();
   EXPECT_EQ(delegate.drawnPictures(), seen);
+  view().verticalScrollBar()->setValue(1000);
+  clickStar(view().indexAt(view().viewport()->rect().center()).data().toString());
+  scratch.write("user/gradients/Many/More.gradient", "red, blue");
+  tray().refresh();
+  EXPECT_EQ(view().verticalScrollBar()->value(), 1000) << "what one looks at stays in sight";
 }
 
 TEST_F(PresetTrayTest, IsNamedForScreenReaders) {
