@@ -361,7 +361,8 @@ void addInspect(CLI::App& app, InspectOptions& options) {
   command->add_option("--depth", options.depth, "As for render")->type_name("DEPTH");
   command->add_option("--frames", options.frames, "The frames of a sequence; default: all that exist")
       ->type_name("A-B");
-  command->add_option("--rate", options.rate, "Frames per second of a sequence")->type_name("N")->default_str("25");
+  command->add_option("--rate", options.rate, "Frames per second of a sequence; default 25, or as the first clip")
+      ->type_name("N");
   command
       ->add_option("--screenshot", options.screenshot,
                    "Write a picture of the window (png, jpg, tif or exr) instead of showing it")

@@ -20,7 +20,7 @@ struct InspectOptions {
   std::optional<double> time;
   std::string depth;            // "8", "16", "half", "float", or empty for that of the inputs
   std::string frames;           // "A-B", or empty for the frames that exist
-  double rate = 25;             // frames per second
+  std::optional<double> rate;   // frames per second of sequences
   std::string screenshot;       // a picture of the window to write instead of showing it, or empty
   bool isBenchmark = false;     // print how long pictures take, instead of showing them
   std::string appearance;       // "light", "dark", or empty for the desktop's

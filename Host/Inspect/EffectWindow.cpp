@@ -16,7 +16,9 @@
 #include "Host/Inspect/WindowText.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Playback/TimelineBar.h"
+#include "Host/Viewer/ReadoutLine.h"
 #include "Host/Viewer/Viewer.h"
+#include "Host/Viewer/ViewerBar.h"
 #include "TarnCore/TCBitmap.h"
 
 #include <QApplication>
@@ -56,7 +58,8 @@ EffectWindow::EffectWindow(const InspectOptions& options, InspectorApplication& 
       inputs_(options.inputs),
       give_([this] { giveParameters(); }),
       viewer_(new Viewer(this)),
-      viewerBar_(new QWidget(this)),
+      viewerBar_(new ViewerBar(*viewer_, this)),
+      readout_(new ReadoutLine(*viewer_, this)),
       messages_(new MessageBar(this)),
       activity_(new ActivityPanel(this)),
       timeline_(new TimelineBar(player_, this)),
@@ -82,6 +85,7 @@ void EffectWindow::layOut() {
   left->setSpacing(0);
   left->addWidget(viewerBar_);
   left->addWidget(viewer_, 1);
+  left->addWidget(readout_);
   left->addWidget(messages_);
   left->addWidget(activity_);
   left->addWidget(timeline_);
@@ -188,7 +192,9 @@ void EffectWindow::listenToEngine() {
     player_.goTo(opened.start);
   };
   told.refused = [this](const PreviewFailure& failure) { showFailure(failure, true); };
-  told.pictured = [this](const PreviewPictureRef& picture) { pictured(picture); };
+  told.pictured = [this](const PreviewPictureRef& picture, const VortoHash128& fingerprint) {
+    pictured(picture, fingerprint);
+  };
   told.counted = [this](const TCHistogram& input, const TCHistogram& result) {
     const PreviewPictureRef& picture = viewer_->picture();
     column_->setCounts(input, result, picture && picture->result ? picture->result->bitsPerChannel : 8);
@@ -236,10 +242,10 @@ void EffectWindow::giveParameters() {
   player_.parametersChanged();
 }
 
-void EffectWindow::pictured(const PreviewPictureRef& picture) {
+void EffectWindow::pictured(const PreviewPictureRef& picture, const VortoHash128& fingerprint) {
   viewer_->setNotice({}, Viewer::NoticeKind::None);
   if (!player_.isPlaying()) viewer_->setPicture(picture);
-  if (picture->isFull) player_.deliver(picture->frame, engine_->fingerprint(), picture);
+  if (picture->isFull) player_.deliver(picture->frame, fingerprint, picture);
   updateInfo();
 }
 

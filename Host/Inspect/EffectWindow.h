@@ -92,7 +92,7 @@ class EffectWindow : public QMainWindow {
 
   void valueChanged();
   void giveParameters();
-  void pictured(const PreviewPictureRef& picture);
+  void pictured(const PreviewPictureRef& picture, const VortoHash128& fingerprint);
   void positionChanged();
   void showBusy(const PreviewBusy& busy);
   void showFailure(const PreviewFailure& failure, bool isRefusal);
@@ -126,6 +126,7 @@ class EffectWindow : public QMainWindow {
 
   Viewer* viewer_;
   QWidget* viewerBar_;
+  QWidget* readout_;
   MessageBar* messages_;
   ActivityPanel* activity_;
   TimelineBar* timeline_;

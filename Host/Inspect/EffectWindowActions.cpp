@@ -281,6 +281,7 @@ void EffectWindow::showFullScreenParts() {
   const bool rest = !isFullScreen();
   menuBar()->setVisible(rest);
   viewerBar_->setVisible(rest);
+  readout_->setVisible(rest);
   timeline_->setVisible(rest);
   columnPlace_->parentWidget()->setVisible(rest && own_->showInspector->isChecked());
   viewer_->setFocus();

@@ -22,7 +22,7 @@ constexpr int kMostMilliseconds = 600000;  // until the picture of a screenshot 
 
 void checkOptions(const InspectOptions& options) {
   checkTime(options.time);
-  checkRate(options.rate);
+  if (options.rate) checkRate(*options.rate);
   const bool effectOptions = !options.inputs.empty() || !options.values.empty() || !options.framing.size.empty() ||
                              options.time || !options.depth.empty() || !options.frames.empty();
   if (options.effect.empty() && effectOptions) {

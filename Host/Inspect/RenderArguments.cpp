@@ -61,7 +61,7 @@ void addInputs(QStringList& arguments, const InspectOptions& options) {
   if (options.time) add(arguments, "--time", numberText(*options.time));
   bool isSequence = false;
   for (const std::string& path : options.inputs) isSequence = isSequence || path.find('%') != std::string::npos;
-  if (isSequence || options.inputs.empty()) add(arguments, "--rate", numberText(options.rate));
+  if (options.rate && (isSequence || options.inputs.empty())) add(arguments, "--rate", numberText(*options.rate));
 }
 
 bool isPicture(const QCPatch& patch, const std::string& assignment) {
