@@ -343,15 +343,15 @@ void EffectWindow::updateInfo() {
 // Inputs and effects.
 
 void EffectWindow::chooseEffect(const std::string& name) {
-  if (!actions_->mayClose()) return;
   InspectOptions options = options_;
   options.effect = name;
   options.inputs = inputs_;
   options.values.clear();
   options.states.clear();
-  const EffectSession::KeptStates kept = session_->parameterStates();
+  states_[session_->name()] = session_->parameterStates();
+  const auto known = states_.find(name);
   try {
-    openSession(options, kept);
+    openSession(options, known == states_.end() ? session_->parameterStates() : known->second);
     messages_->clear();
   } catch (const Failure& failure) {  // before anything has changed
     messages_->show(QString::fromStdString(failure.what()));

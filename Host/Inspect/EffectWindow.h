@@ -12,6 +12,7 @@
 #include <QEventLoopLocker>
 #include <QMainWindow>
 #include <QPointer>
+#include <map>
 #include <memory>
 #include <optional>
 
@@ -51,8 +52,9 @@ class EffectWindow : public QMainWindow {
   DocumentActions& actions() { return *actions_; }
   const InspectOptions& options() const { return options_; }
 
-  // Another effect, with its first values; the inputs stay, those that it does not take too, for the next one.
-  // Parameters of the same kind and name keep their values. What cannot be is shown, and nothing changes.
+  // Another effect. The inputs stay, those that it does not take too, for the next one. It has the values that it was
+  // left with in this window; where it is new, its first ones, but for parameters of the same kind and key as the
+  // effect before has. What cannot be is shown, and nothing changes.
   void chooseEffect(const std::string& name);
   // A picture, pattern or clip in the place of an input. Those that nobody sees are kept too.
   void setInput(std::size_t input, const std::string& path);
@@ -117,6 +119,7 @@ class EffectWindow : public QMainWindow {
   InspectOptions options_;           // of the effect that is shown, with the inputs that it takes
   std::vector<std::string> inputs_;  // all that were opened, by place
   InputRoles roles_;
+  std::map<std::string, EffectSession::KeptStates> states_;  // of the effects that were left, by their names
 
   PreviewEngine* engine_ = nullptr;  // the session's; null while inputs are missing
   EngineFrames frames_{engine_};

@@ -188,13 +188,14 @@ TEST_F(EffectWindowTest, AnotherEffectKeepsInputsAndWhatItCallsTheSame) {
   EXPECT_EQ(shown(), qRgb(100, 100, 100));
   setBlackOut(1);
   EXPECT_EQ(shown(), qRgb(255, 255, 255));
-  window->actions().undoAction->trigger();
   window->chooseEffect("Dissolve");
   settle();
   window->player().goTo(1000);
   EXPECT_EQ(shown(), qRgb(200, 200, 200)) << "the second input was kept";
+  window->chooseEffect("Levels");
+  EXPECT_EQ(shown(), qRgb(255, 255, 255)) << "as it was left";
   window->chooseEffect("No Such Effect");
-  EXPECT_EQ(window->session().name(), "Dissolve");
+  EXPECT_EQ(window->session().name(), "Levels");
   EXPECT_TRUE(window->messages().isVisible());
 }
 
