@@ -3,6 +3,7 @@
 
 #include "Host/Color/ColorConversion.h"
 #include "Host/Color/ColorModule.h"
+#include "Host/Viewer/ByteLook.h"
 #include "Host/Viewer/ViewSettings.h"
 
 #include <memory>
@@ -30,8 +31,8 @@ class DisplayColors {
   // With a module of its own, for tests.
   explicit DisplayColors(std::unique_ptr<ColorModule> module) : module_(std::move(module)) {}
 
-  // Null where samples are shown as they are. It is good until the next call.
-  ColorConversion* conversion(const ColorSpace& space, const ColorLook& look);
+  // What is returned is good until the next call.
+  ColorWay way(const ColorSpace& space, const ColorLook& look);
 
   // Of the last call: "Linear Rec.709 -> sRGB" with an arrow, "sRGB", empty for values as they are; and why a picture
   // is shown as it is although another way was chosen, else empty.
@@ -44,6 +45,7 @@ class DisplayColors {
  private:
   ColorModule& module();
   void findWay(const ColorSpace& space, const ColorLook& look, bool isInLight);
+  void findBytes(const ColorSpace& space, const ColorLook& look, bool isInLight);
 
   std::unique_ptr<ColorModule> module_;
   std::optional<ColorSpace> space_;  // what the present ways are for
@@ -53,6 +55,7 @@ class DisplayColors {
   std::shared_ptr<ColorTransform> fromLight_;  // null where they are shown as they are
   std::optional<ColorLook> look_;
   std::unique_ptr<ColorConversion> conversion_;
+  std::unique_ptr<ByteLook> bytes_;
   std::string text_;
   std::string reason_;
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Viewer/DisplayRendering.h"
 
+#include "Host/Color/ColorConversion.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Viewer/AxisSampling.h"
 #include "Host/Viewer/DisplayRows.h"
@@ -28,7 +29,7 @@ unsigned levelFor(const VortoBitmap& bitmap, QSize placed) {
 // How a picture's pixels become those of the screen, apart from where they lie.
 struct PixelLook {
   ChannelView channels;
-  ColorConversion* colors;  // null for none
+  ColorWay colors;
 };
 
 // The picture's rows as the screen has them, before they are laid on a ground.
@@ -76,19 +77,45 @@ class ShownRows {
 
   bool finish(float* floats, std::size_t pixels, QRgb* target) {
     isolateChannel(look_.channels, floats, pixels);
-    if (look_.colors && look_.channels != ChannelView::Alpha) {
-      look_.colors->convert(reinterpret_cast<const std::byte*>(floats), {SampleType::Float, AlphaKind::Premultiplied},
-                            floats, pixels);
-    }
+    if (!look_.colors.exact || look_.channels == ChannelView::Alpha) return roundRow(floats, pixels, target);
+    if (look_.colors.bytes) return finishQuickly(floats, pixels, target);
+    convert(floats, pixels);
     return roundRow(floats, pixels, target);
+  }
+
+  void convert(float* floats, std::size_t pixels) const {
+    look_.colors.exact->convert(reinterpret_cast<const std::byte*>(floats),
+                                {SampleType::Float, AlphaKind::Premultiplied}, floats, pixels);
+  }
+
+  // Opaque pixels by the table; what is there of the others is gathered and converted.
+  bool finishQuickly(const float* floats, std::size_t pixels, QRgb* target) {
+    const ByteLook& bytes = *look_.colors.bytes;
+    others_.clear();
+    places_.clear();
+    for (std::size_t i = 0; i < pixels; ++i) {
+      const float* const pixel = floats + 4 * i;
+      if (pixel[3] == 1) {
+        target[i] = bytes(pixel);
+      } else {
+        others_.insert(others_.end(), pixel, pixel + 4);
+        places_.push_back(i);
+      }
+    }
+    if (places_.empty()) return true;
+    rounded_.resize(places_.size());
+    convert(others_.data(), places_.size());
+    const bool isOpaque = roundRow(others_.data(), places_.size(), rounded_.data());
+    for (std::size_t i = 0; i < places_.size(); ++i) target[places_[i]] = rounded_[i];
+    return isOpaque;
   }
 
   // Pixels that are shown whole: each is made once, and repeated.
   bool plain(std::uint32_t y) {
     const bool isRepeated = seen_ != shown_.size();
     QRgb* const target = isRepeated ? picture_.data() : shown_.data();
-    const bool isCopied =
-        isBytes_ && (!look_.colors || look_.channels == ChannelView::Alpha) && look_.channels != ChannelView::Luminance;
+    const bool isCopied = isBytes_ && (!look_.colors.exact || look_.channels == ChannelView::Alpha) &&
+                          look_.channels != ChannelView::Luminance;
     bool isOpaque = false;
     if (isCopied) {
       isOpaque = copyRow(level_, y, columns_.begin(), seen_, look_.channels, target);
@@ -149,35 +176,39 @@ class ShownRows {
   std::vector<QRgb> picture_;
   std::vector<float> floats_;
   std::vector<float> sums_;
+  std::vector<float> others_;        // pixels that are not opaque
+  std::vector<std::size_t> places_;  // where they belong
+  std::vector<QRgb> rounded_;
   std::array<LoadedRow, 4> loaded_;
   std::int64_t present_ = -1;
   bool isOpaque_ = false;
 };
 
-// color + ground x (1 - alpha), rounded; both in all four bytes.
+// color + ground x (1 - alpha), rounded, red and blue at once; opaque.
 QRgb laidOver(QRgb color, QRgb ground) {
   const unsigned rest = 255 - qAlpha(color);
-  QRgb result = 0xFF000000u;
-  for (const int shift : {0, 8, 16}) {
-    const unsigned behind = ((ground >> shift & 0xFF) * rest + 127) / 255;
-    result |= ((color >> shift & 0xFF) + behind) << shift;
-  }
-  return result;
+  const auto behind = [rest](unsigned pair) {
+    const unsigned product = pair * rest + 0x800080u;
+    return ((product + (product >> 8 & 0xFF00FFu)) >> 8) & 0xFF00FFu;
+  };
+  return 0xFF000000u | ((color & 0xFFFFFFu) + behind(ground & 0xFF00FFu) + (behind(ground >> 8 & 0xFFu) << 8));
 }
 
 // A row on the ground; `x` and `y` count from the picture's corner.
 void layRow(const QRgb* row, int pixels, const DisplayGround& ground, int x, int y, QRgb* target) {
   const int cell = std::max(1, ground.cell);
-  for (int i = 0; i < pixels; ++i) {
-    const bool isDark = ((x + i) / cell + y / cell) % 2 != 0;
-    target[i] = row[i] >> 24 == 255 ? row[i] : laidOver(row[i], isDark ? ground.dark : ground.light);
+  const bool isSwapped = y / cell % 2 != 0;
+  for (int i = 0; i < pixels;) {
+    const int end = std::min(pixels, i + cell - (x + i) % cell);
+    const QRgb behind = ((x + i) / cell % 2 != 0) != isSwapped ? ground.dark : ground.light;
+    for (; i < end; ++i) target[i] = laidOver(row[i], behind);
   }
 }
 
 }  // namespace
 
 QImage displayImage(PicturePyramid& pyramid, const DisplayPlace& place, const DisplayGround& ground,
-                    ChannelView channels, ColorConversion* colors) {
+                    ChannelView channels, const ColorWay& colors) {
   const VortoBitmap& bitmap = *pyramid.bitmap();
   if (place.visible.isEmpty() || !bitmap.data || !TCPixelLayoutOf(bitmap.formatCode).isExchanged) return {};
   QImage image(place.visible.size(), QImage::Format_RGB32);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include "Host/Color/ColorConversion.h"
+#include "Host/Viewer/ByteLook.h"
 #include "Host/Viewer/PicturePyramid.h"
 #include "Host/Viewer/ViewSettings.h"
 
@@ -29,8 +29,8 @@ struct DisplayPlace {
 // A picture as the screen shows it: opaque pixels of the size of `place.visible`. A bitmap of another size than the
 // place is sampled by areas (AxisSampling), from a level of the pyramid where it is much larger. Where nothing is to be
 // converted, samples are rounded to the nearest of 8 bits; values outside 0 to 1 are cut, and colors above their alpha
-// to it. `colors` are those of the view, or null. Throws Failure when memory runs out.
+// to it. `colors` have been made for the view. Throws Failure when memory runs out.
 QImage displayImage(PicturePyramid& pyramid, const DisplayPlace& place, const DisplayGround& ground,
-                    ChannelView channels, ColorConversion* colors);
+                    ChannelView channels, const ColorWay& colors);
 
 }  // namespace host

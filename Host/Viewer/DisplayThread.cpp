@@ -34,7 +34,7 @@ class Workshop {
   void make(DisplayFrame& frame) {
     const DisplayOrder& order = frame.order;
     try {
-      ColorConversion* const colors = colors_.conversion(order.picture->space, order.colors);
+      const ColorWay colors = colors_.way(order.picture->space, order.colors);
       frame.shownAs = colors_.text();
       frame.reason = colors_.reason();
       if (order.wantsResult) frame.result = image(order, order.picture->result, colors);
@@ -47,7 +47,7 @@ class Workshop {
   std::vector<DisplayView> views() { return colors_.views(); }
 
  private:
-  QImage image(const DisplayOrder& order, const BitmapRef& bitmap, ColorConversion* colors) {
+  QImage image(const DisplayOrder& order, const BitmapRef& bitmap, const ColorWay& colors) {
     if (!bitmap) return {};
     return displayImage(pyramids_.of(bitmap), order.place, order.ground, order.channels, colors);
   }

@@ -146,7 +146,8 @@ void ReadoutLine::paintEvent(QPaintEvent*) {
                         QStringLiteral("%1, %2").arg(readout_->x).arg(readout_->y);
   painter.setPen(palette().color(QPalette::WindowText));
   painter.drawText(QRectF(kSide, 0, width(), height()), Qt::AlignLeft | Qt::AlignVCenter, place);
-  double x = kSide + std::max(metrics.horizontalAdvance(place), metrics.horizontalAdvance(QStringLiteral("0000, 0000"))) +
+  double x = kSide +
+             std::max(metrics.horizontalAdvance(place), metrics.horizontalAdvance(QStringLiteral("0000, 0000"))) +
              2 * kGap;
   if (readout_->before) x = paintValues(painter, x, windowText("Before"), *readout_->before);
   if (readout_->after) paintValues(painter, x, windowText("Result"), *readout_->after);

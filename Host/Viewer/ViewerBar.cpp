@@ -183,12 +183,11 @@ void ViewerBar::addChannels(QHBoxLayout& row) {
     ChannelView channels;
     QColor color;
   };
-  for (const Channel& channel : {Channel{"Color", "RGB", ChannelView::Color, {}},
-                                 Channel{"Red", "R", ChannelView::Red, QColor(224, 60, 60)},
-                                 Channel{"Green", "G", ChannelView::Green, QColor(40, 165, 70)},
-                                 Channel{"Blue", "B", ChannelView::Blue, QColor(70, 120, 235)},
-                                 Channel{"Alpha", "A", ChannelView::Alpha, {}},
-                                 Channel{"Luminance", "L", ChannelView::Luminance, {}}}) {
+  for (const Channel& channel :
+       {Channel{"Color", "RGB", ChannelView::Color, {}}, Channel{"Red", "R", ChannelView::Red, QColor(224, 60, 60)},
+        Channel{"Green", "G", ChannelView::Green, QColor(40, 165, 70)},
+        Channel{"Blue", "B", ChannelView::Blue, QColor(70, 120, 235)}, Channel{"Alpha", "A", ChannelView::Alpha, {}},
+        Channel{"Luminance", "L", ChannelView::Luminance, {}}}) {
     const ChannelView view = channel.channels;
     BarButton* button = addSegment(
         row, channel.name, [view](ViewSettings& settings) { settings.channels = view; },

@@ -144,7 +144,7 @@ QImage shown(const host::BitmapRef& bitmap, const DisplayPlace& place, const Cas
       host::knownSpace(wanted.isLinear ? KnownSpace::LinearRec709 : KnownSpace::SRgb, ColorSpace::Origin::Told);
   const ColorLook look{{}, wanted.exposure, wanted.gamma, wanted.channels == ChannelView::Luminance};
   PicturePyramid pyramid(bitmap);
-  return displayImage(pyramid, place, kCheckers, wanted.channels, colors.conversion(space, look));
+  return displayImage(pyramid, place, kCheckers, wanted.channels, colors.way(space, look));
 }
 
 }  // namespace
@@ -154,7 +154,7 @@ TEST(DisplayImage, RoundsAndCuts) {
   const auto bytes = [](const host::BitmapRef& bitmap) {
     const QRect all(0, 0, static_cast<int>(bitmap->width), static_cast<int>(bitmap->height));
     PicturePyramid pyramid(bitmap);
-    return displayImage(pyramid, {all, all}, {qRgb(0, 0, 0), qRgb(0, 0, 0), 1}, ChannelView::Color, nullptr);
+    return displayImage(pyramid, {all, all}, {qRgb(0, 0, 0), qRgb(0, 0, 0), 1}, ChannelView::Color, {});
   };
   const QImage floats =
       bytes(newBitmap<float>(5, 1, VortoPixelFormat::RGBAFloat,
