@@ -54,6 +54,7 @@ class PreviewEngine : public QObject {
     std::function<void(const PreviewPictureRef& picture, const VortoHash128& fingerprint)> pictured = {};
     // Of the last full picture: its first input (zeros of generators), and itself.
     std::function<void(const TCHistogram& input, const TCHistogram& result)> counted = {};
+    // Not once more for the next states that fail in the same way.
     std::function<void(const PreviewFailure& failure)> failed = {};
     std::function<void(const PreviewBusy& busy)> busyChanged = {};
     // Of orderAhead(), in the state of that fingerprint.

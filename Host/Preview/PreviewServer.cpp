@@ -8,6 +8,7 @@
 #include "Host/Preview/PreviewMessages.h"
 #include "Host/Processes/ChildProcess.h"
 #include "Host/Rendering/Effects.h"
+#include "Host/Rendering/ExecutionContext.h"
 #include "Host/Rendering/Parameters.h"
 #include "Platform/QuartzComposer/QCPatch.h"
 #include "Ports/VRTImage.h"
@@ -42,14 +43,16 @@ Framing framingOfEffect(const PreviewHello& hello) {
   return framing;
 }
 
-bool count(const VortoBitmap& bitmap, TCHistogram* histogram) {
+// Its pixels as effects see them.
+void count(const BitmapRef& bitmap, TCHistogram* histogram) {
+  ExecutionContext context;
+  const VRTImage flowing(bitmap);
   TCHistogramImage image;
-  image.baseAddress = bitmap.data;
-  image.bytesPerRow = bytesPerRow(bitmap);
-  image.pixelsWide = bitmap.width;
-  image.pixelsHigh = bitmap.height;
-  image.bitsPerChannel = bitmap.bitsPerChannel;
-  return TCCountHistogram(image, *histogram);
+  context.getPixelsFromImage(flowing, &image.baseAddress, &image.bytesPerRow);
+  image.pixelsWide = bitmap->width;
+  image.pixelsHigh = bitmap->height;
+  image.bitsPerChannel = bitmap->bitsPerChannel;
+  TCCountHistogram(image, *histogram);
 }
 
 class PreviewServer {
@@ -226,8 +229,8 @@ void PreviewServer::carryOut(const CountOrder& order) {
     PreviewCounts counts;
     counts.id = order.id;
     counts.frame = last_.frame;
-    if (last_.before) count(*last_.before, &counts.input);
-    if (last_.result) count(*last_.result, &counts.result);
+    if (last_.before) count(last_.before, &counts.input);
+    if (last_.result) count(last_.result, &counts.result);
     send(counts);
   });
 }

@@ -14,15 +14,15 @@ namespace host {
 // An effect with its pictures, as people look at it while they set its parameters: what the command line of `render`
 // says, read.
 struct PreviewSetup {
-  std::string effect;
-  std::vector<std::string> inputs;    // stills, sequences, clips
-  std::vector<std::string> pictures;  // "port=FILE", of image ports that are no inputs
-  Framing framing;
-  std::optional<Depth> depth;
-  ColorWishes colors;
-  std::optional<double> time;        // for the effect: of all frames; of a transition between stills where it begins
-  std::optional<FrameRange> frames;  // of sequences and clips; else all that there are
-  std::optional<double> rate;        // frames per second of sequences, above 0; else 25, or the leading clip's
+  std::string effect = {};
+  std::vector<std::string> inputs = {};    // stills, sequences, clips
+  std::vector<std::string> pictures = {};  // "port=FILE", of image ports that are no inputs
+  Framing framing = {};
+  std::optional<Depth> depth = {};
+  ColorWishes colors = {};
+  std::optional<double> time = {};  // for the effect: of all frames; of a transition between stills where it begins
+  std::optional<FrameRange> frames = {};  // of sequences and clips; else all that there are
+  std::optional<double> rate = {};        // frames per second of sequences, above 0; else 25, or the leading clip's
 };
 
 }  // namespace host
