@@ -183,9 +183,10 @@ void Benchmark::drag() {
   waitUntilSettled();
   const double firstMove = latencies.front();
   std::ranges::sort(latencies);
-  std::printf("drag of %s, %s pictures: first %.1f ms, median %.1f ms, worst of %d %.1f ms; full one at rest: %.1f ms\n",
-              parameter.name().c_str(), areQuick ? "quick" : "full", firstMove, latencies[latencies.size() / 2], kMoves,
-              latencies.back(), full);
+  std::printf(
+      "drag of %s, %s pictures: first %.1f ms, median %.1f ms, worst of %d %.1f ms; full one at rest: %.1f ms\n",
+      parameter.name().c_str(), areQuick ? "quick" : "full", firstMove, latencies[latencies.size() / 2], kMoves,
+      latencies.back(), full);
 }
 
 }  // namespace

@@ -55,6 +55,7 @@ void Player::placeChanged() {
 }
 
 void Player::show(std::uint64_t frame, const PreviewPictureRef& picture) {
+  if (!isPlaying_ && shown_ == frame && seen_.lock() == picture) return;
   shown_ = frame;
   seen_ = picture;
   cache_.setPlayhead(order_, place_, shown_);
@@ -69,7 +70,7 @@ void Player::showPosition() {
   const std::uint64_t frame = position();
   const PreviewPictureRef picture = cache_.find(frame);
   if (picture) {
-    if (shown_ != frame || seen_.lock() != picture) show(frame, picture);
+    show(frame, picture);
   } else {
     failed_.erase(frame);
     ordered_.emplace(frame, clock_());
@@ -114,6 +115,7 @@ void Player::deliver(std::uint64_t frame, const VortoHash128& fingerprint, const
   if (!picture || frame >= times_.count()) return;
   tellCache();
   const bool isKept = cache_.put(frame, fingerprint, picture);
+  if (fingerprint != cache_.fingerprint()) parametersChanged();  // if nobody has said so yet
   if (fingerprint != cache_.fingerprint()) return showFormer(frame, picture);
 
   failed_.erase(frame);
@@ -260,11 +262,13 @@ void Player::beginScrubbing() {
   isScrubbing_ = true;
   pause();
   playsAfterScrubbing_ = played;
+  tellState();
 }
 
 void Player::endScrubbing() {
   if (!std::exchange(isScrubbing_, false)) return;
   if (std::exchange(playsAfterScrubbing_, false)) return play(place_.isBackward);
+  tellState();
   fillOrders();
 }
 
@@ -402,8 +406,8 @@ void Player::advanceRealTime(double now) {
 
 // Whoever waits for a frame is woken by its delivery, and shows until then that it waits.
 void Player::scheduleTimer(double now) {
-  const bool waits =
-      due_ <= now && mode_ == PlayMode::EveryFrame && !isUnpaced_ && awaited() && !cache_.find(awaited()->frame);
+  const auto next = mode_ == PlayMode::EveryFrame && due_ <= now ? awaited() : std::nullopt;
+  const bool waits = next && !cache_.find(next->frame);
   const double seconds = waits ? kFiguresEvery : due_ - now;
   timer_.start(static_cast<int>(std::ceil(std::clamp(seconds, 0.0, 1000.0) * 1000 - 1e-3)));
 }

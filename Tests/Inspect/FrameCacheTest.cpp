@@ -164,6 +164,17 @@ TEST(FrameCache, CountsWhatIsSharedOnce) {
   EXPECT_FALSE(cache.find(1));
 }
 
+TEST(FrameCache, HoldsNoMoreThanAProcessHasDescriptorsFor) {
+  host::FrameCache cache;
+  const auto picture = newPicture(0);  // takes no memory that counts
+  const std::size_t most = host::FrameCache::mostPictures();
+  cache.setPlayhead({0, 100000, 1, Looping::Around}, {0, false}, 0);
+  for (std::uint64_t frame = 0; frame < most + 100; ++frame) cache.put(frame, cache.fingerprint(), picture);
+  EXPECT_EQ(cache.count(), most);
+  EXPECT_EQ(cache.spans(), (std::vector<FrameSpan>{{0, most - 1}}));
+  EXPECT_EQ(cache.framesThatFit(), most);
+}
+
 TEST(FrameCache, FramesComeBackWithTheirParameters) {
   host::FrameCache cache;
   cache.setFingerprint(fingerprintOf("a"));

@@ -247,6 +247,11 @@ TEST(Player, ParametersChangeUnderway) {
   playing.deliverFirst();
   EXPECT_EQ(playing.takeShown(), (Frames{0}));
 
+  playing.source.parameters = "unsaid";
+  playing.player.deliver(0, fingerprintOf("unsaid"), newPicture(0));
+  EXPECT_EQ(playing.takeShown(), (Frames{0})) << "nobody has said that they changed";
+  EXPECT_EQ(playing.source.orders, (Frames{1, 2}));
+
   playing.player.play();
   playing.source.parameters = "first";
   playing.player.parametersChanged();
