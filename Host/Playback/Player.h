@@ -142,6 +142,7 @@ class Player {
 
   bool mayOrder() const;
   void fillOrders();
+  bool isMissing(std::uint64_t frame) const;
   std::optional<std::uint64_t> nextToOrder() const;
   std::uint64_t stepsUntilOrdersCome() const;
 

@@ -189,6 +189,21 @@ TEST(Player, PlaysBetweenItsPoints) {
   EXPECT_EQ(playing.takeShown(), (Frames{5, 4, 3})) << "backward, once";
   EXPECT_FALSE(playing.player.isPlaying());
 
+  // Where playing is not it goes on all the same.
+  for (const PlayMode mode : {PlayMode::EveryFrame, PlayMode::RealTime}) {
+    playing.player.setMode(mode);
+    playing.player.setLooping(Looping::Around);
+    playing.player.play();
+    playing.player.emptyCache();
+    playing.player.goTo(8);
+    playing.takeShown();
+    for (int i = 0; i < 3; ++i) {
+      playing.deliverAll();
+      playing.wait(0.1);
+    }
+    EXPECT_EQ(playing.takeShown(), (Frames{8, 3, 4, 5}));
+  }
+
   playing.player.setInPoint(7);
   EXPECT_EQ(playing.player.outPoint(), 9u);
   playing.player.setOutPoint(2);
