@@ -59,7 +59,8 @@ std::string textOf(const PlaybackBenchmark::Result& result) {
   std::string whole = text.data();
   if (result.cached) {
     std::snprintf(text.data(), text.size(), "; cached: %.0f frames/s (%llu frames, %.2f GB)", result.cached->rate(),
-                  static_cast<unsigned long long>(result.cached->frames), static_cast<double>(result.bytes) / (1u << 30));
+                  static_cast<unsigned long long>(result.cached->frames),
+                  static_cast<double>(result.bytes) / (1u << 30));
     whole += text.data();
   }
   if (!result.failure.empty()) whole += "; " + result.failure;

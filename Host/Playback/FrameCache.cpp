@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Playback/FrameCache.h"
 
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -15,6 +16,15 @@ std::uint64_t FrameCache::defaultBudget() {
   const long pageSize = sysconf(_SC_PAGESIZE);
   if (pages <= 0 || pageSize <= 0) return std::uint64_t{1} << 30;
   return static_cast<std::uint64_t>(pages) * static_cast<std::uint64_t>(pageSize) / 4;
+}
+
+std::size_t FrameCache::mostPictures() {
+  constexpr std::size_t most = 16000;     // of 65530 mappings that processes usually have
+  constexpr std::size_t forOthers = 256;  // descriptors
+  rlimit limit{};
+  if (getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY) return most;
+  const auto descriptors = static_cast<std::size_t>(limit.rlim_cur);
+  return std::min(most, std::max(descriptors, 2 * forOthers) / 3 - forOthers / 3);
 }
 
 void FrameCache::setBudget(std::uint64_t bytes) {
@@ -55,7 +65,9 @@ bool FrameCache::put(std::uint64_t frame, const VortoHash128& fingerprint, const
   memory_.add(*picture);
   generation->memory.add(*picture);
   auto& place = generation->pictures[frame];
+  ++pictures_;
   if (place) {
+    --pictures_;
     memory_.remove(*place);
     generation->memory.remove(*place);
   }
@@ -71,6 +83,7 @@ void FrameCache::clear() {
   generations_.clear();
   generations_.emplace_front().fingerprint = fingerprint;
   memory_ = {};
+  pictures_ = 0;
 }
 
 PreviewPictureRef FrameCache::find(std::uint64_t frame) const {
@@ -82,7 +95,7 @@ std::uint64_t FrameCache::framesThatFit() const {
   const Generation& generation = present();
   if (generation.memory.bytes() == 0) return 0;
   const double each = static_cast<double>(generation.memory.bytes()) / static_cast<double>(generation.pictures.size());
-  return static_cast<std::uint64_t>(static_cast<double>(budget_) / each);
+  return std::min<std::uint64_t>(mostPictures(), static_cast<std::uint64_t>(static_cast<double>(budget_) / each));
 }
 
 void FrameCache::remove(Generation& generation, std::uint64_t frame) {
@@ -90,6 +103,7 @@ void FrameCache::remove(Generation& generation, std::uint64_t frame) {
   memory_.remove(*found->second);
   generation.memory.remove(*found->second);
   generation.pictures.erase(found);
+  --pictures_;
   generation.spans.remove(frame);
 }
 
@@ -123,7 +137,8 @@ std::optional<std::uint64_t> FrameCache::leastWanted(const Generation& generatio
 }
 
 void FrameCache::makeRoom() {
-  while (memory_.bytes() > budget_) {
+  const std::size_t most = mostPictures();
+  while (memory_.bytes() > budget_ || pictures_ > most) {
     Generation& oldest = generations_.back();
     const auto frame = leastWanted(oldest);
     if (!frame) return;

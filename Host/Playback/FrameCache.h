@@ -15,7 +15,7 @@
 
 namespace host {
 
-// Pictures of frames in memory, by the parameters that they were rendered with, up to a budget. When that is exceeded,
+// Pictures of frames in memory, by the parameters that they were rendered with, up to a budget. Where that is exceeded,
 // pictures of other parameters than the present ones are thrown away first, those of the parameters that were not in
 // use for longest before others; then the frames that are played last from the playhead on. The one that is shown, that
 // of the playhead and the next one stay whatever the budget is.
@@ -23,6 +23,9 @@ class FrameCache {
  public:
   FrameCache();
   static std::uint64_t defaultBudget();  // bytes: a quarter of the machine's memory
+  // Of all parameters together, however small they are: a picture takes up to three mappings and descriptors, of which
+  // a process has so many only.
+  static std::size_t mostPictures();
 
   std::uint64_t budget() const { return budget_; }
   void setBudget(std::uint64_t bytes);
@@ -63,6 +66,7 @@ class FrameCache {
 
   std::list<Generation> generations_;
   PictureMemory memory_;
+  std::size_t pictures_ = 0;  // of all generations
   std::uint64_t budget_;
   PlayOrder order_;
   PlayPlace place_;

@@ -34,12 +34,12 @@ Player::Player(FrameSource& source, Clock clock) : source_(source), clock_(std::
 }
 
 void Player::listen(QObject& listener, Told told) {
+  listeners_.remove_if([](const auto& one) { return one.first.isNull(); });
   listeners_.emplace_back(&listener, std::move(told));
 }
 
 template <class Member, class... Arguments>
 void Player::tell(Member member, const Arguments&... arguments) {
-  listeners_.remove_if([](const auto& listener) { return listener.first.isNull(); });
   for (const auto& [listener, told] : listeners_) {
     if (listener && told.*member) (told.*member)(arguments...);
   }
@@ -55,6 +55,7 @@ void Player::placeChanged() {
 }
 
 void Player::show(std::uint64_t frame, const PreviewPictureRef& picture) {
+  if (!isPlaying_ && shown_ == frame && seen_.lock() == picture) return;
   shown_ = frame;
   seen_ = picture;
   cache_.setPlayhead(order_, place_, shown_);
@@ -69,7 +70,7 @@ void Player::showPosition() {
   const std::uint64_t frame = position();
   const PreviewPictureRef picture = cache_.find(frame);
   if (picture) {
-    if (shown_ != frame || seen_.lock() != picture) show(frame, picture);
+    show(frame, picture);
   } else {
     failed_.erase(frame);
     ordered_.emplace(frame, clock_());
@@ -114,6 +115,7 @@ void Player::deliver(std::uint64_t frame, const VortoHash128& fingerprint, const
   if (!picture || frame >= times_.count()) return;
   tellCache();
   const bool isKept = cache_.put(frame, fingerprint, picture);
+  if (fingerprint != cache_.fingerprint()) parametersChanged();  // if nobody has said so yet
   if (fingerprint != cache_.fingerprint()) return showFormer(frame, picture);
 
   failed_.erase(frame);
@@ -145,7 +147,7 @@ void Player::showFormer(std::uint64_t frame, const PreviewPictureRef& picture) {
   } else if (const auto next = awaited(); next && next->frame == frame && now >= due_ - kTolerance) {
     reach(*next, picture, now);
   }
-  scheduleTimer(now);
+  if (isPlaying_) scheduleTimer(now);
 }
 
 void Player::deliverFailure(std::uint64_t frame, const VortoHash128& fingerprint, const QString& text) {
@@ -198,7 +200,7 @@ void Player::play(bool backward) {
   place_.isBackward = backward;
   if (!order_.contains(position()) || !order_.next(place_)) place_ = order_.begin(backward);
   isPlaying_ = true;
-  isScrubbing_ = false;
+  isScrubbing_ = playsAfterScrubbing_ = false;
   failed_.clear();
   dropped_ = shownCount_ = 0;
   meter_.restart(clock_());
@@ -260,11 +262,13 @@ void Player::beginScrubbing() {
   isScrubbing_ = true;
   pause();
   playsAfterScrubbing_ = played;
+  tellState();
 }
 
 void Player::endScrubbing() {
   if (!std::exchange(isScrubbing_, false)) return;
   if (std::exchange(playsAfterScrubbing_, false)) return play(place_.isBackward);
+  tellState();
   fillOrders();
 }
 
@@ -294,6 +298,7 @@ void Player::clearRange() {
 
 void Player::setLooping(Looping looping) {
   order_.looping = looping;
+  cache_.setPlayhead(order_, place_, shown_);
   refused_.reset();
   tellState();
   fillOrders();
@@ -402,8 +407,8 @@ void Player::advanceRealTime(double now) {
 
 // Whoever waits for a frame is woken by its delivery, and shows until then that it waits.
 void Player::scheduleTimer(double now) {
-  const bool waits =
-      due_ <= now && mode_ == PlayMode::EveryFrame && !isUnpaced_ && awaited() && !cache_.find(awaited()->frame);
+  const auto next = mode_ == PlayMode::EveryFrame && due_ <= now ? awaited() : std::nullopt;
+  const bool waits = next && !cache_.find(next->frame);
   const double seconds = waits ? kFiguresEvery : due_ - now;
   timer_.start(static_cast<int>(std::ceil(std::clamp(seconds, 0.0, 1000.0) * 1000 - 1e-3)));
 }
@@ -431,25 +436,30 @@ std::uint64_t Player::stepsUntilOrdersCome() const {
   return steps < kMostStepsAhead ? static_cast<std::uint64_t>(steps) : kMostStepsAhead;
 }
 
+bool Player::isMissing(std::uint64_t frame) const {
+  return !cache_.spanAround(frame) && !ordered_.contains(frame) && !failed_.contains(frame);
+}
+
 std::optional<std::uint64_t> Player::nextToOrder() const {
+  const bool isPast = isPlaying_ && (mode_ == PlayMode::RealTime ? passed_.empty() : isReached_);
+  if (isPlaying_ && !isPast && !order_.contains(position()) && isMissing(position())) return position();
   PlayOrder order = order_;
   if (!isPlaying_) order.looping = Looping::Off;
-  if (!order.contains(position())) return std::nullopt;
-  const std::uint64_t fitting = cache_.framesThatFit();
-  std::uint64_t most = stepsUntilOrdersCome() + order.steps() + 1;
-  if (fitting > 0) most = std::min(most, fitting);
+  const std::uint64_t ahead = stepsUntilOrdersCome();
+  std::uint64_t most = ahead + order.steps() + 1;
+  if (const std::uint64_t fitting = cache_.framesThatFit(); fitting > 0) most = std::min(most, fitting);
   if (refused_) most = std::min(most, *refused_);
+  most = std::max<std::uint64_t>(most, 2);  // what is shown, and what is next
 
-  std::optional<PlayPlace> place = place_;
+  std::optional<PlayPlace> place = order.contains(position()) ? place_ : order.begin(place_.isBackward);
   std::uint64_t steps = 0;
-  const bool isPast = isPlaying_ && (mode_ == PlayMode::RealTime ? passed_.empty() : isReached_);
-  const std::uint64_t skipped = std::max<std::uint64_t>(stepsUntilOrdersCome(), isPast ? 1 : 0);
-  for (; place && steps < skipped; ++steps) {
+  for (const std::uint64_t skipped = std::max<std::uint64_t>(ahead, isPast ? 1 : 0); place && steps < skipped;
+       ++steps) {
     place = order.next(*place);
   }
-  while (place && steps < std::max<std::uint64_t>(most, 2)) {
+  while (place && steps < most) {
+    if (isMissing(place->frame)) return place->frame;
     const auto span = cache_.spanAround(place->frame);
-    if (!span && !ordered_.contains(place->frame) && !failed_.contains(place->frame)) return place->frame;
     if (span) {
       // To the last frame of what is there, at once.
       const std::uint64_t left = place->isBackward ? place->frame - std::max(span->first, order.first)

@@ -35,7 +35,7 @@ class Player {
   struct Told {
     std::function<void(std::uint64_t frame, const PreviewPictureRef& picture)> showFrame = {};
     std::function<void()> positionChanged = {};
-    std::function<void()> stateChanged = {};    // playing, mode, range, looping, times
+    std::function<void()> stateChanged = {};    // playing, scrubbing, mode, range, looping, times
     std::function<void()> figuresChanged = {};  // while playing, four times a second: rate reached, frames dropped
     std::function<void()> cacheChanged = {};    // what it holds, or its budget; coalesced
     std::function<void(const QString& text)> remark = {};
@@ -142,6 +142,7 @@ class Player {
 
   bool mayOrder() const;
   void fillOrders();
+  bool isMissing(std::uint64_t frame) const;
   std::optional<std::uint64_t> nextToOrder() const;
   std::uint64_t stepsUntilOrdersCome() const;
 

@@ -189,6 +189,21 @@ TEST(Player, PlaysBetweenItsPoints) {
   EXPECT_EQ(playing.takeShown(), (Frames{5, 4, 3})) << "backward, once";
   EXPECT_FALSE(playing.player.isPlaying());
 
+  // Where playing is not it goes on all the same.
+  for (const PlayMode mode : {PlayMode::EveryFrame, PlayMode::RealTime}) {
+    playing.player.setMode(mode);
+    playing.player.setLooping(Looping::Around);
+    playing.player.play();
+    playing.player.emptyCache();
+    playing.player.goTo(8);
+    playing.takeShown();
+    for (int i = 0; i < 3; ++i) {
+      playing.deliverAll();
+      playing.wait(0.1);
+    }
+    EXPECT_EQ(playing.takeShown(), (Frames{8, 3, 4, 5}));
+  }
+
   playing.player.setInPoint(7);
   EXPECT_EQ(playing.player.outPoint(), 9u);
   playing.player.setOutPoint(2);
@@ -246,6 +261,11 @@ TEST(Player, ParametersChangeUnderway) {
   EXPECT_EQ(playing.player.cache().count(), 0u);
   playing.deliverFirst();
   EXPECT_EQ(playing.takeShown(), (Frames{0}));
+
+  playing.source.parameters = "unsaid";
+  playing.player.deliver(0, fingerprintOf("unsaid"), newPicture(0));
+  EXPECT_EQ(playing.takeShown(), (Frames{0})) << "nobody has said that they changed";
+  EXPECT_EQ(playing.source.orders, (Frames{1, 2}));
 
   playing.player.play();
   playing.source.parameters = "first";
