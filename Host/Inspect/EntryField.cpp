@@ -218,7 +218,8 @@ bool EntryField::filterKey(QEvent& event) {
       return true;
     }
     const QMimeData* mime = QApplication::clipboard()->mimeData();
-    return mime && paste_ && paste_(*mime);
+    const Paste paste = paste_;  // outlives the field
+    return mime && paste && paste(*mime);
   }
   if (!isPress) return false;
   switch (key.key()) {
