@@ -35,7 +35,8 @@ QString ColorCodeField::take(const QString& typed) {
   if (!color) color = colorOfText(text);
   if (!color) return windowText("Type a color such as 1e90ff, orange or rgb(30 144 255)");
   if (color == color_) return {};
-  changed_(*color);
+  const Changed changed = changed_;  // outlives the field
+  changed(*color);
   return {};
 }
 

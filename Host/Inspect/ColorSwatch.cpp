@@ -103,10 +103,11 @@ void ColorSwatch::paste() {
   const QMimeData* mime = QApplication::clipboard()->mimeData();
   if (!mime) return;
   const auto color = colorOfMime(*mime);
+  const Told told = told_;  // outlives the swatch
   if (color && acceptDrops()) {
-    told_.given(*color);
-  } else if (told_.paste) {
-    told_.paste(*mime);
+    told.given(*color);
+  } else if (told.paste) {
+    told.paste(*mime);
   }
 }
 
@@ -130,7 +131,8 @@ void ColorSwatch::dropEvent(QDropEvent* event) {
   if (!color) return;
   event->setDropAction(Qt::CopyAction);
   event->accept();
-  told_.given(*color);
+  const auto given = told_.given;  // outlives the swatch
+  given(*color);
 }
 
 }  // namespace host

@@ -17,6 +17,7 @@ constexpr int kInset = 6;
 constexpr int kGap = 4;
 constexpr double kRadius = 3;
 constexpr int kLongestText = 65536;
+constexpr float kDimmed = 0.55f;
 
 }  // namespace
 
@@ -97,8 +98,9 @@ void EntryField::paintEvent(QPaintEvent*) {
   painter.setRenderHint(QPainter::Antialiasing);
   const QPalette& colors = palette();
   const bool focused = line_->hasFocus();
-  QColor frame = colors.color(isEnabled() ? QPalette::Mid : QPalette::Midlight);
-  if (isEnabled() && colors.color(QPalette::Window).lightness() < 128) frame = colors.color(QPalette::Light);
+  const bool isDark = colors.color(QPalette::Window).lightness() < 128;
+  QColor frame = colors.color(isDark ? QPalette::Light : QPalette::Mid);
+  if (!isEnabled()) frame.setAlphaF(kDimmed);
   if (focused) frame = colors.color(QPalette::Highlight);
   if (!fault_.isEmpty()) frame = QColor("#d8442f");
   painter.setPen(QPen(frame, focused || !fault_.isEmpty() ? 1.5 : 1));
@@ -106,11 +108,11 @@ void EntryField::paintEvent(QPaintEvent*) {
   painter.drawRoundedRect(QRectF(rect()).adjusted(0.75, 0.75, -0.75, -0.75), kRadius, kRadius);
   if (picture_) {
     const QRectF place(kInset, 0, pictureWidth_, height());
-    painter.setOpacity(isEnabled() ? 1 : 0.4);
+    painter.setOpacity(isEnabled() ? 1 : kDimmed);
     return picture_(painter, place);
   }
   painter.setPen(colors.color(QPalette::PlaceholderText));
-  painter.setOpacity(isEnabled() ? 1 : 0.6);
+  painter.setOpacity(isEnabled() ? 1 : kDimmed);
   painter.drawText(rect().adjusted(kInset, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter, label_);
 }
 
@@ -216,7 +218,8 @@ bool EntryField::filterKey(QEvent& event) {
       return true;
     }
     const QMimeData* mime = QApplication::clipboard()->mimeData();
-    return mime && paste_ && paste_(*mime);
+    const Paste paste = paste_;  // outlives the field
+    return mime && paste && paste(*mime);
   }
   if (!isPress) return false;
   switch (key.key()) {

@@ -51,8 +51,8 @@ const std::array<LevelsFields::Value, 5> LevelsFields::kValues = {{
     {"Input black", &VRTChannelHistogramSample::blackIn, 1, 0, 1, 0},
     {"Gamma", &VRTChannelHistogramSample::gamma, kLargestGamma, 128, 1, 1},
     {"Input white", &VRTChannelHistogramSample::whiteIn, 1, 255, 1, 2},
-    {"Output black", &VRTChannelHistogramSample::blackOut, 1, 0, 3, 0},
-    {"Output white", &VRTChannelHistogramSample::whiteOut, 1, 255, 3, 2},
+    {"Output black", &VRTChannelHistogramSample::blackOut, 1, 0, 4, 0},
+    {"Output white", &VRTChannelHistogramSample::whiteOut, 1, 255, 4, 2},
 }};
 
 LevelsFields::LevelsFields(VRTHistogramPort& port, const VRTHistogramEditor& editor, const EntryField::Paste& paste,
@@ -61,9 +61,10 @@ LevelsFields::LevelsFields(VRTHistogramPort& port, const VRTHistogramEditor& edi
   auto* grid = new QGridLayout(this);
   grid->setContentsMargins(kLevelsInset, 0, 0, 0);
   grid->setHorizontalSpacing(7);
-  grid->setVerticalSpacing(3);
+  grid->setVerticalSpacing(2);
+  grid->setRowMinimumHeight(2, 2);  // between input and output
   for (int column = 0; column < 3; ++column) grid->setColumnStretch(column, 1);
-  for (const auto& [title, row] : {std::pair{"Input", 0}, {"Output", 2}}) {
+  for (const auto& [title, row] : {std::pair{"Input", 0}, {"Output", 3}}) {
     auto* label = new QLabel(windowText(title), this);
     label->setForegroundRole(QPalette::PlaceholderText);
     grid->addWidget(label, row, 0, 1, 3);

@@ -148,7 +148,8 @@ bool NumberField::start(By by) {
 void NumberField::end() {
   if (!isInteracting()) return;
   const QPointer<NumberField> self(this);
-  if (hasChanged_ && told_.settled) told_.settled();
+  const auto settled = told_.settled;  // outlives the field
+  if (hasChanged_ && settled) settled();
   if (!self || !isInteracting()) return;
   interactsBy_ = By::Nothing;
   isLost_ = false;
@@ -170,7 +171,8 @@ void NumberField::give(double value) {
   if (value == value_) return;
   hasChanged_ = true;
   const QPointer<NumberField> self(this);
-  told_.changed(value);
+  const auto changed = told_.changed;  // outlives the field
+  changed(value);
   if (self) showValueAnew();
 }
 

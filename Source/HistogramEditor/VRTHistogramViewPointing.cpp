@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr int kReadoutHeight = 26;
+constexpr int kReadoutHeight = 27;  // that of the pop-up with its gap
 constexpr std::size_t kLargeKeyStep = 10;
 constexpr std::int32_t kAlphaChannel = 4;
 constexpr double kPointedLineOpacity = 0.85;

@@ -26,6 +26,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
+#include <QDrag>
 #include <QDropEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -197,6 +198,12 @@ TEST_F(ParameterFieldsTest, EachChangeOfAStopIsOneStep) {
   EXPECT_EQ(changed->interpolation, VRTGradientLinear);
   EXPECT_EQ(steps(), 6);
   EXPECT_EQ(stop(1)->green, 0.2);
+  select(1);
+  type("Blue", "0.9");
+  QTest::keyClick(line("Blue"), Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(stop(1)->blue, 0.4) << "the keys are the window's when nothing is being typed";
+  QTest::keyClick(line("Blue"), Qt::Key_Y, Qt::ControlModifier);
+  EXPECT_EQ(stop(1)->blue, 0.9);
 }
 
 TEST_F(ParameterFieldsTest, MovedStopsAreSortedAndNeverMerge) {
@@ -265,6 +272,15 @@ TEST_F(ParameterFieldsTest, ColorsComeAndGoByTheSwatch) {
   select(0);
   pasteInto(&editor());
   EXPECT_EQ(stop(0)->red, 1.25) << "a color goes to the stop from anywhere in the section";
+
+  QTest::mousePress(swatch, Qt::LeftButton, {}, {5, 5});
+  QMouseEvent far(QEvent::MouseMove, {35, 35}, swatch->mapToGlobal(QPointF(35, 35)), Qt::NoButton, Qt::LeftButton, {});
+  QApplication::sendEvent(swatch, &far);
+  const auto* drag = swatch->findChild<QDrag*>();  // over at once, without a display, but not yet deleted
+  ASSERT_NE(drag, nullptr);
+  EXPECT_EQ(drag->mimeData()->text(), "#ffa500");
+  QTest::mouseRelease(swatch, Qt::LeftButton, {}, {5, 5});
+  EXPECT_EQ(VRTTransientColorPicker::current(), nullptr) << "a drag is no click";
 
   swatch->click();
   auto* picker = VRTTransientColorPicker::current();

@@ -81,7 +81,7 @@ TEST(NumberExpression, FaultsAndTheirPlaces) {
       {"1.2.3", '.', ExpressionFault::Ambiguous, 0, 5},
       {"1/0", '.', ExpressionFault::DivisionByZero, 2, 1},
       {"1/(2-2)", '.', ExpressionFault::DivisionByZero, 2, 5},
-      {"1e999", '.', ExpressionFault::NotFinite, 0, 1},
+      {"1e999", '.', ExpressionFault::NotFinite, 0, 5},
       {"1e300*1e300", '.', ExpressionFault::NotFinite, 0, 11},
   };
   for (const auto& [text, decimal, fault, at, length] : rows) {
