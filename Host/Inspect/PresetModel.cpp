@@ -74,10 +74,16 @@ void PresetModel::takeOver(std::vector<Item>& before) {
     } else {
       const QString titles = title(item.preset) + ' ' + collectionTitle(item.preset.collection);
       item.folded = foldedForSearch(item.preset.name + ' ' + item.preset.collection + ' ' + titles.toStdString());
+      const std::string place = foldedForSearch(collectionTitle(item.preset.collection).toStdString());
+      item.order =
+          (item.preset.collection.empty() ? "" : place) + '\n' + foldedForSearch(title(item.preset).toStdString());
       item.number = ++numbers_;
     }
     if (item.content == Item::Bad) ++bad_;
   }
+  std::ranges::stable_sort(items_, {}, [](const Item& item) {
+    return std::pair<bool, const std::string&>(item.preset.origin == PresetOrigin::Shipped, item.order);
+  });
 }
 
 void PresetModel::collect() {

@@ -82,6 +82,7 @@ class PresetModel : public QAbstractListModel {
     Stamp stamp;
     bool isFavorite = false;
     std::string folded;     // what is searched
+    std::string order;      // by which they are sorted
     qulonglong number = 0;  // of what is in the file, as long as that stays the same
     enum { Unread, Good, Bad } content = Unread;
     PropertyList state;

@@ -20,6 +20,7 @@
 #include <QFileInfo>
 #include <QFileSystemWatcher>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -128,6 +129,7 @@ QWidget* PresetTray::makeHead() {
   search_->setPlaceholderText(windowText("Search"));
   search_->setAccessibleName(windowText("Search presets"));
   search_->setClearButtonEnabled(true);
+  search_->installEventFilter(this);
   filter_ = new QComboBox(head);
   filter_->setAccessibleName(windowText("Which presets are shown"));
   filter_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
@@ -147,9 +149,22 @@ QWidget* PresetTray::makeHead() {
   row->addWidget(filter_, 2);
   row->addWidget(menuButton_);
   QObject::connect(search_, &QLineEdit::textChanged, this, [this] { updateChoice(); });
-  QObject::connect(search_, &QLineEdit::returnPressed, this, [this] { view_->setFocus(Qt::TabFocusReason); });
+  QObject::connect(search_, &QLineEdit::returnPressed, this, [this] { view_->enter(); });
   QObject::connect(filter_, &QComboBox::currentIndexChanged, this, [this] { updateChoice(); });
   return head;
+}
+
+// In the search field Escape empties it, and the way down leads to what was found.
+bool PresetTray::eventFilter(QObject* watched, QEvent* event) {
+  if (watched != search_ || event->type() != QEvent::KeyPress) return QWidget::eventFilter(watched, event);
+  const int key = static_cast<QKeyEvent*>(event)->key();
+  if (key == Qt::Key_Escape && !search_->text().isEmpty()) {
+    search_->clear();
+    return true;
+  }
+  if (key != Qt::Key_Down) return false;
+  view_->enter();
+  return true;
 }
 
 QAction* PresetTray::addTrayAction(const char* text, const QKeySequence& key, std::function<void()> run) {

@@ -54,6 +54,7 @@ class PresetTray : public QWidget {
   QSize minimumSizeHint() const override { return {160, 140}; }
 
  protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dropEvent(QDropEvent* event) override;
   void showEvent(QShowEvent* event) override;

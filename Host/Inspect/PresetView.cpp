@@ -96,7 +96,12 @@ void PresetView::resizeEvent(QResizeEvent* event) {
 // The keyboard begins at the first preset, which a heading stands before.
 void PresetView::focusInEvent(QFocusEvent* event) {
   QListView::focusInEvent(event);
-  if (event->reason() == Qt::MouseFocusReason || currentIndex().isValid() || !model()) return;
+  if (event->reason() != Qt::MouseFocusReason) enter();
+}
+
+void PresetView::enter() {
+  setFocus(Qt::TabFocusReason);
+  if (currentIndex().isValid() || !model()) return;
   for (int row = 0; row < model()->rowCount(); ++row) {
     const QModelIndex index = model()->index(row, 0);
     if (!(index.flags() & Qt::ItemIsEnabled)) continue;

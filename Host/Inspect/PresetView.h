@@ -14,6 +14,8 @@ class PresetView : public QListView {
 
   std::function<void(const QModelIndex& index)> taken;
   std::function<void(const QModelIndex& index)> starred;
+  // Gives it the keyboard, at the first preset where none is current.
+  void enter();
   // What stands where no preset is shown.
   void setEmptyText(const QString& text);
 

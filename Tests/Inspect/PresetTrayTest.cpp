@@ -49,6 +49,7 @@ class PresetTrayTest : public testing::Test {
           nullptr, folders);
       tray_->resize(236, 400);
       tray_->show();
+      tray_->activateWindow();
       inspect_test::handleEvents();
     }
     return *tray_;
@@ -142,7 +143,10 @@ TEST_F(PresetTrayTest, SearchesAndFilters) {
   EXPECT_EQ(shown(), "Hours: Noon");
   part<QLineEdit>().setText("\xC3\x97");
   EXPECT_EQ(shown(), "");
-  part<QLineEdit>().clear();
+  QTest::keyClick(&part<QLineEdit>(), Qt::Key_Escape);
+  EXPECT_EQ(shown(), "My Presets: Loose Hours: Dusk Night Noon");
+  QTest::keyClick(&part<QLineEdit>(), Qt::Key_Down);
+  EXPECT_EQ(view().currentIndex(), named("Loose")) << "down to what was found";
   clickStar("Noon");
   EXPECT_TRUE(applied.empty());
   view().setCurrentIndex(named("Loose"));

@@ -6,6 +6,7 @@
 #include "Host/Presets/PresetNames.h"
 #include "Host/Presets/PresetReference.h"
 #include "Host/Presets/PresetSearch.h"
+#include "Host/Texts/GradientStops.h"
 #include "Host/Texts/LevelsText.h"
 #include "Tests/Support/ChildProcess.h"
 
@@ -24,6 +25,33 @@ using host::StateKind;
 std::string contentsOf(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// The distances between the colors of a gradient's neighbouring stops in OKLab: the smallest and the largest.
+std::pair<double, double> stepsOf(const PropertyList& state) {
+  const auto lab = [](const std::array<double, 3>& rgb) {
+    std::array<double, 3> light{}, cone{};
+    for (std::size_t i = 0; i < 3; ++i) {
+      light[i] = rgb[i] <= 0.04045 ? rgb[i] / 12.92 : std::pow((rgb[i] + 0.055) / 1.055, 2.4);
+    }
+    const auto [r, g, b] = light;
+    cone = {0.4122214708 * r + 0.5363325363 * g + 0.0514459929 * b,
+            0.2119034982 * r + 0.6806995451 * g + 0.1073969566 * b,
+            0.0883024619 * r + 0.2817188376 * g + 0.6299787005 * b};
+    for (double& each : cone) each = std::cbrt(each);
+    const auto [l, m, s] = cone;
+    return std::array<double, 3>{0.2104542553 * l + 0.7936177850 * m - 0.0040720468 * s,
+                                 1.9779984951 * l - 2.4285922050 * m + 0.4505937099 * s,
+                                 0.0259040371 * l + 0.7827717662 * m - 0.8086757660 * s};
+  };
+  const std::vector<host::ColorStop> stops = host::stopsOfState(state).colors;
+  std::pair<double, double> steps{INFINITY, 0};
+  for (std::size_t i = 1; i < stops.size(); ++i) {
+    const auto before = lab(stops[i - 1].value), after = lab(stops[i].value);
+    const double step = std::hypot(after[0] - before[0], after[1] - before[1], after[2] - before[2]);
+    steps = {std::min(steps.first, step), std::max(steps.second, step)};
+  }
+  return steps;
 }
 
 // A user's folder with nothing in it, and one of shipped presets.
@@ -53,7 +81,8 @@ class Presets : public testing::Test {
 
 }  // namespace
 
-// Each says what it is without its folder, so that it may be mailed; ramps that claim to be even are.
+// Each says what it is without its folder, so that it may be mailed; steps that are to look equal are within what
+// rounding to 8 bits does to them.
 TEST(ShippedPresets, AreWhatTheySay) {
   const host::PresetFolders folders{host::PresetFolders::standard().shipped, ""};
   const auto gradients = host::readPresets(folders, StateKind::Gradient);
@@ -69,6 +98,10 @@ TEST(ShippedPresets, AreWhatTheySay) {
       EXPECT_EQ(file.textFormat, "text");
       EXPECT_TRUE(contentsOf(entry.preset.file).starts_with("/* ")) << "says what it is for";
       collections.insert(entry.preset.collection);
+      if (entry.preset.collection == "Perceptually even" || entry.preset.collection == "Sequential") {
+        const auto [least, most] = stepsOf(entry.state);
+        EXPECT_LT(most, 1.2 * least) << entry.preset.name;
+      }
       states.insert(contentsOf(entry.preset.file).substr(contentsOf(entry.preset.file).find("*/")));
     }
   }
