@@ -108,7 +108,7 @@ PresetTray::PresetTray(StateKind kind, Callbacks callbacks, QWidget* parent, con
 
   reading_.setSingleShot(true);
   reading_.setInterval(kReadingDelay);
-  QObject::connect(&reading_, &QTimer::timeout, this, [this] { refresh(); });
+  QObject::connect(&reading_, &QTimer::timeout, this, [this] { view_->isRenaming() ? reading_.start() : refresh(); });
   QObject::connect(watcher_, &QFileSystemWatcher::directoryChanged, this, [this] { reading_.start(); });
   QObject::connect(&importing_, &QTimer::timeout, this, [this] { importNext(); });
   QObject::connect(view_->selectionModel(), &QItemSelectionModel::currentChanged, this, [this] { updateActions(); });
@@ -267,9 +267,10 @@ void PresetTray::refresh() {
 
 // What is in the files, a few at a time.
 void PresetTray::readSome() {
+  if (view_->isRenaming()) return slices_.start(kReadingDelay);  // new rows would end it
   bool isMore = false;
   keepingView([&] { isMore = model_->readSome(kSlice); });
-  if (isMore) return;
+  if (isMore) return slices_.start(0);
   slices_.stop();
   updateFoot();
 }

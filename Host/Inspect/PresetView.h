@@ -16,6 +16,7 @@ class PresetView : public QListView {
   std::function<void(const QModelIndex& index)> starred;
   // Gives it the keyboard, at the first preset where none is current.
   void enter();
+  bool isRenaming() const { return state() == EditingState; }
   // What stands where no preset is shown.
   void setEmptyText(const QString& text);
 

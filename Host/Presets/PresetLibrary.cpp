@@ -67,6 +67,14 @@ void removeFile(const std::string& path) {
   }
 }
 
+// Of a file that is gone. A line that stays does no harm.
+void forgetFavorite(const PresetFolders& folders, const Preset& preset, const std::string& newFile) {
+  try {
+    FavoritePresets(folders).moved(preset, newFile);
+  } catch (const Failure&) {
+  }
+}
+
 }  // namespace
 
 PresetLibrary readPresets(const PresetFolders& folders, StateKind kind) {
@@ -107,7 +115,10 @@ Preset savePreset(const PresetFolders& folders, StateKind kind, const std::strin
   fs::create_directories(folder, error);
   if (error) throw Failure(ExitCode::Output, "cannot make the folder " + folder.string() + ": " + error.message());
   replaceFile(path.string(), bytes);
-  if (former && former->file != path.string()) removeFile(former->file);
+  if (former && former->file != path.string()) {
+    removeFile(former->file);
+    forgetFavorite(folders, *former, path.string());
+  }
   return {kind, PresetOrigin::User, name, collection, path.string()};
 }
 
@@ -121,14 +132,19 @@ Preset renamePreset(const PresetFolders& folders, const Preset& preset, const st
   const std::string extension = hasStateExtension(file) ? file.extension().string() : presetExtension(preset.kind);
   renamed.file = (file.parent_path() / fileNameOfPreset(renamed.name, extension)).string();
   moveFile(preset.file, renamed.file, renamed.name);
-  FavoritePresets(folders).moved(preset, renamed.file);
+  try {
+    FavoritePresets(folders).moved(preset, renamed.file);
+  } catch (const Failure&) {
+    moveFile(renamed.file, preset.file, preset.name);
+    throw;
+  }
   return renamed;
 }
 
 void deletePreset(const PresetFolders& folders, const Preset& preset) {
   checkUsers(preset, "deleted");
   removeFile(preset.file);
-  FavoritePresets(folders).moved(preset, "");
+  forgetFavorite(folders, preset, "");
 }
 
 }  // namespace host
