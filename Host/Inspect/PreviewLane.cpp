@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Inspect/PreviewLane.h"
 
+#include <QElapsedTimer>
 #include <algorithm>
 #include <utility>
 
@@ -8,6 +9,7 @@ namespace host {
 namespace {
 
 constexpr int kReapMilliseconds = 20;
+constexpr int kLongestReading = 8;  // milliseconds
 
 // Of a report that finishes a task.
 std::optional<std::uint64_t> finishedBy(const PreviewReport& report) {
@@ -106,10 +108,12 @@ void PreviewLane::forgetAhead() {
   dropAhead();
 }
 
-// What is heard may start or stop it.
+// What is heard may start or stop it. People come first: after a while the rest is read from another event.
 void PreviewLane::read() {
   const std::uint64_t start = starts_;
-  while (process_ && starts_ == start) {
+  QElapsedTimer reading;
+  reading.start();
+  while (process_ && starts_ == start && reading.elapsed() < kLongestReading) {
     std::optional<PreviewReport> report = process_->next();
     if (!report) return;
     hear(*report);

@@ -170,6 +170,15 @@ class Session {
     check(false, name.toUtf8().constData());
     return nullptr;
   }
+  // Classes of ours have no meta object to be found by.
+  template <class Widget>
+  Widget* part() {
+    for (auto* widget : window_->findChildren<QWidget*>()) {
+      if (auto* found = dynamic_cast<Widget*>(widget)) return found;
+    }
+    check(false, typeid(Widget).name());
+    return nullptr;
+  }
   QCPort& parameter(std::size_t index = 0) { return *window_->session().document().parameters().at(index); }
   // A drag in so many moves, with the pictures that come meanwhile.
   void drag(QWidget* widget, QPoint from, QPoint to, int moves) {
@@ -325,13 +334,13 @@ class Session {
   }
 
   void presets() {
-    auto* part = window_->findChild<host::PresetPart*>();
-    check(part, "there are presets");
-    part->setOpen(true);
+    auto* presets = part<host::PresetPart>();
+    if (!presets) return;
+    presets->setOpen(true);
     window_->column().verticalScrollBar()->setValue(window_->column().verticalScrollBar()->maximum());
     QTest::qWait(300);
     step("presets");
-    auto* field = part->tray()->findChild<QLineEdit*>();
+    auto* field = presets->tray()->findChild<QLineEdit*>();
     QTest::keyClicks(field, "sepia");
     QTest::qWait(200);
     step("presets-searched");
@@ -341,7 +350,7 @@ class Session {
     settle();
     check(*parameter().stateValue() != before, "a preset is applied");
     step("presets-applied");
-    part->setOpen(false);
+    presets->setOpen(false);
   }
 
   void effectsAndWindows() {
