@@ -133,7 +133,11 @@ void PreviewLane::hear(PreviewReport& report) {
   if (std::holds_alternative<PreviewDied>(report) || std::holds_alternative<PreviewRefused>(report)) {
     const std::deque<PreviewTask> tasks = std::move(tasks_);
     stop();
-    for (const PreviewTask& task : tasks) heard_(report, &task);
+    // The first is what it was at.
+    for (const PreviewTask& task : tasks) {
+      PreviewReport dropped = PreviewDropped{task.id};
+      heard_(&task == &tasks.front() ? report : dropped, &task);
+    }
     return heard_(report, nullptr);
   }
   const auto id = finishedBy(report);

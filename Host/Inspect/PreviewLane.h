@@ -51,8 +51,8 @@ struct PreviewTask {
 // again when it is told to be.
 class PreviewLane {
  public:
-  // Takes a report, and the task that it is about: null where there is none. Of one that died, of one task after
-  // another.
+  // Takes a report, and the task that it is about: null where there is none. A process that died is reported of the
+  // task that it was at, then of none; its other tasks are dropped.
   using Heard = std::function<void(PreviewReport& report, const PreviewTask* task)>;
   PreviewLane(EndingProcesses& ending, Heard heard) : ending_(ending), heard_(std::move(heard)) {}
   ~PreviewLane() { stop(); }
