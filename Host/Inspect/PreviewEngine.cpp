@@ -128,6 +128,7 @@ class PreviewEngine::Work {
   PreviewFailure deathOf(const PreviewTask& task, const std::string& cause) const;
 
   EndingProcesses ending_;  // outlives the lanes
+  std::shared_ptr<BitmapReleases> releases_ = BitmapReleases::make();
   PreviewLane full_;
   PreviewLane quick_;
   PreviewLane ahead_;
@@ -163,9 +164,9 @@ class PreviewEngine::Work {
 };
 
 PreviewEngine::Work::Work(Told told)
-    : full_(ending_, [this](PreviewReport& report, const PreviewTask* task) { hearFull(report, task); }),
-      quick_(ending_, [this](PreviewReport& report, const PreviewTask* task) { hearQuick(report, task); }),
-      ahead_(ending_, [this](PreviewReport& report, const PreviewTask* task) { hearAhead(report, task); }) {
+    : full_(ending_, releases_, [this](PreviewReport& report, const PreviewTask* task) { hearFull(report, task); }),
+      quick_(ending_, releases_, [this](PreviewReport& report, const PreviewTask* task) { hearQuick(report, task); }),
+      ahead_(ending_, releases_, [this](PreviewReport& report, const PreviewTask* task) { hearAhead(report, task); }) {
   listeners.push_back(std::move(told));
   mostDescriptors();  // pictures have one each
   rest_.setSingleShot(true);

@@ -39,7 +39,7 @@ void EndingProcesses::end(std::unique_ptr<PreviewProcess> process) {
 
 void PreviewLane::start(const PreviewHello& hello) {
   stop();
-  process_ = std::make_unique<PreviewProcess>(hello);
+  process_ = std::make_unique<PreviewProcess>(hello, releases_);
   started_.start();
   readable_ = std::make_unique<QSocketNotifier>(process_->descriptor(), QSocketNotifier::Read);
   writable_ = std::make_unique<QSocketNotifier>(process_->descriptor(), QSocketNotifier::Write);
