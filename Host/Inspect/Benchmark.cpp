@@ -30,6 +30,7 @@ namespace {
 
 constexpr PictureSize kView{1200, 800};
 constexpr int kMoves = 60;
+constexpr std::uint64_t kMostFrames = 200;
 constexpr double kMostSeconds = 120;  // that one picture may take
 
 double now() {
@@ -106,20 +107,26 @@ class Benchmark {
   void waitUntilSettled();
   void first();
   void drag();
+  void ahead();
+  double framesPerSecond();
 
   EffectRendering effect_;  // for its ports
   std::vector<QCPort*> ports_;
   std::optional<VortoHash128> pictured_;  // fingerprint of the last picture
   bool isQuick_ = false;
+  std::uint64_t aheadCount_ = 0;
   PreviewEngine engine_;
 };
 
 Benchmark::Benchmark(const InspectOptions& options)
     : effect_(options.effect, options.inputs.size(), parsedFraming(options.framing), parsedDepth(options.depth)),
-      engine_({.pictured = [this](const PreviewPictureRef& picture, const VortoHash128& fingerprint) {
-        pictured_ = fingerprint;
-        isQuick_ = !picture->isFull;
-      }}) {
+      engine_({.pictured =
+                   [this](const PreviewPictureRef& picture, const VortoHash128& fingerprint) {
+                     pictured_ = fingerprint;
+                     isQuick_ = !picture->isFull;
+                   },
+               .aheadReady = [this](std::uint64_t, const VortoHash128&, const PreviewPictureRef&) { ++aheadCount_; },
+               .aheadFailed = [this](std::uint64_t, const VortoHash128&, const PreviewFailure&) { ++aheadCount_; }}) {
   PreviewSetup setup;
   setup.effect = options.effect;
   setup.inputs = options.inputs;
@@ -146,6 +153,7 @@ void Benchmark::waitUntilSettled() {
 void Benchmark::run() {
   first();
   drag();
+  if (engine_.opened()->timing == PreviewOpened::Timing::Frames) ahead();
 }
 
 void Benchmark::first() {
@@ -187,6 +195,29 @@ void Benchmark::drag() {
       "drag of %s, %s pictures: first %.1f ms, median %.1f ms, worst of %d %.1f ms; full one at rest: %.1f ms\n",
       parameter.name().c_str(), areQuick ? "quick" : "full", firstMove, latencies[latencies.size() / 2], kMoves,
       latencies.back(), full);
+}
+
+// All frames, as fast as they come.
+double Benchmark::framesPerSecond() {
+  const std::uint64_t count = std::min(engine_.opened()->count, kMostFrames);
+  const double start = now();
+  std::uint64_t ordered = 0;
+  aheadCount_ = 0;
+  while (aheadCount_ < count) {
+    while (ordered < count && ordered - aheadCount_ < engine_.mostAhead()) engine_.orderAhead(ordered++);
+    const std::uint64_t before = aheadCount_;
+    handleEventsUntil([&] { return aheadCount_ > before; });
+  }
+  return static_cast<double>(count) / (now() - start);
+}
+
+void Benchmark::ahead() {
+  const double atFirst = framesPerSecond();
+  MovedParameter parameter(ports_);
+  if (parameter.exists()) parameter.moveTo(0.3);
+  engine_.setParameters(ports_);
+  waitUntilSettled();
+  std::printf("frames ahead: %.1f a second at first, %.1f with other parameters\n", atFirst, framesPerSecond());
 }
 
 }  // namespace

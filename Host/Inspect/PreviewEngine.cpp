@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <cmath>
 #include <set>
+#include <unordered_map>
 #include <utility>
 
 namespace host {
@@ -84,6 +85,10 @@ class PreviewEngine::Work {
       if (function) function(arguments...);
     }
   }
+  struct Ahead {
+    std::uint64_t frame = 0;
+    VortoHash128 fingerprint;
+  };
   PreviewHello hello(bool takesInputs) const;
   void start(PreviewLane& lane);
   void startAnew();
@@ -94,6 +99,7 @@ class PreviewEngine::Work {
   void pumpFull();
   void pumpQuick();
   void pumpAhead();
+  bool orderNextAhead();
   bool isFullWanted() const;
   bool areInputsWanted() const;
   bool isCountWanted() const;
@@ -116,11 +122,13 @@ class PreviewEngine::Work {
   void takeAhead(PreviewReport& report, const PreviewTask& task);
   void takeInputs(PreviewInputs& inputs);
   void takeFailure(const PreviewTask& task, PreviewFailure failure);
+  void failAhead(const std::deque<Ahead>& frames, PreviewFailure cause);
   void show(PreviewPictureRef picture, const PreviewTask& task);
   void mourn(PreviewLane& lane, const std::string& cause);
   PreviewFailure deathOf(const PreviewTask& task, const std::string& cause) const;
 
   EndingProcesses ending_;  // outlives the lanes
+  std::shared_ptr<BitmapReleases> releases_ = BitmapReleases::make();
   PreviewLane full_;
   PreviewLane quick_;
   PreviewLane ahead_;
@@ -147,11 +155,8 @@ class PreviewEngine::Work {
   QTimer rest_;
   QTimer resize_;
 
-  struct Ahead {
-    std::uint64_t frame = 0;
-    VortoHash128 fingerprint;
-  };
   std::deque<Ahead> aheadWanted_;
+  std::unordered_map<std::uint64_t, PreviewLane*> readers_;  // of frames: who has decoded them last
   std::set<std::string> remarks_;
 
   QTimer busy_;
@@ -159,9 +164,9 @@ class PreviewEngine::Work {
 };
 
 PreviewEngine::Work::Work(Told told)
-    : full_(ending_, [this](PreviewReport& report, const PreviewTask* task) { hearFull(report, task); }),
-      quick_(ending_, [this](PreviewReport& report, const PreviewTask* task) { hearQuick(report, task); }),
-      ahead_(ending_, [this](PreviewReport& report, const PreviewTask* task) { hearAhead(report, task); }) {
+    : full_(ending_, releases_, [this](PreviewReport& report, const PreviewTask* task) { hearFull(report, task); }),
+      quick_(ending_, releases_, [this](PreviewReport& report, const PreviewTask* task) { hearQuick(report, task); }),
+      ahead_(ending_, releases_, [this](PreviewReport& report, const PreviewTask* task) { hearAhead(report, task); }) {
   listeners.push_back(std::move(told));
   mostDescriptors();  // pictures have one each
   rest_.setSingleShot(true);
@@ -192,6 +197,7 @@ void PreviewEngine::Work::open(const PreviewSetup& wanted) {
   inputs_.reset();
   failedInputs_.reset();
   aheadWanted_.clear();
+  readers_.clear();
   remarks_.clear();
   startTime_.reset();
   frame = 0;
@@ -213,7 +219,8 @@ void PreviewEngine::Work::start(PreviewLane& lane) {
 
 void PreviewEngine::Work::startAnew() {
   if (!full_.isRunning()) start(full_);
-  if (!quick_.isRunning() && !setup.inputs.empty()) start(quick_);
+  // Not in the way of the first picture.
+  if (opened && !quick_.isRunning() && !setup.inputs.empty()) start(quick_);
 }
 
 void PreviewEngine::Work::findFingerprint() {
@@ -279,9 +286,13 @@ void PreviewEngine::Work::goTo(std::uint64_t wanted) {
 
 void PreviewEngine::Work::cancel() {
   bool isAny = false;
+  std::deque<Ahead> aheads = std::exchange(aheadWanted_, {});
   for (PreviewLane* lane : {&full_, &quick_, &ahead_}) {
     if (!lane->isRunning() || lane->isIdle()) continue;
     isAny = true;
+    for (const PreviewTask& task : lane->tasks()) {
+      if (task.kind == Kind::Ahead && !task.isForgotten) aheads.push_back({task.frame, task.fingerprint});
+    }
     lane->stop();
   }
   if (!isAny) return;
@@ -294,7 +305,8 @@ void PreviewEngine::Work::cancel() {
   }
   startAnew();  // so that the next change finds it ready
   failure = cancelled;
-  tell(&Told::failed, *failure);
+  tell(&Told::failed, cancelled);
+  failAhead(aheads, cancelled);
   findBusy();
 }
 
@@ -334,7 +346,7 @@ void PreviewEngine::Work::pump() {
   pumpQuick();
   pumpFull();
   pumpAhead();
-  if (!busy_.isActive() && !(full_.isIdle() && quick_.isIdle())) busy_.start();
+  if (!busy_.isActive() && !(full_.isIdle() && quick_.tasks().empty())) busy_.start();
 }
 
 bool PreviewEngine::Work::isFullWanted() const {
@@ -421,22 +433,34 @@ void PreviewEngine::Work::pumpAhead() {
       opened->timing == Timing::Frames && !opened->keepsState &&
       std::ranges::none_of(opened->inputs, [](const PreviewInput& input) { return input.clip != nullptr; });
   if (isDivided && !ahead_.isRunning()) start(ahead_);
-  while (!aheadWanted_.empty()) {
-    PreviewLane* best = nullptr;
-    for (PreviewLane* lane : {&full_, &ahead_}) {
-      if (!lane->isReady() || lane->tasks().size() >= kAheadOfLane) continue;
-      if (!best || lane->tasks().size() < best->tasks().size()) best = lane;
+  while (orderNextAhead()) {
+  }
+}
+
+// A frame goes where it was decoded before, others to whoever has the least to do. False when there is none, or no room
+// for those that there are.
+bool PreviewEngine::Work::orderNextAhead() {
+  const auto hasRoom = [](const PreviewLane& lane) { return lane.isReady() && lane.tasks().size() < kAheadOfLane; };
+  for (auto next = aheadWanted_.begin(); next != aheadWanted_.end(); ++next) {
+    const auto reader = readers_.find(next->frame);
+    PreviewLane* lane = reader == readers_.end() ? nullptr : reader->second;
+    if (!lane || !lane->isReady()) {
+      const bool isAheadBetter = hasRoom(ahead_) && (!hasRoom(full_) || ahead_.tasks().size() < full_.tasks().size());
+      lane = isAheadBetter ? &ahead_ : &full_;
     }
-    if (!best) return;
+    if (!hasRoom(*lane)) continue;
     PreviewTask rendering = task(Kind::Ahead);
-    rendering.frame = aheadWanted_.front().frame;
-    aheadWanted_.pop_front();
+    rendering.frame = next->frame;
+    readers_[next->frame] = lane;
+    aheadWanted_.erase(next);
     RenderOrder order;
     order.id = rendering.id;
     order.frame = rendering.frame;
     order.isAhead = true;
-    best->render(std::move(rendering), std::move(order), states_);
+    lane->render(std::move(rendering), std::move(order), states_);
+    return true;
   }
+  return false;
 }
 
 // What comes.
@@ -510,6 +534,7 @@ void PreviewEngine::Work::begin(PreviewOpened& report) {
   findFingerprint();
   tell(&Told::opened, *opened);
   pump();
+  startAnew();
 }
 
 void PreviewEngine::Work::refuse(PreviewFailure cause) {
@@ -610,6 +635,13 @@ PreviewFailure PreviewEngine::Work::deathOf(const PreviewTask& task, const std::
           "the effect \"" + setup.effect + "\": the process that rendered it was ended: " + cause, task.frame};
 }
 
+void PreviewEngine::Work::failAhead(const std::deque<Ahead>& frames, PreviewFailure cause) {
+  for (const Ahead& each : frames) {
+    cause.frame = each.frame;
+    tell(&Told::aheadFailed, each.frame, each.fingerprint, cause);
+  }
+}
+
 // Started again at once, so that the next change finds it ready; unless it keeps dying.
 void PreviewEngine::Work::mourn(PreviewLane& lane, const std::string& cause) {
   ++deaths_;
@@ -618,26 +650,31 @@ void PreviewEngine::Work::mourn(PreviewLane& lane, const std::string& cause) {
     return pump();
   }
   deaths_ = 0;
-  if (!opened) refuse(deathOf({}, cause));
+  PreviewFailure death = deathOf({}, cause);
+  if (!opened) return refuse(std::move(death));
+  if (fullDone_ != serial_) {  // nobody is left to render it
+    PreviewTask undone = task(Kind::Full);
+    takeFailure(undone, death);
+  }
+  failAhead(std::exchange(aheadWanted_, {}), death);
 }
 
 void PreviewEngine::Work::findBusy() {
   PreviewBusy busy;
-  if (!refusal) {
-    for (const PreviewLane* lane : {&full_, &quick_}) {
-      if (lane == &full_ && lane->isRunning() && !lane->isReady()) {
-        busy.elapsed = std::max(busy.elapsed, std::chrono::milliseconds(lane->startedAt().elapsed()));
-      }
-      for (const PreviewTask& task : lane->tasks()) {
-        if (task.kind == Kind::Ahead) continue;
-        const std::chrono::milliseconds elapsed(task.since.elapsed());
-        if (elapsed > busy.elapsed) busy.phase = task.phase;
-        busy.elapsed = std::max(busy.elapsed, elapsed);
-      }
+  bool isIdle = true;
+  const auto note = [&](const QElapsedTimer& since, PreviewPhase phase) {
+    const std::chrono::milliseconds elapsed(since.elapsed());
+    if (isIdle || elapsed > busy.elapsed) busy = {false, phase, elapsed};
+    isIdle = false;
+  };
+  if (full_.isRunning() && !full_.isReady()) note(full_.startedAt(), PreviewPhase::Starting);
+  for (const PreviewLane* lane : {&full_, &quick_}) {
+    for (const PreviewTask& task : lane->tasks()) {
+      if (task.kind != Kind::Ahead) note(task.since, task.phase);
     }
   }
+  if (isIdle) busy_.stop();
   busy.isBusy = busy.elapsed >= std::chrono::milliseconds(2 * kBusyMilliseconds);
-  if (busy.elapsed.count() == 0) busy_.stop();
   if (!busy.isBusy && !isBusyTold_) return;
   isBusyTold_ = busy.isBusy;
   tell(&Told::busyChanged, busy);

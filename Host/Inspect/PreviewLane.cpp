@@ -41,7 +41,7 @@ void EndingProcesses::end(std::unique_ptr<PreviewProcess> process) {
 
 void PreviewLane::start(const PreviewHello& hello) {
   stop();
-  process_ = std::make_unique<PreviewProcess>(hello);
+  process_ = std::make_unique<PreviewProcess>(hello, releases_);
   started_.start();
   readable_ = std::make_unique<QSocketNotifier>(process_->descriptor(), QSocketNotifier::Read);
   writable_ = std::make_unique<QSocketNotifier>(process_->descriptor(), QSocketNotifier::Write);
@@ -137,7 +137,11 @@ void PreviewLane::hear(PreviewReport& report) {
   if (std::holds_alternative<PreviewDied>(report) || std::holds_alternative<PreviewRefused>(report)) {
     const std::deque<PreviewTask> tasks = std::move(tasks_);
     stop();
-    for (const PreviewTask& task : tasks) heard_(report, &task);
+    // The first is what it was at.
+    for (const PreviewTask& task : tasks) {
+      PreviewReport dropped = PreviewDropped{task.id};
+      heard_(&task == &tasks.front() ? report : dropped, &task);
+    }
     return heard_(report, nullptr);
   }
   const auto id = finishedBy(report);

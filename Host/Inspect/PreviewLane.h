@@ -51,10 +51,11 @@ struct PreviewTask {
 // again when it is told to be.
 class PreviewLane {
  public:
-  // Takes a report, and the task that it is about: null where there is none. Of one that died, of one task after
-  // another.
+  // Takes a report, and the task that it is about: null where there is none. A process that died is reported of the
+  // task that it was at, then of none; its other tasks are dropped.
   using Heard = std::function<void(PreviewReport& report, const PreviewTask* task)>;
-  PreviewLane(EndingProcesses& ending, Heard heard) : ending_(ending), heard_(std::move(heard)) {}
+  PreviewLane(EndingProcesses& ending, std::shared_ptr<BitmapReleases> releases, Heard heard)
+      : ending_(ending), releases_(std::move(releases)), heard_(std::move(heard)) {}
   ~PreviewLane() { stop(); }
   PreviewLane(const PreviewLane&) = delete;
   PreviewLane& operator=(const PreviewLane&) = delete;
@@ -82,6 +83,7 @@ class PreviewLane {
   void send(const PreviewOrder& order);
 
   EndingProcesses& ending_;
+  const std::shared_ptr<BitmapReleases> releases_;
   const Heard heard_;
   std::unique_ptr<PreviewProcess> process_;
   std::unique_ptr<QSocketNotifier> readable_;

@@ -39,7 +39,8 @@ ChildProcess started(MessageSocket* entries) {
 
 }  // namespace
 
-PreviewProcess::PreviewProcess(const PreviewHello& hello) : process_(started(&entries_)) {
+PreviewProcess::PreviewProcess(const PreviewHello& hello, std::shared_ptr<BitmapReleases> releases)
+    : releases_(std::move(releases)), process_(started(&entries_)) {
   send(hello);
 }
 
@@ -100,6 +101,9 @@ std::optional<PreviewReport> PreviewProcess::next() {
 
 // What is the same as last time comes from there.
 void PreviewProcess::complete(PreviewPicture* picture, const PictureParts& parts) {
+  for (BitmapRef* bitmap : {&picture->result, &picture->before, &picture->fileBefore}) {
+    *bitmap = releases_->adopted(std::move(*bitmap));
+  }
   using Part = PictureParts::Part;
   const auto take = [](Part part, auto& kept, auto& own) {
     if (part == Part::New) kept = own;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include "Host/Preview/BitmapReleases.h"
 #include "Host/Preview/PreviewMessages.h"
 #include "Host/Preview/PreviewOrder.h"
 #include "Host/Preview/PreviewReport.h"
@@ -17,7 +18,8 @@ namespace host {
 // live on when it has ended.
 class PreviewProcess {
  public:
-  explicit PreviewProcess(const PreviewHello& hello);  // throws Failure when it cannot be started
+  // Bitmaps are given back through `releases`. Throws Failure when it cannot be started.
+  PreviewProcess(const PreviewHello& hello, std::shared_ptr<BitmapReleases> releases);
 
   // What it does not take at once is kept. One that takes nothing any more is killed.
   void send(const PreviewOrder& order);
@@ -37,6 +39,7 @@ class PreviewProcess {
   std::optional<PreviewReport> died();
   void complete(PreviewPicture* picture, const PictureParts& parts);
 
+  std::shared_ptr<BitmapReleases> releases_;
   MessageSocket entries_;
   ChildProcess process_;
   std::deque<Bytes> unsent_;

@@ -16,10 +16,14 @@
 #include "TarnCore/TCPixelLayout.h"
 
 #include <fcntl.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 
 #include <chrono>
+#include <csignal>
 #include <deque>
+#include <iterator>
+#include <map>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -55,6 +59,11 @@ void count(const BitmapRef& bitmap, TCHistogram* histogram) {
   TCCountHistogram(image, *histogram);
 }
 
+bool isPortSet(QCPort& port, const Bytes& state, std::string* reason) {
+  const auto list = PropertyListFromBytes(state, reason);
+  return list && port.setStateValue(*list, reason);
+}
+
 class PreviewServer {
  public:
   PreviewServer(MessageSocket& client, const PreviewHello& hello);
@@ -83,6 +92,7 @@ class PreviewServer {
   std::unique_ptr<EffectRendering> effect_;
   std::unique_ptr<PreviewFrames> frames_;  // null where inputs are given
   PreviewPhase phase_ = PreviewPhase::Starting;
+  std::map<std::string, Bytes> unset_;  // states by port
   PictureSize givenResultSize_;
   PreviewPicture last_;  // that was sent
 };
@@ -128,16 +138,18 @@ void PreviewServer::enter(std::uint64_t id, PreviewPhase phase) {
   send(PreviewProgress{id, phase});
 }
 
+// One that does not fit is tried again, and fails again, until there is another.
 void PreviewServer::setParameters(const std::vector<ParameterState>& states) {
-  for (const ParameterState& state : states) {
-    if (state.state.empty()) continue;
-    QCPort* const port = effect_->patch().inputPortForKey(state.key);
-    std::string reason = "there is no such port";
-    const auto list = PropertyListFromBytes(state.state, &reason);
-    if (!list || !port || !port->setStateValue(*list, &reason)) {
-      throw Failure(ExitCode::Effect, "the effect \"" + effect_->effect() + "\": " + state.key + ": " + reason);
-    }
+  for (const ParameterState& state : states) unset_[state.key] = state.state;
+  std::string failure;
+  for (auto next = unset_.begin(); next != unset_.end();) {
+    QCPort* const port = effect_->patch().inputPortForKey(next->first);
+    std::string reason;
+    const bool isSet = next->second.empty() || !port || isPortSet(*port, next->second, &reason);
+    if (!isSet && failure.empty()) failure = next->first + ": " + reason;
+    next = isSet ? unset_.erase(next) : std::next(next);
   }
+  if (!failure.empty()) throw Failure(ExitCode::Effect, "the effect \"" + effect_->effect() + "\": " + failure);
 }
 
 const PreviewFrames::Frame& PreviewServer::frameAt(std::uint64_t id, std::uint64_t frame) {
@@ -317,6 +329,8 @@ bool hasBegun(PreviewServer& server, MessageSocket& client) {
 void runPreviewServer() {
   MessageSocket client = connectionToClient();
   const MessageSocket entries(kPreviewEntries);  // closes it
+  // There is nothing to clear up, and an effect that hangs hears no other signal.
+  ::prctl(PR_SET_PDEATHSIG, SIGKILL);
   mostDescriptors();
   PreviewOrders orders(client);
   const auto first = orders.next();

@@ -148,3 +148,15 @@ TEST(Inspect, AFullDiskLeavesTheOldScreenshot) {
   EXPECT_NE(run.err.find("shot.tif"), std::string::npos) << run.err;
   EXPECT_EQ(readFile(path), "old");
 }
+
+TEST(Inspect, PrintsHowLongPicturesTake) {
+  const std::string photo = std::string(VORTO_PHOTOS) + "/coffee.png";
+  const std::string out = vortoSucceeds({"inspect", "Gradient Map", "--input", photo, "--benchmark"}).out;
+  for (const char* part : {"picture: 600 x 400", "first picture: ", "drag of Gradient, full pictures: ", "at rest: "}) {
+    EXPECT_NE(out.find(part), std::string::npos) << part << " in " << out;
+  }
+  const ProgramRun missing = vorto({"inspect", "Levels", "--input", "/none.png", "--benchmark"});
+  EXPECT_EQ(missing.exitCode, 3);
+  EXPECT_NE(missing.err.find("/none.png"), std::string::npos) << missing.err;
+  EXPECT_EQ(vorto({"preview"}).exitCode, 2) << "this is how the program starts itself";
+}

@@ -44,7 +44,8 @@ BitmapRef writtenPicture(const std::string& path, PictureSize size, Depth depth,
                              alpha * ((x + y) % 256) / 255, alpha};
     for (unsigned c = 0; c < 4; ++c) {
       if (depth == Depth::Bits8) bitmap->data[4 * i + c] = static_cast<std::uint8_t>(values[c] * 255);
-      if (depth == Depth::Bits16) reinterpret_cast<std::uint16_t*>(bitmap->data)[4 * i + c] = static_cast<std::uint16_t>(values[c] * 65535);
+      if (depth == Depth::Bits16)
+        reinterpret_cast<std::uint16_t*>(bitmap->data)[4 * i + c] = static_cast<std::uint16_t>(values[c] * 65535);
       if (depth == Depth::Float) reinterpret_cast<float*>(bitmap->data)[4 * i + c] = static_cast<float>(2 * values[c]);
     }
   }
@@ -124,15 +125,19 @@ class PreviewEngineTest : public testing::Test {
               pictures.push_back(picture);
               prints.push_back(print);
             },
-        .counted = [this](const TCHistogram& input, const TCHistogram& result) { counts = {input, result}; },
+        .counted =
+            [this](const TCHistogram& input, const TCHistogram& result) {
+              counts = {input, result};
+            },
         .failed = [this](const PreviewFailure& failure) { failures.push_back(failure); },
         .busyChanged = [this](const PreviewBusy& busy) { busies.push_back(busy); },
         .aheadReady = [this](std::uint64_t frame, const VortoHash128&,
                              const PreviewPictureRef& picture) { aheads.emplace_back(frame, picture); },
-        .aheadFailed = [this](std::uint64_t frame, const VortoHash128&, const PreviewFailure& failure) {
-          aheads.emplace_back(frame, nullptr);
-          failures.push_back(failure);
-        }});
+        .aheadFailed =
+            [this](std::uint64_t frame, const VortoHash128&, const PreviewFailure& failure) {
+              aheads.emplace_back(frame, nullptr);
+              failures.push_back(failure);
+            }});
     if (!ports.empty()) engine->setParameters(ports);
     engine->open(setup);
   }
@@ -194,8 +199,8 @@ TEST_F(PreviewEngineTest, GivesWhatRenderingGives) {
   for (unsigned frame = 3; frame < 7; ++frame) {
     writtenPicture(at("s." + std::to_string(frame) + ".png"), {160, 120}, Depth::Bits8, true, 20 * frame);
   }
-  const std::string command = hostProgram() + " render Levels --input " + at("s.%d.png") + " --frames 3-6 --output " + at("clip.mov") +
-                              " --codec png > /dev/null 2>&1";
+  const std::string command = hostProgram() + " render Levels --input " + at("s.%d.png") + " --frames 3-6 --output " +
+                              at("clip.mov") + " --codec png > /dev/null 2>&1";
   ASSERT_EQ(std::system(command.c_str()), 0);
 
   Framing small;
@@ -242,7 +247,8 @@ TEST_F(PreviewEngineTest, GivesWhatRenderingGives) {
     EXPECT_EQ(engine->opened()->timing, timing);
     TCHistogram count;
     const BitmapRef result = engine->fullPicture()->result;
-    TCCountHistogram({result->data, bytesPerRow(*result), result->width, result->height, result->bitsPerChannel, true}, count);
+    TCCountHistogram({result->data, bytesPerRow(*result), result->width, result->height, result->bitsPerChannel, true},
+                     count);
     EXPECT_EQ(std::memcmp(&count, &counts.second, sizeof count), 0);
   }
 }
@@ -310,12 +316,9 @@ TEST_F(PreviewEngineTest, GoesOnAfterWhatFailsDiesOrHangs) {
     const char* trouble;
     Cause cause;
     const char* text;
-  } cases[] = {{"fail", Cause::Failed, "it was told to"},
-               {"die", Cause::Died, "signal 11"},
-               {"exit", Cause::Died, "exit code 0"},
-               {"die", Cause::Died, "signal 11"},
-               {"die", Cause::Died, "signal 11"},
-               {"hang", Cause::Cancelled, "cancelled"}};
+  } cases[] = {{"fail", Cause::Failed, "it was told to"}, {"die", Cause::Died, "signal 11"},
+               {"exit", Cause::Died, "exit code 0"},      {"die", Cause::Died, "signal 11"},
+               {"die", Cause::Died, "signal 11"},         {"hang", Cause::Cancelled, "cancelled"}};
   for (const auto& [what, cause, text] : cases) {
     for (const int change : {1, 2, 3}) {  // each of which is tried
       failures.clear();

@@ -3,15 +3,15 @@
 
 #include "Host/Messages/Failure.h"
 #include "Host/Preview/BitmapHandover.h"
-#include "Host/Preview/PreviewFrames.h"
+#include "Host/Preview/BitmapReleases.h"
 #include "Host/Preview/QuickSize.h"
-#include "Host/Rendering/Effects.h"
 #include "TarnCore/TCBitmap.h"
 #include "TarnCore/TCBitmapSharing.h"
 #include "TarnCore/TCPixelFormat.h"
 #include "Tests/Support/ChildProcess.h"
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 #include <sys/socket.h>
 
 namespace {
@@ -198,6 +198,28 @@ TEST(PreviewMessages, BitmapsThatAreNoneAreNotTaken) {
   const MutableBitmapRef empty = patterned(100, 100, VortoPixelFormat::RGBA8);
   empty->height = 0;
   EXPECT_FALSE(isTaken(*empty));
+}
+
+// What one process gives back the other still has.
+TEST(BitmapReleases, GiveBackWhatNobodyElseHere) {
+  const Entries entries;
+  const MutableBitmapRef kept = patterned(2600, 2000, VortoPixelFormat::RGBA8);
+  ASSERT_EQ(TCSendBitmap(*kept, entries.mine()), 0);
+  auto releases = BitmapReleases::make();
+  BitmapRef taken = releases->adopted(BitmapRef(TCReceiveBitmap(entries.other(), nullptr)));
+  EXPECT_TRUE(areSame(*taken, *kept));
+  const auto isMapped = [place = reinterpret_cast<std::uintptr_t>(taken->data)] {
+    std::uint8_t resident = 0;
+    return ::mincore(reinterpret_cast<void*>(place), 1, &resident) == 0;
+  };
+  EXPECT_TRUE(isMapped());
+  const std::weak_ptr<BitmapReleases> isThere = releases;
+  releases.reset();
+  EXPECT_FALSE(isThere.expired()) << "there is a bitmap of its own";
+  taken.reset();
+  EXPECT_TRUE(isThere.expired()) << "its thread has ended, and all is done";
+  EXPECT_FALSE(isMapped());
+  EXPECT_TRUE(areSame(*kept, *patterned(2600, 2000, VortoPixelFormat::RGBA8)));
 }
 
 TEST(QuickSize, KeepsTheShapeAndIsNeverLarger) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// A filter that gives its image, and does what "trouble" says: "die"; "hang", whatever signal comes; "slow", which takes
-// 30 ms; "fail"; "exit", which ends the process as if all were well.
+// A filter that gives its image, and does what "trouble" says: "die"; "hang", whatever signal comes; "slow", which
+// takes 30 ms; "fail"; "exit", which ends the process as if all were well.
 #include "Platform/QuartzComposer/GFNodeManager.h"
 #include "Platform/QuartzComposer/QCPatch.h"
 #include "Platform/QuartzComposer/QCPlugIn.h"
