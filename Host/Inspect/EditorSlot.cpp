@@ -49,7 +49,8 @@ void EditorSlot::refresh() {
 }
 
 bool EditorSlot::eventFilter(QObject* watched, QEvent* event) {
-  if (watched == editor_ && event->type() == QEvent::Resize) setFixedSize(editor_->size());
+  // In that order: an editor that is being destroyed sends events too, and is none any more.
+  if (event->type() == QEvent::Resize && watched == editor_) setFixedSize(editor_->size());
   return QWidget::eventFilter(watched, event);
 }
 

@@ -200,6 +200,21 @@ bool EntryField::eventFilter(QObject* watched, QEvent* event) {
   return QWidget::eventFilter(watched, event);
 }
 
+// Keys on which a window may have shortcuts, which are the field's while it has the keyboard.
+bool EntryField::isOwnKey(int key) const {
+  switch (key) {
+    case Qt::Key_Left:
+    case Qt::Key_Right:
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+      return true;
+    case Qt::Key_Escape:
+      return isTyping() || !fault_.isEmpty();
+    default:
+      return false;
+  }
+}
+
 // Keys that a line of text would take for itself, or leave to the window.
 bool EntryField::filterKey(QEvent& event) {
   auto& key = static_cast<QKeyEvent&>(event);
@@ -221,7 +236,11 @@ bool EntryField::filterKey(QEvent& event) {
     const Paste paste = paste_;  // outlives the field
     return mime && paste && paste(*mime);
   }
-  if (!isPress) return false;
+  if (!isPress) {
+    const bool isOwn = isOwnKey(key.key());
+    if (isOwn) event.accept();
+    return isOwn;
+  }
   switch (key.key()) {
     case Qt::Key_Return:
     case Qt::Key_Enter: {

@@ -48,6 +48,8 @@ class EntryField : public QWidget {
   // Takes what was typed, if anything. True when nothing is left to be mended, or the field has been destroyed.
   bool keep(bool goesElsewhere = false);
 
+  virtual bool isOwnKey(int key) const;
+
   bool eventFilter(QObject* watched, QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;

@@ -224,6 +224,11 @@ bool NumberField::eventFilter(QObject* watched, QEvent* event) {
   return EntryField::eventFilter(watched, event);
 }
 
+bool NumberField::isOwnKey(int key) const {
+  const bool steps = key == Qt::Key_Up || key == Qt::Key_Down || key == Qt::Key_PageUp || key == Qt::Key_PageDown;
+  return steps || (key == Qt::Key_Escape && scrubs_) || EntryField::isOwnKey(key);
+}
+
 bool NumberField::filterStepKey(QEvent& event) {
   const auto& key = static_cast<QKeyEvent&>(event);
   const bool isUp = key.key() == Qt::Key_Up || key.key() == Qt::Key_PageUp;

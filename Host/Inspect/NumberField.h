@@ -53,6 +53,7 @@ class NumberField : public EntryField {
   QString take(const QString& typed) override;
   QString shownText() const override;
   QString help() const override;
+  bool isOwnKey(int key) const override;
 
   bool eventFilter(QObject* watched, QEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;

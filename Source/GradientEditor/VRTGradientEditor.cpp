@@ -58,6 +58,7 @@ VRTGradientEditorDelegate* VRTGradientEditor::delegate() const {
 }
 
 void VRTGradientEditor::setGradientPort(VRTGradientPort* port) {
+  const bool hadSelection = getSelectedSample() != nullptr;
   auto retained = VRTObjectReference<VRTGradientPort>(port).lock();
   if (retained != _pGradientPort) endLostInteractions();
   auto old = std::exchange(_pGradientPort, std::move(retained));
@@ -76,7 +77,9 @@ void VRTGradientEditor::setGradientPort(VRTGradientPort* port) {
   }
   if (getGradientChannel()) _shownValue = _pGradientPort->rawValue();
   forgetForeignSelection();
+  const QPointer<VRTGradientEditor> self(this);
   update();
+  if (self && hadSelection && !getSelectedSample()) postSelection();
 }
 
 void VRTGradientEditor::endLostInteractions() {

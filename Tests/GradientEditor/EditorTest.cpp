@@ -227,6 +227,10 @@ TEST(Editor, TellsOfItsSelection) {
   EXPECT_EQ(told.size(), 2u);
   panel.click({panel.xOf(0.1), 5});
   EXPECT_EQ(told.back(), nullptr);
+  panel.clickSample(2);
+  panel.editorPart().setGradientPort(nullptr);
+  EXPECT_EQ(told.back(), nullptr);
+  panel.editorPart().setGradientPort(panel.port.get());
   alsoDo = [&] { delete panel.editor; };
   panel.clickSample(1);
   EXPECT_EQ(panel.editor, nullptr);

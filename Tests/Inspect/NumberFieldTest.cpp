@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <QLineEdit>
+#include <QShortcut>
 #include <QTest>
 #include <QVBoxLayout>
 #include <QWheelEvent>
@@ -173,6 +174,25 @@ TEST_F(NumberFieldTest, ArrowsAndWheelStep) {
   EXPECT_EQ(takeLog(), "( 989");
   inspect_test::handleEvents();
   EXPECT_EQ(takeLog(), "s)") << "what is hidden ends, when others may be told";
+}
+
+// Windows have shortcuts without modifiers, for playing say.
+TEST_F(NumberFieldTest, ItsKeysAreNotTheWindows) {
+  int stolen = 0;
+  std::vector<std::unique_ptr<QShortcut>> shortcuts;
+  for (const int key :
+       {Qt::Key_Left, Qt::Key_Up, Qt::Key_Return, Qt::Key_Escape, Qt::Key_1, Qt::Key_Space, Qt::Key_Home}) {
+    shortcuts.push_back(std::make_unique<QShortcut>(QKeySequence(key), &window));
+    QObject::connect(shortcuts.back().get(), &QShortcut::activated, &window, [&] { ++stolen; });
+  }
+  type(" 1/ 4");
+  for (const int key : {Qt::Key_Home, Qt::Key_Left, Qt::Key_Escape, Qt::Key_Up, Qt::Key_Return}) {
+    QTest::keyClick(&field->line(), static_cast<Qt::Key>(key));
+  }
+  EXPECT_EQ(field->value(), 0.51);
+  EXPECT_EQ(stolen, 0);
+  QTest::keyClick(&field->line(), Qt::Key_Escape);
+  EXPECT_EQ(stolen, 1) << "with nothing to bring back it is the window's";
 }
 
 TEST_F(NumberFieldTest, DraggingScrubs) {
