@@ -41,7 +41,7 @@ class FlatBox : public QDoubleSpinBox {
     const QString text = QDoubleSpinBox::textFromValue(value == 0 ? 0.0 : value);
     return isSigned_ && value > 0 ? '+' + text : text;
   }
-  QSize sizeHint() const override { return {fontMetrics().horizontalAdvance(QStringLiteral("+00.0")) + 12, 20}; }
+  QSize sizeHint() const override { return {fontMetrics().horizontalAdvance(textFromValue(maximum())) + 8, 20}; }
   QSize minimumSizeHint() const override { return sizeHint(); }
 
  protected:
@@ -56,7 +56,9 @@ class FlatBox : public QDoubleSpinBox {
   void keyPressEvent(QKeyEvent* event) override {
     if (event->key() == Qt::Key_Escape) return clearFocus();
     QDoubleSpinBox::keyPressEvent(event);
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) event->accept();
+    if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter) return;
+    event->accept();
+    clearFocus();  // keys are the window's again
   }
 
  private:

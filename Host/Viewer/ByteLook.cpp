@@ -31,9 +31,7 @@ bool isScale(const std::array<std::array<double, 3>, 3>& matrix) {
 
 std::function<double(double)> wholeCurve(const ByteLook::Steps& steps) {
   if (!isScale(steps.matrix)) return steps.fromLight;
-  return [&steps](double x) {
-    return steps.fromLight(steps.matrix[0][0] * (steps.toLight ? steps.toLight(x) : x));
-  };
+  return [&steps](double x) { return steps.fromLight(steps.matrix[0][0] * (steps.toLight ? steps.toLight(x) : x)); };
 }
 
 }  // namespace

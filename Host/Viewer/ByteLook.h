@@ -51,7 +51,7 @@ struct ColorWay {
 class ByteLook {
  public:
   struct Steps {
-    std::function<double(double)> toLight;  // empty: the samples are light
+    std::function<double(double)> toLight;                                           // empty: the samples are light
     std::array<std::array<double, 3>, 3> matrix{{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};  // rows, of light
     std::function<double(double)> fromLight;
   };

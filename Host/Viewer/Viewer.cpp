@@ -181,7 +181,12 @@ void Viewer::takeFrame() {
   }
   frame_ = std::move(frame);
   if (frame_->order.place.visible == frame_->order.place.place) whole_ = std::make_shared<DisplayFrame>(*frame_);
-  if (!frame_->failure.empty()) setNotice(QString::fromStdString(frame_->failure), NoticeKind::Failed);
+  if (!frame_->failure.empty()) {
+    setNotice(QString::fromStdString(frame_->failure), NoticeKind::Failed);
+    saysFailure_ = true;
+  } else if (saysFailure_) {
+    setNotice({}, NoticeKind::None);
+  }
   update();
   changed_.tell();
 }
@@ -202,6 +207,7 @@ QString Viewer::shownAsReason() const {
 }
 
 void Viewer::setNotice(const QString& text, NoticeKind kind, std::function<void()> cancel, double seconds) {
+  saysFailure_ = false;
   notice_->set(text, kind, std::move(cancel), seconds);
 }
 

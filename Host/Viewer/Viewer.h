@@ -142,6 +142,7 @@ class Viewer : public QWidget {
   QPointF dragged_;
   Drag drag_ = Drag::None;
   bool isPeeking_ = false;
+  bool saysFailure_ = false;  // the notice is about the viewer's own work
   bool isSpaceDown_ = false;
   bool isSpaceTap_ = false;
   Listeners changed_, pointed_;

@@ -40,7 +40,8 @@ bool Viewer::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::KeyRelease) {
       const auto* key = static_cast<QKeyEvent*>(event);
       if (key->key() == Qt::Key_X && !key->isAutoRepeat()) setPeeking(false);
-    } else if (event->type() == QEvent::ApplicationDeactivate || event->type() == QEvent::WindowDeactivate) {
+    } else if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::ApplicationDeactivate ||
+               event->type() == QEvent::WindowDeactivate) {
       setPeeking(false);
     }
   }

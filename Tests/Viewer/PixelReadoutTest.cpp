@@ -36,18 +36,36 @@ TEST(PixelReadout, BeforeIsWhatTheFileHolds) {
     std::vector<double> second;
   };
   const Case cases[] = {
-      {Depth::Bits8, Channels::RGBA, AlphaKind::Straight,
-       newBitmap<std::uint8_t>(2, 1, VortoPixelFormat::RGBA8, {9, 9, 9, 9, 250, 17, 3, 51}), {250, 17, 3, 51}},
-      {Depth::Bits8, Channels::RGB, AlphaKind::None,
-       newBitmap<std::uint8_t>(2, 1, VortoPixelFormat::RGBA8, {9, 9, 9, 255, 250, 17, 3, 255}), {250, 17, 3}},
-      {Depth::Bits16, Channels::GrayAlpha, AlphaKind::Straight,
-       newBitmap<std::uint16_t>(2, 1, VortoPixelFormat::RGBA16, {0, 0, 0, 0, 40001, 40001, 40001, 123}), {40001, 123}},
-      {Depth::Bits16, Channels::Gray, AlphaKind::None,
-       newBitmap<std::uint16_t>(2, 1, VortoPixelFormat::RGBA16, {0, 0, 0, 0, 65535, 65535, 65535, 65535}), {65535}},
-      {Depth::Half, Channels::RGB, AlphaKind::None,
-       newBitmap<float>(2, 1, VortoPixelFormat::RGBAFloat, {0, 0, 0, 1, 0.5f, -2.25f, 70, 1}), {0.5, -2.25, 70}},
-      {Depth::Float, Channels::RGBA, AlphaKind::Premultiplied,
-       newBitmap<float>(2, 1, VortoPixelFormat::RGBAFloat, {0, 0, 0, 1, 0.5f, 0.25f, 0, 0.5f}), {0.5, 0.25, 0, 0.5}},
+      {Depth::Bits8,
+       Channels::RGBA,
+       AlphaKind::Straight,
+       newBitmap<std::uint8_t>(2, 1, VortoPixelFormat::RGBA8, {9, 9, 9, 9, 250, 17, 3, 51}),
+       {250, 17, 3, 51}},
+      {Depth::Bits8,
+       Channels::RGB,
+       AlphaKind::None,
+       newBitmap<std::uint8_t>(2, 1, VortoPixelFormat::RGBA8, {9, 9, 9, 255, 250, 17, 3, 255}),
+       {250, 17, 3}},
+      {Depth::Bits16,
+       Channels::GrayAlpha,
+       AlphaKind::Straight,
+       newBitmap<std::uint16_t>(2, 1, VortoPixelFormat::RGBA16, {0, 0, 0, 0, 40001, 40001, 40001, 123}),
+       {40001, 123}},
+      {Depth::Bits16,
+       Channels::Gray,
+       AlphaKind::None,
+       newBitmap<std::uint16_t>(2, 1, VortoPixelFormat::RGBA16, {0, 0, 0, 0, 65535, 65535, 65535, 65535}),
+       {65535}},
+      {Depth::Half,
+       Channels::RGB,
+       AlphaKind::None,
+       newBitmap<float>(2, 1, VortoPixelFormat::RGBAFloat, {0, 0, 0, 1, 0.5f, -2.25f, 70, 1}),
+       {0.5, -2.25, 70}},
+      {Depth::Float,
+       Channels::RGBA,
+       AlphaKind::Premultiplied,
+       newBitmap<float>(2, 1, VortoPixelFormat::RGBAFloat, {0, 0, 0, 1, 0.5f, 0.25f, 0, 0.5f}),
+       {0.5, 0.25, 0, 0.5}},
   };
   for (const Case& wanted : cases) {
     // Another one flows.
@@ -91,7 +109,8 @@ TEST(PixelReadout, QuickPicturesAreSaidToBe) {
                                                          {10, 0, 0, 255, 11, 0, 0, 255, 12, 0, 0, 255, 13, 0, 0, 255}));
   picture->size = {8, 3};
   picture->isFull = false;
-  for (const auto& [x, after, before] : {std::tuple(0, 1, 10), std::tuple(3, 1, 11), std::tuple(4, 2, 12), std::tuple(7, 2, 13)}) {
+  for (const auto& [x, after, before] :
+       {std::tuple(0, 1, 10), std::tuple(3, 1, 11), std::tuple(4, 2, 12), std::tuple(7, 2, 13)}) {
     const auto readout = readPixel(*picture, x, 2);
     ASSERT_TRUE(readout);
     EXPECT_TRUE(readout->isApproximate);
