@@ -34,7 +34,7 @@ ChildProcess started(MessageSocket* entries) {
   *entries = std::move(ends[0]);
   const std::string program = hostProgram();
   if (program.empty()) throw Failure(ExitCode::Unexpected, "the program vorto is not installed beside this one");
-  return {program, {"preview"}, {ends[1].descriptor()}};
+  return {program, {"preview"}, {ends[1].descriptor()}, -1, ChildProcess::Start::Unwatched};
 }
 
 }  // namespace

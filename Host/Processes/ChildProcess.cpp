@@ -92,7 +92,7 @@ std::string causeOf(int status) {
 }  // namespace
 
 ChildProcess::ChildProcess(const std::string& program, const std::vector<std::string>& arguments,
-                           const std::vector<int>& inherited, int input) {
+                           const std::vector<int>& inherited, int input, Start start) {
   const auto refuse = [&] {
     throw Failure(ExitCode::Unexpected, program + " could not be started: " + std::strerror(errno));
   };
@@ -120,6 +120,7 @@ ChildProcess::ChildProcess(const std::string& program, const std::vector<std::st
   if (id_ < 0) refuse();
   if (id_ == 0) becomeProgram(program.c_str(), pointers.data(), given, input, parent, signals, failure[1]);
   childsFailureEnd = MessageSocket();
+  if (start == Start::Unwatched) return endWithThisProgram(id_);
   int cause = 0;  // why it is no program; nothing comes once it is one
   ssize_t size;
   while ((size = ::read(failure[0], &cause, sizeof cause)) < 0 && errno == EINTR) {

@@ -21,9 +21,11 @@ class ChildProcess {
  public:
   // `program` is a path. Of the open descriptors the child has standard output and error, its end of the connection as
   // kChildSocket, and copies of `inherited` from kFirstInherited on; its standard input is `input`, or empty for -1.
-  // Throws Failure when it cannot be started.
+  // Throws Failure when it cannot be started. Unwatched nobody waits for that: a program that is none ends with the
+  // exit code 127.
+  enum class Start { Watched, Unwatched };
   ChildProcess(const std::string& program, const std::vector<std::string>& arguments, const std::vector<int>& inherited,
-               int input = -1);
+               int input = -1, Start start = Start::Watched);
   ChildProcess(ChildProcess&& other) noexcept;
   ChildProcess& operator=(ChildProcess&& other) noexcept;
   ~ChildProcess();  // stop()
