@@ -43,7 +43,7 @@ void halve(const VortoBitmap& from, VortoBitmap& to, PictureSize full, unsigned 
   const std::uint32_t whole =
       from.width / 2 - (from.width % 2 == 0 && from.width > 1 ? 1 : 0);  // pairs before the last
   for (std::uint32_t y = 0; y < to.height; ++y) {
-    const From* const upper = source + 2 * y * row;
+    const From* const upper = source + std::size_t{2} * y * row;
     const From* const lower = 2 * y + 1 < from.height ? upper + row : upper;
     const auto [top, bottom] = weightsOf(full.height, level, 2 * y);
     const float half[] = {0.5f * scale * top, 0.5f * scale * bottom};

@@ -12,7 +12,8 @@
 #include <QHBoxLayout>
 #include <QMenu>
 #include <QPainter>
-#include <algorithm>
+#include <cmath>
+#include <utility>
 
 namespace host {
 namespace {
@@ -22,7 +23,7 @@ constexpr double kZooms[] = {1.0 / 8, 1.0 / 4, 1.0 / 2, 1, 2, 4, 8, 16, 32, 64};
 
 QString percentText(double zoom) {
   const double percent = zoom * 100;
-  return windowText("%1 %").arg(percent, 0, 'f', percent < 10 ? 1 : 0);
+  return windowText("%1 %").arg(percent, 0, 'f', percent < 20 && percent != std::round(percent) ? 1 : 0);
 }
 
 QColor mixed(const QColor& a, const QColor& b, float part) {

@@ -59,9 +59,9 @@ TEST(DisplayThread, NewestOrderWinsAndOvertakenOnesAreDropped) {
 }
 
 TEST(DisplayThread, EndsInTheMiddleOfWork) {
-  const auto large = pictureOf(viewer_test::noise(600, 600, VortoPixelFormat::RGBAFloat),
-                               viewer_test::noise(600, 600, VortoPixelFormat::RGBA8));
-  for (int i = 0; i < 12; ++i) {
+  const auto large = pictureOf(viewer_test::noise(240, 240, VortoPixelFormat::RGBAFloat),
+                               viewer_test::noise(240, 240, VortoPixelFormat::RGBA8));
+  for (int i = 0; i < 8; ++i) {
     std::atomic<bool> isAlive = true;
     {
       DisplayThread thread([&] { EXPECT_TRUE(isAlive); });
@@ -89,7 +89,7 @@ TEST(DisplayThread, ShowsBothPicturesAndFailuresAreSaid) {
   EXPECT_EQ(both->result.pixel(0, 0), qRgb(1, 2, 3));
   EXPECT_EQ(both->before.pixel(0, 0), qRgb(4, 5, 6));
   EXPECT_EQ(both->shownAs, "sRGB");
-  order.place.visible = order.place.place = QRect(0, 0, 1 << 20, 1 << 20);
+  order.place.visible = order.place.place = QRect(0, 0, 1 << 30, 1 << 30);
   thread.order(order);
   thread.waitUntilIdle();
   EXPECT_FALSE(thread.take()->failure.empty());
