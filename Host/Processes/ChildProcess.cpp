@@ -120,7 +120,10 @@ ChildProcess::ChildProcess(const std::string& program, const std::vector<std::st
   if (id_ < 0) refuse();
   if (id_ == 0) becomeProgram(program.c_str(), pointers.data(), given, input, parent, signals, failure[1]);
   childsFailureEnd = MessageSocket();
-  if (start == Start::Unwatched) return endWithThisProgram(id_);
+  if (start == Start::Unwatched) {
+    endWithThisProgram(id_);
+    return;
+  }
   int cause = 0;  // why it is no program; nothing comes once it is one
   ssize_t size;
   while ((size = ::read(failure[0], &cause, sizeof cause)) < 0 && errno == EINTR) {

@@ -217,6 +217,7 @@ QImage displayImage(PicturePyramid& pyramid, const DisplayPlace& place, const Di
   ShownRows rows(bitmap, pyramid.level(levelNumber), levelNumber, place, {channels, colors});
   const QPoint corner = place.visible.topLeft() - place.place.topLeft();
   for (int y = 0; y < image.height(); ++y) {
+    checkNotEnded(pyramid.ends());
     bool isOpaque = false;
     const QRgb* const row = rows.row(y, &isOpaque);
     auto* const target = reinterpret_cast<QRgb*>(image.scanLine(y));

@@ -11,13 +11,14 @@ namespace {
 // The pyramids of the pictures that were shown last, so that before and the picture that a quick one stands for stay.
 class Pyramids {
  public:
+  explicit Pyramids(const std::atomic<bool>& ends) : ends_(ends) {}
   PicturePyramid& of(const BitmapRef& bitmap) {
     const auto found = std::find_if(pyramids_.begin(), pyramids_.end(),
                                     [&](const auto& pyramid) { return pyramid->bitmap() == bitmap; });
     if (found != pyramids_.end()) {
       std::rotate(pyramids_.begin(), found, found + 1);
     } else {
-      pyramids_.insert(pyramids_.begin(), std::make_unique<PicturePyramid>(bitmap));
+      pyramids_.insert(pyramids_.begin(), std::make_unique<PicturePyramid>(bitmap, &ends_));
     }
     if (pyramids_.size() > kMost) pyramids_.pop_back();
     return *pyramids_.front();
@@ -25,12 +26,14 @@ class Pyramids {
 
  private:
   static constexpr std::size_t kMost = 3;
+  const std::atomic<bool>& ends_;
   std::vector<std::unique_ptr<PicturePyramid>> pyramids_;
 };
 
 // What the thread keeps from one order to the next.
 class Workshop {
  public:
+  explicit Workshop(const std::atomic<bool>& ends) : pyramids_(ends) {}
   void make(DisplayFrame& frame) {
     const DisplayOrder& order = frame.order;
     try {
@@ -95,7 +98,7 @@ void DisplayThread::waitUntilIdle() {
 }
 
 void DisplayThread::run() {
-  Workshop workshop;
+  Workshop workshop(ends_);
   for (bool isFirst = true;; isFirst = false) {
     auto frame = std::make_unique<DisplayFrame>();
     {
@@ -108,7 +111,11 @@ void DisplayThread::run() {
       next_.reset();
       isWorking_ = true;
     }
-    workshop.make(*frame);
+    try {
+      workshop.make(*frame);
+    } catch (const DisplayEnded&) {
+      return;
+    }
     {
       const std::lock_guard lock(mutex_);
       frame_.swap(frame);

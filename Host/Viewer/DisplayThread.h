@@ -5,6 +5,7 @@
 #include "Host/Viewer/DisplayColors.h"
 #include "Host/Viewer/DisplayRendering.h"
 
+#include <atomic>
 #include <condition_variable>
 #include <functional>
 #include <mutex>
@@ -38,7 +39,7 @@ class DisplayThread {
  public:
   // `finished` is called on the thread after each frame, which take() then returns, and when the views are known.
   explicit DisplayThread(std::function<void()> finished);
-  ~DisplayThread();  // waits for the order that has begun
+  ~DisplayThread();  // waits for the thread, which leaves the row that it is at
   DisplayThread(const DisplayThread&) = delete;
   DisplayThread& operator=(const DisplayThread&) = delete;
 
@@ -59,7 +60,7 @@ class DisplayThread {
   std::unique_ptr<DisplayFrame> frame_;
   std::vector<DisplayView> views_;
   bool isWorking_ = false;
-  bool ends_ = false;
+  std::atomic<bool> ends_ = false;
   std::thread thread_;
 };
 

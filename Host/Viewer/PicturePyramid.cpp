@@ -35,7 +35,8 @@ To rounded(float value) {
 
 // `scale` takes the samples to the next level's.
 template <class From, class To>
-void halve(const VortoBitmap& from, VortoBitmap& to, PictureSize full, unsigned level, std::array<int, 4> order) {
+void halve(const VortoBitmap& from, VortoBitmap& to, PictureSize full, unsigned level, std::array<int, 4> order,
+           const std::atomic<bool>* ends) {
   constexpr float scale = std::is_same_v<From, std::uint8_t> ? 257.0f : 1.0f;
   const auto* source = reinterpret_cast<const From*>(from.data);
   auto* target = reinterpret_cast<To*>(to.data);
@@ -43,6 +44,7 @@ void halve(const VortoBitmap& from, VortoBitmap& to, PictureSize full, unsigned 
   const std::uint32_t whole =
       from.width / 2 - (from.width % 2 == 0 && from.width > 1 ? 1 : 0);  // pairs before the last
   for (std::uint32_t y = 0; y < to.height; ++y) {
+    checkNotEnded(ends);
     const From* const upper = source + std::size_t{2} * y * row;
     const From* const lower = 2 * y + 1 < from.height ? upper + row : upper;
     const auto [top, bottom] = weightsOf(full.height, level, 2 * y);
@@ -72,18 +74,18 @@ void halve(const VortoBitmap& from, VortoBitmap& to, PictureSize full, unsigned 
 }
 
 // `level` is the one that is halved, `full` the size of level 0.
-BitmapRef halved(const VortoBitmap& from, PictureSize full, unsigned level) {
+BitmapRef halved(const VortoBitmap& from, PictureSize full, unsigned level, const std::atomic<bool>* ends) {
   const bool isFloat = from.formatCode == VortoPixelFormat::RGBAFloat;
   const auto to = newUnsetBitmap((from.width + 1) / 2, (from.height + 1) / 2,
                                  isFloat ? VortoPixelFormat::RGBAFloat : VortoPixelFormat::RGBA16, "the preview");
   const VortoPixelLayout& layout = TCPixelLayoutOf(from.formatCode);
   const std::array<int, 4> order{layout.red, layout.green, layout.blue, layout.alpha};
   if (isFloat) {
-    halve<float, float>(from, *to, full, level, order);
+    halve<float, float>(from, *to, full, level, order, ends);
   } else if (layout.number == VortoPixelLayout::Number::Word) {
-    halve<std::uint16_t, std::uint16_t>(from, *to, full, level, order);
+    halve<std::uint16_t, std::uint16_t>(from, *to, full, level, order, ends);
   } else {
-    halve<std::uint8_t, std::uint16_t>(from, *to, full, level, order);
+    halve<std::uint8_t, std::uint16_t>(from, *to, full, level, order, ends);
   }
   return to;
 }
@@ -93,7 +95,7 @@ BitmapRef halved(const VortoBitmap& from, PictureSize full, unsigned level) {
 const VortoBitmap& PicturePyramid::level(unsigned level) {
   const PictureSize full{levels_[0]->width, levels_[0]->height};
   while (levels_.size() <= level && (levels_.back()->width > 1 || levels_.back()->height > 1)) {
-    levels_.push_back(halved(*levels_.back(), full, static_cast<unsigned>(levels_.size() - 1)));
+    levels_.push_back(halved(*levels_.back(), full, static_cast<unsigned>(levels_.size() - 1), ends_));
   }
   return *levels_[std::min<std::size_t>(level, levels_.size() - 1)];
 }
