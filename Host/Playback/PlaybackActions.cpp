@@ -8,7 +8,7 @@
 
 namespace host {
 
-PlaybackActions::PlaybackActions(Player& player, std::function<void()> typing, QObject* parent)
+PlaybackActions::PlaybackActions(Player& player, const std::function<void()>& typing, QObject* parent)
     : QObject(parent), player_(player) {
   play = add("Play", {}, [this] { player_.togglePlaying(); });
   playBackward = add("Play Backward", Qt::SHIFT | Qt::Key_Space,

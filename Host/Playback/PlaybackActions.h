@@ -16,7 +16,7 @@ class Player;
 class PlaybackActions : public QObject {
  public:
   // `goToPosition` lets people type one.
-  PlaybackActions(Player& player, std::function<void()> goToPosition, QObject* parent);
+  PlaybackActions(Player& player, const std::function<void()>& goToPosition, QObject* parent);
 
   // In groups, with separators between them.
   const QList<QAction*>& all() const { return all_; }

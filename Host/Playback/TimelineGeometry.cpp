@@ -137,10 +137,11 @@ class TickMaker {
     while (perSecond % step != 0 || static_cast<double>(step) * pointsPerFrame_ < apart_) ++step;
     const std::uint64_t parts = partsOf(step, static_cast<double>(step) * pointsPerFrame_);
     forSeconds(1, [&](double frame, double next, const QString&) {
-      for (double at = frame; at < next - 0.5; at += static_cast<double>(step)) {
+      for (std::uint64_t i = 0; frame + static_cast<double>(i) < next - 0.5; i += step) {
+        const double at = frame + static_cast<double>(i);
         if (at < 0) continue;
-        const auto index = static_cast<std::uint64_t>(at);
-        addWithParts(at, at + static_cast<double>(step), parts, positionText(times_, index, unit_));
+        const QString label = positionText(times_, static_cast<std::uint64_t>(at), unit_);
+        addWithParts(at, at + static_cast<double>(step), parts, label);
       }
     });
   }

@@ -293,7 +293,7 @@ void TimelineStrip::keyPressEvent(QKeyEvent* event) {
   switch (event->key()) {
     case Qt::Key_Left:
     case Qt::Key_Right:
-      return player_.step((event->key() == Qt::Key_Left ? -1 : 1) * (isFar ? 10 : 1));
+      return player_.step(event->key() == Qt::Key_Left ? (isFar ? -10 : -1) : (isFar ? 10 : 1));
     case Qt::Key_PageUp:
     case Qt::Key_PageDown:
       return player_.step(event->key() == Qt::Key_PageUp ? -10 : 10);
