@@ -128,8 +128,8 @@ void EffectWindow::openSession(const InspectOptions& options, const EffectSessio
                                   .loaded = [this](QCPort& port) { column_->loaded(port); },
                                   .held =
                                       [this](bool held) {
-                                        if (engine_) engine_->setHeld(held);
                                         player_.setHeld(held);
+                                        holdPictures();
                                       },
                                   .changed = [this] { updateTitle(); }});
   fillColumn();
@@ -188,8 +188,7 @@ void EffectWindow::startEngine(bool isAgain) {
 void EffectWindow::listenToEngine() {
   PreviewEngine::Told told;
   told.opened = [this](const PreviewOpened& opened) {
-    player_.setTimes(playbackTimesOf(opened));
-    player_.goTo(opened.start);
+    player_.setTimes(playbackTimesOf(opened), opened.start);
   };
   told.refused = [this](const PreviewFailure& failure) { showFailure(failure, true); };
   told.pictured = [this](const PreviewPictureRef& picture, const VortoHash128& fingerprint) {
@@ -238,6 +237,7 @@ void EffectWindow::valueChanged() {
 
 void EffectWindow::giveParameters() {
   if (!engine_) return;
+  if (engine_->frame() != player_.position()) engine_->goTo(player_.position());
   engine_->setParameters(session_->document().parameters());
   player_.parametersChanged();
 }
@@ -249,8 +249,14 @@ void EffectWindow::pictured(const PreviewPictureRef& picture, const VortoHash128
   updateInfo();
 }
 
+// A hand drags: a parameter, or the playhead.
+void EffectWindow::holdPictures() {
+  if (engine_) engine_->setHeld(session_->document().history().isInteracting() || player_.isScrubbing());
+}
+
 // While it plays the player orders what it needs.
 void EffectWindow::positionChanged() {
+  holdPictures();
   if (engine_ && !player_.isPlaying() && engine_->frame() != player_.position()) engine_->goTo(player_.position());
 }
 
@@ -276,6 +282,7 @@ void EffectWindow::showFailure(const PreviewFailure& failure, bool isRefusal) {
     if (engine_) engine_->render();
   };
   viewer_->setNotice(isCanceled ? windowText("Canceled") : text, Viewer::NoticeKind::Failed, tryAgain);
+  if (engine_ && !isRefusal) player_.deliverFailure(failure.frame, engine_->fingerprint(), text);
   if (!isCanceled)
     activity_->addFailure(isRefusal ? windowText("Cannot be opened") : windowText("Cannot be rendered"), text);
 }

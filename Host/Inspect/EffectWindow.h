@@ -96,6 +96,7 @@ class EffectWindow : public QMainWindow {
   void giveParameters();
   void pictured(const PreviewPictureRef& picture, const VortoHash128& fingerprint);
   void positionChanged();
+  void holdPictures();
   void showBusy(const PreviewBusy& busy);
   void showFailure(const PreviewFailure& failure, bool isRefusal);
   void showActivity();
