@@ -128,7 +128,7 @@ class PreviewEngine::Work {
   PreviewFailure deathOf(const PreviewTask& task, const std::string& cause) const;
 
   EndingProcesses ending_;  // outlives the lanes
-  std::shared_ptr<BitmapReleases> releases_ = BitmapReleases::make();
+  std::shared_ptr<BitmapReleases> releases_ = BitmapReleases::shared();
   PreviewLane full_;
   PreviewLane quick_;
   PreviewLane ahead_;

@@ -12,10 +12,11 @@
 namespace host {
 
 // Gives large bitmaps back that processes share, on a thread of its own: the kernel takes a tenth of a second for the
-// pages of half a gigabyte, which nobody who shows pictures can wait for. It lives as long as any of its bitmaps.
+// pages of half a gigabyte, which nobody who shows pictures can wait for.
 class BitmapReleases : public std::enable_shared_from_this<BitmapReleases> {
  public:
-  static std::shared_ptr<BitmapReleases> make() { return std::shared_ptr<BitmapReleases>(new BitmapReleases); }
+  // The one of the process, so that those who close a window wait for none of it; the end of the program does.
+  static std::shared_ptr<BitmapReleases> shared();
   ~BitmapReleases();  // when all is given back
   BitmapReleases(const BitmapReleases&) = delete;
   BitmapReleases& operator=(const BitmapReleases&) = delete;

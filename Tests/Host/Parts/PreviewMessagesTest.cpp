@@ -205,7 +205,7 @@ TEST(BitmapReleases, GiveBackWhatNobodyElseHere) {
   const Entries entries;
   const MutableBitmapRef kept = patterned(2600, 2000, VortoPixelFormat::RGBA8);
   ASSERT_EQ(TCSendBitmap(*kept, entries.mine()), 0);
-  auto releases = BitmapReleases::make();
+  auto releases = BitmapReleases::shared();
   BitmapRef taken = releases->adopted(BitmapRef(TCReceiveBitmap(entries.other(), nullptr)));
   EXPECT_TRUE(areSame(*taken, *kept));
   const auto isMapped = [place = reinterpret_cast<std::uintptr_t>(taken->data)] {
