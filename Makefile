@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: BSD-3-Clause
 # The front door. Each target installs what it needs, builds, and runs; see README.md.
-.PHONY: all demo farm test bench bench-jobs asan asan-foreign-bytes tsan fuzz install package format tidy clean
+.PHONY: all demo farm session test bench bench-jobs asan asan-foreign-bytes tsan fuzz install package format tidy clean
 PREFIX ?= /usr/local
 
 all:
@@ -21,6 +21,12 @@ test: all
 	@scripts/check-format
 	@cmake --build --preset release --target tests
 	@ctest --preset release
+
+# Somebody works with the inspector, on a screen of its own: pictures in out/session, and how long events took.
+session: all
+	@scripts/install-dependencies xvfb openbox libxcb-cursor0
+	@cmake --build --preset release --target test-session
+	@scripts/inspector-session build/release out/session
 
 asan:
 	@scripts/install-dependencies

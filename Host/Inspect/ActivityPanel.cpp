@@ -20,6 +20,7 @@ namespace host {
 namespace {
 
 constexpr int kMostRows = 100;
+constexpr int kMostHeight = 168;
 
 QToolButton* newButton(const QString& text, const QString& name, QWidget* parent) {
   auto* button = new QToolButton(parent);
@@ -132,7 +133,12 @@ void ActivityPanel::remove(ActivityRow* row) {
   tell();
 }
 
+QSize ActivityPanel::sizeHint() const {
+  return {400, std::min(content_->sizeHint().height() + 2, kMostHeight)};
+}
+
 void ActivityPanel::tell() {
+  setFixedHeight(sizeHint().height());
   if (changed_) changed_();
 }
 

@@ -36,7 +36,7 @@ class ActivityPanel : public QScrollArea {
   void cancelJobs();
   void clearFinished();
 
-  QSize sizeHint() const override { return {400, 148}; }
+  QSize sizeHint() const override;  // as high as what it shows, up to three rows or so
 
  private:
   void add(ActivityRow* row);

@@ -322,6 +322,7 @@ void EffectWindow::showActivity() {
   activityButton_->setAccessibleName(windowText("Activity") + ": " + summary);
   activityButton_->setVisible(!summary.isEmpty());
   if (summary.isEmpty()) activityButton_->setChecked(false);
+  timeline_->fit();
   if (isClosing_) closeWhenJobsEnded();
 }
 
@@ -345,6 +346,7 @@ void EffectWindow::updateInfo() {
                          .arg(picture->size.height)
                          .arg(depth)
                          .arg(viewer_->zoom() * 100, 0, 'f', 0));
+  timeline_->fit();
 }
 
 // Inputs and effects.

@@ -105,6 +105,7 @@ class EffectWindow : public QMainWindow {
   void updateInfo();
 
   void openDialog(std::size_t input, bool asSequence);
+  QString saveFolder() const;
   void savePicture();
   void exportFrames();
   void closeWhenJobsEnded();

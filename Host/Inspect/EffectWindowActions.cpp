@@ -24,6 +24,7 @@
 
 #include <QActionGroup>
 #include <QCloseEvent>
+#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMenuBar>
@@ -203,9 +204,17 @@ void EffectWindow::openDialog(std::size_t input, bool asSequence) {
   take({QString::fromStdString(*pattern)}, input);
 }
 
+// Where something was saved last, at first beside the first input.
+QString EffectWindow::saveFolder() const {
+  const QString last = application_.preferences().text("saveFolder");
+  if (!last.isEmpty() && QFileInfo(last).isDir()) return last;
+  return options_.inputs.empty() ? QDir::homePath()
+                                 : QFileInfo(QString::fromStdString(options_.inputs[0])).absolutePath();
+}
+
 void EffectWindow::savePicture() {
   if (!engine_) return messages_->show(windowText("There is no picture to save."));
-  const QString folder = application_.preferences().text("saveFolder");
+  const QString folder = saveFolder();
   const QString path = QFileDialog::getSaveFileName(this, windowText("Save Picture"),
                                                     folder + '/' + QString::fromStdString(session_->name()) + ".png",
                                                     windowText("Pictures (*.png *.jpg *.jpeg *.tif *.tiff *.exr)"));
@@ -249,7 +258,7 @@ void EffectWindow::exportFrames() {
   what.name = options_.inputs.empty() ? QString::fromStdString(session_->name()) : stemOf(options_.inputs[0]);
   what.name += '-' + QString::fromStdString(session_->name()).toLower().replace(' ', '-');
   auto* dialog = new ExportDialog(
-      what, application_.preferences().text("saveFolder"),
+      what, saveFolder(),
       [this](const QString& output, const QStringList& arguments) {
         application_.preferences().setText("saveFolder", QFileInfo(output).absolutePath());
         startJob(output, arguments);

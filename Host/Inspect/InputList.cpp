@@ -40,6 +40,10 @@ InputList::InputList(const QStringList& roles, Told told, QWidget* parent) : QWi
     button->setFixedHeight(kRowHeight);
     button->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     button->setToolButtonStyle(Qt::ToolButtonTextOnly);
+    button->setStyleSheet(
+        "QToolButton { background: palette(base); border: 1px solid palette(light); border-radius: 4px; padding: 2px 6px; }"
+        "QToolButton:hover { background: palette(button); }"
+        "QToolButton:focus { border-color: palette(highlight); }");
     label->setBuddy(button);
     layout->addWidget(label);
     layout->addWidget(button, 1);

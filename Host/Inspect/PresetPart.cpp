@@ -20,6 +20,7 @@ PresetPart::PresetPart(QCPort& port, StateKind kind, QWidget* parent)
   button_->setArrowType(Qt::RightArrow);
   button_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
   button_->setAutoRaise(true);
+  button_->setStyleSheet("QToolButton { border: none; padding: 2px; } QToolButton:focus { color: palette(highlight); }");
   button_->setCheckable(true);
   button_->setFocusPolicy(Qt::StrongFocus);
   QObject::connect(button_, &QToolButton::toggled, this, [this](bool on) { setOpen(on); });

@@ -30,6 +30,7 @@ class TimelineBar : public QWidget {
 
   void setPictureText(const QString& text);
   void setInfo(QWidget* widget);  // in the place of that text; the bar takes it over
+  void fit();                     // leaves out what finds no room; for when the size of that widget is another
 
   PlaybackActions& playbackActions() { return *actions_; }
   TimelineStrip& strip() { return *strip_; }
@@ -51,7 +52,6 @@ class TimelineBar : public QWidget {
   void showFigures();
   void nextUnit();
   void nextLooping();
-  void fit();
 
   Player& player_;
   PlaybackActions* actions_;
