@@ -177,9 +177,17 @@ void ActivityPanel::addJob(const QString& title,
 }
 
 void ActivityPanel::addFailure(const QString& title, const QString& text) {
-  if (!rows_.isEmpty() && rows_.first()->isFailure && rows_.first()->detail() == text) return;
+  addText(title, text, true);
+}
+
+void ActivityPanel::addRemark(const QString& text) {
+  addText(windowText("Remark"), text, false);
+}
+
+void ActivityPanel::addText(const QString& title, const QString& text, bool isFailure) {
+  if (!rows_.isEmpty() && !rows_.first()->job && rows_.first()->detail() == text) return;
   auto* row = new ActivityRow(title, content_);
-  row->isFailure = true;
+  row->isFailure = isFailure;
   row->setDetail(text);
   auto* close = newButton(QStringLiteral("\u00d7"), windowText("Take it from the list"), row);
   QObject::connect(close, &QToolButton::clicked, row, [this, row] { remove(row); });
@@ -207,7 +215,10 @@ QString ActivityPanel::summary() const {
   if (const int problems = failures(); problems > 0) {
     parts.append(problems == 1 ? windowText("1 problem") : windowText("%1 problems").arg(problems));
   }
-  if (parts.isEmpty() && !rows_.isEmpty()) parts.append(windowText("Exports done"));
+  if (parts.isEmpty() && !rows_.isEmpty()) {
+    const bool hasJob = std::ranges::any_of(rows_, [](const ActivityRow* row) { return row->job != nullptr; });
+    parts.append(hasJob ? windowText("Exports done") : windowText("Remark"));
+  }
   return parts.join(", ");
 }
 

@@ -30,6 +30,7 @@ class ActivityPanel : public QScrollArea {
               const std::function<std::unique_ptr<class RenderJob>(std::function<void()> told)>& start);
   // A failure with the same text as the newest one is not added again.
   void addFailure(const QString& title, const QString& text);
+  void addRemark(const QString& text);  // what is to be said and is no problem; the same
 
   int runningJobs() const;
   int failures() const;
@@ -39,6 +40,7 @@ class ActivityPanel : public QScrollArea {
   QSize sizeHint() const override;  // as high as what it shows, up to three rows or so
 
  private:
+  void addText(const QString& title, const QString& text, bool isFailure);
   void add(ActivityRow* row);
   void remove(ActivityRow* row);
   void tell();

@@ -187,9 +187,7 @@ void EffectWindow::startEngine(bool isAgain) {
 
 void EffectWindow::listenToEngine() {
   PreviewEngine::Told told;
-  told.opened = [this](const PreviewOpened& opened) {
-    player_.setTimes(playbackTimesOf(opened), opened.start);
-  };
+  told.opened = [this](const PreviewOpened& opened) { player_.setTimes(playbackTimesOf(opened), opened.start); };
   told.refused = [this](const PreviewFailure& failure) { showFailure(failure, true); };
   told.pictured = [this](const PreviewPictureRef& picture, const VortoHash128& fingerprint) {
     pictured(picture, fingerprint);
@@ -206,9 +204,7 @@ void EffectWindow::listenToEngine() {
   told.aheadFailed = [this](std::uint64_t frame, const VortoHash128& fingerprint, const PreviewFailure& failure) {
     player_.deliverFailure(frame, fingerprint, QString::fromStdString(failure.text));
   };
-  told.remarked = [this](const std::string& text) {
-    activity_->addFailure(windowText("Remark"), QString::fromStdString(text));
-  };
+  told.remarked = [this](const std::string& text) { activity_->addRemark(QString::fromStdString(text)); };
   session_->engine().addListener(std::move(told));
 }
 
@@ -217,7 +213,7 @@ void EffectWindow::connectPlayer() {
       *this, {.showFrame = [this](std::uint64_t, const PreviewPictureRef& picture) { viewer_->setPicture(picture); },
               .positionChanged = [this] { positionChanged(); },
               .stateChanged = [this] { positionChanged(); },
-              .remark = [this](const QString& text) { activity_->addFailure(windowText("Playback"), text); }});
+              .remark = [this](const QString& text) { activity_->addRemark(text); }});
 }
 
 void EffectWindow::connectViewer() {
@@ -291,9 +287,7 @@ bool EffectWindow::waitForPicture(int milliseconds) {
   if (give_.isPending()) give_.runNow();
   QElapsedTimer waited;
   waited.start();
-  const auto isDone = [this] {
-    return !engine_ || (engine_->isSettled() && !give_.isPending());
-  };
+  const auto isDone = [this] { return !engine_ || (engine_->isSettled() && !give_.isPending()); };
   while (!isDone() && !waited.hasExpired(milliseconds)) {
     QApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);
   }
@@ -342,10 +336,10 @@ void EffectWindow::updateInfo() {
                             ? windowText("half")
                             : windowText("%1-bit").arg(picture->depth == Depth::Bits16 ? 16 : 8);
   pictureText_->setText(QStringLiteral("%1 \u00d7 %2   %3   %4 %")
-                         .arg(picture->size.width)
-                         .arg(picture->size.height)
-                         .arg(depth)
-                         .arg(viewer_->zoom() * 100, 0, 'f', 0));
+                            .arg(picture->size.width)
+                            .arg(picture->size.height)
+                            .arg(depth)
+                            .arg(viewer_->zoom() * 100, 0, 'f', 0));
   timeline_->fit();
 }
 

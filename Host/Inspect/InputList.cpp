@@ -2,6 +2,7 @@
 #include "Host/Inspect/InputList.h"
 
 #include "Host/Inspect/Drops.h"
+#include "Host/Inspect/FlatButton.h"
 #include "Host/Inspect/InspectorMetrics.h"
 #include "Host/Inspect/WindowText.h"
 
@@ -9,7 +10,6 @@
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QToolButton>
 #include <QVBoxLayout>
 #include <utility>
 
@@ -34,22 +34,14 @@ InputList::InputList(const QStringList& roles, Told told, QWidget* parent) : QWi
     layout->setSpacing(6);
     auto* label = new QLabel(roles[i], row);
     label->setFixedWidth(kLabelWidth);
-    auto* button = new QToolButton(row);
-    button->setAutoRaise(false);
-    button->setFocusPolicy(Qt::StrongFocus);
+    auto* button = new FlatButton(FlatButton::Look::Well, row);
     button->setFixedHeight(kRowHeight);
-    button->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
-    button->setToolButtonStyle(Qt::ToolButtonTextOnly);
-    button->setStyleSheet(
-        "QToolButton { background: palette(base); border: 1px solid palette(light); border-radius: 4px; padding: 2px 6px; }"
-        "QToolButton:hover { background: palette(button); }"
-        "QToolButton:focus { border-color: palette(highlight); }");
     label->setBuddy(button);
     layout->addWidget(label);
     layout->addWidget(button, 1);
     column->addWidget(row);
     const auto input = static_cast<std::size_t>(i);
-    QObject::connect(button, &QToolButton::clicked, this, [this, input] { told_.wanted(input); });
+    QObject::connect(button, &QAbstractButton::clicked, this, [this, input] { told_.wanted(input); });
     button->setProperty("role", roles[i]);
     buttons_.append(button);
     rows_.append(row);
@@ -61,9 +53,8 @@ void InputList::setPaths(const QStringList& paths) {
   for (qsizetype i = 0; i < buttons_.size(); ++i) {
     const QString path = paths.value(i);
     const QString name = path.isEmpty() ? windowText("Open\u2026") : QFileInfo(path).fileName();
-    QToolButton* button = buttons_[i];
-    button->setText(
-        button->fontMetrics().elidedText(name, Qt::ElideMiddle, inspectorMetrics::kContentWidth - kLabelWidth - 40));
+    QAbstractButton* button = buttons_[i];
+    button->setText(name);
     button->setToolTip(path.isEmpty() ? windowText("Open a picture, sequence or clip, or drop one here") : path);
     button->setAccessibleName(button->property("role").toString() + ": " + name);
   }

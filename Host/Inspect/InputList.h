@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <functional>
 
-class QToolButton;
+class QAbstractButton;
 
 namespace host {
 
@@ -29,7 +29,7 @@ class InputList : public QWidget {
 
  private:
   const Told told_;
-  QList<QToolButton*> buttons_;
+  QList<QAbstractButton*> buttons_;
   QList<QWidget*> rows_;
 };
 

@@ -2,7 +2,6 @@
 #include "Host/Inspect/InspectorColumn.h"
 
 #include "HistogramEditor/VRTHistogramEditor.h"
-#include "TarnCore/TCHistogram.h"
 #include "Host/Inspect/Appearance.h"
 #include "Host/Inspect/DocumentActions.h"
 #include "Host/Inspect/EditorSlot.h"
@@ -12,6 +11,7 @@
 #include "Host/Inspect/ParameterSection.h"
 #include "Host/Inspect/ValueEditors.h"
 #include "Host/Rendering/PortKinds.h"
+#include "TarnCore/TCHistogram.h"
 
 #include <QHBoxLayout>
 #include <QLabel>

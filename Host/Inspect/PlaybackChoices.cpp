@@ -10,7 +10,9 @@ namespace host {
 QString playbackChoices(const Player& player) {
   QStringList words;
   words << (player.mode() == PlayMode::EveryFrame ? "every" : "real");
-  words << (player.looping() == Looping::Off ? "off" : player.looping() == Looping::Around ? "around" : "back-and-forth");
+  words << (player.looping() == Looping::Off      ? "off"
+            : player.looping() == Looping::Around ? "around"
+                                                  : "back-and-forth");
   words << (player.readsAhead() ? "ahead" : "not-ahead");
   words << QString::number(player.cache().budget());
   return words.join(' ');

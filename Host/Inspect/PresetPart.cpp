@@ -1,29 +1,23 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Inspect/PresetPart.h"
 
+#include "Host/Inspect/FlatButton.h"
 #include "Host/Inspect/InspectorMetrics.h"
 #include "Host/Inspect/PresetTray.h"
 #include "Host/Inspect/UndoHistory.h"
 #include "Host/Inspect/WindowText.h"
 #include "Platform/QuartzComposer/QCPort.h"
 
-#include <QToolButton>
 #include <QVBoxLayout>
 
 namespace host {
 
 PresetPart::PresetPart(QCPort& port, StateKind kind, QWidget* parent)
-    : QWidget(parent), port_(port), kind_(kind), button_(new QToolButton(this)) {
+    : QWidget(parent), port_(port), kind_(kind), button_(new FlatButton(FlatButton::Look::Disclosure, this)) {
   setFixedWidth(inspectorMetrics::kContentWidth);
   button_->setText(windowText("Presets"));
   button_->setAccessibleName(windowText("Presets"));
-  button_->setArrowType(Qt::RightArrow);
-  button_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-  button_->setAutoRaise(true);
-  button_->setStyleSheet("QToolButton { border: none; padding: 2px; } QToolButton:focus { color: palette(highlight); }");
-  button_->setCheckable(true);
-  button_->setFocusPolicy(Qt::StrongFocus);
-  QObject::connect(button_, &QToolButton::toggled, this, [this](bool on) { setOpen(on); });
+  QObject::connect(button_, &QAbstractButton::toggled, this, [this](bool on) { setOpen(on); });
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins(0, 0, 0, 0);
   column->setSpacing(4);
@@ -32,7 +26,6 @@ PresetPart::PresetPart(QCPort& port, StateKind kind, QWidget* parent)
 
 void PresetPart::setOpen(bool open) {
   button_->setChecked(open);
-  button_->setArrowType(open ? Qt::DownArrow : Qt::RightArrow);
   if (open && !tray_) {
     tray_ = new PresetTray(kind_,
                            {.present = [this] { return port_.stateValue(); },

@@ -6,10 +6,10 @@
 #include <QWidget>
 
 class QCPort;
-class QToolButton;
 
 namespace host {
 
+class FlatButton;
 class PresetTray;
 
 // The presets of a parameter, folded away until they are wanted: a button that opens the tray beneath it. The tray is
@@ -26,7 +26,7 @@ class PresetPart : public QWidget {
  private:
   QCPort& port_;
   const StateKind kind_;
-  QToolButton* button_;
+  FlatButton* button_;
   PresetTray* tray_ = nullptr;
 };
 

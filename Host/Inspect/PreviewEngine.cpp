@@ -23,7 +23,8 @@ namespace {
 using Timing = PreviewOpened::Timing;
 using Kind = PreviewTask::Kind;
 
-// A full picture that takes less is on the screen as fast as a quick one would be, though it is to be made smaller there.
+// A full picture that takes less is on the screen as fast as a quick one would be, though it is to be made smaller
+// there.
 constexpr double kCheapMilliseconds = 3;
 // What full pictures are taken to need before one was rendered.
 constexpr double kMillisecondsPerMegabyte = 0.6;

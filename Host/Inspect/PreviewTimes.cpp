@@ -29,8 +29,7 @@ PlaybackTimes playbackTimesOf(const PreviewOpened& opened) {
     case PreviewOpened::Timing::Frames:
       break;
   }
-  PlaybackTimes times =
-      opened.shown.empty() ? PlaybackTimes::even(opened.count, opened.rate) : unevenTimes(opened);
+  PlaybackTimes times = opened.shown.empty() ? PlaybackTimes::even(opened.count, opened.rate) : unevenTimes(opened);
   times.setFirstNumber(opened.firstNumber);
   if (opened.timeCode) times.setFirstTimeCode(*opened.timeCode);
   return times;

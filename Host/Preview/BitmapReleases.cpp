@@ -11,7 +11,7 @@
 namespace host {
 namespace {
 
-constexpr std::size_t kLarge = std::size_t{1} << 20;  // bytes; a hundred of them go at once when a cache is emptied
+constexpr std::size_t kLarge = std::size_t{1} << 20;   // bytes; a hundred of them go at once when a cache is emptied
 constexpr std::size_t kSlice = std::size_t{16} << 20;  // that others wait for who map memory meanwhile
 
 // Its pages go while nobody else waits: a second mapping keeps them until the bitmap, whose memory calls lock all

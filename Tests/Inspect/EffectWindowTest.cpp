@@ -4,6 +4,7 @@
 #include "Channels/VRTChannelGradient.h"
 #include "Controls/VRTTransientColorPicker.h"
 #include "Editors/VRTEditors.h"
+#include "Host/Files/PictureReading.h"
 #include "Host/Inspect/ActivityPanel.h"
 #include "Host/Inspect/DocumentActions.h"
 #include "Host/Inspect/EditorSlot.h"
@@ -11,7 +12,6 @@
 #include "Host/Inspect/InspectorColumn.h"
 #include "Host/Inspect/MessageBar.h"
 #include "Host/Inspect/ParameterSection.h"
-#include "Host/Files/PictureReading.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Viewer/Viewer.h"
 #include "Ports/VRTObjects.h"
@@ -382,7 +382,8 @@ TEST_F(EffectWindowTest, SavedPicturesAndExportsAreRendersOfTheirOwn) {
     std::memcpy(bitmap->data + i * 2, &value, 2);
   }
   for (int frame = 1; frame <= 3; ++frame) {
-    host::writePicture(at("in." + std::to_string(frame) + ".tif"), {bitmap, host::Depth::Bits16, host::Channels::RGB, {}});
+    host::writePicture(at("in." + std::to_string(frame) + ".tif"),
+                       {bitmap, host::Depth::Bits16, host::Channels::RGB, {}});
   }
   open(optionsFor("Levels", {at("in.%d.tif")}));
   setBlackOut(0.25);

@@ -80,19 +80,36 @@ struct Materials {
     const QString photos = VORTO_PHOTOS;
     const QString size = small ? "320x180" : "1920x1080";
     if (!QFile::exists(clip)) {
-      check(run("ffmpeg", {"-y", "-loglevel", "error", "-loop", "1", "-i", photos + "/coffee.png", "-f", "lavfi", "-i",
-                           "sine=440", "-t", small ? "1" : "4", "-vf",
-                           "zoompan=z='1+0.004*on':d=1:fps=25:s=" + size, "-pix_fmt", "yuv420p", "-c:a", "aac", clip}),
+      check(run("ffmpeg", {"-y",
+                           "-loglevel",
+                           "error",
+                           "-loop",
+                           "1",
+                           "-i",
+                           photos + "/coffee.png",
+                           "-f",
+                           "lavfi",
+                           "-i",
+                           "sine=440",
+                           "-t",
+                           small ? "1" : "4",
+                           "-vf",
+                           "zoompan=z='1+0.004*on':d=1:fps=25:s=" + size,
+                           "-pix_fmt",
+                           "yuv420p",
+                           "-c:a",
+                           "aac",
+                           clip}),
             "a clip is made");
     }
     if (!QFile::exists(big)) {
-      check(run(vorto, {"render", "Levels", "--input", photos + "/chelsea.png", "--size", small ? "768x432" : "7680x4320",
-                        "--depth", "float", "--output", big}),
+      check(run(vorto, {"render", "Levels", "--input", photos + "/chelsea.png", "--size",
+                        small ? "768x432" : "7680x4320", "--depth", "float", "--output", big}),
             "a float picture is made");
     }
     if (!QFile::exists(deep)) {
-      check(run(vorto, {"render", "Levels", "--input", photos + "/rocket.jpg", "--size", small ? "400x266" : "2400x1600",
-                        "--depth", "16", "--output", deep}),
+      check(run(vorto, {"render", "Levels", "--input", photos + "/rocket.jpg", "--size",
+                        small ? "400x266" : "2400x1600", "--depth", "16", "--output", deep}),
             "a 16-bit picture is made");
     }
   }
@@ -131,8 +148,9 @@ class Session {
     check(longest.milliseconds <= kMostMilliseconds, "an event took too long");
     window_->viewer().showNow();
     QWidget* of = shown ? shown : window_;
-    check(of->grab().save(QStringLiteral("%1/%2-%3.png").arg(pictures_).arg(++steps_, 2, 10, QLatin1Char('0')).arg(name)),
-          "a picture is saved");
+    check(
+        of->grab().save(QStringLiteral("%1/%2-%3.png").arg(pictures_).arg(++steps_, 2, 10, QLatin1Char('0')).arg(name)),
+        "a picture is saved");
     application_.takeLongest();  // that of the picture is none of the person's
   }
   void settle() {

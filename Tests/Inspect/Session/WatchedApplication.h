@@ -10,8 +10,8 @@
 #include <algorithm>
 
 // Notes how long the event thread takes for one event: the time until the next could be handled, without that in which
-// the thread was ready and other threads and processes had the processors. Events that run a loop of their own (dialogs)
-// are not counted, those within it are.
+// the thread was ready and other threads and processes had the processors. Events that run a loop of their own
+// (dialogs) are not counted, those within it are.
 class WatchedApplication : public QApplication {
  public:
   using QApplication::QApplication;
