@@ -149,6 +149,10 @@ PlanPart chunkOf(const RenderOptions& options, std::uint64_t count) {
   return {first, std::min<std::uint64_t>(*frames->chunk, count - first)};
 }
 
+bool isOneFrame(const RenderOptions& options, const std::optional<ChunkedFrames>& frames) {
+  return frames && (frames->frames.count() == 1 || (options.timing.chunk > 0 && frames->chunk == 1u));
+}
+
 }  // namespace
 
 ChunkedFrames parsedChunkedFrames(const std::string& text) {
@@ -177,6 +181,9 @@ RenderTiming::RenderTiming(const RenderOptions& options, EffectKind kind, const 
   const OutputKind output = outputKindOf(options);
   const auto frames = framesOption(options);
   const bool isMoving = inputs.areSequence() || inputs.haveClip() || frames;
+  if (output == OutputKind::Picture && isMoving && !isOneFrame(options, frames)) {
+    refuse("the output of a sequence needs the frame's number in its name, as in out.%04d.png");
+  }
   if (isMoving || output == OutputKind::Sequence || output == OutputKind::Clip) {
     if (!isMoving) refuse("--output " + options.output + " is a sequence: give its frames with --frames A-B");
   }
@@ -205,9 +212,6 @@ RenderTiming::RenderTiming(const RenderOptions& options, EffectKind kind, const 
     refuse("--chunk: a clip is written as a whole; render its frames into a sequence");
   }
   part_ = chunkOf(options, plan_->count());
-  if (output == OutputKind::Picture && part_.count > 1) {
-    refuse("the output of a sequence needs the frame's number in its name, as in out.%04d.png");
-  }
 }
 
 }  // namespace host

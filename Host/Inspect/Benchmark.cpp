@@ -3,6 +3,7 @@
 
 #include "Host/Commands/OptionValues.h"
 #include "Host/Inspect/PreviewEngine.h"
+#include "Host/Inspect/WindowSystem.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Messages/Json.h"
 #include "Host/Rendering/EffectRendering.h"
@@ -255,6 +256,7 @@ void Benchmark::ahead() {
 void runBenchmark(const InspectOptions& options, int argc, char** argv) {
   if (options.effect.empty()) throw Failure(ExitCode::Usage, "--benchmark: give an effect");
   qputenv("QT_QPA_PLATFORM", "offscreen");
+  prepareWindowSystem(options);
   const QApplication application(argc, argv);
   Benchmark(options).run();
 }

@@ -9,7 +9,7 @@ namespace host {
 class FlatButton : public QAbstractButton {
  public:
   enum class Look {
-    Well,      // a field that opens something: its text in the middle of a recessed ground
+    Well,       // a field that opens something: its text in the middle of a recessed ground
     Disclosure  // a heading that folds something away: checkable, with an arrow before its text
   };
   FlatButton(Look look, QWidget* parent);
