@@ -19,11 +19,13 @@
 #include "Host/Rendering/FrameTimes.h"
 #include "Registry/VRTExecutionTraits.h"
 
+#include <sys/prctl.h>
 #include <sys/resource.h>
 
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <csignal>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -291,7 +293,10 @@ void runRender(const RenderOptions& options) {
       return WorkerParts{setupOf(options), output.job};
     });
   }
-  if (options.tellsProgress) Progress::tellInLines();
+  if (options.tellsProgress) {
+    Progress::tellInLines();
+    ::prctl(PR_SET_PDEATHSIG, SIGTERM);  // nobody would hear of it any more
+  }
   checkTime(options.time);
   if (options.timing.rate) checkRate(*options.timing.rate);
   const RenderSetup setup = setupOf(options);

@@ -44,18 +44,18 @@ class ActivityRow : public QWidget {
     detail_->setTextFormat(Qt::PlainText);
     detail_->setWordWrap(true);
     title_->setTextFormat(Qt::PlainText);
-    buttons_ = new QHBoxLayout;
-    buttons_->setSpacing(2);
+    buttons = new QHBoxLayout;
+    buttons->setSpacing(2);
     auto* top = new QHBoxLayout;
     top->setSpacing(12);
     top->addWidget(title_);
     top->addStretch(1);
-    top->addLayout(buttons_);
-    column_ = new QVBoxLayout(this);
-    column_->setContentsMargins(16, 6, 12, 6);
-    column_->setSpacing(3);
-    column_->addLayout(top);
-    column_->addWidget(detail_);
+    top->addLayout(buttons);
+    column = new QVBoxLayout(this);
+    column->setContentsMargins(16, 6, 12, 6);
+    column->setSpacing(3);
+    column->addLayout(top);
+    column->addWidget(detail_);
   }
 
   void setDetail(const QString& text) {
@@ -69,8 +69,8 @@ class ActivityRow : public QWidget {
   std::unique_ptr<RenderJob> job;
   bool isFailure = false;
   QProgressBar* progress = nullptr;
-  QHBoxLayout* buttons_;
-  QVBoxLayout* column_;
+  QHBoxLayout* buttons;
+  QVBoxLayout* column;
 
  private:
   QLabel* title_;
@@ -149,9 +149,9 @@ void ActivityPanel::addJob(const QString& title,
   row->progress->setTextVisible(false);
   row->progress->setFixedHeight(4);
   row->progress->setAccessibleName(title);
-  row->column_->addWidget(row->progress);
+  row->column->addWidget(row->progress);
   auto* cancel = newButton(windowText("Cancel"), windowText("Cancel the export"), row);
-  row->buttons_->addWidget(cancel);
+  row->buttons->addWidget(cancel);
   add(row);
   row->job = start([this, row, cancel] {
     if (!row->job) return;
@@ -163,11 +163,11 @@ void ActivityPanel::addJob(const QString& title,
         const QString path = QFileInfo(row->job->output()).absolutePath();
         QObject::connect(folder, &QToolButton::clicked, row,
                          [path] { QDesktopServices::openUrl(QUrl::fromLocalFile(path)); });
-        row->buttons_->addWidget(folder);
+        row->buttons->addWidget(folder);
       }
       auto* close = newButton(QStringLiteral("\u00d7"), windowText("Take it from the list"), row);
       QObject::connect(close, &QToolButton::clicked, row, [this, row] { remove(row); });
-      row->buttons_->addWidget(close);
+      row->buttons->addWidget(close);
     }
     tell();
   });
@@ -191,7 +191,7 @@ void ActivityPanel::addText(const QString& title, const QString& text, bool isFa
   row->setDetail(text);
   auto* close = newButton(QStringLiteral("\u00d7"), windowText("Take it from the list"), row);
   QObject::connect(close, &QToolButton::clicked, row, [this, row] { remove(row); });
-  row->buttons_->addWidget(close);
+  row->buttons->addWidget(close);
   add(row);
   tell();
 }

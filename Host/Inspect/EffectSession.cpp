@@ -17,6 +17,7 @@
 #include <QEventLoop>
 #include <QTimer>
 
+#include <algorithm>
 #include <filesystem>
 #include <functional>
 #include <utility>
@@ -80,7 +81,8 @@ EffectSession::EffectSession(const InspectOptions& options)
                  parsedDepth(options.depth)),
       pictures_(valuesOf(rendering_, options.values, true)),
       engine_({}) {
-  const bool isComplete = rendering_.roles().inputs.size() == options.inputs.size();
+  const bool isComplete =
+      rendering_.roles().inputs.size() == options.inputs.size() && std::ranges::count(options.inputs, "") == 0;
   if (isComplete) openEngine(options);  // early: it goes on while the rest is done
   document_ = std::make_unique<ParameterDocument>(parametersOf(rendering_));
   readParameters(options);

@@ -33,6 +33,7 @@ class EffectSession {
   QCPatch& patch() { return rendering_.patch(); }
   EffectKind kind() const { return rendering_.kind(); }
   PreviewEngine& engine() { return engine_; }
+  const PreviewEngine& engine() const { return engine_; }
 
   // Whether inputs were opened: otherwise the engine has nothing to do.
   bool isOpen() const { return isOpen_; }

@@ -144,6 +144,7 @@ void EffectWindow::closeSession() {
   give_.cancel();
   engine_ = nullptr;
   player_.pause();
+  player_.setHeld(false);
   delete std::exchange(column_, nullptr);
   delete std::exchange(actions_, nullptr);
   session_.reset();
@@ -166,23 +167,49 @@ void EffectWindow::startEngine(bool isAgain) {
   QStringList shown;
   for (const std::string& path : inputs_) shown.append(QString::fromStdString(path));
   if (inputList_) inputList_->setPaths(shown);
-  const auto needed = static_cast<std::size_t>(roles_.names.size());
-  std::vector<std::string> given(inputs_.begin(),
-                                 inputs_.begin() + static_cast<std::ptrdiff_t>(std::min(needed, inputs_.size())));
-  const bool isComplete =
-      given.size() == needed && std::ranges::none_of(given, [](const std::string& path) { return path.empty(); });
-  options_.inputs = std::move(given);
+  engine_ = nullptr;
+  const bool isComplete = takeInputs();
+  if (player_.times().count() > 1)
+    place_ = {player_.times().count(), player_.position(), player_.inPoint(), player_.outPoint()};
   player_.pause();
   player_.setTimes(PlaybackTimes());
   viewer_->setPicture(nullptr);
-  engine_ = isComplete ? &session_->engine() : nullptr;
-  if (!engine_) {
+  if (!isComplete) {
     viewer_->setNotice(windowText("Open or drop a picture"), Viewer::NoticeKind::Hint);
     return updateInfo();
   }
   viewer_->setNotice({}, Viewer::NoticeKind::None);
-  if (!session_->isOpen() || isAgain) session_->openInputs(options_);
+  try {
+    if (!session_->isOpen() || isAgain) session_->openInputs(options_);
+  } catch (const Failure& failure) {
+    return showFailure({.code = failure.code, .text = failure.what()}, true);
+  }
+  engine_ = &session_->engine();
   engine_->setViewSize(sizeOnScreen(*viewer_));
+}
+
+// Of all inputs those that the effect takes, with what was said of them alone. False where one is missing.
+bool EffectWindow::takeInputs() {
+  const auto needed = static_cast<std::size_t>(roles_.names.size());
+  options_.inputs.assign(inputs_.begin(),
+                         inputs_.begin() + static_cast<std::ptrdiff_t>(std::min(needed, inputs_.size())));
+  std::erase_if(options_.colors.inputs, [this](const std::string& text) {
+    const std::size_t equals = text.rfind('=');
+    return equals != std::string::npos && std::ranges::count(options_.inputs, text.substr(0, equals)) == 0;
+  });
+  return options_.inputs.size() == needed && std::ranges::count(options_.inputs, "") == 0;
+}
+
+// The same frames as before go on where they were.
+void EffectWindow::opened(const PreviewOpened& opened) {
+  const auto place = std::exchange(place_, std::nullopt);
+  player_.setTimes(playbackTimesOf(opened), opened.start);
+  if (!place || place->count != opened.count) return;
+  if (place->in != 0 || place->out + 1 != place->count) {
+    player_.setInPoint(place->in);
+    player_.setOutPoint(place->out);
+  }
+  player_.goTo(place->position);
 }
 
 void EffectWindow::listenToEngine() {
@@ -349,7 +376,7 @@ void EffectWindow::chooseEffect(const std::string& name) {
   InspectOptions options = options_;
   options.effect = name;
   options.inputs = inputs_;
-  options.values.clear();
+  options.values.clear();  // what was set is kept as states
   options.states.clear();
   states_[session_->name()] = session_->parameterStates();
   const auto known = states_.find(name);
@@ -362,26 +389,38 @@ void EffectWindow::chooseEffect(const std::string& name) {
 }
 
 void EffectWindow::setInput(std::size_t input, const std::string& path) {
+  placeInput(input, path);
+  openPlaced();
+}
+
+void EffectWindow::placeInput(std::size_t input, const std::string& path) {
   if (inputs_.size() <= input) inputs_.resize(input + 1);
   inputs_[input] = path;
-  options_.frames.clear();
   application_.preferences().noteFile(QString::fromStdString(path));
+}
+
+void EffectWindow::openPlaced() {
+  options_.frames.clear();
   startEngine(true);
+  place_.reset();  // other frames than before
   updateTitle();
 }
 
 void EffectWindow::take(const QStringList& paths, std::size_t input) {
+  const std::size_t first = input;
+  messages_->clear();
   for (const QString& path : paths) {
     const std::string name = path.toStdString();
     if (fileRoleOf(name) == FileRole::State) {
       actions_->load(name, actions_->activePort());
       application_.preferences().noteFile(path);
     } else if (input < static_cast<std::size_t>(roles_.names.size())) {
-      setInput(input++, name);
+      placeInput(input++, name);
     } else {
       messages_->show(windowText("%1 takes no more pictures.").arg(QString::fromStdString(session_->name())));
     }
   }
+  if (input > first) openPlaced();
 }
 
 void EffectWindow::dragEnterEvent(QDragEnterEvent* event) {

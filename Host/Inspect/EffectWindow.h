@@ -83,6 +83,10 @@ class EffectWindow : public QMainWindow {
   void closeSession();
   void listenToEngine();
   void startEngine(bool isAgain);  // that inputs are to be opened, also when they are
+  bool takeInputs();
+  void opened(const PreviewOpened& opened);
+  void placeInput(std::size_t input, const std::string& path);
+  void openPlaced();
   void connectPlayer();
   void connectViewer();
   void layOut();
@@ -104,6 +108,7 @@ class EffectWindow : public QMainWindow {
   void updateTitle();
   void updateInfo();
 
+  InspectOptions optionsOfJobs(const QStringList& arguments) const;
   void openDialog(std::size_t input, bool asSequence);
   QString saveFolder() const;
   void savePicture();
@@ -128,6 +133,10 @@ class EffectWindow : public QMainWindow {
   Player player_{frames_};
   std::unique_ptr<EffectSession> session_;
   CoalescedCall give_;
+  struct Place {
+    std::uint64_t count, position, in, out;
+  };
+  std::optional<Place> place_;  // in the frames that were played before the engine began anew
 
   Viewer* viewer_;
   QWidget* viewerBar_;

@@ -63,12 +63,8 @@ QString stemOf(const std::string& path) {
 void EffectWindow::makeActions() {
   own_ = std::make_unique<Actions>();
   Actions& own = *own_;
-  own.newWindow = newWindowAction(*this, "New Window", QKeySequence::New, [this] {
-    InspectOptions options = options_;
-    options.values.clear();
-    options.states.clear();
-    actions_->tried([&] { application_.openEffect(options).show(); });
-  });
+  own.newWindow = newWindowAction(*this, "New Window", QKeySequence::New,
+                                  [this] { actions_->tried([&] { application_.openEffect(options_).show(); }); });
   own.open = newWindowAction(*this, "Open\u2026", QKeySequence::Open, [this] { openDialog(0, false); });
   own.openSequence = newWindowAction(*this, "Open Sequence\u2026", QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_O),
                                      [this] { openDialog(0, true); });
@@ -206,7 +202,7 @@ void EffectWindow::openDialog(std::size_t input, bool asSequence) {
 
 // Where something was saved last, at first beside the first input.
 QString EffectWindow::saveFolder() const {
-  const QString last = application_.preferences().text("saveFolder");
+  QString last = application_.preferences().text("saveFolder");
   if (!last.isEmpty() && QFileInfo(last).isDir()) return last;
   return options_.inputs.empty() ? QDir::homePath()
                                  : QFileInfo(QString::fromStdString(options_.inputs[0])).absolutePath();
@@ -235,9 +231,9 @@ void EffectWindow::saveFrame(const QString& path) {
               << QStringLiteral("%1-%2x1").arg(opened->firstNumber).arg(opened->firstNumber + opened->count - 1)
               << "--chunk" << QString::number(frame + 1);
   } else if (opened->timing == PreviewOpened::Timing::Steps) {
-    arguments << "--time"
-              << QString::fromStdString(
-                     numberText(static_cast<double>(frame) / static_cast<double>(opened->count - 1)));
+    const bool isFirst = options_.time && frame == opened->start;
+    const double time = isFirst ? *options_.time : static_cast<double>(frame) / static_cast<double>(opened->count - 1);
+    arguments << "--time" << QString::fromStdString(numberText(time));
   }
   startJob(path, arguments);
 }
@@ -256,6 +252,7 @@ void EffectWindow::exportFrames() {
   for (const PreviewInput& input : opened->inputs)
     what.hasAudio = what.hasAudio || (input.clip && input.clip->hasAudio);
   what.name = options_.inputs.empty() ? QString::fromStdString(session_->name()) : stemOf(options_.inputs[0]);
+  for (const std::string& path : options_.inputs) what.inputs.append(QString::fromStdString(path));
   what.name += '-' + QString::fromStdString(session_->name()).toLower().replace(' ', '-');
   auto* dialog = new ExportDialog(
       what, saveFolder(),
@@ -267,14 +264,35 @@ void EffectWindow::exportFrames() {
   dialog->open();
 }
 
+// What the window shows, for jobs: without what they say themselves, and what does not fit these inputs.
+InspectOptions EffectWindow::optionsOfJobs(const QStringList& arguments) const {
+  InspectOptions options = options_;
+  const auto& opened = session_->engine().opened();
+  if (arguments.contains("--depth")) options.depth.clear();
+  const bool isTransition = opened && opened->timing == PreviewOpened::Timing::Steps;
+  if (isTransition) options.time.reset();
+  bool hasClip = false;
+  bool hasSequence = false;
+  for (const PreviewInput& input : opened ? opened->inputs : std::vector<PreviewInput>()) {
+    hasClip = hasClip || input.clip;
+    hasSequence = hasSequence || input.kind == Inputs::Kind::Sequence;
+  }
+  if (hasClip && !hasSequence) options.rate.reset();
+  return options;
+}
+
 void EffectWindow::startJob(const QString& output, const QStringList& arguments) {
   actions_->tried([&] {
     auto files = std::make_unique<QTemporaryDir>();
     if (!files->isValid())
       throw Failure(ExitCode::Output, "cannot make a folder: " + files->errorString().toStdString());
-    const QStringList all =
-        renderArguments(options_, session_->patch(), session_->document(), files->path().toStdString()) + arguments;
-    activity_->addJob(QFileInfo(output).fileName(), [&](std::function<void()> told) {
+    QStringList all =
+        renderArguments(optionsOfJobs(arguments), session_->patch(), session_->document(), files->path().toStdString());
+    if (!options_.frames.empty() && !arguments.contains("--frames")) {
+      all << "--frames" << QString::fromStdString(options_.frames);
+    }
+    all += arguments;
+    activity_->addJob(QFileInfo(output).fileName(), [&](const std::function<void()>& told) {
       return std::make_unique<RenderJob>(all, output, std::move(files), RenderJob::Told{told, told});
     });
     activityButton_->setChecked(true);

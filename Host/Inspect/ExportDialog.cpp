@@ -147,6 +147,9 @@ QString ExportDialog::withNumber(QString path) const {
 QString ExportDialog::problem() const {
   const QString path = output_->text();
   if (path.isEmpty()) return windowText("Choose a file.");
+  if (what_.inputs.contains(isClipChosen() ? path : withNumber(path))) {
+    return windowText("This is an input: choose another file.");
+  }
   if (isClipChosen()) return {};
   try {
     fileFormatOf(path.toStdString());
@@ -193,10 +196,19 @@ QStringList ExportDialog::arguments() const {
   return result;
 }
 
+// The clip, or any of the pictures.
+bool ExportDialog::isThere(const QString& output) const {
+  const auto pattern = isClipChosen() ? std::nullopt : framePattern(output.toStdString());
+  if (!pattern) return QFileInfo::exists(output);
+  const std::uint64_t count = what_.isOpenEnded ? static_cast<std::uint64_t>(count_->value()) : what_.count;
+  const FrameRange frames{what_.first, what_.first + static_cast<std::uint32_t>(count - 1)};
+  return !framesThere(*pattern, frames).empty();
+}
+
 void ExportDialog::accept() {
   if (!problem().isEmpty()) return;
   const QString output = isClipChosen() ? output_->text() : withNumber(output_->text());
-  if (isClipChosen() && QFileInfo::exists(output)) {
+  if (isThere(output)) {
     QMessageBox box(QMessageBox::Question, windowTitle(), windowText("Replace %1?").arg(QFileInfo(output).fileName()),
                     QMessageBox::Cancel, this);
     box.setInformativeText(windowText("The old file stays until the new one is whole."));

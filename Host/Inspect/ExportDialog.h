@@ -26,7 +26,8 @@ struct Exportable {
   std::optional<std::pair<std::uint32_t, std::uint32_t>> chosen = std::nullopt;
   bool isOpenEnded = false;  // there are as many frames as people want: a transition of stills, a generator
   bool hasAudio = false;
-  QString name;  // suggested, without extension
+  QString name;             // suggested, without extension
+  QStringList inputs = {};  // which are not written over
 };
 
 // Chooses file, frames and kind of an export. Numbered pictures and clips alike: the extension tells which.
@@ -46,6 +47,7 @@ class ExportDialog : public QDialog {
   QStringList arguments() const;
   QString withNumber(QString path) const;
   QString problem() const;  // empty when it can be exported
+  bool isThere(const QString& output) const;
 
   const Exportable what_;
   const std::function<void(const QString& output, const QStringList& arguments)> accepted_;

@@ -227,7 +227,8 @@ bool GradientFields::takeColor(const Rgb& color) {
   if (!colorSample()) return false;
   changeAtOnce([&color](VRTChannelGradientSample& sample) {
     auto* stop = dynamic_cast<VRTChannelGradientSampleRGB*>(&sample);
-    for (std::size_t i = 0; stop && i < color.size(); ++i) stop->*kComponents[i] = color[i];
+    if (!stop) return;
+    for (std::size_t i = 0; i < std::size(kComponents); ++i) stop->*kComponents[i] = color[i];
   });
   return true;
 }

@@ -67,7 +67,7 @@ void InspectorApplication::setAppearance(Appearance appearance) {
 }
 
 std::string InspectorApplication::usualEffect() const {
-  const std::string last = preferences_.text("lastEffect").toStdString();
+  std::string last = preferences_.text("lastEffect").toStdString();
   for (const EffectKind kind : {EffectKind::Filter, EffectKind::Transition, EffectKind::BlendMode}) {
     if (std::ranges::count(effectNames(kind), last) > 0) return last;
   }

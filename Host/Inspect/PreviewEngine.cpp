@@ -32,6 +32,7 @@ constexpr double kMillisecondsPerMegabyte = 0.6;
 constexpr int kRestMilliseconds = 150;    // a hand that holds something rests
 constexpr int kResizeMilliseconds = 200;  // the view has its size
 constexpr int kBusyMilliseconds = 500;    // between reports; the first comes after two of these
+constexpr int kStaleMilliseconds = 2000;
 constexpr int kMostDeaths = 3;
 constexpr std::size_t kAheadOfLane = 2;  // one that is rendered, and one that waits
 
@@ -61,6 +62,7 @@ class PreviewEngine::Work {
   void setViewSize(const PictureSize& size);
   void goTo(std::uint64_t frame);
   void change();
+  void dropStale();
   void cancel();
   bool isSettled() const;
   std::size_t mostAhead() const;
@@ -162,6 +164,7 @@ class PreviewEngine::Work {
 
   QTimer busy_;
   bool isBusyTold_ = false;
+  bool isAheadOff_ = false;  // it was refused or died: one process does all, until something is opened anew
 };
 
 PreviewEngine::Work::Work(Told told)
@@ -203,6 +206,7 @@ void PreviewEngine::Work::open(const PreviewSetup& wanted) {
   startTime_.reset();
   frame = 0;
   deaths_ = 0;
+  isAheadOff_ = false;
   fullCost_ = 0;
   ++serial_;
   findFingerprint();
@@ -255,8 +259,17 @@ void PreviewEngine::Work::change() {
   if (isHeld_) rest_.start(kRestMilliseconds);
   if (refusal && refusal->cause == PreviewFailure::Cause::Failed) return;
   refusal.reset();
+  dropStale();
   startAnew();
   pump();
+}
+
+// A render that nobody waits for any more, and that takes long, gives way: what was read is read again.
+void PreviewEngine::Work::dropStale() {
+  if (full_.tasks().empty()) return;
+  const PreviewTask& task = full_.tasks().front();
+  const bool renders = task.kind == Kind::Full && task.phase == PreviewPhase::Rendering;
+  if (renders && task.since.elapsed() > kStaleMilliseconds) full_.stop();
 }
 
 void PreviewEngine::Work::setHeld(bool held) {
@@ -347,7 +360,7 @@ void PreviewEngine::Work::pump() {
   pumpQuick();
   pumpFull();
   pumpAhead();
-  if (!busy_.isActive() && !(full_.isIdle() && quick_.tasks().empty())) busy_.start();
+  if (!busy_.isActive() && !(full_.isIdle() && quick_.tasks().empty() && ahead_.tasks().empty())) busy_.start();
 }
 
 bool PreviewEngine::Work::isFullWanted() const {
@@ -433,7 +446,7 @@ void PreviewEngine::Work::pumpAhead() {
   const bool isDivided =
       opened->timing == Timing::Frames && !opened->keepsState &&
       std::ranges::none_of(opened->inputs, [](const PreviewInput& input) { return input.clip != nullptr; });
-  if (isDivided && !ahead_.isRunning()) start(ahead_);
+  if (isDivided && !isAheadOff_ && !ahead_.isRunning()) start(ahead_);
   while (orderNextAhead()) {
   }
 }
@@ -500,7 +513,11 @@ void PreviewEngine::Work::hearQuick(PreviewReport& report, const PreviewTask* ta
 }
 
 void PreviewEngine::Work::hearAhead(PreviewReport& report, const PreviewTask* task) {
-  if (std::holds_alternative<PreviewRefused>(report)) return;
+  if (std::holds_alternative<PreviewRefused>(report)) {
+    isAheadOff_ = true;
+    return;
+  }
+  if (!task && std::holds_alternative<PreviewDied>(report)) isAheadOff_ = true;
   if (!task) return hearCommon(ahead_, report, task);
   takeAhead(report, *task);
 }
@@ -647,13 +664,13 @@ void PreviewEngine::Work::failAhead(const std::deque<Ahead>& frames, PreviewFail
 void PreviewEngine::Work::mourn(PreviewLane& lane, const std::string& cause) {
   ++deaths_;
   if (deaths_ < kMostDeaths) {
-    if (!lane.isRunning()) start(lane);
+    if (!lane.isRunning() && !(&lane == &ahead_ && isAheadOff_)) start(lane);
     return pump();
   }
   deaths_ = 0;
   PreviewFailure death = deathOf({}, cause);
   if (!opened) return refuse(std::move(death));
-  if (fullDone_ != serial_) {  // nobody is left to render it
+  if (&lane == &full_ && fullDone_ != serial_) {  // nobody is left to render it
     PreviewTask undone = task(Kind::Full);
     takeFailure(undone, death);
   }
@@ -669,9 +686,9 @@ void PreviewEngine::Work::findBusy() {
     isIdle = false;
   };
   if (full_.isRunning() && !full_.isReady()) note(full_.startedAt(), PreviewPhase::Starting);
-  for (const PreviewLane* lane : {&full_, &quick_}) {
+  for (const PreviewLane* lane : {&full_, &quick_, &ahead_}) {
     for (const PreviewTask& task : lane->tasks()) {
-      if (task.kind != Kind::Ahead) note(task.since, task.phase);
+      if (!task.isForgotten) note(task.since, task.phase);
     }
   }
   if (isIdle) busy_.stop();

@@ -59,9 +59,7 @@ void addInputs(QStringList& arguments, const InspectOptions& options) {
   for (const std::string& space : options.colors.inputs) add(arguments, "--input-space", space);
   add(arguments, "--depth", options.depth);
   if (options.time) add(arguments, "--time", numberText(*options.time));
-  bool isSequence = false;
-  for (const std::string& path : options.inputs) isSequence = isSequence || path.find('%') != std::string::npos;
-  if (options.rate && (isSequence || options.inputs.empty())) add(arguments, "--rate", numberText(*options.rate));
+  if (options.rate) add(arguments, "--rate", numberText(*options.rate));
 }
 
 bool isPicture(const QCPatch& patch, const std::string& assignment) {
