@@ -76,7 +76,7 @@ LevelsFields::LevelsFields(VRTHistogramPort& port, const VRTHistogramEditor& edi
   setFixedWidth(kLevelsInset + kLevelsWidth);
   channel_ = NSNotificationCenter::defaultCenter().addObserver(kVRTHistogramChannelDidChange, &editor,
                                                                [this](const NSNotification&) { refresh(); });
-  refresh();
+  LevelsFields::refresh();
 }
 
 NumberField* LevelsFields::newField(const Value& value, const EntryField::Paste& paste) {

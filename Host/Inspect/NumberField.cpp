@@ -122,7 +122,7 @@ QString NumberField::take(const QString& typed) {
   double value = std::clamp(read.number, numbers_.minimum, numbers_.maximum);
   if (numbers_.isWhole) value = std::round(value);
   if (told_.refusal) {
-    if (const QString refusal = told_.refusal(value); !refusal.isEmpty()) return refusal;
+    if (QString refusal = told_.refusal(value); !refusal.isEmpty()) return refusal;
   }
   if (value == value_) return {};
   const QPointer<NumberField> self(this);
