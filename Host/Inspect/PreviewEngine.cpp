@@ -544,7 +544,9 @@ void PreviewEngine::Work::begin(PreviewOpened& report) {
   if (opened->timing == Timing::Steps && frame == opened->start) startTime_ = setup.time;
   double megabytes = 0;
   for (const PreviewInput& input : opened->inputs) {
-    const std::size_t pixel = 4 * (opened->depth >= Depth::Half ? 4 : opened->depth == Depth::Bits16 ? 2 : 1);
+    const std::size_t pixel = std::size_t{4} * (opened->depth >= Depth::Half     ? 4
+                                                : opened->depth == Depth::Bits16 ? 2
+                                                                                 : 1);
     megabytes += static_cast<double>(std::uint64_t{input.info.width} * input.info.height * pixel) / 1e6;
   }
   fullCost_ = megabytes * kMillisecondsPerMegabyte;

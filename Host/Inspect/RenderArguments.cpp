@@ -36,7 +36,7 @@ std::optional<std::string> textOf(const QCPort& port) {
 }
 
 std::string savedState(const QCPort& port, const std::string& folder) {
-  const std::string path = folder + "/" + std::to_string(std::hash<std::string>{}(port.key())) + ".plist";
+  std::string path = folder + "/" + std::to_string(std::hash<std::string>{}(port.key())) + ".plist";
   std::string reason = "its value has no state";
   const auto state = port.stateValue();
   const auto bytes = state ? PropertyListToBytes(*state, PropertyListFormat::Binary, &reason) : std::nullopt;
