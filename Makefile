@@ -25,7 +25,7 @@ test: all
 # Somebody works with the inspector, on a screen of its own: pictures in out/session, and how long events took.
 session: all
 	@scripts/install-dependencies xvfb openbox libxcb-cursor0
-	@cmake --build --preset release --target test-session
+	@cmake --build --preset release --target inspector-session
 	@scripts/inspector-session build/release out/session
 
 asan:

@@ -43,6 +43,7 @@ class ParameterFieldsTest : public testing::Test {
  protected:
   ParameterFieldsTest() {
     readEnglishTexts();
+    QLocale::setDefault(QLocale::c());
     VRTStartEditors();
     gradient.setValue(VRTGradient::gradient());
     levels.setValue(VRTHistogram::histogram());

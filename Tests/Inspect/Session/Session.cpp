@@ -40,7 +40,7 @@
 // A session of somebody who works with the inspector: everything that is done in it, on a clip, a large float picture
 // and a 16-bit TIFF, with a picture of the window after each step, and how long the longest event of the step took.
 //
-//   test-session MATERIALS PICTURES [small]
+//   inspector-session MATERIALS PICTURES [small]
 //
 // MATERIALS is a folder for the files that are opened, which are made there when they are missing; "small" makes small
 // ones. It fails when something did not happen, and when an event took more than 50 ms.
