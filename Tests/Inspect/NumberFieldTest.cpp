@@ -26,6 +26,7 @@ class NumberFieldTest : public testing::Test {
   NumberFieldTest() {
     readEnglishTexts();
     QLocale::setDefault(QLocale::c());
+    window.setLocale(QLocale::c());
     const auto listen = [this](const char* name, const char* told) {
       observations.push_back(NSNotificationCenter::defaultCenter().addObserver(
           name, &port, [this, told](const NSNotification&) { log += told; }));
