@@ -100,6 +100,7 @@ TEST(HistogramEditorLayout, TracksAlign) {
 
 // The readout says which levels a bin holds by how they are counted.
 TEST(HistogramReadout, LevelsAreThoseThatAreCountedThere) {
+  QLocale::setDefault(QLocale::c());
   const std::pair<std::uint32_t, int> depths[] = {{8, 255}, {16, 65535}};
   for (const auto& [bits, most] : depths) {
     std::map<std::size_t, std::pair<int, int>> levels;
@@ -127,6 +128,7 @@ TEST(HistogramReadout, LevelsAreThoseThatAreCountedThere) {
 }
 
 TEST(HistogramReadout, SharesAreOfTheChannel) {
+  QLocale::setDefault(QLocale::c());
   TCHistogram::Counts counts = {};
   EXPECT_EQ(VRTHistogramReadoutAt(counts, 3).share, 0) << "of nothing";
   counts[0] = 10;

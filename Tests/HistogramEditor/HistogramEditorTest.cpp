@@ -175,6 +175,7 @@ TEST_F(HistogramEditor, ShowsTheResultWhereThereIsOne) {
 }
 
 TEST_F(HistogramEditor, ReadsOutWhatIsPointedAt) {
+  QLocale::setDefault(QLocale::c());
   auto* view = scene.part<VRTHistogramView>();
   editor->setCounts(VRTHistogramSide::Input, countsAt(128), 16);
   const auto readoutIsShown = [&] {
