@@ -31,26 +31,34 @@ bool isThere(const QString& path) {
 }  // namespace
 
 Preferences::Preferences(bool isKept)
-    : settings_(isKept ? settingsFile() : QStringLiteral("/dev/null"), QSettings::IniFormat) {}
+    : settings_(isKept ? std::make_unique<QSettings>(settingsFile(), QSettings::IniFormat) : nullptr) {}
+
+QVariant Preferences::value(const QString& name) const {
+  return settings_ ? settings_->value(name) : values_.value(name);
+}
+
+void Preferences::setValue(const QString& name, const QVariant& value) {
+  settings_ ? settings_->setValue(name, value) : static_cast<void>(values_.insert(name, value));
+}
 
 QStringList Preferences::recentFiles() const {
   QStringList files;
-  for (const QString& path : settings_.value(kRecent).toStringList()) {
+  for (const QString& path : value(kRecent).toStringList()) {
     if (files.size() < kMostRecent && !path.isEmpty() && isThere(path)) files.append(path);
   }
   return files;
 }
 
 void Preferences::noteFile(const QString& path) {
-  QStringList files = settings_.value(kRecent).toStringList();
+  QStringList files = value(kRecent).toStringList();
   const QString whole = QFileInfo(path).absoluteFilePath();
   files.removeAll(whole);
   files.prepend(whole);
-  settings_.setValue(kRecent, QStringList(files.mid(0, kMostRecent)));
+  setValue(kRecent, QStringList(files.mid(0, kMostRecent)));
 }
 
 void Preferences::forgetRecentFiles() {
-  settings_.remove(kRecent);
+  setValue(kRecent, QStringList());
 }
 
 }  // namespace host

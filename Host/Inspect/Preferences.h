@@ -5,6 +5,8 @@
 #include <QSettings>
 #include <QString>
 #include <QStringList>
+#include <QVariant>
+#include <memory>
 
 namespace host {
 
@@ -15,10 +17,10 @@ class Preferences {
  public:
   explicit Preferences(bool isKept = true);  // else for this run alone, everything as at first
 
-  QString text(const QString& name) const { return settings_.value(name).toString(); }  // empty when there is none
-  void setText(const QString& name, const QString& text) { settings_.setValue(name, text); }
-  QByteArray bytes(const QString& name) const { return settings_.value(name).toByteArray(); }
-  void setBytes(const QString& name, const QByteArray& bytes) { settings_.setValue(name, bytes); }
+  QString text(const QString& name) const { return value(name).toString(); }  // empty when there is none
+  void setText(const QString& name, const QString& text) { setValue(name, text); }
+  QByteArray bytes(const QString& name) const { return value(name).toByteArray(); }
+  void setBytes(const QString& name, const QByteArray& bytes) { setValue(name, bytes); }
 
   // The newest first, at most twelve; without those that are no longer there.
   QStringList recentFiles() const;
@@ -26,7 +28,11 @@ class Preferences {
   void forgetRecentFiles();
 
  private:
-  QSettings settings_;
+  QVariant value(const QString& name) const;
+  void setValue(const QString& name, const QVariant& value);
+
+  std::unique_ptr<QSettings> settings_;  // null where nothing is kept
+  QVariantMap values_;                   // then
 };
 
 }  // namespace host

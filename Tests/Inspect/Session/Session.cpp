@@ -419,6 +419,7 @@ class Session {
       dialog->reject();
     }
     const QString out = pictures_ + "/out.mkv";
+    QFile::remove(out);
     window_->startJob(out, {"--codec", "ffv1", "--fps", "2000", "--size", "1920x1080"});
     check(waitUntil([&] { return window_->activity().runningJobs() == 1; }), "an export runs");
     QTest::qWait(400);
