@@ -178,23 +178,30 @@ void BarNumber::showValue() {
   box_->setPalette(own);
 }
 
+bool BarNumber::dragSign(const QMouseEvent& mouse) {
+  if (mouse.type() == QEvent::MouseButtonPress && mouse.button() == Qt::LeftButton) {
+    dragFrom_ = mouse.globalPosition().x();
+    dragValue_ = box_->value();
+    return true;
+  }
+  if (mouse.type() != QEvent::MouseMove || !(mouse.buttons() & Qt::LeftButton)) return false;
+  const double steps = std::round((mouse.globalPosition().x() - dragFrom_) / kPointsOfStep);
+  box_->setValue(dragValue_ + steps * 0.1);
+  return true;
+}
+
 bool BarNumber::eventFilter(QObject* watched, QEvent* event) {
-  if (watched == sign_) {
-    const auto* mouse = static_cast<QMouseEvent*>(event);
-    if (event->type() == QEvent::MouseButtonPress && mouse->button() == Qt::LeftButton) {
-      dragFrom_ = mouse->globalPosition().x();
-      dragValue_ = box_->value();
-      return true;
-    }
-    if (event->type() == QEvent::MouseMove && mouse->buttons() & Qt::LeftButton) {
-      const double steps = std::round((mouse->globalPosition().x() - dragFrom_) / kPointsOfStep);
-      box_->setValue(dragValue_ + steps * 0.1);
-      return true;
-    }
-    if (event->type() == QEvent::MouseButtonDblClick) {
+  if (watched != sign_) return QWidget::eventFilter(watched, event);
+  switch (event->type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseMove:
+      if (dragSign(*static_cast<QMouseEvent*>(event))) return true;
+      break;
+    case QEvent::MouseButtonDblClick:
       box_->setValue(range_.usual);
       return true;
-    }
+    default:
+      break;
   }
   return QWidget::eventFilter(watched, event);
 }

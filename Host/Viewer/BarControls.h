@@ -5,6 +5,7 @@
 #include <QDoubleSpinBox>
 #include <functional>
 
+class QMouseEvent;
 class QMenu;
 
 // The flat controls of the viewer's bar.
@@ -57,6 +58,7 @@ class BarNumber : public QWidget {
 
  private:
   void showValue();
+  bool dragSign(const QMouseEvent& mouse);
 
   const Range range_;
   const std::function<void(double)> changed_;
