@@ -145,7 +145,7 @@ void TimelineBar::setPictureText(const QString& text) {
 
 void TimelineBar::setInfo(QWidget* widget) {
   auto* row = static_cast<QHBoxLayout*>(layout()->itemAt(1)->layout());
-  row->replaceWidget(info_, widget);
+  delete row->replaceWidget(info_, widget);  // the item of the former one
   info_->setVisible(false);
   if (info_ != picture_) info_->deleteLater();
   info_ = widget;
