@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <filesystem>
 #include <fstream>
 #include <span>
@@ -23,9 +22,13 @@ using namespace std::string_view_literals;
 constexpr std::uintmax_t kLargestState = std::uintmax_t{16} << 20;
 constexpr std::uint32_t kMostDigits = 9;  // of a frame's number
 
+// Extensions are letters of ASCII, whatever people's language does with an I.
+char lowered(char letter) {
+  return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+}
+
 bool isTextOfStates(std::string extension) {
-  std::ranges::transform(extension, extension.begin(),
-                         [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
+  std::ranges::transform(extension, extension.begin(), lowered);
   constexpr std::array kExtensions = {".plist"sv, ".gradient"sv, ".levels"sv, ".inks"sv, ".ggr"sv,
                                       ".svg"sv,   ".cpt"sv,      ".css"sv,    ".json"sv, ".txt"sv};
   return std::ranges::find(kExtensions, extension) != kExtensions.end();
