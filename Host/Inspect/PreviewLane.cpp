@@ -77,7 +77,7 @@ void PreviewLane::send(const PreviewOrder& order) {
   writable_->setEnabled(process_->wantsToWrite());
 }
 
-void PreviewLane::order(PreviewTask task, PreviewOrder order) {
+void PreviewLane::order(PreviewTask task, const PreviewOrder& order) {
   task.since.start();
   tasks_.push_back(std::move(task));
   send(order);

@@ -70,7 +70,7 @@ class PreviewLane {
   std::size_t countOf(PreviewTask::Kind kind) const;
   const QElapsedTimer& startedAt() const { return started_; }
 
-  void order(PreviewTask task, PreviewOrder order);
+  void order(PreviewTask task, const PreviewOrder& order);
   // The same, with those of the states that it does not have yet.
   void render(PreviewTask task, RenderOrder order, const std::vector<ParameterState>& states);
   void dropAhead();    // those that have not begun are reported as dropped
