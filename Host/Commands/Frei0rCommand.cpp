@@ -42,8 +42,8 @@ bool isShipped(const std::string& effect) {
   const std::string folder = plugInFolderBesideProgram();
   const std::string path = VRTNodeManager::manager()->pathOfNodeWithName(effect);
   std::error_code ignored;
-  return !folder.empty() && fs::weakly_canonical(path, ignored).string().starts_with(
-                                fs::weakly_canonical(folder, ignored).string() + "/");
+  return !folder.empty() &&
+         fs::weakly_canonical(path, ignored).string().starts_with(fs::weakly_canonical(folder, ignored).string() + "/");
 }
 
 // Of the wanted ones alone. Throws Failure for one that does not exist, or that there is no plug-in of.
@@ -111,7 +111,8 @@ void writeStubs(const Frei0rOptions& options, const frei0r::PlugInList& list) {
   }
   for (const frei0r::LeftOut& each : list.leftOut) remark("left out: " + each.effect + ": " + each.reason);
   const std::size_t count = list.plugIns.size();
-  printText(std::to_string(count) + (count == 1 ? " plug-in" : " plug-ins") + " in " + printable(folder.string()) + "\n");
+  printText(std::to_string(count) + (count == 1 ? " plug-in" : " plug-ins") + " in " + printable(folder.string()) +
+            "\n");
 }
 
 }  // namespace

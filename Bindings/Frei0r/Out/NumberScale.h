@@ -10,7 +10,8 @@ namespace frei0r {
 // How the shares of 0 to 1, which frei0r's numbers are, stand for the values of a port:
 //   of a range of two ends       min + share (max - min)
 //   of a range of one end        min + s, or max - s, with s = share / (1 - share)
-//   without a range              s of the upper half, and its mirror image in the lower: 0.5 is 0, 0.75 is 1, 0.25 is -1
+//   without a range              s of the upper half, and its mirror image in the lower: 0.5 is 0, 0.75 is 1, 0.25 is
+//   -1
 // Values are rounded to twelve digits of the range, so that 0.35 of 100 is 35; without ends they stay within a billion.
 class NumberScale {
  public:

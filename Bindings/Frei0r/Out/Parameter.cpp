@@ -82,7 +82,8 @@ void setColor(QCPatch& patch, const Parameter& parameter, const Color& color) {
   QCPort* port = patch.inputPortForKey(parameter.key);
   for (const float each : color) finite(each, parameter);
   const double alpha = colorOf(patch, parameter).alpha;
-  if (port) port->setValue(std::make_shared<QCColor>(component(color[0]), component(color[1]), component(color[2]), alpha));
+  if (port)
+    port->setValue(std::make_shared<QCColor>(component(color[0]), component(color[1]), component(color[2]), alpha));
 }
 
 void setAlpha(QCPatch& patch, const Parameter& parameter, double alpha) {
@@ -128,7 +129,8 @@ class Lister {
     const QCPort* second = secondOfPoint(patch_, port);
     if (!second || done_.contains(second->key())) return append(number(port, port.name()));
     done_.insert(second->key());
-    append({Parameter::Kind::Point, port.key(), second->key(), nameOfPoint(port), "Shares of the width and height", ""});
+    append(
+        {Parameter::Kind::Point, port.key(), second->key(), nameOfPoint(port), "Shares of the width and height", ""});
     behind_.push_back(number(port, port.key()));
     behind_.push_back(number(*second, second->key()));
   }
@@ -232,7 +234,8 @@ void setValue(QCPatch& patch, const Parameter& parameter, const Value& value) {
       return setShare(patch, parameter.keyY, y);
     }
     case Parameter::Kind::Text:
-      if (QCPort* port = patch.inputPortForKey(parameter.key)) setPortFromParameter(*port, std::get<std::string>(value));
+      if (QCPort* port = patch.inputPortForKey(parameter.key))
+        setPortFromParameter(*port, std::get<std::string>(value));
       return;
     default:
       return setShare(patch, parameter.key, finite(std::get<double>(value), parameter));

@@ -28,7 +28,8 @@ std::string fileNameOf(const std::string& effect) {
   std::string name;
   for (const char c : effect) {
     const bool isUpper = c >= 'A' && c <= 'Z';
-    const bool stays = isUpper || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || static_cast<unsigned char>(c) >= 0x80;
+    const bool stays =
+        isUpper || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || static_cast<unsigned char>(c) >= 0x80;
     if (stays) name += isUpper ? static_cast<char>(c - 'A' + 'a') : c;
     if (!stays && !name.empty() && !name.ends_with('_')) name += '_';
   }
@@ -66,7 +67,8 @@ std::map<std::uint32_t, Form> formsOf(const QCPatch& patch) {
     const auto inputs = static_cast<std::uint32_t>(roles.inputs.size());
     forms.try_emplace(inputs, Form{kind, ""});
     const std::vector<std::string> others = otherPictures(patch, roles);
-    if (others.size() == 1 && inputs > 0 && inputs < kMostInputs) withPicture.try_emplace(inputs + 1, Form{kind, others[0]});
+    if (others.size() == 1 && inputs > 0 && inputs < kMostInputs)
+      withPicture.try_emplace(inputs + 1, Form{kind, others[0]});
   }
   forms.merge(withPicture);
   return forms;
@@ -79,7 +81,8 @@ std::vector<std::string> keysOfForm(const QCPatch& patch, const Form& form) {
   return keys;
 }
 
-PlugIn madePlugIn(const std::string& effect, const QCPatch& patch, std::uint32_t inputs, const Form& form, bool isFirst) {
+PlugIn madePlugIn(const std::string& effect, const QCPatch& patch, std::uint32_t inputs, const Form& form,
+                  bool isFirst) {
   PlugIn plugIn;
   plugIn.effect = effect;
   plugIn.inputs = inputs;

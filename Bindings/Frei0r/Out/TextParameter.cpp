@@ -41,8 +41,8 @@ void setPortFromStateFile(QCPort& port, const std::string& text) {
   const auto kind = host::stateKindOf(port);
   const host::StateFile file = host::readStateOfText(text, kind);
   if (file.kind != kind) {
-    throw Failure(host::ExitCode::Usage, port.key() + "=" + text + ": the file holds a state of the kind " +
-                                             host::stateKindName(file.kind));
+    throw Failure(host::ExitCode::Usage,
+                  port.key() + "=" + text + ": the file holds a state of the kind " + host::stateKindName(file.kind));
   }
   std::string reason;
   if (!port.setStateValue(file.state, &reason)) {
