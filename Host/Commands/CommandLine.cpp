@@ -2,6 +2,7 @@
 #include "Host/Commands/CommandLine.h"
 
 #include "Host/Commands/EffectsCommand.h"
+#include "Host/Commands/Frei0rCommand.h"
 #include "Host/Commands/RenderCommand.h"
 #include "Host/Commands/SheetCommand.h"
 #include "Host/Commands/StateCommand.h"
@@ -138,6 +139,16 @@ Examples:
   vorto submit -- render Levels --input in.%04d.exr --frames 1-96x8 --output out.%04d.exr
   vorto submit --slurm=--partition=render --slurm=--cpus-per-task=8 -- render Noise --frames 0-999x50 --output n.mov
   vorto submit --dry-run -- render Dissolve --input a.%04d.png b.%04d.png --output mix.%04d.png)";
+
+constexpr const char* kFrei0rFooter = R"(
+A plug-in is a small file that hands over to the installed vorto. Those of the effects that ship are installed with it;
+this writes them for effects and compositions of your own, which hosts then find in ~/.frei0r-1/lib or in the folders of
+FREI0R_PATH. Files that vorto did not write stay as they are.
+
+Examples:
+  vorto frei0r --list
+  vorto frei0r "My Look"
+  vorto frei0r --output /srv/plug-ins/frei0r)";
 
 // Ranges let it pass: it compares with nothing.
 std::string refuseNaN(const std::string& text) {
@@ -408,6 +419,16 @@ void addSubmit(CLI::App& app, SubmitOptions& options) {
       ->type_name("-- render ...");
 }
 
+void addFrei0r(CLI::App& app, Frei0rOptions& options) {
+  CLI::App* command = app.add_subcommand("frei0r", "Make effects plug-ins of frei0r, for ffmpeg, melt and GStreamer");
+  command->footer(kFrei0rFooter);
+  command->add_option("effects", options.effects, "The effects' names; default: all")->type_name("EFFECT");
+  command->add_option("-o,--output", options.output, "The folder to write to; default: ~/.frei0r-1/lib")
+      ->type_name("FOLDER");
+  command->add_flag("--list", options.isList, "List the plug-ins and their parameters, and what is left out");
+  command->add_flag("--shipped", options.isShipped, "Of all effects those alone that came with vorto");
+}
+
 struct Options {
   EffectsOptions effects;
   RenderOptions render;
@@ -415,6 +436,7 @@ struct Options {
   SheetOptions sheet;
   InspectOptions inspect;
   SubmitOptions submit;
+  Frei0rOptions frei0r;
 };
 
 void addCommands(CLI::App& app, Options& options) {
@@ -429,6 +451,7 @@ void addCommands(CLI::App& app, Options& options) {
   addInspect(app, options.inspect);
   addPreview(app);
   addSubmit(app, options.submit);
+  addFrei0r(app, options.frei0r);
 }
 
 // "render" and its arguments. Throws Failure for what render would not take.
@@ -463,6 +486,8 @@ void runCommand(const CLI::App& app, const Options& options, const InspectAction
     inspect(options.inspect);
   } else if (app.got_subcommand("submit")) {
     runSubmit(options.submit, parsedRender(options.submit.command));
+  } else if (app.got_subcommand("frei0r")) {
+    runFrei0r(options.frei0r);
   } else if (app.got_subcommand("preview")) {
     runPreviewServer();
   } else {

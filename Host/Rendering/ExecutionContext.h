@@ -30,7 +30,7 @@ class ExecutionContext : public VortoExecutionContext {
   std::vector<Copy> copies_;
 };
 
-// Makes one such context serve all patches of the process.
+// Makes such contexts serve all patches of the process, one for each thread.
 void provideExecutionContext();
 
 }  // namespace host
