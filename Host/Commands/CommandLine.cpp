@@ -2,6 +2,7 @@
 #include "Host/Commands/CommandLine.h"
 
 #include "Host/Commands/EffectsCommand.h"
+#include "Host/Commands/NewEffectCommand.h"
 #include "Host/Commands/RenderCommand.h"
 #include "Host/Commands/SheetCommand.h"
 #include "Host/Commands/StateCommand.h"
@@ -138,6 +139,19 @@ Examples:
   vorto submit -- render Levels --input in.%04d.exr --frames 1-96x8 --output out.%04d.exr
   vorto submit --slurm=--partition=render --slurm=--cpus-per-task=8 -- render Noise --frames 0-999x50 --output n.mov
   vorto submit --dry-run -- render Dissolve --input a.%04d.png b.%04d.png --output mix.%04d.png)";
+
+constexpr const char* kNewEffectFooter = R"(
+The folder holds one source with ports of several types, a test, and what CMake needs to build them (an installed
+framework with its headers); a composition needs no compiler. In it
+
+  cmake --workflow --preset default
+
+builds the effect, renders build/picture.png and runs the test.
+
+Examples:
+  vorto new-effect "Soft Glow"
+  vorto new-effect "Page Turn" --kind transition --output effects/page-turn
+  vorto new-effect "Old Print" --kind composition)";
 
 // Ranges let it pass: it compares with nothing.
 std::string refuseNaN(const std::string& text) {
@@ -408,6 +422,24 @@ void addSubmit(CLI::App& app, SubmitOptions& options) {
       ->type_name("-- render ...");
 }
 
+void addNewEffect(CLI::App& app, NewEffectOptions& options) {
+  CLI::App* command = app.add_subcommand("new-effect", "Begin an effect of your own: a small project that works");
+  command->footer(kNewEffectFooter);
+  command->add_option("name", options.name, "The effect's name, as people read it")->required()->type_name("NAME");
+  command
+      ->add_option("--kind", options.kind,
+                   "filter, generator, transition, blend-mode, or composition, which is made of other effects; default "
+                   "filter")
+      ->type_name("KIND")
+      ->check(CLI::IsMember(newEffectKinds()));
+  command
+      ->add_option("--identifier", options.identifier,
+                   "What its files and targets are called, in letters and digits; default: the words of the name")
+      ->type_name("ID");
+  command->add_option("-o,--output", options.output, "The folder to make; default: the identifier")
+      ->type_name("FOLDER");
+}
+
 struct Options {
   EffectsOptions effects;
   RenderOptions render;
@@ -415,6 +447,7 @@ struct Options {
   SheetOptions sheet;
   InspectOptions inspect;
   SubmitOptions submit;
+  NewEffectOptions newEffect;
 };
 
 void addCommands(CLI::App& app, Options& options) {
@@ -429,6 +462,7 @@ void addCommands(CLI::App& app, Options& options) {
   addInspect(app, options.inspect);
   addPreview(app);
   addSubmit(app, options.submit);
+  addNewEffect(app, options.newEffect);
 }
 
 // "render" and its arguments. Throws Failure for what render would not take.
@@ -463,6 +497,8 @@ void runCommand(const CLI::App& app, const Options& options, const InspectAction
     inspect(options.inspect);
   } else if (app.got_subcommand("submit")) {
     runSubmit(options.submit, parsedRender(options.submit.command));
+  } else if (app.got_subcommand("new-effect")) {
+    runNewEffect(options.newEffect);
   } else if (app.got_subcommand("preview")) {
     runPreviewServer();
   } else {
