@@ -150,6 +150,7 @@ Examples:
   vorto frei0r --list
   vorto frei0r "My Look"
   vorto frei0r --output /srv/plug-ins/frei0r)";
+
 constexpr const char* kNewEffectFooter = R"(
 The folder holds one source with ports of several types, a test, and what CMake needs to build them (an installed
 framework with its headers); a composition needs no compiler. In it
