@@ -4,6 +4,7 @@
 #include "Host/Files/ProgramFolder.h"
 #include "Host/Messages/CloseNames.h"
 #include "Host/Messages/Failure.h"
+#include "Host/Python/PythonFiles.h"
 #include "Host/Rendering/ExecutionContext.h"
 #include "Platform/QuartzComposer/QCPatch.h"
 #include "Registry/VRTNodeManager.h"
@@ -100,10 +101,11 @@ const char* effectKindPlural(EffectKind kind) {
   return "Blend modes";
 }
 
-void loadEffects() {
+void loadEffects(const std::vector<std::string>& pythonFiles) {
   provideExecutionContext();
   const auto manager = VRTNodeManager::manager();
   for (const std::string& folder : additionalFolders()) manager->loadPlugInsInFolder(folder, {"plugin", "qtz"});
+  runPythonFiles(pythonFiles);
   manager->loadFailures();  // resolves compositions, and so reports the broken ones now
 }
 
