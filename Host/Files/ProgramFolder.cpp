@@ -1,10 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Files/ProgramFolder.h"
 
-#include "TarnCore/TCBitmap.h"
-
-#include <dlfcn.h>
-
 #include <filesystem>
 
 namespace host {
@@ -12,14 +8,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Empty: that of this program.
-fs::path& toldFolder() {
-  static fs::path folder;
-  return folder;
-}
-
 fs::path programFolder() {
-  if (!toldFolder().empty()) return toldFolder();
   std::error_code error;
   const fs::path program = fs::read_symlink("/proc/self/exe", error);
   return error ? fs::path(".") : program.parent_path();
@@ -41,20 +30,6 @@ std::string hostProgram() {
     if (fs::is_regular_file(candidate, error)) return candidate.string();
   }
   return "";
-}
-
-void useProgramOfFramework() {
-  Dl_info info{};
-  if (dladdr(reinterpret_cast<const void*>(&TCCreateBitmap), &info) == 0 || !info.dli_fname) return;
-  std::error_code error;
-  const fs::path library = fs::canonical(info.dli_fname, error);
-  if (error) return;
-  const fs::path folder = library.parent_path() / "vorto" / VORTO_PROGRAMS_FROM_LIBRARIES;
-  toldFolder() = folder.lexically_normal();
-}
-
-std::vector<std::string> pythonFolders() {
-  return {(programFolder() / "../python").lexically_normal().string()};
 }
 
 // Of a helper too, which is installed among the libraries.
