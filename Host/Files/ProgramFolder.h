@@ -6,6 +6,10 @@
 
 namespace host {
 
+// For who is no program of this system but runs inside another one: the folder in which the program vorto is, or would
+// be, taken for that of this program from here on. Called before other threads begin.
+void setProgramFolder(const std::string& folder);
+
 // Where the program's own libraries and helpers may be: the installed place first, then that of the build tree, then
 // beside the program, for a helper that is installed among the libraries itself.
 std::vector<std::string> libraryFolders();
