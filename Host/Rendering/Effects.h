@@ -27,6 +27,12 @@ void loadEffects(const std::vector<std::string>& pythonFiles = {});
 // In the order of loading. An effect of several kinds is in several lists.
 std::vector<std::string> effectNames(EffectKind kind);
 
+// The names of all kinds, each once.
+std::vector<std::string> allEffectNames();
+
+// The effect that a name stands for, as makeEffect() has it. Throws Failure as that does.
+std::string knownEffectName(const std::string& name);
+
 // A new instance; a name whose case differs serves where only one effect has it. Throws Failure for a name that is no
 // effect's, with the names that are close to it.
 std::shared_ptr<QCPatch> makeEffect(const std::string& name);

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Host/Rendering/HeldPicture.h"
 
-#include "Host/Color/FileSpace.h"
 #include "Host/Color/ColorModuleLoader.h"
+#include "Host/Color/FileSpace.h"
 #include "Host/Files/FileFormat.h"
 #include "Host/Messages/Remark.h"
 #include "Host/Pixels/Alpha.h"

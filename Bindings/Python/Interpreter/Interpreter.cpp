@@ -61,6 +61,7 @@ import sys
 # Standard output is the host's: pictures may go there.
 sys.stdout = sys.stderr
 import vorto
+vorto._vorto._host_has_effects()
 )";
 
 constexpr const char* kRun = R"(

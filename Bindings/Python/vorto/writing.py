@@ -161,8 +161,14 @@ class _Plan:
     def keys(self):
         return [port.key for port in self.wanted]
 
+    def required(self):
+        return [port.key for port in self.ports if port.kind == "image" and not port.optional]
+
     def instance(self):
         return self.cls()
+
+    def failure(self, exception):
+        return _failure(exception)
 
     def render(self, instance, values, time):
         arguments = {}
@@ -174,9 +180,12 @@ class _Plan:
             arguments["time"] = time
         instance.__dict__["_renders"] = True
         try:
-            return instance.render(**arguments)
+            result = instance.render(**arguments)
         finally:
             instance.__dict__["_renders"] = False
+        if result is None:
+            raise TypeError(f"{self.cls.__name__}.render() returned None, not a picture")
+        return result
 
 
 def _register(cls):
