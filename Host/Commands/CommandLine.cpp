@@ -169,9 +169,19 @@ std::string refuseNaN(const std::string& text) {
   return std::isnan(std::strtod(text.c_str(), nullptr)) ? "Value " + text + " is no number" : "";
 }
 
+void addPython(CLI::App& command, std::vector<std::string>& files) {
+  command
+      .add_option(
+          "--python", files,
+          "Run a file of Python first, whose effects then go by their names; may be repeated (needs python3-vorto)")
+      ->type_name("FILE")
+      ->allow_extra_args(false);
+}
+
 void addEffects(CLI::App& app, EffectsOptions& options) {
   CLI::App* command = app.add_subcommand("effects", "List the effects by kind, with their ports, ranges and defaults");
   command->add_flag("--json", options.json, "As JSON");
+  addPython(*command, options.python);
 }
 
 void addFraming(CLI::App& command, FramingOptions& options) {
@@ -300,6 +310,7 @@ void addRender(CLI::App& app, RenderOptions& options) {
           "Set a gradient, levels or opaque port from a saved state, or preset:NAME (vorto state --presets lists them)")
       ->type_name("PORT=FILE")
       ->allow_extra_args(false);
+  addPython(*command, options.python);
   addFraming(*command, options.framing);
   command->add_option("--time", options.time, "A transition's time, 0 to 1; seconds for other effects; default 0")
       ->type_name("T");
@@ -385,6 +396,7 @@ void addInspect(CLI::App& app, InspectOptions& options) {
                    "(gradient, levels, opaque) and its file; preset:NAME as for render")
       ->type_name("PORT=FILE")
       ->allow_extra_args(false);
+  addPython(*command, options.python);
   addFraming(*command, options.framing);
   addColors(*command, options.colors);
   command->add_option("--time", options.time, "As for render")->type_name("T");

@@ -39,6 +39,10 @@ std::string hostProgram() {
   return "";
 }
 
+std::vector<std::string> pythonFolders() {
+  return {(programFolder() / "../python").lexically_normal().string()};
+}
+
 // Of a helper too, which is installed among the libraries.
 std::string dataFolder() {
   const fs::path program = programFolder();

@@ -7,3 +7,6 @@ with the framework's own reason, or ValueError, IndexError or TypeError where Py
 
 from ._vorto import *  # noqa: F401,F403
 from ._vorto import __version__  # noqa: F401
+from . import ports  # noqa: F401
+from .registry import EffectInfo, Patch, PortInfo, effect, effects  # noqa: F401
+from .writing import Effect  # noqa: F401
