@@ -227,7 +227,7 @@ void printJson() {
 }  // namespace
 
 void runEffects(const EffectsOptions& options) {
-  loadEffects();
+  loadEffects(options.python);
   if (options.json) {
     printJson();
   } else {
