@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: BSD-3-Clause
 # The front door. Each target installs what it needs, builds, and runs; see README.md.
-.PHONY: all demo farm session test bench bench-jobs asan asan-foreign-bytes tsan fuzz install package format tidy clean
+.PHONY: all demo farm session test bench bench-jobs asan asan-foreign-bytes tsan fuzz install package docs docs-check format tidy clean
 PREFIX ?= /usr/local
 
 all:
@@ -73,6 +73,15 @@ install: all
 package: all
 	@scripts/install-dependencies dpkg-dev file
 	@cpack --config build/release/CPackConfig.cmake -B build/package
+
+# The site of the documentation, into build/docs/html; docs-check looks at every page of it in a browser.
+docs: all
+	@scripts/install-dependencies doxygen python3-markdown-it python3-pygments
+	@cmake --build --preset release --target docs
+
+docs-check: docs
+	@scripts/install-dependencies chromium
+	@scripts/check-site build/docs/html build/docs/check
 
 format:
 	@scripts/check-format --fix

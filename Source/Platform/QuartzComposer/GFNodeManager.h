@@ -66,5 +66,6 @@ class TARN_EXPORT GFNodeManager : public NSObject {
 class TARN_EXPORT GFNodeInstantiating {
  public:
   virtual ~GFNodeInstantiating();
+  // A new node of that name; null for names that it does not make.
   virtual std::shared_ptr<QCPatch> instantiateNodeWithName(std::string_view name) = 0;
 };
