@@ -30,3 +30,5 @@ install(FILES ${CMAKE_SOURCE_DIR}/README.md ${CMAKE_SOURCE_DIR}/LICENSE DESTINAT
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/Docs DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/vorto)
 install(PROGRAMS ${CMAKE_SOURCE_DIR}/scripts/demo ${CMAKE_SOURCE_DIR}/scripts/gallery
         DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/vorto/examples)
+
+include(VortoDocs)
