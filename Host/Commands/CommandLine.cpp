@@ -3,6 +3,7 @@
 
 #include "Host/Commands/EffectsCommand.h"
 #include "Host/Commands/Frei0rCommand.h"
+#include "Host/Commands/NewEffectCommand.h"
 #include "Host/Commands/RenderCommand.h"
 #include "Host/Commands/SheetCommand.h"
 #include "Host/Commands/StateCommand.h"
@@ -150,14 +151,37 @@ Examples:
   vorto frei0r "My Look"
   vorto frei0r --output /srv/plug-ins/frei0r)";
 
+constexpr const char* kNewEffectFooter = R"(
+The folder holds one source with ports of several types, a test, and what CMake needs to build them (an installed
+framework with its headers); a composition needs no compiler. In it
+
+  cmake --workflow --preset default
+
+builds the effect, renders build/picture.png and runs the test.
+
+Examples:
+  vorto new-effect "Soft Glow"
+  vorto new-effect "Page Turn" --kind transition --output effects/page-turn
+  vorto new-effect "Old Print" --kind composition)";
+
 // Ranges let it pass: it compares with nothing.
 std::string refuseNaN(const std::string& text) {
   return std::isnan(std::strtod(text.c_str(), nullptr)) ? "Value " + text + " is no number" : "";
 }
 
+void addPython(CLI::App& command, std::vector<std::string>& files) {
+  command
+      .add_option(
+          "--python", files,
+          "Run a file of Python first, whose effects then go by their names; may be repeated (needs python3-vorto)")
+      ->type_name("FILE")
+      ->allow_extra_args(false);
+}
+
 void addEffects(CLI::App& app, EffectsOptions& options) {
   CLI::App* command = app.add_subcommand("effects", "List the effects by kind, with their ports, ranges and defaults");
   command->add_flag("--json", options.json, "As JSON");
+  addPython(*command, options.python);
 }
 
 void addFraming(CLI::App& command, FramingOptions& options) {
@@ -286,6 +310,7 @@ void addRender(CLI::App& app, RenderOptions& options) {
           "Set a gradient, levels or opaque port from a saved state, or preset:NAME (vorto state --presets lists them)")
       ->type_name("PORT=FILE")
       ->allow_extra_args(false);
+  addPython(*command, options.python);
   addFraming(*command, options.framing);
   command->add_option("--time", options.time, "A transition's time, 0 to 1; seconds for other effects; default 0")
       ->type_name("T");
@@ -371,6 +396,7 @@ void addInspect(CLI::App& app, InspectOptions& options) {
                    "(gradient, levels, opaque) and its file; preset:NAME as for render")
       ->type_name("PORT=FILE")
       ->allow_extra_args(false);
+  addPython(*command, options.python);
   addFraming(*command, options.framing);
   addColors(*command, options.colors);
   command->add_option("--time", options.time, "As for render")->type_name("T");
@@ -429,6 +455,24 @@ void addFrei0r(CLI::App& app, Frei0rOptions& options) {
   command->add_flag("--shipped", options.isShipped, "Of all effects those alone that came with vorto");
 }
 
+void addNewEffect(CLI::App& app, NewEffectOptions& options) {
+  CLI::App* command = app.add_subcommand("new-effect", "Begin an effect of your own: a small project that works");
+  command->footer(kNewEffectFooter);
+  command->add_option("name", options.name, "The effect's name, as people read it")->required()->type_name("NAME");
+  command
+      ->add_option("--kind", options.kind,
+                   "filter, generator, transition, blend-mode, or composition, which is made of other effects; default "
+                   "filter")
+      ->type_name("KIND")
+      ->check(CLI::IsMember(newEffectKinds()));
+  command
+      ->add_option("--identifier", options.identifier,
+                   "What its files and targets are called, in letters and digits; default: the words of the name")
+      ->type_name("ID");
+  command->add_option("-o,--output", options.output, "The folder to make; default: the identifier")
+      ->type_name("FOLDER");
+}
+
 struct Options {
   EffectsOptions effects;
   RenderOptions render;
@@ -437,6 +481,7 @@ struct Options {
   InspectOptions inspect;
   SubmitOptions submit;
   Frei0rOptions frei0r;
+  NewEffectOptions newEffect;
 };
 
 void addCommands(CLI::App& app, Options& options) {
@@ -452,6 +497,7 @@ void addCommands(CLI::App& app, Options& options) {
   addPreview(app);
   addSubmit(app, options.submit);
   addFrei0r(app, options.frei0r);
+  addNewEffect(app, options.newEffect);
 }
 
 // "render" and its arguments. Throws Failure for what render would not take.
@@ -488,6 +534,8 @@ void runCommand(const CLI::App& app, const Options& options, const InspectAction
     runSubmit(options.submit, parsedRender(options.submit.command));
   } else if (app.got_subcommand("frei0r")) {
     runFrei0r(options.frei0r);
+  } else if (app.got_subcommand("new-effect")) {
+    runNewEffect(options.newEffect);
   } else if (app.got_subcommand("preview")) {
     runPreviewServer();
   } else {

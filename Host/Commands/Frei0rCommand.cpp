@@ -84,6 +84,8 @@ void printList(const frei0r::PlugInList& list) {
   for (const frei0r::LeftOut& each : list.leftOut) {
     printText("Left out: " + printable(each.effect) + ": " + printable(each.reason) + "\n");
   }
+  if (list.foreign > 0)
+    printText("\nLeft out: " + std::to_string(list.foreign) + " that are plug-ins of frei0r themselves\n");
 }
 
 fs::path folderOf(const Frei0rOptions& options) {

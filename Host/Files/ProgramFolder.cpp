@@ -39,6 +39,12 @@ std::string hostProgram() {
   return "";
 }
 
+std::vector<std::string> pythonFolders() {
+  const fs::path program = programFolder();
+  return {(program / "../lib/python3/dist-packages").lexically_normal().string(),
+          (program / "../python").lexically_normal().string()};
+}
+
 // Of a helper too, which is installed among the libraries.
 std::string dataFolder() {
   const fs::path program = programFolder();

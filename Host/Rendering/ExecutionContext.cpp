@@ -79,7 +79,7 @@ const std::uint8_t* ExecutionContext::redFirst(const std::shared_ptr<const Vorto
 
 void provideExecutionContext() {
   VortoSetExecutionContextProvider([](QCPatch&) -> VortoExecutionContext* {
-    static thread_local ExecutionContext context;
+    thread_local ExecutionContext context;  // what it keeps of images is nobody else's
     return &context;
   });
 }

@@ -12,12 +12,23 @@ TEST(Frei0rNumbers, SharesStandForValues) {
     double value;
   };
   const Case cases[] = {
-      {{0.0, 1.0}, 0.3, 0.3},          {{0.0, 100.0}, 0.35, 35},         {{-4.0, 4.0}, 0.625, 1},
-      {{-360.0, 360.0}, 0.625, 90},    {{0.1, 100.0}, 0, 0.1},           {{0.1, 100.0}, 1, 100},
-      {{1.0, std::nullopt}, 0, 1},     {{1.0, std::nullopt}, 0.5, 2},    {{1.0, std::nullopt}, 0.75, 4},
-      {{std::nullopt, 5.0}, 0.5, 4},   {{std::nullopt, 5.0}, 0, 5},      {{}, 0.5, 0},
-      {{}, 0.75, 1},                   {{}, 0.25, -1},                   {{}, 0.95, 9},
-      {{-1e308, 1e308}, 0.75, 0.5e308}, {{7.0, 7.0}, 0, 7},
+      {{0.0, 1.0}, 0.3, 0.3},
+      {{0.0, 100.0}, 0.35, 35},
+      {{-4.0, 4.0}, 0.625, 1},
+      {{-360.0, 360.0}, 0.625, 90},
+      {{0.1, 100.0}, 0, 0.1},
+      {{0.1, 100.0}, 1, 100},
+      {{1.0, std::nullopt}, 0, 1},
+      {{1.0, std::nullopt}, 0.5, 2},
+      {{1.0, std::nullopt}, 0.75, 4},
+      {{std::nullopt, 5.0}, 0.5, 4},
+      {{std::nullopt, 5.0}, 0, 5},
+      {{}, 0.5, 0},
+      {{}, 0.75, 1},
+      {{}, 0.25, -1},
+      {{}, 0.95, 9},
+      {{-1e308, 1e308}, 0.75, 0.5e308},
+      {{7.0, 7.0}, 0, 7},
   };
   for (const Case& each : cases) {
     const NumberScale scale(each.range);
@@ -29,7 +40,8 @@ TEST(Frei0rNumbers, SharesStandForValues) {
 }
 
 TEST(Frei0rNumbers, NothingLeavesTheRange) {
-  for (const host::PortRange range : {host::PortRange{0.0, 1.0}, {2.0, std::nullopt}, {std::nullopt, 2.0}, {}, {3.0, 1.0}}) {
+  for (const host::PortRange range :
+       {host::PortRange{0.0, 1.0}, {2.0, std::nullopt}, {std::nullopt, 2.0}, {}, {3.0, 1.0}}) {
     const NumberScale scale(range);
     for (const double share : {-1.0, 0.0, 0.1, 0.999999999999, 1.0, 7.0}) {
       const double value = scale.value(share);

@@ -55,12 +55,10 @@ class Frei0r : public ::testing::Test {
 };
 
 TEST_F(Frei0r, AllPlugInsTellWhatTheyAreAndRender) {
-  const std::map<std::string, int> expected{{"levels", F0R_PLUGIN_TYPE_FILTER},
-                                            {"duotone", F0R_PLUGIN_TYPE_FILTER},
-                                            {"noise", F0R_PLUGIN_TYPE_SOURCE},
-                                            {"soft_light", F0R_PLUGIN_TYPE_MIXER2},
-                                            {"gradient_wipe", F0R_PLUGIN_TYPE_MIXER2},
-                                            {"gradient_wipe_mixer3", F0R_PLUGIN_TYPE_MIXER3}};
+  const std::map<std::string, int> expected{
+      {"levels", F0R_PLUGIN_TYPE_FILTER},        {"duotone", F0R_PLUGIN_TYPE_FILTER},
+      {"noise", F0R_PLUGIN_TYPE_SOURCE},         {"soft_light", F0R_PLUGIN_TYPE_MIXER2},
+      {"gradient_wipe", F0R_PLUGIN_TYPE_MIXER2}, {"gradient_wipe_mixer3", F0R_PLUGIN_TYPE_MIXER3}};
   for (const auto& [name, type] : expected) EXPECT_EQ(LoadedPlugIn(stub(name)).info.plugin_type, type) << name;
   std::set<const void*> functions;
   std::vector<std::unique_ptr<LoadedPlugIn>> all;
@@ -72,7 +70,8 @@ TEST_F(Frei0r, AllPlugInsTellWhatTheyAreAndRender) {
     EXPECT_TRUE(functions.insert(reinterpret_cast<const void*>(plugIn.update)).second) << "is another one's";
     EXPECT_EQ(plugIn.info.color_model, F0R_COLOR_MODEL_RGBA8888);
     EXPECT_TRUE(std::string(plugIn.info.name).starts_with("Vorto ") && *plugIn.info.explanation);
-    const std::size_t inputs = std::array<std::size_t, 4>{1, 0, 2, 3}.at(static_cast<std::size_t>(plugIn.info.plugin_type));
+    const std::size_t inputs =
+        std::array<std::size_t, 4>{1, 0, 2, 3}.at(static_cast<std::size_t>(plugIn.info.plugin_type));
     std::vector<Frame> frames;
     for (unsigned i = 0; i < inputs; ++i) frames.push_back(noise(i + 1));
     PlugInInstance untouched(plugIn, kWidth, kHeight), again(plugIn, kWidth, kHeight);
@@ -261,7 +260,8 @@ TEST_F(Frei0r, UsersCompositionsArePlugIns) {
   folder.write("effects/Negative.qtz", composition);
   const RunOptions options{{"VORTO_PLUGIN_PATH=" + folder.path("effects")}};
   const std::string output = folder.path("plug-ins");
-  EXPECT_EQ(vortoSucceeds({"frei0r", "my negative: 2", "--output", output}, options).out, "1 plug-in in " + output + "\n");
+  EXPECT_EQ(vortoSucceeds({"frei0r", "my negative: 2", "--output", output}, options).out,
+            "1 plug-in in " + output + "\n");
   const std::string path = output + "/vorto_my_negative_2.so";
   ASSERT_TRUE(fs::exists(path));
   EXPECT_EQ(vortoSucceeds({"frei0r", "My Negative: 2", "--output", output}, options).exitCode, 0) << "over its own";

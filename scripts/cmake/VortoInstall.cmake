@@ -13,9 +13,11 @@ install(EXPORT VortoEditorsTargets NAMESPACE Vorto:: DESTINATION ${CMAKE_INSTALL
 
 configure_package_config_file(${CMAKE_SOURCE_DIR}/scripts/cmake/VortoConfig.cmake.in ${CMAKE_BINARY_DIR}/VortoConfig.cmake
                               INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Vorto
-                              PATH_VARS CMAKE_INSTALL_LIBDIR)
+                              PATH_VARS CMAKE_INSTALL_LIBDIR CMAKE_INSTALL_BINDIR)
 write_basic_package_version_file(${CMAKE_BINARY_DIR}/VortoConfigVersion.cmake COMPATIBILITY SameMinorVersion)
-install(FILES ${CMAKE_BINARY_DIR}/VortoConfig.cmake ${CMAKE_BINARY_DIR}/VortoConfigVersion.cmake
+set(effect_functions VortoEffects.cmake VortoCheckComposition.cmake EffectInfo.plist.in effect-exports.map)
+list(TRANSFORM effect_functions PREPEND ${CMAKE_SOURCE_DIR}/scripts/cmake/)
+install(FILES ${CMAKE_BINARY_DIR}/VortoConfig.cmake ${CMAKE_BINARY_DIR}/VortoConfigVersion.cmake ${effect_functions}
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Vorto)
 
 # The files tell where they lie, so that an installation can be moved.
@@ -26,6 +28,8 @@ install(FILES ${CMAKE_BINARY_DIR}/vorto.pc ${CMAKE_BINARY_DIR}/vorto-editors.pc 
 
 install(FILES ${CMAKE_SOURCE_DIR}/README.md ${CMAKE_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/vorto)
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/Docs DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/vorto)
+
+include(VortoDocs)
 
 set(CPACK_PACKAGE_NAME vorto)
 set(CPACK_PACKAGE_CONTACT "the Vorto authors <vorto@localhost>")

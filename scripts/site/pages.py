@@ -1,0 +1,220 @@
+# SPDX-License-Identifier: BSD-3-Clause
+"""The pages of Docs: their order, their text as HTML, and what the search finds in them."""
+import html
+import os
+import re
+
+from markdown_it import MarkdownIt
+from pygments import highlight
+from pygments.formatters import HtmlFormatter
+from pygments.lexers import get_lexer_by_name
+
+LEXERS = {'cpp': 'cpp', 'cmake': 'cmake', 'python': 'python', 'xml': 'xml', 'json': 'json', 'sh': 'sh', 'css': 'css', 'html': 'html',
+          'svg': 'xml', 'make': 'make'}
+
+
+class Part:
+    def __init__(self, title, purpose):
+        self.title, self.purpose, self.pages = title, purpose, []
+
+
+def read_contents(docs):
+    """The parts of Docs/Site/contents with those of their pages that exist, and the pages that it does not name."""
+    parts, named = [], set()
+    for line in open(os.path.join(docs, 'Site', 'contents'), encoding='utf-8'):
+        if line.startswith('#') or not line.strip():
+            continue
+        if not line.startswith(' '):
+            title, purpose = line.strip().split(': ', 1)
+            parts.append(Part(title, purpose))
+            continue
+        name = line.strip()
+        named.add(name)
+        if os.path.exists(os.path.join(docs, name + '.md')):
+            parts[-1].pages.append(name)
+    there = {file[:-3] for file in os.listdir(docs) if file.endswith('.md')}
+    return parts, sorted(there - named)
+
+
+def slug(text):
+    return re.sub(r'\s', '-', re.sub(r'[^\w\s-]', '', text.lower().strip()))
+
+
+class Heading:
+    def __init__(self, level, text, anchor):
+        self.level, self.text, self.anchor = level, text, anchor
+        self.words = ''
+
+
+class Page:
+    """One page of Markdown. `references` turns names of code into links; `files` collects what is to be copied."""
+
+    def __init__(self, docs, name, references=None):
+        self.name = name
+        self.docs = docs
+        self.references = references
+        self.files = set()
+        self.headings = []
+        self.source = open(os.path.join(docs, name + '.md'), encoding='utf-8').read()
+        self.tokens = MarkdownIt('commonmark').enable('table').parse(self.source)
+        self._read_headings()
+        self.title = self.headings[0].text if self.headings else name
+        self.summary = self._first_paragraph()
+
+    def _read_headings(self):
+        used = {}
+        for i, token in enumerate(self.tokens):
+            if token.type == 'heading_open':
+                text = plain(self.tokens[i + 1])
+                anchor = slug(text)
+                used[anchor] = used.get(anchor, -1) + 1
+                if used[anchor]:
+                    anchor += f'-{used[anchor]}'
+                token.attrSet('id', anchor)
+                self.headings.append(Heading(int(token.tag[1]), text, anchor))
+            elif self.headings and token.type in ('inline', 'fence', 'code_block'):
+                before = self.tokens[i - 1].type if i else ''
+                if before != 'heading_open':
+                    self.headings[-1].words += ' ' + (plain(token) if token.type == 'inline' else token.content)
+
+    def _first_paragraph(self):
+        for i, token in enumerate(self.tokens):
+            if token.type == 'paragraph_open':
+                text = plain(self.tokens[i + 1])
+                if text:
+                    return re.split(r'(?<=[.:]) ', text)[0].rstrip(':') + ('' if text.rstrip().endswith('.') else '')
+        return ''
+
+    def html(self):
+        out = []
+        first = True
+        for i, token in enumerate(self.tokens):
+            kind = token.type
+            if kind == 'heading_open':
+                out.append(f'<{token.tag} id="{token.attrGet("id")}">')
+            elif kind == 'heading_close':
+                anchor = self.tokens[i - 2].attrGet('id')
+                sign = '' if first else f'<a class="anchor" href="#{anchor}" aria-label="Link to this part">#</a>'
+                out.append(f'{sign}</{token.tag}>\n')
+                first = False
+            elif kind == 'inline':
+                out.append(self.inline(token.children))
+            elif kind == 'fence':
+                out.append(code_block(token.info.strip(), token.content))
+            elif kind == 'code_block':
+                out.append(code_block('', token.content))
+            elif kind == 'table_open':
+                out.append('<div class="table"><table>')
+            elif kind == 'table_close':
+                out.append('</table></div>\n')
+            elif kind in ('th_open', 'td_open'):
+                out.append(f'<{token.tag}>')
+            elif kind == 'html_block':
+                raise SystemExit(f'site: {self.name}.md: HTML in a page: {token.content[:60]}')
+            elif token.hidden:
+                continue
+            elif token.nesting == 1:
+                start = token.attrGet('start')
+                out.append(f'<{token.tag}' + (f' start="{start}"' if start else '') + '>')
+            elif token.nesting == -1:
+                out.append(f'</{token.tag}>\n')
+            elif kind == 'hr':
+                out.append('<hr>\n')
+            else:
+                raise SystemExit(f'site: {self.name}.md: what is a {kind}?')
+        text = ''.join(out)
+        return re.sub(r'<thead>\s*<tr>(<th></th>\s*)+</tr>\s*</thead>', '', text)
+
+    def inline(self, children):
+        out = []
+        linked = False
+        for token in children:
+            kind = token.type
+            if kind == 'text':
+                out.append(html.escape(token.content, quote=False))
+            elif kind == 'softbreak':
+                out.append('\n')
+            elif kind == 'hardbreak':
+                out.append('<br>')
+            elif kind == 'code_inline':
+                code = f'<code>{html.escape(token.content, quote=False)}</code>'
+                target = None if linked or not self.references else self.references(token.content)
+                out.append(f'<a class="ref" href="{target}">{code}</a>' if target else code)
+            elif kind == 'link_open':
+                target = self.target(token.attrGet('href'))
+                linked = True
+                out.append(f'<a href="{html.escape(target)}">')
+            elif kind == 'link_close':
+                linked = False
+                out.append('</a>')
+            elif kind == 'image':
+                source = self.target(token.attrGet('src'))
+                words = html.escape(plain_children(token.children))
+                out.append(f'<a class="picture" href="{source}"><img src="{source}" alt="{words}"{self.size(token)} loading="lazy"></a>')
+            elif kind in ('strong_open', 'em_open', 'strong_close', 'em_close'):
+                out.append(f'<{"/" if token.nesting < 0 else ""}{token.tag}>')
+            else:
+                raise SystemExit(f'site: {self.name}.md: what is a {kind}?')
+        return ''.join(out)
+
+    def size(self, token):
+        from sizes import size_of
+        width, height = size_of(os.path.join(self.docs, token.attrGet('src')))
+        return f' width="{width}" height="{height}"'
+
+    def target(self, link):
+        """Where a link of the page leads in the site."""
+        if re.match(r'[a-z]+:', link) or link.startswith('#'):
+            return link
+        path, _, anchor = link.partition('#')
+        if path.endswith('.md') and '/' not in path:
+            return path[:-3] + '.html' + ('#' + anchor if anchor else '')
+        if not os.path.exists(os.path.join(self.docs, path)):
+            raise SystemExit(f'site: {self.name}.md: there is no {link}')
+        path = os.path.normpath(path)
+        if path.startswith('..'):
+            raise SystemExit(f'site: {self.name}.md: {link} lies outside of Docs')
+        self.files.add(path)
+        return 'files/' + path
+
+    def search_entries(self):
+        for heading in self.headings:
+            where = self.title if heading is not self.headings[0] else ''
+            yield {'t': heading.text, 'p': where, 'u': f'{self.name}.html' + (f'#{heading.anchor}' if where else ''),
+                   'x': re.sub(r'\s+', ' ', heading.words).strip()[:600], 'k': 'guide'}
+
+
+def plain(token):
+    return plain_children(token.children or [])
+
+
+def plain_children(children):
+    return ''.join(' ' if child.type == 'softbreak' else child.content for child in children
+                   if child.type in ('text', 'code_inline', 'softbreak'))
+
+
+def code_block(info, content):
+    language, _, file = info.partition(' ')
+    title = f'<figcaption>{html.escape(file)}</figcaption>' if file else ''
+    if language == 'console':
+        body = console(content)
+    elif language in LEXERS:
+        lexer = get_lexer_by_name(LEXERS[language], stripnl=False)
+        body = highlight(content, lexer, HtmlFormatter(nowrap=True))
+    else:
+        body = html.escape(content, quote=False)
+    return f'<figure class="code {language or "plain"}">{title}<pre><code>{body}</code></pre></figure>\n'
+
+
+def console(content):
+    """Commands and what they print; the prompt is no part of what one selects or copies."""
+    lines = []
+    for line in content.rstrip('\n').split('\n'):
+        text = html.escape(line, quote=False)
+        if line.startswith('$ '):
+            lines.append(f'<span class="command"><span class="prompt">$ </span>{text[2:]}</span>')
+        elif line == '...':
+            lines.append('<span class="more">...</span>')
+        else:
+            lines.append(f'<span class="printed">{text}</span>')
+    return ''.join(lines)
