@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: BSD-3-Clause
 # The front door. Each target installs what it needs, builds, and runs; see README.md.
-.PHONY: all demo farm session test bench bench-jobs bench-python notebooks asan asan-foreign-bytes tsan fuzz install package docs docs-check format tidy clean
+.PHONY: all demo farm frei0r session test bench bench-jobs bench-python notebooks asan asan-foreign-bytes tsan fuzz install package docs docs-check format tidy clean
 PREFIX ?= /usr/local
 
 all:
@@ -16,6 +16,12 @@ demo: all
 farm: all
 	@scripts/install-dependencies slurm-wlm munge
 	@scripts/farm build/release
+
+# Effects in ffmpeg, melt and GStreamer, compared with vorto render.
+frei0r: all
+	@scripts/install-dependencies melt gstreamer1.0-tools gstreamer1.0-plugins-base gstreamer1.0-plugins-good \
+	  gstreamer1.0-plugins-bad frei0r-plugins
+	@scripts/frei0r build/release out/frei0r
 
 test: all
 	@scripts/check-format
