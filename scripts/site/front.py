@@ -5,13 +5,18 @@ import os
 import re
 import subprocess
 
+from effects import image
+
 
 def version(root):
     with open(f'{root}/CMakeLists.txt', encoding='utf-8') as file:
         return re.search(r'project\(\w+ VERSION ([\d.]+)', file.read()).group(1)
 
 
-def write_start(site, parts, guides):
+STRIP = ('Gradient Map', 'Duotone', 'Gradient Wipe', 'Overlay', 'Transform')
+
+
+def write_start(site, parts, guides, shown):
     """The first page: what it is, the first picture, and where each reader goes on."""
     page = guides['start']
     heading = page.headings[0]
@@ -21,7 +26,7 @@ def write_start(site, parts, guides):
             '<p class="lead">Vorto renders gradients, levels, blends and transitions exactly the same everywhere: in its inspector, '
             'on the command line, on a farm, and in your own program.</p>'
             '<div class="doors"><a href="#first">First picture in a minute</a><a href="gallery.html">See the effects</a></div>'
-            '</header>')
+            f'<div class="strip">{strip(site, shown)}</div></header>')
     cards = []
     for part in parts:
         links = [f'<li><a href="{name}.html">{html.escape(guides[name].title)}</a></li>' for name in part.pages if name != 'start']
@@ -35,6 +40,11 @@ def write_start(site, parts, guides):
     site.write('index.html', 'Vorto', body, contents, 'start', page.summary)
     for entry in site.search:
         entry['u'] = re.sub(r'^start\.html', 'index.html', entry['u'])
+
+
+def strip(site, shown):
+    found = {effect.name: effect for effect in shown}
+    return ''.join(f'<a href="{found[name].url}">{image(site, found[name].pictures[0][0], "", "")}{name}</a>' for name in STRIP)
 
 
 def write_commands(site, vorto):
