@@ -222,17 +222,12 @@ class Reference:
         return ''.join(out)
 
     def summary(self, header, remark):
-        text = remark
-        if not text:
-            for compound in self.classes_of(header.path):
-                text = self.description(compound, '').prose
-                if text:
-                    break
-        if not text:
-            for member in members(self.files[header.path]):
-                text = self.description(member, '').prose
-                if text:
-                    break
+        stem = os.path.basename(header.path)[:-2]
+        compounds = self.classes_of(header.path)
+        named = [c for c in compounds if c.findtext('compoundname') == stem]
+        texts = [remark] + [self.description(node, '').prose
+                            for node in named + [c for c in compounds if c.get('kind') == 'class'] + members(self.files[header.path]) + compounds]
+        text = next((text for text in texts if text), '')
         return first_sentence(text)
 
     def class_text(self, compound, header, root):

@@ -20,6 +20,7 @@ class Site:
         self.out, self.version = out, version
         self.sections = []
         self.top = []  # links of the header
+        self.references = []  # what is looked up: commands, headers
         self.search = []
 
     def order(self):

@@ -173,7 +173,7 @@ class Page:
             elif kind == 'hardbreak':
                 out.append('<br>')
             elif kind == 'code_inline':
-                code = f'<code>{html.escape(token.content, quote=False)}</code>'
+                code = f'<code>{unbroken(token.content)}</code>'
                 target = None if linked or not self.references else self.references(token.content)
                 out.append(f'<a class="ref" href="{target}">{code}</a>' if target else code)
             elif kind == 'link_open':
@@ -206,22 +206,26 @@ class Page:
         if link in self.made:
             return link
         if path.endswith('.md') and '/' not in path:
-            return path[:-3] + '.html' + ('#' + anchor if anchor else '')
+            return page_of(path[:-3]) + ('#' + anchor if anchor else '')
         if not os.path.exists(os.path.join(self.folder, path)):
             raise SystemExit(f'site: {self.name}: there is no {link}')
         path = os.path.relpath(os.path.join(self.folder, path), self.docs)
         if path.startswith('..'):
             raise SystemExit(f'site: {self.name}: {link} lies outside of Docs')
         if path.endswith('.md') and '/' not in path:
-            return path[:-3] + '.html' + ('#' + anchor if anchor else '')
+            return page_of(path[:-3]) + ('#' + anchor if anchor else '')
         self.files.add(path)
         return 'files/' + path
 
     def search_entries(self):
         for heading in self.headings:
             where = self.title if heading is not self.headings[0] else ''
-            yield {'t': heading.text, 'p': where, 'u': f'{self.name}.html' + (f'#{heading.anchor}' if where else ''),
+            yield {'t': heading.text, 'p': where, 'u': page_of(self.name) + (f'#{heading.anchor}' if where else ''),
                    'x': re.sub(r'\s+', ' ', heading.words).strip()[:600], 'k': 'guide'}
+
+
+def page_of(name):
+    return 'index.html' if name == 'start' else f'{name}.html'
 
 
 def plain(token):
@@ -231,6 +235,11 @@ def plain(token):
 def plain_children(children):
     return ''.join(' ' if child.type == 'softbreak' else child.content for child in children
                    if child.type in ('text', 'code_inline', 'softbreak'))
+
+
+def unbroken(code):
+    """Code in which no line ends within the name of an option."""
+    return re.sub(r'(?<![\w-])--?[a-z][\w-]*', r'<span class="option">\g<0></span>', html.escape(code, quote=False))
 
 
 def fenced(language, text):
@@ -256,7 +265,7 @@ def console(content):
     for line in content.rstrip('\n').split('\n'):
         text = html.escape(line, quote=False)
         if line.startswith('$ '):
-            lines.append(f'<span class="command"><span class="prompt">$&nbsp;</span>{text[2:]}</span>')
+            lines.append(f'<span class="command"><span class="prompt">$&nbsp;</span>{unbroken(line[2:])}</span>')
         elif line == '...':
             lines.append('<span class="more">...</span>')
         else:
