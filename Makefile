@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: BSD-3-Clause
 # The front door. Each target installs what it needs, builds, and runs; see README.md.
-.PHONY: all demo farm session test bench bench-jobs asan asan-foreign-bytes tsan fuzz install package docs docs-check format tidy clean
+.PHONY: all demo farm session test bench bench-jobs bench-python notebooks asan asan-foreign-bytes tsan fuzz install package docs docs-check format tidy clean
 PREFIX ?= /usr/local
 
 all:
@@ -61,6 +61,15 @@ bench-jobs: all
 	@cmake --preset bench --log-level=WARNING
 	@cmake --build --preset bench --target jobs
 	@build/bench/bin/jobs build/release/bin/vorto Docs/Examples/Photos/coffee.png build/bench/jobs
+
+# The same jobs in Python, with vorto and with other libraries: speed and lines of code.
+bench-python: all
+	@scripts/install-dependencies python3-pil python3-opencv python3-openimageio
+	@PYTHONPATH=build/release/python /usr/bin/python3 -B Benchmarks/Python/compare.py Docs/Examples/Photos/coffee.png
+
+# The notebooks of the documentation, run: what their cells print and show stands in them afterwards.
+notebooks: all
+	@PYTHONPATH=build/release/python scripts/run-notebook Docs/Notebooks/*.ipynb
 
 fuzz:
 	@scripts/install-dependencies clang libclang-rt-14-dev

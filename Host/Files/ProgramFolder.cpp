@@ -40,7 +40,9 @@ std::string hostProgram() {
 }
 
 std::vector<std::string> pythonFolders() {
-  return {(programFolder() / "../python").lexically_normal().string()};
+  const fs::path program = programFolder();
+  return {(program / "../lib/python3/dist-packages").lexically_normal().string(),
+          (program / "../python").lexically_normal().string()};
 }
 
 // Of a helper too, which is installed among the libraries.

@@ -14,7 +14,8 @@ void setProgramFolder(const std::string& folder);
 // beside the program, for a helper that is installed among the libraries itself.
 std::vector<std::string> libraryFolders();
 
-// Where the package vorto of Python may be, besides the interpreter's own places: in the build tree.
+// Where the package vorto of Python may be, besides the interpreter's own places: under the same prefix, and in the
+// build tree.
 std::vector<std::string> pythonFolders();
 
 // The path of the program vorto, of which this one may be a helper; empty when it is not there.

@@ -140,33 +140,43 @@ std::string savePreset(const std::string& name, const State& state, const std::s
 }  // namespace
 
 void bindDocuments(py::module_& module) {
-  py::class_<State>(module, "State", "A saved gradient, levels or opaque parameter, as a file has it; read_state() makes it.")
+  py::class_<State>(module, "State",
+                    "A saved gradient, levels or opaque parameter, as a file has it; read_state() makes it.")
       .def_readonly("path", &State::path)
-      .def_property_readonly("kind", [](const State& self) { return host::stateKindName(self.file.kind); },
-                             "\"gradient\", \"levels\" or \"opaque\".")
+      .def_property_readonly(
+          "kind", [](const State& self) { return host::stateKindName(self.file.kind); },
+          "\"gradient\", \"levels\" or \"opaque\".")
       .def_property_readonly("form", &formOf, "\"dictionary\", \"archive\" or \"text\".")
-      .def_property_readonly("format", &formatOf, "\"xml\" or \"binary\"; of a text \"text\", \"JSON\", \"CSS\", \"SVG\", ...")
-      .def_property_readonly("state", [](const State& self) { return objectOfList(self.file.state); },
-                             "The property list that a port takes; Gradient and Levels are made of it.")
-      .def_property_readonly("text", [](const State& self) { return host::stateAsText(self.file); },
-                             "What `vorto state` prints.")
-      .def_property_readonly("json", [](const State& self) { return host::stateAsJson(self.file); },
-                             "What `vorto state --json` prints.")
-      .def("write", &writeState, py::arg("path"), py::arg("format") = "xml", py::kw_only(), py::arg("form") = py::none(),
-           "Writes it as \"xml\", \"binary\", \"text\", \"json\", or a gradient as \"css\", \"svg\" or \"ggr\"; the old file stays\n"
+      .def_property_readonly("format", &formatOf,
+                             "\"xml\" or \"binary\"; of a text \"text\", \"JSON\", \"CSS\", \"SVG\", ...")
+      .def_property_readonly(
+          "state", [](const State& self) { return objectOfList(self.file.state); },
+          "The property list that a port takes; Gradient and Levels are made of it.")
+      .def_property_readonly(
+          "text", [](const State& self) { return host::stateAsText(self.file); }, "What `vorto state` prints.")
+      .def_property_readonly(
+          "json", [](const State& self) { return host::stateAsJson(self.file); }, "What `vorto state --json` prints.")
+      .def("write", &writeState, py::arg("path"), py::arg("format") = "xml", py::kw_only(),
+           py::arg("form") = py::none(),
+           "Writes it as \"xml\", \"binary\", \"text\", \"json\", or a gradient as \"css\", \"svg\" or \"ggr\"; the "
+           "old file stays\n"
            "where that fails. form: \"dictionary\" or \"archive\" of property lists, else that of the file.")
       .def("__repr__", [](const State& self) {
         return "<vorto.State " + std::string(host::stateKindName(self.file.kind)) + " " + self.path + ">";
       });
-  module.def("read_state", &readState, py::arg("path"), py::arg("kind") = py::none(),
-             "A saved parameter from a file of any form, or of \"preset:NAME\". kind: \"gradient\", \"levels\" or \"opaque\", for\n"
-             "files that do not tell themselves. What of another program's gradient was approximated comes as a warning.");
-  module.def("presets", &presets, py::arg("kind") = py::none(),
-             "The presets that go by a name, the user's own first: dicts of kind, name, collection, origin, favorite, file.");
-  module.def("save_preset", &savePreset, py::arg("name"), py::arg("state"), py::kw_only(), py::arg("collection") = "",
-             py::arg("replace") = false,
-             "Saves a State among the user's presets, and returns its file. A name that is taken is refused, unless it is to\n"
-             "be replaced.");
+  module.def(
+      "read_state", &readState, py::arg("path"), py::arg("kind") = py::none(),
+      "A saved parameter from a file of any form, or of \"preset:NAME\". kind: \"gradient\", \"levels\" or \"opaque\", "
+      "for\n"
+      "files that do not tell themselves. What of another program's gradient was approximated comes as a warning.");
+  module.def(
+      "presets", &presets, py::arg("kind") = py::none(),
+      "The presets that go by a name, the user's own first: dicts of kind, name, collection, origin, favorite, file.");
+  module.def(
+      "save_preset", &savePreset, py::arg("name"), py::arg("state"), py::kw_only(), py::arg("collection") = "",
+      py::arg("replace") = false,
+      "Saves a State among the user's presets, and returns its file. A name that is taken is refused, unless it is to\n"
+      "be replaced.");
 }
 
 }  // namespace vorto::python

@@ -103,6 +103,21 @@ void write(const py::object& path, const py::object& image, const WriteOptions& 
   withoutLock([&] { host::writeHeldPicture(picture.held, output, settings); });
 }
 
+py::bytes encode(const py::object& image, const std::string& format) {
+  host::HeldOutput output;
+  output.path = "the bytes";
+  output.format = host::fileFormatNamed(format);
+  const GivenPicture picture = givenPicture(image);
+  return bytesObject(withoutLock([&] {
+    host::Bytes bytes;
+    host::HeldPictureOutput made(output);
+    host::encodePicture(output.format, made.picture(picture.held), {}, [&](std::span<const std::uint8_t> piece) {
+      bytes.insert(bytes.end(), piece.begin(), piece.end());
+    });
+    return bytes;
+  }));
+}
+
 Picture pictureOf(const py::object& pixels, const py::object& like) {
   GivenPicture given = givenPicture(pixels);
   if (like.is_none()) return {given.bitmap, given.held.info ? given.held : host::heldBitmap(given.held.bitmap)};
@@ -173,6 +188,7 @@ void bindFiles(py::module_& module) {
            [](const Picture& self, const py::args& arguments, const py::kwargs& keywords) {
              return py::module_::import("numpy").attr("asarray")(py::cast(self.bitmap), *arguments, **keywords);
            })
+      .def("_repr_png_", [](const py::object& self) { return encode(self, "png"); })
       .def("__repr__", &summary);
 
   module.def(
@@ -202,6 +218,8 @@ void bindFiles(py::module_& module) {
       "path. quality: 1 to 100. compression: as \"zip\" or \"deflate:9\". Without a file of their own, integers count "
       "as sRGB\n"
       "and floats as linear Rec.709.");
+  module.def("encode", &encode, py::arg("image"), py::arg("format") = "png",
+             "The bytes of the file that write() would write in a format, by its extension.");
   module.def(
       "describe", &describe, py::arg("path"),
       "What a picture's file says, without its pixels: a dict of width and height as stored, depth, channels, space "

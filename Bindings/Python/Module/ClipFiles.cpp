@@ -22,8 +22,9 @@ host::JobOutput jobOutputOf(const host::ClipTarget& target, std::chrono::seconds
   output.patience = patience;
   const host::ClipContainer* container = host::clipContainerNamed(target.container);
   if (!container) {
-    throw host::Failure(host::ExitCode::Usage, "cannot write " + target.path + ": it is called like no clip (mp4, mov, "
-                                               "mkv, webm, avi)");
+    throw host::Failure(host::ExitCode::Usage, "cannot write " + target.path +
+                                                   ": it is called like no clip (mp4, mov, "
+                                                   "mkv, webm, avi)");
   }
   host::checkClipSettings(host::clipCodecIn(*container, target.settings.codec), target.settings);
   output.clipHoldsAlpha = host::holdsAlpha(*container, target.settings);
@@ -63,8 +64,10 @@ host::HeldPicture ClipFile::frame(std::uint32_t index) {
   const host::ClipReader::Frame frame = reader_.frame();
   if (index + 1 < info_->times.size() && (isNext || index == 0)) want(index + 1);
   if (frame.isDamaged) {
-    host::remark(path_ + ": frame " + std::to_string(index) + " is damaged: what could be decoded of it is shown, or the "
-                 "frame before", path_ + ": damaged");
+    host::remark(path_ + ": frame " + std::to_string(index) +
+                     " is damaged: what could be decoded of it is shown, or the "
+                     "frame before",
+                 path_ + ": damaged");
   }
   return host::heldPicture(host::pictureInSlot(info_, path_, index, slots_, frame.slot), path_, true);
 }

@@ -24,8 +24,8 @@ class OwnThread {
   const std::thread::id thread_ = std::this_thread::get_id();
 };
 
-// The frames of a clip, in any order, one after another at best: the next is decoded while the caller does other things.
-// Throws host::Failure naming the file.
+// The frames of a clip, in any order, one after another at best: the next is decoded while the caller does other
+// things. Throws host::Failure naming the file.
 class ClipFile {
  public:
   ClipFile(const std::string& path, std::chrono::seconds patience);
@@ -52,8 +52,8 @@ struct ClipTimes {
   std::int64_t end = 0;             // of the last of these
 };
 
-// A clip that is written as `vorto render` writes it. The old file stays until finish() has succeeded; what is destroyed
-// before leaves nothing. Throws host::Failure.
+// A clip that is written as `vorto render` writes it. The old file stays until finish() has succeeded; what is
+// destroyed before leaves nothing. Throws host::Failure.
 class ClipFileWriter {
  public:
   ClipFileWriter(const host::ClipTarget& target, ClipTimes times, const host::HeldOutput& output,

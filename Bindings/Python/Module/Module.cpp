@@ -54,6 +54,7 @@ PYBIND11_MODULE(_vorto, module) {
   bindRegistry(module);
   bindFiles(module);
   bindClips(module);
+  bindDocuments(module);
   bindPythonEffects(module);
   listNames(module);
 }

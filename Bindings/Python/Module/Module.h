@@ -17,6 +17,7 @@ void bindChannels(py::module_& module);
 void bindRegistry(py::module_& module);
 void bindFiles(py::module_& module);
 void bindClips(py::module_& module);
+void bindDocuments(py::module_& module);
 void bindPythonEffects(py::module_& module);
 
 }  // namespace vorto::python

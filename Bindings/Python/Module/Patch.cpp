@@ -34,8 +34,7 @@ void Patch::prepare(const Setup& setup) {
   rendering_ = nullptr;
   initial_.clear();
   const host::Framing framing = host::parsedFraming({setup.size, setup.scaling, setup.fit, setup.place});
-  rendering_ =
-      std::make_unique<host::HeldRendering>(name_, setup.inputs, framing, host::parsedDepth(setup.depth));
+  rendering_ = std::make_unique<host::HeldRendering>(name_, setup.inputs, framing, host::parsedDepth(setup.depth));
   for (const auto& port : rendering_->effect().patch().inputPorts()) initial_.push_back(port->value());
   setup_ = setup;
 }

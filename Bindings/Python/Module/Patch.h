@@ -26,8 +26,8 @@ class Patch {
   explicit Patch(std::string name);  // throws host::Failure for an unknown one, with those that are close
 
   const std::string& name() const { return name_; }
-  // What comes back is what came in first: a Bitmap, a Picture or an array; of a generator a Bitmap. A parameter that is
-  // not given has its default. Throws what went wrong.
+  // What comes back is what came in first: a Bitmap, a Picture or an array; of a generator a Bitmap. A parameter that
+  // is not given has its default. Throws what went wrong.
   py::object render(const py::sequence& pictures, const py::dict& parameters, const RenderWishes& wishes);
 
  private:

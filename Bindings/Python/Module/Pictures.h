@@ -26,8 +26,8 @@ struct GivenPicture {
   std::unique_ptr<Reading> reading;
 };
 
-// A Bitmap, a Picture, or an array or other buffer of pixels. Throws where it is none of them, or another thread changes
-// it.
+// A Bitmap, a Picture, or an array or other buffer of pixels. Throws where it is none of them, or another thread
+// changes it.
 GivenPicture givenPicture(const py::handle& object);
 bool isPath(const py::handle& object);  // str, bytes or os.PathLike
 

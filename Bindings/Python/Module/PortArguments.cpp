@@ -2,8 +2,8 @@
 #include "PortArguments.h"
 
 #include "Errors.h"
-#include "PlistConversion.h"
 #include "Pictures.h"
+#include "PlistConversion.h"
 
 #include "Host/Messages/Failure.h"
 #include "Host/Messages/Json.h"
@@ -14,6 +14,7 @@
 #include "Platform/QuartzComposer/QCPatch.h"
 #include "Ports/VRTImage.h"
 #include "Ports/VRTObjects.h"
+#include "TarnCore/TCColor.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -74,6 +75,7 @@ double numberOf(const QCPort& port, const py::handle& value) {
 }
 
 std::string colorText(const QCPort& port, const py::handle& value) {
+  if (py::isinstance<VortoColor>(value)) return colorText(port, value.attr("rgba"));
   if (!PySequence_Check(value.ptr())) refuse(port, value, "a color: three or four numbers, or text");
   std::string text;
   for (const auto& component : py::reinterpret_borrow<py::sequence>(value)) {
@@ -120,8 +122,7 @@ void setWhole(host::EffectRendering& effect, QCPort& port, const py::handle& val
   switch (kind) {
     case PortKind::Number:
     case PortKind::Index:
-      return setText(effect, port.key(),
-                     isText ? value.cast<std::string>() : host::numberText(numberOf(port, value)));
+      return setText(effect, port.key(), isText ? value.cast<std::string>() : host::numberText(numberOf(port, value)));
     case PortKind::Boolean: {
       const int truth = isText ? 0 : PyObject_IsTrue(value.ptr());
       if (truth < 0) throw py::error_already_set();

@@ -12,8 +12,8 @@ class EffectRendering;
 
 namespace vorto::python {
 
-// Sets the port that a keyword names (by its key, or by its name with underscores for blanks; "levels.gamma" names a part
-// of one) from what Python has: numbers, booleans, words of a menu, colors as three or four numbers or as text,
+// Sets the port that a keyword names (by its key, or by its name with underscores for blanks; "levels.gamma" names a
+// part of one) from what Python has: numbers, booleans, words of a menu, colors as three or four numbers or as text,
 // gradients and levels as objects, as dictionaries, as text, preset:NAME or the path of a state; pictures as such or as
 // paths. Returns the port. Throws where it is unknown or the value does not fit, naming the port.
 QCPort& setPort(host::EffectRendering& effect, const std::string& keyword, const py::handle& value);

@@ -2,8 +2,8 @@
 #include "PythonPatch.h"
 
 #include "Bitmap.h"
-#include "PlistConversion.h"
 #include "Pictures.h"
+#include "PlistConversion.h"
 #include "PortArguments.h"
 
 #include "Ports/VRTImage.h"

@@ -7,6 +7,9 @@ import typing
 
 from . import _vorto
 
+# Notebooks show bitmaps as pictures, as they do Pictures.
+_vorto.Bitmap._repr_png_ = lambda bitmap: _vorto.encode(bitmap)
+
 __all__ = ["EffectInfo", "Patch", "PortInfo", "effect", "effects"]
 
 
