@@ -87,8 +87,9 @@ class Reference:
         return sorted(self.classes.get(path, []), key=line_of)
 
     def url_of(self, written):
-        """The place of a name, a header or a call as people write it between backticks, or None."""
-        return self.names.get(written)
+        """The place of a name, a header or a call as people write it between backticks, or None. Words that anything
+        could be called, as `red`, are none."""
+        return self.names.get(written) if re.search(r'[(:/]|^k?[A-Z]\w*[a-z]\w*[A-Z]|^[A-Z]{2}', written) else None
 
     # Texts
 

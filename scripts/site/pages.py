@@ -49,6 +49,15 @@ def source_of(docs, name):
     return None
 
 
+def title_of(docs, name):
+    """What a page is called where another one names its file; the name, when there is no such page."""
+    path = source_of(docs, name)
+    if not path:
+        return name
+    with open(path, encoding='utf-8') as file:
+        return re.sub(r'[`#]', '', file.readline()).strip()
+
+
 def slug(text):
     return re.sub(r'\s', '-', re.sub(r'[^\w\s-]', '', text.lower().strip()))
 
@@ -164,10 +173,12 @@ class Page:
     def inline(self, children):
         out = []
         linked = False
+        file = ''  # to which the link leads that is open
         for token in children:
             kind = token.type
             if kind == 'text':
-                out.append(html.escape(token.content, quote=False))
+                text = title_of(self.docs, file[:-3]) if file and token.content == file else token.content
+                out.append(html.escape(text, quote=False))
             elif kind == 'softbreak':
                 out.append('\n')
             elif kind == 'hardbreak':
@@ -179,9 +190,10 @@ class Page:
             elif kind == 'link_open':
                 target = self.target(token.attrGet('href'))
                 linked = True
+                file = token.attrGet('href') if re.fullmatch(r'[\w-]+\.md', token.attrGet('href')) else ''
                 out.append(f'<a href="{html.escape(target)}">')
             elif kind == 'link_close':
-                linked = False
+                linked, file = False, ''
                 out.append('</a>')
             elif kind == 'image':
                 source = self.target(token.attrGet('src'))
@@ -210,6 +222,8 @@ class Page:
         if not os.path.exists(os.path.join(self.folder, path)):
             raise SystemExit(f'site: {self.name}: there is no {link}')
         path = os.path.relpath(os.path.join(self.folder, path), self.docs)
+        if os.path.dirname(path) == 'Notebooks' and path.endswith('.ipynb'):
+            return page_of(os.path.basename(path)[:-6])
         if path.startswith('..'):
             raise SystemExit(f'site: {self.name}: {link} lies outside of Docs')
         if path.endswith('.md') and '/' not in path:
