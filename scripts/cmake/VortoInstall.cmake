@@ -7,9 +7,11 @@ install(TARGETS vorto EXPORT VortoTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LI
 set_target_properties(vorto PROPERTIES EXPORT_NAME Vorto)
 install(EXPORT VortoTargets NAMESPACE Vorto:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Vorto)
 # In a set of its own, so that a package user without Qt finds the framework all the same.
-set_target_properties(vorto-editors PROPERTIES EXPORT_NAME Editors INSTALL_RPATH "$ORIGIN")
-install(TARGETS vorto-editors EXPORT VortoEditorsTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} ${headers})
-install(EXPORT VortoEditorsTargets NAMESPACE Vorto:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Vorto)
+if(VORTO_EDITORS)
+  set_target_properties(vorto-editors PROPERTIES EXPORT_NAME Editors INSTALL_RPATH "$ORIGIN")
+  install(TARGETS vorto-editors EXPORT VortoEditorsTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} ${headers})
+  install(EXPORT VortoEditorsTargets NAMESPACE Vorto:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Vorto)
+endif()
 
 configure_package_config_file(${CMAKE_SOURCE_DIR}/scripts/cmake/VortoConfig.cmake.in ${CMAKE_BINARY_DIR}/VortoConfig.cmake
                               INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Vorto
