@@ -96,7 +96,7 @@ package-test: package
 
 # The site of the documentation, into build/docs/html; docs-check looks at every page of it in a browser.
 docs: all
-	@scripts/install-dependencies doxygen python3-markdown-it python3-pygments
+	@scripts/install-dependencies doxygen mandoc python3-markdown-it python3-pygments
 	@cmake --build --preset release --target docs
 
 docs-check: docs

@@ -52,7 +52,8 @@ class Reference:
                 name = compound.findtext('compoundname')
                 self._put(header, compound.get('id'), name, used, '', 'class')
                 for member in members(compound):
-                    self._put(header, member.get('id'), f'{name}::{member.findtext("name")}', used, name, 'function')
+                    overrides = 'override' in (member.findtext('argsstring') or '')
+                    self._put(header, member.get('id'), f'{name}::{member.findtext("name")}', used, name, 'function', overrides)
                     self._put_enumerators(header, member, used, name)
             for member in members(self.files[path]):
                 self._put(header, member.get('id'), member.findtext('name'), used, '', 'function')
@@ -63,7 +64,7 @@ class Reference:
             name = value.findtext('name')
             self._put(header, value.get('id'), f'{owner}::{name}' if owner else name, used, owner, 'value')
 
-    def _put(self, header, identifier, name, used, owner, kind):
+    def _put(self, header, identifier, name, used, owner, kind, overrides=False):
         anchor = base = re.sub(r'[^\w~]+', '-', name).strip('-')
         number = 1
         while anchor in used:
@@ -73,9 +74,11 @@ class Reference:
         url = f'{header.url}#{anchor}'
         self.places[identifier] = url
         short = name.split('::')[-1]
-        for written in {name, short, f'{name}()', f'{short}()'}:
+        if kind == 'function' and short == owner.split('::')[-1]:
+            return  # a constructor is found with its class
+        for written in [name, f'{name}()'] + ([] if overrides else [short, f'{short}()']):
             self._name(written, url)
-        if number == 1 and not short.startswith(('~', 'operator')) and short != owner.split('::')[-1]:
+        if number == 1 and not overrides and not short.startswith(('~', '@', 'operator')):
             self.entries.append((short, owner or header.path, kind, url, identifier))
 
     def _name(self, written, url):
@@ -87,8 +90,9 @@ class Reference:
         return sorted(self.classes.get(path, []), key=line_of)
 
     def url_of(self, written):
-        """The place of a name, a header or a call as people write it between backticks, or None."""
-        return self.names.get(written)
+        """The place of a name, a header or a call as people write it between backticks, or None. Words that anything
+        could be called, as `red`, are none."""
+        return self.names.get(written) if re.search(r'[:/]|[a-z][A-Z]|^[A-Z]{2}', written) else None
 
     # Texts
 
@@ -187,6 +191,7 @@ class Reference:
         name = member.findtext('name')
         anchor = self.places[member.get('id')].partition('#')[2]
         kinds = self.linked(member.find('type'), root)
+        name = '' if name.startswith('@') else name
         lines = [f'{head} <span class="self" id="{anchor}">{name}</span>' + (f' : {kinds}' if kinds else '') + ' {']
         for value in member.findall('enumvalue'):
             anchor = self.places[value.get('id')].partition('#')[2]
@@ -222,17 +227,12 @@ class Reference:
         return ''.join(out)
 
     def summary(self, header, remark):
-        text = remark
-        if not text:
-            for compound in self.classes_of(header.path):
-                text = self.description(compound, '').prose
-                if text:
-                    break
-        if not text:
-            for member in members(self.files[header.path]):
-                text = self.description(member, '').prose
-                if text:
-                    break
+        stem = os.path.basename(header.path)[:-2]
+        compounds = self.classes_of(header.path)
+        named = [c for c in compounds if c.findtext('compoundname') == stem]
+        texts = [remark] + [self.description(node, '').prose
+                            for node in named + [c for c in compounds if c.get('kind') == 'class'] + members(self.files[header.path]) + compounds]
+        text = next((text for text in texts if text), '')
         return first_sentence(text)
 
     def class_text(self, compound, header, root):
@@ -354,6 +354,8 @@ def members(compound):
         if section.get('kind').startswith(('private', 'friend')):
             continue
         for member in section.findall('memberdef'):
+            if member.findtext('name').startswith('~'):
+                continue
             if member.get('kind') in ('function', 'variable', 'typedef', 'enum', 'define') and member.get('prot') != 'private':
                 found.append(member)
     return sorted(found, key=lambda m: (line_of(m), int(m.find('location').get('column') or 0)))

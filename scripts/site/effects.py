@@ -24,7 +24,7 @@ class Effect:
 
 def render(vorto, root, build, out):
     """The effects of the registry with their pictures, which lie in `out`/pictures."""
-    environment = dict(os.environ, HOME='/nonexistent', VORTO_PLUGIN_PATH='')
+    environment = dict(os.environ, HOME='/nonexistent', VORTO_PLUGIN_PATH='', FREI0R_PATH='')  # what ships, alone
     listed = json.loads(subprocess.run([vorto, 'effects', '--json'], env=environment, capture_output=True, check=True).stdout)
     shown = {}
     for kind, members in listed.items():
