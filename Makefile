@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: BSD-3-Clause
 # The front door. Each target installs what it needs, builds, and runs; see README.md.
-.PHONY: all demo farm session test bench bench-jobs bench-python notebooks asan asan-foreign-bytes tsan fuzz install package docs docs-check format tidy clean
+.PHONY: all demo farm frei0r session test bench bench-jobs bench-python notebooks asan asan-foreign-bytes tsan fuzz install package package-test docs docs-check format tidy clean
 PREFIX ?= /usr/local
 
 all:
@@ -16,6 +16,12 @@ demo: all
 farm: all
 	@scripts/install-dependencies slurm-wlm munge
 	@scripts/farm build/release
+
+# Effects in ffmpeg, melt and GStreamer, compared with vorto render.
+frei0r: all
+	@scripts/install-dependencies melt gstreamer1.0-tools gstreamer1.0-plugins-base gstreamer1.0-plugins-good \
+	  gstreamer1.0-plugins-bad frei0r-plugins
+	@scripts/frei0r build/release out/frei0r
 
 test: all
 	@scripts/check-format
@@ -79,9 +85,14 @@ install: all
 	@cmake --install build/release --prefix "$(DESTDIR)$(PREFIX)"
 	@[ -n "$(DESTDIR)" ] || scripts/refresh-desktop "$(PREFIX)"
 
-package: all
-	@scripts/install-dependencies dpkg-dev file
-	@cpack --config build/release/CPackConfig.cmake -B build/package
+# Debian packages, into build/packages; package-test installs them into a Debian that never saw the project. Needs root.
+package:
+	@scripts/install-dependencies debhelper dh-python doxygen dpkg-dev lintian python3-markdown-it python3-pygments
+	@scripts/build-packages build/packages
+
+package-test: package
+	@scripts/install-dependencies debootstrap
+	@scripts/test-packages build/packages
 
 # The site of the documentation, into build/docs/html; docs-check looks at every page of it in a browser.
 docs: all
