@@ -336,7 +336,7 @@ def note(text):
 
 
 def strip_tags(text):
-    return html.unescape(re.sub(r'<[^>]*>', ' ' if '</p>' in text else '', text)).strip()
+    return html.unescape(re.sub(r'<[^>]*>', '', re.sub(r'</(p|li)>', ' ', text))).strip()
 
 
 def first_sentence(text):
