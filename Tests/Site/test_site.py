@@ -32,7 +32,10 @@ class TARN_EXPORT Thing : public Other,
   void second();  // and this
   int count() const { return 0; }
 
-  // What follows is slow.
+  // What follows is slow:
+  //   a < b
+  // - so
+  //   it is
 
   // Slow.
   void third();
@@ -66,7 +69,10 @@ PLAIN  Thing() = default;
 SAME  void second();  ///< NOTE and this
 SAME  int count() const { return 0; }
 
-/// What follows is slow. REMARK
+/// What follows is slow:
+/// @verbatim   a < b @endverbatim
+/// - so
+///   it is REMARK
 ///
 /// Slow.
   void third();

@@ -3,6 +3,7 @@
 import html
 import os
 import re
+import textwrap
 import xml.etree.ElementTree as ElementTree
 
 SAME, PLAIN, REMARK, NOTE = '\x01', '\x02', '\x03', '\x04'
@@ -111,6 +112,9 @@ class Reference:
         if tag in CHARACTERS:
             return CHARACTERS[tag]
         inner = self.text(child, root)
+        if tag == 'verbatim':
+            first, _, rest = re.sub(r'(?m)^/// ?', '', inner).rstrip().partition('\n')
+            return f'<pre>{first.lstrip()}\n{textwrap.dedent(rest)}</pre>'
         if tag == 'ref':
             url = self.places.get(child.get('refid'))
             return f'<a href="{root}{url}">{inner}</a>' if url else inner
@@ -151,9 +155,10 @@ class Reference:
             parameters = ', '.join(p.findtext('defname') or '' for p in member.findall('param'))
             return f'#define {self_name}' + (f'({parameters})' if parameters else '')
         start = self.linked(member.find('initializer'), root)
-        start = f' {start}' if start.startswith('=') and len(start) < 60 else ''
+        start = f' {start}' if start.startswith('=') and len(strip_tags(start)) < 60 else ''
         static = 'static ' if member.get('static') == 'yes' and not kinds.startswith('static') else ''
-        return f'{static}{kinds} {self_name}{html.escape(member.findtext("argsstring") or "", quote=False)}{start};'
+        space = '' if kinds.endswith('(*') else ' '
+        return f'{static}{kinds}{space}{self_name}{html.escape(member.findtext("argsstring") or "", quote=False)}{start};'
 
     def template(self, node, root):
         if node.find('templateparamlist') is None:
@@ -327,7 +332,7 @@ def split_tags(text, sign):
 
 def paragraphs(inner):
     """A paragraph, with lists standing beside its text and not in it."""
-    parts = re.split(r'(<(?:ul|ol)>.*</(?:ul|ol)>)', inner, flags=re.DOTALL)
+    parts = re.split(r'(<(?:ul|ol|pre)>.*</(?:ul|ol|pre)>)', inner, flags=re.DOTALL)
     return ''.join(part if i % 2 else f'<p>{part.strip()}</p>' if part.strip() else '' for i, part in enumerate(parts))
 
 
@@ -336,7 +341,7 @@ def note(text):
 
 
 def strip_tags(text):
-    return html.unescape(re.sub(r'<[^>]*>', ' ' if '</p>' in text else '', text)).strip()
+    return html.unescape(re.sub(r'<[^>]*>', '', re.sub(r'</(p|li)>', ' ', text))).strip()
 
 
 def first_sentence(text):

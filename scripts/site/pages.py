@@ -189,12 +189,12 @@ class Page:
                 out.append(f'<a class="ref" href="{target}">{code}</a>' if target else code)
             elif kind == 'link_open':
                 target = self.target(token.attrGet('href'))
-                linked = True
+                linked = target is not None
                 file = token.attrGet('href') if re.fullmatch(r'[\w-]+\.md', token.attrGet('href')) else ''
-                out.append(f'<a href="{html.escape(target)}">')
+                out.append(f'<a href="{html.escape(target)}">' if linked else '')
             elif kind == 'link_close':
+                out.append('</a>' if linked else '')
                 linked, file = False, ''
-                out.append('</a>')
             elif kind == 'image':
                 source = self.target(token.attrGet('src'))
                 words = html.escape(plain_children(token.children))
@@ -211,7 +211,7 @@ class Page:
         return f' width="{width}" height="{height}"'
 
     def target(self, link):
-        """Where a link of the page leads in the site."""
+        """Where a link of the page leads in the site; None when that is in the repository alone."""
         if re.match(r'[a-z]+:', link) or link.startswith('#'):
             return link
         path, _, anchor = link.partition('#')
@@ -225,7 +225,7 @@ class Page:
         if os.path.dirname(path) == 'Notebooks' and path.endswith('.ipynb'):
             return page_of(os.path.basename(path)[:-6])
         if path.startswith('..'):
-            raise SystemExit(f'site: {self.name}: {link} lies outside of Docs')
+            return 'index.html' if path == '../README.md' else None
         if path.endswith('.md') and '/' not in path:
             return page_of(path[:-3]) + ('#' + anchor if anchor else '')
         self.files.add(path)
