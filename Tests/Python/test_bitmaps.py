@@ -69,7 +69,7 @@ class Memory(unittest.TestCase):
         padded = Bitmap(5, 3, F.RGBA8, 3)
         self.assertEqual(memoryview(padded).strides, (23, 4, 1))
         frozen = Bitmap.from_array(np.frombuffer(bytes(64), np.uint8).reshape(4, 4, 4))
-        for wrong, error in ((lambda: socket.socket().sendall(padded), (BufferError, OSError)),
+        for wrong, error in ((lambda: vorto.Hash128(padded), BufferError),
                              (lambda: frozen.__dlpack__(), BufferError),
                              (lambda: padded.__dlpack__(dl_device=(2, 0)), BufferError),
                              (lambda: Bitmap(3, 3, F.RGBAFloat, 3).__dlpack__(), BufferError)):
@@ -101,8 +101,9 @@ class Memory(unittest.TestCase):
         for state in ((), (1, 1, 0, b"123"), (1, 1, 3, b"1234"), (0, 0, 0, b"")):
             with self.assertRaises(ValueError):
                 Bitmap.__new__(Bitmap).__setstate__(state)
-        with self.assertRaises((TypeError, ValueError, BufferError)):
-            memoryview(Bitmap.__new__(Bitmap))
+        for use in (memoryview, Bitmap.copy, Bitmap.flip, repr, lambda unmade: Bitmap(1, 1).copy_from(unmade)):
+            with self.assertRaises((TypeError, BufferError)):
+                use(Bitmap.__new__(Bitmap))
 
 
 class FromArray(unittest.TestCase):
@@ -323,7 +324,7 @@ class Sharing(unittest.TestCase):
         connection.sendall(b"x")
 
     def test_a_second_thread_meets_an_error_and_no_damage(self):
-        bitmap, source = Bitmap(4000, 2000, F.RGBAFloat), Bitmap(4000, 2000, F.RGBAFloat)
+        bitmap, source = Bitmap(1500, 1000, F.RGBAFloat), Bitmap(1500, 1000, F.RGBAFloat)
         outcomes = []
 
         def work(call):
