@@ -19,7 +19,7 @@ import zipfile
 HERE = pathlib.Path(__file__).resolve().parent
 # What a program that runs needs; headers, pages and what shows windows stay away.
 TAKEN = re.compile(r"bin/vorto$|lib/libvorto\.so\.\d+$|lib/vorto/(?!vorto-inspect)|share/vorto/(?!VortoEditors)")
-PACKAGE = "lib/python3/dist-packages/"
+PACKAGE = "lib/python3/dist-packages/"  # VORTO_PYTHON_FOLDER
 
 
 def build_folder():
@@ -75,6 +75,18 @@ def add_installation(wheel, records):
                 add(wheel, records, place, file.read_bytes(), 0o755 if os.access(file, os.X_OK) else 0o644)
 
 
+def wheel_description():
+    return f"Wheel-Version: 1.0\nGenerator: vorto\nRoot-Is-Purelib: false\nTag: {tag()}\n"
+
+
+def prepare_metadata_for_build_wheel(metadata_directory, config_settings=None):
+    folder = pathlib.Path(metadata_directory) / f"vorto-{version()}.dist-info"
+    folder.mkdir()
+    (folder / "METADATA").write_text(metadata())
+    (folder / "WHEEL").write_text(wheel_description())
+    return folder.name
+
+
 def build_wheel(wheel_directory, config_settings=None, metadata_directory=None):
     name = f"vorto-{version()}-{tag()}.whl"
     information = f"vorto-{version()}.dist-info"
@@ -82,8 +94,7 @@ def build_wheel(wheel_directory, config_settings=None, metadata_directory=None):
     with zipfile.ZipFile(pathlib.Path(wheel_directory) / name, "w") as wheel:
         add_installation(wheel, records)
         add(wheel, records, f"{information}/METADATA", metadata().encode())
-        add(wheel, records, f"{information}/WHEEL",
-            f"Wheel-Version: 1.0\nGenerator: vorto\nRoot-Is-Purelib: false\nTag: {tag()}\n".encode())
+        add(wheel, records, f"{information}/WHEEL", wheel_description().encode())
         records.append(f"{information}/RECORD,,")
         wheel.writestr(f"{information}/RECORD", "\n".join(records) + "\n")
     return name
