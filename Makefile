@@ -1,10 +1,6 @@
 # SPDX-License-Identifier: BSD-3-Clause
 # The front door. Each target installs what it needs, builds, and runs; see README.md.
-<<<<<<< HEAD
-.PHONY: all demo farm session test bench bench-jobs asan asan-foreign-bytes tsan fuzz install package package-test format tidy clean
-=======
-.PHONY: all demo farm session test bench bench-jobs bench-python notebooks asan asan-foreign-bytes tsan fuzz install package docs docs-check format tidy clean
->>>>>>> main
+.PHONY: all demo farm frei0r frei0r-sheet session test bench bench-jobs bench-python notebooks asan asan-foreign-bytes tsan fuzz install package package-test wheel docs docs-check format tidy clean
 PREFIX ?= /usr/local
 
 all:
@@ -21,10 +17,21 @@ farm: all
 	@scripts/install-dependencies slurm-wlm munge
 	@scripts/farm build/release
 
+# Effects in ffmpeg, melt and GStreamer, compared with vorto render.
+frei0r: all
+	@scripts/install-dependencies melt gstreamer1.0-tools gstreamer1.0-plugins-base gstreamer1.0-plugins-good \
+	  gstreamer1.0-plugins-bad frei0r-plugins
+	@scripts/frei0r build/release out/frei0r
+
 test: all
 	@scripts/check-format
 	@cmake --build --preset release --target tests
 	@ctest --preset release
+
+# Every frei0r plug-in of the distribution as an effect: pictures in out/frei0r-*.jpg.
+frei0r-sheet: all
+	@scripts/install-dependencies frei0r-plugins python3
+	@scripts/frei0r-sheet build/release out
 
 # Somebody works with the inspector, on a screen of its own: pictures in out/session, and how long events took.
 session: all
@@ -85,7 +92,7 @@ install: all
 
 # Debian packages, into build/packages; package-test installs them into a Debian that never saw the project. Needs root.
 package:
-	@scripts/install-dependencies debhelper dh-python doxygen dpkg-dev lintian python3-markdown-it python3-pygments
+	@scripts/install-dependencies debhelper dh-python doxygen dpkg-dev lintian mandoc python3-markdown-it python3-pygments
 	@scripts/build-packages build/packages
 
 package-test: package
@@ -94,12 +101,19 @@ package-test: package
 
 # The site of the documentation, into build/docs/html; docs-check looks at every page of it in a browser.
 docs: all
-	@scripts/install-dependencies doxygen python3-markdown-it python3-pygments
+	@scripts/install-dependencies doxygen mandoc python3-markdown-it python3-pygments
 	@cmake --build --preset release --target docs
 
 docs-check: docs
 	@scripts/install-dependencies chromium
 	@scripts/check-site build/docs/html build/docs/check
+
+# The Python module with the library and the effects, to be installed by pip without anything else of Vorto.
+wheel: all
+	@scripts/install-dependencies python3-pip python3-venv
+	@rm -rf build/wheel
+	@/usr/bin/python3 -m pip wheel --quiet --no-build-isolation --no-index --no-deps --wheel-dir build/wheel Bindings/Python
+	@scripts/test-wheel build/wheel
 
 format:
 	@scripts/check-format --fix

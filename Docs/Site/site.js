@@ -141,7 +141,7 @@ function excerpt(entry, wanted) {
   const lower = text.toLowerCase();
   const places = wanted.map((word) => lower.indexOf(word)).filter((place) => place >= 0);
   const start = places.length ? Math.max(0, Math.min(...places) - 40) : 0;
-  return (start ? "..." : "") + text.slice(start, start + 140);
+  return (start ? "..." : "") + text.slice(start, start + 140) + (text.length > start + 140 ? "..." : "");
 }
 
 function marked(parent, text, wanted) {

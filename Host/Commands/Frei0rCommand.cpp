@@ -73,14 +73,19 @@ void printPlugIn(const frei0r::PlugIn& plugIn) {
   }
   printText(table.text("    "));
   for (const std::string& each : plugIn.parameters.leftOut) printText("    left out: " + printable(each) + "\n");
-  printText("\n");
 }
 
 void printList(const frei0r::PlugInList& list) {
-  for (const frei0r::PlugIn& each : list.plugIns) printPlugIn(each);
+  for (const frei0r::PlugIn& each : list.plugIns) {
+    if (&each != &list.plugIns.front()) printText("\n");
+    printPlugIn(each);
+  }
+  if (!list.plugIns.empty() && !list.leftOut.empty()) printText("\n");
   for (const frei0r::LeftOut& each : list.leftOut) {
     printText("Left out: " + printable(each.effect) + ": " + printable(each.reason) + "\n");
   }
+  if (list.foreign > 0)
+    printText("\nLeft out: " + std::to_string(list.foreign) + " that are plug-ins of frei0r themselves\n");
 }
 
 fs::path folderOf(const Frei0rOptions& options) {

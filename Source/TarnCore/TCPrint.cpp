@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <climits>
 #include <cstdint>
 #include <cstdio>
@@ -15,10 +16,7 @@
 
 namespace {
 
-bool printInitialized = false;
-bool useLogFile = false;
-std::FILE* logFile = nullptr;
-const char* programName = "UNKNOWN";
+std::atomic<const char*> programName = "UNKNOWN";
 
 std::FILE* OpenLogFile() {
   char name[64];
@@ -34,15 +32,23 @@ std::FILE* OpenLogFile() {
   return stream;
 }
 
+// Opened by the first print, whichever thread comes first; where that fails, by a later one.
+std::FILE* LogFile() {
+  static std::atomic<std::FILE*> opened = OpenLogFile();
+  std::FILE* known = opened.load(std::memory_order_acquire);
+  if (known != nullptr) return known;
+  std::FILE* again = OpenLogFile();
+  if (opened.compare_exchange_strong(known, again, std::memory_order_acq_rel)) return again;
+  if (again != nullptr) std::fclose(again);
+  return known;
+}
+
 }  // namespace
 
 int VortoPrintVA(const char* format, std::va_list args) {
-  if (!printInitialized) {
-    useLogFile = std::getenv("tcPrintUseLogFile") != nullptr;
-    printInitialized = true;
-  }
+  static const bool useLogFile = std::getenv("tcPrintUseLogFile") != nullptr;
   if (!useLogFile) return std::vprintf(format, args);
-  if (logFile == nullptr) logFile = OpenLogFile();
+  std::FILE* const logFile = LogFile();
   if (logFile == nullptr) return -1;
   const int written = std::vfprintf(logFile, format, args);
   std::fflush(logFile);

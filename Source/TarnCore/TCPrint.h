@@ -9,8 +9,8 @@
 //
 // Everything goes to standard output, or, when the environment variable tcPrintUseLogFile exists at the first message
 // (whatever its value), to the file /tmp/output.PID.log. The file is truncated when it is opened, once in a process,
-// and flushed after every message; while it cannot be opened nothing is printed, and the next message tries again. Not
-// synchronised: everything here is for one thread.
+// and flushed after every message; while it cannot be opened nothing is printed, and the next message tries again. Any
+// thread may print; an indented message is two and a stack trace many, between which those of other threads may come.
 
 // The one output routine. Returns what the C library's print function returns; -1 when the log file cannot be opened.
 TARN_EXPORT int VortoPrintVA(const char* format, std::va_list args) __attribute__((format(printf, 1, 0)));

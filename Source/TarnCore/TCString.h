@@ -18,7 +18,7 @@ class NSString;
 // - Ranges out of bounds are reported on standard error, and the text stays as it is; a substring of one is null.
 // - Null arguments: a null C string or UTF-16 text gives a null string; find(null string) is -1; insert() with a null
 //   string on either side changes nothing. Every other case is stated at its operation.
-// - Used by one thread at a time; sprintf() by one thread of the process.
+// - Used by one thread at a time; copies of it may be on other threads.
 class TARN_EXPORT VortoString {
  public:
   VortoString() = default;

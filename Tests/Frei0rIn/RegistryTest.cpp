@@ -59,21 +59,20 @@ TEST(ForeignRegistry, MakesPortsOfParametersWithNamesRangesAndDefaults) {
   };
   Names ports;
   for (const auto& port : patch->inputPorts()) ports.push_back(shown(*port));
-  EXPECT_EQ(ports, (Names{"inputImage|Image|image",
-                          "inputOn|on|boolean|Whether",
-                          "inputAmountOfIt|amount of it|number|0.000000|1.000000",
-                          "inputTint|tint|color",
+  EXPECT_EQ(ports, (Names{"inputImage|Image|image", "inputOn|on|boolean|Whether",
+                          "inputAmountOfIt|amount of it|number|0.000000|1.000000", "inputTint|tint|color",
                           "inputCenterX|center X|number|0.000000|1.000000|Where it is",
                           "inputCenterY|center Y|number|0.000000|1.000000|Where it is",
-                          "inputText|text|string|\xEF\xBF\xBDwords",
-                          "inputImage2|image|number|0.000000|1.500000",
+                          "inputText|text|string|\xEF\xBF\xBDwords", "inputImage2|image|number|0.000000|1.500000",
                           "inputParameter7|Parameter 7|number|0.000000|1.000000"}));
   const auto& color = dynamic_cast<const QCColorPort&>(*patch->portForKey("inputTint")).colorValue();
   EXPECT_EQ((std::array{color->red, color->green, color->blue, color->alpha}), (std::array{0.5, 0.25, 1.0, 1.0}));
   EXPECT_TRUE(dynamic_cast<const QCBooleanPort&>(*patch->portForKey("inputOn")).booleanValue());
   EXPECT_EQ(dynamic_cast<const QCStringPort&>(*patch->portForKey("inputText")).stringValue(), "seven..");
-  const std::pair<const char*, double> numbers[] = {{"inputAmountOfIt", 0.25}, {"inputCenterX", 0.5},
-                                                    {"inputCenterY", 0.75},    {"inputImage2", 1.5},
+  const std::pair<const char*, double> numbers[] = {{"inputAmountOfIt", 0.25},
+                                                    {"inputCenterX", 0.5},
+                                                    {"inputCenterY", 0.75},
+                                                    {"inputImage2", 1.5},
                                                     {"inputParameter7", 0}};
   for (const auto& [key, value] : numbers) {
     EXPECT_EQ(dynamic_cast<const QCNumberPort&>(*patch->portForKey(key)).doubleValue(), value) << key;
@@ -99,7 +98,8 @@ TEST(ForeignRegistry, LooksInTheFoldersThatTheInterfaceNames) {
   EXPECT_EQ(usual.front(), "frei0r Careless") << "the home folder comes before what is installed";
 }
 
-// What cannot be described is a failure with its reason, also in the runs that look into the cache; the others are there.
+// What cannot be described is a failure with its reason, also in the runs that look into the cache; the others are
+// there.
 TEST(ForeignRegistry, NamesWhatCannotBeDescribedAndRemembersIt) {
   const ForeignPlace place({"CrashOnLoad", "HangOnLoad", "NoInstance", "Newer", "Unknown", "Loaded"});
   std::ofstream(place.path("frei0r/Text.so")) << "no binary";

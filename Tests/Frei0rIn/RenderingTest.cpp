@@ -6,10 +6,12 @@
 namespace {
 
 struct ForeignRendering : testing::Test {
-  ForeignPlace place{{"Rgba", "Bgra", "Packed", "Careless", "Source", "Mixer2", "Mixer3", "Parameters", "Strict", "Turned"}};
+  ForeignPlace place{
+      {"Rgba", "Bgra", "Packed", "Careless", "Source", "Mixer2", "Mixer3", "Parameters", "Strict", "Turned"}};
   std::shared_ptr<VRTNodeManager> manager = place.registry();
 
-  std::shared_ptr<QCPatch> effect(const std::string& name, const std::vector<std::pair<std::string, Setting>>& settings) {
+  std::shared_ptr<QCPatch> effect(const std::string& name,
+                                  const std::vector<std::pair<std::string, Setting>>& settings) {
     auto patch = manager->nodeInstanceWithName("frei0r " + name);
     if (!patch) throw std::runtime_error("there is no effect " + name);
     for (const auto& [key, setting] : settings) set(*patch, key, setting);
@@ -90,9 +92,12 @@ TEST_F(ForeignRendering, PadsToMultiplesOf8AndCropsBack) {
 TEST_F(ForeignRendering, GeneratesAtEveryDepthAndRefusesWhatIsNoSize) {
   for (const double depth : {0.0, 1.0, 2.0}) {
     const Layout& layout = layouts[depth == 0 ? 0 : depth == 1 ? 2 : 3];
-    const auto out = renderedAt(*effect("Source", {{"inputWidth", 8.0}, {"inputHeight", 16.0}, {"inputDepth", depth}}), 1);
+    const auto out =
+        renderedAt(*effect("Source", {{"inputWidth", 8.0}, {"inputHeight", 16.0}, {"inputDepth", depth}}), 1);
     const double unit = layout.full / 255;
-    expectPixels(out, layout, 1e-6, [&](std::size_t, std::size_t) { return Values{10 * unit, 16 * unit, 8 * unit, layout.full}; });
+    expectPixels(out, layout, 1e-6, [&](std::size_t, std::size_t) {
+      return Values{10 * unit, 16 * unit, 8 * unit, layout.full};
+    });
   }
   EXPECT_NE(runAt(*effect("Source", {{"inputWidth", 0.0}}), 0).reason.find("is empty"), std::string::npos);
   EXPECT_NE(runAt(*effect("Source", {{"inputDepth", 3.0}}), 0).reason.find("no depth 3"), std::string::npos);
@@ -106,11 +111,13 @@ TEST_F(ForeignRendering, MixesTwoAndThreeImages) {
   const Bitmap third = makeImage(layouts[3], 5, 3, Values{0, 0, 1, 1});
   const auto inSecond = [](std::size_t x) { return x < 3 ? 50.0 : 0.0; };
   const auto patch = effect("Mixer3", {{"inputBackgroundImage", first}, {"inputForegroundImage", second}});
-  expectPixels(renderedAt(*patch, 0), layouts[0], 0,
-               [&](std::size_t x, std::size_t) { return Values{10, inSecond(x), 0, 255}; });
+  expectPixels(renderedAt(*patch, 0), layouts[0], 0, [&](std::size_t x, std::size_t) {
+    return Values{10, inSecond(x), 0, 255};
+  });
   set(*patch, "inputThirdImage", third);
-  expectPixels(renderedAt(*patch, 0), layouts[0], 0,
-               [&](std::size_t x, std::size_t) { return Values{10, inSecond(x), 255, 255}; });
+  expectPixels(renderedAt(*patch, 0), layouts[0], 0, [&](std::size_t x, std::size_t) {
+    return Values{10, inSecond(x), 255, 255};
+  });
   const auto two = effect("Mixer2", {{"inputBackgroundImage", first}, {"inputForegroundImage", third}});
   EXPECT_NE(runAt(*two, 0).reason.find("differ in layout"), std::string::npos);
   set(*two, "inputForegroundImage", Bitmap());
@@ -119,7 +126,8 @@ TEST_F(ForeignRendering, MixesTwoAndThreeImages) {
 }
 
 TEST_F(ForeignRendering, LeavesTheInputsAlphaWhereAPlugInWritesNone) {
-  const auto out = renderedAt(*effect("Careless", {{"inputImage", makeImage(layouts[0], 4, 4, Values{0, 0, 0, 51})}}), 0);
+  const auto out =
+      renderedAt(*effect("Careless", {{"inputImage", makeImage(layouts[0], 4, 4, Values{0, 0, 0, 51})}}), 0);
   expectPixels(out, layouts[0], 0, [](std::size_t, std::size_t) { return Values{2, 2, 2, 51}; });
 }
 

@@ -99,12 +99,14 @@ TEST(ForeignTrouble, IsTheEffectsAlone) {
   }
   const std::string picture = place.path("in.png");
   vortoSucceeds({"render", "Solid Color", "--size", "9x5", "--output", picture});
-  const ProgramRun streamed = vortoSucceeds({"render", "frei0r Trouble", "--input", picture, "--format", "png", "--output", "-"}, options);
+  const ProgramRun streamed =
+      vortoSucceeds({"render", "frei0r Trouble", "--input", picture, "--format", "png", "--output", "-"}, options);
   EXPECT_EQ(streamed.out.substr(1, 3), "PNG");
   EXPECT_EQ(streamed.out.find("no picture"), std::string::npos);
   vortoSucceeds({"render", "frei0r mixer2", "--input", picture, picture, "--output", place.path("mixed.png")}, options);
   const ProgramRun failed =
-      vorto({"render", "frei0r Trouble", "--input", picture, "--set", "deed=crash", "--output", place.path("out.png")}, options);
+      vorto({"render", "frei0r Trouble", "--input", picture, "--set", "deed=crash", "--output", place.path("out.png")},
+            options);
   EXPECT_NE(failed.exitCode, 0);
   EXPECT_NE(failed.err.find("frei0r Trouble"), std::string::npos) << failed.err;
   EXPECT_NE(failed.err.find("signal 11 (Segmentation fault)"), std::string::npos) << failed.err;

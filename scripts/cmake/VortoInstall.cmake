@@ -7,9 +7,11 @@ install(TARGETS vorto EXPORT VortoTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LI
 set_target_properties(vorto PROPERTIES EXPORT_NAME Vorto)
 install(EXPORT VortoTargets NAMESPACE Vorto:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Vorto)
 # In a set of its own, so that a package user without Qt finds the framework all the same.
-set_target_properties(vorto-editors PROPERTIES EXPORT_NAME Editors INSTALL_RPATH "$ORIGIN")
-install(TARGETS vorto-editors EXPORT VortoEditorsTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} ${headers})
-install(EXPORT VortoEditorsTargets NAMESPACE Vorto:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Vorto)
+if(VORTO_EDITORS)
+  set_target_properties(vorto-editors PROPERTIES EXPORT_NAME Editors INSTALL_RPATH "$ORIGIN")
+  install(TARGETS vorto-editors EXPORT VortoEditorsTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} ${headers})
+  install(EXPORT VortoEditorsTargets NAMESPACE Vorto:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Vorto)
+endif()
 
 configure_package_config_file(${CMAKE_SOURCE_DIR}/scripts/cmake/VortoConfig.cmake.in ${CMAKE_BINARY_DIR}/VortoConfig.cmake
                               INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Vorto
@@ -27,7 +29,7 @@ configure_file(${CMAKE_SOURCE_DIR}/scripts/cmake/vorto-editors.pc.in ${CMAKE_BIN
 install(FILES ${CMAKE_BINARY_DIR}/vorto.pc ${CMAKE_BINARY_DIR}/vorto-editors.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 install(FILES ${CMAKE_SOURCE_DIR}/README.md ${CMAKE_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/vorto)
-install(DIRECTORY ${CMAKE_SOURCE_DIR}/Docs DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/vorto)
+install(DIRECTORY ${CMAKE_SOURCE_DIR}/Docs DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/vorto PATTERN Site EXCLUDE)
 install(PROGRAMS ${CMAKE_SOURCE_DIR}/scripts/demo ${CMAKE_SOURCE_DIR}/scripts/gallery
         DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/vorto/examples)
 

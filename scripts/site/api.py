@@ -3,6 +3,7 @@
 import html
 import os
 import re
+import textwrap
 import xml.etree.ElementTree as ElementTree
 
 SAME, PLAIN, REMARK, NOTE = '\x01', '\x02', '\x03', '\x04'
@@ -52,7 +53,8 @@ class Reference:
                 name = compound.findtext('compoundname')
                 self._put(header, compound.get('id'), name, used, '', 'class')
                 for member in members(compound):
-                    self._put(header, member.get('id'), f'{name}::{member.findtext("name")}', used, name, 'function')
+                    overrides = 'override' in (member.findtext('argsstring') or '')
+                    self._put(header, member.get('id'), f'{name}::{member.findtext("name")}', used, name, 'function', overrides)
                     self._put_enumerators(header, member, used, name)
             for member in members(self.files[path]):
                 self._put(header, member.get('id'), member.findtext('name'), used, '', 'function')
@@ -63,7 +65,7 @@ class Reference:
             name = value.findtext('name')
             self._put(header, value.get('id'), f'{owner}::{name}' if owner else name, used, owner, 'value')
 
-    def _put(self, header, identifier, name, used, owner, kind):
+    def _put(self, header, identifier, name, used, owner, kind, overrides=False):
         anchor = base = re.sub(r'[^\w~]+', '-', name).strip('-')
         number = 1
         while anchor in used:
@@ -73,9 +75,11 @@ class Reference:
         url = f'{header.url}#{anchor}'
         self.places[identifier] = url
         short = name.split('::')[-1]
-        for written in {name, short, f'{name}()', f'{short}()'}:
+        if kind == 'function' and short == owner.split('::')[-1]:
+            return  # a constructor is found with its class
+        for written in [name, f'{name}()'] + ([] if overrides else [short, f'{short}()']):
             self._name(written, url)
-        if number == 1 and not short.startswith(('~', 'operator')) and short != owner.split('::')[-1]:
+        if number == 1 and not overrides and not short.startswith(('~', '@', 'operator')):
             self.entries.append((short, owner or header.path, kind, url, identifier))
 
     def _name(self, written, url):
@@ -87,8 +91,9 @@ class Reference:
         return sorted(self.classes.get(path, []), key=line_of)
 
     def url_of(self, written):
-        """The place of a name, a header or a call as people write it between backticks, or None."""
-        return self.names.get(written)
+        """The place of a name, a header or a call as people write it between backticks, or None. Words that anything
+        could be called, as `red`, are none."""
+        return self.names.get(written) if re.search(r'[:/]|[a-z][A-Z]|^[A-Z]{2}', written) else None
 
     # Texts
 
@@ -107,6 +112,9 @@ class Reference:
         if tag in CHARACTERS:
             return CHARACTERS[tag]
         inner = self.text(child, root)
+        if tag == 'verbatim':
+            first, _, rest = re.sub(r'(?m)^/// ?', '', inner).rstrip().partition('\n')
+            return f'<pre>{first.lstrip()}\n{textwrap.dedent(rest)}</pre>'
         if tag == 'ref':
             url = self.places.get(child.get('refid'))
             return f'<a href="{root}{url}">{inner}</a>' if url else inner
@@ -147,9 +155,10 @@ class Reference:
             parameters = ', '.join(p.findtext('defname') or '' for p in member.findall('param'))
             return f'#define {self_name}' + (f'({parameters})' if parameters else '')
         start = self.linked(member.find('initializer'), root)
-        start = f' {start}' if start.startswith('=') and len(start) < 60 else ''
+        start = f' {start}' if start.startswith('=') and len(strip_tags(start)) < 60 else ''
         static = 'static ' if member.get('static') == 'yes' and not kinds.startswith('static') else ''
-        return f'{static}{kinds} {self_name}{html.escape(member.findtext("argsstring") or "", quote=False)}{start};'
+        space = '' if kinds.endswith('(*') else ' '
+        return f'{static}{kinds}{space}{self_name}{html.escape(member.findtext("argsstring") or "", quote=False)}{start};'
 
     def template(self, node, root):
         if node.find('templateparamlist') is None:
@@ -187,6 +196,7 @@ class Reference:
         name = member.findtext('name')
         anchor = self.places[member.get('id')].partition('#')[2]
         kinds = self.linked(member.find('type'), root)
+        name = '' if name.startswith('@') else name
         lines = [f'{head} <span class="self" id="{anchor}">{name}</span>' + (f' : {kinds}' if kinds else '') + ' {']
         for value in member.findall('enumvalue'):
             anchor = self.places[value.get('id')].partition('#')[2]
@@ -222,17 +232,12 @@ class Reference:
         return ''.join(out)
 
     def summary(self, header, remark):
-        text = remark
-        if not text:
-            for compound in self.classes_of(header.path):
-                text = self.description(compound, '').prose
-                if text:
-                    break
-        if not text:
-            for member in members(self.files[header.path]):
-                text = self.description(member, '').prose
-                if text:
-                    break
+        stem = os.path.basename(header.path)[:-2]
+        compounds = self.classes_of(header.path)
+        named = [c for c in compounds if c.findtext('compoundname') == stem]
+        texts = [remark] + [self.description(node, '').prose
+                            for node in named + [c for c in compounds if c.get('kind') == 'class'] + members(self.files[header.path]) + compounds]
+        text = next((text for text in texts if text), '')
         return first_sentence(text)
 
     def class_text(self, compound, header, root):
@@ -327,7 +332,7 @@ def split_tags(text, sign):
 
 def paragraphs(inner):
     """A paragraph, with lists standing beside its text and not in it."""
-    parts = re.split(r'(<(?:ul|ol)>.*</(?:ul|ol)>)', inner, flags=re.DOTALL)
+    parts = re.split(r'(<(?:ul|ol|pre)>.*</(?:ul|ol|pre)>)', inner, flags=re.DOTALL)
     return ''.join(part if i % 2 else f'<p>{part.strip()}</p>' if part.strip() else '' for i, part in enumerate(parts))
 
 
@@ -336,7 +341,7 @@ def note(text):
 
 
 def strip_tags(text):
-    return html.unescape(re.sub(r'<[^>]*>', ' ' if '</p>' in text else '', text)).strip()
+    return html.unescape(re.sub(r'<[^>]*>', '', re.sub(r'</(p|li)>', ' ', text))).strip()
 
 
 def first_sentence(text):
@@ -354,6 +359,8 @@ def members(compound):
         if section.get('kind').startswith(('private', 'friend')):
             continue
         for member in section.findall('memberdef'):
+            if member.findtext('name').startswith('~'):
+                continue
             if member.get('kind') in ('function', 'variable', 'typedef', 'enum', 'define') and member.get('prot') != 'private':
                 found.append(member)
     return sorted(found, key=lambda m: (line_of(m), int(m.find('location').get('column') or 0)))

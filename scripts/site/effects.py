@@ -24,7 +24,7 @@ class Effect:
 
 def render(vorto, root, build, out):
     """The effects of the registry with their pictures, which lie in `out`/pictures."""
-    environment = dict(os.environ, HOME='/nonexistent', VORTO_PLUGIN_PATH='')
+    environment = dict(os.environ, HOME='/nonexistent', VORTO_PLUGIN_PATH='', FREI0R_PATH='')  # what ships, alone
     listed = json.loads(subprocess.run([vorto, 'effects', '--json'], env=environment, capture_output=True, check=True).stdout)
     shown = {}
     for kind, members in listed.items():
@@ -97,7 +97,6 @@ def write_gallery(site, shown, guide):
     """The page of the effects, with pictures where its source has tables."""
     text = re.sub(r'<p><a class="picture".*?</p>', '', guide.html(), count=1, flags=re.DOTALL)
     start, *sections = re.split(r'(?=<h2 )', text)
-    notes = notes_of(guide)
     by_title = dict(kinds(shown))
     out = [start]
     for section in sections:
@@ -106,8 +105,7 @@ def write_gallery(site, shown, guide):
         out.append(section)
         cards = []
         for effect in by_title.pop(title, []):
-            words = notes.get(effect.name) or html.escape(effect.said.get('description', ''))
-            words = re.split(r'(?<=[.:;]) ', re.sub(r'<[^>]*>', '', words))[0].rstrip(':;')
+            words = html.escape(re.split(r'(?<=[.:;]) ', effect.said.get('description', ''))[0].rstrip('.:;'))
             cards.append(f'<li><a href="{effect.url}">{image(site, effect.pictures[0][0], "", "")}'
                          f'<strong>{html.escape(effect.name)}</strong><span>{words}</span></a></li>')
         if cards:

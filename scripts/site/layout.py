@@ -20,6 +20,7 @@ class Site:
         self.out, self.version = out, version
         self.sections = []
         self.top = []  # links of the header
+        self.references = []  # what is looked up: commands, headers
         self.search = []
 
     def order(self):
@@ -95,7 +96,7 @@ PAGE = '''<!DOCTYPE html>
 <link rel="stylesheet" href="{{root}}style.css">
 <script src="{{root}}theme.js"></script>
 </head>
-<body class="{{kind}}" data-root="{{root}}">
+<body class="page-{{kind}}" data-root="{{root}}">
 <a class="skip" href="#main">To the text</a>
 <header class="top">
 <button class="menu" aria-label="Pages" aria-expanded="false" aria-controls="pages"><svg viewBox="0 0 20 20" aria-hidden="true"><path d="M3 5h14M3 10h14M3 15h14"/></svg></button>

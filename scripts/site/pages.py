@@ -1,6 +1,9 @@
 # SPDX-License-Identifier: BSD-3-Clause
 """The pages of Docs: their order, their text as HTML, and what the search finds in them."""
+import base64
 import html
+import io
+import json
 import os
 import re
 
@@ -8,6 +11,8 @@ from markdown_it import MarkdownIt
 from pygments import highlight
 from pygments.formatters import HtmlFormatter
 from pygments.lexers import get_lexer_by_name
+
+from sizes import size_in, size_of
 
 LEXERS = {'cpp': 'cpp', 'cmake': 'cmake', 'python': 'python', 'xml': 'xml', 'json': 'json', 'sh': 'sh', 'css': 'css', 'html': 'html',
           'svg': 'xml', 'make': 'make'}
@@ -30,10 +35,27 @@ def read_contents(docs):
             continue
         name = line.strip()
         named.add(name)
-        if os.path.exists(os.path.join(docs, name + '.md')):
+        if source_of(docs, name):
             parts[-1].pages.append(name)
     there = {file[:-3] for file in os.listdir(docs) if file.endswith('.md')}
     return parts, sorted(there - named)
+
+
+def source_of(docs, name):
+    """The file of a page, of Markdown or, in Notebooks, a notebook; None when there is none."""
+    for path in (f'{docs}/{name}.md', f'{docs}/Notebooks/{name}.ipynb'):
+        if os.path.exists(path):
+            return path
+    return None
+
+
+def title_of(docs, name):
+    """What a page is called where another one names its file; the name, when there is no such page."""
+    path = source_of(docs, name)
+    if not path:
+        return name
+    with open(path, encoding='utf-8') as file:
+        return re.sub(r'[`#]', '', file.readline()).strip()
 
 
 def slug(text):
@@ -55,11 +77,34 @@ class Page:
         self.references = references
         self.files = set()
         self.headings = []
-        self.source = open(os.path.join(docs, name + '.md'), encoding='utf-8').read()
-        self.tokens = MarkdownIt('commonmark').enable('table').parse(self.source)
+        self.made = {}  # pictures that lie in no file: their bytes by their links
+        path = source_of(docs, name)
+        self.folder = os.path.dirname(path)
+        with open(path, encoding='utf-8') as file:
+            text = file.read()
+        if path.endswith('.ipynb'):
+            text = self._notebook(json.loads(text))
+        self.tokens = MarkdownIt('commonmark').enable('table').parse(text)
         self._read_headings()
         self.title = self.headings[0].text if self.headings else name
         self.summary = self._first_paragraph()
+
+    def _notebook(self, notebook):
+        """The cells of a notebook, with what they printed, as Markdown."""
+        out = []
+        for cell in notebook['cells']:
+            source = ''.join(cell['source'])
+            out.append(source if cell['cell_type'] == 'markdown' else fenced('python', source))
+            for output in cell.get('outputs', []):
+                data = output.get('data', {})
+                if 'image/png' in data:
+                    link = f'pictures/{self.name}-{len(self.made) + 1}.png'
+                    self.made[link] = base64.b64decode(''.join(data['image/png']))
+                    out.append(f'![What the cell shows]({link})')
+                else:
+                    text = ''.join(output.get('text') or data.get('text/plain') or output.get('traceback', []))
+                    out.append(fenced('output', text) if text.strip() else '')
+        return '\n\n'.join(out)
 
     def _read_headings(self):
         used = {}
@@ -128,25 +173,28 @@ class Page:
     def inline(self, children):
         out = []
         linked = False
+        file = ''  # to which the link leads that is open
         for token in children:
             kind = token.type
             if kind == 'text':
-                out.append(html.escape(token.content, quote=False))
+                text = title_of(self.docs, file[:-3]) if file and token.content == file else token.content
+                out.append(html.escape(text, quote=False))
             elif kind == 'softbreak':
                 out.append('\n')
             elif kind == 'hardbreak':
                 out.append('<br>')
             elif kind == 'code_inline':
-                code = f'<code>{html.escape(token.content, quote=False)}</code>'
+                code = f'<code>{unbroken(token.content)}</code>'
                 target = None if linked or not self.references else self.references(token.content)
                 out.append(f'<a class="ref" href="{target}">{code}</a>' if target else code)
             elif kind == 'link_open':
                 target = self.target(token.attrGet('href'))
-                linked = True
-                out.append(f'<a href="{html.escape(target)}">')
+                linked = target is not None
+                file = token.attrGet('href') if re.fullmatch(r'[\w-]+\.md', token.attrGet('href')) else ''
+                out.append(f'<a href="{html.escape(target)}">' if linked else '')
             elif kind == 'link_close':
-                linked = False
-                out.append('</a>')
+                out.append('</a>' if linked else '')
+                linked, file = False, ''
             elif kind == 'image':
                 source = self.target(token.attrGet('src'))
                 words = html.escape(plain_children(token.children))
@@ -158,30 +206,40 @@ class Page:
         return ''.join(out)
 
     def size(self, token):
-        from sizes import size_of
-        width, height = size_of(os.path.join(self.docs, token.attrGet('src')))
+        link = token.attrGet('src')
+        width, height = size_in(io.BytesIO(self.made[link])) if link in self.made else size_of(os.path.join(self.folder, link))
         return f' width="{width}" height="{height}"'
 
     def target(self, link):
-        """Where a link of the page leads in the site."""
+        """Where a link of the page leads in the site; None when that is in the repository alone."""
         if re.match(r'[a-z]+:', link) or link.startswith('#'):
             return link
         path, _, anchor = link.partition('#')
+        if link in self.made:
+            return link
         if path.endswith('.md') and '/' not in path:
-            return path[:-3] + '.html' + ('#' + anchor if anchor else '')
-        if not os.path.exists(os.path.join(self.docs, path)):
-            raise SystemExit(f'site: {self.name}.md: there is no {link}')
-        path = os.path.normpath(path)
+            return page_of(path[:-3]) + ('#' + anchor if anchor else '')
+        if not os.path.exists(os.path.join(self.folder, path)):
+            raise SystemExit(f'site: {self.name}: there is no {link}')
+        path = os.path.relpath(os.path.join(self.folder, path), self.docs)
+        if os.path.dirname(path) == 'Notebooks' and path.endswith('.ipynb'):
+            return page_of(os.path.basename(path)[:-6])
         if path.startswith('..'):
-            raise SystemExit(f'site: {self.name}.md: {link} lies outside of Docs')
+            return 'index.html' if path == '../README.md' else None
+        if path.endswith('.md') and '/' not in path:
+            return page_of(path[:-3]) + ('#' + anchor if anchor else '')
         self.files.add(path)
         return 'files/' + path
 
     def search_entries(self):
         for heading in self.headings:
             where = self.title if heading is not self.headings[0] else ''
-            yield {'t': heading.text, 'p': where, 'u': f'{self.name}.html' + (f'#{heading.anchor}' if where else ''),
+            yield {'t': heading.text, 'p': where, 'u': page_of(self.name) + (f'#{heading.anchor}' if where else ''),
                    'x': re.sub(r'\s+', ' ', heading.words).strip()[:600], 'k': 'guide'}
+
+
+def page_of(name):
+    return 'index.html' if name == 'start' else f'{name}.html'
 
 
 def plain(token):
@@ -191,6 +249,15 @@ def plain(token):
 def plain_children(children):
     return ''.join(' ' if child.type == 'softbreak' else child.content for child in children
                    if child.type in ('text', 'code_inline', 'softbreak'))
+
+
+def unbroken(code):
+    """Code in which no line ends within the name of an option."""
+    return re.sub(r'(?<![\w-])--?[a-z][\w-]*', r'<span class="option">\g<0></span>', html.escape(code, quote=False))
+
+
+def fenced(language, text):
+    return f'`````{language}\n{text}\n`````'
 
 
 def code_block(info, content):
@@ -212,7 +279,7 @@ def console(content):
     for line in content.rstrip('\n').split('\n'):
         text = html.escape(line, quote=False)
         if line.startswith('$ '):
-            lines.append(f'<span class="command"><span class="prompt">$ </span>{text[2:]}</span>')
+            lines.append(f'<span class="command"><span class="prompt">$&nbsp;</span>{unbroken(line[2:])}</span>')
         elif line == '...':
             lines.append('<span class="more">...</span>')
         else:

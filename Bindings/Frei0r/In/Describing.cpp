@@ -26,7 +26,8 @@ std::size_t processorCount() {
 }
 
 std::string secondsText(std::chrono::milliseconds time) {
-  return std::to_string((time.count() + 500) / 1000) + (time < std::chrono::milliseconds(1500) ? " second" : " seconds");
+  return std::to_string((time.count() + 500) / 1000) +
+         (time < std::chrono::milliseconds(1500) ? " second" : " seconds");
 }
 
 // One plug-in that is being described.

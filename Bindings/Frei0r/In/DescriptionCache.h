@@ -10,8 +10,9 @@
 
 namespace vorto::frei0r {
 
-// What foreign plug-ins said of themselves, kept from run to run in the file "frei0r" of the user's cache folder. A file
-// that is missing, damaged, or of another version of vorto-frei0r-runner counts as empty; one that cannot be written is left.
+// What foreign plug-ins said of themselves, kept from run to run in the file "frei0r" of the user's cache folder. A
+// file that is missing, damaged, or of another version of vorto-frei0r-runner counts as empty; one that cannot be
+// written is left.
 class DescriptionCache {
  public:
   DescriptionCache();  // reads it

@@ -10,15 +10,15 @@
 
 namespace vorto::frei0r {
 
-// What a foreign plug-in says of itself, with the numbers that frei0r.h gives kinds and color models. Texts are UTF-8 on
-// one line, whatever the plug-in gave; numbers are finite.
+// What a foreign plug-in says of itself, with the numbers that frei0r.h gives kinds and color models. Texts are UTF-8
+// on one line, whatever the plug-in gave; numbers are finite.
 
 enum class ForeignKind : std::uint8_t { Filter, Source, Mixer2, Mixer3 };
 enum class ColorModel : std::uint8_t { BGRA, RGBA, Packed };
 enum class ParameterKind : std::uint8_t { Boolean, Number, Color, Position, Text };
 
-// A value of any kind: a boolean is 0 or 1 in numbers[0], a number in numbers[0], a position x and y, a color red, green
-// and blue.
+// A value of any kind: a boolean is 0 or 1 in numbers[0], a number in numbers[0], a position x and y, a color red,
+// green and blue.
 struct ParameterValue {
   std::array<double, 3> numbers{};
   std::string text;
@@ -42,7 +42,9 @@ struct ForeignEffect {
   std::int32_t minorVersion = 0;
   std::vector<ForeignParameter> parameters;
 
-  unsigned inputCount() const { return kind == ForeignKind::Source ? 0 : kind == ForeignKind::Filter ? 1 : imageCount(); }
+  unsigned inputCount() const {
+    return kind == ForeignKind::Source ? 0 : kind == ForeignKind::Filter ? 1 : imageCount();
+  }
 
  private:
   unsigned imageCount() const { return kind == ForeignKind::Mixer3 ? 3 : 2; }

@@ -25,9 +25,8 @@ struct ImagePort {
   const char* name;
 };
 constexpr ImagePort kFilterImage{"inputImage", "Image"};
-constexpr ImagePort kMixerImages[] = {{"inputBackgroundImage", "Background"},
-                                      {"inputForegroundImage", "Foreground"},
-                                      {"inputThirdImage", "Third image"}};
+constexpr ImagePort kMixerImages[] = {
+    {"inputBackgroundImage", "Background"}, {"inputForegroundImage", "Foreground"}, {"inputThirdImage", "Third image"}};
 
 const ImagePort& imagePort(ForeignKind kind, unsigned index) {
   return kind == ForeignKind::Filter ? kFilterImage : kMixerImages[index];
@@ -145,8 +144,7 @@ std::optional<ForeignPatch::Target> ForeignPatch::targetOfPorts(std::string* rea
   const std::uint32_t height = height_->indexValue();
   const std::uint32_t depth = depth_->indexValue();
   if (width == 0 || height == 0) {
-    NSRefuse(reason,
-             "an image of " + std::to_string(width) + " x " + std::to_string(height) + " pixels is empty");
+    NSRefuse(reason, "an image of " + std::to_string(width) + " x " + std::to_string(height) + " pixels is empty");
     return std::nullopt;
   }
   if (depth >= kFormatOfDepth.size()) {

@@ -23,10 +23,10 @@ struct ForeignNode {
   ForeignNode(const std::string& name, std::string plugInPath, ForeignEffect described);
 };
 
-// An instance. A source is a generator, which takes its size and depth from ports; a filter a filter; a mixer a blend mode,
-// its first input the background, its second the foreground, its third, if there is one, a picture beside them, which is
-// transparent when it is missing. The result has the size and layout of the first input; the others lie at its upper left
-// corner. What the plug-in keeps from frame to frame it keeps as long as the size stays.
+// An instance. A source is a generator, which takes its size and depth from ports; a filter a filter; a mixer a blend
+// mode, its first input the background, its second the foreground, its third, if there is one, a picture beside them,
+// which is transparent when it is missing. The result has the size and layout of the first input; the others lie at its
+// upper left corner. What the plug-in keeps from frame to frame it keeps as long as the size stays.
 class ForeignPatch : public QCPatch {
  public:
   explicit ForeignPatch(std::shared_ptr<const ForeignNode> node);

@@ -7,6 +7,8 @@
 #include "Platform/QuartzComposer/QCPlugIn.h"
 #include "Registry/VRTNodeManager.h"
 
+#include <dlfcn.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <set>
@@ -56,6 +58,14 @@ std::string nodeName(const ForeignEffect& effect, const std::string& path, std::
   return name;
 }
 
+// Whether our own effects are the plug-ins here, and another program their host. It waits for nobody's descriptions;
+// what is known serves compositions that have such effects in them.
+bool isInHostOfOurs() {
+  void* const module = dlopen("vorto-frei0r.so", RTLD_LAZY | RTLD_NOLOAD);
+  if (module) dlclose(module);
+  return module != nullptr;
+}
+
 void registerForeignEffects(GFNodeManager& manager) {
   // Nodes of the framework's own namespace: what merely tries this bundle has no use for them.
   if (manager.nodeNamespace() != VRTNodeNamespace) return;
@@ -66,10 +76,12 @@ void registerForeignEffects(GFNodeManager& manager) {
     return;
   }
   DescriptionCache cache;
-  complete(cache, found);
+  const bool isQuick = isInHostOfOurs();
+  if (!isQuick) complete(cache, found);
   std::set<std::string> taken;
   for (const Found& each : found) {
     const Report* const report = cache.find(each.path, each.state);
+    if (isQuick && (!report || !report->effect)) continue;
     if (!report || !report->effect) {
       manager.addLoadFailure(each.path, report ? report->reason : "it was not described");
       continue;

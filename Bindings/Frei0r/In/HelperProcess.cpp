@@ -154,8 +154,7 @@ bool HelperProcess::start(const char* task, const std::string& plugIn, std::init
 
   std::string words[] = {helperProgram(), task, plugIn};
   char* arguments[] = {words[0].data(), words[1].data(), words[2].data(), nullptr};
-  const int error =
-      ::posix_spawn(&id_, words[0].c_str(), &settings.files, &settings.attributes, arguments, environ);
+  const int error = ::posix_spawn(&id_, words[0].c_str(), &settings.files, &settings.attributes, arguments, environ);
   if (error == 0) return true;
   id_ = 0;
   errno = error;

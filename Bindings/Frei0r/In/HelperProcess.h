@@ -41,12 +41,12 @@ class HelperProcess {
   ~HelperProcess();  // ends it
 
   // The descriptors become 4, 5, ... there. False, with the reason, when it cannot be started.
-  bool start(const char* task, const std::string& plugIn, std::initializer_list<int> descriptors,
-             Complaints complaints, std::string* reason);
+  bool start(const char* task, const std::string& plugIn, std::initializer_list<int> descriptors, Complaints complaints,
+             std::string* reason);
   bool isRunning() const { return id_ > 0; }  // as far as anybody has noticed
 
-  // Ends it, after `patience` if need be by force, and says how it ended: "was ended by signal 11 (Segmentation fault)",
-  // "ended with exit code 3", "ended".
+  // Ends it, after `patience` if need be by force, and says how it ended: "was ended by signal 11 (Segmentation
+  // fault)", "ended with exit code 3", "ended".
   std::string end(std::chrono::milliseconds patience);
 
  private:

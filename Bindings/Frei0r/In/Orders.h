@@ -11,11 +11,11 @@
 
 namespace vorto::frei0r {
 
-// One frame to be rendered from the inputs in SharedFrames into its output. An instance lasts as long as the size stays;
-// parameters keep their values until others come, also over a change of size.
+// One frame to be rendered from the inputs in SharedFrames into its output. An instance lasts as long as the size
+// stays; parameters keep their values until others come, also over a change of size.
 struct Order {
   FrameSize size;
-  double time = 0;                                                 // seconds
+  double time = 0;                                                // seconds
   std::vector<std::pair<std::uint32_t, ParameterValue>> changed;  // parameters by index
 };
 

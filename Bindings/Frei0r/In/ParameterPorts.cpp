@@ -46,7 +46,8 @@ double component(double value) {
 }  // namespace
 
 std::string tidyLine(std::string text) {
-  std::replace_if(text.begin(), text.end(), [](char c) { return c == '\n' || c == '\r' || c == '\t'; }, ' ');
+  std::replace_if(
+      text.begin(), text.end(), [](char c) { return c == '\n' || c == '\r' || c == '\t'; }, ' ');
   const std::size_t first = text.find_first_not_of(' ');
   if (first == std::string::npos) return {};
   return NSPrintableText(text.substr(first, text.find_last_not_of(' ') - first + 1));

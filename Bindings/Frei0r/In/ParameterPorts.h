@@ -12,9 +12,9 @@ class QCPort;
 
 namespace vorto::frei0r {
 
-// The parameters of a foreign plug-in as input ports of a patch: booleans, numbers, colors and texts as such, a position
-// as two numbers. Keys are the parameters' names as one word behind "input", with a number where a patch has that key;
-// numbers go from 0 to 1, or as far as a default beyond.
+// The parameters of a foreign plug-in as input ports of a patch: booleans, numbers, colors and texts as such, a
+// position as two numbers. Keys are the parameters' names as one word behind "input", with a number where a patch has
+// that key; numbers go from 0 to 1, or as far as a default beyond.
 class ParameterPorts {
  public:
   // Adds the ports. `reserved` are keys that the patch gives to others later.

@@ -137,8 +137,7 @@ void fromFrame(const std::uint32_t* frame, ColorModel colors, const FrameSize& s
   const Offset offset(image, size);
   const Places places(colors);
   for (std::size_t y = 0; y < image.height; ++y) {
-    const auto* const row =
-        reinterpret_cast<const std::uint8_t*>(frame + (offset.top + y) * size.width + offset.left);
+    const auto* const row = reinterpret_cast<const std::uint8_t*>(frame + (offset.top + y) * size.width + offset.left);
     effects::withLayout(image.formatCode, [&](auto layout) {
       using Layout = decltype(layout);
       widenRow<Layout>(row, places, image.width, rowOf<typename Layout::Channel>(image, y));

@@ -38,9 +38,9 @@ RenderProcess::RenderProcess(std::string plugIn, std::shared_ptr<const ForeignEf
 bool RenderProcess::begin(const FrameSize& size, std::string* reason) {
   if (!process_.isRunning() && !start(reason)) return false;
   size_ = size;
-  return frames_->makeRoom(size) || NSRefuse(reason, "there is no memory for the plug-in's frames of " +
-                                                         std::to_string(size.width) + " x " +
-                                                         std::to_string(size.height) + " pixels");
+  return frames_->makeRoom(size) ||
+         NSRefuse(reason, "there is no memory for the plug-in's frames of " + std::to_string(size.width) + " x " +
+                              std::to_string(size.height) + " pixels");
 }
 
 bool RenderProcess::start(std::string* reason) {

@@ -25,7 +25,7 @@ class SharedFrames {
   SharedFrames(const SharedFrames&) = delete;
   SharedFrames& operator=(const SharedFrames&) = delete;
 
-  bool create();              // false when the system gives none
+  bool create();               // false when the system gives none
   void adopt(int descriptor);  // what another process made; owned from here on
   int descriptor() const { return descriptor_; }
 

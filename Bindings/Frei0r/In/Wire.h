@@ -18,7 +18,8 @@ using Bytes = std::vector<std::uint8_t>;
 class WireWriter {
  public:
   template <class Value>
-  requires std::is_arithmetic_v<Value> void value(Value value) { append(&value, sizeof value); }
+  requires std::is_arithmetic_v<Value>
+  void value(Value value) { append(&value, sizeof value); }
   void text(std::string_view text) {
     value(static_cast<std::uint32_t>(text.size()));
     append(text.data(), text.size());

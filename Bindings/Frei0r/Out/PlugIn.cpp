@@ -146,7 +146,7 @@ PlugInList allPlugIns() {
     if (!patch) {
       refuse("it cannot be made");
     } else if (cameThroughFrei0r(*patch)) {
-      refuse("it is a frei0r plug-in itself");
+      ++list.foreign;
     } else if (effect.size() >= sizeof(StubFields::effect)) {
       refuse("its name is too long");
     } else {

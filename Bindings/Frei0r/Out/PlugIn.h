@@ -39,9 +39,10 @@ struct LeftOut {
 struct PlugInList {
   std::vector<PlugIn> plugIns;
   std::vector<LeftOut> leftOut;
+  std::size_t foreign = 0;  // how many came in through frei0r, which are left out too
 };
 
-// Of all effects of the registry, in its order. What came in through frei0r itself is left out.
+// Of all effects of the registry, in its order.
 PlugInList allPlugIns();
 
 // Of one effect; nothing where it takes no such number of frames, or does not exist.

@@ -12,20 +12,25 @@ const CFObject* Object(CFTypeRef object) {
   return static_cast<const CFObject*>(object);
 }
 
+bool IsConstant(CFTypeRef object) {
+  return Object(object)->references.load(std::memory_order_relaxed) == CFObject::kConstant;
+}
+
 }  // namespace
 
 CFTypeRef CFRetain(CFTypeRef object) {
-  if (object != nullptr && Object(object)->references != CFObject::kConstant) ++Object(object)->references;
+  if (object != nullptr && !IsConstant(object)) Object(object)->references.fetch_add(1, std::memory_order_relaxed);
   return object;
 }
 
 void CFRelease(CFTypeRef object) {
-  if (object == nullptr || Object(object)->references == CFObject::kConstant) return;
-  if (--Object(object)->references == 0) delete Object(object);
+  if (object == nullptr || IsConstant(object)) return;
+  // What other holders did to the object has happened before it goes.
+  if (Object(object)->references.fetch_sub(1, std::memory_order_acq_rel) == 1) delete Object(object);
 }
 
 CFIndex CFGetRetainCount(CFTypeRef object) {
-  return object == nullptr ? 0 : Object(object)->references;
+  return object == nullptr ? 0 : Object(object)->references.load(std::memory_order_acquire);
 }
 
 void CFShow(CFTypeRef object) {

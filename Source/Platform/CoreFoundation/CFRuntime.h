@@ -3,6 +3,7 @@
 
 #include "Platform/CoreFoundation/CFBase.h"
 
+#include <atomic>
 #include <limits>
 #include <string>
 
@@ -17,7 +18,7 @@ struct CFObject {
   virtual ~CFObject() = default;
   virtual std::string description() const = 0;  // in UTF-8
 
-  mutable CFIndex references = 1;
+  mutable std::atomic<CFIndex> references = 1;  // strings of several threads may share one object
 };
 
 // One line on standard error.

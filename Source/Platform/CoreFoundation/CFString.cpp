@@ -4,8 +4,10 @@
 #include "Platform/CoreFoundation/CFStringObject.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
-#include <map>
+#include <functional>
+#include <iterator>
 #include <new>
 
 namespace {
@@ -37,6 +39,21 @@ void Splice(const char* function, CFMutableStringRef string, CFRange range, std:
   }
 }
 
+// A constant string, in a list that only grows: threads may look into it and add to it at the same time.
+struct Constant {
+  std::string text;
+  CFStringRef string;
+  const Constant* older;
+};
+constinit std::atomic<const Constant*> constants[64] = {};  // by the text's hash; never destroyed
+
+const Constant* FindConstant(const Constant* newest, std::string_view text) {
+  for (; newest != nullptr; newest = newest->older) {
+    if (newest->text == text) return newest;
+  }
+  return nullptr;
+}
+
 }  // namespace
 
 CFStringRef CFStringCreateWithUnits(CFUnits units) {
@@ -46,15 +63,23 @@ CFStringRef CFStringCreateWithUnits(CFUnits units) {
 }
 
 CFStringRef CFSTR(const char* text) {
-  // Never destroyed: constants outlive every static object that may use them.
-  static auto& constants = *new std::map<std::string, CFStringRef, std::less<>>;
   if (text == nullptr) text = "";
-  const auto known = constants.find(std::string_view(text));
-  if (known != constants.end()) return known->second;
+  std::atomic<const Constant*>& bucket = constants[std::hash<std::string_view>()(text) % std::size(constants)];
+  const Constant* newest = bucket.load(std::memory_order_acquire);
+  if (const Constant* known = FindConstant(newest, text)) return known->string;
   CFStringRef string = CFStringCreateWithCString(kCFAllocatorDefault, text, kCFStringEncodingUTF8);
   if (string == nullptr) return nullptr;
   string->references = CFObject::kConstant;
-  return constants.emplace(text, string).first->second;
+  auto* added = new Constant{text, string, newest};
+  while (!bucket.compare_exchange_weak(added->older, added, std::memory_order_acq_rel, std::memory_order_acquire)) {
+    // Another thread was first, maybe with this text.
+    const Constant* known = FindConstant(added->older, text);
+    if (known == nullptr) continue;
+    delete added;
+    delete string;
+    return known->string;
+  }
+  return string;
 }
 
 CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char* text, CFStringEncoding encoding) {

@@ -10,8 +10,8 @@
 #include <span>
 #include <string>
 
-// What is kept from run to run to be faster, and may be lost at any time: files in $XDG_CACHE_HOME/vorto or ~/.cache/vorto.
-// Where the environment names neither by an absolute path there are none.
+// What is kept from run to run to be faster, and may be lost at any time: files in $XDG_CACHE_HOME/vorto or
+// ~/.cache/vorto. Where the environment names neither by an absolute path there are none.
 
 // Nothing when the file is not there, larger than `mostBytes`, or may have been written by somebody else.
 TARN_EXPORT std::optional<PropertyList::Bytes> NSReadCacheFile(const std::string& name, std::size_t mostBytes);

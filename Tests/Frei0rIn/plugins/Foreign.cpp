@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Foreign plug-ins of the tests' own, one for each name in TEST_FOREIGN: what each does stands at its struct.
+#include <unistd.h>
 #include <algorithm>
 #include <cmath>
 #include <csignal>
@@ -8,7 +9,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
-#include <unistd.h>
 
 extern "C" {
 #include <frei0r.h>
@@ -109,13 +109,11 @@ struct Mixer3 : Mixer2 {
 };
 
 // Shows its parameters in the red of its first pixels.
-constexpr Parameter kEveryKind[] = {{"on", F0R_PARAM_BOOL, "Whether"},
-                                    {"amount of it", F0R_PARAM_DOUBLE, nullptr},
-                                    {"tint", F0R_PARAM_COLOR, ""},
-                                    {"center", F0R_PARAM_POSITION, "Where\nit is"},
-                                    {"text", F0R_PARAM_STRING, "\xFFwords"},
-                                    {"image", F0R_PARAM_DOUBLE, nullptr},
-                                    {"", F0R_PARAM_DOUBLE, nullptr}};
+constexpr Parameter kEveryKind[] = {
+    {"on", F0R_PARAM_BOOL, "Whether"},       {"amount of it", F0R_PARAM_DOUBLE, nullptr},
+    {"tint", F0R_PARAM_COLOR, ""},           {"center", F0R_PARAM_POSITION, "Where\nit is"},
+    {"text", F0R_PARAM_STRING, "\xFFwords"}, {"image", F0R_PARAM_DOUBLE, nullptr},
+    {"", F0R_PARAM_DOUBLE, nullptr}};
 struct Parameters : Plain {
   using Plain::Plain;
   static constexpr const char* kName = "Parameters";
@@ -140,9 +138,7 @@ struct Parameters : Plain {
   }
   void update(double time, const std::uint32_t* const in[3], std::uint32_t* out) {
     Plain::update(time, in, out);
-    const double shown[] = {on,       amount,   tint.r,
-                            tint.g,   tint.b,   center.x,
-                            center.y, text.size() / 255.0, calls / 255.0};
+    const double shown[] = {on, amount, tint.r, tint.g, tint.b, center.x, center.y, text.size() / 255.0, calls / 255.0};
     for (int i = 0; i < 9; ++i) bytesOf(out + i)[0] = static_cast<std::uint8_t>(std::lround(shown[i] * 255));
   }
   double on = 1, amount = 0.25;
@@ -189,7 +185,10 @@ struct Trouble : Plain {
     Plain::update(time, in, out);
     std::printf("this is no picture\n");
     std::fflush(stdout);
-    if (deed == "crash") std::raise(SIGSEGV);
+    if (deed == "crash") {
+      std::signal(SIGSEGV, SIG_DFL);  // sanitizers would catch it
+      std::raise(SIGSEGV);
+    }
     if (deed == "exit") std::exit(3);
     while (deed == "hang") ::pause();
   }
@@ -253,8 +252,8 @@ EXPORTED int f0r_init() {
 }
 EXPORTED void f0r_deinit() {}
 EXPORTED void f0r_get_plugin_info(f0r_plugin_info_t* info) {
-  *info = {Tested::kName, Tested::kAuthor, Tested::kType, Tested::kColors, Tested::kVersion,
-           2,             7,               Tested::kCount, Tested::kExplanation};
+  *info = {Tested::kName,  Tested::kAuthor,     Tested::kType, Tested::kColors, Tested::kVersion, 2, 7,
+           Tested::kCount, Tested::kExplanation};
 }
 EXPORTED void f0r_get_param_info(f0r_param_info_t* info, int index) {
   if (index >= 0 && index < Tested::kCount) {

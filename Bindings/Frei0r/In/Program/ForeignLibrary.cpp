@@ -48,8 +48,7 @@ bool ForeignLibrary::findAll(void* handle, std::string* reason) {
   std::string ignored;
   find(handle, "f0r_update", update_, &ignored);
   find(handle, "f0r_update2", update2_, &ignored);
-  return find(handle, "f0r_init", init_, reason) &&
-         find(handle, "f0r_get_plugin_info", getPluginInfo_, reason) &&
+  return find(handle, "f0r_init", init_, reason) && find(handle, "f0r_get_plugin_info", getPluginInfo_, reason) &&
          find(handle, "f0r_get_param_info", getParamInfo_, reason) &&
          find(handle, "f0r_construct", construct_, reason) && find(handle, "f0r_destruct", destruct_, reason) &&
          find(handle, "f0r_set_param_value", setParamValue_, reason) &&

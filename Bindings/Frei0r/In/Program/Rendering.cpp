@@ -46,7 +46,8 @@ class Renderer {
     if (instance_) library_.destruct(std::exchange(instance_, nullptr));
     instance_ = library_.construct(size);
     if (!instance_) {
-      *reason = "it makes no instance for " + std::to_string(size.width) + " x " + std::to_string(size.height) + " pixels";
+      *reason =
+          "it makes no instance for " + std::to_string(size.width) + " x " + std::to_string(size.height) + " pixels";
       return false;
     }
     size_ = size;

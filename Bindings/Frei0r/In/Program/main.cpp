@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// vorto-frei0r-runner describe|render FILE: runs a frei0r plug-in for the bundle Frei0r.plugin, so that it runs in no host.
+// vorto-frei0r-runner describe|render FILE: runs a frei0r plug-in for the bundle Frei0r.plugin, so that it runs in no
+// host.
 #include "Bindings/Frei0r/In/Descriptors.h"
 #include "Bindings/Frei0r/In/Program/ForeignLibrary.h"
 #include "Bindings/Frei0r/In/Program/Rendering.h"
