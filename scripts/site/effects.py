@@ -182,7 +182,8 @@ def default_of(port):
         return ''
     if port['kind'] == 'color':
         digits = ''.join(f'{min(255, max(0, round(component * 255))):02x}' for component in value)
-        return f'<code>#{digits[:6] if digits[6:] == "ff" else digits}</code>'
+        code = f'#{digits[:6] if digits[6:] == "ff" else digits}'
+        return f'<span class="swatch" style="background: {code}"></span><code>{code}</code>'
     if port['kind'] == 'boolean':
         return 'yes' if value else 'no'
     if 'menu' in port:
