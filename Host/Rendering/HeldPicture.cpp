@@ -201,7 +201,6 @@ HeldPicture HeldRendering::render(const std::vector<HeldPicture>& worked, double
   if (result.info) {
     auto info = std::make_shared<PictureInfo>(*result.info);
     info->channels = pictures.infos.size() == worked.size() ? commonChannels(pictures.infos) : Channels::RGBA;
-    info->depth = result.depth;
     result.info = std::move(info);
   }
   return result;

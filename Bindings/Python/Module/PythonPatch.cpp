@@ -24,6 +24,9 @@ host::BitmapRef redFirst(const host::BitmapRef& bitmap) {
   return copy;
 }
 
+// Owned; a thread that ends leaves it.
+thread_local PyObject* raised = nullptr;
+
 py::object valueFor(QCPort& port) {
   auto* const image = dynamic_cast<QCImagePort*>(&port);
   if (!image) return portValue(port);
@@ -32,6 +35,10 @@ py::object valueFor(QCPort& port) {
 }
 
 }  // namespace
+
+py::object takeRaised() {
+  return py::reinterpret_steal<py::object>(std::exchange(raised, nullptr));
+}
 
 PythonPatch::PythonPatch(PropertyList attributes, const py::object& plan)
     : QCPatch(std::move(attributes)), plan_(plan), instance_(plan.attr("instance")()) {
@@ -94,6 +101,8 @@ bool PythonPatch::execute(double time, std::string* reason) {
     return true;
   } catch (py::error_already_set& error) {
     *reason = plan_.attr("failure")(error.value()).cast<std::string>();
+    takeRaised();
+    raised = py::object(error.value()).release().ptr();
     error.restore();  // so that it ends here, with the lock
     PyErr_Clear();
   }
