@@ -8,6 +8,7 @@
 #include <pybind11/operators.h>
 #include <pybind11/stl.h>
 
+#include <charconv>
 #include <cmath>
 #include <limits>
 #include <tuple>
@@ -25,9 +26,24 @@ const char* nameOf(Type model) {
   return kNames[model];
 }
 
+// The number that people would write for a float: the shortest that is the same float.
+double shortest(float value) {
+  char digits[32];
+  const auto end = std::to_chars(digits, std::end(digits), value).ptr;
+  double number = value;
+  std::from_chars(digits, end, number);
+  return number;
+}
+
+// The same, but what stands for a code of 8 bits is that code to the last bit.
+double written(float value) {
+  const double code = std::round(value * 255.0) / 255.0;
+  return static_cast<float>(code) == value ? code : shortest(value);
+}
+
 std::string describe(const VortoColor& color) {
   const auto number = [](float value) {
-    return std::isfinite(value) ? host::numberText(value)
+    return std::isfinite(value) ? host::numberText(shortest(value))
                                 : std::string(std::isnan(value) ? "nan"
                                               : value < 0       ? "-inf"
                                                                 : "inf");
@@ -45,7 +61,7 @@ std::string textOf(const VortoColor& color) {
   if (!std::isfinite(color.getRed()) || !std::isfinite(color.getGreen()) || !std::isfinite(color.getBlue())) {
     throw py::value_error("a text holds finite numbers only");
   }
-  return host::colorText({color.getRed(), color.getGreen(), color.getBlue()});
+  return host::colorText({written(color.getRed()), written(color.getGreen()), written(color.getBlue())});
 }
 
 // What a conversion leaves unwritten is NaN.
