@@ -29,8 +29,9 @@ void keepForEffect(std::vector<host::HeldPicture>& worked, const std::vector<hos
 [[noreturn]] void raise(const host::Failure& failure) {
   const py::object cause = takeRaised();
   if (!cause) throw failure;
+  const py::object error = py::module_::import("vorto._vorto").attr("Error");
   PyErr_SetObject(reinterpret_cast<PyObject*>(Py_TYPE(cause.ptr())), cause.ptr());
-  py::raise_from(py::module_::import("vorto._vorto").attr("Error").ptr(), failure.what());
+  py::raise_from(error.ptr(), failure.what());
   throw py::error_already_set();
 }
 

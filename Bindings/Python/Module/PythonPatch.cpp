@@ -87,8 +87,8 @@ void PythonPatch::render(double time) {
   for (QCPort* port : wanted_) values.append(valueFor(*port));
   const py::object result = plan_.attr("render")(instance_, values, time);
   host::BitmapRef bitmap = givenPicture(result).held.bitmap;
-  // What it was given it may hand on; what it keeps itself it may change.
-  if (keepsState(*this)) bitmap = std::make_shared<VortoBitmap>(*bitmap);
+  // What is an array's may be handed to no other process, and what the effect keeps it may change.
+  if (bitmap->memoryEntry == 0 || keepsState(*this)) bitmap = std::make_shared<VortoBitmap>(*bitmap);
   VRTImage::setBitmapOfPort(*output_, std::move(bitmap));
 }
 
