@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: BSD-3-Clause
 # The front door. Each target installs what it needs, builds, and runs; see README.md.
-.PHONY: all demo farm session test bench bench-jobs bench-python notebooks asan asan-foreign-bytes tsan fuzz install package format tidy clean
+.PHONY: all demo farm session test bench bench-jobs bench-python notebooks asan asan-foreign-bytes tsan fuzz install package wheel format tidy clean
 PREFIX ?= /usr/local
 
 all:
@@ -82,6 +82,13 @@ install: all
 package: all
 	@scripts/install-dependencies dpkg-dev file
 	@cpack --config build/release/CPackConfig.cmake -B build/package
+
+# The Python module with the library and the effects, to be installed by pip without anything else of Vorto.
+wheel: all
+	@scripts/install-dependencies python3-pip python3-venv
+	@rm -rf build/wheel
+	@/usr/bin/python3 -m pip wheel --quiet --no-build-isolation --no-index --no-deps --wheel-dir build/wheel Bindings/Python
+	@scripts/test-wheel build/wheel
 
 format:
 	@scripts/check-format --fix

@@ -191,14 +191,15 @@ void bindClip(py::module_& module) {
       "object; a damaged clip is read as far as it can be, which comes as a warning. One thread uses it.")
       .def(py::init<const py::object&, double>(), py::arg("path"), py::kw_only(), py::arg("patience") = 60.0,
            "patience: the seconds that one frame may take to be decoded. Raises Error naming the file.")
-      .def("__len__", &Clip::count)
-      .def("__getitem__", &Clip::frame, py::arg("index"))
+      .def("__len__", &Clip::count, "How many frames there are.")
+      .def("__getitem__", &Clip::frame, py::arg("index"),
+           "A frame by its place, from 0 on, or from the end by -1: a Picture.")
       .def(
           "at", [](Clip& self, double seconds) { return self.frame(static_cast<std::int64_t>(self.placeAt(seconds))); },
           py::arg("seconds"), "The frame that is shown so many seconds from the start.")
       .def("time_code", &Clip::timeCode, py::arg("index") = 0,
            "\"01:02:03:04\" of a frame, with a semicolon where frames are dropped; None without one.")
-      .def_property_readonly("path", &Clip::path)
+      .def_property_readonly("path", &Clip::path, "As it was given.")
       .def_property_readonly(
           "width", [](const Clip& self) { return self.info().picture.width; }, "In pixels, upright.")
       .def_property_readonly(
@@ -206,14 +207,17 @@ void bindClip(py::module_& module) {
       .def_property_readonly(
           "rate", [](const Clip& self) { return fraction(self.info().rate); },
           "Frames per second, a Fraction; the average where they come unevenly.")
-      .def_property_readonly("is_uneven", [](const Clip& self) { return self.info().isUneven; })
+      .def_property_readonly(
+          "is_uneven", [](const Clip& self) { return self.info().isUneven; }, "Whether frames do not come at one rate.")
       .def_property_readonly(
           "duration", [](const Clip& self) { return self.info().duration(); }, "In seconds.")
       .def_property_readonly("times", &timesOf, "From when on each frame is shown, in seconds since the first.")
-      .def_property_readonly("codec", [](const Clip& self) { return self.info().codec; })
+      .def_property_readonly(
+          "codec", [](const Clip& self) { return self.info().codec; }, "As people know it: \"H.264\", \"ProRes 4444\".")
       .def_property_readonly(
           "sampling", [](const Clip& self) { return self.info().sampling; }, "What is stored, as in \"yuv420p10le\".")
-      .def_property_readonly("has_audio", [](const Clip& self) { return self.info().hasAudio; })
+      .def_property_readonly(
+          "has_audio", [](const Clip& self) { return self.info().hasAudio; }, "Whether there is sound.")
       .def("close", &Clip::close, "Ends the process. No frame can be had afterwards.")
       .def("__enter__", [](py::object self) { return self; })
       .def("__exit__", [](Clip& self, const py::args&) { self.close(); })
