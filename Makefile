@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: BSD-3-Clause
 # The front door. Each target installs what it needs, builds, and runs; see README.md.
-.PHONY: all demo farm frei0r session test bench bench-jobs bench-python notebooks asan asan-foreign-bytes tsan fuzz install package package-test docs docs-check format tidy clean
+.PHONY: all demo farm frei0r frei0r-sheet session test bench bench-jobs bench-python notebooks asan asan-foreign-bytes tsan fuzz install package package-test wheel docs docs-check format tidy clean
 PREFIX ?= /usr/local
 
 all:
@@ -27,6 +27,11 @@ test: all
 	@scripts/check-format
 	@cmake --build --preset release --target tests
 	@ctest --preset release
+
+# Every frei0r plug-in of the distribution as an effect: pictures in out/frei0r-*.jpg.
+frei0r-sheet: all
+	@scripts/install-dependencies frei0r-plugins python3
+	@scripts/frei0r-sheet build/release out
 
 # Somebody works with the inspector, on a screen of its own: pictures in out/session, and how long events took.
 session: all
@@ -102,6 +107,13 @@ docs: all
 docs-check: docs
 	@scripts/install-dependencies chromium
 	@scripts/check-site build/docs/html build/docs/check
+
+# The Python module with the library and the effects, to be installed by pip without anything else of Vorto.
+wheel: all
+	@scripts/install-dependencies python3-pip python3-venv
+	@rm -rf build/wheel
+	@/usr/bin/python3 -m pip wheel --quiet --no-build-isolation --no-index --no-deps --wheel-dir build/wheel Bindings/Python
+	@scripts/test-wheel build/wheel
 
 format:
 	@scripts/check-format --fix

@@ -130,7 +130,7 @@ std::string identifierOfName(const std::string& name) {
 }
 
 std::string identifierFor(const NewEffectOptions& options) {
-  const std::string identifier = options.identifier.empty() ? identifierOfName(options.name) : options.identifier;
+  std::string identifier = options.identifier.empty() ? identifierOfName(options.name) : options.identifier;
   if (options.identifier.empty() && (identifier.empty() || isAsciiDigit(identifier[0]))) {
     refuse("the name \"" + options.name +
            "\" makes no identifier that begins with a letter of ASCII: give one with --identifier");

@@ -71,7 +71,7 @@ CFRange Whole(const OwnedString& string) {
   return CFRangeMake(0, CFStringGetLength(string.get()));
 }
 
-// Looked up once: the table of constants is no place for several threads.
+// Looked up once.
 CFStringRef EmptyString() {
   static const CFStringRef empty = CFSTR("");
   return empty;

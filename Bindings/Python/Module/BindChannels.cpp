@@ -53,7 +53,7 @@ void bindChannels(py::module_& module) {
   bindLevels(module);
   bindOpaqueData(module);
   module.def(
-      "parse_state",
+      "parse_parameter",
       [](const py::object& data, const std::optional<std::string>& kind) {
         if (!PyUnicode_Check(data.ptr())) return parameterOfBytes(bytesOfObject(data), stateKindNamed(kind));
         const auto text = py::cast<std::string>(data);
@@ -63,13 +63,13 @@ void bindChannels(py::module_& module) {
       "The Gradient, Levels or OpaqueData in a text or in the bytes of a file, in whatever form it is. `kind`, one of "
       "\"gradient\", \"levels\" and \"opaque\", where they do not tell. Error with the reason.");
   module.def(
-      "read_state",
+      "read_parameter",
       [](const std::string& path, const std::optional<std::string>& kind) {
         const host::StateFile file = host::readStateFile(path, stateKindNamed(kind));
         warn(file.notes);
         return file.object;
       },
-      py::arg("path"), py::arg("kind") = py::none(), "parse_state() of a file. Error with path and reason.");
+      py::arg("path"), py::arg("kind") = py::none(), "parse_parameter() of a file. Error with path and reason.");
   module.def(
       "archive", &archive, py::arg("value"), py::arg("format") = "binary",
       "A keyed archive of a value: what a property list holds, None, parameters, and lists and dicts of these. The "

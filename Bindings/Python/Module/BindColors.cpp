@@ -23,7 +23,7 @@ using State = std::tuple<std::uint32_t, float, float, float, float>;  // of a pi
 // The names of the components, for __repr__ alone.
 const char* nameOf(Type model) {
   constexpr const char* kNames[] = {"HSL", "HSV", "HWB", "RGB", "YIQ", "YUV", "CLU"};
-  return kNames[model];
+  return model <= VortoColor::CLU ? kNames[model] : "RGB";
 }
 
 // The number that people would write for a float: the shortest that is the same float.

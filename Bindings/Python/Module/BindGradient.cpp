@@ -67,7 +67,6 @@ void bindStops(py::module_& module) {
       .value("Constant", VRTGradientConstant, "The color stays.")
       .value("Linear", VRTGradientLinear, "In a straight line.")
       .value("Smooth", VRTGradientSmooth, "Along a Bezier curve, by way of the middle.");
-  py::implicitly_convertible<VRTGradientInterpolation, std::int32_t>();
 
   auto color = bindStop<ColorStop>(module, "ColorStop",
                                    "A color of a gradient, in double precision. A copy: change the "
@@ -144,12 +143,10 @@ void sort(VRTGradient& gradient) {
   gradient.kxChannelGradient()->alphaFolder.sortAndRename();
 }
 
-template <class Sample>
-std::size_t insert(VRTGradient& gradient, VRTChannelGradientFolder& folder, double position) {
+std::size_t insert(VRTChannelGradientFolder& folder, double position) {
   if (!std::isfinite(position)) throw py::value_error("a position is a finite number");
   if (folder.getNumberOfDescendants() >= host::kMaximumStops) throw py::value_error("the gradient is full of stops");
   folder.insertSample(0, position);
-  static_cast<void>(gradient);
   return folder.getNumberOfDescendants() - 1;
 }
 
@@ -259,15 +256,11 @@ void bindEditing(GradientClass& type) {
       "The opacities as a list of OpacityStop, which is a copy. ValueError for numbers that are not finite.");
   type.def(
       "insert_color",
-      [](VRTGradient& self, double position) {
-        return insert<ColorStop>(self, self.kxChannelGradient()->rgbFolder, position);
-      },
+      [](VRTGradient& self, double position) { return insert(self.kxChannelGradient()->rgbFolder, position); },
       py::arg("position"), "Add a color that is there already: the gradient stays as it looks. Its index in `colors`.");
   type.def(
       "insert_opacity",
-      [](VRTGradient& self, double position) {
-        return insert<OpacityStop>(self, self.kxChannelGradient()->alphaFolder, position);
-      },
+      [](VRTGradient& self, double position) { return insert(self.kxChannelGradient()->alphaFolder, position); },
       py::arg("position"), "Add an opacity that is there already. Its index in `opacities`.");
   type.def("sort", &sort, "Put the stops in ascending order; of those at one position the last stays.");
   type.def(

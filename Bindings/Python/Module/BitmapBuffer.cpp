@@ -42,14 +42,22 @@ const char* refusal(const Bitmap& bitmap, int flags) {
   return nullptr;
 }
 
+const Bitmap* bitmapOf(PyObject* object) {
+  try {
+    return py::handle(object).cast<const Bitmap*>();
+  } catch (const std::exception&) {
+    return nullptr;
+  }
+}
+
 int getBuffer(PyObject* object, Py_buffer* view, int flags) {
   view->obj = nullptr;
-  py::detail::make_caster<Bitmap> caster;
-  if (!caster.load(object, false)) {
-    PyErr_SetString(PyExc_BufferError, "the bitmap was not initialized");
+  const Bitmap* found = bitmapOf(object);
+  if (!found) {
+    PyErr_SetString(PyExc_BufferError, "the bitmap was made without __init__()");
     return -1;
   }
-  const Bitmap& bitmap = py::detail::cast_op<Bitmap&>(caster);
+  const Bitmap& bitmap = *found;
   if (const char* reason = refusal(bitmap, flags)) {
     PyErr_SetString(PyExc_BufferError, reason);
     return -1;

@@ -161,6 +161,17 @@ void checkLayout(const Array& array, const VortoPixelLayout& layout) {
   throw py::value_error(std::string("the array's type and channels are not those of ") + layout.name);
 }
 
+constexpr std::uint64_t kMostBytes = 0xFFFF0000u;
+constexpr std::uint64_t kWidest = std::uint64_t{1} << 26;
+
+void checkSize(const Array& array) {
+  if (array.height <= kMostBytes && array.width <= kWidest &&
+      array.width * array.pixelBytes() <= kMostBytes / array.height) {
+    return;
+  }
+  throw py::value_error("the array is larger than a bitmap can be (4 GiB)");
+}
+
 // Why a bitmap cannot lie over the array; null when it can.
 const char* whyCopied(const Array& array, const VortoPixelLayout& layout) {
   const auto number = static_cast<std::int64_t>(array.numberBytes());
@@ -245,12 +256,9 @@ std::shared_ptr<Bitmap> bitmapFromArray(const py::object& object, std::optional<
   const VortoPixelLayout& layout = TCPixelLayoutOf(wanted);
   if (wanted == VortoPixelFormat::ARGB8NoAlpha) throw py::value_error("no bitmap is made of this pixel format");
   checkLayout(array, layout);
-  if (array.height > 0xFFFFFFFFu || array.width > 0xFFFFFFu * 4 ||
-      array.width * array.pixelBytes() > 0xFFFF0000u / array.height) {
-    throw py::value_error("the array is larger than a bitmap can be (4 GiB)");
-  }
+  checkSize(array);
   const char* reason = whyCopied(array, layout);
-  if (!reason && array.height > 1 && static_cast<std::uint64_t>(array.rowStep) > 0xFFFF0000u / array.height) {
+  if (!reason && array.height > 1 && static_cast<std::uint64_t>(array.rowStep) > kMostBytes / array.height) {
     reason = "its rows lie too far apart";
   }
   if (reason && copies == false)

@@ -28,6 +28,17 @@ void findInstallation() {
   }
 }
 
+// An object that __new__() made and __init__() did not has no C++ object. Methods that meet one would be given raw
+// memory.
+void refuseUnfinishedObjects(const py::module_& module) {
+  for (const auto& [name, value] : py::dict(module.attr("__dict__"))) {
+    if (!PyType_Check(value.ptr())) continue;
+    auto* info = py::detail::get_type_info(reinterpret_cast<PyTypeObject*>(value.ptr()));
+    if (!info) continue;
+    info->operator_new = [](std::size_t) -> void* { throw py::type_error("the object was made without __init__()"); };
+  }
+}
+
 // Every name that is public is in the package's list.
 void listNames(py::module_& module) {
   py::list names;
@@ -56,5 +67,6 @@ PYBIND11_MODULE(_vorto, module) {
   bindClips(module);
   bindDocuments(module);
   bindPythonEffects(module);
+  refuseUnfinishedObjects(module);
   listNames(module);
 }

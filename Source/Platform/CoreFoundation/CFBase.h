@@ -11,8 +11,9 @@
 //
 // Ownership goes by the name of the call: what a function with Create or Copy in its name returns belongs to the
 // caller, who releases it once (CFOwned does); what one with Get in its name returns belongs to somebody else and must
-// be retained to be kept. Counts are not synchronised: an object is used by one thread at a time. Null is harmless
-// everywhere: it is neither retained nor released, queries of it give 0 or null, edits of it do nothing.
+// be retained to be kept. Counts are atomic: threads may hold one object that none of them changes; a mutable one is
+// used by one thread at a time. Null is harmless everywhere: it is neither retained nor released, queries of it give 0
+// or null, edits of it do nothing.
 using CFTypeRef = const void*;  // any object of this room
 using CFAllocatorRef = const struct CFAllocatorObject*;
 using CFIndex = long;  // counts and positions; negative ones are always out of bounds
