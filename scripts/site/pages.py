@@ -127,7 +127,7 @@ class Page:
             if token.type == 'paragraph_open':
                 text = plain(self.tokens[i + 1])
                 if text:
-                    return re.split(r'(?<=[.:]) ', text)[0].rstrip(':') + ('' if text.rstrip().endswith('.') else '')
+                    return re.split(r'(?<=[.:]) ', text)[0].rstrip(':')
         return ''
 
     def html(self):
