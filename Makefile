@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: BSD-3-Clause
 # The front door. Each target installs what it needs, builds, and runs; see README.md.
-.PHONY: all demo farm session test bench bench-jobs asan asan-foreign-bytes tsan fuzz install package format tidy clean
+.PHONY: all demo farm frei0r session test bench bench-jobs bench-python notebooks asan asan-foreign-bytes tsan fuzz install package package-test docs docs-check format tidy clean
 PREFIX ?= /usr/local
 
 all:
@@ -16,6 +16,12 @@ demo: all
 farm: all
 	@scripts/install-dependencies slurm-wlm munge
 	@scripts/farm build/release
+
+# Effects in ffmpeg, melt and GStreamer, compared with vorto render.
+frei0r: all
+	@scripts/install-dependencies melt gstreamer1.0-tools gstreamer1.0-plugins-base gstreamer1.0-plugins-good \
+	  gstreamer1.0-plugins-bad frei0r-plugins
+	@scripts/frei0r build/release out/frei0r
 
 test: all
 	@scripts/check-format
@@ -62,6 +68,15 @@ bench-jobs: all
 	@cmake --build --preset bench --target jobs
 	@build/bench/bin/jobs build/release/bin/vorto Docs/Examples/Photos/coffee.png build/bench/jobs
 
+# The same jobs in Python, with vorto and with other libraries: speed and lines of code.
+bench-python: all
+	@scripts/install-dependencies python3-pil python3-opencv python3-openimageio
+	@PYTHONPATH=build/release/python /usr/bin/python3 -B Benchmarks/Python/compare.py Docs/Examples/Photos/coffee.png
+
+# The notebooks of the documentation, run: what their cells print and show stands in them afterwards.
+notebooks: all
+	@PYTHONPATH=build/release/python scripts/run-notebook Docs/Notebooks/*.ipynb
+
 fuzz:
 	@scripts/install-dependencies clang libclang-rt-14-dev
 	@scripts/fuzz build/fuzz
@@ -70,9 +85,23 @@ install: all
 	@cmake --install build/release --prefix "$(DESTDIR)$(PREFIX)"
 	@[ -n "$(DESTDIR)" ] || scripts/refresh-desktop "$(PREFIX)"
 
-package: all
-	@scripts/install-dependencies dpkg-dev file
-	@cpack --config build/release/CPackConfig.cmake -B build/package
+# Debian packages, into build/packages; package-test installs them into a Debian that never saw the project. Needs root.
+package:
+	@scripts/install-dependencies debhelper dh-python doxygen dpkg-dev lintian python3-markdown-it python3-pygments
+	@scripts/build-packages build/packages
+
+package-test: package
+	@scripts/install-dependencies debootstrap
+	@scripts/test-packages build/packages
+
+# The site of the documentation, into build/docs/html; docs-check looks at every page of it in a browser.
+docs: all
+	@scripts/install-dependencies doxygen mandoc python3-markdown-it python3-pygments
+	@cmake --build --preset release --target docs
+
+docs-check: docs
+	@scripts/install-dependencies chromium
+	@scripts/check-site build/docs/html build/docs/check
 
 format:
 	@scripts/check-format --fix

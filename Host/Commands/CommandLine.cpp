@@ -2,6 +2,7 @@
 #include "Host/Commands/CommandLine.h"
 
 #include "Host/Commands/EffectsCommand.h"
+#include "Host/Commands/Frei0rCommand.h"
 #include "Host/Commands/NewEffectCommand.h"
 #include "Host/Commands/RenderCommand.h"
 #include "Host/Commands/SheetCommand.h"
@@ -140,6 +141,16 @@ Examples:
   vorto submit --slurm=--partition=render --slurm=--cpus-per-task=8 -- render Noise --frames 0-999x50 --output n.mov
   vorto submit --dry-run -- render Dissolve --input a.%04d.png b.%04d.png --output mix.%04d.png)";
 
+constexpr const char* kFrei0rFooter = R"(
+A plug-in is a small file that hands over to the installed vorto. Those of the effects that ship are installed with it;
+this writes them for effects and compositions of your own, which hosts then find in ~/.frei0r-1/lib or in the folders of
+FREI0R_PATH. Files that vorto did not write stay as they are.
+
+Examples:
+  vorto frei0r --list
+  vorto frei0r "My Look"
+  vorto frei0r --output /srv/plug-ins/frei0r)";
+
 constexpr const char* kNewEffectFooter = R"(
 The folder holds one source with ports of several types, a test, and what CMake needs to build them (an installed
 framework with its headers); a composition needs no compiler. In it
@@ -158,9 +169,19 @@ std::string refuseNaN(const std::string& text) {
   return std::isnan(std::strtod(text.c_str(), nullptr)) ? "Value " + text + " is no number" : "";
 }
 
+void addPython(CLI::App& command, std::vector<std::string>& files) {
+  command
+      .add_option(
+          "--python", files,
+          "Run a file of Python first, whose effects then go by their names; may be repeated (needs python3-vorto)")
+      ->type_name("FILE")
+      ->allow_extra_args(false);
+}
+
 void addEffects(CLI::App& app, EffectsOptions& options) {
   CLI::App* command = app.add_subcommand("effects", "List the effects by kind, with their ports, ranges and defaults");
   command->add_flag("--json", options.json, "As JSON");
+  addPython(*command, options.python);
 }
 
 void addFraming(CLI::App& command, FramingOptions& options) {
@@ -289,6 +310,7 @@ void addRender(CLI::App& app, RenderOptions& options) {
           "Set a gradient, levels or opaque port from a saved state, or preset:NAME (vorto state --presets lists them)")
       ->type_name("PORT=FILE")
       ->allow_extra_args(false);
+  addPython(*command, options.python);
   addFraming(*command, options.framing);
   command->add_option("--time", options.time, "A transition's time, 0 to 1; seconds for other effects; default 0")
       ->type_name("T");
@@ -374,6 +396,7 @@ void addInspect(CLI::App& app, InspectOptions& options) {
                    "(gradient, levels, opaque) and its file; preset:NAME as for render")
       ->type_name("PORT=FILE")
       ->allow_extra_args(false);
+  addPython(*command, options.python);
   addFraming(*command, options.framing);
   addColors(*command, options.colors);
   command->add_option("--time", options.time, "As for render")->type_name("T");
@@ -422,6 +445,16 @@ void addSubmit(CLI::App& app, SubmitOptions& options) {
       ->type_name("-- render ...");
 }
 
+void addFrei0r(CLI::App& app, Frei0rOptions& options) {
+  CLI::App* command = app.add_subcommand("frei0r", "Make effects plug-ins of frei0r, for ffmpeg, melt and GStreamer");
+  command->footer(kFrei0rFooter);
+  command->add_option("effects", options.effects, "The effects' names; default: all")->type_name("EFFECT");
+  command->add_option("-o,--output", options.output, "The folder to write to; default: ~/.frei0r-1/lib")
+      ->type_name("FOLDER");
+  command->add_flag("--list", options.isList, "List the plug-ins and their parameters, and what is left out");
+  command->add_flag("--shipped", options.isShipped, "Of all effects those alone that came with vorto");
+}
+
 void addNewEffect(CLI::App& app, NewEffectOptions& options) {
   CLI::App* command = app.add_subcommand("new-effect", "Begin an effect of your own: a small project that works");
   command->footer(kNewEffectFooter);
@@ -447,6 +480,7 @@ struct Options {
   SheetOptions sheet;
   InspectOptions inspect;
   SubmitOptions submit;
+  Frei0rOptions frei0r;
   NewEffectOptions newEffect;
 };
 
@@ -462,6 +496,7 @@ void addCommands(CLI::App& app, Options& options) {
   addInspect(app, options.inspect);
   addPreview(app);
   addSubmit(app, options.submit);
+  addFrei0r(app, options.frei0r);
   addNewEffect(app, options.newEffect);
 }
 
@@ -497,6 +532,8 @@ void runCommand(const CLI::App& app, const Options& options, const InspectAction
     inspect(options.inspect);
   } else if (app.got_subcommand("submit")) {
     runSubmit(options.submit, parsedRender(options.submit.command));
+  } else if (app.got_subcommand("frei0r")) {
+    runFrei0r(options.frei0r);
   } else if (app.got_subcommand("new-effect")) {
     runNewEffect(options.newEffect);
   } else if (app.got_subcommand("preview")) {

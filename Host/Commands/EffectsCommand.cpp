@@ -80,6 +80,12 @@ std::string roleText(const QCPort& port, const EffectRoles& roles) {
   return &port == roles.time ? "from --time" : "";
 }
 
+template <class Described>
+std::string textAttribute(const Described& described, const char* key) {
+  const PropertyList* value = described.attributes().find(key);
+  return value ? value->stringValue() : "";
+}
+
 std::string remarks(const QCPort& port, const EffectRoles& roles) {
   std::vector<std::string> parts;
   const auto menu = portMenu(port);
@@ -90,14 +96,10 @@ std::string remarks(const QCPort& port, const EffectRoles& roles) {
   }
   if (const std::string text = defaultText(port); !text.empty()) parts.push_back("default " + text);
   if (const std::string text = roleText(port, roles); !text.empty()) parts.push_back(text);
+  if (const std::string text = textAttribute(port, "description"); !text.empty()) parts.push_back(text);
   std::string text;
   for (const std::string& part : parts) text += (text.empty() ? "" : "; ") + part;
   return text;
-}
-
-std::string textAttribute(const QCPatch& patch, const char* key) {
-  const PropertyList* value = patch.attributes().find(key);
-  return value ? value->stringValue() : "";
 }
 
 // What the results depend on beside the ports; that transitions change with the time goes without saying.
@@ -130,6 +132,10 @@ void writePort(JsonWriter& json, const QCPort& port) {
   json.value(std::string_view(port.name()));
   json.key("kind");
   json.value(portKindName(portKindOf(port)));
+  if (const std::string text = textAttribute(port, "description"); !text.empty()) {
+    json.key("description");
+    json.value(std::string_view(text));
+  }
   const PortRange range = portRange(port);
   if (range.minimum) {
     json.key("minimum");
@@ -227,7 +233,7 @@ void printJson() {
 }  // namespace
 
 void runEffects(const EffectsOptions& options) {
-  loadEffects();
+  loadEffects(options.python);
   if (options.json) {
     printJson();
   } else {

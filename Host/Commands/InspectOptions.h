@@ -15,6 +15,7 @@ struct InspectOptions {
   std::vector<std::string> files;   // to open as a double click does, without an effect
   std::vector<std::string> values;  // "port=value"
   std::vector<std::string> states;  // "port=FILE"; without an effect one, "kind=FILE"
+  std::vector<std::string> python;  // files that bring effects
   FramingOptions framing;
   ColorOptions colors;
   std::optional<double> time;

@@ -254,7 +254,7 @@ RenderOutlook renderOutlook(const RenderOptions& options) {
   if (options.timing.rate) checkRate(*options.timing.rate);
   const RenderSetup setup = setupOf(options);
   const Output output = outputOf(options);
-  loadEffects();
+  loadEffects(options.python);
   FrameRendering rendering(setup);
   OpenClips clips(setup.inputs.size());
   openClips(clips, options, rendering.inputs(), 1);
@@ -288,7 +288,7 @@ RenderOutlook renderOutlook(const RenderOptions& options) {
 void runRender(const RenderOptions& options) {
   if (options.isWorker) {
     Output output;
-    return runWorker([&] {
+    return runWorker(options.python, [&] {
       output = outputOf(options);
       return WorkerParts{setupOf(options), output.job};
     });
@@ -303,7 +303,7 @@ void runRender(const RenderOptions& options) {
   const Output output = outputOf(options);
   if (outputKindOf(options) != OutputKind::Picture) keepStandardInputWhenRead();
 
-  loadEffects();
+  loadEffects(options.python);
   FrameRendering rendering(setup);
   const bool hasState = keepsState(rendering.effect().patch());
   if (options.isResumed) checkResumable(options, hasState);

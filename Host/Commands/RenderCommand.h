@@ -40,6 +40,7 @@ struct RenderOptions {
   std::string output;
   std::vector<std::string> values;  // "port=value"
   std::vector<std::string> states;  // "port=FILE"
+  std::vector<std::string> python;  // files that bring effects
   FramingOptions framing;
   std::optional<double> time;
   std::string depth;     // "8", "16", "half", "float", or empty for that of the inputs

@@ -8,13 +8,20 @@ namespace {
 
 namespace fs = std::filesystem;
 
+fs::path namedFolder;
+
 fs::path programFolder() {
+  if (!namedFolder.empty()) return namedFolder;
   std::error_code error;
   const fs::path program = fs::read_symlink("/proc/self/exe", error);
   return error ? fs::path(".") : program.parent_path();
 }
 
 }  // namespace
+
+void setProgramFolder(const std::string& folder) {
+  namedFolder = folder;
+}
 
 std::vector<std::string> libraryFolders() {
   const fs::path program = programFolder();
@@ -30,6 +37,12 @@ std::string hostProgram() {
     if (fs::is_regular_file(candidate, error)) return candidate.string();
   }
   return "";
+}
+
+std::vector<std::string> pythonFolders() {
+  const fs::path program = programFolder();
+  return {(program / "../lib/python3/dist-packages").lexically_normal().string(),
+          (program / "../python").lexically_normal().string()};
 }
 
 // Of a helper too, which is installed among the libraries.

@@ -67,6 +67,7 @@ PreviewSetup previewSetupOf(const InspectOptions& options) {
   PreviewSetup setup;
   setup.effect = options.effect;
   setup.inputs = options.inputs;
+  setup.python = options.python;
   setup.framing = parsedFraming(options.framing);
   setup.depth = parsedDepth(options.depth);
   setup.colors = parsedColors(options.colors, options.inputs);

@@ -67,7 +67,7 @@ void openWindows(InspectorApplication& inspector, const InspectOptions& options)
 
 void runInspector(const InspectOptions& options, int argc, char** argv) {
   checkOptions(options);
-  loadEffects();
+  loadEffects(options.python);
   if (options.isBenchmark) return runBenchmark(options, argc, argv);
   prepareWindowSystem(options);
   QApplication application(argc, argv);

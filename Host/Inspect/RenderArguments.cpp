@@ -50,6 +50,7 @@ void add(QStringList& arguments, const char* option, const std::string& value) {
 }
 
 void addInputs(QStringList& arguments, const InspectOptions& options) {
+  for (const std::string& path : options.python) arguments << "--python" << QString::fromStdString(path);
   for (const std::string& path : options.inputs) arguments << "--input" << QString::fromStdString(path);
   add(arguments, "--size", options.framing.size);
   add(arguments, "--filter", options.framing.filter);

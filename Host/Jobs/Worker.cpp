@@ -32,8 +32,9 @@ std::optional<FailureReport> failureOf(const std::function<void()>& work) {
 
 class Worker {
  public:
-  Worker(const std::function<WorkerParts()>& prepare, const WorkerHello& hello)
-      : slots_(kFirstInherited, hello.slots), failure_(failureOf([&] { begin(prepare, hello); })) {}
+  using Prepare = std::function<WorkerParts()>;
+  Worker(const std::vector<std::string>& pythonFiles, const Prepare& prepare, const WorkerHello& hello)
+      : slots_(kFirstInherited, hello.slots), failure_(failureOf([&] { begin(pythonFiles, prepare, hello); })) {}
 
   FrameResult rendered(const FrameTask& task) {
     FrameResult result;
@@ -47,11 +48,11 @@ class Worker {
   }
 
  private:
-  void begin(const std::function<WorkerParts()>& prepare, const WorkerHello& hello) {
+  void begin(const std::vector<std::string>& pythonFiles, const Prepare& prepare, const WorkerHello& hello) {
     {
       const StandardErrorSilenced silence;
       const RemarksRedirected nowhere([](const Remark&) {});
-      loadEffects();
+      loadEffects(pythonFiles);
       parts_.emplace(prepare());
       rendering_ = std::make_unique<FrameRendering>(parts_->setup);
     }
@@ -89,7 +90,7 @@ MessageSocket connectionToCoordinator() {
 
 }  // namespace
 
-void runWorker(const std::function<WorkerParts()>& prepare) {
+void runWorker(const std::vector<std::string>& pythonFiles, const std::function<WorkerParts()>& prepare) {
   MessageSocket coordinator = connectionToCoordinator();
   Bytes message;
   if (!coordinator.receive(&message)) return;
@@ -97,7 +98,7 @@ void runWorker(const std::function<WorkerParts()>& prepare) {
   const auto* const hello = std::get_if<WorkerHello>(&first);
   if (!hello) return;
   if (hello->isInputKept) standardInputIsKept();
-  Worker worker(prepare, *hello);
+  Worker worker(pythonFiles, prepare, *hello);
   while (coordinator.receive(&message)) {
     const WorkerOrder order = takeOrder(message);
     const auto* const task = std::get_if<FrameTask>(&order);

@@ -11,7 +11,7 @@ namespace host {
 namespace {
 
 RemarksRedirected::Taker& taker() {
-  static RemarksRedirected::Taker instance;
+  thread_local RemarksRedirected::Taker instance;
   return instance;
 }
 

@@ -103,7 +103,7 @@ PreviewServer::PreviewServer(MessageSocket& client, const PreviewHello& hello)
 void PreviewServer::begin() {
   {
     const StandardErrorSilenced silence;  // whoever started this has said it
-    loadEffects();
+    loadEffects(hello_.setup.python);
   }
   const PreviewSetup& setup = hello_.setup;
   effect_ = std::make_unique<EffectRendering>(setup.effect, setup.inputs.size(), framingOfEffect(hello_), setup.depth);

@@ -17,6 +17,7 @@ struct PreviewSetup {
   std::string effect = {};
   std::vector<std::string> inputs = {};    // stills, sequences, clips
   std::vector<std::string> pictures = {};  // "port=FILE", of image ports that are no inputs
+  std::vector<std::string> python = {};    // files that bring effects
   Framing framing = {};
   std::optional<Depth> depth = {};
   ColorWishes colors = {};

@@ -162,6 +162,7 @@ void put(MessageWriter& message, const PreviewSetup& setup) {
   message.text(setup.effect);
   putTexts(message, setup.inputs);
   putTexts(message, setup.pictures);
+  putTexts(message, setup.python);
   put(message, setup.framing);
   putMaybe(message, setup.depth, [&](Depth depth) { message.value(depth); });
   putMaybeSpace(message, setup.colors.working);
@@ -180,6 +181,7 @@ PreviewSetup takeSetup(MessageReader& message) {
   setup.effect = message.text();
   setup.inputs = takeTexts(message);
   setup.pictures = takeTexts(message);
+  setup.python = takeTexts(message);
   setup.framing = takeFraming(message);
   setup.depth = takeMaybe(message, [&] { return takeEnumUpTo(message, Depth::Float); });
   setup.colors.working = takeMaybeSpace(message);

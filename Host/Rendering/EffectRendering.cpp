@@ -120,6 +120,25 @@ BitmapRef EffectRendering::result(double time) {
   return result;
 }
 
+MutableBitmapRef EffectRendering::takenResult(double time) {
+  BitmapRef result;
+  const auto letGo = [&] {
+    lastResult_ = nullptr;
+    for (QCPort* input : roles_.inputs) VRTImage::setBitmapOfPort(dynamic_cast<QCImagePort&>(*input), nullptr);
+    VRTImage::setBitmapOfPort(dynamic_cast<QCImagePort&>(*roles_.output), nullptr);
+  };
+  try {
+    result = this->result(time);
+  } catch (...) {
+    letGo();
+    throw;
+  }
+  letGo();
+  // Patches may have handed on what they were given, or have it inside.
+  if (result.use_count() > 1) return std::make_shared<VortoBitmap>(*result);
+  return std::const_pointer_cast<VortoBitmap>(result);
+}
+
 bool EffectRendering::isLastResultGood(double time) const {
   const bool changesWithTime = roles_.time || dependsOnTime(*patch_);
   return lastResult_ && !watch_->hasSeenChange() && (!changesWithTime || time == lastTime_);

@@ -39,6 +39,8 @@ class EffectRendering {
   // by what it declares (Registry/VRTExecutionTraits.h), it is not run again. Throws Failure when the effect cannot
   // render, or gives something else than effects exchange.
   BitmapRef result(double time);
+  // The same for somebody who goes on with it alone: nothing of it is kept here, and nothing of what was connected.
+  MutableBitmapRef takenResult(double time);
   Depth depthOf(const VortoBitmap& result) const;  // to write it in
 
  private:

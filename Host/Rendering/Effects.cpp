@@ -4,6 +4,7 @@
 #include "Host/Files/ProgramFolder.h"
 #include "Host/Messages/CloseNames.h"
 #include "Host/Messages/Failure.h"
+#include "Host/Python/PythonFiles.h"
 #include "Host/Rendering/ExecutionContext.h"
 #include "Platform/QuartzComposer/QCPatch.h"
 #include "Registry/VRTNodeManager.h"
@@ -59,17 +60,6 @@ const std::string* knownName(const std::string& name, const std::vector<std::str
   return count == 1 ? like : nullptr;
 }
 
-std::vector<std::string> allEffectNames() {
-  std::vector<std::string> names;
-  std::set<std::string> seen;
-  for (const EffectKind kind : kEffectKinds) {
-    for (const std::string& name : effectNames(kind)) {
-      if (seen.insert(name).second) names.push_back(name);
-    }
-  }
-  return names;
-}
-
 }  // namespace
 
 const char* effectKindKey(EffectKind kind) {
@@ -100,10 +90,11 @@ const char* effectKindPlural(EffectKind kind) {
   return "Blend modes";
 }
 
-void loadEffects() {
+void loadEffects(const std::vector<std::string>& pythonFiles) {
   provideExecutionContext();
   const auto manager = VRTNodeManager::manager();
   for (const std::string& folder : additionalFolders()) manager->loadPlugInsInFolder(folder, {"plugin", "qtz"});
+  runPythonFiles(pythonFiles);
   manager->loadFailures();  // resolves compositions, and so reports the broken ones now
 }
 
@@ -113,19 +104,35 @@ std::vector<std::string> effectNames(EffectKind kind) {
   return names;
 }
 
-std::shared_ptr<QCPatch> makeEffect(const std::string& name) {
+std::vector<std::string> allEffectNames() {
+  std::vector<std::string> names;
+  std::set<std::string> seen;
+  for (const EffectKind kind : kEffectKinds) {
+    for (const std::string& name : effectNames(kind)) {
+      if (seen.insert(name).second) names.push_back(name);
+    }
+  }
+  return names;
+}
+
+std::string knownEffectName(const std::string& name) {
   const std::vector<std::string> names = allEffectNames();
   const std::string* known = knownName(name, names);
   if (!known) {
     throw Failure(ExitCode::Usage,
                   "there is no effect \"" + name + "\"" + closeNamesHint(name, names, "vorto effects lists them"));
   }
+  return *known;
+}
+
+std::shared_ptr<QCPatch> makeEffect(const std::string& name) {
+  const std::string known = knownEffectName(name);
   const auto manager = VRTNodeManager::manager();
-  auto patch = manager->nodeInstanceWithName(*known);
+  auto patch = manager->nodeInstanceWithName(known);
   if (!patch) {
-    const std::string path = manager->pathOfNodeWithName(*known);
+    const std::string path = manager->pathOfNodeWithName(known);
     throw Failure(ExitCode::Effect,
-                  "the effect \"" + *known + "\" could not be made" + (path.empty() ? "" : ", from " + path));
+                  "the effect \"" + known + "\" could not be made" + (path.empty() ? "" : ", from " + path));
   }
   return patch;
 }

@@ -20,11 +20,18 @@ const char* effectKindKey(EffectKind kind);     // "filter", "transition", "gene
 const char* effectKindPlural(EffectKind kind);  // "Filters", ...
 
 // Loads plug-ins: first the system's folders, then those of VORTO_PLUGIN_PATH (separated by colons), then the one
-// beside the program. Broken ones are reported on standard error and skipped. Patches find an execution context.
-void loadEffects();
+// beside the program. Broken ones are reported on standard error and skipped. Patches find an execution context. Then
+// runs files of Python (Host/Python/PythonFiles.h), which throws Failure.
+void loadEffects(const std::vector<std::string>& pythonFiles = {});
 
 // In the order of loading. An effect of several kinds is in several lists.
 std::vector<std::string> effectNames(EffectKind kind);
+
+// The names of all kinds, each once.
+std::vector<std::string> allEffectNames();
+
+// The effect that a name stands for, as makeEffect() has it. Throws Failure as that does.
+std::string knownEffectName(const std::string& name);
 
 // A new instance; a name whose case differs serves where only one effect has it. Throws Failure for a name that is no
 // effect's, with the names that are close to it.

@@ -78,8 +78,10 @@ const std::uint8_t* ExecutionContext::redFirst(const std::shared_ptr<const Vorto
 }
 
 void provideExecutionContext() {
-  static ExecutionContext context;
-  VortoSetExecutionContextProvider([](QCPatch&) -> VortoExecutionContext* { return &context; });
+  VortoSetExecutionContextProvider([](QCPatch&) -> VortoExecutionContext* {
+    thread_local ExecutionContext context;  // what it keeps of images is nobody else's
+    return &context;
+  });
 }
 
 }  // namespace host

@@ -30,7 +30,7 @@ class ExecutionContext : public VortoExecutionContext {
   std::vector<Copy> copies_;
 };
 
-// Makes one such context serve all patches of the process.
+// Makes one such context on each thread serve the patches that run there.
 void provideExecutionContext();
 
 }  // namespace host

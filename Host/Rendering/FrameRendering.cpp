@@ -7,21 +7,16 @@
 #include <utility>
 
 namespace host {
-namespace {
-
-// What the files of the inputs have together.
-Channels channelsOf(const InputPictures& pictures) {
-  bool gray = !pictures.infos.empty();
-  bool alpha = pictures.infos.empty();
-  for (const auto& info : pictures.infos) {
+Channels commonChannels(const std::vector<std::shared_ptr<const PictureInfo>>& infos) {
+  bool gray = !infos.empty();
+  bool alpha = infos.empty();
+  for (const auto& info : infos) {
     gray = gray && isGray(info->channels);
     alpha = alpha || hasAlpha(info->channels);
   }
   if (gray) return alpha ? Channels::GrayAlpha : Channels::Gray;
   return alpha ? Channels::RGBA : Channels::RGB;
 }
-
-}  // namespace
 
 FrameRendering::FrameRendering(const RenderSetup& setup)
     : setup_(setup),
@@ -48,7 +43,7 @@ OutputPicture FrameRendering::render(const PlannedFrame& frame, const OutputDesc
   picture.bitmap = outputConverted(result, setup_.alpha);
   picture.depth = effect_.depthOf(*picture.bitmap);
   const std::optional<Channels> told = setup_.channels ? setup_.channels : output.channels;
-  picture.channels = told ? *told : keptChannels(*picture.bitmap, channelsOf(pictures));
+  picture.channels = told ? *told : keptChannels(*picture.bitmap, commonChannels(pictures.infos));
   picture.areChannelsTold = setup_.channels.has_value();
   if (!pictures.infos.empty()) picture.metadata = pictures.infos[0]->metadata;
   if (setup_.alpha == OutputAlpha::Gray) {

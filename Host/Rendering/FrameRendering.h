@@ -9,11 +9,15 @@
 #include "Host/Rendering/RenderPlan.h"
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace host {
+
+// The fewest channels that hold all of them: gray where all are, with alpha where any has it. RGBA of none.
+Channels commonChannels(const std::vector<std::shared_ptr<const PictureInfo>>& infos);
 
 // What is rendered, of a command line that has been looked through.
 struct RenderSetup {

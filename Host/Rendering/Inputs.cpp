@@ -12,15 +12,10 @@
 #include <utility>
 
 namespace host {
-namespace {
-
-// The depth that holds the values of both.
 Depth commonDepth(Depth a, Depth b) {
   const bool integerAndHalf = (a == Depth::Bits16 && b == Depth::Half) || (a == Depth::Half && b == Depth::Bits16);
   return integerAndHalf ? Depth::Float : std::max(a, b);
 }
-
-}  // namespace
 
 Inputs::Inputs(const std::vector<std::string>& paths, std::optional<Depth> depth, std::optional<Layout> layout,
                ColorWishes colors)

@@ -15,6 +15,9 @@
 
 namespace host {
 
+// The depth that holds the values of both.
+Depth commonDepth(Depth a, Depth b);
+
 // Pictures of one working depth and one color space.
 struct InputPictures {
   std::vector<BitmapRef> bitmaps;

@@ -26,11 +26,13 @@ class TARN_EXPORT VRTChannelBase {
   virtual std::unique_ptr<VRTChannelBase> clone() const;
   virtual void willBeModified();  // called before a structural edit; for the host to override
 
+  // The name and the number that the channel has in its tree; neither has to be unique.
   const VortoString& getName() const { return name; }
   void setName(const VortoString& newName);
   std::int32_t getID() const { return id; }
   void setID(std::int32_t newID) { id = newID; }
 
+  // A new handle to this channel.
   std::unique_ptr<VRTChannelRef> getRef();
 
  private:

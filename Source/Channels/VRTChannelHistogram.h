@@ -31,12 +31,14 @@ class TARN_EXPORT VRTChannelHistogram : public VRTChannelFolder {
   VRTChannelHistogram(const VRTChannelHistogram& source) = default;
   std::unique_ptr<VRTChannelBase> clone() const override;
 
+  // One value of the channel.
   double getBlackInValue(std::int32_t channel, double, double) const;
   double getBlackOutValue(std::int32_t channel, double, double) const;
   double getWhiteInValue(std::int32_t channel, double, double) const;
   double getWhiteOutValue(std::int32_t channel, double, double) const;
   double getGammaValue(std::int32_t channel, double, double) const;
 
+  // Sets one value of the channel.
   void setBlackInValue(double value, std::int32_t channel, double, double);
   void setBlackOutValue(double value, std::int32_t channel, double, double);
   void setWhiteInValue(double value, std::int32_t channel, double, double);

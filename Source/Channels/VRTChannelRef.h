@@ -14,6 +14,7 @@ class TARN_EXPORT VRTChannelRef {
   VRTChannelRef& operator=(const VRTChannelRef& other);
   ~VRTChannelRef();  // does nothing to the channel
 
+  // The channel while it lives, else null.
   VRTChannelBase* getChannel() const { return channel; }
 
   // Identity: true when both hold the same pointer, whatever the names and ids.

@@ -30,6 +30,7 @@ struct TARN_EXPORT VRTGradientPositionLess {
 // It is filled in two steps, collect() any number of times and arrange() once; only then may it be read.
 class TARN_EXPORT VRTGradientLookup {
  public:
+  // One control point and where it lies.
   struct Entry {
     double position;
     VRTGradientLookupSample sample;
@@ -39,9 +40,11 @@ class TARN_EXPORT VRTGradientLookup {
   VRTGradientLookup(const VRTGradientLookup&) = delete;
   VRTGradientLookup& operator=(const VRTGradientLookup&) = delete;
 
+  // Adds a sample, in any order.
   void collect(double position, const VRTGradientLookupSample& sample);
   void arrange();  // sorts; of entries with equal positions the one collected last stays
 
+  // The entries, as a range.
   const Entry* begin() const { return _entries; }
   const Entry* end() const { return _entries + _size; }
   std::size_t size() const { return _size; }

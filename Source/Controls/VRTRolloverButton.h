@@ -10,6 +10,7 @@ class TARN_EXPORT VRTRolloverButton : public NSTarnButton {
  public:
   explicit VRTRolloverButton(NSRect frame, QWidget* parent = nullptr);
 
+  // The cell that draws it.
   VRTRolloverButtonCell& rolloverCell() const;
 };
 

@@ -42,6 +42,7 @@ class TARN_EXPORT VRTTransientColorPicker {
   // with the old color if there was one.
   using Action = std::function<void(VRTTransientColorPicker&)>;
 
+  // All optional.
   struct Options {
     std::optional<NSColor> oldColor;         // shown as the place where the pick begins
     std::function<void()> didStart;          // when the picker opens

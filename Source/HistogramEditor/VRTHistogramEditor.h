@@ -36,6 +36,7 @@ class VRTHistogramView;
 // editor as the sender when people have chosen another channel.
 inline constexpr const char* kVRTHistogramChannelDidChange = "VRTHistogramChannelDidChange";
 
+// The editor of a levels port, as described above.
 class TARN_EXPORT VRTHistogramEditor : public NSTarnView, public NSKeyValueObserver {
  public:
   explicit VRTHistogramEditor(NSRect frame, QWidget* parent = nullptr);
@@ -43,6 +44,7 @@ class TARN_EXPORT VRTHistogramEditor : public NSTarnView, public NSKeyValueObser
 
   void setDelegate(NSObject* delegate);  // not retained; kept for the host
   NSObject* delegate() const;            // null when it is destroyed
+  // The port whose levels are edited; null detaches the editor.
   void setHistogramPort(VRTHistogramPort* port);
   VRTChannelHistogram* getHistogramChannel() const;  // of the port's current value, or null
   void update();                                     // repaints everything

@@ -20,6 +20,7 @@ class TARN_EXPORT VRTImage : public QCImage {
   std::size_t pixelsWide() const override;
   std::size_t pixelsHigh() const override;
   int _bufferPixelSize() const override;
+  // Never null.
   const std::shared_ptr<const VortoBitmap>& bitmap() const { return bitmap_; }
 
   // The bitmap that flows into a port; null when there is no image or it is of another class.

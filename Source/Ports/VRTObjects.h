@@ -37,6 +37,7 @@ class TARN_EXPORT VRTGradient : public VRTObject {
  public:
   VRTGradient();  // white at 0 to black at 1, smooth, opaque
   ~VRTGradient() override;
+  // A new one, as the constructor makes it.
   static std::shared_ptr<VRTGradient> gradient();
   std::string className() const override { return "VRTGradient"; }
 
@@ -65,11 +66,14 @@ class TARN_EXPORT VRTHistogram : public VRTObject {
  public:
   VRTHistogram();
   ~VRTHistogram() override;
+  // A new one, as the constructor makes it.
   static std::shared_ptr<VRTHistogram> histogram();
   std::string className() const override { return "VRTHistogram"; }
 
+  // Edited in place; not a copy.
   VRTChannelHistogram* kxChannelHistogram() const { return _kxChannelHistogram.get(); }
 
+  // The channel that the editor shows, and the values of each channel: 0 to 1, gamma 0 to 5; stored as given.
   int selectedChannel() const;
   void setSelectedChannel(int channel);
   double blackInForChannel(int channel) const;
@@ -102,11 +106,14 @@ class TARN_EXPORT VRTOpaqueData : public VRTObject {
  public:
   VRTOpaqueData();
   ~VRTOpaqueData() override;
+  // A new one, empty or with a value.
   static std::shared_ptr<VRTOpaqueData> data();
   static std::shared_ptr<VRTOpaqueData> dataWithValue(NSObjectRef value);
   std::string className() const override { return "VRTOpaqueData"; }
+  // The class that values must be of.
   static std::string valueClass() { return "NSObject"; }
 
+  // The object itself, not a copy; may be null.
   bool initWithValue(NSObjectRef value);
   NSObjectRef value() const { return _value; }
 

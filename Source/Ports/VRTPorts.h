@@ -23,6 +23,7 @@ class TARN_EXPORT ParameterView {
 using VRTParameterViewFactory = std::function<NSTarnView*(QCObjectPort& port)>;
 TARN_EXPORT void VRTRegisterParameterViewFactory(const std::string& portClass, VRTParameterViewFactory factory);
 
+// Carries a VRTGradient.
 class TARN_EXPORT VRTGradientPort : public QCObjectPort, public ParameterView {
  public:
   using QCObjectPort::QCObjectPort;
@@ -32,6 +33,7 @@ class TARN_EXPORT VRTGradientPort : public QCObjectPort, public ParameterView {
   void resetParameterView(NSTarnView* view) override;
 };
 
+// Carries a VRTHistogram: levels.
 class TARN_EXPORT VRTHistogramPort : public QCObjectPort, public ParameterView {
  public:
   using QCObjectPort::QCObjectPort;
@@ -45,9 +47,11 @@ class TARN_EXPORT VRTHistogramPort : public QCObjectPort, public ParameterView {
 class TARN_EXPORT VRTOpaqueDataViewing {
  public:
   virtual ~VRTOpaqueDataViewing();
+  // A new editor for the port, owned by the caller, or null.
   virtual NSTarnView* viewForOpaqueDataPort(VRTOpaqueDataPort* port) = 0;
 };
 
+// Carries a VRTOpaqueData.
 class TARN_EXPORT VRTOpaqueDataPort : public QCObjectPort, public ParameterView {
  public:
   using QCObjectPort::QCObjectPort;

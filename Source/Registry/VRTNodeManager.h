@@ -21,6 +21,7 @@ inline constexpr std::string_view VRTNodeNamespace = "org.vorto.framework.nodes"
 // folders again, for themselves; the shared one stays.
 class TARN_EXPORT VRTNodeManager : public GFNodeManager {
  public:
+  // The shared manager, made at its first use.
   static std::shared_ptr<VRTNodeManager> manager();
   // The once-only step on first use, run by manager() and by the constructor: makes the shared manager. Safe to call
   // from inside itself, and any number of times.

@@ -14,18 +14,22 @@ class QCPort;
 // attributes. A patch may be of several kinds. Port accessors return null when the role is not declared or names no
 // port; the port belongs to the patch.
 
+// Makes an image from nothing.
 TARN_EXPORT bool isVortoGenerator(const QCPatch& patch);
 TARN_EXPORT QCPort* generatorOutputImagePort(const QCPatch& patch);
 
+// Makes an image from another.
 TARN_EXPORT bool isVortoFilter(const QCPatch& patch);
 TARN_EXPORT QCPort* filterInputImagePort(const QCPatch& patch);
 TARN_EXPORT QCPort* filterOutputImagePort(const QCPatch& patch);
 
+// Lays a foreground on a background.
 TARN_EXPORT bool isVortoBlendMode(const QCPatch& patch);
 TARN_EXPORT QCPort* blendModeInputImageBackgroundPort(const QCPatch& patch);
 TARN_EXPORT QCPort* blendModeInputImageForegroundPort(const QCPatch& patch);
 TARN_EXPORT QCPort* blendModeOutputImagePort(const QCPatch& patch);
 
+// Goes from image A to image B while its time goes from 0 to 1.
 TARN_EXPORT bool isVortoTransition(const QCPatch& patch);
 TARN_EXPORT QCPort* transitionInputImageAPort(const QCPatch& patch);
 TARN_EXPORT QCPort* transitionInputImageBPort(const QCPatch& patch);
@@ -37,6 +41,7 @@ TARN_EXPORT QCPort* transitionOutputImagePort(const QCPatch& patch);
 class TARN_EXPORT VortoExecutionContext {
  public:
   virtual ~VortoExecutionContext();
+  // The size in pixels.
   virtual std::size_t pixelsWideFromImage(const QCImage& image) = 0;
   virtual std::size_t pixelsHighFromImage(const QCImage& image) = 0;
   virtual int formatFromImage(const QCImage& image) = 0;  // not 0: red first; 0: blue first

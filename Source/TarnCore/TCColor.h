@@ -29,10 +29,17 @@ class TARN_EXPORT VortoColor {
   float c3 = 0;
   float alpha = 1;  // 0 transparent to 1 opaque; no change of model touches it
 
-  static const VortoColor RED, GREEN, BLUE, BLACK, WHITE, YELLOW;  // RGB, opaque
-  static const VortoColor CLEAR;                                   // RGB black, alpha 0
+  // In RGB, opaque.
+  static const VortoColor RED;
+  static const VortoColor GREEN;
+  static const VortoColor BLUE;
+  static const VortoColor BLACK;
+  static const VortoColor WHITE;
+  static const VortoColor YELLOW;
+  static const VortoColor CLEAR;  // RGB black, alpha 0
 
   constexpr VortoColor() = default;  // opaque black in RGB
+  // Components are kept as given; without a type they are red, green and blue.
   constexpr explicit VortoColor(Type t) : type(t) {}
   constexpr VortoColor(float r, float g, float b, float a) : c1(r), c2(g), c3(b), alpha(a) {}
   constexpr VortoColor(Type t, float first, float second, float third, float a)

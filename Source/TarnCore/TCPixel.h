@@ -55,10 +55,13 @@ struct TARN_EXPORT VortoVector4 {
   T values[4];
 };
 
+// A pixel of `count` numbers, which lie in memory as `Info` says.
 template <class T, class Info, int count>
 struct TARN_EXPORT VortoPixelN {
   T values[count];  // in memory order
 
+  // One channel from 0 to 1, also of integers, which are rounded and clamped when set. Where there is no such channel
+  // it reads 1, and setting it does nothing.
   float getRedfn() const;
   float getGreenfn() const;
   float getBluefn() const;

@@ -26,6 +26,7 @@ class TARN_EXPORT VortoPixelFormat {
   static constexpr Code RGBAHalfFloat = 8;
   static constexpr Code RGBAFloat = 9;
 
+  // What a code stands for. Bits per pixel of YUV8 are those of a pair.
   static bool hasAlpha(Code code);
   static std::uint32_t getGLInternalFormat(Code code);
   static std::uint32_t getGLDataFormat(Code code);
@@ -41,6 +42,7 @@ class TARN_EXPORT VortoPixelFormat {
 // The four depths a channel can have.
 class TARN_EXPORT VortoBitDepth {
  public:
+  // Unsigned integers, or floats of two and four bytes.
   enum Type : std::uint32_t {
     Integer8 = 0,
     Integer16 = 1,

@@ -12,18 +12,25 @@
 //
 // Whether colors are premultiplied is not part of a layout: between patches they are, in files mostly not.
 struct VortoPixelLayout {
-  enum class Number : std::uint8_t { Byte, Word, Half, Float };  // unsigned integers of 8 and 16 bits, and floats
+  // Unsigned integers of 8 and 16 bits, and floats.
+  enum class Number : std::uint8_t { Byte, Word, Half, Float };
 
   Number number;
-  int channels;                 // numbers that each pixel has in memory, without padding between pixels
-  int red, green, blue, alpha;  // which of them; -1 where there is none. Luminance is all three colors
-  bool isPaired;                // 4:2:2: U and V, of two pixels, take turns in the first number; Y is the second
-  bool isExchanged;             // flows between patches
-  const char* name;             // for messages, in English
+  int channels;  // numbers that each pixel has in memory, without padding between pixels
+  // Which of them; -1 where there is none. Luminance is all three colors.
+  int red;
+  int green;
+  int blue;
+  int alpha;
+  bool isPaired;     // 4:2:2: U and V, of two pixels, take turns in the first number; Y is the second
+  bool isExchanged;  // flows between patches
+  const char* name;  // for messages, in English
 
+  // Of one of its numbers.
   constexpr std::uint32_t bytesPerChannel() const {
     return number == Number::Byte ? 1 : number == Number::Float ? 4 : 2;
   }
+  // Of all of them; in 4:2:2 a pixel has one of U and V.
   constexpr std::uint32_t bytesPerPixel() const { return bytesPerChannel() * static_cast<std::uint32_t>(channels); }
 };
 

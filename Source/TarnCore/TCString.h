@@ -37,6 +37,7 @@ class TARN_EXPORT VortoString {
   VortoString& operator=(const VortoString& other);      // set()
   VortoString& operator=(VortoString&& other) noexcept;  // set(); the other is null afterwards
 
+  // In UTF-16 units; null and the empty string have none.
   std::uint32_t size() const;
   bool empty() const;
   CFStringRef cf_str() const;                // not retained: the caller does not own it; never null
@@ -68,11 +69,13 @@ class TARN_EXPORT VortoString {
                              std::uint32_t otherPosition) const;
 
   std::int32_t find(const VortoString& wanted) const;  // -1 when not found; an empty string is never found
+  // `length` units from `position` on.
   VortoString substr(std::uint32_t position, std::uint32_t length) const;
   VortoString substrTo(std::uint32_t end) const;         // the first end - 1 units: one less than `end`; 0 takes none
   VortoString substrFrom(std::uint32_t position) const;  // empty when the position lies beyond the end
   void debugShow() const;                                // on standard error
 
+  // The text becomes another one, or none.
   void clear();
   void set(const VortoString& other);
   void set(const char* text);
@@ -85,6 +88,7 @@ class TARN_EXPORT VortoString {
   // before that ends the text.
   void setOSType(std::uint32_t code);
 
+  // Edits, by positions and lengths in units.
   void insert(std::uint32_t position, const VortoString& other);
   void append(const VortoString& other);  // to a null string: set(); a null one: no change
   void append(const char* text);          // likewise

@@ -36,6 +36,7 @@ Words environmentFor(const std::string& home, const RunOptions& options) {
     if (isPassedOn(*variable)) variables.emplace_back(*variable);
   }
   variables.insert(variables.end(), options.environment.begin(), options.environment.end());
+  variables.push_back("FREI0R_PATH=");                    // no foreign effects, whatever is installed
   variables.push_back("XDG_CACHE_HOME=" + cache.path());  // of two with one name the first counts
   return variables;
 }

@@ -29,12 +29,8 @@ configure_file(${CMAKE_SOURCE_DIR}/scripts/cmake/vorto-editors.pc.in ${CMAKE_BIN
 install(FILES ${CMAKE_BINARY_DIR}/vorto.pc ${CMAKE_BINARY_DIR}/vorto-editors.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 install(FILES ${CMAKE_SOURCE_DIR}/README.md ${CMAKE_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/vorto)
-install(DIRECTORY ${CMAKE_SOURCE_DIR}/Docs DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/vorto)
+install(DIRECTORY ${CMAKE_SOURCE_DIR}/Docs DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/vorto PATTERN Site EXCLUDE)
+install(PROGRAMS ${CMAKE_SOURCE_DIR}/scripts/demo ${CMAKE_SOURCE_DIR}/scripts/gallery
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/vorto/examples)
 
-set(CPACK_PACKAGE_NAME vorto)
-set(CPACK_PACKAGE_CONTACT "the Vorto authors <vorto@localhost>")
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Framework for real-time image effects and the applications that host them")
-set(CPACK_RESOURCE_FILE_LICENSE ${CMAKE_SOURCE_DIR}/LICENSE)
-set(CPACK_GENERATOR DEB TGZ)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-include(CPack)
+include(VortoDocs)

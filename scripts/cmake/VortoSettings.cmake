@@ -10,6 +10,12 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 if(NOT CMAKE_BUILD_TYPE)
   set(CMAKE_BUILD_TYPE Release)
 endif()
+# Functions and lines for stack traces, no variables: a third of the compiler's time. The sanitizers' code costs it most when
+# it is optimised further.
+set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O2 -g1 -DNDEBUG")
+if(VORTO_SANITIZE OR VORTO_SANITIZE_THREADS)
+  set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O1 -g1 -DNDEBUG")
+endif()
 
 add_library(vorto_settings INTERFACE)
 target_include_directories(vorto_settings INTERFACE ${CMAKE_SOURCE_DIR}/Source)

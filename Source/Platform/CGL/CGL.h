@@ -16,6 +16,7 @@ using CGLRendererInfoObj = CGLRendererInfoObject*;
 using CGDirectDisplayID = std::uint32_t;
 using CGOpenGLDisplayMask = std::uint32_t;
 
+// What the calls below return.
 enum CGLError : int {
   kCGLNoError = 0,
   kCGLBadProperty = 10001,
@@ -24,6 +25,7 @@ enum CGLError : int {
   kCGLBadValue = 10008,
 };
 
+// What CGLDescribeRenderer() tells of a renderer.
 enum CGLRendererProperty : int {
   kCGLRPVideoMemory = 120,  // bytes; 2147483647 stands for that and more
 };

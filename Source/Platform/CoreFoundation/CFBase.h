@@ -23,11 +23,13 @@ using UniChar = unsigned short;  // one UTF-16 unit
 inline constexpr CFAllocatorRef kCFAllocatorDefault = nullptr;  // the only allocator; the argument is not looked at
 inline constexpr CFIndex kCFNotFound = -1;
 
+// `length` units or items from `location` on.
 struct CFRange {
   CFIndex location = 0;
   CFIndex length = 0;
 };
 
+// The range of these values.
 constexpr CFRange CFRangeMake(CFIndex location, CFIndex length) {
   return CFRange{location, length};
 }

@@ -34,6 +34,7 @@ TARN_EXPORT CFBundleRef CFBundleGetBundleWithIdentifier(CFStringRef identifier);
 // on standard error by path and reason, and skipped.
 TARN_EXPORT void CFBundleAddSearchFolder(const std::string& folder);
 
+// Not retained: the caller does not own it. Null for a null bundle.
 TARN_EXPORT CFStringRef CFBundleGetIdentifier(CFBundleRef bundle);
 TARN_EXPORT std::string CFBundleGetPath(CFBundleRef bundle);  // absolute, without symbolic links
 // The whole of Info.plist; an empty dictionary for a null bundle.

@@ -82,6 +82,7 @@ TARN_EXPORT CFStringRef CFStringCreateWithSubstring(CFAllocatorRef allocator, CF
 TARN_EXPORT CFStringRef CFStringCreateByCombiningStrings(CFAllocatorRef allocator, CFArrayRef strings,
                                                          CFStringRef separator);
 
+// In UTF-16 units; 0 for null.
 TARN_EXPORT CFIndex CFStringGetLength(CFStringRef string);
 TARN_EXPORT UniChar CFStringGetCharacterAtIndex(CFStringRef string, CFIndex index);  // 0 when out of bounds
 // `buffer` takes range.length units and no terminator.
@@ -93,6 +94,7 @@ TARN_EXPORT const UniChar* CFStringGetCharactersPtr(CFStringRef string);
 // `bufferSize` bytes with its terminator; the buffer then holds the empty C string.
 TARN_EXPORT bool CFStringGetCString(CFStringRef string, char* buffer, CFIndex bufferSize, CFStringEncoding encoding);
 
+// Edit the string in place.
 TARN_EXPORT void CFStringInsert(CFMutableStringRef string, CFIndex position, CFStringRef inserted);
 TARN_EXPORT void CFStringAppend(CFMutableStringRef string, CFStringRef appended);
 // Does nothing when the text is not valid in the encoding.

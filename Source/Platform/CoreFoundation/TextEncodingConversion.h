@@ -14,6 +14,7 @@ inline constexpr OSStatus paramErr = -50;
 inline constexpr OSStatus memFullErr = -108;
 inline constexpr OSStatus kTextUnsupportedEncodingErr = -8738;
 
+// How many encodings have a sniffer.
 TARN_EXPORT OSStatus TECCountAvailableSniffers(ItemCount* count);
 // At most `capacity` encodings; how many were written in *count.
 TARN_EXPORT OSStatus TECGetAvailableSniffers(TextEncoding* encodings, ItemCount capacity, ItemCount* count);

@@ -27,6 +27,7 @@ class TARN_EXPORT NSArchiver : public NSCoder {
   NSObjectRef decodeObject() override;
   NSObjectRef decodeObjectForKey(std::string_view key) override;
   bool containsValueForKey(std::string_view key) const override;
+  // The buffer of what was encoded; nothing when it failed.
   std::optional<PropertyList::Bytes> finishEncoding();
 
  private:
@@ -34,10 +35,12 @@ class TARN_EXPORT NSArchiver : public NSCoder {
   std::unique_ptr<State> state_;
 };
 
+// Reads what NSArchiver wrote. Encoding fails.
 class TARN_EXPORT NSUnarchiver : public NSCoder {
  public:
   NSUnarchiver();
   ~NSUnarchiver() override;
+  // First, once; false, with the reason in error(), when the bytes are no such buffer.
   bool initForReadingWithData(std::span<const std::uint8_t> bytes);
   bool allowsKeyedCoding() const override { return false; }
   void encodeObject(const NSObjectRef& object) override;

@@ -14,8 +14,10 @@
 class TARN_EXPORT NSCoder {
  public:
   virtual ~NSCoder();
+  // Whether values have keys.
   virtual bool allowsKeyedCoding() const = 0;
 
+  // Objects, or null. Without a key they are read in the order in which they were written.
   virtual void encodeObject(const NSObjectRef& object) = 0;
   virtual void encodeObject(const NSObjectRef& object, std::string_view key) = 0;  // keyed coders only
   virtual NSObjectRef decodeObject() = 0;

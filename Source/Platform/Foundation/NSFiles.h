@@ -33,6 +33,7 @@ class TARN_EXPORT NSReplacementFile {
   NSReplacementFile& operator=(const NSReplacementFile&) = delete;
 
   bool begin(const std::string& path, std::string* reason);  // first, once; the others only after it succeeded
+  // Writes the bytes at `offset`, in any order; false, with the cause, when that fails.
   bool write(std::uint64_t offset, std::span<const std::uint8_t> bytes, std::string* reason);
   std::size_t read(std::uint64_t offset, std::span<std::uint8_t> bytes) const;  // what was written; how much of it
   bool commit(std::string* reason);                                             // last, once: replaces the target

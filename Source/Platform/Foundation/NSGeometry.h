@@ -4,21 +4,25 @@
 // Points, sizes and rectangles in doubles, in points of a view. The origin of a rectangle is its lower left corner
 // unless the view that hands it out says that it is flipped.
 
+// A place.
 struct NSPoint {
   double x = 0;
   double y = 0;
 };
 
+// A width and a height.
 struct NSSize {
   double width = 0;
   double height = 0;
 };
 
+// An origin and a size.
 struct NSRect {
   NSPoint origin;
   NSSize size;
 };
 
+// The rectangle of these values.
 constexpr NSRect NSMakeRect(double x, double y, double width, double height) {
   return NSRect{NSPoint{x, y}, NSSize{width, height}};
 }
@@ -36,6 +40,7 @@ constexpr bool NSIntersectsRect(NSRect a, NSRect b) {
          a.origin.y < b.origin.y + b.size.height && b.origin.y < a.origin.y + a.size.height;
 }
 
+// Exactly equal.
 constexpr bool NSEqualSizes(NSSize a, NSSize b) {
   return a.width == b.width && a.height == b.height;
 }

@@ -10,6 +10,7 @@
 
 class NSObject;
 
+// What observers are told.
 struct NSNotification {
   std::string name;
   const void* object = nullptr;  // the sender; an identity, never dereferenced by the center
@@ -33,6 +34,7 @@ class TARN_EXPORT NSNotificationCenter {
     std::shared_ptr<Entry> entry_;
   };
 
+  // The one of the process.
   static NSNotificationCenter& defaultCenter();
 
   NSNotificationCenter();

@@ -18,15 +18,18 @@ class HashIndex;
 // The objects that property lists become when they travel through coders and ports. All are immutable once made, so
 // copyWithZone() may return the object itself.
 
+// A boolean, an integer or a real.
 class TARN_EXPORT NSNumber : public NSObject {
  public:
   explicit NSNumber(PropertyList value);  // a boolean, integer or real; anything else counts as integer 0
+  // A new number of that kind.
   static std::shared_ptr<NSNumber> numberWithBool(bool value);
   static std::shared_ptr<NSNumber> numberWithInt(std::int64_t value);
   static std::shared_ptr<NSNumber> numberWithDouble(double value);
   std::string className() const override { return "NSNumber"; }
   NSObjectRef copyWithZone() const override;
   bool isEqual(const NSObject& other) const override;
+  // The value as it is, and converted as PropertyList does.
   const PropertyList& value() const { return value_; }
   bool boolValue() const { return value_.boolValue(); }
   std::int32_t intValue() const { return value_.intValue(); }
@@ -36,25 +39,30 @@ class TARN_EXPORT NSNumber : public NSObject {
   PropertyList value_;
 };
 
+// A text in UTF-8.
 class TARN_EXPORT NSString : public NSObject {
  public:
   explicit NSString(std::string utf8);
+  // A new string of the text.
   static std::shared_ptr<NSString> stringWithUTF8String(std::string utf8);
   std::string className() const override { return "NSString"; }
   NSObjectRef copyWithZone() const override;
   bool isEqual(const NSObject& other) const override;
+  // The text.
   const std::string& UTF8String() const { return utf8_; }
 
  private:
   std::string utf8_;
 };
 
+// Bytes.
 class TARN_EXPORT NSData : public NSObject {
  public:
   explicit NSData(PropertyList::Bytes bytes);
   std::string className() const override { return "NSData"; }
   NSObjectRef copyWithZone() const override;
   bool isEqual(const NSObject& other) const override;
+  // The bytes.
   const PropertyList::Bytes& bytes() const { return bytes_; }
 
  private:
@@ -69,6 +77,7 @@ class TARN_EXPORT NSMutableData : public NSData {
   NSObjectRef copyWithZone() const override;
 };
 
+// A moment.
 class TARN_EXPORT NSDate : public NSObject {
  public:
   explicit NSDate(double secondsSince2001);
@@ -77,12 +86,14 @@ class TARN_EXPORT NSDate : public NSObject {
   bool isEqual(const NSObject& other) const override;
   void encodeWithCoder(NSCoder& coder) const override;
   bool initWithCoder(NSCoder& coder) override;
+  // Seconds since 2001-01-01 UTC.
   double timeIntervalSinceReferenceDate() const { return seconds_; }
 
  private:
   double seconds_;
 };
 
+// Stands for nothing where an object must be.
 class TARN_EXPORT NSNull : public NSObject {
  public:
   std::string className() const override { return "NSNull"; }
@@ -90,6 +101,7 @@ class TARN_EXPORT NSNull : public NSObject {
   bool isEqual(const NSObject& other) const override;
 };
 
+// Objects in an order.
 class TARN_EXPORT NSArray : public NSObject {
  public:
   NSArray() = default;
@@ -97,6 +109,7 @@ class TARN_EXPORT NSArray : public NSObject {
   std::string className() const override { return "NSArray"; }
   NSObjectRef copyWithZone() const override;
   bool isEqual(const NSObject& other) const override;
+  // The objects and their number.
   std::size_t count() const { return objects_.size(); }
   const std::vector<NSObjectRef>& objects() const { return objects_; }
 
@@ -114,6 +127,7 @@ class TARN_EXPORT NSDictionary : public NSObject {
   std::string className() const override { return "NSDictionary"; }
   NSObjectRef copyWithZone() const override;
   bool isEqual(const NSObject& other) const override;
+  // In the order in which they were given.
   const Entries& entries() const { return entries_; }
   NSObjectRef objectForKey(std::string_view key) const;  // null when there is no such key
 

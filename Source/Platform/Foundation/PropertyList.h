@@ -40,6 +40,7 @@ class TARN_EXPORT PropertyList {
     Dictionary(Dictionary&& other) noexcept;  // leaves the other one empty
     Dictionary& operator=(Dictionary&& other) noexcept;
 
+    // Entries by their places, 0 to size() - 1, and by their keys.
     std::size_t size() const;
     bool empty() const { return size() == 0; }
     const std::string& keyAt(std::size_t index) const;
@@ -60,6 +61,7 @@ class TARN_EXPORT PropertyList {
   };
 
   PropertyList();  // an empty dictionary
+  // Values of each type.
   static PropertyList boolean(bool value);
   static PropertyList integer(std::int64_t value);
   static PropertyList unsignedInteger(std::uint64_t value);  // values above INT64_MAX are kept as they are
@@ -73,6 +75,7 @@ class TARN_EXPORT PropertyList {
   static PropertyList array(Array items = {});
   static PropertyList dictionary(Dictionary entries = {});
 
+  // What the value is.
   Type type() const;
   const char* typeName() const;  // "boolean", "integer", "real", "string", "data", "date", "uid", "array", "dictionary"
   bool isNumber() const;         // boolean, integer or real
@@ -139,6 +142,7 @@ class TARN_EXPORT PropertyList {
   Storage storage_;
 };
 
+// A key and its value.
 struct PropertyList::Dictionary::Entry {
   std::string key;
   PropertyList value;

@@ -101,6 +101,7 @@ TARN_EXPORT kern_return_t vm_map(vm_map_t task, vm_address_t* address, vm_size_t
 TARN_EXPORT kern_return_t mach_make_memory_entry(vm_map_t task, vm_size_t* size, vm_offset_t address,
                                                  vm_prot_t permission, mach_port_t* entry, mach_port_t parent);
 
+// Gives the name back; memory that is mapped stays.
 TARN_EXPORT kern_return_t mach_port_deallocate(vm_map_t task, mach_port_t name);
 
 // munmap of the C library that knows of entries, as the kernel's does: -1 with errno on failure.

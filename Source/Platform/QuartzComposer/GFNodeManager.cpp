@@ -262,3 +262,7 @@ const std::vector<GFNodeManager::LoadFailure>& GFNodeManager::loadFailures() {
   state_->resolve(*this);
   return state_->failures;
 }
+
+void GFNodeManager::addLoadFailure(const std::string& path, const std::string& reason) {
+  state_->fail(path, reason);
+}

@@ -53,6 +53,9 @@ class TARN_EXPORT GFNodeManager : public NSObject {
   void loadPlugInsInFolder(const std::string& folder, const std::vector<std::string>& extensions);
   // In the order in which they were found out. Resolves what still waits for nodes first.
   const std::vector<LoadFailure>& loadFailures();
+  // For plug-ins that make nodes of files of another kind: one that they could not take becomes a failure like the
+  // manager's own, also printed.
+  void addLoadFailure(const std::string& path, const std::string& reason);
 
  private:
   struct State;
@@ -63,5 +66,6 @@ class TARN_EXPORT GFNodeManager : public NSObject {
 class TARN_EXPORT GFNodeInstantiating {
  public:
   virtual ~GFNodeInstantiating();
+  // A new node of that name; null for names that it does not make.
   virtual std::shared_ptr<QCPatch> instantiateNodeWithName(std::string_view name) = 0;
 };

@@ -26,6 +26,7 @@ class TARN_EXPORT QCImage : public NSObject {
  public:
   std::string className() const override { return "QCImage"; }
   NSObjectRef copyWithZone() const override;  // the same image
+  // The size in pixels.
   virtual std::size_t pixelsWide() const = 0;
   virtual std::size_t pixelsHigh() const = 0;
   virtual int _bufferPixelSize() const = 0;  // bytes per pixel

@@ -27,8 +27,10 @@ class TARN_EXPORT QCPatch : public NSObject {
   ~QCPatch() override;  // ports that outlive the patch have null as their node
   std::string className() const override { return "QCPatch"; }
 
+  // What the patch was made with.
   const PropertyList& attributes() const { return attributes_; }
   bool declaresFalse(std::string_view attribute) const;  // that it is there, a boolean, and false
+  // In the order in which they were added.
   const Ports& inputPorts() const { return inputs_; }
   const Ports& outputPorts() const { return outputs_; }
   // Null when there is none. Owned by the patch.

@@ -20,11 +20,14 @@
 // object that throws does) or keeps it for five seconds is refused.
 inline constexpr std::uint32_t QCPlugInInterfaceVersion = 1;
 
+// What a binary says of itself.
 struct QCPlugInDescription {
   std::uint32_t interfaceVersion;
+  // Called once, with the manager that is to know the nodes.
   void (*registerNodes)(GFNodeManager& manager);
 };
 
+// The one symbol that a binary exports; QC_PLUGIN_ENTRY defines it.
 extern "C" TARN_EXPORT const QCPlugInDescription* QCPlugInDescribe();
 
 // Defines the entry point of a plug-in.

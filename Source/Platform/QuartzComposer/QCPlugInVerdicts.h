@@ -38,7 +38,6 @@ class QCPlugInVerdicts {
   void read();
   void write() const;
 
-  std::string path_;     // empty when there is no cache folder
-  std::string heading_;  // of the file that this program wrote
+  std::string heading_;  // of the file that this program writes; empty when it cannot be told from other versions
   std::map<std::string, Verdict> verdicts_;
 };

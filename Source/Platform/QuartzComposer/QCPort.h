@@ -28,6 +28,7 @@ class TARN_EXPORT QCPort : public NSObject {
   ~QCPort() override;
   std::string className() const override { return "QCPort"; }
 
+  // What it was made with.
   const std::string& key() const { return key_; }
   const PropertyList& attributes() const { return attributes_; }
   std::string name() const;                // the attribute "name", or the key
@@ -78,23 +79,27 @@ class TARN_EXPORT QCPort : public NSObject {
   NSObjectRef value_;
 };
 
+// Carries a real.
 class TARN_EXPORT QCNumberPort : public QCPort {
  public:
   explicit QCNumberPort(std::string key, PropertyList attributes = {});
   std::string className() const override { return "QCNumberPort"; }
   const char* kind() const override { return "number"; }
   double doubleValue() const;  // 0 until set or given a default
+  // As setValue().
   void setDoubleValue(double value);
 
  protected:
   std::optional<NSObjectRef> acceptedValue(const NSObjectRef& value) const override;
 };
 
+// Carries true or false.
 class TARN_EXPORT QCBooleanPort : public QCPort {
  public:
   explicit QCBooleanPort(std::string key, PropertyList attributes = {});
   std::string className() const override { return "QCBooleanPort"; }
   const char* kind() const override { return "boolean"; }
+  // False until set or given a default.
   bool booleanValue() const;
   void setBooleanValue(bool value);
 
@@ -108,6 +113,7 @@ class TARN_EXPORT QCIndexPort : public QCPort {
   explicit QCIndexPort(std::string key, PropertyList attributes = {});
   std::string className() const override { return "QCIndexPort"; }
   const char* kind() const override { return "index"; }
+  // 0 until set or given a default.
   std::uint32_t indexValue() const;
   void setIndexValue(std::uint32_t value);
 
@@ -115,11 +121,13 @@ class TARN_EXPORT QCIndexPort : public QCPort {
   std::optional<NSObjectRef> acceptedValue(const NSObjectRef& value) const override;
 };
 
+// Carries a text in UTF-8.
 class TARN_EXPORT QCStringPort : public QCPort {
  public:
   explicit QCStringPort(std::string key, PropertyList attributes = {});
   std::string className() const override { return "QCStringPort"; }
   const char* kind() const override { return "string"; }
+  // Empty until set or given a default.
   std::string stringValue() const;
   void setStringValue(const std::string& value);
 
@@ -141,6 +149,7 @@ class TARN_EXPORT QCColorPort : public QCPort {
   std::optional<NSObjectRef> acceptedValue(const NSObjectRef& value) const override;
 };
 
+// Carries an image, or none. An image has no state: stateValue() is nothing, and setStateValue() refuses.
 class TARN_EXPORT QCImagePort : public QCPort {
  public:
   using QCPort::QCPort;

@@ -7,6 +7,7 @@
 // Filling and stroking with the current color, edges on device pixels. Outside drawRect nothing happens.
 class TARN_EXPORT NSBezierPath {
  public:
+  // The whole rectangle.
   static void fillRect(NSRect rect);
   // A line of that width in points, inside the rectangle's edges.
   static void strokeRect(NSRect rect, double lineWidth = 1);

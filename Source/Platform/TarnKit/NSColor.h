@@ -13,6 +13,7 @@ class NSImage;
 class TARN_EXPORT NSColor {
  public:
   NSColor() = default;  // opaque black
+  // A color of these components.
   static NSColor colorWithCalibratedRed(double red, double green, double blue, double alpha);
   // Repeats the image from the view's origin, one image pixel a point. A null image fills nothing.
   static NSColor colorWithPatternImage(std::shared_ptr<NSImage> image);

@@ -15,6 +15,7 @@ constexpr std::uint32_t NSShiftKeyMask = 0x20000;
 constexpr std::uint32_t NSControlKeyMask = 0x40000;
 constexpr std::uint32_t NSAlternateKeyMask = 0x80000;
 
+// The flags of what is held down.
 std::uint32_t NSModifierFlags(Qt::KeyboardModifiers modifiers);
 
 // One mouse event as views see it. Valid while it is handled; copy it to keep it.

@@ -25,11 +25,13 @@ class TARN_EXPORT NSGraphicsContext {
 
   static NSGraphicsContext* currentContext();  // null outside of drawing
 
+  // What the context was made with.
   QPainter& painter() const { return painter_; }
   const QWidget& widget() const { return widget_; }
   bool isFlipped() const { return flipped_; }
   double devicePixelRatio() const;  // of what is painted on, which may be an image
 
+  // From the coordinates of the view to those of the widget.
   QPointF toWidget(NSPoint point) const;
   QRectF toWidget(NSRect rect) const;
   // The same rectangle with its edges moved to the nearest device pixels, for artwork that has to be sharp at

@@ -21,6 +21,7 @@ class TARN_EXPORT NSImage {
   // The image in a file, one pixel a point; null when the file is missing or broken.
   static std::shared_ptr<NSImage> initWithContentsOfFile(const std::string& path);
 
+  // In points, as it was made.
   NSSize size() const { return size_; }
   // The newest representation is the one that is drawn. Null is ignored.
   void addRepresentation(std::shared_ptr<NSBitmapImageRep> representation);

@@ -11,6 +11,7 @@ class TARN_EXPORT NSPopUpButton : public QComboBox {
  public:
   explicit NSPopUpButton(NSRect frame, QWidget* parent = nullptr);
 
+  // The items; the first one that is added becomes the chosen one.
   void removeAllItems();
   void addItemWithTitle(const QString& title);
   void selectItemAtIndex(int index);  // an index that does not exist changes nothing

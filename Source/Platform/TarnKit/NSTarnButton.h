@@ -19,6 +19,7 @@ class TARN_EXPORT NSTarnButtonCell {
   NSTarnButtonCell(const NSTarnButtonCell&) = delete;
   NSTarnButtonCell& operator=(const NSTarnButtonCell&) = delete;
 
+  // The picture; none for a button with a title alone.
   void setImageSource(std::optional<TarnThemeImageSource> source);
   const std::optional<TarnThemeImageSource>& imageSource() const { return source_; }
   void setTitle(const std::optional<QString>& title);  // empty: an image-only button
@@ -29,7 +30,9 @@ class TARN_EXPORT NSTarnButtonCell {
   virtual void drawWithFrame(NSRect frame);
 
  protected:
+  // The picture to draw now.
   virtual const std::optional<TarnThemeImageSource>& currentImageSource() const { return source_; }
+  // The button that it draws.
   NSTarnButton& button() const { return button_; }
 
  private:
@@ -48,9 +51,11 @@ class TARN_EXPORT NSTarnButton : public QAbstractButton {
   explicit NSTarnButton(NSRect frame, QWidget* parent = nullptr);
   ~NSTarnButton() override;
 
+  // What draws the button, which owns it.
   NSTarnButtonCell& cell() const { return *cell_; }
+  // What a click does; empty for nothing.
   void setAction(std::function<void()> action);
-  bool isRolledOver() const;
+  bool isRolledOver() const;  // the pointer is above it
 
   QSize sizeHint() const override;
 

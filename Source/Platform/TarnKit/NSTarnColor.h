@@ -8,8 +8,10 @@
 // desktop's palette, or of the widget that is being drawn when it has a palette of its own.
 class TARN_EXPORT NSTarnColor {
  public:
+  // Which set holds now.
   static bool isDark();
 
+  // The colors of that set, opaque but for focusRingColor().
   static NSColor inspectorBackgroundColor();
   static NSColor inspectorLightAlternatingRowColor();
   static NSColor inspectorDarkAlternatingRowColor();

@@ -51,6 +51,7 @@ class TARN_EXPORT NSTarnView : public QWidget {
   virtual bool isOpaque() const { return false; }
 
   NSRect bounds() const;  // origin 0, 0
+  // The place in the parent, in points.
   NSRect frame() const;
   void setFrame(NSRect frame);
   void setFrameSize(NSSize size);  // keeps the frame's origin

@@ -35,6 +35,7 @@ class TARN_EXPORT TarnThemeImageSource {
   // containsValues states that the pictures of the atom show values of a control; it is kept for the interface's sake.
   TarnThemeImageSource(std::uint32_t atom, TarnTheme* theme, int index, bool containsValues);
 
+  // What it was made with.
   std::uint32_t atom() const { return atom_; }
   int index() const { return index_; }
   bool containsValues() const { return containsValues_; }

@@ -19,6 +19,7 @@ struct TarnThemeSlices {
   double bottom = 0;
 };
 
+// One picture of a theme.
 struct TarnThemeArtwork {
   std::string file;  // path of the SVG file
   NSSize size;       // in points
