@@ -92,7 +92,7 @@ install: all
 
 # Debian packages, into build/packages; package-test installs them into a Debian that never saw the project. Needs root.
 package:
-	@scripts/install-dependencies debhelper dh-python doxygen dpkg-dev lintian python3-markdown-it python3-pygments
+	@scripts/install-dependencies debhelper dh-python doxygen dpkg-dev lintian mandoc python3-markdown-it python3-pygments
 	@scripts/build-packages build/packages
 
 package-test: package

@@ -20,8 +20,8 @@ endif()
 add_library(vorto_settings INTERFACE)
 target_include_directories(vorto_settings INTERFACE ${CMAKE_SOURCE_DIR}/Source)
 # Results are defined to the bit: multiply-adds are never contracted.
-target_compile_options(vorto_settings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Werror
-                                                -ffp-contract=off)
+target_compile_options(vorto_settings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor
+                                                $<$<BOOL:${VORTO_WARNINGS_FAIL}>:-Werror> -ffp-contract=off)
 # Fully optimised, this compiler sees overlaps in the standard library's own strings.
 if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
   target_compile_options(vorto_settings INTERFACE $<$<CONFIG:Release>:-Wno-restrict>)
