@@ -5,10 +5,14 @@ Usage: PYTHONPATH=BUILD/python stubs.py [--check] FILE
 """
 
 import inspect
+import pathlib
 import re
 import sys
 
-import vorto._vorto as module
+# The package beside this file is the one that is to be built.
+sys.path = [place for place in sys.path if pathlib.Path(place).resolve() != pathlib.Path(__file__).resolve().parent]
+
+import vorto._vorto as module  # noqa: E402
 
 HEADER = '''# SPDX-License-Identifier: BSD-3-Clause
 # Made by Bindings/Python/stubs.py from the module.

@@ -8,6 +8,11 @@
 #include "Host/Commands/SheetCommand.h"
 #include "Host/Commands/StateCommand.h"
 #include "Host/Commands/SubmitCommand.h"
+#include "Host/Guidance/CompleteCommand.h"
+#include "Host/Guidance/CompletionScripts.h"
+#include "Host/Guidance/GuidanceCommands.h"
+#include "Host/Guidance/HelpFormatter.h"
+#include "Host/Guidance/ProgramFacts.h"
 #include "Host/Messages/Failure.h"
 #include "Host/Messages/Signals.h"
 #include "Host/Messages/StandardOutput.h"
@@ -28,10 +33,42 @@ constexpr const char* kFooter = R"(
 Effects are found in /Library/Application Support/Hollin/Internal Plug-Ins/Vorto, /Library/Plug-Ins/Vorto and
 ~/Library/Plug-Ins/Vorto, then in the folders of VORTO_PLUGIN_PATH (separated by colons), then beside the program.
 
-Exit codes: 0 done; 1 unexpected; 2 the command line does not fit; 3 a file cannot be read; 4 a file cannot be written;
-5 the effect cannot render. A failure leaves existing files as they were.
+vorto COMMAND --help tells more about a command, and so does man vorto-COMMAND.
 
-vorto COMMAND --help tells more about a command.)";
+Examples:
+  vorto effects
+  vorto render "Gradient Map" --input photo.png --state gradient=preset:Cyanotype --output out.png
+  vorto inspect "Gradient Map" --input photo.png
+  vorto state --presets
+
+Exit codes: )";
+
+constexpr const char* kEffectsFooter = R"(
+An effect's ports stand below it: the key, the name, the kind, and what it may be. --set and --state of vorto render take
+the key, the key without "input", or the name. Effects that cannot be made are told on standard error.
+
+Examples:
+  vorto effects
+  vorto effects --json)";
+
+constexpr const char* kSheetFooter = R"(
+The pictures stand in rows on dark gray, scaled down to fit, with a caption below each.
+
+Examples:
+  vorto sheet before.png after.png --output sheet.png
+  vorto sheet a.png b.png c.png d.png --columns 2 --labels A B C D --output sheet.jpg)";
+
+constexpr const char* kCompletionFooter = R"(
+Packages install the scripts where shells find them. Elsewhere a line in the shell's start file serves:
+
+  bash  source <(vorto completion bash), in ~/.bashrc
+  zsh   source <(vorto completion zsh), in ~/.zshrc behind compinit
+  fish  vorto completion fish | source, in ~/.config/fish/config.fish
+
+Commands, options, effects, ports, presets and the names that options take are completed; other words as files.
+
+Examples:
+  vorto completion bash)";
 
 constexpr const char* kRenderFooter = R"(
 Values of --set, by the kind of the port (vorto effects lists ports; one is named by its key, as inputLevels, or by its
@@ -180,6 +217,7 @@ void addPython(CLI::App& command, std::vector<std::string>& files) {
 
 void addEffects(CLI::App& app, EffectsOptions& options) {
   CLI::App* command = app.add_subcommand("effects", "List the effects by kind, with their ports, ranges and defaults");
+  command->footer(kEffectsFooter);
   command->add_flag("--json", options.json, "As JSON");
   addPython(*command, options.python);
 }
@@ -227,11 +265,11 @@ void addColors(CLI::App& command, ColorOptions& options) {
       .add_option(
           "--working-space", options.working,
           "The color space in which the effect works, or raw: convert nothing; default: that of the first input")
-      ->type_name("NAME");
+      ->type_name("SPACE");
   command
       .add_option("--input-space", options.inputs,
                   "The color space of the inputs, or of one of them, instead of what the files say; may be repeated")
-      ->type_name("[FILE=]NAME")
+      ->type_name("[FILE=]SPACE")
       ->allow_extra_args(false);
 }
 
@@ -335,7 +373,7 @@ void addRender(CLI::App& app, RenderOptions& options) {
       ->add_option("--output-space", options.colors.output,
                    "The color space of the file; default: display values in files of integers, linear ones in files of "
                    "floats")
-      ->type_name("NAME");
+      ->type_name("SPACE");
   addEncoding(*command, options.encoding);
   addTiming(*command, options.timing);
   addClip(*command, options.clip);
@@ -352,7 +390,7 @@ void addRender(CLI::App& app, RenderOptions& options) {
 void addState(CLI::App& app, StateOptions& options) {
   CLI::App* command = app.add_subcommand("state", "Print or convert a saved gradient, levels or opaque state");
   command->footer(kStateFooter);
-  command->add_option("file", options.file, "The state's file, or preset:NAME")->type_name("FILE");
+  command->add_option("file", options.file, "The state's file, or preset:NAME")->type_name("STATE");
   command->add_flag("--presets", options.presets, "List the gradients and levels that go by a name");
   command->add_flag("--json", options.json, "As JSON");
   command->add_option("--convert", options.convert, "Write it as xml or binary; as text; a gradient as css, svg or ggr")
@@ -366,6 +404,7 @@ void addState(CLI::App& app, StateOptions& options) {
 
 void addSheet(CLI::App& app, SheetOptions& options) {
   CLI::App* command = app.add_subcommand("sheet", "Lay pictures out on a contact sheet");
+  command->footer(kSheetFooter);
   command->add_option("files", options.files, "The pictures, in the order of reading")->required()->type_name("FILE");
   command->add_option("-o,--output", options.output, "The sheet: png, jpg, tif or exr")->required()->type_name("FILE");
   command->add_option("--columns", options.columns, "Pictures in a row; default: as square as possible")
@@ -422,6 +461,21 @@ void addInspect(CLI::App& app, InspectOptions& options) {
 
 void addPreview(CLI::App& app) {
   app.add_subcommand("preview", "How the inspector starts the processes that render its pictures")->group("");
+}
+
+void addManual(CLI::App& app, ManualOptions& options) {
+  CLI::App* command = app.add_subcommand("manual", "How the build makes the manual pages")->group("");
+  command->add_option("page", options.page, "vorto, or a command");
+  command->add_option("-o,--output", options.folder, "Where all pages are written");
+}
+
+void addCompletion(CLI::App& app, CompletionOptions& options) {
+  CLI::App* command = app.add_subcommand("completion", "Print what makes a shell complete the words of vorto");
+  command->footer(kCompletionFooter);
+  command->add_option("shell", options.shell, "bash, zsh or fish")
+      ->required()
+      ->type_name("SHELL")
+      ->check(CLI::IsMember(completionShells()));
 }
 
 void addSubmit(CLI::App& app, SubmitOptions& options) {
@@ -482,11 +536,14 @@ struct Options {
   SubmitOptions submit;
   Frei0rOptions frei0r;
   NewEffectOptions newEffect;
+  ManualOptions manual;
+  CompletionOptions completion;
 };
 
 void addCommands(CLI::App& app, Options& options) {
   app.name("vorto");
-  app.footer(kFooter);
+  app.formatter(std::make_shared<HelpFormatter>());
+  app.footer(kFooter + exitCodesText() + ". A failure leaves existing files as they were.");
   app.set_version_flag("--version", "vorto " VORTO_VERSION);
   app.require_subcommand(1);
   addEffects(app, options.effects);
@@ -495,6 +552,8 @@ void addCommands(CLI::App& app, Options& options) {
   addSheet(app, options.sheet);
   addInspect(app, options.inspect);
   addPreview(app);
+  addManual(app, options.manual);
+  addCompletion(app, options.completion);
   addSubmit(app, options.submit);
   addFrei0r(app, options.frei0r);
   addNewEffect(app, options.newEffect);
@@ -524,6 +583,10 @@ RenderCommandLine parsedRender(const std::vector<std::string>& arguments) {
 void runCommand(const CLI::App& app, const Options& options, const InspectAction& inspect) {
   if (app.got_subcommand("effects")) {
     runEffects(options.effects);
+  } else if (app.got_subcommand("manual")) {
+    runManual(app, options.manual);
+  } else if (app.got_subcommand("completion")) {
+    runCompletion(options.completion);
   } else if (app.got_subcommand("render")) {
     runRender(options.render);
   } else if (app.got_subcommand("state")) {
@@ -559,6 +622,11 @@ int runProgram(int argc, char** argv, const InspectAction& inspect) {
     Options options;
     options.render.commandLine.assign(argv + 1, argv + argc);
     addCommands(app, options);
+    if (argc > 1 && std::string_view(argv[1]) == "complete") {  // its arguments are another command's
+      runComplete(app, {argv + 2, argv + argc});
+      finishStandardOutput();
+      return static_cast<int>(ExitCode::Success);
+    }
     try {
       app.parse(argc, argv);
     } catch (const CLI::Success& success) {  // --help and --version

@@ -23,12 +23,10 @@ void remark(const std::string& text, const std::string& about) {
   std::fprintf(stderr, "vorto: %s\n", printable(text).c_str());
 }
 
-RemarksRedirected::RemarksRedirected(Taker to) {
-  taker() = std::move(to);
-}
+RemarksRedirected::RemarksRedirected(Taker to) : former_(std::exchange(taker(), std::move(to))) {}
 
 RemarksRedirected::~RemarksRedirected() {
-  taker() = nullptr;
+  taker() = std::move(former_);
 }
 
 }  // namespace host

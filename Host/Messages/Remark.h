@@ -16,7 +16,7 @@ struct Remark {
 // Says something on standard error that is no failure, in one line. Without `about` the text is what it is about.
 void remark(const std::string& text, const std::string& about = "");
 
-// As long as one lives, remarks of this thread go there instead. One at a time on a thread.
+// As long as one lives, remarks of this thread go there instead; then where they went before.
 class RemarksRedirected {
  public:
   using Taker = std::function<void(Remark)>;
@@ -24,6 +24,9 @@ class RemarksRedirected {
   ~RemarksRedirected();
   RemarksRedirected(const RemarksRedirected&) = delete;
   RemarksRedirected& operator=(const RemarksRedirected&) = delete;
+
+ private:
+  Taker former_;
 };
 
 }  // namespace host

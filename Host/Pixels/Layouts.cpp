@@ -140,7 +140,7 @@ std::string layoutList() {
   std::string list;
   for (const Layout& layout : kLayouts) {
     std::string name = layout.name;
-    name.resize(10, ' ');
+    name.resize(11, ' ');
     list += "  " + name + layout.description + "\n";
   }
   return list;

@@ -106,6 +106,21 @@ ColorSpace spaceOf(const HeldPicture& picture) {
 
 HeldPictureOutput::HeldPictureOutput(HeldOutput wishes) : wishes_(std::move(wishes)) {}
 
+// All that went into it decides. What there was to say of that, reading and rendering said.
+void HeldPictureOutput::begin(const HeldPicture& held, const PictureInfo& first) {
+  std::vector<std::string> names{held.name};
+  std::vector<const PictureInfo*> infos{&first};
+  ColorWishes wishes{held.working, wishes_.space, {held.told}};
+  for (const HeldSource& other : held.others) {
+    names.push_back(other.name);
+    infos.push_back(other.info.get());
+    wishes.inputs.push_back(other.told);
+  }
+  colors_ = std::make_unique<ColorFlow>(std::move(wishes));
+  const RemarksRedirected nowhere([](const Remark&) {});
+  colors_->begin(names, infos);
+}
+
 OutputPicture HeldPictureOutput::picture(const HeldPicture& held, std::optional<Channels> channels) {
   const PictureInfo bare = held.info ? PictureInfo() : bareInfo(held);
   const PictureInfo& info = held.info ? *held.info : bare;
@@ -119,11 +134,7 @@ OutputPicture HeldPictureOutput::picture(const HeldPicture& held, std::optional<
   if (wishes_.alpha == OutputAlpha::Gray) {
     picture.metadata.color = {};  // alpha is no color
   } else {
-    if (!colors_) {
-      colors_ = std::make_unique<ColorFlow>(ColorWishes{held.working, wishes_.space, {held.told}});
-      const RemarksRedirected nowhere([](const Remark&) {});  // what there was to say, reading it said
-      colors_->begin({held.name}, {&info});
-    }
+    if (!colors_) begin(held, info);
     colors_->toOutput(picture, wishes_.format, wishes_.path);
   }
   picture.isConverted = picture.isConverted || held.isConverted;
@@ -195,13 +206,17 @@ HeldPicture HeldRendering::render(const std::vector<HeldPicture>& worked, double
     result = worked[0];
     result.bitmap = nullptr;
   }
+  for (std::size_t i = 1; result.info && i < worked.size(); ++i) {
+    const HeldPicture& other = worked[i];
+    if (other.info) result.others.push_back({other.name, other.info, spaceBeside(other)});
+    result.others.insert(result.others.end(), other.others.begin(), other.others.end());
+  }
   effect_.connect(pictures);
   result.bitmap = effect_.takenResult(time);
   result.depth = effect_.depthOf(*result.bitmap);
   if (result.info) {
     auto info = std::make_shared<PictureInfo>(*result.info);
     info->channels = pictures.infos.size() == worked.size() ? commonChannels(pictures.infos) : Channels::RGBA;
-    info->depth = result.depth;
     result.info = std::move(info);
   }
   return result;

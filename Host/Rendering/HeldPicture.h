@@ -16,6 +16,13 @@
 // way becomes what FrameRendering makes of the same files, to the byte.
 namespace host {
 
+// A file whose colors went into a picture.
+struct HeldSource {
+  std::string name;
+  std::shared_ptr<const PictureInfo> info;
+  std::optional<ColorSpace> told;
+};
+
 // Pixels as they flow between patches, and what is known of them.
 struct HeldPicture {
   BitmapRef bitmap;                         // never null; any layout that flows between patches
@@ -25,6 +32,7 @@ struct HeldPicture {
   bool isConverted = false;                 // since it was read: integers are made of straight colors
   std::optional<ColorSpace> told;           // of the file's pixels, instead of what it says
   std::optional<ColorSpace> working;        // that they were converted to
+  std::vector<HeldSource> others;           // of which it was made, besides the first
 };
 
 // Without a file: untagged, in the depth of its samples.
@@ -57,6 +65,8 @@ class HeldPictureOutput {
   std::string clippedSpace() const { return colors_ ? colors_->clippedSpace() : ""; }
 
  private:
+  void begin(const HeldPicture& held, const PictureInfo& first);
+
   const HeldOutput wishes_;
   std::unique_ptr<ColorFlow> colors_;
 };

@@ -172,11 +172,14 @@ constexpr std::size_t kLongestName = 40;
 
 }  // namespace
 
-std::string closeColorsHint(const std::string& name) {
-  if (name.size() > kLongestName) return "";
+std::vector<std::string> colorNames() {
   std::vector<std::string> names;
   for (const ColorName& each : kColorNames) names.emplace_back(each.name);
-  return QCCloseNamesHint(name, names);
+  return names;
+}
+
+std::string closeColorsHint(const std::string& name) {
+  return name.size() > kLongestName ? "" : QCCloseNamesHint(name, colorNames());
 }
 
 std::optional<unsigned> namedColor(std::string_view name) {

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace host {
 
@@ -28,6 +29,7 @@ TextColor readColor(TextReader& reader, const std::string& otherwise = "");
 
 // The color of a name in lower case, as 0xRRGGBB.
 std::optional<unsigned> namedColor(std::string_view name);
+std::vector<std::string> colorNames();
 // "; did you mean "orange"?" for what is close to one of these names, otherwise nothing.
 std::string closeColorsHint(const std::string& name);
 

@@ -2,6 +2,9 @@
 """The registry, effects that are called, pictures and documents: what `vorto render` does, to the byte."""
 
 import inspect
+import pathlib
+import plistlib
+import tempfile
 import threading
 import unittest
 import warnings
@@ -27,13 +30,37 @@ class Registry(unittest.TestCase):
         self.assertEqual((edges.menu, edges.default), (("Transparent", "Repeat"), 1))
         self.assertTrue(blur.path.endswith(".plugin"))
         self.assertEqual({info.name for info in vorto.effects("transition")}, {"Dissolve", "Gradient Wipe", "Iris", "Slide"})
-        self.assertEqual(vorto.load_failures(), [])
 
     def test_says_what_an_effect_takes(self):
         blur = vorto.effect("gaussian blur")
         self.assertEqual(str(inspect.signature(blur)).split(", time")[0], "(image, /, *, radius=10.0, edges='Repeat'")
         self.assertIn("number, 0 to 100; default 10", type(blur).__doc__)
         self.assertIn("'Gaussian Blur'", repr(blur))
+
+    def test_loads_compositions_of_effects_written_in_python(self):
+        class Halved(vorto.Effect):
+            image = vorto.ports.Image()
+
+            def render(self, image):
+                return np.asarray(image) // 2
+
+        nodes = [{"identifier": "a", "name": "Halved"}, {"identifier": "b", "name": "Halved"}]
+        image = {"inputImagePort": "inputImage", "outputImagePort": "outputImage"}
+        composition = {
+            "formatVersion": 1,
+            "attributes": {"name": "Quartered", "protocols": {"filter": image}},
+            "nodes": nodes,
+            "connections": [{"from": "a.outputImage", "to": "b.inputImage"}],
+            "inputs": [{"key": "inputImage", "node": "a", "port": "inputImage"}],
+            "outputs": [{"key": "outputImage", "node": "b", "port": "outputImage"}],
+        }
+        with tempfile.TemporaryDirectory() as folder:
+            pathlib.Path(folder, "Quartered.qtz").write_bytes(plistlib.dumps(composition))
+            pathlib.Path(folder, "Broken.qtz").write_text("no list")
+            vorto.load_effects(folder)
+            self.assertIn(folder + "/Broken.qtz", [path for path, reason in vorto.load_failures()])
+        quartered = vorto.effect("Quartered")
+        self.assertEqual(quartered(np.full((1, 1, 4), 200, np.uint8)).tolist(), [[[50, 50, 50, 50]]])
 
     def test_refuses_what_does_not_fit(self):
         picture = np.zeros((4, 4, 4), np.uint8)

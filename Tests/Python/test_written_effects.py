@@ -100,7 +100,7 @@ class Written(unittest.TestCase):
         cases = (
             (np.zeros((2, 2, 4), np.float64), np.float32),
             (np.zeros((2, 2, 4), np.uint16)[::-1], np.uint16),
-            (vorto.Bitmap(2, 2, "rgba8"), np.uint8),
+            (vorto.Bitmap(2, 2), np.uint8),
         )
 
         class Given(vorto.Effect):
@@ -113,7 +113,7 @@ class Written(unittest.TestCase):
         for result, expected in cases:
             Given.result = result
             self.assertEqual(np.asarray(effect()).dtype, expected)
-        for wrong in (None, 7, np.zeros((2, 2)), "picture"):
+        for wrong in (None, 7, np.zeros(5), "picture"):
             Given.result = wrong
             with self.subTest(wrong=wrong), self.assertRaisesRegex(vorto.Error, 'the effect "Given" could not render'):
                 effect()
@@ -157,8 +157,9 @@ class Written(unittest.TestCase):
             def render(self, image):
                 return {}["key"]
 
-        with self.assertRaisesRegex(vorto.Error, r"KeyError: 'key' \(test_written_effects.py, line \d+, in render\)"):
+        with self.assertRaisesRegex(vorto.Error, r"KeyError: 'key' \(test_written_effects.py, line \d+, in render\)") as caught:
             vorto.effect("Broken")(np.zeros((1, 1, 4), np.uint8))
+        self.assertIsInstance(caught.exception.__cause__, KeyError)
 
 
 class InTheProgram(FolderCase):
@@ -189,6 +190,14 @@ class InTheProgram(FolderCase):
         listed = json.loads(subprocess.run([PROGRAM, "effects", "--json", "--python", self.effects], capture_output=True, check=True).stdout)
         tint = next(effect for effect in listed["filter"] if effect["name"] == "Tint")
         self.assertEqual((tint["description"], tint["dependsOnTime"], tint["keepsState"]), ("Multiplies the colors.", False, False))
+
+    def test_is_given_to_farms(self):
+        scripts = subprocess.run(
+            [PROGRAM, "submit", "--dry-run", "--", "render", "Clock", "--python", self.effects, "--size", "6x4",
+             "--frames", "0-9x5", "--output", self.path("o.%d.png")],
+            capture_output=True, text=True, check=True,
+        ).stdout
+        self.assertIn(f"--python={self.effects}", scripts)
 
     def test_failures_leave_old_files(self):
         old = self.path("old.png")

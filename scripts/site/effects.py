@@ -24,7 +24,8 @@ class Effect:
 
 def render(vorto, root, build, out):
     """The effects of the registry with their pictures, which lie in `out`/pictures."""
-    environment = dict(os.environ, HOME='/nonexistent', VORTO_PLUGIN_PATH='', FREI0R_PATH='')  # what ships, alone
+    environment = dict(os.environ, HOME=f'{build}/docs/home', VORTO_PLUGIN_PATH='', FREI0R_PATH='')  # what ships, alone
+    environment.pop('XDG_DATA_HOME', None)
     listed = json.loads(subprocess.run([vorto, 'effects', '--json'], env=environment, capture_output=True, check=True).stdout)
     shown = {}
     for kind, members in listed.items():
@@ -40,12 +41,12 @@ def render(vorto, root, build, out):
     with open(f'{scratch}/gallery/pictures.tsv', encoding='utf-8') as file:
         for line in file:
             name, picture, inputs, command = line.rstrip('\n').split('\t')
-            files = [published(vorto, f'{scratch}/gallery', f'inputs/{one}', out) for one in inputs.split()]
-            shown[name].pictures.append((published(vorto, f'{scratch}/gallery', picture, out), files, command))
+            files = [published(vorto, environment, f'{scratch}/gallery', f'inputs/{one}', out) for one in inputs.split()]
+            shown[name].pictures.append((published(vorto, environment, f'{scratch}/gallery', picture, out), files, command))
     return sorted(shown.values(), key=lambda effect: (list(KINDS).index(effect.kind), effect.name))
 
 
-def published(vorto, folder, name, out):
+def published(vorto, environment, folder, name, out):
     """Copies a picture into the site, opaque ones as JPEG; returns its path there."""
     source = f'{folder}/{name}.png'
     with open(source, 'rb') as file:
@@ -54,7 +55,8 @@ def published(vorto, folder, name, out):
     if has_alpha:
         shutil.copy(source, f'{out}/{target}')
     elif not os.path.exists(f'{out}/{target}'):
-        subprocess.run([vorto, 'render', 'Levels', '--input', source, '--quality', '90', '--output', f'{out}/{target}'], check=True)
+        subprocess.run([vorto, 'render', 'Levels', '--input', source, '--quality', '90', '--output', f'{out}/{target}'],
+                       env=environment, check=True)
     return target
 
 
@@ -182,7 +184,8 @@ def default_of(port):
         return ''
     if port['kind'] == 'color':
         digits = ''.join(f'{min(255, max(0, round(component * 255))):02x}' for component in value)
-        return f'<code>#{digits[:6] if digits[6:] == "ff" else digits}</code>'
+        code = f'#{digits[:6] if digits[6:] == "ff" else digits}'
+        return f'<span class="swatch" style="background: {code}"></span><code>{code}</code>'
     if port['kind'] == 'boolean':
         return 'yes' if value else 'no'
     if 'menu' in port:

@@ -48,7 +48,7 @@ def strip(site, shown):
 class Manual:
     """One of the manual pages that the build made."""
 
-    def __init__(self, path):
+    def __init__(self, path, beside):
         self.path = path
         stem = os.path.basename(path)[:-2]
         self.name = stem.replace('-', ' ')
@@ -57,6 +57,10 @@ class Manual:
         text = re.sub(r'<table class="(head|foot)">.*?</table>', '', text, flags=re.DOTALL)
         text = re.sub(r'<(/?)h2\b', r'<\1h3', text)
         text = re.sub(r'<(/?)h1\b', r'<\1h2', text)
+        text = re.sub(r'(<h2[^>]*><a[^>]*>)([^<]*)', lambda found: found[1] + found[2].capitalize(), text)
+        others = {os.path.basename(other)[:-2] for other in beside}
+        text = re.sub(r'(<b>([\w-]+)</b>)(?=\(1\))',
+                      lambda found: f'<a href="{found[2]}.html">{found[1]}</a>' if found[2] in others else found[1], text)
         self.text = re.sub(r'<br/>', '<br>', text)
         self.contents = [(int(level), plain_text(words), anchor) for level, anchor, words in
                          re.findall(r'<h(\d)[^>]* id="([^"]*)">(.*?)</h\1>', self.text, re.DOTALL)]
@@ -69,8 +73,8 @@ def plain_text(markup):
 
 
 def manuals(folder):
-    files = sorted(os.listdir(folder)) if os.path.isdir(folder) else []
-    return [Manual(f'{folder}/{file}') for file in files if file.endswith('.1')]
+    files = [file for file in os.listdir(folder) if file.endswith('.1')] if os.path.isdir(folder) else []
+    return [Manual(f'{folder}/{file}', files) for file in sorted(files, key=lambda file: file[:-2])]
 
 
 def write_manuals(site, pages):

@@ -127,7 +127,7 @@ class Page:
             if token.type == 'paragraph_open':
                 text = plain(self.tokens[i + 1])
                 if text:
-                    return re.split(r'(?<=[.:]) ', text)[0].rstrip(':') + ('' if text.rstrip().endswith('.') else '')
+                    return re.split(r'(?<=[.:]) ', text)[0].rstrip(':')
         return ''
 
     def html(self):
@@ -184,7 +184,8 @@ class Page:
             elif kind == 'hardbreak':
                 out.append('<br>')
             elif kind == 'code_inline':
-                code = f'<code>{unbroken(token.content)}</code>'
+                short = ' class="short"' if len(token.content) <= 20 else ''
+                code = f'<code{short}>{unbroken(token.content)}</code>'
                 target = None if linked or not self.references else self.references(token.content)
                 out.append(f'<a class="ref" href="{target}">{code}</a>' if target else code)
             elif kind == 'link_open':
@@ -257,7 +258,7 @@ def unbroken(code):
 
 
 def fenced(language, text):
-    return f'`````{language}\n{text}\n`````'
+    return f'`````{language}\n{text.rstrip(chr(10))}\n`````'
 
 
 def code_block(info, content):

@@ -72,7 +72,7 @@ ForeignNode::ForeignNode(const std::string& name, std::string plugInPath, Foreig
 }
 
 ForeignPatch::ForeignPatch(std::shared_ptr<const ForeignNode> node)
-    : QCPatch(node->attributes), node_(std::move(node)), process_(node_->plugIn, node_->effect) {
+    : QCPatch(node->attributes), node_(std::move(node)), process_(node_->plugIn) {
   const ForeignEffect& effect = *node_->effect;
   for (unsigned i = 0; i < effect.inputCount(); ++i) {
     const ImagePort& port = imagePort(effect.kind, i);

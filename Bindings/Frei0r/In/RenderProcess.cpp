@@ -32,8 +32,7 @@ bool waitFor(int socket, std::chrono::milliseconds patience) {
 
 }  // namespace
 
-RenderProcess::RenderProcess(std::string plugIn, std::shared_ptr<const ForeignEffect> effect)
-    : plugIn_(std::move(plugIn)), effect_(std::move(effect)) {}
+RenderProcess::RenderProcess(std::string plugIn) : plugIn_(std::move(plugIn)) {}
 
 bool RenderProcess::begin(const FrameSize& size, std::string* reason) {
   if (!process_.isRunning() && !start(reason)) return false;
@@ -59,14 +58,14 @@ bool RenderProcess::start(std::string* reason) {
   socket_ = std::move(ours);
   frames_ = std::move(frames);
   sent_.clear();
-  for (const ForeignParameter& parameter : effect_->parameters) sent_.push_back(parameter.initial);
   return true;
 }
 
 bool RenderProcess::render(double time, const std::vector<ParameterValue>& values, std::string* reason) {
   Order order{size_, time, {}};
   for (std::size_t i = 0; i < values.size(); ++i) {
-    if (values[i] != sent_[i]) order.changed.emplace_back(static_cast<std::uint32_t>(i), values[i]);
+    if (i >= sent_.size() || values[i] != sent_[i])
+      order.changed.emplace_back(static_cast<std::uint32_t>(i), values[i]);
   }
   if (!send(bytesOf(order), reason) || !receive(reason)) return false;
   sent_ = values;

@@ -15,14 +15,14 @@ namespace vorto::frei0r {
 // process, where what the plug-in kept of earlier frames is gone.
 class RenderProcess {
  public:
-  // Of a file; the effect's initial values are those that need not be sent.
-  RenderProcess(std::string plugIn, std::shared_ptr<const ForeignEffect> effect);
+  explicit RenderProcess(std::string plugIn);  // of a file
 
   // First for every frame: room for its pixels, in a running process. False, with the reason.
   bool begin(const FrameSize& size, std::string* reason);
   std::uint32_t* input(unsigned index) { return frames_->frame(index); }
 
-  // Renders the inputs into output(). Values by parameter. False, with the reason.
+  // Renders the inputs into output(). Values by parameter, of which those are sent that the process does not have: at
+  // first all, so that results depend on them alone. False, with the reason.
   bool render(double time, const std::vector<ParameterValue>& values, std::string* reason);
   const std::uint32_t* output() const { return frames_->frame(SharedFrames::kOutput); }
 
@@ -33,12 +33,11 @@ class RenderProcess {
   bool fail(const std::string& what, std::string* reason);
 
   std::string plugIn_;
-  std::shared_ptr<const ForeignEffect> effect_;
   HelperProcess process_;
   Descriptor socket_;
   std::unique_ptr<SharedFrames> frames_;
   FrameSize size_;
-  std::vector<ParameterValue> sent_;  // what the process has, by parameter
+  std::vector<ParameterValue> sent_;  // what the process has, by parameter; empty: nothing
 };
 
 }  // namespace vorto::frei0r

@@ -36,12 +36,12 @@ double NumberScale::value(double share) const {
   share = std::clamp(share, 0.0, 1.0);
   const auto [minimum, maximum] = range_;
   if (minimum && maximum) {
-    if (share == 0) return *minimum;
+    if (share == 0 || !(*maximum > *minimum)) return *minimum;
     if (share == 1) return *maximum;
     const double size = std::max(std::abs(*minimum), std::abs(*maximum));
     // Halves apart, as the difference of two ends may be too large.
     const double value = rounded(*minimum * (1 - share) + *maximum * share, size);
-    return std::clamp(value, *minimum, std::max(*minimum, *maximum));
+    return std::clamp(value, *minimum, *maximum);
   }
   if (minimum || maximum) {
     const double distance = rounded(openValue(share), openValue(share));

@@ -10,6 +10,8 @@
 #include "Host/Messages/Json.h"
 #include "Host/Rendering/FrameTimes.h"
 
+#include <pybind11/stl.h>
+
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
@@ -96,7 +98,7 @@ class Clip {
 };
 
 struct ClipWishes {
-  py::object like, rate, codec, quality, speed, sampling, audio, space;
+  py::object like, rate, codec, quality, speed, sampling, audio, space, channels;
   double patience = 60;
 };
 
@@ -110,6 +112,7 @@ class Writer {
     output.path = path_;
     output.format = host::FileFormat::Clip;
     if (!wishes.space.is_none()) output.space = host::spaceOfOption("space=", wishes.space.cast<std::string>());
+    output.channels = host::parsedChannels(optionText(wishes.channels));
     const auto wait = patienceOf(wishes.patience);
     file_ = withoutLock([&] { return std::make_unique<ClipFileWriter>(target, times_, output, wait); });
   }
@@ -147,11 +150,14 @@ class Writer {
     target.container = extension.empty() ? "" : extension.substr(1);
     target.settings = {optionText(wishes.codec), optionText(wishes.speed), optionText(wishes.sampling),
                        wishes.quality.is_none() ? -1 : wishes.quality.cast<int>()};
-    if (like && wishes.rate.is_none()) {
-      times_ = {like->info().rate, like->info().timeBase, like->info().times, like->info().end};
-    } else if (!wishes.rate.is_none()) {
+    if (!wishes.rate.is_none()) {
       times_.rate = rateOf(wishes.rate);
-      times_.timeBase = host::unitOfRate(times_.rate);
+    } else if (like) {
+      times_.rate = like->info().rate;
+    }
+    times_.timeBase = host::unitOfRate(times_.rate);
+    if (like && wishes.rate.is_none() && like->info().isUneven) {
+      times_ = {like->info().rate, like->info().timeBase, like->info().times, like->info().end};
     }
     target.rate = times_.rate;
     target.timeBase = times_.timeBase;
@@ -187,14 +193,15 @@ void bindClip(py::module_& module) {
       "object; a damaged clip is read as far as it can be, which comes as a warning. One thread uses it.")
       .def(py::init<const py::object&, double>(), py::arg("path"), py::kw_only(), py::arg("patience") = 60.0,
            "patience: the seconds that one frame may take to be decoded. Raises Error naming the file.")
-      .def("__len__", &Clip::count)
-      .def("__getitem__", &Clip::frame, py::arg("index"))
+      .def("__len__", &Clip::count, "How many frames there are.")
+      .def("__getitem__", &Clip::frame, py::arg("index"),
+           "A frame by its place, from 0 on, or from the end by -1: a Picture.")
       .def(
           "at", [](Clip& self, double seconds) { return self.frame(static_cast<std::int64_t>(self.placeAt(seconds))); },
           py::arg("seconds"), "The frame that is shown so many seconds from the start.")
       .def("time_code", &Clip::timeCode, py::arg("index") = 0,
            "\"01:02:03:04\" of a frame, with a semicolon where frames are dropped; None without one.")
-      .def_property_readonly("path", &Clip::path)
+      .def_property_readonly("path", &Clip::path, "As it was given.")
       .def_property_readonly(
           "width", [](const Clip& self) { return self.info().picture.width; }, "In pixels, upright.")
       .def_property_readonly(
@@ -202,14 +209,17 @@ void bindClip(py::module_& module) {
       .def_property_readonly(
           "rate", [](const Clip& self) { return fraction(self.info().rate); },
           "Frames per second, a Fraction; the average where they come unevenly.")
-      .def_property_readonly("is_uneven", [](const Clip& self) { return self.info().isUneven; })
+      .def_property_readonly(
+          "is_uneven", [](const Clip& self) { return self.info().isUneven; }, "Whether frames do not come at one rate.")
       .def_property_readonly(
           "duration", [](const Clip& self) { return self.info().duration(); }, "In seconds.")
       .def_property_readonly("times", &timesOf, "From when on each frame is shown, in seconds since the first.")
-      .def_property_readonly("codec", [](const Clip& self) { return self.info().codec; })
+      .def_property_readonly(
+          "codec", [](const Clip& self) { return self.info().codec; }, "As people know it: \"H.264\", \"ProRes 4444\".")
       .def_property_readonly(
           "sampling", [](const Clip& self) { return self.info().sampling; }, "What is stored, as in \"yuv420p10le\".")
-      .def_property_readonly("has_audio", [](const Clip& self) { return self.info().hasAudio; })
+      .def_property_readonly(
+          "has_audio", [](const Clip& self) { return self.info().hasAudio; }, "Whether there is sound.")
       .def("close", &Clip::close, "Ends the process. No frame can be had afterwards.")
       .def("__enter__", [](py::object self) { return self; })
       .def("__exit__", [](Clip& self, const py::args&) { self.close(); })
@@ -224,18 +234,20 @@ void bindWriter(py::module_& module) {
       "that is never closed. One thread uses it.")
       .def(
           py::init([](const py::object& path, py::object like, py::object rate, py::object codec, py::object quality,
-                      py::object speed, py::object sampling, py::object audio, py::object space, double patience) {
+                      py::object speed, py::object sampling, py::object audio, py::object space, py::object channels,
+                      double patience) {
             return std::make_unique<Writer>(
-                path, ClipWishes{like, rate, codec, quality, speed, sampling, audio, space, patience});
+                path, ClipWishes{like, rate, codec, quality, speed, sampling, audio, space, channels, patience});
           }),
           py::arg("path"), py::kw_only(), py::arg("like") = py::none(), py::arg("rate") = py::none(),
           py::arg("codec") = py::none(), py::arg("quality") = py::none(), py::arg("speed") = py::none(),
           py::arg("sampling") = py::none(), py::arg("audio") = py::none(), py::arg("space") = py::none(),
-          py::arg("patience") = 60.0,
+          py::arg("channels") = py::none(), py::arg("patience") = 60.0,
           "like: a Clip whose times and audio are taken. rate: frames per second (a number, a Fraction or text), else\n"
           "those of `like`, else 25. codec, quality (1 to 100), speed, sampling: as `vorto render` has them. audio: a "
           "file\n"
-          "whose audio goes along, or False for none. space: the color space of the clip.")
+          "whose audio goes along, or False for none. space: the color space of the clip. channels:\n"
+          "\"rgb\" or \"rgba\", else as the first frame has them; without a file, alpha is kept where it is not full.")
       .def("write", &Writer::write, py::arg("image"),
            "The next frame: a Picture, a Bitmap or an array. The first one decides size, depth and alpha.")
       .def("close", &Writer::finish,

@@ -142,7 +142,7 @@ std::string savePreset(const std::string& name, const State& state, const std::s
 void bindDocuments(py::module_& module) {
   py::class_<State>(module, "State",
                     "A saved gradient, levels or opaque parameter, as a file has it; read_state() makes it.")
-      .def_readonly("path", &State::path)
+      .def_readonly("path", &State::path, "As it was given.")
       .def_property_readonly(
           "kind", [](const State& self) { return host::stateKindName(self.file.kind); },
           "\"gradient\", \"levels\" or \"opaque\".")

@@ -7,6 +7,7 @@
 #include "Host/Jobs/FrameOutput.h"
 #include "Host/Jobs/SlotClips.h"
 #include "Host/Messages/Failure.h"
+#include "Host/Pixels/Alpha.h"
 
 #include <utility>
 
@@ -78,14 +79,18 @@ ClipFileWriter::ClipFileWriter(const host::ClipTarget& target, ClipTimes times, 
       output_(jobOutputOf(target, patience)),
       slots_(kWriteSlots),
       results_(output_, slots_),
-      colors_(output) {}
+      colors_(output),
+      channels_(output.channels) {}
 
 void ClipFileWriter::write(const host::HeldPicture& held) {
   if (!times_.times.empty() && count_ >= times_.times.size()) {
     throw Error("cannot write " + output_.clip.path + ": the clip that it is like has " +
                 std::to_string(times_.times.size()) + " frames: give a rate instead");
   }
-  const host::OutputPicture picture = colors_.picture(held, results_.channels());
+  std::optional<host::Channels> channels = count_ == 0 ? channels_ : results_.channels();
+  // Pixels that nobody says more of have alpha where they are not opaque.
+  if (!channels && !held.info && host::isOpaque(*held.bitmap)) channels = host::Channels::RGB;
+  const host::OutputPicture picture = colors_.picture(held, channels);
   std::optional<std::size_t> slot;
   while (!(slot = results_.freeSlot())) results_.takeBack();
   host::FrameTask task;

@@ -68,6 +68,7 @@ class ClipFileWriter {
   host::FrameSlots slots_;
   host::ResultOutput results_;
   host::HeldPictureOutput colors_;
+  const std::optional<host::Channels> channels_;  // told
   std::uint64_t count_ = 0;
   std::uint64_t clipped_ = 0;
 };

@@ -2,10 +2,12 @@
 #include "Patch.h"
 
 #include "PortArguments.h"
+#include "PythonPatch.h"
 #include "Remarks.h"
 #include "Use.h"
 
 #include "Host/Commands/OptionValues.h"
+#include "Host/Messages/Failure.h"
 #include "Platform/QuartzComposer/QCPatch.h"
 #include "Registry/VRTExecutionTraits.h"
 #include "TarnCore/TCBitmap.h"
@@ -21,6 +23,16 @@ void keepForEffect(std::vector<host::HeldPicture>& worked, const std::vector<hos
   for (std::size_t i = 0; i < worked.size(); ++i) {
     if (worked[i].bitmap == given[i].bitmap) worked[i].bitmap = std::make_shared<VortoBitmap>(*given[i].bitmap);
   }
+}
+
+// The failure, caused by what an effect in Python raised, where one did.
+[[noreturn]] void raise(const host::Failure& failure) {
+  const py::object cause = takeRaised();
+  if (!cause) throw failure;
+  const py::object error = py::module_::import("vorto._vorto").attr("Error");
+  PyErr_SetObject(reinterpret_cast<PyObject*>(Py_TYPE(cause.ptr())), cause.ptr());
+  py::raise_from(error.ptr(), failure.what());
+  throw py::error_already_set();
 }
 
 }  // namespace
@@ -58,7 +70,8 @@ py::object Patch::render(const py::sequence& arguments, const py::dict& paramete
     given.push_back(pictures.back().held);
   }
   if (!std::isfinite(wishes.time)) throw py::value_error("time: give a finite number");
-  host::HeldPicture result = withRemarks([&] {
+  takeRaised();
+  const auto rendered = [&] {
     prepare({given.size(), sizeText(wishes.size), optionText(wishes.scaling), optionText(wishes.fit),
              optionText(wishes.place), optionText(wishes.depth)});
     setParameters(parameters);
@@ -67,8 +80,12 @@ py::object Patch::render(const py::sequence& arguments, const py::dict& paramete
     std::vector<host::HeldPicture> worked = rendering_->worked(given);
     if (isKept) keepForEffect(worked, given);
     return rendering_->render(worked, wishes.time);
-  });
-  return returnedPicture(std::move(result), pictures.empty() ? Given::Bitmap : pictures[0].kind);
+  };
+  try {
+    return returnedPicture(withRemarks(rendered), pictures.empty() ? Given::Bitmap : pictures[0].kind);
+  } catch (const host::Failure& failure) {
+    raise(failure);
+  }
 }
 
 }  // namespace vorto::python

@@ -58,6 +58,13 @@ py::object integerObject(const PropertyList& list) {
   return py::int_(bits);
 }
 
+std::string utf8Of(const py::handle& text) {
+  Py_ssize_t size = 0;
+  const char* utf8 = PyUnicode_AsUTF8AndSize(text.ptr(), &size);
+  if (!utf8) throw py::error_already_set();
+  return {utf8, static_cast<std::size_t>(size)};
+}
+
 // Walks through what Python has, within the limits of property lists.
 class Reader {
  public:
@@ -65,7 +72,7 @@ class Reader {
     if (++values_ > PropertyListMaximumValues) throw py::value_error("more values than a property list can have");
     if (PyBool_Check(object.ptr())) return PropertyList::boolean(object.ptr() == Py_True);
     if (PyFloat_Check(object.ptr())) return PropertyList::real(py::cast<double>(object));
-    if (PyUnicode_Check(object.ptr())) return PropertyList::string(py::cast<std::string>(object));
+    if (PyUnicode_Check(object.ptr())) return PropertyList::string(utf8Of(object));
     if (PyBytes_Check(object.ptr())) return PropertyList::data(bytesOfObject(py::cast<py::buffer>(object)));
     if (PyByteArray_Check(object.ptr())) return PropertyList::mutableData(bytesOfObject(py::cast<py::buffer>(object)));
     if (PyDict_Check(object.ptr())) return nested([&] { return dictionary(object); });
@@ -97,7 +104,7 @@ class Reader {
     PropertyList list;
     for (const auto& [key, value] : py::reinterpret_borrow<py::dict>(object)) {
       if (!PyUnicode_Check(key.ptr())) throw py::type_error("the keys of a property list are str");
-      list.set(py::cast<std::string>(key), read(value));
+      list.set(utf8Of(key), read(value));
     }
     return list;
   }
@@ -193,7 +200,7 @@ NSObjectRef archivedWithin(const py::handle& object, int depth, std::uint64_t& v
     NSDictionary::Entries entries;
     for (const auto& [key, value] : py::reinterpret_borrow<py::dict>(object)) {
       if (!PyUnicode_Check(key.ptr())) throw py::type_error("the keys of a dict that is archived are str");
-      entries.emplace_back(py::cast<std::string>(key), archivedWithin(value, depth + 1, values));
+      entries.emplace_back(utf8Of(key), archivedWithin(value, depth + 1, values));
     }
     return std::make_shared<NSDictionary>(std::move(entries));
   }

@@ -24,6 +24,9 @@ host::BitmapRef redFirst(const host::BitmapRef& bitmap) {
   return copy;
 }
 
+// Owned; a thread that ends leaves it.
+thread_local PyObject* raised = nullptr;
+
 py::object valueFor(QCPort& port) {
   auto* const image = dynamic_cast<QCImagePort*>(&port);
   if (!image) return portValue(port);
@@ -32,6 +35,10 @@ py::object valueFor(QCPort& port) {
 }
 
 }  // namespace
+
+py::object takeRaised() {
+  return py::reinterpret_steal<py::object>(std::exchange(raised, nullptr));
+}
 
 PythonPatch::PythonPatch(PropertyList attributes, const py::object& plan)
     : QCPatch(std::move(attributes)), plan_(plan), instance_(plan.attr("instance")()) {
@@ -80,8 +87,8 @@ void PythonPatch::render(double time) {
   for (QCPort* port : wanted_) values.append(valueFor(*port));
   const py::object result = plan_.attr("render")(instance_, values, time);
   host::BitmapRef bitmap = givenPicture(result).held.bitmap;
-  // What it was given it may hand on; what it keeps itself it may change.
-  if (keepsState(*this)) bitmap = std::make_shared<VortoBitmap>(*bitmap);
+  // What is an array's may be handed to no other process, and what the effect keeps it may change.
+  if (bitmap->memoryEntry == 0 || keepsState(*this)) bitmap = std::make_shared<VortoBitmap>(*bitmap);
   VRTImage::setBitmapOfPort(*output_, std::move(bitmap));
 }
 
@@ -94,6 +101,8 @@ bool PythonPatch::execute(double time, std::string* reason) {
     return true;
   } catch (py::error_already_set& error) {
     *reason = plan_.attr("failure")(error.value()).cast<std::string>();
+    takeRaised();
+    raised = py::object(error.value()).release().ptr();
     error.restore();  // so that it ends here, with the lock
     PyErr_Clear();
   }

@@ -12,6 +12,10 @@
 
 namespace vorto::python {
 
+// What the last effect in Python that failed on this thread raised; null when none has since it was last taken. With
+// the interpreter's lock.
+py::object takeRaised();
+
 // An effect whose class is written in Python. It is told of by a plan (vorto/writing.py), which makes the instances and
 // calls their render(); here are the ports, and the way of the values between them. It may run on any thread: the
 // interpreter's lock is taken as long as Python is at work.

@@ -185,7 +185,9 @@ class _Plan:
             instance.__dict__["_renders"] = False
         if result is None:
             raise TypeError(f"{self.cls.__name__}.render() returned None, not a picture")
-        return result
+        # What numpy computes with unless it is told otherwise.
+        isDouble = not isinstance(result, _vorto.Bitmap) and getattr(getattr(result, "dtype", None), "char", "") == "d"
+        return result.astype("f4") if isDouble else result
 
 
 def _register(cls):
