@@ -113,7 +113,7 @@ class Written(unittest.TestCase):
         for result, expected in cases:
             Given.result = result
             self.assertEqual(np.asarray(effect()).dtype, expected)
-        for wrong in (None, 7, np.zeros((2, 2)), "picture"):
+        for wrong in (None, 7, np.zeros(5), "picture"):
             Given.result = wrong
             with self.subTest(wrong=wrong), self.assertRaisesRegex(vorto.Error, 'the effect "Given" could not render'):
                 effect()
