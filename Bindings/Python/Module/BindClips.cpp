@@ -5,6 +5,8 @@
 #include "Pictures.h"
 #include "Remarks.h"
 
+#include <pybind11/stl.h>
+
 #include "Host/Clips/TimeCodes.h"
 #include "Host/Color/SpaceNames.h"
 #include "Host/Messages/Json.h"
