@@ -12,8 +12,6 @@
 #include "Host/Messages/Json.h"
 #include "Host/Rendering/FrameTimes.h"
 
-#include <pybind11/stl.h>
-
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
