@@ -7,7 +7,9 @@ in the wheel.
 """
 
 import base64
+import csv
 import hashlib
+import io
 import os
 import pathlib
 import re
@@ -61,7 +63,7 @@ def add(wheel, records, place, data, mode=0o644):
     info.compress_type = zipfile.ZIP_DEFLATED
     wheel.writestr(info, data)
     digest = base64.urlsafe_b64encode(hashlib.sha256(data).digest()).rstrip(b"=").decode()
-    records.append(f"{place},sha256={digest},{len(data)}")
+    records.append((place, f"sha256={digest}", len(data)))
 
 
 def add_installation(wheel, records):
@@ -95,8 +97,9 @@ def build_wheel(wheel_directory, config_settings=None, metadata_directory=None):
         add_installation(wheel, records)
         add(wheel, records, f"{information}/METADATA", metadata().encode())
         add(wheel, records, f"{information}/WHEEL", wheel_description().encode())
-        records.append(f"{information}/RECORD,,")
-        wheel.writestr(f"{information}/RECORD", "\n".join(records) + "\n")
+        table = io.StringIO()
+        csv.writer(table, lineterminator="\n").writerows(records + [(f"{information}/RECORD", "", "")])
+        wheel.writestr(f"{information}/RECORD", table.getvalue())
     return name
 
 

@@ -5,12 +5,12 @@
 #include "Pictures.h"
 #include "Remarks.h"
 
+#include <pybind11/stl.h>
+
 #include "Host/Clips/TimeCodes.h"
 #include "Host/Color/SpaceNames.h"
 #include "Host/Messages/Json.h"
 #include "Host/Rendering/FrameTimes.h"
-
-#include <pybind11/stl.h>
 
 #include <algorithm>
 #include <cmath>

@@ -42,7 +42,7 @@ py::object takeRaised() {
 
 PythonPatch::PythonPatch(PropertyList attributes, const py::object& plan)
     : QCPatch(std::move(attributes)), plan_(plan), instance_(plan.attr("instance")()) {
-  for (const auto& each : plan.attr("specification")()) {
+  for (const auto& each : plan.attr("declaration")()) {
     const auto [key, kind, described] = each.cast<std::tuple<std::string, std::string, py::dict>>();
     if (!addPort(key, kind, listOfObject(described))) {
       throw std::invalid_argument("the port " + key + " is there twice, or of the unknown kind " + kind);

@@ -154,7 +154,7 @@ class _Plan:
             port.__set_name__(self.cls, attribute)
         return added
 
-    def specification(self):
+    def declaration(self):
         """Key, kind and attributes of each port."""
         return [(port.key, port.kind, port.attributes()) for port in self.ports]
 
