@@ -12,7 +12,7 @@ namespace {
 
 constexpr const char* kName = "frei0r";
 constexpr std::size_t kLargest = std::size_t{1} << 25;
-constexpr std::int64_t kDay = 24 * 60 * 60;
+constexpr std::int64_t kDay = 86'400;  // seconds
 
 }  // namespace
 

@@ -42,7 +42,7 @@ void writeRow(const std::uint32_t* from, std::uint32_t* to, std::size_t width) {
 }  // namespace
 
 MutableBitmapRef copyOfFrame(const std::uint32_t* frame, std::uint32_t width, std::uint32_t height) {
-  const MutableBitmapRef copy = host::newUnsetBitmap(width, height, VortoPixelFormat::RGBA8, "a frame");
+  MutableBitmapRef copy = host::newUnsetBitmap(width, height, VortoPixelFormat::RGBA8, "a frame");
   for (std::uint32_t y = 0; y < height; ++y) {
     std::uint32_t* const to = row(*copy, y);
     std::memcpy(to, frame + std::size_t{y} * width, std::size_t{width} * sizeof *to);

@@ -16,7 +16,7 @@ namespace frei0r {
 namespace {
 
 // The compiler must not know what is in it: it is filled in the file.
-constinit const volatile StubFields fields = {"vorto frei0r stub, version 1", 0, "", ""};
+constinit const volatile StubFields kFields = {"vorto frei0r stub, version 1", 0, "", ""};
 
 struct Texts {
   char effect[sizeof(StubFields::effect)];
@@ -62,11 +62,11 @@ Link instance;
 pthread_once_t once = PTHREAD_ONCE_INIT;
 
 void makeLink() {
-  copy(texts.effect, fields.effect, sizeof texts.effect);
-  copy(texts.module, fields.module, sizeof texts.module);
+  copy(texts.effect, kFields.effect, sizeof texts.effect);
+  copy(texts.module, kFields.module, sizeof texts.module);
   if (!texts.module[0]) findModule(texts.module, sizeof texts.module);
   instance.module = loadedModule(texts.module, texts.effect);
-  if (instance.module) instance.effect = instance.module->effectNamed(texts.effect, fields.inputs);
+  if (instance.module) instance.effect = instance.module->effectNamed(texts.effect, kFields.inputs);
 }
 
 // Made by the first call of any function; hosts differ in which that is.
