@@ -97,7 +97,7 @@ fs::path folderOf(const Frei0rOptions& options) {
 
 // Empty where a stub in that folder finds the module on its own, so that both can be moved.
 std::string moduleFor(const fs::path& folder) {
-  const std::string module = frei0r::modulePath();
+  std::string module = frei0r::modulePath();
   for (const char* place : {VORTO_MODULE_FROM_STUBS, "../lib/vorto/vorto-frei0r.so"}) {
     std::error_code ignored;
     if (fs::equivalent(folder / place, module, ignored)) return "";

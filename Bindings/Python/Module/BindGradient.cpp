@@ -211,7 +211,7 @@ VortoColor colorAt(const VRTGradient& gradient, double position) {
 
 std::shared_ptr<VRTGradient> gradientOfStops(const std::vector<ColorStop>& colors,
                                              const std::optional<std::vector<OpacityStop>>& opacities) {
-  const auto gradient = VRTGradient::gradient();
+  auto gradient = VRTGradient::gradient();
   setStops(*gradient, {colors, opacities.value_or(std::vector<OpacityStop>{host::kOpaque})});
   return gradient;
 }

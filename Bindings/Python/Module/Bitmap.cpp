@@ -89,7 +89,7 @@ MutableBitmapRef newBitmap(std::uint64_t width, std::uint64_t height, std::uint3
   }
   const auto w = static_cast<std::uint32_t>(width);
   const auto h = static_cast<std::uint32_t>(height);
-  const MutableBitmapRef bitmap =
+  MutableBitmapRef bitmap =
       rowPadding != 0 ? std::make_shared<VortoBitmap>(w, h, 8 * layout.bytesPerChannel(), layout.channels, code,
                                                       static_cast<std::uint32_t>(rowPadding))
                       : MutableBitmapRef(isUnset ? TCCreateUnsetBitmap(w, h, code) : TCCreateBitmap(w, h, code));
@@ -121,7 +121,7 @@ void copyRows(VortoBitmap& destination, const VortoBitmap& source) {
 }
 
 MutableBitmapRef tightCopy(const VortoBitmap& bitmap) {
-  const MutableBitmapRef copy = newBitmap(bitmap.width, bitmap.height, bitmap.formatCode, 0, true);
+  MutableBitmapRef copy = newBitmap(bitmap.width, bitmap.height, bitmap.formatCode, 0, true);
   if (bitmap.rowPadding == 0) {
     copy->copy(bitmap);
   } else {

@@ -31,7 +31,7 @@ void takeLuminance(const FloatPixel& from, To& to) {
 
 template <class From, class To>
 MutableBitmapRef pixelwise(const VortoBitmap& source, std::uint32_t code, void (*take)(const From&, To&)) {
-  const MutableBitmapRef result = newBitmap(source.width, source.height, code, 0, true);
+  MutableBitmapRef result = newBitmap(source.width, source.height, code, 0, true);
   const auto* from = reinterpret_cast<const From*>(source.data);
   auto* to = reinterpret_cast<To*>(result->data);
   const std::size_t count = std::size_t{source.width} * source.height;
@@ -40,7 +40,7 @@ MutableBitmapRef pixelwise(const VortoBitmap& source, std::uint32_t code, void (
 }
 
 MutableBitmapRef depthConverted(const VortoBitmap& source, std::uint32_t code) {
-  const MutableBitmapRef result = newBitmap(source.width, source.height, code, 0, true);
+  MutableBitmapRef result = newBitmap(source.width, source.height, code, 0, true);
   result->copyWithScalingAndDepthConversion(source);
   return result;
 }
@@ -61,7 +61,7 @@ BitmapRef readable(const BitmapRef& source) {
 
 MutableBitmapRef asYUV(const VortoBitmap& source) {
   if (source.width % 2 != 0) throw py::value_error("4:2:2 has pairs of columns, and this bitmap an odd number of them");
-  const MutableBitmapRef result = newBitmap(source.width, source.height, Format::YUV8);
+  MutableBitmapRef result = newBitmap(source.width, source.height, Format::YUV8);
   result->copy(source.formatCode == Format::ARGB8 ? source : *depthConverted(source, Format::ARGB8));
   return result;
 }
@@ -83,7 +83,7 @@ MutableBitmapRef convertedPixels(const Bitmap& bitmap, std::uint32_t code) {
   if (isDepthTarget(code)) return depthConverted(*source, code);
   switch (code) {
     case Format::RGBA8: {
-      const MutableBitmapRef result = depthConverted(*source, Format::ARGB8);
+      MutableBitmapRef result = depthConverted(*source, Format::ARGB8);
       result->convertToRGBA();
       return result;
     }

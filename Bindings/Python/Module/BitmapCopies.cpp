@@ -153,7 +153,7 @@ std::shared_ptr<Bitmap> cropped(const Bitmap& self, std::int64_t x, std::int64_t
   requireInside(self, x, y, width, height);
   const bool isYUV = self.pixels().formatCode == Format::YUV8;
   const std::uint32_t code = isYUV ? Format::ARGB8 : self.pixels().formatCode;
-  const auto result = std::make_shared<Bitmap>(newBitmap(width, height, code));
+  auto result = std::make_shared<Bitmap>(newBitmap(width, height, code));
   copyWithCropping(*result, self, x, y, false);
   return result;
 }

@@ -194,7 +194,7 @@ std::shared_ptr<Bitmap> overlaid(const Array& array, std::uint32_t code) {
   const MutableBitmapRef pixels =
       foreignBitmap(array.data, (row + padding) * (array.height - 1) + row, static_cast<std::uint32_t>(array.width),
                     static_cast<std::uint32_t>(array.height), code, static_cast<std::uint32_t>(padding), array.owner);
-  const auto bitmap = std::make_shared<Bitmap>(pixels);
+  auto bitmap = std::make_shared<Bitmap>(pixels);
   if (array.isReadOnly) bitmap->makeReadOnly();
   return bitmap;
 }
