@@ -21,6 +21,11 @@ set(effect_functions VortoEffects.cmake VortoCheckComposition.cmake EffectInfo.p
 list(TRANSFORM effect_functions PREPEND ${CMAKE_SOURCE_DIR}/scripts/cmake/)
 install(FILES ${CMAKE_BINARY_DIR}/VortoConfig.cmake ${CMAKE_BINARY_DIR}/VortoConfigVersion.cmake ${effect_functions}
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Vorto)
+if(CMAKE_INSTALL_LIBDIR MATCHES "^lib/")
+  foreach(file VortoConfig.cmake VortoConfigVersion.cmake)
+    install(FILES ${CMAKE_SOURCE_DIR}/scripts/cmake/VortoForward.cmake DESTINATION ${CMAKE_INSTALL_DATADIR}/cmake/Vorto RENAME ${file})
+  endforeach()
+endif()
 
 # The files tell where they lie, so that an installation can be moved.
 file(RELATIVE_PATH VORTO_PREFIX_FROM_PKGCONFIG /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
